@@ -1,0 +1,1 @@
+# cmake --install: headers under include/orvik/, the library, a CMake package and a pkg-config file.

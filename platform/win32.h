@@ -1,0 +1,13 @@
+// The one door to the operating system: the Win32 names this house uses, on both homes.
+// Windows has them in its own headers; elsewhere platform/posix/ gives each the meaning that its documentation gives it.
+#pragma once
+
+#include "platform/api.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+// setupapi.h needs windows.h before it.
+#include <setupapi.h>
+#else
+#include "platform/posix/win32_names.h"
+#endif
