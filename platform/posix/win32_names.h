@@ -4,5 +4,6 @@
 #include "platform/posix/types.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/console.h"
+#include "platform/posix/files.h"
 #include "platform/posix/modules.h"
 #include "platform/posix/text.h"

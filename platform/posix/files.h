@@ -1,0 +1,73 @@
+// Files and folders under their Win32 calls. Names are this house's text (see SystemPath in text.h); "/" separates folders.
+// CreateFileA, ReadFile and WriteFile serve ports and files alike and stand in io.h.
+#pragma once
+
+#include "platform/api.h"
+#include "platform/posix/types.h"
+
+#define INVALID_FILE_ATTRIBUTES 0xFFFFFFFFu
+#define FILE_ATTRIBUTE_READONLY 0x1u
+#define FILE_ATTRIBUTE_HIDDEN 0x2u
+#define FILE_ATTRIBUTE_DIRECTORY 0x10u
+#define FILE_ATTRIBUTE_ARCHIVE 0x20u
+#define FILE_ATTRIBUTE_NORMAL 0x80u
+#define FILE_ATTRIBUTE_REPARSE_POINT 0x400u
+
+#define FILE_BEGIN 0u
+#define FILE_CURRENT 1u
+#define FILE_END 2u
+
+#define MOVEFILE_REPLACE_EXISTING 0x1u
+#define MOVEFILE_COPY_ALLOWED 0x2u
+#define MOVEFILE_WRITE_THROUGH 0x8u
+
+#define FILE_NAME_NORMALIZED 0x0u
+#define VOLUME_NAME_DOS 0x0u
+
+enum GET_FILEEX_INFO_LEVELS { GetFileExInfoStandard };
+
+struct WIN32_FILE_ATTRIBUTE_DATA {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime, ftLastAccessTime, ftLastWriteTime;
+    DWORD nFileSizeHigh, nFileSizeLow;
+};
+
+struct WIN32_FIND_DATAA {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime, ftLastAccessTime, ftLastWriteTime;
+    DWORD nFileSizeHigh, nFileSizeLow, dwReserved0, dwReserved1;
+    CHAR cFileName[MAX_PATH];
+    CHAR cAlternateFileName[14];
+};
+
+// Attributes follow symbolic links. Failures: 2 or 3 missing, 5 not allowed.
+ORVIK_API DWORD WINAPI GetFileAttributesA(LPCSTR name);
+ORVIK_API BOOL WINAPI GetFileAttributesExA(LPCSTR name, GET_FILEEX_INFO_LEVELS level, LPVOID data);
+// Only the read-only attribute has a meaning here: the write permissions.
+ORVIK_API BOOL WINAPI SetFileAttributesA(LPCSTR name, DWORD attributes);
+
+ORVIK_API BOOL WINAPI DeleteFileA(LPCSTR name);
+// Without MOVEFILE_REPLACE_EXISTING an existing target is error 183. A replaced file is replaced in one step: at every moment the
+// name holds the old file or the new one. MOVEFILE_WRITE_THROUGH also flushes the folder, so that the step survives a power cut.
+ORVIK_API BOOL WINAPI MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags);
+ORVIK_API BOOL WINAPI CreateDirectoryA(LPCSTR name, LPVOID security);
+ORVIK_API BOOL WINAPI RemoveDirectoryA(LPCSTR name);
+
+// The absolute name, "." and ".." resolved in the text alone; nothing is looked up. Length, or the size needed, or 0.
+ORVIK_API DWORD WINAPI GetFullPathNameA(LPCSTR name, DWORD size, LPSTR out, LPSTR* filePart);
+ORVIK_API DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR out);
+ORVIK_API DWORD WINAPI GetTempPathA(DWORD size, LPSTR out);
+
+// Entries of one folder whose name matches the last part of `pattern` ("*" any run, "?" any one character), "." and ".." included
+// as documented. Case matters, as everywhere in this system's folders. Entries whose name does not fit MAX_PATH are passed over.
+ORVIK_API HANDLE WINAPI FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data);
+ORVIK_API BOOL WINAPI FindNextFileA(HANDLE find, WIN32_FIND_DATAA* data);
+ORVIK_API BOOL WINAPI FindClose(HANDLE find);
+
+// On handles of files from CreateFileA.
+ORVIK_API BOOL WINAPI SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD method);
+ORVIK_API BOOL WINAPI GetFileSizeEx(HANDLE file, LARGE_INTEGER* size);
+ORVIK_API BOOL WINAPI SetEndOfFile(HANDLE file);
+ORVIK_API BOOL WINAPI FlushFileBuffers(HANDLE file);  // to the disk, not only to the system
+// The name with every symbolic link followed. Length without the terminator, or the size needed with it, or 0.
+ORVIK_API DWORD WINAPI GetFinalPathNameByHandleA(HANDLE file, LPSTR out, DWORD size, DWORD flags);
