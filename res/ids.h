@@ -1,0 +1,54 @@
+/* Resource ids, for C++ and the resource compiler alike. A text's id is the number in strings.def. */
+#pragma once
+
+#define IDC_ORVIK_ZOOM_IN 143
+#define IDC_ORVIK_TEXT 145
+#define IDC_ORVIK_TEXT_MOVE 146
+#define IDC_ORVIK_TEXT_SNAP 147
+#define IDC_ORVIK_CURSOR 148
+#define IDC_ORVIK_ZOOM_X 149
+#define IDC_ORVIK_ZOOM_Y 150
+#define IDC_ORVIK_DRAG 151
+#define IDC_ORVIK_MOVE_X 152
+#define IDC_ORVIK_MOVE_X_EXT 153
+#define IDC_ORVIK_MOVE_X_ORG 154
+#define IDC_ORVIK_MOVE_Y 155
+#define IDC_ORVIK_MOVE_Y_EXT 156
+#define IDC_ORVIK_MOVE_Y_ORG 157
+#define IDC_ORVIK_TEXT_SELECT 158
+#define IDC_ORVIK_SIZE_COLUMN 160
+#define IDC_ORVIK_V_SPLITTER 162
+#define IDC_ORVIK_H_SPLITTER 165
+
+#define IDI_ORVIK_WARNING 167
+#define IDI_ORVIK_QUESTION 168
+#define IDI_ORVIK_THUMB_UP 169
+#define IDI_ORVIK_HOUR_GLASS 170
+#define IDI_ORVIK_ERROR 171
+#define IDI_ORVIK_INFORMATION 172
+#define IDI_ORVIK_THUMB_DOWN 175
+
+/* Texts: 823 to 827 file copying, 828 to 838 protocol failures, 842 to 844 property list, 8083 floating tag. */
+#define IDS_FILE_SAME 823
+#define IDS_FILE_NOT_COPIED 824
+#define IDS_FILE_ACCESS_DENIED 825
+#define IDS_FILE_EXISTS 826
+#define IDS_FILE_DISK_FULL 827
+#define IDS_COMM_FIRST 828
+#define IDS_COMM_UNKNOWN 838
+#define IDS_SPAN_ERROR 839
+#define IDS_PROPERTY 842
+#define IDS_VALUE 843
+#define IDS_PROPERTIES_OF 844
+#define IDS_LONG_MONTH 8000
+#define IDS_SHORT_MONTH 8012
+#define IDS_LONG_DAY 8024
+#define IDS_SHORT_DAY 8031
+#define IDS_BAD_DATE 8038
+#define IDS_BAD_TIME 8039
+#define IDS_BAD_SPAN 8040
+#define IDS_BAD_NUMBER 8041
+#define IDS_WORDS_WEEKS 8042
+#define IDS_UNIT_WEEKS 8050
+#define IDS_ABBREVIATION_WEEKS 8057
+#define IDS_NEW_TAG 8083
