@@ -8,6 +8,9 @@
 #include <windows.h>
 // setupapi.h needs windows.h before it.
 #include <setupapi.h>
+// The C run-time's 64-bit time functions.
+#include <sys/timeb.h>
+#include <time.h>
 #else
 #include "platform/posix/win32_names.h"
 #endif

@@ -1,0 +1,13 @@
+// Between ICU's text and Windows-1252, for regional settings.
+// Any thread.
+#pragma once
+
+#include <unicode/unistr.h>
+
+#include <string>
+
+namespace orvik::detail {
+// Characters that Windows-1252 lacks become "?"; the narrow no-break space of modern locale data becomes the no-break space 0xA0,
+// and the mathematical minus the hyphen, as regional settings on Windows have them.
+std::string AnsiFromUnicode(const icu::UnicodeString& text);
+}  // namespace orvik::detail
