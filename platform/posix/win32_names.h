@@ -6,6 +6,7 @@
 #include "platform/posix/console.h"
 #include "platform/posix/crt_time.h"
 #include "platform/posix/files.h"
+#include "platform/posix/message_box.h"
 #include "platform/posix/modules.h"
 #include "platform/posix/nls.h"
 #include "platform/posix/resources.h"

@@ -1,0 +1,163 @@
+#include "afx/exception.h"
+
+#include "afx/message_box.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <new>
+
+IMPLEMENT_DYNAMIC(CException, CObject)
+IMPLEMENT_DYNAMIC(CMemoryException, CException)
+IMPLEMENT_DYNAMIC(CNotSupportedException, CException)
+IMPLEMENT_DYNAMIC(CInvalidArgException, CException)
+IMPLEMENT_DYNAMIC(CResourceException, CException)
+IMPLEMENT_DYNAMIC(COleException, CException)
+IMPLEMENT_DYNAMIC(CArchiveException, CException)
+IMPLEMENT_DYNAMIC(CFileException, CException)
+
+void CException::Delete() {
+    if (m_bAutoDelete) delete this;
+}
+
+BOOL CException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
+    CopyMessage("", lpszError, nMaxError, pnHelpContext);
+    return FALSE;
+}
+
+BOOL CException::CopyMessage(LPCSTR text, LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) {
+    if (pnHelpContext != nullptr) *pnHelpContext = 0;
+    if (lpszError == nullptr || nMaxError == 0) return FALSE;
+    const size_t length = std::min<size_t>(std::strlen(text), nMaxError - 1);
+    std::memcpy(lpszError, text, length);
+    lpszError[length] = 0;
+    return TRUE;
+}
+
+int CException::ReportError(UINT nType, UINT nMessageID) {
+    char message[512];
+    if (!GetErrorMessage(message, sizeof message)) return AfxMessageBox("An operation failed.", nType, nMessageID);
+    return AfxMessageBox(message, nType);
+}
+
+BOOL CMemoryException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
+    return CopyMessage("Out of memory.", lpszError, nMaxError, pnHelpContext);
+}
+
+BOOL CNotSupportedException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
+    return CopyMessage("The operation is not supported.", lpszError, nMaxError, pnHelpContext);
+}
+
+BOOL CInvalidArgException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
+    return CopyMessage("An argument is not valid.", lpszError, nMaxError, pnHelpContext);
+}
+
+BOOL CResourceException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
+    return CopyMessage("A resource was not found.", lpszError, nMaxError, pnHelpContext);
+}
+
+BOOL COleException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
+    CString text;
+    text.Format("The operation failed (0x%08X).", static_cast<unsigned>(m_sc));
+    return CopyMessage(text, lpszError, nMaxError, pnHelpContext);
+}
+
+CArchiveException::CArchiveException(int cause, LPCSTR lpszArchiveName) : m_cause(cause), m_strFileName(lpszArchiveName) {}
+
+BOOL CArchiveException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
+    static constexpr const char* kTexts[] = {"No error occurred.",
+                                             "The file cannot be read.",
+                                             "The file was opened for reading and cannot be written.",
+                                             "The file ends too early.",
+                                             "The file was opened for writing and cannot be read.",
+                                             "The file refers to something that it does not hold.",
+                                             "The file holds an object of an unexpected kind.",
+                                             "The file was written by another version.",
+                                             "The file does not fit its buffer."};
+    const bool known = m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts));
+    CString text = kTexts[known ? m_cause : genericException];
+    if (!m_strFileName.IsEmpty()) text = m_strFileName + ": " + text;
+    return CopyMessage(text, lpszError, nMaxError, pnHelpContext);
+}
+
+CFileException::CFileException(int cause, LONG lOsError, LPCSTR lpszArchiveName)
+    : m_cause(cause), m_lOsError(lOsError), m_strFileName(lpszArchiveName) {}
+
+BOOL CFileException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
+    static constexpr const char* kTexts[] = {"No error occurred.",
+                                             "The file operation failed.",
+                                             "The file was not found.",
+                                             "The folder was not found.",
+                                             "Too many files are open.",
+                                             "Access to the file was denied.",
+                                             "The file is not open.",
+                                             "The current folder cannot be removed.",
+                                             "The folder is full.",
+                                             "The position in the file is not valid.",
+                                             "The device failed.",
+                                             "The file is in use.",
+                                             "A part of the file is locked.",
+                                             "The disk is full.",
+                                             "The file ends too early."};
+    const bool known = m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts));
+    CString text = kTexts[known ? m_cause : genericException];
+    if (!m_strFileName.IsEmpty()) text = m_strFileName + ": " + text;
+    return CopyMessage(text, lpszError, nMaxError, pnHelpContext);
+}
+
+int CFileException::OsErrorToException(LONG lOsError) {
+    switch (lOsError) {
+        case NO_ERROR:
+            return none;
+        case ERROR_FILE_NOT_FOUND:
+            return fileNotFound;
+        case ERROR_PATH_NOT_FOUND:
+        case ERROR_INVALID_NAME:
+        case ERROR_DIRECTORY:
+        case ERROR_FILENAME_EXCED_RANGE:
+            return badPath;
+        case ERROR_TOO_MANY_OPEN_FILES:
+            return tooManyOpenFiles;
+        case ERROR_ACCESS_DENIED:
+        case ERROR_FILE_EXISTS:
+        case ERROR_ALREADY_EXISTS:
+        case ERROR_WRITE_PROTECT:
+            return accessDenied;
+        case ERROR_INVALID_HANDLE:
+            return invalidFile;
+        case ERROR_NOT_READY:
+            return hardIO;
+        case ERROR_SHARING_VIOLATION:
+            return sharingViolation;
+        case ERROR_DISK_FULL:
+            return diskFull;
+        case ERROR_HANDLE_EOF:
+            return endOfFile;
+        default:
+            return genericException;
+    }
+}
+
+void CFileException::ThrowOsError(LONG lOsError, LPCSTR lpszFileName) {
+    throw new CFileException(OsErrorToException(lOsError), lOsError, lpszFileName);
+}
+
+void AfxThrowMemoryException() {
+    // When even the exception does not fit, one that needs no memory stands in; Delete() leaves it alone.
+    static CMemoryException s_last(FALSE);
+    CMemoryException* exception = new (std::nothrow) CMemoryException;
+    throw exception != nullptr ? exception : &s_last;
+}
+
+void AfxThrowNotSupportedException() { throw new CNotSupportedException; }
+void AfxThrowInvalidArgException() { throw new CInvalidArgException; }
+void AfxThrowResourceException() { throw new CResourceException; }
+void AfxThrowArchiveException(int cause, LPCSTR lpszArchiveName) { throw new CArchiveException(cause, lpszArchiveName); }
+void AfxThrowFileException(int cause, LONG lOsError, LPCSTR lpszFileName) {
+    throw new CFileException(cause, lOsError, lpszFileName);
+}
+void AfxThrowOleException(HRESULT sc) { throw new COleException(sc); }
+void AtlThrow(HRESULT hr) {
+    if (hr == E_OUTOFMEMORY) AfxThrowMemoryException();
+    AfxThrowOleException(hr);
+}

@@ -1,0 +1,5 @@
+// A place in a map or list, to be handed back to the collection that gave it; null is none.
+#pragma once
+
+struct AfxPosition;
+using POSITION = AfxPosition*;
