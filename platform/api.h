@@ -13,3 +13,10 @@
 #else
 #define ORVIK_API __attribute__((visibility("default")))
 #endif
+
+// What a plug-in shows of itself, whoever compiles it.
+#if defined(_WIN32)
+#define ORVIK_PLUGIN_EXPORT __declspec(dllexport)
+#else
+#define ORVIK_PLUGIN_EXPORT __attribute__((visibility("default")))
+#endif

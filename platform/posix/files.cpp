@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/errors.h"
+#include "platform/posix/handle_table_internal.h"
 #include "platform/posix/text.h"
 
 using namespace orvik::detail;
@@ -93,10 +93,28 @@ void FlushFolderOf(const std::string& path) {
     close(fd);
 }
 
-struct Search {
+struct Search : KernelObject {
     std::vector<std::string> names;  // what is still to be given, last first
     std::string folder;
 };
+
+DWORD TakeNext(Search& search, WIN32_FIND_DATAA* data) {
+    if (data == nullptr) return ERROR_INVALID_PARAMETER;
+    while (!search.names.empty()) {
+        const std::string name = std::move(search.names.back());
+        search.names.pop_back();
+        struct stat info;
+        const std::string path = search.folder + name;
+        // A dangling link is still an entry; one that vanished meanwhile is not.
+        if (stat(path.c_str(), &info) != 0 && lstat(path.c_str(), &info) != 0) continue;
+        *data = {};
+        Describe(info, IsHiddenName(name), *data);
+        const std::string shown = HousePath(name);  // shorter than MAX_PATH by choice of the names
+        shown.copy(data->cFileName, shown.size());
+        return ERROR_SUCCESS;
+    }
+    return ERROR_NO_MORE_FILES;
+}
 }  // namespace
 
 DWORD GetFileAttributesA(LPCSTR name) {
@@ -210,7 +228,7 @@ HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data) {
     std::string path;
     if (!TakeName(pattern, path)) return INVALID_HANDLE_VALUE;
     const size_t slash = path.find_last_of('/');
-    auto search = std::make_unique<Search>();
+    auto search = std::make_shared<Search>();
     search->folder = slash == std::string::npos ? "./" : path.substr(0, slash + 1);
     std::string wanted = slash == std::string::npos ? path : path.substr(slash + 1);
     if (wanted == "*.*") wanted = "*";  // as documented: every name, with or without an extension
@@ -229,34 +247,18 @@ HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data) {
             search->names.emplace_back(entry->d_name);
     }
     closedir(folder);
-    if (!FindNextFileA(search.get(), data)) {
-        Fail(ERROR_FILE_NOT_FOUND);
+    const DWORD error = TakeNext(*search, data);
+    if (error != ERROR_SUCCESS) {
+        Fail(error == ERROR_NO_MORE_FILES ? ERROR_FILE_NOT_FOUND : error);
         return INVALID_HANDLE_VALUE;
     }
-    return search.release();
+    const HANDLE handle = NewHandle(std::move(search));
+    return handle != nullptr ? handle : INVALID_HANDLE_VALUE;
 }
 
 BOOL FindNextFileA(HANDLE find, WIN32_FIND_DATAA* data) {
-    if (find == nullptr || find == INVALID_HANDLE_VALUE) return Fail(ERROR_INVALID_HANDLE);
-    if (data == nullptr) return Fail(ERROR_INVALID_PARAMETER);
-    auto& search = *static_cast<Search*>(find);
-    while (!search.names.empty()) {
-        const std::string name = std::move(search.names.back());
-        search.names.pop_back();
-        struct stat info;
-        const std::string path = search.folder + name;
-        // A dangling link is still an entry; one that vanished meanwhile is not.
-        if (stat(path.c_str(), &info) != 0 && lstat(path.c_str(), &info) != 0) continue;
-        *data = {};
-        Describe(info, IsHiddenName(name), *data);
-        std::strcpy(data->cFileName, HousePath(name).c_str());  // NOLINT: shorter than MAX_PATH by choice of the names
-        return TRUE;
-    }
-    return Fail(ERROR_NO_MORE_FILES);
+    const Pinned<Search> search(find);
+    return Finish(search ? TakeNext(*search, data) : DWORD{ERROR_INVALID_HANDLE});
 }
 
-BOOL FindClose(HANDLE find) {
-    if (find == nullptr || find == INVALID_HANDLE_VALUE) return Fail(ERROR_INVALID_HANDLE);
-    delete static_cast<Search*>(find);
-    return TRUE;
-}
+BOOL FindClose(HANDLE find) { return Pinned<Search>(find) ? Finish(RemoveHandle(find)) : Finish(ERROR_INVALID_HANDLE); }
