@@ -36,8 +36,10 @@ BOOL CException::CopyMessage(LPCSTR text, LPSTR lpszError, UINT nMaxError, UINT*
 
 int CException::ReportError(UINT nType, UINT nMessageID) {
     char message[512];
-    if (!GetErrorMessage(message, sizeof message)) return AfxMessageBox("An operation failed.", nType, nMessageID);
-    return AfxMessageBox(message, nType);
+    if (GetErrorMessage(message, sizeof message)) return AfxMessageBox(message, nType);
+    CString text;
+    if (nMessageID == 0 || !text.LoadString(nMessageID)) text = "The operation failed.";
+    return AfxMessageBox(text, nType, nMessageID);
 }
 
 BOOL CMemoryException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {

@@ -1,4 +1,5 @@
-// The framework's message box: one text, in the application's name. On the user-interface thread.
+// The framework's message box: one text under the application's name, through the application object if there is one. On the main
+// thread.
 #pragma once
 
 #include "platform/win32.h"

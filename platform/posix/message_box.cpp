@@ -7,8 +7,9 @@
 #include <iterator>
 
 int MessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT type) {
-    static constexpr int kButtons[][3] = {{IDOK, 0, 0},          {IDOK, IDCANCEL, 0}, {IDABORT, IDRETRY, IDIGNORE},
-                                          {IDYES, IDNO, IDCANCEL}, {IDYES, IDNO, 0},    {IDRETRY, IDCANCEL, 0}};
+    static constexpr int kButtons[][3] = {
+        {IDOK, 0, 0},     {IDOK, IDCANCEL, 0},   {IDABORT, IDRETRY, IDIGNORE}, {IDYES, IDNO, IDCANCEL},
+        {IDYES, IDNO, 0}, {IDRETRY, IDCANCEL, 0}};
     const UINT set = type & MB_TYPEMASK;
     if (set >= std::size(kButtons)) {
         SetLastError(ERROR_INVALID_PARAMETER);

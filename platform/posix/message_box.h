@@ -28,5 +28,6 @@
 #define IDYES 6
 #define IDNO 7
 
-// A program without a user never waits here: the answer is the button that Enter would press. 0 and error 87 for an unknown set of buttons.
+// A program without a user never waits here: the answer is the button that Enter would press. 0 and error 87 for an unknown set
+// of buttons.
 ORVIK_API int WINAPI MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
