@@ -1,0 +1,75 @@
+#include "time/local_nls_tools.h"
+
+#include <climits>
+
+#include "res/ids.h"
+
+namespace {
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// The year that a number stands for, or -1. These bounds are the system's own.
+int YearOf(int number) {
+    if (number >= 100 && number <= 1979) return -1;
+    if (number >= 71 && number <= 99)
+        number += 1900;
+    else if (number <= 42)
+        number += 2000;
+    return number >= 1900 && number <= 2041 ? number : -1;
+}
+}  // namespace
+
+CLocalNlsTools::CLocalNlsTools() {
+    UINT id = IDS_WORDS_WEEKS;
+    for (CString* words : {&m_weeks, &m_days, &m_hours, &m_minutes, &m_seconds, &m_milliseconds, &m_microseconds})
+        words->LoadString(id++);
+}
+CLocalNlsTools::CLocalNlsTools(const CLocalNlsTools& other) = default;
+CLocalNlsTools& CLocalNlsTools::operator=(const CLocalNlsTools& other) = default;
+
+void CLocalNlsTools::eatWhite(const char*& cursor) {
+    while (*cursor == ' ') ++cursor;
+}
+
+int CLocalNlsTools::sInt(const char*& cursor, int* value, int maxDigits) {
+    *value = 0;
+    const char* const start = cursor;
+    for (; IsDigit(*cursor); ++cursor) {
+        if (maxDigits >= 0 && cursor - start >= maxDigits) return 0;
+        const int digit = *cursor - '0';
+        *value = *value > (INT_MAX - digit) / 10 ? INT_MAX : *value * 10 + digit;
+    }
+    return 1;
+}
+
+int CLocalNlsTools::nTokC(const char*& cursor, char c) {
+    if (c == 0) return 0;
+    const char* const start = cursor;
+    while (*cursor == c) ++cursor;
+    return static_cast<int>(cursor - start);
+}
+
+int CLocalNlsTools::GetDate(const char* text, const char* picture, CVXTTime& time) {
+    eatWhite(text);
+    int year = -1, month = -1, day = -1;
+    for (; *picture; ++picture) {
+        switch (*picture) {
+            case 'M':
+                sInt(text, &month, -1);
+                if (month < 1 || month > 12) return 0;
+                break;
+            case 'd':
+                sInt(text, &day, -1);
+                if (day < 1 || day > 31) return 0;
+                break;
+            case 'y':
+                sInt(text, &year, -1);
+                year = YearOf(year);
+                if (year < 0) return 0;
+                break;
+            default:
+                if (*text != *picture) return 0;
+                ++text;
+        }
+    }
+    return year >= 0 && month >= 0 && day >= 0 ? time.SetDate(year, month, day) : 0;
+}

@@ -1,0 +1,91 @@
+#include "time/locale_cache.h"
+
+#include <cstdlib>
+
+#include "res/ids.h"
+#include "time/local_zone.h"
+
+namespace orvik::detail {
+namespace {
+
+LocaleCache& Cache() {
+    static LocaleCache cache;
+    return cache;
+}
+NlsTexts& Texts() {
+    static NlsTexts texts;
+    return texts;
+}
+
+// Sizes are bytes with the terminator; a setting that does not fit cannot be supplied.
+template <int size>
+CString Setting(LCTYPE item) {
+    char buffer[size] = "";
+    if (::GetLocaleInfoA(LOCALE_USER_DEFAULT, item, buffer, size) == 0) return {};
+    return CString(buffer);
+}
+
+CString Text(UINT id) {
+    CString text;
+    text.LoadString(id);
+    return text;
+}
+
+char First(const CString& text) { return text.IsEmpty() ? '\0' : text.GetAt(0); }
+
+}  // namespace
+
+const LocaleCache& TheLocaleCache() { return Cache(); }
+const NlsTexts& TheNlsTexts() { return Texts(); }
+
+}  // namespace orvik::detail
+
+using namespace orvik::detail;
+
+void NlsToolsRegister() {
+    NlsTexts& texts = Texts();
+    CString* const lists[] = {&texts.weeks,   &texts.days,         &texts.hours,       &texts.minutes,
+                              &texts.seconds, &texts.milliseconds, &texts.microseconds};
+    UINT id = IDS_WORDS_WEEKS;
+    for (CString* list : lists) *list = Text(id++);
+    texts.badNumber = Text(IDS_BAD_NUMBER);
+    texts.badDate = Text(IDS_BAD_DATE);
+    texts.badTime = Text(IDS_BAD_TIME);
+    texts.badSpan = Text(IDS_BAD_SPAN);
+    NlsToolsUpdate();
+}
+
+void NlsToolsUpdate() {
+    LocaleCache& cache = Cache();
+    cache.timePicture = Setting<20>(LOCALE_STIMEFORMAT);
+    cache.country = Setting<255>(LOCALE_SCOUNTRY);
+    cache.language = Setting<255>(LOCALE_SLANGUAGE);
+    cache.listSep = Setting<4>(LOCALE_SLIST);
+    cache.timeSep = Setting<4>(LOCALE_STIME);
+    cache.morning = Setting<9>(LOCALE_S1159);
+    cache.afternoon = Setting<9>(LOCALE_S2359);
+    cache.dateSep = Setting<4>(LOCALE_SDATE);
+    cache.shortDate = Setting<80>(LOCALE_SSHORTDATE);
+    cache.longDate = Setting<80>(LOCALE_SLONGDATE);
+    cache.currency = Setting<6>(LOCALE_SCURRENCY);
+    // While digits are not grouped the separator is not read again: an earlier one stays.
+    if (First(Setting<4>(LOCALE_SGROUPING)) != '0') cache.thousandSep = Setting<4>(LOCALE_STHOUSAND);
+    cache.decimalSep = Setting<4>(LOCALE_SDECIMAL);
+    cache.leadingZero = std::atoi(Setting<2>(LOCALE_ILZERO));
+    RefreshLocalZone();
+}
+
+void NlsToolsUnregister() {}
+
+char NlsGetDecimalSep() { return First(Cache().decimalSep); }
+char NlsGetThousandSep() { return First(Cache().thousandSep); }
+char NlsGetListSep() { return First(Cache().listSep); }
+char NlsGetTimeSep() { return First(Cache().timeSep); }
+char NlsGetDateSep() { return First(Cache().dateSep); }
+CString NlsGetShortDateSpec() { return Cache().shortDate; }
+CString NlsGetTimeSpec() { return Cache().timePicture; }
+
+CString NlsGetLongMonth(int month) { return Text(static_cast<UINT>(month) + IDS_LONG_MONTH - 1); }
+CString NlsGetShortMonth(int month) { return Text(static_cast<UINT>(month) + IDS_SHORT_MONTH - 1); }
+CString NlsGetLongDay(int day) { return Text(static_cast<UINT>(day) + IDS_LONG_DAY); }
+CString NlsGetShortDay(int day) { return Text(static_cast<UINT>(day) + IDS_SHORT_DAY); }
