@@ -1,0 +1,3 @@
+#include "afx/view.h"
+
+IMPLEMENT_DYNAMIC(CView, CWnd)
