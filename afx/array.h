@@ -18,20 +18,23 @@
 #include <utility>
 
 // Elements in an archive: raw bytes for plain data, texts by their own form. An element type of another kind has an overload of
-// its own beside its class. Loading fills elements that are there already.
+// its own beside its class, or raises the not-supported exception. Loading fills elements that are there already.
 template <class TYPE>
 void SerializeElements(CArchive& ar, TYPE* elements, INT_PTR count) {
-    static_assert(std::is_trivially_copyable_v<TYPE>, "this element type needs a SerializeElements of its own");
-    constexpr INT_PTR kBlock = 0x7FFF0000 / static_cast<INT_PTR>(sizeof(TYPE));
-    while (count > 0) {
-        const INT_PTR part = std::min(count, kBlock);
-        const auto bytes = static_cast<UINT>(static_cast<size_t>(part) * sizeof(TYPE));
-        if (ar.IsStoring())
-            ar.Write(elements, bytes);
-        else
-            ar.EnsureRead(elements, bytes);
-        elements += part;
-        count -= part;
+    if constexpr (std::is_trivially_copyable_v<TYPE>) {
+        constexpr INT_PTR kBlock = 0x7FFF0000 / static_cast<INT_PTR>(sizeof(TYPE));
+        while (count > 0) {
+            const INT_PTR part = std::min(count, kBlock);
+            const auto bytes = static_cast<UINT>(static_cast<size_t>(part) * sizeof(TYPE));
+            if (ar.IsStoring())
+                ar.Write(elements, bytes);
+            else
+                ar.EnsureRead(elements, bytes);
+            elements += part;
+            count -= part;
+        }
+    } else {
+        AfxThrowNotSupportedException();
     }
 }
 ORVIK_API void SerializeElements(CArchive& ar, CString* elements, INT_PTR count);

@@ -6,18 +6,10 @@
 #include <climits>
 #include <utility>
 
-#include "afx/exception.h"
+#include "tests/afx/bytes.h"
 
 namespace {
-template <class Call>
-void ExpectInvalidArg(Call call) {
-    try {
-        call();
-        FAIL() << "no exception";
-    } catch (CInvalidArgException* failure) {
-        failure->Delete();
-    }
-}
+using afx_test::ExpectInvalidArg;
 
 TEST(String, IsOnePointerAndNullIsEmpty) {
     EXPECT_EQ(sizeof(CString), sizeof(void*));
