@@ -1,1 +1,45 @@
-# cmake --install: headers under include/orvik/, the library, a CMake package and a pkg-config file.
+# cmake --install: headers under include/orvik/, the library, a CMake package, a pkg-config file, and the host with its plug-in.
+include(CMakePackageConfigHelpers)
+
+if(WIN32)
+  set(ORVIK_OTHER_HOME "/platform/posix")
+else()
+  set(ORVIK_OTHER_HOME "/platform/windows")
+endif()
+foreach(folder IN ITEMS platform afx toolkit frame time xml propdb comm)
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/${folder} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvik
+          FILES_MATCHING PATTERN "*.h" PATTERN "*_internal.h" EXCLUDE REGEX "${ORVIK_OTHER_HOME}" EXCLUDE)
+endforeach()
+# What the host offers its plug-ins is public as well.
+install(FILES ${CMAKE_SOURCE_DIR}/host/logger_family.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvik/host)
+
+install(TARGETS OrvikShared EXPORT OrvikShared
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(EXPORT OrvikShared FILE OrvikSharedTargets.cmake NAMESPACE OrvikShared:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvikShared)
+file(WRITE ${CMAKE_BINARY_DIR}/OrvikSharedConfig.cmake "include(\${CMAKE_CURRENT_LIST_DIR}/OrvikSharedTargets.cmake)\n")
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/OrvikSharedConfigVersion.cmake COMPATIBILITY ExactVersion)
+install(FILES ${CMAKE_BINARY_DIR}/OrvikSharedConfig.cmake ${CMAKE_BINARY_DIR}/OrvikSharedConfigVersion.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvikShared)
+
+# Placed by its own folder, so that a moved tree still works.
+file(WRITE ${CMAKE_BINARY_DIR}/orvikshared.pc
+"prefix=\${pcfiledir}/../..
+libdir=\${prefix}/${CMAKE_INSTALL_LIBDIR}
+includedir=\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}/orvik
+
+Name: OrvikShared
+Description: ${PROJECT_DESCRIPTION}
+Version: ${PROJECT_VERSION}
+Cflags: -I\${includedir}
+Libs: -L\${libdir} -lOrvikShared
+")
+install(FILES ${CMAKE_BINARY_DIR}/orvikshared.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(ORVIK_HOST)
+  install(TARGETS orvikhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  if(WIN32)
+    install(TARGETS orvik_modbus LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR}/plugins)
+  else()
+    install(TARGETS orvik_modbus LIBRARY DESTINATION lib/orvik/plugins)
+  endif()
+endif()
