@@ -12,13 +12,30 @@ namespace orvik::detail {
 // An object that a handle can name. Shared: the table holds one reference; threads and pending operations hold others.
 class KernelObject {
 public:
-    KernelObject() = default;
+    // What an object is, as bits: a look-up asks for one and needs no run-time type search.
+    enum Kind : unsigned {
+        kWaitable = 1,
+        kEvent = 2,
+        kThread = 4,
+        kIo = 8,
+        kFile = 16,
+        kPort = 32,
+        kRegistryKey = 64,
+        kDeviceList = 128
+    };
+
+    explicit KernelObject(unsigned kinds) : m_kinds(kinds) {}
     KernelObject(const KernelObject&) = delete;
     KernelObject& operator=(const KernelObject&) = delete;
     virtual ~KernelObject() = default;
 
     // Called once, by the thread that closes the handle, while other threads may still be inside the object's methods.
     virtual void Closing() {}
+
+    bool Is(Kind kind) const { return (m_kinds & kind) != 0; }
+
+private:
+    const unsigned m_kinds;
 };
 
 struct HandleSlot;
@@ -45,11 +62,14 @@ private:
     HandleSlot* m_slot = nullptr;
 };
 
-// The object of a handle as a T; empty (false) if the handle is bad or names another kind.
+// The object of a handle as a T; empty (false) if the handle is bad or names another kind. T::kKind is the kind of every T.
 template <class T>
 class Pinned {
 public:
-    explicit Pinned(HANDLE handle) : m_pin(handle), m_object(dynamic_cast<T*>(m_pin.Get())) {}
+    explicit Pinned(HANDLE handle) : m_pin(handle) {
+        KernelObject* object = m_pin.Get();
+        if (object != nullptr && object->Is(T::kKind)) m_object = static_cast<T*>(object);
+    }
     explicit operator bool() const { return m_object != nullptr; }
     T* operator->() const { return m_object; }
     T& operator*() const { return *m_object; }
@@ -57,7 +77,7 @@ public:
 
 private:
     PinnedObject m_pin;
-    T* m_object;
+    T* m_object = nullptr;
 };
 
 // A new handle for the object; null with last error 4 when 65,536 handles are open.

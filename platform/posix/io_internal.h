@@ -11,6 +11,9 @@ namespace orvik::detail {
 
 class IoObject : public KernelObject {
 public:
+    static constexpr Kind kKind = kIo;
+    explicit IoObject(Kind kind = kFile) : KernelObject(static_cast<unsigned>(kIo) | kind) {}
+
     // Give 0, 997 (pending) or the failure's Win32 code; `moved` holds the bytes moved (0 unless the result is 0).
     // `overlapped` may be null, unless the object was opened for overlapped use.
     virtual DWORD Read(void* buffer, DWORD length, DWORD& moved, OVERLAPPED* overlapped) = 0;

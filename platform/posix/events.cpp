@@ -1,0 +1,27 @@
+#include "platform/posix/events.h"
+
+#include "platform/posix/wait_internal.h"
+
+using namespace orvik::detail;
+
+HANDLE CreateEventA(LPSECURITY_ATTRIBUTES, BOOL manualReset, BOOL initialState, LPCSTR name) {
+    if (name != nullptr) {
+        SetLastError(ERROR_NOT_SUPPORTED);
+        return nullptr;
+    }
+    return NewHandle(std::make_shared<Event>(manualReset != FALSE, initialState != FALSE));
+}
+
+BOOL SetEvent(HANDLE event) {
+    const Pinned<Event> pinned(event);
+    if (!pinned) return Finish(ERROR_INVALID_HANDLE);
+    pinned->Set();
+    return TRUE;
+}
+
+BOOL ResetEvent(HANDLE event) {
+    const Pinned<Event> pinned(event);
+    if (!pinned) return Finish(ERROR_INVALID_HANDLE);
+    pinned->Reset();
+    return TRUE;
+}
