@@ -94,6 +94,8 @@ void FlushFolderOf(const std::string& path) {
 }
 
 struct Search : KernelObject {
+    static constexpr Kind kKind = kSearch;
+    Search() : KernelObject(kSearch) {}
     std::vector<std::string> names;  // what is still to be given, last first
     std::string folder;
 };

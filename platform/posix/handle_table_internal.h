@@ -21,7 +21,8 @@ public:
         kFile = 16,
         kPort = 32,
         kRegistryKey = 64,
-        kDeviceList = 128
+        kDeviceList = 128,
+        kSearch = 256
     };
 
     explicit KernelObject(unsigned kinds) : m_kinds(kinds) {}

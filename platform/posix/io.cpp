@@ -12,11 +12,6 @@ DWORD IoObject::Result(OVERLAPPED& overlapped, DWORD& moved, bool) {
     return overlapped.Internal == STATUS_PENDING ? ERROR_IO_INCOMPLETE : static_cast<DWORD>(overlapped.Internal);
 }
 
-__attribute__((weak)) std::shared_ptr<IoObject> OpenRegularFile(const char*, DWORD, DWORD, DWORD, DWORD, DWORD& error) {
-    error = ERROR_NOT_SUPPORTED;
-    return nullptr;
-}
-
 namespace {
 // COM1 to COM9 are names of devices wherever they stand; higher numbers need the prefix.
 bool IsPlainPortName(const char* name) {

@@ -19,6 +19,7 @@ namespace {
 
 class RegularFile final : public IoObject {
 public:
+    static constexpr Kind kKind = kFile;
     explicit RegularFile(int fd) : m_fd(fd) {}
     ~RegularFile() override { close(m_fd); }
 

@@ -1,0 +1,226 @@
+// Line events, line settings and the refusals of a port.
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <thread>
+
+#include "tests/platform/posix_port_fixture.h"
+
+TEST_F(PortTest, ReceivedBytesAreTheEventOnce) {
+    Open();
+    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));
+    Overlapped ov;
+    DWORD events = 0;
+    ASSERT_FALSE(WaitCommEvent(port, &events, &ov));
+    ASSERT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
+    FarSends("a");
+    ASSERT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
+    EXPECT_EQ(events, DWORD{EV_RXCHAR});
+    // The byte is still unread, and no event any more.
+    ResetEvent(ov.hEvent);
+    ASSERT_FALSE(WaitCommEvent(port, &events, &ov));
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, 20), WAIT_TIMEOUT);
+    FarSends("b");
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
+}
+
+TEST_F(PortTest, BytesThatComeBetweenWaitsAreRemembered) {
+    Open();
+    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));
+    SetReading(MAXDWORD, 0, 0);
+    FarSends("a");
+    Arrive(1);
+    char byte;
+    DWORD count, events = 0;
+    Overlapped ov;
+    ASSERT_TRUE(ReadFile(port, &byte, 1, &count, &ov));
+    EXPECT_TRUE(WaitCommEvent(port, &events, &ov));
+    EXPECT_EQ(events, DWORD{EV_RXCHAR});
+}
+
+TEST_F(PortTest, EventCharacterIsFoundAmongOthers) {
+    Open();
+    DCB dcb{};
+    ASSERT_TRUE(GetCommState(port, &dcb));
+    dcb.EvtChar = '\n';
+    ASSERT_TRUE(SetCommState(port, &dcb));
+    ASSERT_TRUE(SetCommMask(port, EV_RXFLAG));
+    Overlapped ov;
+    DWORD events = 0;
+    ASSERT_FALSE(WaitCommEvent(port, &events, &ov));
+    FarSends("no");
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, 20), WAIT_TIMEOUT);
+    FarSends("yes\nand more");
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
+    EXPECT_EQ(events, DWORD{EV_RXFLAG});
+}
+
+TEST_F(PortTest, SentBytesEmptyTheTransmitter) {
+    Open();
+    ASSERT_TRUE(SetCommMask(port, EV_TXEMPTY));
+    Overlapped waiting, writing;
+    DWORD events = 0, count;
+    ASSERT_FALSE(WaitCommEvent(port, &events, &waiting));
+    EXPECT_EQ(WaitForSingleObject(waiting.hEvent, 20), WAIT_TIMEOUT);  // nothing was sent
+    ASSERT_TRUE(WriteFile(port, "x", 1, &count, &writing));
+    EXPECT_EQ(WaitForSingleObject(waiting.hEvent, kLong), WAIT_OBJECT_0);
+    EXPECT_EQ(events, DWORD{EV_TXEMPTY});
+}
+
+TEST_F(PortTest, SettingTheMaskEndsAPendingWait) {
+    Open();
+    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));
+    Overlapped first, second;
+    DWORD events = 99, other = 0;
+    ASSERT_FALSE(WaitCommEvent(port, &events, &first));
+    EXPECT_FALSE(WaitCommEvent(port, &other, &second));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    std::thread setter([&] { EXPECT_TRUE(SetCommMask(port, EV_RXCHAR)); });
+    EXPECT_EQ(WaitForSingleObject(first.hEvent, kLong), WAIT_OBJECT_0);
+    setter.join();
+    EXPECT_EQ(events, 0u);
+    DWORD mask = 0;
+    EXPECT_TRUE(GetCommMask(port, &mask));
+    EXPECT_EQ(mask, DWORD{EV_RXCHAR});
+    ASSERT_TRUE(SetCommMask(port, 0));
+    EXPECT_FALSE(WaitCommEvent(port, &events, &first));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+}
+
+TEST_F(PortTest, PurgeDropsWhatWasReceived) {
+    Open();
+    SetReading(MAXDWORD, 0, 0);
+    FarSends("abc");
+    Arrive(3);
+    char got[8];
+    DWORD count;
+    Overlapped ov;
+    ASSERT_TRUE(ReadFile(port, got, 1, &count, &ov));
+    ASSERT_TRUE(PurgeComm(port, PURGE_TXCLEAR | PURGE_RXCLEAR));
+    ASSERT_TRUE(ReadFile(port, got, 8, &count, &ov));
+    EXPECT_EQ(count, 0u);
+    EXPECT_FALSE(PurgeComm(port, 0));
+    // Clearing leaves a pending read alone; aborting ends it.
+    SetReading(0, 0, 0);
+    ASSERT_FALSE(ReadFile(port, got, 8, &count, &ov));
+    ASSERT_TRUE(PurgeComm(port, PURGE_RXCLEAR));
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, 0), WAIT_TIMEOUT);
+    ASSERT_TRUE(PurgeComm(port, PURGE_RXABORT));
+    EXPECT_FALSE(GetOverlappedResult(port, &ov, &count, FALSE));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_OPERATION_ABORTED});
+}
+
+TEST_F(PortTest, SettingsReadBackAsAsked) {
+    Open();
+    const struct {
+        DWORD baud;
+        BYTE size, parity, stop;
+        bool taken;
+    } cases[] = {
+        {9600, 8, NOPARITY, ONESTOPBIT, true},
+        {19200, 7, EVENPARITY, TWOSTOPBITS, true},
+        {12345, 8, ODDPARITY, ONESTOPBIT, true},
+        {300, 5, MARKPARITY, ONE5STOPBITS, true},
+        {115200, 6, SPACEPARITY, ONESTOPBIT, true},
+        {0, 8, NOPARITY, ONESTOPBIT, false},
+        {MAXDWORD, 8, NOPARITY, ONESTOPBIT, false},
+        {9600, 9, NOPARITY, ONESTOPBIT, false},
+        {9600, 8, 5, ONESTOPBIT, false},
+        {9600, 8, NOPARITY, 3, false},
+        {9600, 8, NOPARITY, ONE5STOPBITS, false},
+        {9600, 5, NOPARITY, TWOSTOPBITS, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.baud << ' ' << int{c.size} << ' ' << int{c.parity} << ' ' << int{c.stop});
+        DCB before{}, wanted{}, after{};
+        ASSERT_TRUE(GetCommState(port, &before));
+        wanted = before;
+        wanted.BaudRate = c.baud;
+        wanted.ByteSize = c.size;
+        wanted.Parity = c.parity;
+        wanted.StopBits = c.stop;
+        wanted.fParity = c.parity != NOPARITY;
+        SetLastError(0);
+        EXPECT_EQ(SetCommState(port, &wanted) != FALSE, c.taken);
+        EXPECT_EQ(GetLastError(), c.taken ? DWORD{0} : DWORD{ERROR_INVALID_PARAMETER});
+        ASSERT_TRUE(GetCommState(port, &after));
+        EXPECT_EQ(std::memcmp(&after, c.taken ? &wanted : &before, sizeof after), 0);
+    }
+}
+
+TEST_F(PortTest, SoftwareHandshakeBytesPassUnlessAskedFor) {
+    Open();
+    DWORD count;
+    Overlapped ov;
+    // With output flow control on, an Xoff from the far end holds what is written until its Xon.
+    DCB dcb{};
+    ASSERT_TRUE(GetCommState(port, &dcb));
+    dcb.fOutX = TRUE;
+    ASSERT_TRUE(SetCommState(port, &dcb));
+    FarSends("\x13");
+    FarSends("\x11");
+    ASSERT_TRUE(WriteFile(port, "go", 2, &count, &ov) || WaitForSingleObject(ov.hEvent, kLong) == WAIT_OBJECT_0);
+    EXPECT_EQ(FarGets(2), "go");
+    dcb.fOutX = FALSE;
+    ASSERT_TRUE(SetCommState(port, &dcb));
+    SetReading(0, 0, 0);
+    FarSends("\x13\x11");
+    char got[2];
+    ASSERT_TRUE(ReadFile(port, got, 2, &count, &ov) || WaitForSingleObject(ov.hEvent, kLong) == WAIT_OBJECT_0);
+    EXPECT_EQ(std::string(got, 2), "\x13\x11");
+}
+
+TEST_F(PortTest, ModemLinesAreMissingOnAPseudoTerminal) {
+    Open();
+    DWORD status = 0;
+    EXPECT_FALSE(GetCommModemStatus(port, &status));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FUNCTION});
+    // A mask with modem lines waits for the rest of it.
+    ASSERT_TRUE(SetCommMask(port, EV_CTS | EV_DSR | EV_RING | EV_RLSD | EV_RXCHAR));
+    Overlapped ov;
+    DWORD events = 0;
+    ASSERT_FALSE(WaitCommEvent(port, &events, &ov));
+    FarSends("x");
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
+    EXPECT_EQ(events, DWORD{EV_RXCHAR});
+}
+
+TEST_F(PortTest, OtherProgramsExclusiveUseIsRespected) {
+    const int fd = open(far.GetDeviceName().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(fd, 0);
+    ASSERT_EQ(ioctl(fd, TIOCEXCL), 0);
+    EXPECT_EQ(OpenAgain(), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    ASSERT_EQ(ioctl(fd, TIOCNXCL), 0);
+    Open();
+    close(fd);
+}
+
+TEST(PortHandles, WrongUseIsRefused) {
+    DCB dcb{};
+    DWORD count = 0;
+    char byte = 0;
+    const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    for (const HANDLE bad : {HANDLE{}, INVALID_HANDLE_VALUE, event, reinterpret_cast<HANDLE>(0x1234567890), GetCurrentThread()}) {
+        EXPECT_FALSE(GetCommState(bad, &dcb));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+        EXPECT_FALSE(ReadFile(bad, &byte, 1, &count, nullptr));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+        EXPECT_FALSE(CancelIo(bad));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    }
+    EXPECT_TRUE(CloseHandle(event));
+    EXPECT_FALSE(CloseHandle(event));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    for (const char* missing :
+         {R"(\\.\COM250)", R"(\\.\COM0)", R"(\\.\COM)", R"(\\.\)", R"(\\.\/dev/no-such-port)", R"(\\.\lpt1)"}) {
+        EXPECT_EQ(CreateFileA(missing, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr),
+                  INVALID_HANDLE_VALUE);
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND}) << missing;
+    }
+    EXPECT_EQ(CreateFileA(R"(\\.\/dev/null)", GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr),
+              INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FUNCTION});
+}

@@ -1,0 +1,293 @@
+// The movement of bytes through a port: reads and their time-outs, writes, ends of all kinds.
+#include <cstring>
+#include <thread>
+
+#include "tests/platform/posix_port_fixture.h"
+
+TEST_F(PortTest, PassesEveryByteUnchangedBothWays) {
+    Open();
+    std::string all;
+    for (int c = 0; c < 256; ++c) all += static_cast<char>(c);  // XON, XOFF, DEL, CR, NUL and 0xFF among them
+    DWORD count = 0;
+    Overlapped ov;
+    ASSERT_TRUE(WriteFile(port, all.data(), 256, &count, &ov));
+    EXPECT_EQ(count, 256u);
+    EXPECT_EQ(FarGets(256), all);
+    FarSends(all);
+    Arrive(256);
+    char got[300];
+    SetReading(MAXDWORD, 0, 0);
+    ASSERT_TRUE(ReadFile(port, got, sizeof got, &count, &ov));
+    EXPECT_EQ(std::string(got, count), all);
+}
+
+TEST_F(PortTest, NonBlockingReadGivesWhatIsThere) {
+    Open();
+    SetReading(MAXDWORD, 0, 0);
+    char got[16];
+    DWORD count = 99;
+    Overlapped ov;
+    EXPECT_TRUE(ReadFile(port, got, sizeof got, &count, &ov));
+    EXPECT_EQ(count, 0u);
+    FarSends("abc");
+    Arrive(3);
+    EXPECT_TRUE(ReadFile(port, got, 2, &count, &ov));
+    EXPECT_EQ(std::string(got, count), "ab");
+    EXPECT_TRUE(ReadFile(port, got, sizeof got, &count, &ov));
+    EXPECT_EQ(std::string(got, count), "c");
+    EXPECT_EQ(ov.InternalHigh, 1u);
+}
+
+TEST_F(PortTest, BlockingReadWaitsForTheWholeCount) {
+    Open();
+    SetReading(0, 0, 0);
+    char got[4];
+    DWORD count = 0;
+    Overlapped ov;
+    FarSends("ab");
+    ASSERT_FALSE(ReadFile(port, got, 4, &count, &ov));
+    ASSERT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, 20), WAIT_TIMEOUT);
+    EXPECT_FALSE(GetOverlappedResult(port, &ov, &count, FALSE));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_IO_INCOMPLETE});
+    FarSends("cd");
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
+    ASSERT_TRUE(GetOverlappedResult(port, &ov, &count, FALSE));
+    EXPECT_EQ(std::string(got, count), "abcd");
+}
+
+TEST_F(PortTest, ReadTimeoutsFollowTheirRules) {
+    struct Case {
+        const char* what;
+        DWORD interval, multiplier, constant;
+        const char* sent;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"a total time-out without bytes", 0, 0, 30, "", ""},
+        {"a total time-out keeps what came", 0, 0, 30, "ab", "ab"},
+        {"a total time-out from the count", 0, 5, 0, "ab", "ab"},
+        {"a gap ends the read", 20, 0, 0, "ab", "ab"},
+        {"the first byte ends the read", MAXDWORD, MAXDWORD, kLong, "a", "a"},
+        {"no first byte in time", MAXDWORD, MAXDWORD, 30, "", ""},
+        {"an endless gap leaves the total", MAXDWORD, 0, 30, "ab", "ab"},
+    };
+    Open(0);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        SetReading(c.interval, c.multiplier, c.constant);
+        FarSends(c.sent);
+        if (*c.sent != 0) Arrive(static_cast<DWORD>(std::strlen(c.sent)));
+        char got[8];
+        DWORD count = 99;
+        EXPECT_TRUE(ReadFile(port, got, sizeof got, &count, nullptr));
+        EXPECT_EQ(std::string(got, count), c.expected);
+    }
+}
+
+TEST_F(PortTest, CancelEndsTheThreadsOwnOperationsOnly) {
+    Open();
+    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));
+    Overlapped waiting, reading;
+    DWORD events = 99, count = 0;
+    std::thread([&] {
+        // The waiting thread must live on: what it has pending ends with it.
+        EXPECT_FALSE(WaitCommEvent(port, &events, &waiting));
+        char byte;
+        std::thread([&] {
+            EXPECT_FALSE(ReadFile(port, &byte, 1, &count, &reading));
+            EXPECT_TRUE(CancelIo(port));
+            EXPECT_FALSE(GetOverlappedResult(port, &reading, &count, FALSE));
+            EXPECT_EQ(GetLastError(), DWORD{ERROR_OPERATION_ABORTED});
+        }).join();
+        EXPECT_EQ(WaitForSingleObject(waiting.hEvent, 0), WAIT_TIMEOUT);
+        FarSends("x");
+        EXPECT_EQ(WaitForSingleObject(waiting.hEvent, kLong), WAIT_OBJECT_0);
+    }).join();
+    EXPECT_EQ(events, DWORD{EV_RXCHAR});
+}
+
+TEST_F(PortTest, OperationsEndWithTheirThread) {
+    Open();
+    Overlapped ov;
+    char byte;
+    std::thread([&] {
+        DWORD count;
+        EXPECT_FALSE(ReadFile(port, &byte, 1, &count, &ov));
+    }).join();
+    DWORD count = 0;
+    EXPECT_FALSE(GetOverlappedResult(port, &ov, &count, FALSE));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_OPERATION_ABORTED});
+}
+
+TEST_F(PortTest, WriterWaitsWhileTheBufferIsFull) {
+    Open(0);
+    const std::string much(300'000, 'x');
+    std::thread writer([&] {
+        DWORD count = 0;
+        EXPECT_TRUE(WriteFile(port, much.data(), static_cast<DWORD>(much.size()), &count, nullptr));
+        EXPECT_EQ(count, much.size());
+    });
+    EXPECT_EQ(FarGets(much.size()).size(), much.size());
+    writer.join();
+}
+
+TEST_F(PortTest, WriteTimeoutReportsWhatWent) {
+    Open(0);
+    COMMTIMEOUTS timeouts{0, 0, 0, 0, 30};
+    ASSERT_TRUE(SetCommTimeouts(port, &timeouts));
+    const std::string much(300'000, 'x');
+    DWORD count = 0;
+    EXPECT_TRUE(WriteFile(port, much.data(), static_cast<DWORD>(much.size()), &count, nullptr));
+    EXPECT_GT(count, 0u);
+    EXPECT_LT(count, much.size());
+}
+
+TEST_F(PortTest, FullReceiveBufferLeavesTheRestWithTheSystem) {
+    Open();
+    ASSERT_TRUE(SetupComm(port, 1, 1));  // 4 KiB
+    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR | EV_RX80FULL));
+    const std::string much(8'000, 'y');
+    std::thread sender([&] { FarSends(much); });
+    SetReading(0, 0, 0);
+    std::string got(much.size(), 0);
+    DWORD events = 0, count = 0;
+    Overlapped waiting, reading;
+    while ((events & EV_RX80FULL) == 0) {
+        ASSERT_TRUE(WaitCommEvent(port, &events, &waiting) || WaitForSingleObject(waiting.hEvent, kLong) == WAIT_OBJECT_0);
+    }
+    if (!ReadFile(port, got.data(), static_cast<DWORD>(got.size()), &count, &reading)) {
+        ASSERT_EQ(WaitForSingleObject(reading.hEvent, kLong), WAIT_OBJECT_0);
+        ASSERT_TRUE(GetOverlappedResult(port, &reading, &count, FALSE));
+    }
+    sender.join();
+    EXPECT_EQ(count, much.size());
+    EXPECT_EQ(got, much);
+}
+
+TEST_F(PortTest, CloseEndsWhatOtherThreadsWaitFor) {
+    for (const DWORD flags : {DWORD{0}, DWORD{FILE_FLAG_OVERLAPPED}}) {
+        Open(flags);
+        HANDLE started = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+        DWORD error = 0;
+        std::thread reader([&] {
+            char byte;
+            DWORD count = 0;
+            Overlapped ov;
+            SetEvent(started);
+            if (!ReadFile(port, &byte, 1, &count, flags ? &ov : nullptr)) error = GetLastError();
+            if (error == ERROR_IO_PENDING) {
+                EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
+                error = static_cast<DWORD>(ov.Internal);
+            }
+        });
+        WaitForSingleObject(started, kLong);
+        Sleep(20);  // into the read; the other order ends with 6, which is right too
+        Close();
+        reader.join();
+        EXPECT_TRUE(error == ERROR_OPERATION_ABORTED || error == ERROR_INVALID_HANDLE) << error;
+        CloseHandle(started);
+    }
+    Open();  // the lock went with the handle
+}
+
+TEST_F(PortTest, SecondOpenerIsRefused) {
+    Open();
+    EXPECT_EQ(OpenAgain(), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    Close();
+    Open();
+}
+
+TEST_F(PortTest, UnpluggedPortKeepsItsBytesAndThenFails) {
+    Open();
+    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));
+    SetReading(MAXDWORD, 0, 0);
+    Overlapped ov;
+    DWORD events = 99, count = 0, errors = 0;
+    FarSends("last");
+    ASSERT_TRUE(WaitCommEvent(port, &events, &ov) || WaitForSingleObject(ov.hEvent, kLong) == WAIT_OBJECT_0);
+    Arrive(4);
+    ResetEvent(ov.hEvent);
+    while (WaitCommEvent(port, &events, &ov)) {  // the bytes may have come apart
+    }
+    far.Unplug();
+    EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
+    EXPECT_EQ(events, 0u);
+    EXPECT_FALSE(ClearCommError(port, &errors, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_READY});
+    char got[8];
+    EXPECT_TRUE(ReadFile(port, got, sizeof got, &count, &ov));
+    EXPECT_EQ(std::string(got, count), "last");
+    EXPECT_FALSE(ReadFile(port, got, sizeof got, &count, &ov));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_READY});
+    EXPECT_FALSE(WriteFile(port, "x", 1, &count, &ov));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_READY});
+    EXPECT_FALSE(WaitCommEvent(port, &events, &ov));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_READY});
+}
+
+TEST_F(PortTest, UnpluggingEndsABlockedReadAndWrite) {
+    Open();
+    SetReading(0, 0, 0);
+    Overlapped reading, writing;
+    const std::string much(300'000, 'x');
+    char byte;
+    DWORD count;
+    ASSERT_FALSE(ReadFile(port, &byte, 1, &count, &reading));
+    ASSERT_FALSE(WriteFile(port, much.data(), static_cast<DWORD>(much.size()), &count, &writing));
+    far.Unplug();
+    const HANDLE both[] = {reading.hEvent, writing.hEvent};
+    EXPECT_EQ(WaitForMultipleObjects(2, both, TRUE, kLong), WAIT_OBJECT_0);
+    for (Overlapped* each : {&reading, &writing}) {
+        EXPECT_FALSE(GetOverlappedResult(port, each, &count, FALSE));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_READY});
+    }
+}
+
+// A listener, a reader, a writer and a closer at once; what counts is that the sanitizers find nothing and everybody ends.
+TEST_F(PortTest, ManyThreadsShareAPort) {
+    for (int round = 0; round < 5; ++round) {
+        Open();
+        SetCommMask(port, EV_RXCHAR);
+        const HANDLE shared = port;
+        std::thread listener([&] {
+            Overlapped ov;
+            for (DWORD events = 0, errors;;) {
+                ResetEvent(ov.hEvent);
+                if (!WaitCommEvent(shared, &events, &ov) && GetLastError() != ERROR_IO_PENDING) break;
+                if (WaitForSingleObject(ov.hEvent, INFINITE) != WAIT_OBJECT_0 || !ClearCommError(shared, &errors, nullptr)) break;
+            }
+        });
+        std::thread reader([&] {
+            Overlapped ov;
+            for (DWORD count = 0;;) {
+                char bytes[64];
+                if (!ReadFile(shared, bytes, sizeof bytes, &count, &ov)) {
+                    if (GetLastError() != ERROR_IO_PENDING) break;
+                    WaitForSingleObject(ov.hEvent, 1);
+                    CancelIo(shared);
+                }
+            }
+        });
+        std::thread writer([&] {
+            Overlapped ov;
+            for (DWORD count = 0;;) {
+                if (!WriteFile(shared, "12345678", 8, &count, &ov)) {
+                    if (GetLastError() != ERROR_IO_PENDING) break;
+                    WaitForSingleObject(ov.hEvent, 1);
+                    CancelIo(shared);
+                }
+                Sleep(0);
+            }
+        });
+        for (int i = 0; i < 50; ++i) {
+            FarSends("abcdefgh");
+            FarGets(1);
+        }
+        Close();
+        listener.join();
+        reader.join();
+        writer.join();
+    }
+}
