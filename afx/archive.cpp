@@ -290,6 +290,14 @@ void CArchive::SerializeClass(const CRuntimeClass* pClassRef) {
         ReadClass(pClassRef);
 }
 
+void CArchive::MapObject(const CObject* pOb) {
+    const DWORD index = NextIndex();
+    if (IsLoading())
+        m_loaded.push_back(reinterpret_cast<uintptr_t>(pOb));
+    else if (pOb != nullptr)
+        m_stored[pOb] = index;
+}
+
 UINT CArchive::GetObjectSchema() { return std::exchange(m_nObjectSchema, 0xFFFFFFFF); }
 
 void CArchive::ObjectTaken(const CObject* object) {

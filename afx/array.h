@@ -73,6 +73,13 @@ public:
     // The index of the first element appended.
     INT_PTR Append(const CArray& src);
     void Copy(const CArray& src);
+    // Exchanges the contents; nothing is copied.
+    void Swap(CArray& other) noexcept {
+        static_assert(orvik::detail::kBytewiseMovable<TYPE>);
+        std::swap(m_store, other.m_store);
+        std::swap(m_nSize, other.m_nSize);
+        std::swap(m_nMaxSize, other.m_nMaxSize);
+    }
     // At an index behind the end the array is extended first.
     void InsertAt(INT_PTR nIndex, ARG_TYPE newElement, INT_PTR nCount = 1);
     void InsertAt(INT_PTR nStartIndex, const CArray* pNewArray);
