@@ -54,7 +54,9 @@ FILETIME ToFileTime(const timespec& time) {
 }
 
 DWORD AttributesOf(const struct stat& info, bool hidden) {
-    DWORD attributes = S_ISDIR(info.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_ARCHIVE;
+    DWORD attributes = S_ISDIR(info.st_mode)   ? FILE_ATTRIBUTE_DIRECTORY
+                       : S_ISREG(info.st_mode) ? FILE_ATTRIBUTE_ARCHIVE
+                                               : FILE_ATTRIBUTE_DEVICE;
     if ((info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) attributes |= FILE_ATTRIBUTE_READONLY;
     if (hidden) attributes |= FILE_ATTRIBUTE_HIDDEN;
     return attributes;

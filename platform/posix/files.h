@@ -10,6 +10,7 @@
 #define FILE_ATTRIBUTE_HIDDEN 0x2u
 #define FILE_ATTRIBUTE_DIRECTORY 0x10u
 #define FILE_ATTRIBUTE_ARCHIVE 0x20u
+#define FILE_ATTRIBUTE_DEVICE 0x40u  // neither a file nor a folder: a device, a pipe, a socket
 #define FILE_ATTRIBUTE_NORMAL 0x80u
 #define FILE_ATTRIBUTE_REPARSE_POINT 0x400u
 

@@ -5,6 +5,7 @@
 #include "platform/posix/errors.h"
 #include "platform/posix/console.h"
 #include "platform/posix/crt_time.h"
+#include "platform/posix/file_security.h"
 #include "platform/posix/files.h"
 #include "platform/posix/message_box.h"
 #include "platform/posix/modules.h"
