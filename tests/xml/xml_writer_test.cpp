@@ -1,0 +1,137 @@
+#include "xml/xml_writer.h"
+
+#include "afx/exception.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+namespace {
+constexpr const char kDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n";
+
+// What the calls write behind the declaration.
+std::string Written(const std::function<void(CXMLWriter&)>& calls) {
+    CMemFile file;
+    CXMLWriter writer(&file);
+    calls(writer);
+    const std::string all(reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<size_t>(file.GetLength()));
+    EXPECT_EQ(all.substr(0, sizeof kDeclaration - 1), kDeclaration);
+    return all.substr(sizeof kDeclaration - 1);
+}
+
+std::string TextOf(const char* text) {
+    const std::string all = Written([text](CXMLWriter& w) {
+        w.BeginTag("A");
+        w.SetText(text);
+        w.EndTag();
+    });
+    return all.substr(3, all.size() - 9);
+}
+std::string AttributeOf(const char* value) {
+    const std::string all = Written([value](CXMLWriter& w) {
+        w.BeginTag("A");
+        w.SetAttr("n", value);
+        w.EndTag();
+    });
+    return all.substr(6, all.size() - 11);
+}
+}  // namespace
+
+TEST(XmlWriter, EmptyElements) {
+    EXPECT_EQ(Written([](CXMLWriter& w) { w.BeginTag("A"), w.EndTag(); }), "<A/>\r\n");
+    EXPECT_EQ(Written([](CXMLWriter& w) { w.BeginTag("A"), w.SetAttr("n", 1), w.EndTag(); }), "<A n=\"1\"/>\r\n");
+}
+
+TEST(XmlWriter, NestedElementsAreIndentedByOneSpace) {
+    EXPECT_EQ(Written([](CXMLWriter& w) {
+                  w.BeginTag("A");
+                  w.SetAttr("name", "x");
+                  w.BeginTag("B");
+                  w.SetText("t");
+                  w.EndTag();
+                  w.BeginTag("C");
+                  w.BeginTag("D");
+                  w.EndTag();
+                  w.EndTag();
+                  w.EndTag();
+              }),
+              "<A name=\"x\">\r\n"
+              " <B>t</B>\r\n"
+              " <C>\r\n"
+              "  <D/>\r\n"
+              " </C>\r\n"
+              "</A>\r\n");
+}
+
+TEST(XmlWriter, TextEscapes) {
+    EXPECT_EQ(TextOf("a<b & \xE4"), "a&lt;b &amp; &#xe4;");
+    EXPECT_EQ(TextOf("\xE5\xE4\xF6\xC5\xC4\xD6\xB0>"), "&#xe5;&#xe4;&#xf6;&#xc5;&#xc4;&#xd6;&#xb0;&gt;");
+    EXPECT_EQ(TextOf("'\" \xFC\xE9 &amp;"), "'\" \xFC\xE9 &amp;amp;");  // quotes and other bytes above 127 stay
+    EXPECT_EQ(TextOf(""), "");
+    EXPECT_EQ(TextOf(std::string(5000, '<').c_str()).size(), 20000u);
+}
+
+TEST(XmlWriter, AttributeEscapes) { EXPECT_EQ(AttributeOf("'\"&<>\xE4"), "&apos;&quot;&amp;<>\xE4"); }
+
+TEST(XmlWriter, NumberForms) {
+    const auto text = [](auto value) {
+        return Written([value](CXMLWriter& w) { w.BeginTag("A"), w.SetText(value), w.EndTag(); });
+    };
+    EXPECT_EQ(text(1.5f), "<A>1.5</A>\r\n");
+    EXPECT_EQ(text(1e6), "<A>1E+06</A>\r\n");
+    EXPECT_EQ(text(4294967295ul), "<A>4294967295</A>\r\n");
+    EXPECT_EQ(text(static_cast<unsigned short>(65535)), "<A>65535</A>\r\n");
+    EXPECT_EQ(text(static_cast<unsigned char>(200)), "<A>200</A>\r\n");
+    EXPECT_EQ(text(-5), "<A>-5</A>\r\n");
+    EXPECT_EQ(Written([](CXMLWriter& w) { w.BeginTag("A"), w.SetAttr("n", 1e-5), w.SetAttr("m", -2), w.EndTag(); }),
+              "<A n=\"1E-05\" m=\"-2\"/>\r\n");
+}
+
+TEST(XmlWriter, MetaAndCommentLines) {
+    EXPECT_EQ(Written([](CXMLWriter& w) {
+                  w.SetMeta("m a=\"1\"");
+                  w.SetComment("before");
+                  w.BeginTag("A");
+                  w.BeginTag("B");
+                  w.EndTag();
+                  w.SetComment("inside");
+                  w.BeginTag("B");
+                  w.BeginTag("C");
+                  w.EndTag();
+                  w.SetMeta("deep");
+                  w.EndTag();
+                  w.EndTag();
+              }),
+              "<?m a=\"1\"?>\r\n<!before!>\r\n<A>\r\n <B/>\r\n<!inside!>\r\n <B>\r\n  <C/>\r\n <?deep?>\r\n </B>\r\n</A>\r\n");
+}
+
+TEST(XmlWriter, CallsOutOfOrderWriteWhatTheySay) {
+    EXPECT_EQ(Written([](CXMLWriter& w) { w.BeginTag("A"), w.SetText("t"), w.SetAttr("n", "v"), w.EndTag(); }),
+              "<A>t n=\"v\"/>\r\n");
+    EXPECT_EQ(Written([](CXMLWriter& w) { w.BeginTag("A"), w.SetText("t"), w.BeginTag("B"), w.EndTag(), w.EndTag(); }),
+              "<A>t>\r\n <B/>\r\n</A>\r\n");
+}
+
+TEST(XmlWriter, NoOpenElementIsAnInvalidArgument) {
+    CMemFile file;
+    CXMLWriter writer(&file);
+    const std::function<void()> calls[] = {[&] { writer.EndTag(); }, [&] { writer.SetText("x"); },
+                                           [&] { writer.SetAttr("n", "x"); }, [&] { writer.SetAttr("n", 1); },
+                                           [&] { writer.SetText(1.0); }};
+    for (const auto& call : calls) {
+        try {
+            call();
+            ADD_FAILURE() << "no exception";
+        } catch (CInvalidArgException* failure) {
+            failure->Delete();
+        }
+    }
+    EXPECT_EQ(file.GetLength(), sizeof kDeclaration - 1);
+}
+
+TEST(XmlWriter, OpenElementsStayOpen) {
+    CMemFile file;
+    { CXMLWriter(&file).BeginTag("A"); }
+    EXPECT_EQ(file.GetLength(), sizeof kDeclaration - 1 + 2);
+}

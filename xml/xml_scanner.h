@@ -1,0 +1,117 @@
+// The grammar of the XML dialect: one pass over a seekable file, what is found handed on as pieces of the input, nothing copied.
+// Internal: CXMLReader and the property database's loading stand on it. One thread. The file is borrowed.
+//
+// The rules speak of single bytes fetched from the file. Here they come out of a block, and the file's own position differs from
+// the position in the document until ShowPosition() or the end of Read() puts it right.
+#pragma once
+
+#include "afx/file.h"
+#include "xml/xml_text.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvik::detail {
+// Elements may stand in one another this deep; a document that goes deeper is refused.
+constexpr size_t kXmlMaxNesting = 256;
+
+// The attributes of one tag in the order of the document, unescaped. Valid during the call that brings them.
+class XmlAttributes {
+public:
+    size_t Count() const { return m_places.size(); }
+    std::string_view Name(size_t index) const { return {m_base + m_places[index].name, m_places[index].nameLength}; }
+    std::string_view Value(size_t index) const { return {m_base + m_places[index].value, m_places[index].valueLength}; }
+    // Of attributes of the same name the last counts.
+    bool Find(std::string_view name, std::string_view& value) const {
+        for (size_t index = m_places.size(); index-- > 0;)
+            if (Name(index) == name) {
+                value = Value(index);
+                return true;
+            }
+        return false;
+    }
+
+private:
+    friend class XmlScanner;
+    struct Place {
+        size_t name, nameLength, value, valueLength;  // offsets from the tag's first byte
+    };
+    std::vector<Place> m_places;
+    const char* m_base = nullptr;
+};
+
+// What the scanner reports. Texts and attributes are valid during the call. Every function returns false to stop the reading.
+class XmlEvents {
+public:
+    virtual bool OnComment(unsigned long depth, std::string_view text) = 0;
+    virtual bool OnMeta(unsigned long depth, std::string_view name, const XmlAttributes& attributes) = 0;
+    virtual bool OnEmptyElement(unsigned long depth, std::string_view name, const XmlAttributes& attributes) = 0;
+    virtual bool OnTextElement(unsigned long depth, std::string_view name, const XmlAttributes& attributes,
+                               std::string_view text) = 0;
+    // An element with children opens; contentDepth is the depth that they are reported with. It closes with the depth it opened
+    // with.
+    virtual bool OnOpen(unsigned long depth, std::string_view name, const XmlAttributes& attributes,
+                        unsigned long& contentDepth) = 0;
+    virtual bool OnClose(unsigned long depth, std::string_view name) = 0;
+
+protected:
+    ~XmlEvents() = default;
+};
+
+class XmlScanner {
+public:
+    XmlScanner(CFile& file, const XmlEntities& entities, XmlEvents& events);
+
+    // Reads from the file's position on. True when the reading ended at the end of the input (a byte 0 counts as one), which is
+    // also so when the last byte was the one that did not fit: whoever needs a whole document checks that its root was closed.
+    // The file is left behind the last byte taken.
+    bool Read(unsigned long depth);
+
+    // For events that let others see the file: its position becomes that of the document, and afterwards, if it was moved, the
+    // reading goes on where it stands.
+    void ShowPosition();
+    void TakePosition();
+
+private:
+    struct OpenElement {
+        size_t name;  // where its name begins in m_names
+        unsigned long depth, contentDepth;
+    };
+
+    bool ReadWhole(unsigned long depth);
+    bool ReadTag(unsigned long depth);
+    bool ReadComment(unsigned long depth);
+    bool ReadAttributes(char& ch);
+    bool ReadContent(unsigned long depth, std::string_view name);
+    bool ReadEndTag();
+    bool CloseElement();
+
+    bool Fill();
+    char Get();
+    char GetBeyondWhite();
+    char Peek();
+    char PeekSecond();
+    void SkipWhite();
+    void SkipTo(char stop);
+    void SkipNameCharacters(unsigned char kinds);
+    // Offsets are taken from the tag's first byte, which stays in the buffer until the next tag begins.
+    size_t Offset() const { return m_at - m_keep; }
+    std::string_view Piece(size_t from, size_t to) const { return {m_buffer.get() + m_keep + from, to - from}; }
+
+    CFile& m_file;
+    const XmlEntities& m_entities;
+    XmlEvents& m_events;
+    std::unique_ptr<char[]> m_buffer;
+    size_t m_capacity;
+    size_t m_keep = 0;  // first byte of the tag at work
+    size_t m_at = 0;    // the position in the document
+    size_t m_end = 0;   // the file's position
+    ULONGLONG m_shown = 0;
+    XmlAttributes m_attributes;
+    std::vector<OpenElement> m_open;
+    std::string m_names;  // of the open elements, one behind another
+    bool m_refused = false;
+};
+}  // namespace orvik::detail
