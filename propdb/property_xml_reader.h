@@ -1,0 +1,52 @@
+// Loads the XML form of a property database, piece by piece through the database's own BeginUsing, SetValue and EndUsing.
+// Internal. One thread. The database and the file are borrowed.
+#pragma once
+
+#include "afx/array.h"
+#include "frame/numeric_arrays.h"
+#include "propdb/property_db.h"
+#include "xml/short_text.h"
+#include "xml/xml_scanner.h"
+
+namespace orvik::detail {
+class PropertyXmlReader final : private XmlEvents {
+public:
+    PropertyXmlReader(CPropertyDB& database, CFile& file);
+
+    // True when the whole document was read and its root closed. A stopped reading leaves the using path as it then was.
+    bool Read();
+
+private:
+    bool OnComment(unsigned long depth, std::string_view text) override;
+    bool OnMeta(unsigned long depth, std::string_view name, const XmlAttributes& attributes) override;
+    bool OnEmptyElement(unsigned long depth, std::string_view name, const XmlAttributes& attributes) override;
+    bool OnTextElement(unsigned long depth, std::string_view name, const XmlAttributes& attributes,
+                       std::string_view text) override;
+    bool OnOpen(unsigned long depth, std::string_view name, const XmlAttributes& attributes,
+                unsigned long& contentDepth) override;
+    bool OnClose(unsigned long depth, std::string_view name) override;
+
+    bool Announce(std::string_view size, INT_PTR& count);
+    bool ReadStrings(const char* name, INT_PTR count, std::string_view text);
+    template <class Array>
+    void Store(const char* name, Array& array);
+    template <class Array, class Parse>
+    bool ReadNumbers(Array& array, const char* name, INT_PTR count, std::string_view text, Parse parse);
+    const char* TerminatedName(std::string_view name);
+
+    CPropertyDB& m_database;
+    CFile& m_file;
+    XmlEntities m_entities;
+    ULONGLONG m_elementsLeft = 0;  // that may still be announced
+    unsigned m_open = 0;
+    bool m_rootClosed = false;
+    ShortText m_name;
+    // One of each kind, used over and over.
+    CStringArray m_strings;
+    CWordArray m_words;
+    CDWordArray m_dwords;
+    CFloatArray m_floats;
+    CDoubleArray m_doubles;
+    CInt64Array m_int64s;
+};
+}  // namespace orvik::detail
