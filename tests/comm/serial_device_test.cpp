@@ -1,0 +1,49 @@
+// CSerialDevice: what needs no port.
+#include "comm/serial_device.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+class Device : public CSerialDevice {
+public:
+    using CSerialDevice::IsValidPortName;
+    using CSerialDevice::RegQueryValueString;
+};
+
+TEST(PortNames, AreComAndDigits) {
+    for (const char* name : {"COM1", "COM10", "COM256", "COM0", "COM123456789"})
+        EXPECT_TRUE(Device::IsValidPortName(name)) << name;
+    for (const char* name :
+         {"", "C", "COM", "com3", "Com3", "COM3A", "COM 3", "LPT1", "CNCA0", " COM1", "COM-1", "COM1 ", "COM\xB2"}) {
+        EXPECT_FALSE(Device::IsValidPortName(name)) << name;
+    }
+}
+
+TEST(RegistryText, AKeyThatIsNoneGivesTheSystemsError) {
+    char* value = reinterpret_cast<char*>(1);
+    ::SetLastError(0);
+    EXPECT_FALSE(Device::RegQueryValueString(nullptr, "PortName", value));
+    EXPECT_EQ(nullptr, value);
+    EXPECT_EQ(6u, ::GetLastError());
+}
+
+TEST(SerialDevices, KeepTheirTextsWhenCopied) {
+    CSerialDevice empty;
+    EXPECT_STREQ("", empty.GetPortName());
+    EXPECT_STREQ("", empty.GetDescription());
+    const CSerialDevice original("COM3", "a cable");
+    CSerialDevice copy(original);
+    empty = copy;
+    EXPECT_STREQ("COM3", empty.GetPortName());
+    EXPECT_STREQ("a cable", empty.GetDescription());
+}
+
+TEST(SerialDevices, EnumerationAppends) {
+    CArray<CSerialDevice, const CSerialDevice&> devices;
+    devices.Add(CSerialDevice("mine", ""));
+    CSerialDevice::EnumSerialDevices(devices);
+    ASSERT_GE(devices.GetSize(), 1);
+    EXPECT_STREQ("mine", devices[0].GetPortName());
+    for (INT_PTR i = 1; i < devices.GetSize(); ++i) EXPECT_TRUE(Device::IsValidPortName(devices[i].GetPortName()));
+}
+}  // namespace

@@ -1,0 +1,291 @@
+// CSerialEx and CSerialWnd: the listener thread and its messages.
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+#include "comm/serial_wnd.h"
+#include "tests/comm/mailbox.h"
+#include "tests/support/ports/serial_peer.h"
+
+namespace {
+constexpr DWORD kSoon = 5000;
+constexpr WPARAM kFarewell = 0x04000800;
+
+// Opens what the ports keep to themselves, for ports with and without a window.
+template <class Base>
+class Opened : public Base {
+public:
+    using Base::m_fStopping;
+    using Base::m_hevtOverlappedWorkerThread;
+    using Base::m_hThread;
+};
+
+class WindowPort : public Opened<CSerialWnd> {
+public:
+    using CSerialWnd::m_hwndDest;
+    using CSerialWnd::m_lParam;
+    using CSerialWnd::m_nComMsg;
+};
+
+class ListenerTest : public testing::Test {
+protected:
+    static constexpr UINT kMessage = WM_APP + 5;
+    static constexpr LPARAM kParameter = 0x12345678;
+
+    void Open(UINT message = kMessage) { ASSERT_EQ(0, port.Open(peer.Name(), box.Window(), message, kParameter, 0, 0)); }
+
+    std::string ReadAll(size_t count) {
+        std::string bytes(count, '?');
+        DWORD got = 0;
+        EXPECT_EQ(0, port.Read(bytes.data(), count, &got, nullptr, kSoon));
+        bytes.resize(got);
+        return bytes;
+    }
+
+    SerialPeer peer;
+    Mailbox box;
+    WindowPort port;
+};
+
+TEST_F(ListenerTest, DataArrivesAsAMessage) {
+    Open();
+    EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    peer.Send("hello");
+    const auto message = box.Next();
+    ASSERT_TRUE(message);
+    EXPECT_EQ(static_cast<UINT>(kMessage), message->message);
+    EXPECT_EQ(0x00000001u, message->wParam);
+    EXPECT_EQ(kParameter, message->lParam);
+    EXPECT_EQ("hello", ReadAll(5));
+}
+
+TEST_F(ListenerTest, MessageNumberZeroStandsForTheRegisteredOne) {
+    EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, ::RegisterWindowMessageA("CSerialWnd_DefaultComMsg"));
+    EXPECT_GE(CSerialWnd::mg_nDefaultComMsg, 0xC000u);
+    Open(0);
+    peer.Send("x");
+    const auto message = box.Next();
+    ASSERT_TRUE(message);
+    EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, message->message);
+}
+
+TEST_F(ListenerTest, AnEventOutsideTheMaskPostsNothing) {
+    Open();
+    EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    EXPECT_EQ(0, port.SetMask(CSerial::EventCts));
+    peer.Send("not asked for");
+    EXPECT_EQ("not asked for", ReadAll(13));
+    EXPECT_FALSE(box.Waiting());
+    EXPECT_EQ(0, port.SetMask(CSerial::EventReceived));
+    peer.Send("asked for");
+    const auto message = box.Next();
+    ASSERT_TRUE(message);
+    EXPECT_EQ(0x00000001u, message->wParam);
+}
+
+TEST_F(ListenerTest, TheMaskMayChangeWhileItListens) {
+    Open();
+    EXPECT_EQ(0, port.SetMask(CSerial::EventCts));
+    EXPECT_EQ(0, port.SetMask(CSerial::EventReceived));
+    peer.Send("x");
+    const auto message = box.Next();
+    ASSERT_TRUE(message);
+    EXPECT_EQ(CSerial::EventReceived, static_cast<CSerial::EEvent>(message->wParam));
+}
+
+TEST_F(ListenerTest, AnUnpluggedPortSaysFarewellOnce) {
+    Open();
+    peer.Unplug();
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(port.m_hThread, kSoon)) << "the listener ends by itself";
+    DWORD code = 0;
+    EXPECT_TRUE(::GetExitCodeThread(port.m_hThread, &code));
+    EXPECT_NE(0u, code);
+    EXPECT_EQ(static_cast<LONG>(code), port.GetLastError());
+    EXPECT_TRUE(port.IsOpen()) << "closing is the owner's business";
+
+    int farewells = 0;
+    while (const auto message = box.Waiting()) farewells += message->wParam == kFarewell ? 1 : 0;
+    EXPECT_EQ(1, farewells);
+    EXPECT_EQ(0, port.Close());
+    EXPECT_FALSE(box.Waiting());
+
+    peer.Plug();
+    Open();
+    peer.Send("again");
+    ASSERT_TRUE(box.Next());
+}
+
+TEST_F(ListenerTest, StartingTwiceKeepsTheOneThread) {
+    Open();
+    const HANDLE first = port.m_hThread;
+    ASSERT_NE(nullptr, first);
+    EXPECT_EQ(0, port.StartListener());
+    EXPECT_EQ(first, port.m_hThread);
+    EXPECT_EQ(WAIT_TIMEOUT, ::WaitForSingleObject(first, 0));
+}
+
+TEST_F(ListenerTest, StopsAndStartsAgain) {
+    Open();
+    EXPECT_EQ(0, port.StopListener(INFINITE));
+    EXPECT_EQ(nullptr, port.m_hThread);
+    EXPECT_FALSE(port.m_fStopping);
+    EXPECT_TRUE(port.IsOpen());
+    EXPECT_EQ(0, port.StopListener(INFINITE)) << "nothing to stop is no error";
+    EXPECT_EQ(0, box.Empty()) << "a stop says no farewell";
+    EXPECT_EQ(0, port.StartListener());
+    peer.Send("x");
+    EXPECT_TRUE(box.Next());
+}
+
+TEST_F(ListenerTest, CloseClearsTheWindowAndKeepsTheParameter) {
+    Open();
+    EXPECT_EQ(0, port.Close());
+    EXPECT_EQ(nullptr, port.m_hwndDest.load());
+    EXPECT_EQ(0u, port.m_nComMsg.load());
+    EXPECT_EQ(kParameter, port.m_lParam);
+    EXPECT_EQ(nullptr, port.m_hThread);
+    EXPECT_EQ(nullptr, port.m_hevtOverlappedWorkerThread);
+    EXPECT_EQ(0, box.Empty());
+    EXPECT_EQ(0, port.Close());
+}
+
+TEST_F(ListenerTest, AFailedOpenStartsNothing) {
+    EXPECT_EQ(2, port.Open("COM77", box.Window(), kMessage, kParameter, 0, 0));
+    EXPECT_EQ(nullptr, port.m_hThread);
+    EXPECT_EQ(nullptr, port.m_hwndDest.load());
+    Open();
+    EXPECT_EQ(1247, port.Open(peer.Name(), nullptr, 0, 0, 0, 0));
+    EXPECT_EQ(box.Window(), port.m_hwndDest.load());
+}
+
+TEST_F(ListenerTest, ClosesAtAnyMomentOfAStream) {
+    for (int round = 0; round < 20; ++round) {
+        Open();
+        peer.Stream();
+        if (round % 2) {
+            ASSERT_TRUE(box.Next());
+        }
+        EXPECT_EQ(0, port.Close());
+        box.Empty();
+        EXPECT_FALSE(box.Waiting());
+        peer.Unplug();
+        peer.Plug();
+    }
+}
+
+TEST_F(ListenerTest, DestructionStopsTheListener) {
+    {
+        WindowPort other;
+        ASSERT_EQ(0, other.Open(peer.Name(), box.Window(), kMessage, 0, 0, 0));
+    }
+    EXPECT_EQ(CSerial::PortAvailable, CSerial::CheckPort(peer.Name()));
+}
+
+// Holds its events back until the port is being closed: the moment in which a message could slip through.
+class HoldingPort : public WindowPort {
+public:
+    HoldingPort() : m_inside(::CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
+    ~HoldingPort() override {
+        Close();
+        ::CloseHandle(m_inside);
+    }
+    void OnEvent(EEvent event, EError error) override {
+        ::SetEvent(m_inside);
+        while (m_hwndDest.load()) ::Sleep(1);
+        WindowPort::OnEvent(event, error);
+    }
+    HANDLE m_inside;
+};
+
+TEST_F(ListenerTest, NothingReachesTheWindowOnceCloseHasBegun) {
+    HoldingPort holding;
+    ASSERT_EQ(0, holding.Open(peer.Name(), box.Window(), kMessage, kParameter, 0, 0));
+    peer.Send("x");
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(holding.m_inside, kSoon));
+    EXPECT_EQ(0, holding.Close());
+    EXPECT_FALSE(box.Waiting());
+}
+
+// Comes to its wait only after the stop has set the mask: the moment in which a stop could be missed.
+class LatePort : public WindowPort {
+public:
+    LatePort() : m_stopped(::CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
+    ~LatePort() override {
+        Close();
+        ::CloseHandle(m_stopped);
+    }
+    LONG SetMask(DWORD mask) override {
+        const LONG result = WindowPort::SetMask(mask);
+        if (m_fStopping) ::SetEvent(m_stopped);
+        return result;
+    }
+    LONG WaitEvent(OVERLAPPED* ov, DWORD timeout) override {
+        ::WaitForSingleObject(m_stopped, kSoon);
+        return WindowPort::WaitEvent(ov, timeout);
+    }
+    HANDLE m_stopped;
+};
+
+TEST_F(ListenerTest, AStopJustBeforeTheWaitIsNotMissed) {
+    LatePort late;
+    ASSERT_EQ(0, late.Open(peer.Name(), box.Window(), kMessage, kParameter, 0, 0));
+    EXPECT_EQ(0, late.Close());
+    EXPECT_FALSE(box.Waiting());
+}
+
+// The listener without a window.
+class CountingPort : public Opened<CSerialEx> {
+public:
+    CountingPort() : m_told(::CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
+    ~CountingPort() override {
+        Close();
+        ::CloseHandle(m_told);
+    }
+    void OnEvent(EEvent event, EError) override {
+        m_events |= event;
+        m_thread = ::GetCurrentThreadId();
+        ::SetEvent(m_told);
+    }
+    std::atomic<DWORD> m_events{0};
+    std::atomic<DWORD> m_thread{0};
+    HANDLE m_told;
+};
+
+TEST(SerialEx, ListensOnlyWhenAsked) {
+    SerialPeer peer;
+    CountingPort port;
+    EXPECT_EQ(0, port.Open(peer.Name(), 0, 0, false));
+    EXPECT_NE(nullptr, port.m_hevtOverlappedWorkerThread);
+    EXPECT_EQ(nullptr, port.m_hThread);
+    EXPECT_EQ(0, port.StartListener());
+    peer.Send("x");
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(port.m_told, kSoon));
+    EXPECT_EQ(CSerial::EventReceived, static_cast<CSerial::EEvent>(port.m_events.load()));
+    EXPECT_NE(::GetCurrentThreadId(), port.m_thread.load());
+    EXPECT_EQ(0, port.Close());
+    EXPECT_EQ(nullptr, port.m_hevtOverlappedWorkerThread);
+}
+
+TEST(SerialEx, OpensWithItsListenerAndOnlyOnce) {
+    SerialPeer peer;
+    CountingPort port;
+    EXPECT_EQ(2, port.Open("COM77", 0, 0, true));
+    EXPECT_EQ(nullptr, port.m_hThread);
+    EXPECT_EQ(0, port.Open(peer.Name(), 0, 0, true));
+    EXPECT_NE(nullptr, port.m_hThread);
+    EXPECT_EQ(1247, port.Open(peer.Name(), 0, 0, true));
+}
+
+TEST_F(ListenerTest, TheOwnerReadsAndWritesWhileItListens) {
+    Open();
+    EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    for (int i = 0; i < 100; ++i) {
+        const std::string request = "request " + std::to_string(i);
+        EXPECT_EQ(0, port.Write(request.data(), request.size(), nullptr, nullptr, kSoon));
+        EXPECT_EQ(request, peer.Receive(request.size()));
+        peer.Send(request);
+        EXPECT_EQ(request, ReadAll(request.size()));
+    }
+    EXPECT_TRUE(box.Waiting());
+}
+}  // namespace

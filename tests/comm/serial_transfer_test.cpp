@@ -1,0 +1,244 @@
+// CSerial: reads, writes and line events, with and without overlapped mode.
+#include "tests/comm/serial_fixture.h"
+
+namespace {
+TEST_F(SerialTest, WritesTextAndBytesInBothModes) {
+    for (const bool overlapped : {false, true}) {
+        Open(overlapped);
+        DWORD written = 99;
+        EXPECT_EQ(0, port.Write("text", &written, nullptr, INFINITE));
+        EXPECT_EQ(4u, written);
+        const char bytes[] = {'\0', '\x11', '\x13', '\r', '\xFF'};
+        EXPECT_EQ(0, port.Write(bytes, sizeof(bytes), &written, nullptr, INFINITE));
+        EXPECT_EQ(5u, written);
+        EXPECT_EQ(0, port.Write("", &written, nullptr, INFINITE));
+        EXPECT_EQ(0u, written);
+        EXPECT_EQ(0, port.Write("!", nullptr, nullptr, INFINITE));
+        EXPECT_EQ("text" + std::string(bytes, sizeof(bytes)) + "!", peer.Receive(10));
+        port.Close();
+    }
+}
+
+TEST_F(SerialTest, AnOverriddenByteWriteSeesTextsToo) {
+    class Counting : public CSerial {
+    public:
+        using CSerial::Write;
+        LONG Write(const void* data, size_t len, DWORD* written, OVERLAPPED* ov, DWORD timeout) override {
+            seen.append(static_cast<const char*>(data), len);
+            return CSerial::Write(data, len, written, ov, timeout);
+        }
+        std::string seen;
+    } counting;
+    ASSERT_EQ(0, counting.Open(peer.Name(), 0, 0, true));
+    EXPECT_EQ(0, counting.Write("through", nullptr, nullptr, kSoon));
+    EXPECT_EQ("through", counting.seen);
+    EXPECT_EQ("through", peer.Receive(7));
+}
+
+TEST_F(SerialTest, NonBlockingReadTakesWhatIsThere) {
+    for (const bool overlapped : {false, true}) {
+        Open(overlapped);
+        peer.Send("abcdef");
+        if (overlapped) {
+            AwaitArrival();
+        } else {
+            ASSERT_EQ(0, port.WaitEvent(nullptr, INFINITE));
+        }
+        EXPECT_EQ("abcd", Read(4));
+        EXPECT_EQ("ef", Read(4));
+        port.Close();
+    }
+}
+
+TEST_F(SerialTest, EveryByteValueComesThrough) {
+    Open();
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    std::string all;
+    for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
+    peer.Send(all);
+    EXPECT_EQ(all, Read(256));
+    DWORD written = 0;
+    EXPECT_EQ(0, port.Write(all.data(), all.size(), &written, nullptr, kSoon));
+    EXPECT_EQ(all, peer.Receive(256));
+}
+
+TEST_F(SerialTest, BlockingReadWaitsForTheWholeCount) {
+    for (const bool overlapped : {false, true}) {
+        Open(overlapped);
+        ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+        peer.Send("12");
+        // The rest comes from another thread while the read waits; it may also come before, which is all the same.
+        const HANDLE sender = ::CreateThread(
+            nullptr, 0,
+            [](LPVOID far_end) -> DWORD {
+                ::Sleep(20);
+                static_cast<SerialPeer*>(far_end)->Send("345");
+                return 0;
+            },
+            &peer, 0, nullptr);
+        ASSERT_NE(nullptr, sender);
+        EXPECT_EQ("12345", Read(5));
+        ::WaitForSingleObject(sender, INFINITE);
+        ::CloseHandle(sender);
+        port.Close();
+    }
+}
+
+TEST_F(SerialTest, BlockingReadGivesUpAfterItsTimeAndLosesNothing) {
+    Open();
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    char byte = 0;
+    for (int i = 0; i < 3; ++i) {
+        DWORD count = 99;
+        EXPECT_EQ(1460, port.Read(&byte, 1, &count, nullptr, 20));
+        EXPECT_EQ(1460, port.GetLastError());
+        EXPECT_EQ(0u, count);
+    }
+    peer.Send("later");
+    EXPECT_EQ("later", Read(5)) << "a cancelled read must not swallow what comes afterwards";
+}
+
+TEST_F(SerialTest, WithoutOverlappedModeNeitherOverlappedNorTimeOut) {
+    Open(false);
+    peer.Send("x");
+    OVERLAPPED ov{};
+    char byte = 0;
+    DWORD count = 99;
+    EXPECT_EQ(1, port.WaitEvent(&ov, 500));
+    EXPECT_EQ(1, port.WaitEvent(nullptr, 500));
+    EXPECT_EQ(1, port.WaitEvent(&ov, INFINITE));
+    EXPECT_EQ(1, port.Read(&byte, 1, &count, &ov, INFINITE));
+    EXPECT_EQ(0u, count);
+    EXPECT_EQ(1, port.Read(&byte, 1, &count, nullptr, 0));
+    EXPECT_EQ(1, port.Write("y", &count, &ov, INFINITE));
+    EXPECT_EQ(1, port.Write("y", &count, nullptr, 10));
+    EXPECT_EQ(1, port.GetLastError());
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    EXPECT_EQ("x", Read(1)) << "a refused call does not touch the device";
+    EXPECT_EQ("", peer.Receive(1, 0));
+}
+
+class CallersOverlapped : public SerialTest {
+protected:
+    CallersOverlapped() { ov.hEvent = ::CreateEventA(nullptr, TRUE, FALSE, nullptr); }
+    ~CallersOverlapped() override { ::CloseHandle(ov.hEvent); }
+    OVERLAPPED ov{};
+};
+
+TEST_F(CallersOverlapped, PendingReadIsCollectedByTheCaller) {
+    Open();
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    char bytes[3] = "";
+    DWORD count = 99;
+    EXPECT_EQ(0, port.Read(bytes, 3, &count, &ov, 0)) << "the caller waits, whatever the time-out says";
+    EXPECT_EQ(0u, count);
+    EXPECT_EQ(WAIT_TIMEOUT, ::WaitForSingleObject(ov.hEvent, 0));
+    peer.Send("xyz");
+    EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
+    EXPECT_TRUE(::GetOverlappedResult(port.GetCommHandle(), &ov, &count, FALSE));
+    EXPECT_EQ(3u, count);
+    EXPECT_EQ("xyz", std::string(bytes, 3));
+}
+
+TEST_F(CallersOverlapped, AReadThatEndsAtOnceReleasesTheWaiter) {
+    Open();
+    peer.Send("q");
+    AwaitArrival();
+    char byte = 0;
+    DWORD count = 0;
+    EXPECT_EQ(0, port.Read(&byte, 1, &count, &ov, 0));
+    EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
+    EXPECT_TRUE(::GetOverlappedResult(port.GetCommHandle(), &ov, &count, FALSE));
+    EXPECT_EQ(1u, count);
+    EXPECT_EQ('q', byte);
+}
+
+TEST_F(CallersOverlapped, OneThreadWaitsForEventsWhileItReadsAndWrites) {
+    Open();
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    EXPECT_EQ(0, port.WaitEvent(&ov, 0));
+    EXPECT_EQ(WAIT_TIMEOUT, ::WaitForSingleObject(ov.hEvent, 0));
+    EXPECT_EQ(0, port.Write("ask", nullptr, nullptr, kSoon));
+    EXPECT_EQ("ask", peer.Receive(3));
+    peer.Send("answer");
+    EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
+    EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
+    EXPECT_EQ("answer", Read(6));
+}
+
+TEST_F(SerialTest, EventTypeIsToldOnce) {
+    Open();
+    peer.Send("1");
+    EXPECT_EQ(0, port.WaitEvent(nullptr, kSoon));
+    EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
+    EXPECT_EQ(CSerial::EventNone, port.GetEventType());
+}
+
+TEST_F(SerialTest, EventTypeIsCutToTheMask) {
+    Open();
+    port.m_eEvent = static_cast<CSerial::EEvent>(CSerial::EventReceived | CSerial::EventCts);
+    EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
+}
+
+TEST_F(SerialTest, WaitEventGivesUpAfterItsTimeAndWorksAgain) {
+    Open();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(1460, port.WaitEvent(nullptr, 20));
+        EXPECT_EQ(1460, port.GetLastError());
+        EXPECT_EQ(CSerial::EventNone, port.GetEventType());
+    }
+    peer.Send("1");
+    EXPECT_EQ(0, port.WaitEvent(nullptr, kSoon));
+    EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
+}
+
+TEST_F(SerialTest, ModemLinesAndBreakAreEventsOfTheMask) {
+    Open();
+    const struct {
+        const char* line;
+        DWORD event;
+    } cases[] = {{"cts", CSerial::EventCts}, {"dsr", CSerial::EventDsr}, {"dcd", CSerial::EventRlsd}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.line);
+        ASSERT_EQ(0, port.SetMask(c.event));
+        OVERLAPPED ov{};
+        ov.hEvent = ::CreateEventA(nullptr, TRUE, FALSE, nullptr);
+        ASSERT_EQ(0, port.WaitEvent(&ov, 0));
+        peer.Raise(c.line);
+        EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
+        EXPECT_EQ(c.event, static_cast<DWORD>(port.GetEventType()));
+        ::CloseHandle(ov.hEvent);
+    }
+    ASSERT_EQ(0, port.SetMask(CSerial::EventBreak));
+    OVERLAPPED ov{};
+    ov.hEvent = ::CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    ASSERT_EQ(0, port.WaitEvent(&ov, 0));
+    peer.Error("brk");
+    EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
+    EXPECT_EQ(CSerial::EventBreak, port.GetEventType());
+    ::CloseHandle(ov.hEvent);
+}
+
+TEST_F(SerialTest, PurgeEmptiesTheQueue) {
+    Open();
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    peer.Send("old");
+    AwaitArrival();
+    EXPECT_EQ(0, port.Purge());
+    peer.Send("new");
+    EXPECT_EQ("new", Read(3));
+}
+
+TEST_F(SerialTest, LongTransfersArriveWhole) {
+    Open();
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    std::string sent;
+    for (int i = 0; i < 3000; ++i) sent += static_cast<char>(i * 7);
+    DWORD written = 0;
+    EXPECT_EQ(0, port.Write(sent.data(), sent.size(), &written, nullptr, kSoon));
+    EXPECT_EQ(3000u, written);
+    EXPECT_EQ(sent, peer.Receive(3000));
+    peer.Send(sent);
+    EXPECT_EQ(sent, Read(3000));
+}
+}  // namespace

@@ -1,0 +1,126 @@
+// CSerialDevice over the setup interface, with devices made for the test.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "comm/serial_device.h"
+
+namespace {
+class Device : public CSerialDevice {
+public:
+    using CSerialDevice::RegQueryValueString;
+};
+
+// Devices of the class "Ports" that are present while the object lives.
+class Devices {
+public:
+    Devices() {
+        DWORD count = 0;
+        ::SetupDiClassGuidsFromNameA("Ports", &m_class, 1, &count);
+        m_set = ::SetupDiCreateDeviceInfoList(&m_class, nullptr);
+    }
+    ~Devices() {
+        for (SP_DEVINFO_DATA& device : m_devices) ::SetupDiCallClassInstaller(DIF_REMOVE, m_set, &device);
+        ::SetupDiDestroyDeviceInfoList(m_set);
+    }
+
+    SP_DEVINFO_DATA* Add(const char* id) {
+        SP_DEVINFO_DATA device{};
+        device.cbSize = sizeof(device);
+        if (!::SetupDiCreateDeviceInfoA(m_set, id, &m_class, nullptr, nullptr, 0, &device) ||
+            !::SetupDiRegisterDeviceInfo(m_set, &device, 0, nullptr, nullptr, nullptr)) {
+            return nullptr;
+        }
+        m_devices.push_back(device);
+        return &m_devices.back();
+    }
+    HKEY Key(SP_DEVINFO_DATA* device) {
+        return ::SetupDiCreateDevRegKeyA(m_set, device, DICS_FLAG_GLOBAL, 0, DIREG_DEV, nullptr, nullptr);
+    }
+    void Name(SP_DEVINFO_DATA* device, DWORD type, const std::string& name) {
+        const HKEY key = Key(device);
+        ::RegSetValueExA(key, "PortName", 0, type, reinterpret_cast<const BYTE*>(name.data()), static_cast<DWORD>(name.size()));
+        ::RegCloseKey(key);
+    }
+    void Describe(SP_DEVINFO_DATA* device, const char* text) {
+        ::SetupDiSetDeviceRegistryPropertyA(m_set, device, SPDRP_DEVICEDESC, reinterpret_cast<const BYTE*>(text),
+                                            static_cast<DWORD>(std::strlen(text) + 1));
+    }
+
+private:
+    GUID m_class{};
+    HDEVINFO m_set = INVALID_HANDLE_VALUE;
+    std::vector<SP_DEVINFO_DATA> m_devices;
+};
+
+std::string Listed(const char* port) {
+    CArray<CSerialDevice, const CSerialDevice&> devices;
+    EXPECT_TRUE(CSerialDevice::EnumSerialDevices(devices));
+    for (INT_PTR i = 0; i < devices.GetSize(); ++i) {
+        if (devices[i].GetPortName() == port) return std::string("described: ") + devices[i].GetDescription().GetString();
+    }
+    return "not listed";
+}
+
+TEST(SetupDevices, AreListedByNameAndDescription) {
+    Devices made;
+    SP_DEVINFO_DATA* const plain = made.Add(R"(ROOT\ORVIKTEST\0000)");
+    ASSERT_NE(nullptr, plain);
+    made.Name(plain, REG_SZ, std::string("COM210", 7));
+    made.Describe(plain, "Logger cable");
+    SP_DEVINFO_DATA* const undescribed = made.Add(R"(ROOT\ORVIKTEST\0001)");
+    ASSERT_NE(nullptr, undescribed);
+    made.Name(undescribed, REG_SZ, std::string("COM211", 7));
+    SP_DEVINFO_DATA* const odd = made.Add(R"(ROOT\ORVIKTEST\0002)");
+    ASSERT_NE(nullptr, odd);
+    made.Name(odd, REG_SZ, std::string("CNCA0", 6));
+    SP_DEVINFO_DATA* const binary = made.Add(R"(ROOT\ORVIKTEST\0003)");
+    ASSERT_NE(nullptr, binary);
+    made.Name(binary, REG_BINARY, std::string("COM212", 7));
+    SP_DEVINFO_DATA* const nameless = made.Add(R"(ROOT\ORVIKTEST\0004)");
+    ASSERT_NE(nullptr, nameless);
+    ::RegCloseKey(made.Key(nameless));
+
+    EXPECT_EQ("described: Logger cable", Listed("COM210"));
+    EXPECT_EQ("described: ", Listed("COM211"));
+    EXPECT_EQ("not listed", Listed("CNCA0"));
+    EXPECT_EQ("not listed", Listed("COM212"));
+}
+
+class RegistryTextTest : public testing::Test {
+protected:
+    RegistryTextTest() { ::RegCreateKeyA(HKEY_CURRENT_USER, "Software\\OrvikTest", &key); }
+    ~RegistryTextTest() override {
+        ::RegCloseKey(key);
+        ::RegDeleteKeyA(HKEY_CURRENT_USER, "Software\\OrvikTest");
+    }
+    void Set(DWORD type, const void* data, size_t size) {
+        ASSERT_EQ(0, ::RegSetValueExA(key, "v", 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size)));
+    }
+    std::string Query() {
+        char* value = nullptr;
+        if (!Device::RegQueryValueString(key, "v", value)) {
+            EXPECT_EQ(nullptr, value);
+            return "error " + std::to_string(::GetLastError());
+        }
+        const std::string text = value;
+        ::LocalFree(value);
+        return text;
+    }
+    HKEY key = nullptr;
+};
+
+TEST_F(RegistryTextTest, ReadsTextAndRefusesTheRest) {
+    EXPECT_EQ("error 2", Query());
+    Set(REG_SZ, "COM3", 5);
+    EXPECT_EQ("COM3", Query());
+    Set(REG_SZ, "", 1);
+    EXPECT_EQ("", Query());
+    const DWORD number = 3;
+    Set(REG_DWORD, &number, sizeof(number));
+    EXPECT_EQ("error 13", Query());
+    Set(REG_BINARY, "COM3", 5);
+    EXPECT_EQ("error 13", Query());
+}
+}  // namespace
