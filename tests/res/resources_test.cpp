@@ -1,0 +1,151 @@
+// Texts and images as the module's users find them, by their ids.
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "platform/win32.h"
+#include "res/ids.h"
+#include "tests/support/regional_settings.h"
+
+namespace {
+
+constexpr LANGID kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), kSwedish = MAKELANGID(LANG_SWEDISH, SUBLANG_SWEDISH);
+
+HINSTANCE Module() { return GetModuleHandleA(nullptr); }
+
+std::string Text(UINT id) {
+    char text[256];
+    const int length = LoadStringA(Module(), id, text, sizeof text);
+    return std::string(text, static_cast<size_t>(length));
+}
+
+std::vector<unsigned char> Bytes(HRSRC resource) {
+    const auto* data = static_cast<const unsigned char*>(LockResource(LoadResource(Module(), resource)));
+    return data ? std::vector<unsigned char>(data, data + SizeofResource(Module(), resource)) : std::vector<unsigned char>();
+}
+
+}  // namespace
+
+TEST(Texts, BothLanguages) {
+    const struct {
+        UINT id;
+        const char *english, *swedish;
+    } cases[] = {
+        {823, "Source and target directories\nare the same.", "K\xE4lla och m\xE5lmapp\n\xE4r samma."},
+        {827, "The disk is full", "Disken \xE4r full"},
+        {828, "No error", "Inget fel"},
+        {830, "Receive overflow", "Receive overflow"},
+        {833, "Hardware access denied", "\xC5tkomst till h\xE5rdvara nekad"},
+        {836, "Receive timeout", "Inget svar"},
+        {838, "Unknown error", "Ok\xE4nt fel"},
+        {839, "<error>", "<fel>"},
+        {844, "%s Properties ", "Egenskaper f\xF6r %s"},
+        {8000, "January", "Januari"},
+        {8011, "December", "December"},
+        {8024, "Sunday", "S\xF6ndag"},
+        {8037, "Sat", "L\xF6r"},
+        {8038, "Illegal date format.\n\nUse %s", "Ogiltigt datumformat.\n\nAnv\xE4nd %s"},
+        {8048, ";us;microsec;microseconds;micro seconds;", ";us;microsek;microsekunder;micro sekunder;"},
+        {8054, "seconds", "sekunder"},
+        {8057, "w", "v"},
+        {8063, "us", "us"},
+    };
+    for (const auto& c : cases) {
+        {
+            const TextLanguage language(LANG_ENGLISH);
+            EXPECT_EQ(Text(c.id), c.english) << c.id;
+        }
+        const TextLanguage language(LANG_SWEDISH);
+        EXPECT_EQ(Text(c.id), c.swedish) << c.id;
+    }
+    const TextLanguage french(0x0C);
+    EXPECT_EQ(Text(828), "No error");  // neither language: English
+}
+
+TEST(Texts, EveryIdHasBoth) {
+    const struct {
+        UINT first, last;
+    } ranges[] = {{823, 839}, {842, 844}, {8000, 8048}, {8050, 8054}, {8057, 8063}, {8083, 8083}};
+    for (const auto& range : ranges)
+        for (UINT id = range.first; id <= range.last; ++id)
+            for (const int language : {LANG_ENGLISH, LANG_SWEDISH}) {
+                const TextLanguage chosen(static_cast<WORD>(language));
+                EXPECT_NE(Text(id), "") << id;
+            }
+    EXPECT_EQ(Text(7999), "");
+    EXPECT_EQ(Text(60000), "");
+}
+
+TEST(Texts, SmallBufferCutsTheText) {
+    const TextLanguage language(LANG_ENGLISH);
+    char text[5] = "????";
+    EXPECT_EQ(LoadStringA(Module(), 836, text, sizeof text), 4);
+    EXPECT_STREQ(text, "Rece");
+}
+
+TEST(Texts, BlocksByLanguage) {
+    const HRSRC english = FindResourceExW(Module(), MAKEINTRESOURCEW(6), MAKEINTRESOURCEW(828 / 16 + 1), kEnglish);
+    const HRSRC swedish = FindResourceExW(Module(), MAKEINTRESOURCEW(6), MAKEINTRESOURCEW(828 / 16 + 1), kSwedish);
+    ASSERT_TRUE(english && swedish);
+    // Sixteen texts a block, each a count and its characters; 828 is the thirteenth of its own.
+    const auto third = [](const std::vector<unsigned char>& block) {
+        size_t at = 0;
+        for (int i = 0; i < 828 % 16; ++i) at += 2 + 2 * static_cast<size_t>(block[at] | block[at + 1] << 8);
+        std::string text;
+        for (int i = 0; i < block[at]; ++i) text += static_cast<char>(block[at + 2 + 2 * static_cast<size_t>(i)]);
+        return text;
+    };
+    EXPECT_EQ(third(Bytes(english)), "No error");
+    EXPECT_EQ(third(Bytes(swedish)), "Inget fel");
+    EXPECT_EQ(FindResourceExW(Module(), MAKEINTRESOURCEW(6), MAKEINTRESOURCEW(400), kEnglish), nullptr);
+}
+
+TEST(Images, CursorsHaveTheirHotSpots) {
+    const struct {
+        UINT id;
+        DWORD x, y;
+    } cases[] = {{143, 13, 13}, {145, 15, 15}, {146, 15, 15}, {147, 15, 15}, {148, 15, 15}, {149, 13, 13},
+                 {150, 13, 13}, {151, 2, 2},   {152, 15, 15}, {153, 15, 15}, {154, 15, 15}, {155, 15, 15},
+                 {156, 15, 15}, {157, 15, 15}, {158, 2, 2},   {160, 15, 15}, {162, 15, 15}, {165, 15, 15}};
+    for (const auto& c : cases) {
+        EXPECT_TRUE(FindResourceA(Module(), MAKEINTRESOURCEA(c.id), RT_GROUP_CURSOR)) << c.id;
+        const HCURSOR cursor = LoadCursorW(Module(), MAKEINTRESOURCEW(c.id));
+        ASSERT_TRUE(cursor) << c.id;
+        ICONINFO info{};
+        ASSERT_TRUE(GetIconInfo(cursor, &info)) << c.id;
+        EXPECT_FALSE(info.fIcon);
+        EXPECT_EQ(info.xHotspot, c.x) << c.id;
+        EXPECT_EQ(info.yHotspot, c.y) << c.id;
+    }
+    EXPECT_FALSE(LoadCursorW(Module(), MAKEINTRESOURCEW(167)));  // an icon's id
+    EXPECT_FALSE(LoadCursorA(Module(), MAKEINTRESOURCEA(144)));
+}
+
+TEST(Images, IconsComeInTwoSizes) {
+    for (const UINT id : {167u, 168u, 169u, 170u, 171u, 172u, 175u}) {
+        const HRSRC group = FindResourceA(Module(), MAKEINTRESOURCEA(id), RT_GROUP_ICON);
+        ASSERT_TRUE(group) << id;
+        const auto directory = Bytes(group);
+        ASSERT_EQ(directory.size(), 6u + 2 * 14u) << id;
+        EXPECT_EQ(directory[6], 32) << id;
+        EXPECT_EQ(directory[20], 48) << id;
+        const HANDLE icon = LoadImageA(Module(), MAKEINTRESOURCEA(id), IMAGE_ICON, 32, 32, 0);
+        ASSERT_TRUE(icon) << id;
+        ICONINFO info{};
+        EXPECT_TRUE(GetIconInfo(static_cast<HICON>(icon), &info));
+        EXPECT_TRUE(info.fIcon);
+        EXPECT_TRUE(DestroyIcon(static_cast<HICON>(icon)));
+    }
+    EXPECT_FALSE(LoadImageA(Module(), MAKEINTRESOURCEA(173), IMAGE_ICON, 32, 32, 0));
+}
+
+TEST(Images, SystemCursorsAreShared) {
+    for (const LPSTR id : {IDC_WAIT, IDC_HAND, IDC_SIZEALL, IDC_SIZENS, IDC_SIZEWE, IDC_SIZENWSE, IDC_SIZENESW}) {
+        const HCURSOR cursor = LoadCursorA(nullptr, id);
+        EXPECT_TRUE(cursor);
+        EXPECT_EQ(LoadCursorA(nullptr, id), cursor);
+    }
+    EXPECT_FALSE(LoadCursorA(nullptr, MAKEINTRESOURCEA(149)));
+}

@@ -1,0 +1,123 @@
+#include "time/locale_cache.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/regional_settings.h"
+#include "time/date_picture_internal.h"
+
+using orvik::detail::TheLocaleCache;
+using orvik::detail::TheNlsTexts;
+using orvik::detail::WriteDatePicture;
+
+namespace {
+
+class LocaleCacheTest : public testing::Test {
+protected:
+    RegionalSettings m_settings;
+};
+
+}  // namespace
+
+TEST_F(LocaleCacheTest, HoldsTheUsersSettings) {
+    const struct {
+        void (RegionalSettings::*country)();
+        char decimal, thousand, list, date, time;
+        const char *shortDate, *timePicture, *morning, *afternoon;
+    } cases[] = {{&RegionalSettings::Swedish, ',', '\xA0', ';', '-', ':', "yyyy-MM-dd", "HH:mm:ss", "fm", "em"},
+                 {&RegionalSettings::American, '.', ',', ',', '/', ':', "M/d/yyyy", "h:mm:ss tt", "AM", "PM"},
+                 {&RegionalSettings::German, ',', '.', ';', '.', ':', "dd.MM.yyyy", "HH:mm:ss", "", ""},
+                 {&RegionalSettings::Indian, '.', ',', ',', '-', ':', "dd-MM-yyyy", "hh:mm:ss tt", "am", "pm"}};
+    for (const auto& c : cases) {
+        (m_settings.*c.country)();
+        NlsToolsUpdate();
+        EXPECT_EQ(NlsGetDecimalSep(), c.decimal) << c.shortDate;
+        EXPECT_EQ(NlsGetThousandSep(), c.thousand) << c.shortDate;
+        EXPECT_EQ(NlsGetListSep(), c.list) << c.shortDate;
+        EXPECT_EQ(NlsGetDateSep(), c.date) << c.shortDate;
+        EXPECT_EQ(NlsGetTimeSep(), c.time) << c.shortDate;
+        EXPECT_STREQ(NlsGetShortDateSpec(), c.shortDate);
+        EXPECT_STREQ(NlsGetTimeSpec(), c.timePicture);
+        EXPECT_STREQ(TheLocaleCache().morning, c.morning);
+        EXPECT_STREQ(TheLocaleCache().afternoon, c.afternoon);
+        EXPECT_EQ(TheLocaleCache().leadingZero, 1);
+        EXPECT_FALSE(TheLocaleCache().country.IsEmpty());
+        EXPECT_FALSE(TheLocaleCache().language.IsEmpty());
+    }
+}
+
+TEST_F(LocaleCacheTest, ThousandSeparatorStaysWhileDigitsAreNotGrouped) {
+    m_settings.Set(LOCALE_SGROUPING, "3;0");
+    m_settings.Set(LOCALE_STHOUSAND, "'");
+    NlsToolsUpdate();
+    m_settings.Set(LOCALE_SGROUPING, "0;0");
+    m_settings.Set(LOCALE_STHOUSAND, "_");
+    NlsToolsUpdate();
+    EXPECT_EQ(NlsGetThousandSep(), '\'');  // not read again
+    m_settings.Set(LOCALE_SGROUPING, "3;0");
+    m_settings.Set(LOCALE_STHOUSAND, "");
+    NlsToolsUpdate();
+    EXPECT_EQ(NlsGetThousandSep(), 0);
+}
+
+TEST_F(LocaleCacheTest, PictureBeyondItsBufferLeavesTheEntryEmpty) {
+    m_settings.Set(LOCALE_STIMEFORMAT, "'at' HH:mm:ss 'local time'");
+    NlsToolsUpdate();
+    EXPECT_STREQ(NlsGetTimeSpec(), "");
+    m_settings.Set(LOCALE_SDECIMAL, "");
+    NlsToolsUpdate();
+    EXPECT_EQ(NlsGetDecimalSep(), 0);
+}
+
+TEST_F(LocaleCacheTest, RegisterLoadsWordsAndMessages) {
+    {
+        const TextLanguage english(LANG_ENGLISH);
+        NlsToolsRegister();
+        EXPECT_STREQ(TheNlsTexts().milliseconds, ";ms;millisec;milliseconds;milli seconds;");
+        EXPECT_STREQ(TheNlsTexts().badDate, "Illegal date format.\n\nUse %s");
+    }
+    const TextLanguage swedish(LANG_SWEDISH);
+    NlsToolsRegister();
+    EXPECT_STREQ(TheNlsTexts().weeks, ";v;veckor;");
+    EXPECT_STREQ(TheNlsTexts().minutes, ";m;min;minuer;");
+    EXPECT_STREQ(TheNlsTexts().badDate, "Ogiltigt datumformat.\n\nAnv\xE4nd %s");
+    NlsToolsUnregister();
+    EXPECT_STREQ(TheNlsTexts().weeks, ";v;veckor;");
+}
+
+TEST_F(LocaleCacheTest, Names) {
+    {
+        const TextLanguage english(LANG_ENGLISH);
+        EXPECT_STREQ(NlsGetLongMonth(1), "January");
+        EXPECT_STREQ(NlsGetLongMonth(12), "December");
+        EXPECT_STREQ(NlsGetShortMonth(1), "Jan");
+        EXPECT_STREQ(NlsGetShortDay(0), "Sun");
+        EXPECT_STREQ(NlsGetLongDay(6), "Saturday");
+        EXPECT_STREQ(NlsGetShortMonth(0), "December");  // the text that has the id
+        EXPECT_STREQ(NlsGetLongMonth(-5'000), "");
+    }
+    const TextLanguage swedish(LANG_SWEDISH);
+    EXPECT_STREQ(NlsGetLongMonth(5), "Maj");
+    EXPECT_STREQ(NlsGetShortMonth(10), "Okt");
+    EXPECT_STREQ(NlsGetLongDay(0), "S\xF6ndag");
+    EXPECT_STREQ(NlsGetShortDay(6), "L\xF6r");
+}
+
+TEST(DatePicture, Elements) {
+    const TextLanguage english(LANG_ENGLISH);
+    const struct {
+        const char *picture, *text;
+    } cases[] = {{"yyyy-MM-dd", "2024-05-07"},
+                 {"M/d/yy", "5/7/24"},
+                 {"dddd, MMMM d, yyyy", "Tuesday, May 7, 2024"},
+                 {"ddd MMM", "Tue May"},
+                 {"MMMMM|ddddd|y|yyy|yyyyy", "||||"},
+                 {"d'th of' MMMM", "7th of May"},
+                 {"'dMy''d'", "dMyd"},
+                 {"''d", "7"},
+                 {"d 'of May", "7 of May"},
+                 {"'", ""},
+                 {"D m Y h\xE5", "D m Y h\xE5"},
+                 {"", ""}};
+    for (const auto& c : cases) EXPECT_STREQ(WriteDatePicture(c.picture, {2024, 5, 7, 2}), c.text) << c.picture;
+    EXPECT_STREQ(WriteDatePicture("yy yyyy", {2005, 1, 1, 6}), "05 2005");
+}
