@@ -65,15 +65,9 @@ BOOL CPropertyDB::StoreToFile(const char* path, int bIfModified) {
         const CString full = FullPath(path);
         CFileStatus status;
         if (bIfModified && !m_bModified && full == m_strFilePath && CFile::GetStatus(path, status)) return true;
-        const BOOL modified = m_bModified;
-        try {
-            orvik::detail::FileReplacement replacement(path);
-            if (!WriteForm(replacement.File(), HasXmlName(path))) return false;
-            replacement.Commit();
-        } catch (...) {
-            m_bModified = modified;  // the archive form clears it when the last byte is written, which is too early
-            throw;
-        }
+        orvik::detail::FileReplacement replacement(path);
+        if (!WriteForm(replacement.File(), HasXmlName(path))) return false;
+        replacement.Commit();
         m_strFilePath = full;
         m_bModified = FALSE;
         return true;
@@ -113,6 +107,12 @@ BOOL CPropertyDB::WriteForm(CFile& file, bool xml) {
         blocks.Flush();
         return saved;
     }
+    // Serialize clears the modified flag before the last bytes are out; the caller does it when all is well.
+    struct KeepFlag {
+        BOOL& flag;
+        const BOOL before;
+        ~KeepFlag() { flag = before; }
+    } const modified{m_bModified, m_bModified};
     CArchive archive(&file, CArchive::store | CArchive::bNoFlushOnDelete, kArchiveBuffer);
     Serialize(archive);
     archive.Close();
