@@ -1,0 +1,497 @@
+#include "afx/archive.h"
+#include "tests/propdb/property_db_fixture.h"
+
+#include <clocale>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+
+namespace {
+namespace fs = std::filesystem;
+
+std::string BytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+void WriteBytes(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+
+bool LoadBytes(CPropertyDB& database, std::string bytes, bool xml) {
+    CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));
+    return database.LoadFromFile(&file, xml) != 0;
+}
+std::string StoredBytes(CPropertyDB& database, bool xml) {
+    CMemFile file;
+    EXPECT_TRUE(database.StoreToFile(&file, xml, 0));
+    return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<size_t>(file.GetLength())};
+}
+
+class PropertyDbFiles : public testing::Test {
+protected:
+    CPropertyDB db;
+    fs::path folder;
+
+    void SetUp() override {
+        folder = fs::temp_directory_path() / ("orvik_propdb_" + std::to_string(reinterpret_cast<uintptr_t>(this)) +
+                                              testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::create_directories(folder);
+    }
+    void TearDown() override { fs::remove_all(folder); }
+    std::string Path(const char* name) const { return (folder / name).string(); }
+    size_t FilesThere() const {
+        return static_cast<size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+    }
+
+    // One of each kind, in two nodes.
+    void Fill() {
+        CStringArray texts;
+        for (const char* text : {"one", "", "three"}) texts.Add(text);
+        CDoubleArray reals;
+        for (double real : {0.1, -1e300, 5e-324}) reals.Add(real);
+        CInt64Array wide;
+        for (__int64 number : {std::numeric_limits<__int64>::min(), std::numeric_limits<__int64>::max()}) wide.Add(number);
+        CInt32Array narrow;
+        narrow.Add(-1);
+        db.SetValue("Units.3.sName", "m\xE4tv\xE4rde <&> 'x' \"y\"");
+        db.SetValue("Units.3.texts", texts);
+        db.SetValue("Units.3.nMode", 4000000000u);
+        db.SetValue("Units.word", static_cast<unsigned short>(65535));
+        db.SetValue("Units.fLeft", 0.1f);
+        db.SetValue("Units.reals", reals);
+        db.SetValue("wide", wide);
+        db.SetValue("narrow", narrow);
+        db.SetValue("font", LOGFONTA{});
+        db.SetValue("none", CWordArray());
+    }
+};
+constexpr const char kXml[] =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+    "<PROPERTYDB>\r\n"
+    " <PATH name=\"Units\">\r\n"
+    "  <PATH name=\"3\">\r\n"
+    "   <PROPERTY name=\"sName\" type=\"str\" size=\"1\">m&#xe4;tv&#xe4;rde &lt;&amp;&gt; 'x' \"y\"</PROPERTY>\r\n"
+    "   <PROPERTY name=\"texts\" type=\"str\" size=\"3\">one;;three</PROPERTY>\r\n"
+    "   <PROPERTY name=\"nMode\" type=\"u32\" size=\"1\">4000000000</PROPERTY>\r\n"
+    "  </PATH>\r\n"
+    "  <PROPERTY name=\"word\" type=\"u16\" size=\"1\">65535</PROPERTY>\r\n"
+    "  <PROPERTY name=\"fLeft\" type=\"r32\" size=\"1\">0.1</PROPERTY>\r\n"
+    "  <PROPERTY name=\"reals\" type=\"r64\" size=\"3\">0.1;-1E+300;4.94066E-324</PROPERTY>\r\n"
+    " </PATH>\r\n"
+    " <PROPERTY name=\"wide\" type=\"i64\" size=\"2\">-9223372036854775808;9223372036854775807</PROPERTY>\r\n"
+    " <PROPERTY name=\"none\" type=\"u16\" size=\"0\"></PROPERTY>\r\n"
+    "</PROPERTYDB>\r\n";
+
+std::string Xml(const std::string& body) { return "<PROPERTYDB>" + body + "</PROPERTYDB>"; }
+}  // namespace
+
+// ---- the forms
+
+TEST_F(PropertyDbFiles, XmlBytesAreTheDialectInEveryLocale) {
+    Fill();
+    for (const char* locale : {"C", "sv_SE.UTF-8", "de_DE.UTF-8", "sv_SE", "de_DE"}) {
+        std::setlocale(LC_ALL, locale);  // where it is not installed the test says nothing of it
+        EXPECT_EQ(StoredBytes(db, true), kXml) << locale;
+        CPropertyDB read;
+        EXPECT_TRUE(LoadBytes(read, kXml, true));
+        EXPECT_EQ(Described(read, "Units.reals"), Described(db, "Units.reals"));
+    }
+    std::setlocale(LC_ALL, "C");
+}
+
+TEST_F(PropertyDbFiles, XmlBringsBackWhatItHolds) {
+    Fill();
+    CPropertyDB read;
+    ASSERT_TRUE(LoadBytes(read, kXml, true));
+    db.Remove("font"), db.Remove("narrow");  // have no form in XML
+    EXPECT_EQ(Contents(read), Contents(db));
+    EXPECT_EQ(StoredBytes(read, true), kXml);  // in the same order
+    EXPECT_FALSE(read.IsModified());
+}
+
+TEST_F(PropertyDbFiles, ArchiveBytes) {
+    db.SetValue("a", 1);
+    db.SetValue("n.b", "x");
+    db.SetValue("n.c", 2);
+    EXPECT_EQ(StoredBytes(db, false), std::string("\0\0"
+                                                  "\2\0"
+                                                  "\1a"
+                                                  "\xFF\xFF"
+                                                  "\0\0"
+                                                  "\x0B\0"
+                                                  "CDWordArray"
+                                                  "\1\0"
+                                                  "\1\0\0\0"
+                                                  "\1n"
+                                                  "\xFF\xFF"
+                                                  "\0\0"
+                                                  "\x0E\0"
+                                                  "CMapStringToOb"
+                                                  "\2\0"
+                                                  "\1b"
+                                                  "\xFF\xFF"
+                                                  "\0\0"
+                                                  "\x0C\0"
+                                                  "CStringArray"
+                                                  "\1\0"
+                                                  "\1x"
+                                                  "\1c"
+                                                  "\x01\x80"
+                                                  "\1\0"
+                                                  "\2\0\0\0",
+                                                  2 + 2 + 2 + 6 + 11 + 6 + 2 + 6 + 14 + 2 + 2 + 6 + 12 + 4 + 2 + 2 + 6));
+}
+
+TEST_F(PropertyDbFiles, ArchiveHoldsEverythingToTheLastBit) {
+    Fill();
+    db.SetPath("empty.node");
+    CPropertyDB read;
+    ASSERT_TRUE(LoadBytes(read, StoredBytes(db, false), false));
+    EXPECT_EQ(Contents(read), Contents(db));
+    EXPECT_FALSE(read.IsModified());
+    EXPECT_EQ(StoredBytes(read, false), StoredBytes(db, false));
+}
+
+TEST_F(PropertyDbFiles, NodesAndValuesOfManyClassesInLargeArchives) {
+    for (int i = 0; i < 40000; ++i) db.SetValue(("n" + std::to_string(i % 100) + ".v" + std::to_string(i)).c_str(), i);
+    CPropertyDB read;
+    ASSERT_TRUE(LoadBytes(read, StoredBytes(db, false), false));  // more objects than small indexes reach
+    EXPECT_EQ(Contents(read), Contents(db));
+}
+
+TEST_F(PropertyDbFiles, SpecialNumbersSurviveXml) {
+    db.SetValue("inf", std::numeric_limits<double>::infinity());
+    db.SetValue("minus", -std::numeric_limits<float>::infinity());
+    db.SetValue("nan", std::nan(""));
+    CPropertyDB read;
+    ASSERT_TRUE(LoadBytes(read, StoredBytes(db, true), true));
+    EXPECT_EQ(Contents(read), Contents(db));
+}
+
+TEST_F(PropertyDbFiles, EmptyDatabases) {
+    EXPECT_EQ(StoredBytes(db, true), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<PROPERTYDB/>\r\n");
+    EXPECT_EQ(StoredBytes(db, false), std::string(4, '\0'));
+    CPropertyDB read;
+    EXPECT_TRUE(LoadBytes(read, StoredBytes(db, true), true));
+    EXPECT_TRUE(LoadBytes(read, StoredBytes(db, false), false));
+    EXPECT_TRUE(read.IsEmpty());
+}
+
+TEST_F(PropertyDbFiles, EntriesWithoutObjectStayOut) {
+    db.SetValue("a.v", 1);
+    db.Rename("a.m", "x");
+    db.Rename("m", "y");
+    for (bool xml : {true, false}) {
+        CPropertyDB read;
+        ASSERT_TRUE(LoadBytes(read, StoredBytes(db, xml), xml));
+        EXPECT_EQ(Contents(read), "a.v = CDWordArray 1\n");
+        EXPECT_FALSE(read.Find("a.x") || read.Find("y"));
+    }
+}
+
+// ---- reading XML
+
+TEST_F(PropertyDbFiles, XmlReadingTable) {
+    const struct {
+        std::string body;
+        bool loads;
+        const char* contents;
+    } cases[] = {
+        {"<PROPERTY name=\"a\" type=\"str\" size=\"1\">a;b</PROPERTY>", true, "a = CStringArray [a] [b]\n"},
+        {"<PROPERTY name=\"a\" type=\"str\" size=\"3\">x</PROPERTY>", true, "a = CStringArray [x] [] []\n"},
+        {"<PROPERTY name=\"a\" type=\"str\" size=\"0\"></PROPERTY>", true, "a = CStringArray\n"},
+        {"<PROPERTY name=\"a\" type=\"str\" size=\"1\"> two words </PROPERTY>", true, "a = CStringArray [two words]\n"},
+        {"<PROPERTY name=\"a\" type=\"u16\" size=\"3\">65537;-1;x</PROPERTY>", true, "a = CWordArray 1 65535 0\n"},
+        {"<PROPERTY name=\"a\" type=\"u32\" size=\"2\"> 4294967295 ; +7;9</PROPERTY>", true, "a = CDWordArray 4294967295 7\n"},
+        {"<PROPERTY name=\"a\" type=\"r64\" size=\"2\">1E-05;1,5</PROPERTY>", true,
+         "a = CDoubleArray 0x1.4f8b588e368f1p-17 0x1p+0\n"},
+        {"<PROPERTY name=\"a\" type=\"i64\" size=\"1\">-5</PROPERTY>", true, "a = CInt64Array -5\n"},
+        {"<PROPERTY name=\"a\" type=\"u8\" size=\"1\">1</PROPERTY><PROPERTY name=\"b\" type=\"u16\" size=\"1\">1</PROPERTY>",
+         true, "b = CWordArray 1\n"},
+        {"<PROPERTY name=\"&quot;a.b&quot;\" type=\"u16\" size=\"1\">1</PROPERTY>", true, "\"a.b\" = CWordArray 1\n"},
+        {"<PATH name=\"p\"><PROPERTY name=\"a\" type=\"u16\" size=\"1\">1</PROPERTY></PATH>", true, "p.a = CWordArray 1\n"},
+        {"<PATH name=\"p\"/><!c!><?m?>", true, ""},  // an empty node is not made again
+        {"<PROPERTYDB><PATH name=\"p\"/></PROPERTYDB>", false, ""},
+        {"<PROPERTY name=\"a\" type=\"u16\">1</PROPERTY>", false, ""},
+        {"<PROPERTY name=\"a\" size=\"1\">1</PROPERTY>", false, ""},
+        {"<PROPERTY type=\"u16\" size=\"1\">1</PROPERTY>", false, ""},
+        {"<OTHER name=\"a\" type=\"u16\" size=\"1\">1</OTHER>", false, ""},
+        {"<OTHER><x/></OTHER>", false, ""},
+        {"<PATH><PATH name=\"a\"/></PATH>", false, ""},
+        {"<PROPERTY name=\"a\" type=\"u16\" size=\"4000000000\">1</PROPERTY>", false, ""},
+        {"<PROPERTY name=\"a\" type=\"str\" size=\"18446744073709551617\">1</PROPERTY>", false, ""},
+        {"<PROPERTY name=\"a\" type=\"u16\" size=\"-1\">1</PROPERTY>", false, ""},
+        {"<PROPERTY name=\"a\" type=\"u16\" size=\"60\">1</PROPERTY><PROPERTY name=\"b\" type=\"u16\" "
+         "size=\"70\">1</PROPERTY>.......",
+         false, nullptr},
+        {"text", false, ""},
+        {"", false, ""},
+    };
+    for (const auto& c : cases) {
+        CPropertyDB read;
+        EXPECT_EQ(LoadBytes(read, Xml(c.body), true), c.loads) << c.body;
+        if (c.contents) {
+            EXPECT_EQ(Contents(read), c.contents) << c.body;
+        }
+    }
+}
+
+TEST_F(PropertyDbFiles, LoadsAddToWhatIsThere) {
+    for (bool xml : {true, false}) {
+        CPropertyDB source, target;
+        source.SetValue("n.a", 1);
+        source.SetValue("b", 2);
+        target.SetValue("b", 1);
+        target.SetValue("c", 3);
+        ASSERT_TRUE(LoadBytes(target, StoredBytes(source, xml), xml));
+        EXPECT_EQ(Contents(target), "b = CDWordArray 2\nc = CDWordArray 3\nn.a = CDWordArray 1\n");
+    }
+    db.SetValue("b", "text");
+    ASSERT_TRUE(LoadBytes(db, Xml("<PROPERTY name=\"b\" type=\"u16\" size=\"1\">1</PROPERTY>"), true));
+    EXPECT_EQ(Contents(db), "b = CStringArray [text]\n");  // another kind stays as it is
+}
+
+TEST_F(PropertyDbFiles, StoppedLoadsLeaveTheUsingPath) {
+    db.BeginUsing("here");
+    EXPECT_FALSE(LoadBytes(db, Xml("<PATH name=\"p\"><PROPERTY name=\"a\" type=\"u16\" size=\"1\">1</PROPERTY><x>"), true));
+    EXPECT_EQ(db.GetUsing(), "here.");
+    EXPECT_EQ(Contents(db), "here.p.a = CWordArray 1\n");
+    db.EndUsing();
+    EXPECT_EQ(db.GetUsing(), "");
+}
+
+TEST_F(PropertyDbFiles, DeepTreesAreRefusedBothWays) {
+    const auto key = [](int segments) {
+        std::string text;
+        for (int i = 1; i < segments; ++i) text += "a.";
+        return text + "v";
+    };
+    db.SetValue(key(255).c_str(), 1);
+    for (bool xml : {true, false}) {
+        CPropertyDB read;
+        EXPECT_TRUE(LoadBytes(read, StoredBytes(db, xml), xml));
+        EXPECT_EQ(Contents(read), Contents(db));
+    }
+    db.SetValue(key(256).c_str(), 1);
+    CMemFile file;
+    EXPECT_FALSE(db.StoreToFile(&file, 1, 0));
+    EXPECT_FALSE(db.StoreToFile(&file, 0, 0));
+    EXPECT_EQ(file.GetLength(), 0u);
+
+    std::string nested = "<PROPERTYDB>", archive("\0\0\1\0", 4);
+    archive += std::string("\0\xFF\xFF\0\0\x0E\0", 7) + "CMapStringToOb" + std::string("\1\0", 2);
+    for (int i = 0; i < 100000; ++i) {
+        nested += "<PATH name=\"a\">";
+        archive += std::string("\0\1\x80\1\0", 5);
+    }
+    EXPECT_FALSE(LoadBytes(db, nested, true));
+    EXPECT_FALSE(LoadBytes(db, archive, false));
+}
+
+// ---- damage
+
+TEST_F(PropertyDbFiles, EveryPrefixFailsAndLeavesTheDatabaseUsable) {
+    Fill();
+    for (bool xml : {true, false}) {
+        std::string whole = StoredBytes(db, xml);
+        if (xml) whole.resize(whole.size() - 2);  // the last line end may be missing
+        for (size_t length = 0; length < whole.size(); ++length) {
+            CPropertyDB read;
+            ASSERT_FALSE(LoadBytes(read, whole.substr(0, length), xml)) << length;
+            ASSERT_TRUE(read.SetValue("new", 1));
+            ASSERT_EQ(read.GetUsing(), "");
+        }
+        CPropertyDB read;
+        EXPECT_TRUE(LoadBytes(read, whole, xml));
+    }
+}
+
+TEST_F(PropertyDbFiles, EveryBitFlipEndsInAResult) {
+    Fill();
+    for (bool xml : {true, false}) {
+        const std::string whole = StoredBytes(db, xml);
+        for (size_t bit = 0; bit < whole.size() * 8; ++bit) {
+            std::string damaged = whole;
+            damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << bit % 8));
+            CPropertyDB read;
+            LoadBytes(read, damaged, xml);
+            ASSERT_TRUE(read.SetValue("brand.new", 1));
+            ASSERT_FALSE(Contents(read).empty());
+        }
+    }
+}
+
+TEST_F(PropertyDbFiles, ForeignArchivesAreRefused) {
+    const auto archive = [](std::string entry) { return std::string("\0\0\1\0\1a", 6) + entry; };
+    const auto classTag = [](const char* name, char schema = 0) {
+        std::string tag("\xFF\xFF", 2);
+        tag += schema;
+        tag += '\0';
+        tag += static_cast<char>(std::strlen(name));
+        return tag + '\0' + name;
+    };
+    const struct {
+        const char* what;
+        std::string bytes;
+    } cases[] = {
+        {"unknown class", archive(classTag("CNothing"))},
+        {"class outside the nine", archive(classTag("CVXTTime") + std::string(8, '\0'))},
+        {"another outside the nine", archive(classTag("CMapStringToString") + std::string(2, '\0'))},
+        {"wrong schema", archive(classTag("CDWordArray", 7) + std::string("\0\0", 2))},
+        {"object met before", std::string("\0\0\2\0\1a", 6) + classTag("CDWordArray") + std::string("\0\0\1b\2\0", 6)},
+        {"class index never given", archive(std::string("\5\x80\0\0", 4))},
+        {"object taken for a class",
+         std::string("\0\0\2\0\1a", 6) + classTag("CDWordArray") + std::string("\0\0\1b\2\x80\0\0", 8)},
+        {"huge count", archive(classTag("CDWordArray") + std::string("\xFF\xFF\xFF\xFF\xFF\x7F", 6))},
+        {"huger count", archive(classTag("CStringArray") + "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F")},
+        {"huge root", std::string("\0\0\xFF\xFF\xFF\xFF\xFF\x7F", 8)},
+        {"huge text", archive(classTag("CStringArray") + std::string("\1\0\xFF\xFF\xFF\xFF\xFF\xFF\x7F", 9))},
+    };
+    for (const auto& c : cases) {
+        CPropertyDB read;
+        EXPECT_FALSE(LoadBytes(read, c.bytes, false)) << c.what;
+        EXPECT_TRUE(read.SetValue("new", 1));
+    }
+    // A null entry is left out.
+    CPropertyDB read;
+    EXPECT_TRUE(LoadBytes(read, archive(std::string("\0\0", 2)), false));
+    EXPECT_TRUE(read.IsEmpty());
+    // A name that comes twice holds the later object.
+    EXPECT_TRUE(
+        LoadBytes(read, std::string("\0\0\2\0\1a", 6) + classTag("CMapStringToOb") + std::string("\0\0\1a\1\x80\0\0", 8), false));
+    EXPECT_EQ(Contents(read), "a = CMapStringToOb\n");
+}
+
+TEST_F(PropertyDbFiles, SerializeRaisesOnDamage) {
+    std::string bytes(3, '\0');
+    CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), 3);
+    CArchive archive(&file, CArchive::load);
+    try {
+        db.Serialize(archive);
+        ADD_FAILURE() << "no exception";
+    } catch (CArchiveException* failure) {
+        EXPECT_EQ(failure->m_cause, CArchiveException::endOfFile);
+        failure->Delete();
+    }
+}
+
+// ---- files by name
+
+TEST_F(PropertyDbFiles, TheNameChoosesTheForm) {
+    db.SetValue("a", 1);
+    for (const char* name : {"a.xml", "b.XML", ".xMl"}) {
+        ASSERT_TRUE(db.StoreToFile(Path(name).c_str(), 0)) << name;
+        EXPECT_EQ(BytesOf(Path(name)).substr(0, 5), "<?xml") << name;
+        CPropertyDB read;
+        EXPECT_TRUE(read.LoadFromFile(Path(name).c_str())) << name;
+        EXPECT_EQ(Contents(read), Contents(db));
+    }
+    for (const char* name : {"a.odb", "xml", "a.xml2"}) {
+        ASSERT_TRUE(db.StoreToFile(Path(name).c_str(), 0)) << name;
+        EXPECT_EQ(BytesOf(Path(name))[0], '\0') << name;
+        CPropertyDB read;
+        EXPECT_TRUE(read.LoadFromFile(Path(name).c_str())) << name;
+    }
+    EXPECT_EQ(FilesThere(), 6u);  // nothing else is left
+}
+
+TEST_F(PropertyDbFiles, PathAndFlagsFollowSuccess) {
+    db.SetValue("a", 1);
+    EXPECT_EQ(db.GetLoadFilePath(), "");
+    EXPECT_EQ(db.GetFileName(1), "");
+    EXPECT_FALSE(db.StoreToFile(Path("no/such/folder.odb").c_str(), 0));
+    EXPECT_FALSE(db.StoreToFile(folder.string().c_str(), 0));
+    EXPECT_FALSE(db.StoreToFile("", 0));
+    EXPECT_FALSE(db.StoreToFile(static_cast<const char*>(nullptr), 0));
+    EXPECT_TRUE(db.IsModified());
+    EXPECT_EQ(db.GetLoadFilePath(), "");
+    ASSERT_TRUE(db.StoreToFile(Path("my.data.xml").c_str(), 0));
+    EXPECT_FALSE(db.IsModified());
+    EXPECT_EQ(std::string(db.GetLoadFilePath()), Path("my.data.xml"));
+    EXPECT_EQ(db.GetFileName(1), "my.data.xml");
+    EXPECT_EQ(db.GetFileName(0), "my.data");
+
+    CPropertyDB read;
+    EXPECT_FALSE(read.LoadFromFile(Path("missing.xml").c_str()));
+    EXPECT_FALSE(read.LoadFromFile(folder.string().c_str()));
+    EXPECT_FALSE(read.LoadFromFile(""));
+    EXPECT_EQ(read.GetLoadFilePath(), "");
+    EXPECT_TRUE(read.LoadFromFile(Path("my.data.xml").c_str()));
+    EXPECT_EQ(read.GetFileName(0), "my.data");
+    EXPECT_FALSE(read.IsModified());
+}
+
+TEST_F(PropertyDbFiles, StoringIfModifiedLeavesAnUnchangedFileAlone) {
+    db.SetValue("a", 1);
+    const std::string path = Path("a.odb");
+    ASSERT_TRUE(db.StoreToFile(path.c_str(), 1));
+    WriteBytes(path, "touched");
+    EXPECT_TRUE(db.StoreToFile(path.c_str(), 1));
+    EXPECT_EQ(BytesOf(path), "touched");
+    EXPECT_TRUE(db.StoreToFile(Path("b.odb").c_str(), 1));  // another file
+    EXPECT_TRUE(db.StoreToFile(path.c_str(), 0));
+    EXPECT_NE(BytesOf(path), "touched");
+    fs::remove(path);
+    EXPECT_TRUE(db.StoreToFile(path.c_str(), 1));
+    EXPECT_TRUE(fs::exists(path));
+}
+
+TEST_F(PropertyDbFiles, FilesThatCannotBeReplacedStay) {
+    const std::string path = Path("a.odb");
+    WriteBytes(path, "old");
+    fs::permissions(path, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+    db.SetValue("a", 1);
+    EXPECT_FALSE(db.StoreToFile(path.c_str(), 0));
+    EXPECT_EQ(BytesOf(path), "old");
+    EXPECT_EQ(FilesThere(), 1u);
+    fs::permissions(path, fs::perms::owner_write, fs::perm_options::add);
+    EXPECT_TRUE(db.StoreToFile(path.c_str(), 0));
+}
+
+TEST_F(PropertyDbFiles, FailingFilesGiveAResult) {
+    // Takes so many bytes and then fails, in the way its number says.
+    struct Failing : CMemFile {
+        UINT left = 0;
+        void Write(const void* data, UINT size) override {
+            if (size > left) AfxThrowFileException(CFileException::diskFull);
+            left -= size;
+            CMemFile::Write(data, size);
+        }
+        UINT Read(void* data, UINT size) override {
+            if (size > left) AfxThrowFileException(CFileException::hardIO);
+            left -= size;
+            return CMemFile::Read(data, size);
+        }
+    };
+    Fill();
+    for (bool xml : {true, false}) {
+        Failing file;
+        EXPECT_FALSE(db.StoreToFile(&file, xml, 0));
+        EXPECT_TRUE(db.IsModified());
+        Failing unreadable;
+        unreadable.left = 100000;
+        EXPECT_TRUE(db.StoreToFile(&unreadable, xml, 1));
+        unreadable.SeekToBegin();
+        unreadable.left = 0;
+        CPropertyDB read;
+        EXPECT_FALSE(read.LoadFromFile(&unreadable, xml));
+        db.SetValue("again", 1);
+    }
+}
+
+// Loading begins where the file stands and leaves it behind the form.
+TEST_F(PropertyDbFiles, FormsStandInsideOtherFiles) {
+    db.SetValue("a", 1);
+    for (bool xml : {true, false}) {
+        CMemFile file;
+        file.Write("head", 4);
+        ASSERT_TRUE(db.StoreToFile(&file, xml, 0));
+        const ULONGLONG end = file.GetPosition();
+        file.Seek(4, CFile::begin);
+        CPropertyDB read;
+        EXPECT_TRUE(read.LoadFromFile(&file, xml));
+        EXPECT_EQ(Contents(read), Contents(db));
+        EXPECT_EQ(file.GetPosition(), end);
+    }
+}
