@@ -58,7 +58,9 @@ public:
     }
     DWORD CutHere() {
         const off_t at = lseek(m_fd, 0, SEEK_CUR);
-        return at >= 0 && ftruncate(m_fd, at) == 0 ? ERROR_SUCCESS : ErrorFromErrno(errno);
+        if (at >= 0 && ftruncate(m_fd, at) == 0) return ERROR_SUCCESS;
+        // EINVAL from a regular file at a position that is there: it was opened for reading only.
+        return errno == EBADF || errno == EINVAL ? ERROR_ACCESS_DENIED : ErrorFromErrno(errno);
     }
     DWORD Flush() { return fsync(m_fd) == 0 || errno == EINVAL || errno == EROFS ? ERROR_SUCCESS : ErrorFromErrno(errno); }
     std::string FinalName() {
@@ -76,7 +78,8 @@ private:
         while (moved < length) {
             const ssize_t count = step(at, moved);
             if (count < 0 && errno == EINTR) continue;
-            if (count < 0) return ErrorFromErrno(errno);
+            // The descriptor is good as long as this object lives: it was opened for the other direction only.
+            if (count < 0) return errno == EBADF ? ERROR_ACCESS_DENIED : ErrorFromErrno(errno);
             if (count == 0 && stopAtZero) break;
             moved += static_cast<DWORD>(count);
         }

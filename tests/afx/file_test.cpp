@@ -79,8 +79,11 @@ TEST_F(File, RefusesWhatTheModeDoesNotAllow) {
     Put(Path("f"), "text");
     CFile reading(Path("f"), CFile::modeRead | CFile::shareDenyNone);
     EXPECT_EQ(FileCause([&] { reading.Write("x", 1); }), CFileException::accessDenied);
-    CFile none;
+    EXPECT_EQ(FileCause([&] { reading.SetLength(1); }), CFileException::accessDenied);
     char ch = 0;
+    CFile writing(Path("g"), CFile::modeCreate | CFile::modeWrite);
+    EXPECT_EQ(FileCause([&] { writing.Read(&ch, 1); }), CFileException::accessDenied);
+    CFile none;
     EXPECT_EQ(FileCause([&] { none.Read(&ch, 1); }), CFileException::invalidFile);
     EXPECT_EQ(FileCause([&] { none.Write(&ch, 1); }), CFileException::invalidFile);
     EXPECT_EQ(FileCause([&] { none.GetLength(); }), CFileException::invalidFile);
