@@ -35,7 +35,7 @@ Libs: -L\${libdir} -lOrvikShared
 ")
 install(FILES ${CMAKE_BINARY_DIR}/orvikshared.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-if(ORVIK_HOST)
+if(TARGET orvikhost AND TARGET orvik_modbus)
   install(TARGETS orvikhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   if(WIN32)
     install(TARGETS orvik_modbus LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR}/plugins)
