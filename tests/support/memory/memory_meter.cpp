@@ -1,9 +1,9 @@
 #include "tests/support/memory/memory_meter.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
-#include <mutex>
 #include <new>
 
 extern "C" {
@@ -22,7 +22,19 @@ struct Block {
 constexpr size_t kSlots = 1 << 22;
 constexpr size_t kOverhead = 16;
 Block* g_blocks = nullptr;
-std::mutex g_lock;
+
+// A spin lock: a mutex may ask the heap itself.
+constinit std::atomic_flag g_taken = ATOMIC_FLAG_INIT;
+class Lock {
+public:
+    Lock() {
+        while (g_taken.test_and_set(std::memory_order_acquire)) {
+        }
+    }
+    ~Lock() { g_taken.clear(std::memory_order_release); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+};
 bool g_running = false;
 size_t g_now = 0;
 size_t g_peak = 0;
@@ -35,7 +47,7 @@ Block* SlotOf(const void* address) {
 
 void Made(void* address, size_t size) {
     if (address == nullptr) return;
-    const std::lock_guard lock(g_lock);
+    const Lock lock;
     if (!g_running) return;
     *SlotOf(address) = {address, size + kOverhead};
     g_now += size + kOverhead;
@@ -45,7 +57,7 @@ void Made(void* address, size_t size) {
 // The entry stays with size 0: the address will come again.
 void Gone(const void* address) {
     if (address == nullptr) return;
-    const std::lock_guard lock(g_lock);
+    const Lock lock;
     if (!g_running) return;
     Block* block = SlotOf(address);
     if (block->address == nullptr) return;
@@ -92,14 +104,14 @@ void operator delete[](void* block, size_t) noexcept { __wrap_free(block); }
 
 MemoryMeter::MemoryMeter() {
     auto* blocks = static_cast<Block*>(__real_calloc(kSlots, sizeof(Block)));
-    const std::lock_guard lock(g_lock);
+    const Lock lock;
     g_blocks = blocks;
     g_now = g_peak = 0;
     g_running = true;
 }
 
 MemoryMeter::~MemoryMeter() {
-    const std::lock_guard lock(g_lock);
+    const Lock lock;
     g_running = false;
     __real_free(g_blocks);
     g_blocks = nullptr;
