@@ -13,15 +13,15 @@ HANDLE CreateEventA(LPSECURITY_ATTRIBUTES, BOOL manualReset, BOOL initialState, 
 }
 
 BOOL SetEvent(HANDLE event) {
-    const Pinned<Event> pinned(event);
-    if (!pinned) return Finish(ERROR_INVALID_HANDLE);
-    pinned->Set();
+    const NamedEvent named(event);
+    if (!named) return Finish(ERROR_INVALID_HANDLE);
+    named->Set();
     return TRUE;
 }
 
 BOOL ResetEvent(HANDLE event) {
-    const Pinned<Event> pinned(event);
-    if (!pinned) return Finish(ERROR_INVALID_HANDLE);
-    pinned->Reset();
+    const NamedEvent named(event);
+    if (!named) return Finish(ERROR_INVALID_HANDLE);
+    named->Reset();
     return TRUE;
 }

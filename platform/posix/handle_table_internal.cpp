@@ -79,6 +79,13 @@ void PinnedObject::Release() { Unpin(*m_slot); }
 KernelObject* PinnedObject::Get() const { return m_slot == nullptr ? nullptr : m_slot->object.get(); }
 const std::shared_ptr<KernelObject>& PinnedObject::Shared() const { return m_slot->object; }
 
+bool IsOpenHandle(HANDLE handle) {
+    const Named named = SlotOf(handle);
+    if (named.slot == nullptr) return false;
+    const uint64_t state = named.slot->state.load(std::memory_order_acquire);
+    return (state >> 32) == named.generation && (state & kOpen) != 0;
+}
+
 HANDLE NewHandle(std::shared_ptr<KernelObject> object) {
     Table& table = TheTable();
     HandleSlot* slot = nullptr;

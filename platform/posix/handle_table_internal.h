@@ -81,6 +81,8 @@ private:
     T* m_object = nullptr;
 };
 
+// Whether the handle is open at this moment; for who holds the object anyway.
+bool IsOpenHandle(HANDLE handle);
 // A new handle for the object; null with last error 4 when 65,536 handles are open.
 HANDLE NewHandle(std::shared_ptr<KernelObject> object);
 // Error code: 0, or 6 for a bad handle.

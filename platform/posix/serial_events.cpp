@@ -85,7 +85,7 @@ DWORD SerialPort::SetMask(DWORD mask) {
 
 DWORD SerialPort::WaitEvent(DWORD& events, OVERLAPPED* overlapped) {
     if (const DWORD error = CheckOverlapped(overlapped)) return error;
-    const Pinned<Event> named(overlapped == nullptr ? nullptr : overlapped->hEvent);
+    const NamedEvent named(overlapped == nullptr ? nullptr : overlapped->hEvent);
     if (overlapped != nullptr && overlapped->hEvent != nullptr && !named) return ERROR_INVALID_HANDLE;
 
     std::unique_lock lock(m_lock);

@@ -27,7 +27,9 @@ size_t ReceiveBuffer::Take(void* out, size_t most) {
     std::memcpy(out, m_bytes.data() + m_first, whole);
     if (whole < count) std::memcpy(static_cast<char*>(out) + whole, m_bytes.data(), count - whole);
     m_size -= count;
-    m_first = m_size == 0 ? 0 : (m_first + count) % m_bytes.size();
+    m_first += count;
+    if (m_first >= m_bytes.size()) m_first -= m_bytes.size();
+    if (m_size == 0) m_first = 0;
     return count;
 }
 
@@ -107,15 +109,15 @@ DWORD SerialPort::CheckOverlapped(OVERLAPPED* overlapped) const {
 }
 
 namespace {
-// The event that an OVERLAPPED names: its handle held for the call; none is fine, a bad one is not.
-class NamedEvent {
+// The event that an OVERLAPPED names: none is fine, a bad one is not.
+class OperationEvent {
 public:
-    explicit NamedEvent(const OVERLAPPED* overlapped) : m_pin(overlapped == nullptr ? nullptr : overlapped->hEvent) {
-        m_bad = overlapped != nullptr && overlapped->hEvent != nullptr && !m_pin;
-    }
+    explicit OperationEvent(const OVERLAPPED* overlapped)
+        : m_named(overlapped == nullptr ? nullptr : overlapped->hEvent),
+          m_bad(overlapped != nullptr && overlapped->hEvent != nullptr && !m_named) {}
     bool IsBad() const { return m_bad; }
     std::shared_ptr<Event> ForOperation() const {
-        std::shared_ptr<Event> event = m_pin ? m_pin.Shared() : std::make_shared<Event>(true, false);
+        std::shared_ptr<Event> event = m_named ? m_named.Shared() : std::make_shared<Event>(true, false);
         event->Reset();
         return event;
     }
@@ -125,13 +127,13 @@ public:
             overlapped->Internal = ERROR_SUCCESS;
             overlapped->InternalHigh = moved;
         }
-        if (m_pin) m_pin->Set();
+        if (m_named) m_named->Set();
         return ERROR_SUCCESS;
     }
 
 private:
-    Pinned<Event> m_pin;
-    bool m_bad;
+    const NamedEvent m_named;
+    const bool m_bad;
 };
 
 // The ports on which the calling thread left something pending. What it left is aborted when it ends, for its stack goes then,
@@ -169,7 +171,7 @@ int64_t TotalDue(int64_t now, DWORD multiplier, DWORD constant, DWORD length) {
 DWORD SerialPort::Read(void* buffer, DWORD length, DWORD& moved, OVERLAPPED* overlapped) {
     if (const DWORD error = CheckOverlapped(overlapped)) return error;
     if ((m_access & GENERIC_READ) == 0) return ERROR_ACCESS_DENIED;
-    const NamedEvent event(overlapped);
+    const OperationEvent event(overlapped);
     if (event.IsBad()) return ERROR_INVALID_HANDLE;
 
     std::unique_lock lock(m_lock);
@@ -215,7 +217,7 @@ DWORD SerialPort::Read(void* buffer, DWORD length, DWORD& moved, OVERLAPPED* ove
 DWORD SerialPort::Write(const void* buffer, DWORD length, DWORD& moved, OVERLAPPED* overlapped) {
     if (const DWORD error = CheckOverlapped(overlapped)) return error;
     if ((m_access & GENERIC_WRITE) == 0) return ERROR_ACCESS_DENIED;
-    const NamedEvent event(overlapped);
+    const OperationEvent event(overlapped);
     if (event.IsBad()) return ERROR_INVALID_HANDLE;
 
     std::unique_lock lock(m_lock);

@@ -129,6 +129,22 @@ void Event::Nudge() {
     WakeWaiters();
 }
 
+NamedEvent::NamedEvent(HANDLE handle) {
+    struct Kept {
+        HANDLE handle = nullptr;
+        std::shared_ptr<Event> event;
+    };
+    thread_local Kept kept;
+    if (handle == nullptr) return;
+    if (handle != kept.handle || !IsOpenHandle(handle)) {
+        const Pinned<Event> pinned(handle);
+        if (!pinned) return;
+        kept.event = pinned.Shared();
+        kept.handle = handle;
+    }
+    m_event = &kept.event;
+}
+
 WaitRegistration::WaitRegistration(Waiter& waiter, std::span<Waitable* const> objects) : m_waiter(waiter), m_objects(objects) {
     for (Waitable* object : m_objects) object->m_waiters.push_back(&m_waiter);
 }

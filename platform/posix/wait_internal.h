@@ -89,6 +89,19 @@ private:
     std::atomic<bool> m_signalled;
 };
 
+// The event of a handle, empty for a bad one. Each thread keeps hold of the event it named last, so that naming it again costs no
+// shared counting: with one event a port, that is every call of a reading thread. Valid until the thread names another.
+class NamedEvent {
+public:
+    explicit NamedEvent(HANDLE handle);
+    explicit operator bool() const { return m_event != nullptr; }
+    Event* operator->() const { return m_event->get(); }
+    const std::shared_ptr<Event>& Shared() const { return *m_event; }
+
+private:
+    const std::shared_ptr<Event>* m_event = nullptr;
+};
+
 // Puts the waiter into the objects' lists for as long as it lives. Made and destroyed under the kernel lock.
 class WaitRegistration {
 public:

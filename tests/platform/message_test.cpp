@@ -1,0 +1,279 @@
+// Windows without a screen, their messages and timers. Message-only windows, so that this runs on both homes.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/win32.h"
+
+namespace {
+constexpr DWORD kLong = 10'000;
+const char* const kClass = "OrvikMessageTest";
+
+// Every window of the test notes what it is told; creation parameters may name a message to refuse.
+struct Note {
+    HWND window;
+    UINT message;
+    WPARAM wParam;
+};
+std::vector<Note> g_notes;
+
+LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_USER + 1) return static_cast<LRESULT>(wParam * 2);
+    if (message == WM_USER + 2) {  // answers by a question back to the asking thread's window
+        return SendMessageA(reinterpret_cast<HWND>(lParam), WM_USER + 1, wParam, 0) + 1;
+    }
+    g_notes.push_back({window, message, wParam});
+    if (message == WM_CREATE || message == WM_NCCREATE) {
+        const auto refused = reinterpret_cast<UINT_PTR>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
+        if (refused == message) return message == WM_CREATE ? -1 : 0;
+    }
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
+class MessageTest : public testing::Test {
+protected:
+    void SetUp() override {
+        WNDCLASSA info{};
+        info.lpfnWndProc = Procedure;
+        info.cbWndExtra = 16;
+        info.hInstance = Instance();
+        info.lpszClassName = kClass;
+        ASSERT_NE(RegisterClassA(&info), 0);
+        Drain();
+        g_notes.clear();
+    }
+    void TearDown() override {
+        if (IsWindow(window)) DestroyWindow(window);
+        EXPECT_TRUE(UnregisterClassA(kClass, Instance()));
+        Drain();
+    }
+    static HINSTANCE Instance() { return reinterpret_cast<HINSTANCE>(static_cast<UINT_PTR>(0x400000)); }
+    static HWND Make(UINT_PTR refuse = 0, HWND parent = HWND_MESSAGE, DWORD style = WS_POPUP) {
+        return CreateWindowExA(0, kClass, "Serial", style, 0, 0, 0, 0, parent, nullptr, Instance(),
+                               reinterpret_cast<LPVOID>(refuse));
+    }
+    static void Drain() {
+        MSG message;
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        }
+    }
+    static std::vector<UINT> Told(HWND window) {
+        std::vector<UINT> told;
+        for (const Note& note : g_notes) {
+            if (note.window == window && (note.message == WM_NCCREATE || note.message == WM_CREATE ||
+                                          note.message == WM_DESTROY || note.message == WM_NCDESTROY || note.message >= WM_USER))
+                told.push_back(note.message);
+        }
+        return told;
+    }
+    HWND window = nullptr;
+};
+}  // namespace
+
+TEST_F(MessageTest, WindowIsToldOfItsLife) {
+    window = Make();
+    ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(IsWindow(window));
+    EXPECT_EQ(GetWindowThreadProcessId(window, nullptr), GetCurrentThreadId());
+    EXPECT_TRUE(DestroyWindow(window));
+    EXPECT_EQ(Told(window), (std::vector<UINT>{WM_NCCREATE, WM_CREATE, WM_DESTROY, WM_NCDESTROY}));
+    EXPECT_FALSE(IsWindow(window));
+    EXPECT_FALSE(DestroyWindow(window));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
+}
+
+TEST_F(MessageTest, RefusedCreationLeavesNothing) {
+    EXPECT_EQ(Make(WM_NCCREATE), nullptr);
+    g_notes.clear();
+    EXPECT_EQ(Make(WM_CREATE), nullptr);
+    ASSERT_FALSE(g_notes.empty());
+    EXPECT_EQ(g_notes.back().message, UINT{WM_NCDESTROY});
+    EXPECT_FALSE(IsWindow(g_notes.back().window));
+}
+
+TEST_F(MessageTest, ClassesAreKnownByNameAndInstance) {
+    WNDCLASSA info{};
+    EXPECT_TRUE(GetClassInfoA(Instance(), "ORVIKmessagetest", &info));
+    EXPECT_EQ(info.lpfnWndProc, &Procedure);
+    EXPECT_EQ(RegisterClassA(&info), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_ALREADY_EXISTS});
+    EXPECT_FALSE(GetClassInfoA(Instance(), "OrvikNoSuchClass", &info));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_DOES_NOT_EXIST});
+    EXPECT_TRUE(GetClassInfoA(nullptr, "static", &info));
+    EXPECT_EQ(CreateWindowExA(0, "OrvikNoSuchClass", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, Instance(), nullptr), nullptr);
+    window = Make();
+    EXPECT_FALSE(UnregisterClassA(kClass, Instance()));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_HAS_WINDOWS});
+}
+
+TEST_F(MessageTest, WindowKeepsNumbersAndText) {
+    window = Make();
+    char text[4];
+    EXPECT_EQ(GetWindowTextA(window, text, sizeof text), 3);
+    EXPECT_STREQ(text, "Ser");
+    EXPECT_TRUE(SetWindowTextA(window, "B"));
+    EXPECT_EQ(GetWindowTextLengthA(window), 1);
+    EXPECT_EQ(SetWindowLongPtrA(window, GWLP_USERDATA, 42), 0);
+    EXPECT_EQ(SetWindowLongPtrA(window, 8, 43), 0);
+    EXPECT_EQ(GetWindowLongPtrA(window, GWLP_USERDATA), 42);
+    EXPECT_EQ(GetWindowLongPtrA(window, 8), 43);
+    SetLastError(0);
+    EXPECT_EQ(GetWindowLongPtrA(window, 12), 0);  // would reach beyond the class's 16 bytes
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_INDEX});
+}
+
+TEST_F(MessageTest, PostedMessagesKeepTheirOrderAndFilter) {
+    window = Make();
+    EXPECT_TRUE(PostMessageA(window, WM_USER + 10, 1, 0));
+    EXPECT_TRUE(PostMessageA(nullptr, WM_USER + 11, 2, 0));
+    EXPECT_TRUE(PostMessageA(window, WM_USER + 12, 3, 0));
+    MSG message{};
+    EXPECT_TRUE(PeekMessageA(&message, nullptr, WM_USER + 12, WM_USER + 12, PM_NOREMOVE));
+    EXPECT_EQ(message.wParam, 3u);
+    EXPECT_TRUE(PeekMessageA(&message, reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1)), 0, 0, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 2u);
+    EXPECT_TRUE(PeekMessageA(&message, window, 0, 0, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 1u);
+    EXPECT_GT(GetMessageA(&message, nullptr, 0, 0), 0);
+    EXPECT_EQ(message.wParam, 3u);
+    EXPECT_FALSE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
+}
+
+TEST_F(MessageTest, QuitComesLastAndThroughAnyFilter) {
+    window = Make();
+    MSG message{};
+    PostQuitMessage(5);
+    PostMessageA(window, WM_USER + 10, 1, 0);
+    EXPECT_GT(GetMessageA(&message, nullptr, 0, 0), 0);
+    EXPECT_EQ(GetMessageA(&message, window, WM_USER, WM_USER), 0);
+    EXPECT_EQ(message.message, UINT{WM_QUIT});
+    EXPECT_EQ(message.wParam, 5u);
+    EXPECT_FALSE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
+}
+
+TEST_F(MessageTest, MessagesOfADeadWindowAreDropped) {
+    window = Make();
+    PostMessageA(window, WM_USER + 10, 1, 0);
+    DestroyWindow(window);
+    MSG message{};
+    EXPECT_FALSE(PeekMessageA(&message, nullptr, WM_USER, WM_APP, PM_REMOVE));
+    EXPECT_FALSE(PostMessageA(window, WM_USER + 10, 1, 0));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
+    EXPECT_EQ(SendMessageA(window, WM_USER + 1, 1, 0), 0);
+}
+
+TEST_F(MessageTest, PostsFromOtherThreadsWakeTheReader) {
+    window = Make();
+    constexpr WPARAM kCount = 500;
+    std::thread poster([this] {
+        for (WPARAM i = 0; i < kCount; ++i) PostMessageA(window, WM_USER + 10, i, 0);
+    });
+    for (WPARAM i = 0; i < kCount; ++i) {
+        MSG message{};
+        ASSERT_GT(GetMessageA(&message, window, 0, 0), 0);
+        ASSERT_EQ(message.wParam, i);
+        DispatchMessageA(&message);
+    }
+    poster.join();
+    EXPECT_EQ(Told(window).size(), 2 + kCount);
+}
+
+TEST_F(MessageTest, SendingToAnotherThreadWaitsForTheAnswer) {
+    window = Make();
+    HANDLE done = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    LRESULT plain = 0, back = 0;
+    std::thread asker([&] {
+        const HWND own = Make();
+        plain = SendMessageA(window, WM_USER + 1, 21, 0);
+        back = SendMessageA(window, WM_USER + 2, 4, reinterpret_cast<LPARAM>(own));  // asked back while it waits
+        DestroyWindow(own);
+        SetEvent(done);
+    });
+    while (MsgWaitForMultipleObjects(1, &done, FALSE, kLong, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) Drain();
+    asker.join();
+    CloseHandle(done);
+    EXPECT_EQ(plain, 42);
+    EXPECT_EQ(back, 9);
+}
+
+TEST_F(MessageTest, WindowsEndWithTheirThread) {
+    HWND other = nullptr;
+    std::thread([&] {
+        other = Make();
+        EXPECT_TRUE(IsWindow(other));
+    }).join();
+    EXPECT_FALSE(IsWindow(other));
+    EXPECT_FALSE(PostMessageA(other, WM_USER + 10, 0, 0));
+}
+
+TEST_F(MessageTest, OtherThreadsMayNotDestroy) {
+    window = Make();
+    std::thread([this] {
+        EXPECT_FALSE(DestroyWindow(window));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    }).join();
+    EXPECT_TRUE(IsWindow(window));
+}
+
+TEST_F(MessageTest, OwnedWindowsAndChildrenGoAlong) {
+    window = Make(0, nullptr, WS_POPUP);
+    if (window == nullptr) GTEST_LOG_(INFO) << "no desktop to make a top-level window on";
+    const HWND parent = window != nullptr ? window : (window = Make());
+    const HWND child = Make(0, parent, WS_CHILD);
+    ASSERT_NE(child, nullptr);
+    EXPECT_EQ(GetParent(child), parent);
+    EXPECT_TRUE(IsChild(parent, child));
+    DestroyWindow(parent);
+    EXPECT_FALSE(IsWindow(child));
+    EXPECT_EQ(Told(child), (std::vector<UINT>{WM_NCCREATE, WM_CREATE, WM_DESTROY, WM_NCDESTROY}));
+}
+
+TEST_F(MessageTest, MsgWaitSeesOnlyWhatIsNew) {
+    window = Make();
+    Drain();
+    PostMessageA(window, WM_USER + 10, 0, 0);
+    EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, kLong, QS_ALLINPUT), DWORD{WAIT_OBJECT_0});
+    MSG message{};
+    EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE));
+    // Seen and left: no reason to wake.
+    EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, 0, QS_ALLINPUT), DWORD{WAIT_TIMEOUT});
+    EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
+}
+
+namespace {
+int g_ticks = 0;
+void CALLBACK Tick(HWND, UINT, UINT_PTR id, DWORD) {
+    if (++g_ticks == 3) {
+        KillTimer(nullptr, id);
+        PostQuitMessage(0);
+    }
+}
+}  // namespace
+
+TEST_F(MessageTest, ThreadTimersCallTheirProcedure) {
+    g_ticks = 0;
+    EXPECT_NE(SetTimer(nullptr, 0, 10, Tick), 0u);
+    MSG message{};
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
+    EXPECT_EQ(g_ticks, 3);
+}
+
+TEST_F(MessageTest, WindowTimersPostTheirNumberAndEndWhenKilled) {
+    window = Make();
+    EXPECT_NE(SetTimer(window, 77, 10, nullptr), 0u);
+    MSG message{};
+    ASSERT_GT(GetMessageA(&message, nullptr, WM_TIMER, WM_TIMER), 0);
+    EXPECT_EQ(message.hwnd, window);
+    EXPECT_EQ(message.wParam, 77u);
+    EXPECT_TRUE(KillTimer(window, 77));
+    EXPECT_FALSE(KillTimer(window, 77));
+}
+
+TEST_F(MessageTest, RegisteredMessagesHaveOneNumberAName) {
+    const UINT first = RegisterWindowMessageA("OrvikTest_First");
+    EXPECT_GE(first, 0xC000u);
+    EXPECT_EQ(RegisterWindowMessageA("OrvikTest_First"), first);
+    EXPECT_NE(RegisterWindowMessageA("OrvikTest_Second"), first);
+}
