@@ -111,7 +111,7 @@ BOOL UnregisterClassA(LPCSTR name, HINSTANCE instance) {
     const std::lock_guard kernel(KernelLock());
     auto& classes = TheRegistry().classes;
     for (auto at = classes.begin(); name != nullptr && at != classes.end(); ++at) {
-        if ((*at)->info.hInstance != instance || instance == nullptr || !Matches(**at, name)) continue;
+        if ((*at)->info.hInstance != instance || (*at)->info.lpfnWndProc == StaticProcedure || !Matches(**at, name)) continue;
         if ((*at)->windows != 0) return Finish(ERROR_CLASS_HAS_WINDOWS);
         classes.erase(at);
         return TRUE;

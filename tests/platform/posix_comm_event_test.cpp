@@ -214,6 +214,12 @@ TEST(PortHandles, WrongUseIsRefused) {
     EXPECT_TRUE(CloseHandle(event));
     EXPECT_FALSE(CloseHandle(event));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    // Its place in the table is used again, and the old handle still names nothing.
+    const HANDLE next = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    EXPECT_NE(next, event);
+    EXPECT_FALSE(SetEvent(event));
+    EXPECT_EQ(WaitForSingleObject(next, 0), DWORD{WAIT_TIMEOUT});
+    CloseHandle(next);
     for (const char* missing :
          {R"(\\.\COM250)", R"(\\.\COM0)", R"(\\.\COM)", R"(\\.\)", R"(\\.\/dev/no-such-port)", R"(\\.\lpt1)"}) {
         EXPECT_EQ(CreateFileA(missing, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr),
