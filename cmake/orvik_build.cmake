@@ -12,8 +12,10 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 find_program(ORVIK_CCACHE ccache)
 if(ORVIK_CCACHE)
-  set(CMAKE_C_COMPILER_LAUNCHER ${ORVIK_CCACHE})
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${ORVIK_CCACHE})
+  # Paths count from the root, so that another clone of the same sources finds what this one compiled.
+  set(launcher ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${ORVIK_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
 endif()
 
 if(ORVIK_SANITIZE)

@@ -1,0 +1,3 @@
+#include "platform/port_holder.h"
+
+BOOL OrvikPortHolder(LPCSTR, LPSTR, DWORD) { return FALSE; }
