@@ -1,0 +1,52 @@
+// Modbus RTU frames: requests for registers, their replies, and finding a frame among noise. Bytes only; no port, no clock.
+// Layouts and the CRC (reflected polynomial 0xA001, start 0xFFFF, low byte first) are those of the Modbus over serial line guide,
+// V1.02.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "platform/win32.h"
+
+namespace modbus {
+
+inline constexpr BYTE kReadHoldingRegisters = 3;
+inline constexpr BYTE kReadInputRegisters = 4;
+inline constexpr BYTE kExceptionFlag = 0x80;  // set in the function code of an exception reply
+inline constexpr WORD kMaxRegisters = 125;    // what fits the 256 bytes of a frame
+
+// Exception codes used by the simulated logger and told to the user.
+inline constexpr BYTE kIllegalFunction = 1;
+inline constexpr BYTE kIllegalAddress = 2;
+inline constexpr BYTE kIllegalValue = 3;
+inline constexpr BYTE kAcknowledge = 5;  // worth asking again
+inline constexpr BYTE kBusy = 6;         // worth asking again
+
+struct Request {
+    BYTE slave = 1;
+    BYTE function = kReadHoldingRegisters;
+    WORD first = 0;
+    WORD count = 1;
+};
+
+WORD Crc(std::span<const BYTE> bytes);
+
+std::vector<BYTE> Encode(const Request& request);
+std::vector<BYTE> EncodeReply(const Request& request, std::span<const WORD> registers);
+std::vector<BYTE> EncodeException(const Request& request, BYTE code);
+
+enum class Found { Nothing, Registers, Exception };
+struct Reply {
+    Found found = Found::Nothing;
+    std::vector<WORD> registers;  // as many as were asked for
+    BYTE exception = 0;
+};
+// Looks for the answer to `request` anywhere in what was received: bytes before it (noise, a late answer to somebody else) are
+// passed over. Only a frame with the right slave, function, length and CRC counts.
+Reply FindReply(std::span<const BYTE> received, const Request& request);
+
+// Looks for a whole request; `used` gets the bytes up to its end. Function codes other than 3 and 4 are found as well (count 0).
+bool FindRequest(std::span<const BYTE> received, Request& request, size_t& used);
+
+}  // namespace modbus
