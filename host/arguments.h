@@ -1,0 +1,32 @@
+// The words of a command line: options with and without a value, and arguments in their order.
+// Texts are this house's own (Windows-1252) as far as they can be; see OrvikArgument in platform/arguments.h.
+#pragma once
+
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/win32.h"
+
+class Arguments {
+public:
+    // Takes the words after the command. An option not listed, a missing value, an option given twice, or more than `most`
+    // arguments is a Failure with the sentence for it. "--" ends the options.
+    Arguments(const std::vector<std::string>& words, std::initializer_list<const char*> withValue,
+              std::initializer_list<const char*> flags, size_t most);
+
+    bool Has(const char* option) const { return m_options.count(option) != 0; }
+    std::string Get(const char* option, const char* standard = "") const;
+    std::string Require(const char* option) const;
+    DWORD Number(const char* option, DWORD low, DWORD high, DWORD standard) const;
+
+    size_t Count() const { return m_arguments.size(); }
+    // The argument at `index`; when it is not there, a Failure that calls it `name`.
+    const std::string& At(size_t index, const char* name) const;
+
+private:
+    std::map<std::string, std::string> m_options;
+    std::vector<std::string> m_arguments;
+};

@@ -1,0 +1,110 @@
+// db: look into any property database and change it.
+#include "host/arguments.h"
+#include "host/commands.h"
+#include "host/database_file.h"
+#include "host/texts.h"
+#include "host/value_text.h"
+
+namespace {
+std::vector<std::string> AllKeys(const CPropertyDB& db) {
+    CStringArray found;
+    db.EnumAll(found);
+    std::vector<std::string> keys;
+    for (INT_PTR i = 0; i < found.GetSize(); ++i) keys.emplace_back(static_cast<const char*>(found.GetAt(i)));
+    return keys;
+}
+
+void List(const CPropertyDB& db) {
+    for (const std::string& key : AllKeys(db)) {
+        const CObject* value = db.GetValueObject(key.c_str(), TRUE);
+        const std::string kind = KindOf(value);
+        Print(kind.empty() ? ToUtf8(key) + "." : ToUtf8(key) + "  " + kind + "  " + TextOf(value));
+    }
+}
+
+void Get(const CPropertyDB& db, const std::string& path, const std::string& key) {
+    const CObject* value = db.GetValueObject(key.c_str(), TRUE);
+    if (KindOf(value).empty()) throw Failure{kWrongUse, Say(Text::NoSuchKey, {ToUtf8(path), ToUtf8(key)})};
+    Print(TextOf(value));
+}
+
+void Set(const std::string& path, const std::string& key, const std::string& text, const std::string& wishedKind) {
+    CPropertyDB db;
+    if (FileExists(path)) LoadDatabase(path, db);
+    const std::string kind = KindOf(db.Find(key.c_str()) ? db.GetValueObject(key.c_str(), TRUE) : nullptr);
+    if (!kind.empty() && !wishedKind.empty() && wishedKind != kind)
+        throw Failure{kWrongUse, Say(Text::KindFixed, {ToUtf8(key), kind})};
+    // Values are given as they stand on the command line, which is this house's text; SetFromText takes the terminal's.
+    SetFromText(db, key, !kind.empty() ? kind : wishedKind.empty() ? "str" : wishedKind, ToUtf8(text));
+    StoreDatabase(path, db);
+}
+
+void Remove(const std::string& path, const std::string& key) {
+    CPropertyDB db;
+    LoadDatabase(path, db);
+    if (!db.Remove(key.c_str())) throw Failure{kWrongUse, Say(Text::NoSuchKey, {ToUtf8(path), ToUtf8(key)})};
+    StoreDatabase(path, db);
+}
+
+// Everything is converted that the other form can hold; what it cannot is told, key by key.
+void ConvertTo(const std::string& path, const std::string& target) {
+    CPropertyDB db;
+    LoadDatabase(path, db);
+    StoreDatabase(target, db);
+    if (!IsXmlName(target)) return;
+    for (const std::string& key : AllKeys(db)) {
+        const CObject* value = db.GetValueObject(key.c_str(), TRUE);
+        const XmlFit fit = FitInXml(value);
+        if (fit == XmlFit::Nothing) PrintError(Say(Text::NotInXml, {ToUtf8(key), KindOf(value)}));
+        if (fit == XmlFit::Changed) PrintError(Say(Text::ChangedInXml, {ToUtf8(key)}));
+    }
+}
+
+size_t CountFolders(const CPropertyDB& db, const CString& key) {
+    CStringArray folders;
+    db.Enum(key, folders, TRUE, FALSE);
+    size_t count = static_cast<size_t>(folders.GetSize());
+    for (INT_PTR i = 0; i < folders.GetSize(); ++i) count += CountFolders(db, folders.GetAt(i));
+    return count;
+}
+
+void Check(const std::string& path) {
+    CPropertyDB db;
+    LoadDatabase(path, db);
+    size_t values = 0;
+    for (const std::string& key : AllKeys(db)) values += KindOf(db.GetValueObject(key.c_str(), TRUE)).empty() ? 0 : 1;
+    Print(Say(Text::Checked, {ToUtf8(path), std::to_string(values), std::to_string(CountFolders(db, ""))}));
+}
+}  // namespace
+
+ExitCode RunDb(CHostApp&, const Words& words) {
+    const Arguments arguments(words, {"--kind"}, {}, 4);
+    const std::string& action = arguments.At(0, "list|get|set|remove|convert|check");
+    const auto takes = [&](size_t most) {
+        if (arguments.Count() > most) throw Failure{kWrongUse, Say(Text::ArgumentTooMany, {ToUtf8(arguments.At(most, ""))})};
+    };
+    if (action == "list" || action == "check") {
+        takes(2);
+        const std::string& path = arguments.At(1, "FILE");
+        if (action == "check") return Check(path), kDone;
+        CPropertyDB db;
+        LoadDatabase(path, db);
+        List(db);
+    } else if (action == "get") {
+        takes(3);
+        CPropertyDB db;
+        LoadDatabase(arguments.At(1, "FILE"), db);
+        Get(db, arguments.At(1, "FILE"), arguments.At(2, "KEY"));
+    } else if (action == "set") {
+        Set(arguments.At(1, "FILE"), arguments.At(2, "KEY"), arguments.At(3, "VALUE"), arguments.Get("--kind"));
+    } else if (action == "remove") {
+        takes(3);
+        Remove(arguments.At(1, "FILE"), arguments.At(2, "KEY"));
+    } else if (action == "convert") {
+        takes(3);
+        ConvertTo(arguments.At(1, "FILE"), arguments.At(2, "KEY"));
+    } else {
+        throw Failure{kWrongUse, Say(Text::UnknownCommand, {"db " + ToUtf8(action)})};
+    }
+    return kDone;
+}

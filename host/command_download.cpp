@@ -1,0 +1,37 @@
+// download: read a logger on a port into a session file.
+#include "host/arguments.h"
+#include "host/commands.h"
+#include "host/database_file.h"
+#include "host/download.h"
+#include "host/logger_file.h"
+#include "host/texts.h"
+
+ExitCode RunDownload(CHostApp& app, const Words& words) {
+    const Arguments arguments(words, {"--port", "--logger", "--count", "--interval", "--timeout", "--out", "--trace"}, {"--hex"},
+                              0);
+    DownloadPlan plan;
+    plan.port = arguments.Require("--port");
+    const std::string out = arguments.Require("--out");
+    plan.count = arguments.Number("--count", 1, 100'000'000, plan.count);
+    plan.interval = arguments.Number("--interval", 0, 86'400'000, plan.interval);
+    plan.timeout = arguments.Number("--timeout", 1, 600'000, plan.timeout);
+    plan.traceFile = arguments.Get("--trace");
+    plan.traceHex = arguments.Has("--hex");
+
+    CPropertyDB description;
+    LoadLoggerDescription(arguments.Get("--logger"), description);
+    Session session(description, plan.port);
+    const std::optional<Failure> ended = Download(app, description, plan, session);
+    const std::string count = std::to_string(session.Count());
+    if (session.Count() > 0 || !ended) {
+        CPropertyDB db;
+        session.Store(db);
+        StoreDatabase(out, db);
+    }
+    const bool traced = app.StopTrace();
+    if (ended && session.Count() > 0) throw Failure{ended->exitCode, Say(Text::Partial, {ended->sentence, count, ToUtf8(out)})};
+    if (ended) throw *ended;
+    if (!traced) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(plan.traceFile), "0"})};
+    Print(Say(Text::Saved, {count, std::to_string(session.Channels().size()), ToUtf8(out)}));
+    return kDone;
+}

@@ -1,0 +1,17 @@
+// The commands of the reference host. Each takes the words after its name and gives the exit code, or throws a Failure.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/console.h"
+#include "host/host_app.h"
+
+using Words = std::vector<std::string>;
+
+ExitCode RunDemo(CHostApp& app, const Words& words);
+ExitCode RunPorts(CHostApp& app, const Words& words);
+ExitCode RunSimulate(CHostApp& app, const Words& words);
+ExitCode RunDownload(CHostApp& app, const Words& words);
+ExitCode RunShow(CHostApp& app, const Words& words);
+ExitCode RunDb(CHostApp& app, const Words& words);

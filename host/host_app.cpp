@@ -1,0 +1,68 @@
+#include "host/host_app.h"
+
+#include <cstring>
+
+#include "frame/app_stock.h"
+#include "frame/module.h"
+#include "host/console.h"
+#include "host/texts.h"
+#include "time/locale_cache.h"
+
+CHostApp::CHostApp() {
+    OrvikShared_InitModule();
+    Connect2Application(this);
+    LoadAppStock();
+    NlsToolsRegister();
+}
+
+CHostApp::~CHostApp() {
+    StopTrace();
+    FreeAppStock();
+    NlsToolsUnregister();
+    Connect2Application(nullptr);
+}
+
+void CHostApp::StartTrace(const std::string& path) {
+    StopTrace();
+    m_traceComplete = true;
+    auto file = std::make_unique<CFile>();
+    CFileException failure;
+    if (!file->Open(path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite, &failure)) {
+        throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), std::to_string(failure.m_lOsError)})};
+    }
+    m_trace = std::move(file);
+}
+
+bool CHostApp::StopTrace() {
+    if (m_trace != nullptr) {
+        try {
+            m_trace->Close();
+        } catch (CFileException* failure) {
+            m_traceComplete = false;
+            failure->Delete();
+        }
+        m_trace.reset();
+    }
+    return m_traceComplete;
+}
+
+void CHostApp::Trace(const char* text, ...) {
+    if (m_trace == nullptr) return;
+    try {
+        m_trace->Write(text, static_cast<UINT>(std::strlen(text)));
+        m_trace->Write("\n", 1);
+    } catch (CFileException* failure) {
+        // A full disk must not end the reading of a logger; StopTrace tells.
+        m_traceComplete = false;
+        failure->Delete();
+    }
+}
+
+IDeviceFamily* CHostApp::FindDeviceFamily(const char* name) {
+    try {
+        return m_plugins.Find(name);
+    } catch (const Failure& failure) {
+        PrintError(failure.sentence);
+        return nullptr;
+    }
+}

@@ -1,0 +1,51 @@
+#include "host/logger_file.h"
+
+#include "host/database_file.h"
+
+namespace {
+void AddChannel(CPropertyDB& db, const char* key, const char* name, const char* unit, unsigned short number, const char* type,
+                const char* order, double scale, double offset) {
+    db.BeginUsingFmt("Channels.%s", key);
+    db.SetValue("sName", name);
+    db.SetValue("sUnit", unit);
+    db.SetValue("nFunction", static_cast<unsigned short>(4));
+    db.SetValue("nRegister", number);
+    db.SetValue("sType", type);
+    db.SetValue("sOrder", order);
+    db.SetValue("rScale", scale);
+    db.SetValue("rOffset", offset);
+    db.EndUsing();
+}
+
+// One channel of every type, so that the demonstration shows what a description can say.
+void DescribeEmbeddedLogger(CPropertyDB& db) {
+    db.SetValue("sFamily", "Modbus");
+    db.SetValue("sName", "Demo logger");
+    db.SetValue("nSlave", static_cast<unsigned short>(17));
+    db.BeginUsing("Line");
+    db.SetValue("nBaud", 19200u);
+    db.SetValue("nDataBits", static_cast<unsigned short>(8));
+    db.SetValue("sParity", "none");
+    db.SetValue("nStopBits", static_cast<unsigned short>(1));
+    db.EndUsing();
+    AddChannel(db, "1", "Air temperature",
+               "\xB0"
+               "C",
+               100, "float32", "high", 1, 0);
+    AddChannel(db, "2", "Humidity", "%", 102, "uint16", "high", 0.1, 0);
+    AddChannel(db, "3", "Soil temperature",
+               "\xB0"
+               "C",
+               103, "int16", "high", 0.01, -40);
+    AddChannel(db, "4", "Wind speed", "km/h", 104, "uint32", "low", 0.2, 0);
+    AddChannel(db, "5", "Level", "mm", 106, "int32", "high", 0.001, 0);
+}
+}  // namespace
+
+void LoadLoggerDescription(const std::string& path, CPropertyDB& description) {
+    if (path.empty()) {
+        DescribeEmbeddedLogger(description);
+    } else {
+        LoadDatabase(path, description);
+    }
+}

@@ -1,0 +1,56 @@
+// orvikhost: the reference host's command line. --help lists what it does.
+#include <new>
+
+#include "host/commands.h"
+#include "host/texts.h"
+#include "platform/arguments.h"
+
+namespace {
+struct Command {
+    const char* name;
+    ExitCode (*run)(CHostApp&, const Words&);
+};
+constexpr Command kCommands[] = {{"demo", RunDemo},         {"ports", RunPorts}, {"simulate", RunSimulate},
+                                 {"download", RunDownload}, {"show", RunShow},   {"db", RunDb}};
+
+std::string HouseWord(const char* word) {
+    std::string text(OrvikArgumentText(word, nullptr, 0), 0);
+    text.resize(OrvikArgumentText(word, text.data(), static_cast<DWORD>(text.size())));
+    return text;
+}
+
+ExitCode Run(CHostApp& app, Words words) {
+    std::string name = "demo";
+    if (!words.empty()) {
+        name = words.front();
+        words.erase(words.begin());
+    }
+    if (name == "--help" || name == "-h" || name == "help") {
+        Print(Say(Text::Usage));
+        return kDone;
+    }
+    for (const Command& command : kCommands) {
+        if (name == command.name) return command.run(app, words);
+    }
+    throw Failure{kWrongUse, Say(Text::UnknownCommand, {ToUtf8(name)})};
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    SetConsoleOutputCP(CP_UTF8);
+    try {
+        Words words;
+        for (int i = 1; i < argc; ++i) words.push_back(HouseWord(argv[i]));
+        CHostApp app;
+        return Run(app, std::move(words));
+    } catch (const Failure& failure) {
+        PrintError(failure.sentence);
+        return failure.exitCode;
+    } catch (CException* failure) {
+        char text[512] = "";
+        failure->GetErrorMessage(text, sizeof text);
+        failure->Delete();
+        PrintError(ToUtf8(text));
+        return kFileFailed;
+    }
+}

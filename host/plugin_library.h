@@ -1,0 +1,32 @@
+// The device plug-ins: found in the plug-in folder, checked by their stamps, loaded when their family is first asked for.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "host/logger_family.h"
+
+class PluginLibrary {
+public:
+    PluginLibrary() = default;
+    ~PluginLibrary();  // unloads; nothing that a plug-in made may be left
+    PluginLibrary(const PluginLibrary&) = delete;
+    PluginLibrary& operator=(const PluginLibrary&) = delete;
+
+    // $ORVIK_PLUGINS, else "plugins" beside the program, else lib/orvik/plugins beside the program's folder.
+    static std::vector<std::string> Folders();
+
+    // The family of this name, its plug-in loaded if it was not. Null when no plug-in is of that family. A plug-in of that family
+    // which was built for another module version, or which cannot be loaded, is a Failure; no code of it has run in the first
+    // case.
+    ILoggerFamily* Find(const std::string& family);
+
+private:
+    struct Loaded {
+        HMODULE module;
+        ILoggerFamily* family;
+    };
+    ILoggerFamily* Load(const std::string& path);
+    std::map<std::string, Loaded> m_loaded;
+};

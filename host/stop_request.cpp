@@ -1,0 +1,31 @@
+#include "host/stop_request.h"
+
+#include <atomic>
+#include <mutex>
+
+namespace {
+std::atomic<bool> g_asked = false;
+std::mutex g_loggerLock;  // the system calls the handler on a thread of its own
+ILogger* g_logger = nullptr;
+
+BOOL WINAPI OnStop(DWORD) {
+    g_asked = true;
+    std::lock_guard lock(g_loggerLock);
+    if (g_logger != nullptr) g_logger->Abort();
+    return TRUE;
+}
+}  // namespace
+
+StopRequest::StopRequest(ILogger* logger) {
+    std::lock_guard lock(g_loggerLock);
+    g_logger = logger;
+    SetConsoleCtrlHandler(OnStop, TRUE);
+}
+
+StopRequest::~StopRequest() {
+    std::lock_guard lock(g_loggerLock);
+    g_logger = nullptr;
+    SetConsoleCtrlHandler(OnStop, FALSE);
+}
+
+bool StopRequest::Asked() { return g_asked; }

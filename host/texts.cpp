@@ -1,0 +1,78 @@
+#include "host/texts.h"
+
+#include "platform/win32.h"
+
+namespace {
+struct Pair {
+    const char* english;
+    const char* swedish;
+};
+constexpr Pair kTexts[] = {
+#define HOST_TEXT(name, english, swedish) {english, swedish},
+#include "host/texts.def"
+#undef HOST_TEXT
+};
+
+bool IsSwedish() {
+    constexpr LANGID kPrimary = 0x3FF, kSwedish = 0x1D;
+    static const bool swedish = (GetUserDefaultUILanguage() & kPrimary) == kSwedish;
+    return swedish;
+}
+
+std::wstring::size_type Size(int count) { return count > 0 ? static_cast<size_t>(count) : 0; }
+}  // namespace
+
+std::string Say(Text text, std::initializer_list<std::string_view> arguments) {
+    const Pair& pair = kTexts[static_cast<size_t>(text)];
+    const std::string_view pattern = IsSwedish() ? pair.swedish : pair.english;
+    std::string out;
+    for (size_t i = 0; i < pattern.size(); ++i) {
+        const size_t place = i + 1 < pattern.size() ? static_cast<size_t>(pattern[i + 1] - '1') : arguments.size();
+        if (pattern[i] == '%' && place < arguments.size()) {
+            out += arguments.begin()[place];
+            ++i;
+        } else {
+            out += pattern[i];
+        }
+    }
+    return out;
+}
+
+namespace {
+// By way of UTF-16, in which the system's two conversions meet. `lossless` tells whether every character could be said.
+std::string Convert(std::string_view text, UINT from, UINT to, bool& lossless) {
+    lossless = true;
+    if (text.empty()) return {};
+    const int bytes = static_cast<int>(text.size());
+    const DWORD strict = from == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
+    std::basic_string<WCHAR> wide(Size(MultiByteToWideChar(from, strict, text.data(), bytes, nullptr, 0)), 0);
+    if (wide.empty()) {
+        lossless = false;
+        return std::string(text);
+    }
+    MultiByteToWideChar(from, strict, text.data(), bytes, wide.data(), static_cast<int>(wide.size()));
+    BOOL replaced = FALSE;
+    BOOL* replacedOut = to == CP_UTF8 ? nullptr : &replaced;  // not to be asked of UTF-8
+    const DWORD exact = to == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;
+    const int length = static_cast<int>(wide.size());
+    std::string out(Size(WideCharToMultiByte(to, exact, wide.data(), length, nullptr, 0, nullptr, replacedOut)), 0);
+    WideCharToMultiByte(to, exact, wide.data(), length, out.data(), static_cast<int>(out.size()), nullptr, replacedOut);
+    lossless = !replaced && !out.empty();
+    return out;
+}
+}  // namespace
+
+std::string ToUtf8(std::string_view houseText) {
+    // A word of the command line that Windows-1252 cannot say has stayed UTF-8.
+    bool said, lossless;
+    const std::string asBytes = Convert(houseText, CP_UTF8, 1252, said);
+    if (!said && asBytes != houseText) return std::string(houseText);
+    return Convert(houseText, 1252, CP_UTF8, lossless);
+}
+
+bool FromUtf8(std::string_view utf8, std::string& houseText) {
+    bool lossless;
+    std::string converted = Convert(utf8, CP_UTF8, 1252, lossless);
+    if (lossless) houseText = std::move(converted);
+    return lossless;
+}

@@ -1,0 +1,20 @@
+// What the host says to its user, in English or, when that is the user's language, in Swedish. UTF-8, as it goes to the terminal.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+enum class Text {
+#define HOST_TEXT(name, english, swedish) name,
+#include "host/texts.def"
+#undef HOST_TEXT
+};
+
+// The text with %1, %2 ... replaced. An argument is never itself searched for places.
+std::string Say(Text text, std::initializer_list<std::string_view> arguments = {});
+
+// Between this house's Windows-1252 text and the terminal's UTF-8.
+std::string ToUtf8(std::string_view houseText);
+// False when the text holds characters that Windows-1252 lacks; `houseText` is then unchanged.
+bool FromUtf8(std::string_view utf8, std::string& houseText);

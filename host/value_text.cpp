@@ -1,0 +1,150 @@
+#include "host/value_text.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "afx/collections.h"
+#include "frame/numeric_arrays.h"
+#include "host/console.h"
+#include "host/texts.h"
+
+namespace {
+template <class T>
+std::string NumberText(T value) {
+    char text[64];
+    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+}
+
+template <class T>
+bool ReadNumber(std::string_view text, T& value) {
+    if (!text.empty() && text[0] == '+') text.remove_prefix(1);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size();
+}
+
+std::string_view TakePart(std::string_view& rest, bool& more) {
+    const size_t end = rest.find(';');
+    const std::string_view part = rest.substr(0, end);
+    more = end != std::string_view::npos;
+    rest.remove_prefix(more ? end + 1 : rest.size());
+    return part;
+}
+
+template <class Array, class Element>
+bool SetNumbers(IPropertyDB& db, const std::string& key, std::string_view text, bool& stored) {
+    Array array;
+    bool more = true;
+    while (more) {
+        Element element{};
+        if (!ReadNumber(TakePart(text, more), element)) return false;
+        array.Add(element);
+    }
+    stored = db.SetValue(key.c_str(), array);
+    return true;
+}
+
+template <class Array>
+const Array* As(const CObject* value) {
+    return value != nullptr && value->IsKindOf(RUNTIME_CLASS(Array)) ? static_cast<const Array*>(value) : nullptr;
+}
+
+// One entry for each kind: its name, and its elements joined.
+template <class Visit>
+bool VisitNumbers(const CObject* value, Visit visit) {
+    if (const auto* bytes = As<CByteArray>(value)) return visit("u8", *bytes), true;
+    if (const auto* words = As<CWordArray>(value)) return visit("u16", *words), true;
+    if (const auto* dwords = As<CDWordArray>(value)) return visit("u32", *dwords), true;
+    if (const auto* ints = As<CInt32Array>(value)) return visit("i32", *ints), true;
+    if (const auto* bigs = As<CInt64Array>(value)) return visit("i64", *bigs), true;
+    if (const auto* singles = As<CFloatArray>(value)) return visit("r32", *singles), true;
+    if (const auto* doubles = As<CDoubleArray>(value)) return visit("r64", *doubles), true;
+    return false;
+}
+}  // namespace
+
+std::string KindOf(const CObject* value) {
+    std::string kind = As<CStringArray>(value) ? "str" : "";
+    VisitNumbers(value, [&](const char* name, const auto&) { kind = name; });
+    return kind;
+}
+
+std::string TextOf(const CObject* value) {
+    std::string text;
+    const auto append = [&](const std::string& element, INT_PTR index) {
+        if (index > 0) text += ';';
+        text += element;
+    };
+    if (const auto* strings = As<CStringArray>(value)) {
+        for (INT_PTR i = 0; i < strings->GetSize(); ++i) append(ToUtf8(static_cast<const char*>(strings->GetAt(i))), i);
+    }
+    VisitNumbers(value, [&](const char*, const auto& array) {
+        for (INT_PTR i = 0; i < array.GetSize(); ++i) append(NumberText(array.GetAt(i)), i);
+    });
+    return text;
+}
+
+std::string TextOf(double value) { return NumberText(value); }
+
+std::string ShortTextOf(double value) {
+    char text[64];
+    return std::string(text, std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6).ptr);
+}
+
+void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kind, const std::string& text) {
+    bool stored = false, understood = true;
+    if (kind == "str") {
+        std::string house;
+        if (!FromUtf8(text, house) && !text.empty()) throw Failure{kWrongUse, Say(Text::TextNotHeld, {text})};
+        stored = db.SetValue(key.c_str(), house.c_str());
+    } else if (kind == "u8") {
+        understood = SetNumbers<CByteArray, BYTE>(db, key, text, stored);
+    } else if (kind == "u16") {
+        understood = SetNumbers<CWordArray, WORD>(db, key, text, stored);
+    } else if (kind == "u32") {
+        understood = SetNumbers<CDWordArray, DWORD>(db, key, text, stored);
+    } else if (kind == "i32") {
+        understood = SetNumbers<CInt32Array, int>(db, key, text, stored);
+    } else if (kind == "i64") {
+        understood = SetNumbers<CInt64Array, __int64>(db, key, text, stored);
+    } else if (kind == "r32") {
+        understood = SetNumbers<CFloatArray, float>(db, key, text, stored);
+    } else if (kind == "r64") {
+        understood = SetNumbers<CDoubleArray, double>(db, key, text, stored);
+    } else {
+        throw Failure{kWrongUse, Say(Text::UnknownKind, {kind})};
+    }
+    if (!understood) throw Failure{kWrongUse, Say(Text::BadValue, {text, kind})};
+    if (!stored) throw Failure{kWrongUse, Say(Text::KeyNotSet, {ToUtf8(key)})};
+}
+
+XmlFit FitInXml(const CObject* value) {
+    if (As<CByteArray>(value) != nullptr || As<CInt32Array>(value) != nullptr) return XmlFit::Nothing;
+    if (const auto* strings = As<CStringArray>(value)) {
+        // An edge of white space is trimmed, and ";" parts elements.
+        for (INT_PTR i = 0; i < strings->GetSize(); ++i) {
+            const CString element = strings->GetAt(i);
+            CString trimmed = element;
+            trimmed.Trim(" \t\r\n");
+            const bool edge = i == 0 || i == strings->GetSize() - 1;
+            if (element.Find(';') >= 0 || (edge && trimmed != element)) return XmlFit::Changed;
+        }
+        return XmlFit::Whole;
+    }
+    bool whole = true;
+    const auto keeps = [](auto element) {
+        char text[64];
+        const auto end = std::to_chars(text, text + sizeof text, element, std::chars_format::general, 6).ptr;
+        decltype(element) back{};
+        std::from_chars(text, end, back);
+        return back == element;
+    };
+    if (const auto* singles = As<CFloatArray>(value)) {
+        for (INT_PTR i = 0; i < singles->GetSize(); ++i) whole = whole && keeps(singles->GetAt(i));
+    }
+    if (const auto* doubles = As<CDoubleArray>(value)) {
+        for (INT_PTR i = 0; i < doubles->GetSize(); ++i) whole = whole && keeps(doubles->GetAt(i));
+    }
+    return whole ? XmlFit::Whole : XmlFit::Changed;
+}

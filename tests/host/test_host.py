@@ -1,0 +1,337 @@
+"""The reference host's commands, called as a user calls them, on either home."""
+import argparse
+import csv
+import fcntl
+import io
+import json
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+options = None
+
+# What the embedded logger has: one channel of each type, read with a single request.
+CHANNELS = ["Air temperature [°C]", "Humidity [%]", "Soil temperature [°C]", "Wind speed [km/h]", "Level [mm]"]
+ANSWERS_BEFORE_UNPLUG = 3
+
+
+class Result:
+    def __init__(self, process):
+        self.code, self.out, self.err = process.returncode, process.stdout, process.stderr
+        # Only what the host itself says: Wine may add lines of its own.
+        self.sentences = [line for line in self.err.splitlines() if line.startswith("orvikhost:")]
+
+
+class HostTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="orvik-host-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def command(self, *words):
+        return ([options.wine] if options.wine else []) + [options.host, *map(str, words)]
+
+    def environment(self, language="en_US.UTF-8", **more):
+        return {**os.environ, "LC_ALL": language, **more}
+
+    def host(self, *words, language="en_US.UTF-8", **more):
+        done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(language, **more), timeout=120,
+                              capture_output=True, encoding="utf-8", errors="replace")
+        return Result(done)
+
+    def refused(self, code, *words, **more):
+        """Ends with this code, says one sentence, and nothing else."""
+        result = self.host(*words, **more)
+        self.assertEqual(result.code, code, result.err)
+        self.assertEqual(len(result.sentences), 1, result.err)
+        self.assertEqual(result.out, "")
+        return result.sentences[0]
+
+    def simulate(self, *words):
+        """A native simulated logger; gives the name of its port for the host under test."""
+        line = Line(self.folder, words)
+        self.addCleanup(line.stop)
+        return line.port
+
+    def readings(self, path):
+        result = self.host("show", path, "--csv")
+        self.assertEqual(result.code, 0, result.err)
+        return list(csv.reader(io.StringIO(result.out)))
+
+
+class Line:
+    """`orvikhost simulate`, and under Wine the link by which a program finds its port."""
+
+    _next_com = 31
+
+    def __init__(self, folder, words):
+        self.link = None
+        environment = dict(os.environ)
+        # The simulator is a native program: nothing that answers line requests for the program under test may touch it.
+        environment.pop("LD_PRELOAD", None)
+        self.process = subprocess.Popen([options.simulator, "simulate", *words], cwd=folder, stdout=subprocess.PIPE, env=environment,
+                                        encoding="utf-8")
+        self.port = self.process.stdout.readline().strip()
+        if not self.port.startswith("/dev/"):
+            raise RuntimeError("the simulator did not start: " + self.port)
+        if options.wine:
+            describe_line(self.port)
+            number, Line._next_com = Line._next_com, Line._next_com + 1
+            self.link = pathlib.Path(os.environ["WINEPREFIX"]) / "dosdevices" / f"com{number}"
+            self.link.unlink(missing_ok=True)
+            self.link.symlink_to(self.port)
+            self.port = f"COM{number}"
+
+    def stop(self):
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGINT)
+        self.process.wait(timeout=20)
+        self.process.stdout.close()
+        if self.link:
+            self.link.unlink(missing_ok=True)
+
+
+def describe_line(device):
+    """Pseudo-terminals have no modem lines; tests/support/ptysim answers for those that have a state file."""
+    folder = os.environ.get("PTYSIM_DIR")
+    if folder:
+        state = pathlib.Path(folder) / ("pts" + device.rsplit("/", 1)[1])
+        shutil.copyfile(pathlib.Path(folder) / "template", state)
+
+
+class WrongUse(HostTest):
+    def test_each_mistake_has_its_sentence(self):
+        self.assertIn("frobnicate", self.refused(1, "frobnicate"))
+        self.assertIn("--speed", self.refused(1, "download", "--speed", "9"))
+        self.assertIn("--port", self.refused(1, "download", "--out", "x.odb"))
+        self.assertIn("--out", self.refused(1, "download", "--port", "COM1", "--out"))
+        self.assertIn("--count", self.refused(1, "download", "--port", "COM1", "--out", "x.odb", "--count", "0"))
+        self.assertIn("twice", self.refused(1, "show", "--csv", "--csv", "x"))
+        self.assertIn("more", self.refused(1, "show", "one", "more"))
+        self.assertIn("FILE", self.refused(1, "show"))
+
+    def test_swedish_users_read_swedish(self):
+        sentence = self.refused(1, "frobnicate", language="sv_SE.UTF-8")
+        self.assertIn("är inget kommando", sentence)
+        self.assertIn("Slutkoder", self.host("--help", language="sv_SE.UTF-8").out)
+        self.assertIn("Exit codes", self.host("--help", language="C").out)
+
+
+class Download(HostTest):
+    def download(self, port, *words, out="session.odb", count=4):
+        return self.host("download", "--port", port, "--out", out, "--count", count, "--interval", 20, *words)
+
+    def test_values_and_trace(self):
+        port = self.simulate()
+        result = self.download(port, "--trace", "trace.txt", "--hex")
+        self.assertEqual(result.code, 0, result.err)
+        self.assertEqual(result.sentences, [])
+        self.assertNotIn("\r", result.err.replace("\r\n", ""))  # a pipe sees no progress
+        rows = self.readings("session.odb")
+        self.assertEqual(rows[0], ["time"] + CHANNELS)
+        self.assertEqual(len(rows), 5)
+        times = [row[0] for row in rows[1:]]
+        self.assertEqual(times, sorted(set(times)))
+        for time_text in times:
+            self.assertRegex(time_text, r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}Z$")
+        for row in rows[1:]:
+            for index, value in enumerate(map(float, row[1:])):
+                self.assertLessEqual(abs(value - 20), 1.6 + index)
+
+        # One line a direction; every request is answered, and each frame's bytes are all there.
+        lines = (self.folder / "trace.txt").read_bytes().decode("cp1252").splitlines()
+        sent = [re.fullmatch(r".+ - " + re.escape(port) + r" > ((?:[0-9A-F]{2} )+)", line) for line in lines]
+        got = [re.fullmatch(r".+ - " + re.escape(port) + r" < ((?:[0-9A-F]{2} )*)", line) for line in lines]
+        requests = [match.group(1).split() for match in sent if match]
+        self.assertEqual(requests, [requests[0]] * 4)
+        self.assertEqual(requests[0][:6], ["11", "04", "00", "64", "00", "08"])
+        answers = [match.group(1).split() for match in got if match and match.group(1)]
+        self.assertEqual([len(answer) for answer in answers], [21] * 4)
+
+    def test_xml_and_archive_hold_the_same_session(self):
+        port = self.simulate()
+        self.assertEqual(self.download(port).code, 0)
+        self.host("db", "convert", "session.odb", "session.xml")
+        exact, rounded = self.readings("session.odb"), self.readings("session.xml")
+        self.assertEqual([row[0] for row in exact], [row[0] for row in rounded])
+        for one, other in zip(exact[1:], rounded[1:]):
+            for a, b in zip(map(float, one[1:]), map(float, other[1:])):
+                self.assertAlmostEqual(a, b, delta=abs(a) * 1e-5)
+
+    def test_noise_is_lived_with(self):
+        result = self.download(self.simulate("--fault", "noise"), count=12)
+        self.assertEqual(result.code, 0, result.err)
+        self.assertEqual(len(self.readings("session.odb")), 13)
+
+    def test_a_silent_logger(self):
+        sentence = self.refused(2, "download", "--port", self.simulate("--fault", "silent"), "--out", "s.odb", "--timeout", 150)
+        self.assertIn("Receive timeout", sentence)
+        self.assertFalse((self.folder / "s.odb").exists())
+
+    def test_a_pulled_plug_keeps_what_came_before(self):
+        port = self.simulate("--fault", "unplug")
+        result = self.host("download", "--port", port, "--out", "s.odb", "--count", 50, "--interval", 20, "--timeout", 1000)
+        self.assertEqual(result.code, 2)
+        self.assertIn(f"{ANSWERS_BEFORE_UNPLUG} readings", result.sentences[0])
+        self.assertEqual(len(self.readings("s.odb")), 1 + ANSWERS_BEFORE_UNPLUG)
+
+    def test_ports_that_cannot_be_opened(self):
+        self.assertIn("COM250", self.refused(2, "download", "--port", "COM250", "--out", "s.odb"))
+        if not options.wine:  # Wine lets a held port be opened again
+            port = self.simulate()
+            holder = os.open(port, os.O_RDWR | os.O_NOCTTY)
+            self.addCleanup(os.close, holder)
+            fcntl.flock(holder, fcntl.LOCK_EX)
+            self.assertIn("in use", self.refused(2, "download", "--port", port, "--out", "s.odb"))
+
+    def test_a_place_that_cannot_be_written(self):
+        port = self.simulate()
+        self.assertIn("s.odb", self.refused(3, "download", "--port", port, "--out", "no/such/folder/s.odb", "--count", 1))
+        self.assertIn("t.txt", self.refused(3, "download", "--port", port, "--out", "s.odb", "--trace", "no/such/t.txt"))
+
+    def test_own_descriptions(self):
+        def describe(*pairs):
+            path = self.folder / "logger.xml"
+            path.unlink(missing_ok=True)
+            for key, kind, value in pairs:
+                self.assertEqual(self.host("db", "set", "logger.xml", key, value, "--kind", kind).code, 0)
+
+        one = [("sFamily", "str", "Modbus"), ("nSlave", "u16", 3), ("Channels.a.nRegister", "u16", 7), ("Channels.a.sType", "str", "uint16")]
+        describe(*one)
+        port = self.simulate("--logger", "logger.xml")
+        self.assertEqual(self.download(port, "--logger", "logger.xml", count=1).code, 0)
+        self.assertEqual(self.readings("session.odb")[0], ["time", "a"])
+        call = ("download", "--port", port, "--logger", "logger.xml", "--out", "s.odb")
+        describe(*one[:3])
+        self.assertIn("Channels.a.sType", self.refused(1, *call))
+        describe(("sFamily", "str", "Pneumatic"), *one[1:])
+        self.assertIn("Pneumatic", self.refused(1, *call))
+
+    def test_stopping_keeps_what_came_before(self):
+        if options.wine:
+            return  # a signal ends Wine's process from outside; the console's Ctrl+C is what reaches the handler there
+        process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", "s.odb", "--count", 1000, "--interval", 20),
+                                   cwd=self.folder, env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8")
+        time.sleep(1)
+        process.send_signal(signal.SIGINT)
+        _, said = process.communicate(timeout=20)
+        self.assertEqual(process.returncode, 2, said)
+        self.assertGreater(len(self.readings("s.odb")), 2)
+
+
+class Plugins(HostTest):
+    def test_another_version_is_refused_by_name_and_version(self):
+        folder = self.folder / "plugins"
+        folder.mkdir()
+        source = next((pathlib.Path(options.host).parent / "plugins").glob("*.dll" if options.wine else "*.so"))
+        data = source.read_bytes()
+        at = data.index(b"\x7fOrvikPlugin\x01\n") + 16
+        self.assertTrue(data[at:].startswith(b"1.0.0\0"))
+        (folder / source.name).write_bytes(data[:at] + b"0.9.7" + data[at + 5:])
+        name = "Z:" + str(folder) if options.wine else str(folder)
+        sentence = self.refused(1, "download", "--port", "COM9", "--out", "s.odb", ORVIK_PLUGINS=name)
+        for word in (source.name, "0.9.7", "1.0.0"):
+            self.assertIn(word, sentence)
+        (folder / source.name).write_bytes(b"no plug-in at all")
+        self.assertIn("Modbus", self.refused(1, "download", "--port", "COM9", "--out", "s.odb", ORVIK_PLUGINS=name))
+
+
+class Databases(HostTest):
+    def test_values_of_every_kind_come_back(self):
+        for name in ("a.xml", "a.odb"):
+            for key, kind, value in [("Text.s", "str", "mätvärde °C"), ("n.w", "u16", "1;2;65535"), ("n.d", "u32", "4294967295"),
+                                     ("n.i", "i64", "-9223372036854775808"), ("n.f", "r32", "1.5"), ("n.r", "r64", "0.25;-1e+300")]:
+                self.assertEqual(self.host("db", "set", name, key, value, "--kind", kind).code, 0)
+                self.assertEqual(self.host("db", "get", name, key).out.rstrip("\r\n"), value)
+            listed = self.host("db", "list", name).out.splitlines()
+            self.assertEqual(len(listed), 6)
+            self.assertIn("Text.s  str  mätvärde °C", listed)
+            self.assertIn("6 values in 2 folders", self.host("db", "check", name).out)
+            self.assertEqual(self.host("db", "remove", name, "n").code, 0)
+            self.assertIn("1 values in 1 folders", self.host("db", "check", name).out)
+
+    def test_what_the_xml_form_cannot_hold_is_told(self):
+        self.host("db", "set", "a.odb", "bytes", "1;2", "--kind", "u8")
+        self.host("db", "set", "a.odb", "third", "0.3333333333333333", "--kind", "r64")
+        self.host("db", "set", "a.odb", "whole", "0.5", "--kind", "r64")
+        result = self.host("db", "convert", "a.odb", "a.xml")
+        self.assertEqual(result.code, 0)
+        self.assertEqual([sentence.split(":")[1].strip() for sentence in result.sentences], ["bytes", "third"])
+
+    def test_mistakes(self):
+        self.host("db", "set", "a.xml", "k", "1", "--kind", "u16")
+        self.assertIn("u16", self.refused(1, "db", "set", "a.xml", "k", "x"))
+        self.assertIn("u16", self.refused(1, "db", "set", "a.xml", "k", "70000"))
+        self.assertIn("keeps its kind", self.refused(1, "db", "set", "a.xml", "k", "1", "--kind", "r32"))
+        self.assertIn("k.deeper", self.refused(1, "db", "set", "a.xml", "k.deeper", "1"))
+        self.assertIn("nothing", self.refused(1, "db", "get", "a.xml", "nothing"))
+        self.assertIn("zap", self.refused(1, "db", "set", "a.xml", "z", "1", "--kind", "zap"))
+        self.assertIn("none.xml", self.refused(3, "db", "list", "none.xml"))
+
+    def test_a_damaged_file_is_refused_and_left_alone(self):
+        self.host("db", "set", "a.odb", "k", "some text")
+        for name, data in [("cut.odb", (self.folder / "a.odb").read_bytes()[:-3]), ("cut.xml", b"<?xml version=\"1.0\"?>\r\n<PROPERTYDB>")]:
+            (self.folder / name).write_bytes(data)
+            self.assertIn(name, self.refused(3, "db", "list", name))
+            self.assertIn(name, self.refused(3, "db", "set", name, "k2", "x"))
+            self.assertIn(name, self.refused(3, "show", name))
+            self.assertEqual((self.folder / name).read_bytes(), data)
+        self.assertIn("session", self.refused(3, "show", "a.odb"))
+
+
+class Ports(HostTest):
+    def test_json_is_json(self):
+        result = self.host("ports", "--json")
+        self.assertEqual(result.code, 0, result.err)
+        for port in json.loads(result.out):
+            self.assertEqual(set(port), {"name", "description", "holder"})
+
+    def test_a_held_port_names_its_holder(self):
+        if options.wine:
+            return  # Windows does not tell who holds a port
+        ports = self.folder / "ports"
+        ports.mkdir()
+        line = Line(self.folder, ["--link", str(ports / "com44")])
+        self.addCleanup(line.stop)
+        download = subprocess.Popen(self.command("download", "--port", "COM44", "--out", "s.odb", "--count", 100, "--interval", 100), cwd=self.folder,
+                                    env=self.environment(ORVIK_PORTS_DIR=str(ports)), stderr=subprocess.DEVNULL)
+        try:
+            time.sleep(1)
+            listed = json.loads(self.host("ports", "--json", ORVIK_PORTS_DIR=str(ports)).out)
+            self.assertIn(str(download.pid), {port["name"]: port["holder"] for port in listed}.get("COM44", ""))
+        finally:
+            download.send_signal(signal.SIGINT)
+            download.wait(timeout=20)
+
+
+class Demo(HostTest):
+    def test_the_main_job(self):
+        if options.wine:
+            self.assertIn("--port", self.refused(1, "demo"))
+            result = self.host("demo", "--port", self.simulate())
+        else:
+            result = self.host()
+        self.assertEqual(result.code, 0, result.err)
+        self.assertEqual(len(re.findall(r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}  ", result.out, re.M)), 12)
+        for name in ("session.odb", "session.xml", "trace.txt"):
+            self.assertGreater((self.folder / "out" / name).stat().st_size, 500)
+            self.assertIn("out/" + name, result.out)
+        self.assertEqual(len(self.readings("out/session.odb")), 13)
+        ElementTree.parse(io.StringIO((self.folder / "out" / "session.xml").read_bytes().decode("cp1252").replace("encoding=\"UTF-8\"", "")))
+
+
+if __name__ == "__main__":
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--host", required=True)
+    parser.add_argument("--simulator", required=True)
+    parser.add_argument("--wine")
+    options, rest = parser.parse_known_args()
+    options.host, options.simulator = os.path.abspath(options.host), os.path.abspath(options.simulator)
+    unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
