@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+static_assert(sizeof(CSerial) == (sizeof(void*) == 4 ? 24 : 40), "the layout that modules built apart rely on");
 static_assert(sizeof(DCB) == 28 && sizeof(COMMCONFIG) == 52, "the driver and the stored settings count these bytes");
 
 namespace {

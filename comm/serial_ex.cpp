@@ -1,5 +1,7 @@
 #include "comm/serial_ex.h"
 
+static_assert(sizeof(CSerialEx) == (sizeof(void*) == 4 ? 36 : 64), "the layout that modules built apart rely on");
+
 CSerialEx::CSerialEx() = default;
 
 CSerialEx::CSerialEx(const CSerialEx& other)

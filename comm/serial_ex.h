@@ -2,8 +2,8 @@
 //
 // Threads: the owner's and the listener. The listener calls OnEvent on its own thread and uses nothing but WaitEvent with
 // its own OVERLAPPED and the line error query, so the owner may read and write meanwhile. Do not close the port from inside
-// OnEvent: the stop would wait for itself. A class that overrides OnEvent closes the port in its own destructor, before the
-// listener can reach what is gone.
+// OnEvent: the stop would wait for itself. Every class derived from this one or from an heir below closes the port in its own
+// destructor: once that has run, the listener would call into an object that is half gone.
 // Ownership: as CSerial; thread and event handle included.
 #pragma once
 

@@ -1,5 +1,7 @@
 #include "comm/serial_wnd.h"
 
+static_assert(sizeof(CSerialWnd) == (sizeof(void*) == 4 ? 48 : 88), "the layout that modules built apart rely on");
+
 const UINT CSerialWnd::mg_nDefaultComMsg = ::RegisterWindowMessageA("CSerialWnd_DefaultComMsg");
 
 CSerialWnd::CSerialWnd() = default;

@@ -22,6 +22,7 @@ public:
 
 class WindowPort : public Opened<CSerialWnd> {
 public:
+    ~WindowPort() override { Close(); }  // as every heir does, while it is still whole
     using CSerialWnd::m_hwndDest;
     using CSerialWnd::m_lParam;
     using CSerialWnd::m_nComMsg;
@@ -175,7 +176,7 @@ TEST_F(ListenerTest, ClosesAtAnyMomentOfAStream) {
 
 TEST_F(ListenerTest, DestructionStopsTheListener) {
     {
-        WindowPort other;
+        CSerialWnd other;
         ASSERT_EQ(0, other.Open(peer.Name(), box.Window(), kMessage, 0, 0, 0));
     }
     EXPECT_EQ(CSerial::PortAvailable, CSerial::CheckPort(peer.Name()));

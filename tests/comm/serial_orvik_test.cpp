@@ -281,7 +281,7 @@ TEST_F(SerialOrvikTest, DestructionFlushesTheLineAndCloseDoesNot) {
 
 TEST_F(SerialOrvikTest, DestructionOfAnOpenPortClosesItAndLeavesTheRecords) {
     {
-        Port other;
+        CSerialOrvik other;
         ASSERT_EQ(0, other.Open(peer.Name(), &connection, 0, 0));
         peer.Stream();
     }
