@@ -287,6 +287,6 @@ TEST_F(ListenerTest, TheOwnerReadsAndWritesWhileItListens) {
         peer.Send(request);
         EXPECT_EQ(request, ReadAll(request.size()));
     }
-    EXPECT_TRUE(box.Waiting());
+    EXPECT_TRUE(box.Next());
 }
 }  // namespace
