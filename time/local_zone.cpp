@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -32,10 +33,21 @@ struct Rule {
     bool operator==(const Rule&) const = default;
 };
 
+// The time range in slices so short that few hold more than one transition: a look-up starts at its slice's first rule.
+constexpr int kSliceBits = 22;  // 48 days
+
 struct ZoneTable {
-    std::vector<__int64> starts;  // ascending; the last one is beyond every time
-    std::vector<Rule> rules;      // rules[i] holds from starts[i]
+    __int64 first = 0, last = 0;   // seconds
+    std::vector<__int64> starts;   // ascending; the last one is beyond every time
+    std::vector<Rule> rules;       // rules[i] holds from starts[i]
+    std::vector<uint16_t> slices;  // the rule at the start of each slice from `first`
     bool operator==(const ZoneTable&) const = default;
+
+    const Rule& At(__int64 seconds) const {
+        size_t i = slices[static_cast<size_t>(std::clamp(seconds, first, last) - first) >> kSliceBits];
+        while (seconds >= starts[i + 1]) ++i;
+        return rules[i];
+    }
 };
 
 Rule Probe(__int64 seconds) {
@@ -64,6 +76,12 @@ std::unique_ptr<const ZoneTable> ProbeZone(__int64 first, __int64 last) {
         at = next;
     }
     table->starts.push_back(INT64_MAX);
+    table->first = first, table->last = last;
+    uint16_t inForce = 0;
+    for (__int64 slice = first; slice <= last; slice += 1LL << kSliceBits) {
+        while (slice >= table->starts[inForce + 1u]) ++inForce;
+        table->slices.push_back(inForce);
+    }
     return table;
 }
 
@@ -71,7 +89,6 @@ std::unique_ptr<const ZoneTable> ProbeZone(__int64 first, __int64 last) {
 // zone publishes none.
 struct Zone {
     std::atomic<const ZoneTable*> table = nullptr;
-    std::atomic<size_t> lastRule = 0;  // where the last look-up ended: times mostly come in order
     std::mutex lock;
     std::vector<std::unique_ptr<const ZoneTable>> published;
 
@@ -99,14 +116,7 @@ tm LocalFields(__int64 seconds) {
     const ZoneTable* table = zone.table.load(std::memory_order_acquire);
     if (!table) [[unlikely]]
         table = &zone.Publish();
-    size_t i = zone.lastRule.load(std::memory_order_relaxed);
-    if (i >= table->rules.size() || seconds < table->starts[i] || seconds >= table->starts[i + 1]) {
-        i = static_cast<size_t>(std::upper_bound(table->starts.begin(), table->starts.end() - 1, seconds) -
-                                table->starts.begin()) -
-            1;
-        zone.lastRule.store(i, std::memory_order_relaxed);
-    }
-    const Rule& rule = table->rules[i];
+    const Rule& rule = table->At(seconds);
 
     const __int64 local = seconds + rule.offset;
     __int64 days = local / kDay, rest = local % kDay;
