@@ -320,7 +320,7 @@ IoSource::Interest SerialPort::InterestNow() const {
     if (m_closed || m_gone) return interest;
     interest.fd = m_line->Descriptor();
     const bool waitsForBytes = m_wait && (m_mask & (EV_RXCHAR | EV_RXFLAG | EV_RX80FULL)) != 0;
-    if ((!m_reads.empty() || waitsForBytes) && !m_received.IsFull()) interest.events |= POLLIN;
+    if ((!m_reads.empty() || waitsForBytes) && !m_received.IsFull() && (m_access & GENERIC_READ)) interest.events |= POLLIN;
     if (!m_writes.empty()) interest.events |= POLLOUT;
     for (const Operation& read : m_reads) {
         interest.due = std::min(interest.due, read->due);

@@ -38,7 +38,7 @@ void Waiter::Wake() {
     if (!m_asleep || this == &Current()) return;
     if (m_polling) {
         const uint64_t one = 1;
-        if (!m_written) m_written = write(m_eventFd, &one, sizeof one) == sizeof one;
+        if (!m_written && m_eventFd >= 0) m_written = write(m_eventFd, &one, sizeof one) == sizeof one;
     } else if (m_signal.exchange(1, std::memory_order_release) == 0) {
         syscall(SYS_futex, &m_signal, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
     }
@@ -68,6 +68,8 @@ void Waiter::SleepServing(std::unique_lock<std::mutex>& kernel, std::span<const 
     int64_t due[kMost];
     const size_t count = std::min(sources.size(), kMost);
     int64_t until = deadline;
+    // Without a descriptor to be woken by (the process has too many open), look again soon.
+    if (m_eventFd < 0) until = std::min(until, NowNs() + 20 * kMillisecond);
     for (size_t i = 0; i < count; ++i) {
         const IoSource::Interest interest = sources[i]->GetInterest();
         polled[i] = {interest.fd, interest.events, 0};
