@@ -85,8 +85,8 @@ std::unique_ptr<const ZoneTable> ProbeZone(__int64 first, __int64 last) {
     return table;
 }
 
-// Tables are never changed once published, and all that were published are kept, since a reader may still hold one; an unchanged
-// zone publishes none.
+// Tables are never changed once published, and all that were published are kept, since a reader may still hold one: one for each
+// zone that the program has been in.
 struct Zone {
     std::atomic<const ZoneTable*> table = nullptr;
     std::mutex lock;
@@ -95,12 +95,11 @@ struct Zone {
     const ZoneTable& Publish() {
         auto fresh = ProbeZone(CVXTTime::GetMinTime() / 1'000'000, CVXTTime::GetMaxTime() / 1'000'000);
         const std::lock_guard guard(lock);
-        const ZoneTable* current = table.load(std::memory_order_relaxed);
-        if (!current || !(*current == *fresh)) {
-            published.push_back(std::move(fresh));
-            current = published.back().get();
-            table.store(current, std::memory_order_release);
-        }
+        auto known =
+            std::find_if(published.begin(), published.end(), [&fresh](const auto& earlier) { return *earlier == *fresh; });
+        if (known == published.end()) known = published.insert(known, std::move(fresh));
+        const ZoneTable* current = known->get();
+        table.store(current, std::memory_order_release);
         return *current;
     }
 };
