@@ -20,7 +20,7 @@ NlsTexts& Texts() {
 // Sizes are bytes with the terminator; a setting that does not fit cannot be supplied.
 template <int size>
 CString Setting(LCTYPE item) {
-    char buffer[size] = "";
+    char buffer[size] = {};
     if (::GetLocaleInfoA(LOCALE_USER_DEFAULT, item, buffer, size) == 0) return {};
     return CString(buffer);
 }
