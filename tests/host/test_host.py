@@ -39,7 +39,8 @@ class HostTest(unittest.TestCase):
         return ([options.wine] if options.wine else []) + [options.host, *map(str, words)]
 
     def environment(self, language="en_US.UTF-8", **more):
-        return {**os.environ, "LC_ALL": language, **more}
+        lines = {"LD_PRELOAD": options.preload, "ORVIK_PTYSIM_DIR": options.records} if options.wine else {}
+        return {**os.environ, **lines, "LC_ALL": language, **more}
 
     def host(self, *words, language="en_US.UTF-8", **more):
         done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(language, **more), timeout=120,
@@ -73,18 +74,14 @@ class Line:
 
     def __init__(self, folder, words):
         self.link = None
-        environment = dict(os.environ)
-        # The simulator is a native program: nothing that answers line requests for the program under test may touch it.
-        environment.pop("LD_PRELOAD", None)
-        self.process = subprocess.Popen([options.simulator, "simulate", *words], cwd=folder, stdout=subprocess.PIPE, env=environment,
-                                        encoding="utf-8")
+        self.process = subprocess.Popen([options.simulator, "simulate", *words], cwd=folder, stdout=subprocess.PIPE, encoding="utf-8")
         self.port = self.process.stdout.readline().strip()
         if not self.port.startswith("/dev/"):
             raise RuntimeError("the simulator did not start: " + self.port)
         if options.wine:
             describe_line(self.port)
             number, Line._next_com = Line._next_com, Line._next_com + 1
-            self.link = pathlib.Path(os.environ["WINEPREFIX"]) / "dosdevices" / f"com{number}"
+            self.link = pathlib.Path(options.prefix) / "dosdevices" / f"com{number}"
             self.link.unlink(missing_ok=True)
             self.link.symlink_to(self.port)
             self.port = f"COM{number}"
@@ -99,11 +96,10 @@ class Line:
 
 
 def describe_line(device):
-    """Pseudo-terminals have no modem lines; tests/support/ptysim answers for those that have a state file."""
-    folder = os.environ.get("PTYSIM_DIR")
-    if folder:
-        state = pathlib.Path(folder) / ("pts" + device.rsplit("/", 1)[1])
-        shutil.copyfile(pathlib.Path(folder) / "template", state)
+    """Under Wine: the record from which tests/support/ports/pty_sim.cpp answers for the modem lines that the device lacks."""
+    magic = 0x4D495350
+    record = pathlib.Path(options.records) / ("pts" + device.rsplit("/", 1)[1])
+    record.write_bytes(magic.to_bytes(4, "little") + bytes(4092))
 
 
 class WrongUse(HostTest):
@@ -332,6 +328,9 @@ if __name__ == "__main__":
     parser.add_argument("--host", required=True)
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--wine")
+    parser.add_argument("--preload")
     options, rest = parser.parse_known_args()
     options.host, options.simulator = os.path.abspath(options.host), os.path.abspath(options.simulator)
-    unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
+    options.prefix = os.environ.get("WINEPREFIX") or os.path.join(os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache"), "orvik/wine")
+    with tempfile.TemporaryDirectory(prefix="orvik-records-") as options.records:
+        unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
