@@ -24,8 +24,8 @@ ANSWERS_BEFORE_UNPLUG = 3
 
 
 class Result:
-    def __init__(self, process):
-        self.code, self.out, self.err = process.returncode, process.stdout, process.stderr
+    def __init__(self, code, out, err):
+        self.code, self.out, self.err = code, out, err
         # Only what the host itself says: Wine may add lines of its own.
         self.sentences = [line for line in self.err.splitlines() if line.startswith("orvikhost:")]
 
@@ -38,14 +38,20 @@ class HostTest(unittest.TestCase):
     def command(self, *words):
         return ([options.wine] if options.wine else []) + [options.host, *map(str, words)]
 
-    def environment(self, language="en_US.UTF-8", **more):
+    def environment(self, language="C.UTF-8", **more):
         lines = {"LD_PRELOAD": options.preload, "ORVIK_PTYSIM_DIR": options.records} if options.wine else {}
         return {**os.environ, **lines, "LC_ALL": language, **more}
 
-    def host(self, *words, language="en_US.UTF-8", **more):
-        done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(language, **more), timeout=120,
+    def host(self, *words, language="C.UTF-8", **more):
+        # wine-run sends the error stream to a file of its own.
+        errors = self.folder / "stderr.txt"
+        done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(language, WINE_STDERR=str(errors), **more), timeout=120,
                               capture_output=True, encoding="utf-8", errors="replace")
-        return Result(done)
+        said = done.stderr
+        if options.wine and errors.exists():
+            said += errors.read_text(encoding="utf-8", errors="replace")
+            errors.unlink()
+        return Result(done.returncode, done.stdout, said)
 
     def refused(self, code, *words, **more):
         """Ends with this code, says one sentence, and nothing else."""
