@@ -1,0 +1,88 @@
+// Local calendar fields of times: ours beside the C library's.
+// Workload: a million stamps, one a minute from 2015 with jitter ("increasing"), or anywhere from 1972 to 2034 ("random").
+#include <cstring>
+#include <ctime>
+#include <vector>
+
+#include "bench/bench_support.h"
+#include "time/time_point.h"
+
+namespace {
+
+const std::vector<CVXTTime>& Stamps(bool random) {
+    static const auto make = [](bool anywhere) {
+        bench::Random sequence(3);
+        std::vector<CVXTTime> stamps(1'000'000);
+        const __int64 first = CVXTTime::GetMinTime(), range = CVXTTime::GetMaxTime() - first;
+        for (size_t i = 0; i < stamps.size(); ++i)
+            stamps[i].SetBinaryTime(anywhere ? first + static_cast<__int64>(sequence.Below(static_cast<uint64_t>(range)))
+                                             : 1'420'066'800'000'000 + static_cast<__int64>(i) * 60'000'000 +
+                                                   static_cast<__int64>(sequence.Below(1'000'000)));
+        return stamps;
+    };
+    static const std::vector<CVXTTime> increasing = make(false), scattered = make(true);
+    return random ? scattered : increasing;
+}
+
+SYSTEMTIME FromLibrary(const CVXTTime& time) {
+    const time_t seconds = static_cast<time_t>(time.GetAnsiTime());
+    tm fields{};
+    localtime_r(&seconds, &fields);
+    const auto word = [](int value) { return static_cast<WORD>(value); };
+    return {word(fields.tm_year + 1900), word(fields.tm_mon + 1),
+            word(fields.tm_wday),        word(fields.tm_mday),
+            word(fields.tm_hour),        word(fields.tm_min),
+            word(fields.tm_sec),         static_cast<WORD>(time.GetBinaryTime() % 1'000'000 / 1'000)};
+}
+
+void Check(const std::vector<CVXTTime>& stamps) {
+    for (size_t i = 0; i < stamps.size(); i += 16) {
+        SYSTEMTIME ours;
+        stamps[i].GetSystemTime(&ours);
+        const SYSTEMTIME library = FromLibrary(stamps[i]);
+        BENCH_REQUIRE(std::memcmp(&ours, &library, sizeof ours) == 0);
+    }
+}
+
+void ToLocal(benchmark::State& state, bool random) {
+    const auto& stamps = Stamps(random);
+    Check(stamps);
+    for (auto _ : state)
+        for (const CVXTTime& stamp : stamps) {
+            SYSTEMTIME fields;
+            stamp.GetSystemTime(&fields);
+            benchmark::DoNotOptimize(fields);
+        }
+    bench::PerItem(state, static_cast<double>(stamps.size()));
+}
+
+void ToLocalLibrary(benchmark::State& state, bool random) {
+    const auto& stamps = Stamps(random);
+    for (auto _ : state)
+        for (const CVXTTime& stamp : stamps) {
+            SYSTEMTIME fields = FromLibrary(stamp);
+            benchmark::DoNotOptimize(fields);
+        }
+    bench::PerItem(state, static_cast<double>(stamps.size()));
+}
+
+void Sum(benchmark::State& state) {
+    const auto& stamps = Stamps(false);
+    const CVXTTimeSpan step(90, TST_SECONDS);
+    for (auto _ : state)
+        for (const CVXTTime& stamp : stamps) {
+            CVXTTime moved = stamp + step;
+            benchmark::DoNotOptimize(moved);
+        }
+    bench::PerItem(state, static_cast<double>(stamps.size()));
+}
+
+BENCHMARK_CAPTURE(ToLocal, increasing, false)->Name("time/to_local/ours/increasing")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ToLocalLibrary, increasing, false)->Name("time/to_local/localtime_r/increasing")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ToLocal, random, true)->Name("time/to_local/ours/random")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ToLocalLibrary, random, true)->Name("time/to_local/localtime_r/random")->Unit(benchmark::kMillisecond);
+BENCHMARK(Sum)->Name("time/add_span/ours")->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
