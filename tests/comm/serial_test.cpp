@@ -165,6 +165,16 @@ TEST_F(SerialTest, SoftwareHandshakeAndNoneReadBack) {
     }
 }
 
+TEST_F(SerialTest, HandshakeOffRaisesTheLinesAndSoftwareDropsThem) {
+    Open();
+    ASSERT_EQ(0, port.SetupHandshaking(CSerial::HandshakeSoftware));
+    EXPECT_FALSE(peer.Dtr());
+    EXPECT_FALSE(peer.Rts());
+    ASSERT_EQ(0, port.SetupHandshaking(CSerial::HandshakeOff));
+    EXPECT_TRUE(peer.Dtr());
+    EXPECT_TRUE(peer.Rts());
+}
+
 TEST_F(SerialTest, UnknownHandshakeChangesNothing) {
     Open();
     ASSERT_EQ(0, port.SetupHandshaking(CSerial::HandshakeSoftware));

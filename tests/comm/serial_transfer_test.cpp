@@ -197,7 +197,8 @@ TEST_F(SerialTest, ModemLinesAndBreakAreEventsOfTheMask) {
     const struct {
         const char* line;
         DWORD event;
-    } cases[] = {{"cts", CSerial::EventCts}, {"dsr", CSerial::EventDsr}, {"dcd", CSerial::EventRlsd}};
+    } cases[] = {
+        {"cts", CSerial::EventCts}, {"dsr", CSerial::EventDsr}, {"dcd", CSerial::EventRlsd}, {"rng", CSerial::EventRing}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.line);
         ASSERT_EQ(0, port.SetMask(c.event));
@@ -240,5 +241,22 @@ TEST_F(SerialTest, LongTransfersArriveWhole) {
     EXPECT_EQ(sent, peer.Receive(3000));
     peer.Send(sent);
     EXPECT_EQ(sent, Read(3000));
+}
+
+TEST_F(SerialTest, SentIsAnEvent) {
+    Open();
+    ASSERT_EQ(0, port.SetMask(CSerial::EventSent));
+    EXPECT_EQ(0, port.Write("gone", nullptr, nullptr, kSoon));
+    EXPECT_EQ("gone", peer.Receive(4));
+    EXPECT_EQ(0, port.WaitEvent(nullptr, kSoon));
+    EXPECT_EQ(CSerial::EventSent, port.GetEventType());
+}
+
+TEST_F(SerialTest, ALargeTransferNeedsNoLargeQueue) {
+    Open();
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    peer.Stream();
+    const std::string bytes = Read(200000);
+    EXPECT_EQ(std::string(200000, 'S'), bytes);
 }
 }  // namespace
