@@ -49,6 +49,8 @@ LONG CSerial::Abandon(OVERLAPPED& ov, DWORD* count) {
     CancelCommIo();
     // A wait for line events ends for certain when the mask is set anew, whatever a driver does about cancelling.
     if (!count) ::SetCommMask(m_hFile, m_dwEventMask);
+    // The event last of all: one that came late would end the next operation on it.
+    ::WaitForSingleObject(ov.hEvent, INFINITE);
     DWORD done = 0;
     if (!::GetOverlappedResult(m_hFile, &ov, &done, TRUE) || (!count && !m_eEvent)) return Result(ERROR_TIMEOUT);
     if (count) *count = done;
