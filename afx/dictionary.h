@@ -170,7 +170,7 @@ private:
     void MakeRoom() {
         const bool closeGaps = m_live < m_room - m_room / 4;
         if (!closeGaps && m_room >= 0x40000000) AfxThrowMemoryException();
-        const uint32_t room = closeGaps ? m_room : m_room < 4 ? m_room + 2 : m_room + m_room / 2;
+        const uint32_t room = closeGaps ? m_room : m_room < 2 ? m_room + 1 : m_room * 2;
         auto* fresh = static_cast<Entry*>(std::malloc(room * sizeof(Entry)));
         if (fresh == nullptr) AfxThrowMemoryException();
         uint32_t used = 0;

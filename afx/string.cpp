@@ -119,6 +119,17 @@ void CString::Assign(const char* text, size_t length) {
         if (OwnsBuffer()) SetLength(0);
         return;
     }
+    if (!OwnsBuffer() && length <= kMaxLength) {
+        // The usual case: a new text.
+        const size_t room = std::max<size_t>(length, 7);
+        auto* const header = static_cast<StringHeader*>(std::malloc(sizeof(StringHeader) + room + 1));
+        if (header == nullptr) AfxThrowMemoryException();
+        header->length = static_cast<uint32_t>(length);
+        header->capacity = static_cast<uint32_t>(room);
+        m_text = static_cast<char*>(std::memcpy(header + 1, text, length));
+        m_text[length] = 0;
+        return;
+    }
     if (length > Header().capacity) {
         CString other;
         other.Reserve(length, true);
