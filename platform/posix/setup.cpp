@@ -119,11 +119,12 @@ std::vector<Device> PresentPorts() {
             found[number] = "Serial device (" + HousePath(device) + ")";
         }
     }
-    for (const auto& [device, description] : described) {
+    for (const auto& entry : described) {
+        const std::string& device = entry.first;
         const int number = FixedPortNumber(device.substr(5));
         const bool isLinked = std::any_of(linked.begin(), linked.end(), [&](const auto& link) { return link.second == device; });
         // A number that a link has taken means the link's device.
-        if (number != 0 && !isLinked && linked.find(number) == linked.end()) found[number] = description;
+        if (number != 0 && !isLinked && linked.find(number) == linked.end()) found[number] = entry.second;
     }
     std::vector<Device> devices;
     for (const auto& [number, description] : found) devices.push_back({"COM" + std::to_string(number), description});
