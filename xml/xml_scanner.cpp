@@ -6,7 +6,7 @@
 
 namespace orvik::detail {
 namespace {
-constexpr size_t kBlock = 32768;  // bytes fetched at a time; longer pieces make the buffer grow
+constexpr size_t kBlock = 16384;  // bytes fetched at a time; longer pieces make the buffer grow
 
 enum : unsigned char { kWhite = 1, kLetterOrDigit = 2, kNameMark = 4 };
 
@@ -23,15 +23,17 @@ constexpr auto kKinds = CharacterKinds();
 bool Is(char ch, unsigned char kinds) { return (kKinds[static_cast<unsigned char>(ch)] & kinds) != 0; }
 
 std::string_view Trimmed(std::string_view text) {
-    constexpr std::string_view white = " \t\n\v\f\r";
-    const size_t first = text.find_first_not_of(white);
-    if (first == text.npos) return text.substr(0, 0);
-    return text.substr(first, text.find_last_not_of(white) - first + 1);
+    const auto isWhite = [](char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); };
+    while (!text.empty() && isWhite(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isWhite(text.back())) text.remove_suffix(1);
+    return text;
 }
 }  // namespace
 
 XmlScanner::XmlScanner(CFile& file, const XmlEntities& entities, XmlEvents& events)
-    : m_file(file), m_entities(entities), m_events(events), m_buffer(new char[kBlock]), m_capacity(kBlock) {}
+    : m_file(file), m_entities(entities), m_events(events), m_buffer(new char[kBlock + 1]), m_capacity(kBlock) {
+    m_buffer[0] = 0;
+}
 
 bool XmlScanner::Read(unsigned long depth) {
     while (m_end < 3 && Fill()) {
@@ -74,7 +76,7 @@ bool XmlScanner::ReadTag(unsigned long depth) {
     if (meta) Get();
 
     const size_t nameFrom = Offset();
-    SkipNameCharacters(kLetterOrDigit | kNameMark);
+    SkipKinds(kLetterOrDigit | kNameMark);
     const size_t nameTo = Offset();
     char ch = Get();
     if (nameFrom == nameTo) return false;
@@ -97,7 +99,7 @@ bool XmlScanner::ReadTag(unsigned long depth) {
     SkipWhite();
     const size_t textFrom = Offset();
     const bool children = Peek() == '<' && PeekSecond() != '/';
-    if (!children) SkipTo('<');
+    const bool escapes = !children && SkipTo('<');
 
     // From here on the buffer does not move until the event is over.
     m_attributes.m_base = m_buffer.get() + m_keep;
@@ -110,8 +112,8 @@ bool XmlScanner::ReadTag(unsigned long depth) {
         m_open.back().contentDepth = contentDepth;
         return true;
     }
-    const std::string_view raw = Trimmed(Piece(textFrom, Offset()));
-    const std::string_view text = raw.substr(0, UnescapeText(const_cast<char*>(raw.data()), raw.size(), m_entities));
+    std::string_view text = Trimmed(Piece(textFrom, Offset()));
+    if (escapes) text = text.substr(0, UnescapeText(const_cast<char*>(text.data()), text.size(), m_entities));
     if (!m_events.OnTextElement(depth, name, m_attributes, text)) return false;
     if (!ReadEndTag()) return false;
     m_names.resize(m_open.back().name);
@@ -134,30 +136,60 @@ bool XmlScanner::ReadComment(unsigned long depth) {
 // `ch` is the byte behind the white space that follows the name, and in the end the byte that follows the attributes.
 bool XmlScanner::ReadAttributes(char& ch) {
     while (Is(ch, kLetterOrDigit)) {
+        if (ReadPlainAttribute(ch)) continue;
         const size_t nameFrom = Offset() - 1;
-        SkipNameCharacters(kLetterOrDigit);
+        SkipKinds(kLetterOrDigit);
         const size_t nameTo = Offset();
         if (GetBeyondWhite() != '=' || GetBeyondWhite() != '"') return false;
         const size_t valueFrom = Offset();
-        SkipTo('"');
-        const size_t valueTo = Offset();
+        const bool escapes = SkipTo('"');
+        size_t length = Offset() - valueFrom;
         if (Get() != '"') return false;
-        const size_t length = UnescapeAttribute(m_buffer.get() + m_keep + valueFrom, valueTo - valueFrom);
+        if (escapes) length = UnescapeAttribute(m_buffer.get() + m_keep + valueFrom, length);
         m_attributes.m_places.push_back({nameFrom, nameTo - nameFrom, valueFrom, length});
         ch = GetBeyondWhite();
     }
     return true;
 }
 
+// The attribute as it is nearly always written: no white space, no escape, all of it in the buffer. False, and nothing taken, for
+// any other. The 0 behind the buffer's last byte ends every loop.
+bool XmlScanner::ReadPlainAttribute(char& ch) {
+    const char* const tag = m_buffer.get() + m_keep;
+    const char* const name = m_buffer.get() + m_at - 1;
+    const char* at = name;
+    while (Is(*at, kLetterOrDigit)) ++at;
+    const char* const nameEnd = at;
+    if (at[0] != '=' || at[1] != '"') return false;
+    const char* const value = at += 2;
+    while (*at != '"' && *at != '&' && *at != 0) ++at;
+    if (*at != '"') return false;
+    const char* const valueEnd = at++;
+    while (Is(*at, kWhite)) ++at;
+    if (*at == 0) return false;
+    m_attributes.m_places.push_back({static_cast<size_t>(name - tag), static_cast<size_t>(nameEnd - name),
+                                     static_cast<size_t>(value - tag), static_cast<size_t>(valueEnd - value)});
+    ch = *at;
+    m_at = static_cast<size_t>(at - m_buffer.get()) + 1;
+    return true;
+}
+
 // The end tag of the innermost open element.
 bool XmlScanner::ReadEndTag() {
+    const std::string_view name = std::string_view(m_names).substr(m_open.back().name);
+    const char* const tag = m_buffer.get() + m_at;
+    if (m_end - m_at >= name.size() + 3 && tag[0] == '<' && tag[1] == '/' && tag[name.size() + 2] == '>' &&
+        !std::memcmp(tag + 2, name.data(), name.size())) {
+        m_at += name.size() + 3;
+        return true;
+    }
     m_keep = m_at;
     if (Get() != '<' || Get() != '/') return false;
     const size_t from = Offset();
-    SkipNameCharacters(kLetterOrDigit | kNameMark);
+    SkipKinds(kLetterOrDigit | kNameMark);
     const size_t to = Offset();
     if (Get() != '>') return false;
-    return Piece(from, to) == std::string_view(m_names).substr(m_open.back().name);
+    return Piece(from, to) == name;
 }
 
 bool XmlScanner::CloseElement() {
@@ -175,7 +207,7 @@ bool XmlScanner::Fill() {
         const size_t kept = m_end - m_keep;
         if (kept > m_capacity / 2) {
             const size_t capacity = m_capacity * 2;
-            std::unique_ptr<char[]> larger(new char[capacity]);
+            std::unique_ptr<char[]> larger(new char[capacity + 1]);
             std::memcpy(larger.get(), m_buffer.get() + m_keep, kept);
             m_buffer = std::move(larger);
             m_capacity = capacity;
@@ -189,24 +221,8 @@ bool XmlScanner::Fill() {
     const UINT room = static_cast<UINT>(std::min<size_t>(m_capacity - m_end, 1u << 30));
     const UINT got = m_file.Read(m_buffer.get() + m_end, room);
     m_end += got;
+    m_buffer[m_end] = 0;
     return got != 0;
-}
-
-// The next byte; 0 at the end of the input. A byte 0 is such an end, and stays where it is.
-char XmlScanner::Get() {
-    const char ch = Peek();
-    if (ch != 0) ++m_at;
-    return ch;
-}
-
-char XmlScanner::GetBeyondWhite() {
-    SkipWhite();
-    return Get();
-}
-
-char XmlScanner::Peek() {
-    if (m_at == m_end && !Fill()) return 0;
-    return m_buffer[m_at];
 }
 
 // The byte after the next one.
@@ -216,27 +232,30 @@ char XmlScanner::PeekSecond() {
     return m_buffer[m_at + 1];
 }
 
-void XmlScanner::SkipWhite() {
-    while (Is(Peek(), kWhite)) ++m_at;
+void XmlScanner::SkipWhite() { SkipKinds(kWhite); }
+
+// The byte 0 behind the buffer's last one ends the loops below; whether it is that one shows afterwards.
+void XmlScanner::SkipKinds(unsigned char kinds) {
+    do {
+        const char* at = m_buffer.get() + m_at;
+        while (Is(*at, kinds)) ++at;
+        m_at = static_cast<size_t>(at - m_buffer.get());
+    } while (m_at == m_end && Fill());
 }
 
-void XmlScanner::SkipNameCharacters(unsigned char kinds) {
-    while (Is(Peek(), kinds)) ++m_at;
-}
-
-// Moves to the next `stop`, to a byte 0, or to the end of the input, whichever comes first.
-void XmlScanner::SkipTo(char stop) {
+// Moves to the next `stop`, to a byte 0, or to the end of the input, whichever comes first. True when a "&" was passed.
+bool XmlScanner::SkipTo(char stop) {
+    bool escapes = false;
     for (;;) {
-        const char* const from = m_buffer.get() + m_at;
-        const size_t size = m_end - m_at;
-        const void* const found = size ? std::memchr(from, stop, size) : nullptr;
-        const size_t before = found ? static_cast<size_t>(static_cast<const char*>(found) - from) : size;
-        if (const void* const zero = before ? std::memchr(from, 0, before) : nullptr) {
-            m_at += static_cast<size_t>(static_cast<const char*>(zero) - from);
-            return;
+        const char* at = m_buffer.get() + m_at;
+        while (*at != stop && *at != '&' && *at != 0) ++at;
+        m_at = static_cast<size_t>(at - m_buffer.get());
+        if (*at == '&' && stop != '&') {
+            escapes = true;
+            ++m_at;
+        } else if (m_at != m_end || !Fill()) {
+            return escapes;
         }
-        m_at += before;
-        if (found || !Fill()) return;
     }
 }
 

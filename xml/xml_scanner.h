@@ -8,6 +8,7 @@
 #include "afx/file.h"
 #include "xml/xml_text.h"
 
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,10 +24,11 @@ public:
     size_t Count() const { return m_places.size(); }
     std::string_view Name(size_t index) const { return {m_base + m_places[index].name, m_places[index].nameLength}; }
     std::string_view Value(size_t index) const { return {m_base + m_places[index].value, m_places[index].valueLength}; }
-    // Of attributes of the same name the last counts.
-    bool Find(std::string_view name, std::string_view& value) const {
+    // Of attributes of the same name the last counts. The name is a literal.
+    template <size_t Size>
+    bool Find(const char (&name)[Size], std::string_view& value) const {
         for (size_t index = m_places.size(); index-- > 0;)
-            if (Name(index) == name) {
+            if (m_places[index].nameLength == Size - 1 && !std::memcmp(m_base + m_places[index].name, name, Size - 1)) {
                 value = Value(index);
                 return true;
             }
@@ -84,18 +86,30 @@ private:
     bool ReadTag(unsigned long depth);
     bool ReadComment(unsigned long depth);
     bool ReadAttributes(char& ch);
-    bool ReadContent(unsigned long depth, std::string_view name);
+    bool ReadPlainAttribute(char& ch);
     bool ReadEndTag();
     bool CloseElement();
 
     bool Fill();
-    char Get();
-    char GetBeyondWhite();
-    char Peek();
-    char PeekSecond();
+    char PeekSecond();  // the byte after the next one
+    // The next byte; 0 at the end of the input. A byte 0 is such an end, and stays where it is.
+    char Peek() {
+        if (m_at == m_end && !Fill()) [[unlikely]]
+            return 0;
+        return m_buffer[m_at];
+    }
+    char Get() {
+        const char ch = Peek();
+        m_at += ch != 0;
+        return ch;
+    }
+    char GetBeyondWhite() {
+        SkipWhite();
+        return Get();
+    }
     void SkipWhite();
-    void SkipTo(char stop);
-    void SkipNameCharacters(unsigned char kinds);
+    bool SkipTo(char stop);
+    void SkipKinds(unsigned char kinds);
     // Offsets are taken from the tag's first byte, which stays in the buffer until the next tag begins.
     size_t Offset() const { return m_at - m_keep; }
     std::string_view Piece(size_t from, size_t to) const { return {m_buffer.get() + m_keep + from, to - from}; }
@@ -103,7 +117,7 @@ private:
     CFile& m_file;
     const XmlEntities& m_entities;
     XmlEvents& m_events;
-    std::unique_ptr<char[]> m_buffer;
+    std::unique_ptr<char[]> m_buffer;  // a byte 0 stands behind what was fetched
     size_t m_capacity;
     size_t m_keep = 0;  // first byte of the tag at work
     size_t m_at = 0;    // the position in the document

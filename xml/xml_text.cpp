@@ -62,7 +62,11 @@ size_t ReplaceAll(char* text, size_t length, std::string_view from, char to) {
 }  // namespace
 
 XmlEntities::XmlEntities() {
-    for (size_t i = 0; i < 7; ++i) m_text[i].Format("&#x%02x;", kCode[i]);
+    constexpr char digits[] = "0123456789abcdef";
+    for (size_t i = 0; i < 7; ++i) {
+        const char text[] = {'&', '#', 'x', digits[kCode[i] / 16], digits[kCode[i] % 16], ';'};
+        m_text[i] = std::string_view(text, sizeof text);
+    }
 }
 
 void AppendEscapedAttribute(ShortText& out, std::string_view text) { AppendEscaped(out, text, kAttributeClass, nullptr); }

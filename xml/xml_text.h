@@ -25,7 +25,4 @@ void AppendEscapedText(ShortText& out, std::string_view text, const XmlEntities&
 // "&lt;".
 size_t UnescapeAttribute(char* text, size_t length);
 size_t UnescapeText(char* text, size_t length, const XmlEntities& entities);
-
-// `text` up to its first byte 0.
-inline std::string_view UpToZero(std::string_view text) { return text.substr(0, text.find('\0')); }
 }  // namespace orvik::detail

@@ -5,9 +5,7 @@
 
 using orvik::detail::GeneralText;
 using orvik::detail::IntegerText;
-using orvik::detail::ShortText;
 using orvik::detail::UnsignedText;
-using orvik::detail::UpToZero;
 
 CXMLWriter::CXMLWriter(CFile* pFile) : m_pFile(pFile) { Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"); }
 
@@ -16,16 +14,21 @@ void CXMLWriter::SetComment(const char* text) { WriteLine("<!", text, "!>\r\n");
 
 void CXMLWriter::BeginTag(const char* name) {
     ShortText line;
+    AppendStart(line, name ? name : "");
+    m_names.Add(name);
+    m_states.Add(StateOpen);
+    Write(line.View());
+}
+
+// Closes the parent's start tag, if this is its first child.
+void CXMLWriter::AppendStart(ShortText& line, std::string_view name) {
     const int depth = Depth();
-    if (depth > 0 && m_states[depth - 1] != StateChildren) {
+    if (depth > 0 && m_states.GetData()[depth - 1] != StateChildren) {
         line << ">\r\n";
         SetState(StateChildren);
     }
-    m_names.Add(name);
-    m_states.Add(StateOpen);
     Indent(line, depth);
-    line << '<' << UpToZero(m_names[depth].GetView());
-    Write(line.View());
+    line << '<' << name;
 }
 
 void CXMLWriter::EndTag() {
@@ -59,10 +62,14 @@ void CXMLWriter::SetText(int value) { WriteText(IntegerText(value).View()); }
 void CXMLWriter::WriteAttr(std::string_view name, std::string_view value) {
     SetState(StateAttribute);
     ShortText text;
-    text << ' ' << name << "=\"";
-    orvik::detail::AppendEscapedAttribute(text, value);
-    text << '"';
+    AppendAttribute(text, name, value);
     Write(text.View());
+}
+
+void CXMLWriter::AppendAttribute(ShortText& line, std::string_view name, std::string_view value) {
+    line << ' ' << name << "=\"";
+    orvik::detail::AppendEscapedAttribute(line, value);
+    line << '"';
 }
 
 void CXMLWriter::WriteText(std::string_view value) {
@@ -80,7 +87,7 @@ void CXMLWriter::WriteLine(std::string_view before, const char* text, std::strin
     Write(line.View());
 }
 
-void CXMLWriter::Indent(ShortText& line, int spaces) const {
+void CXMLWriter::Indent(ShortText& line, int spaces) {
     if (spaces > 0) line.Fill(static_cast<size_t>(spaces), ' ');
 }
 

@@ -11,6 +11,7 @@
 #include "afx/string.h"
 #include "xml/xml_text.h"
 
+#include <initializer_list>
 #include <string_view>
 
 class CPropertyDB;
@@ -53,10 +54,29 @@ private:
         StateChildren
     };
 
+    using ShortText = orvik::detail::ShortText;
+    struct Attribute {
+        std::string_view name, value;
+    };
+    // An element with text, in one piece: what BeginTag, SetAttr, SetText and EndTag write. appendText(line, entities) adds the
+    // text, escaped.
+    template <class AppendText>
+    void WriteElement(std::string_view name, std::initializer_list<Attribute> attributes, AppendText appendText) {
+        ShortText line;
+        AppendStart(line, name);
+        for (const Attribute& attribute : attributes) AppendAttribute(line, attribute.name, attribute.value);
+        line << '>';
+        appendText(line, m_entities);
+        line << "</" << name << ">\r\n";
+        Write(line.View());
+    }
+
+    void AppendStart(ShortText& line, std::string_view name);
+    static void AppendAttribute(ShortText& line, std::string_view name, std::string_view value);
     void WriteAttr(std::string_view name, std::string_view value);
     void WriteText(std::string_view text);
     void WriteLine(std::string_view before, const char* text, std::string_view after);
-    void Indent(orvik::detail::ShortText& line, int spaces) const;
+    static void Indent(ShortText& line, int spaces);
     void Write(std::string_view text);
     void SetState(EState state);  // of the innermost element, which must be there
     int Depth() const;
