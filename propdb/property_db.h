@@ -118,10 +118,12 @@ private:
 
     // The walk down from the root. True when the key was found; `found` may then still be null (see Rename).
     bool Walk(std::string_view fullKey, CObject*& found) const;
-    CObject** MakeEntry(std::string_view fullKey);
+    static CObject** MakeEntry(CMapStringToOb& top, std::string_view key);
+    BOOL SetEntry(CObject*& entry, const CRuntimeClass* kind, const CObject* value);
     static void DeleteObject(CObject* object);
     static void DeleteChildren(CMapStringToOb& node);
 
+    bool IsOverridden() const;
     template <class Array>
     BOOL SetMoving(const char* key, Array& value);
     template <class Array, class Value>
@@ -138,11 +140,10 @@ private:
     void EnumObjects(CStringArray& out) const;
     static void SortArray(CStringArray& array);
 
-    bool IsTooDeep() const;
     BOOL WriteForm(CFile& file, bool xml);
     bool ReadForm(CFile& file, bool xml);
     BOOL SaveAsXML(CFile* pFile);
-    void WriteXMLNodes(CMapStringToOb* node, CXMLWriter& writer);
+    bool WriteXMLNodes(CMapStringToOb* node, CXMLWriter& writer);
     bool LoadXML(CFile& file);
     void StoreTree(CArchive& ar);
     void LoadTree(CArchive& ar);

@@ -34,23 +34,7 @@ void CPropertyDB::Serialize(CArchive& ar) {
     m_bModified = FALSE;
 }
 
-bool CPropertyDB::IsTooDeep() const {
-    std::vector<const CMapStringToOb*> level{&m_root}, next;
-    bool tooDeep = false;
-    for (size_t depth = 0; !level.empty() && !tooDeep; ++depth) {
-        next.clear();
-        for (const CMapStringToOb* node : level)
-            ForEachChild(*node, [&](std::string_view, const CObject* child) {
-                if (const CMapStringToOb* const inner = AsNode(child)) next.push_back(inner);
-                tooDeep = tooDeep || (child && depth == kMaxFileDepth);
-            });
-        level.swap(next);
-    }
-    return tooDeep;
-}
-
 void CPropertyDB::StoreTree(CArchive& ar) {
-    if (IsTooDeep()) AfxThrowArchiveException(CArchiveException::genericException, ar.m_strFileName);
     struct Level {
         const CMapStringToOb* node;
         POSITION at;
@@ -67,6 +51,8 @@ void CPropertyDB::StoreTree(CArchive& ar) {
         CObject* child = nullptr;
         level.node->GetNextAssoc(level.at, key, child);
         if (!child) continue;
+        // What lies deeper could not be loaded again.
+        if (levels.size() > kMaxFileDepth) AfxThrowArchiveException(CArchiveException::genericException, ar.m_strFileName);
         ar << key;
         ar.WriteClass(child->GetRuntimeClass());
         ar.MapObject(child);

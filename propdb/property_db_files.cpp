@@ -99,8 +99,6 @@ BOOL CPropertyDB::LoadFromFile(const char* path) {
 }
 
 BOOL CPropertyDB::WriteForm(CFile& file, bool xml) {
-    // What lies deeper could not be loaded again.
-    if (IsTooDeep()) return FALSE;
     if (xml) {
         orvik::detail::BlockFile blocks(file);
         const BOOL saved = SaveAsXML(&blocks);

@@ -23,13 +23,13 @@ bool CPropertyDB::Walk(std::string_view fullKey, CObject*& found) const {
     return true;
 }
 
-// The entry of a key that is not empty, null when it was made just now. Nodes on the way are made too. Null when a value is in
-// the way. An entry without an object, such as Rename leaves, counts as missing.
-CObject** CPropertyDB::MakeEntry(std::string_view fullKey) {
-    CMapStringToOb* node = &m_root;
+// The entry below `top` of a key that is not empty, null when it was made just now. Nodes on the way are made too. Null when a
+// value is in the way. An entry without an object, such as Rename leaves, counts as missing.
+CObject** CPropertyDB::MakeEntry(CMapStringToOb& top, std::string_view key) {
+    CMapStringToOb* node = &top;
     for (;;) {
-        CObject*& entry = (*node)[TakeSegment(fullKey)];
-        if (fullKey.empty()) return &entry;
+        CObject*& entry = (*node)[TakeSegment(key)];
+        if (key.empty()) return &entry;
         if (!entry) entry = new CMapStringToOb(10);
         node = AsNode(entry);
         if (!node) return nullptr;
@@ -45,7 +45,7 @@ const CObject* CPropertyDB::GetValueObject(const char* key, int bAbsolute) const
 
 BOOL CPropertyDB::SetPath(const char* key) {
     if (TextOrEmpty(key).empty()) return FALSE;
-    CObject** const entry = MakeEntry(FullKey(*this, key, false));
+    CObject** const entry = MakeEntry(m_root, FullKey(*this, key, false));
     if (!entry) return FALSE;
     if (!*entry) *entry = new CMapStringToOb(10);
     if (!AsNode(*entry)) return FALSE;
@@ -139,9 +139,11 @@ int CPropertyDB::Count(const char* key, int bValuesOnly) const {
     const CRuntimeClass* const known = orvik::detail::ValueClassOf(object);
     // Arrays of bytes and of 32-bit integers are not counted, on purpose.
     if (!known || known == RUNTIME_CLASS(CByteArray) || known == RUNTIME_CLASS(CInt32Array)) return 0;
-    return orvik::detail::WithValueClass(known, [object](auto* kind) {
-        return static_cast<int>(static_cast<const std::remove_pointer_t<decltype(kind)>*>(object)->GetSize());
+    int elements = 0;
+    orvik::detail::WithValueClass(known, [&](auto* kind) {
+        elements = static_cast<int>(static_cast<const std::remove_pointer_t<decltype(kind)>*>(object)->GetSize());
     });
+    return elements;
 }
 
 void CPropertyDB::BeginUsing(const char* path) { PushUsing(TextOrEmpty(path)); }

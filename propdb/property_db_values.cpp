@@ -16,14 +16,19 @@ BOOL CPropertyDB::SetValue(const char* key, const CObject* value, int bAbsolute)
     if (!kind && !isNode) return FALSE;
     const FullKey full(*this, key, bAbsolute != 0);
     if (std::string_view(full).empty()) return FALSE;
-    CObject** const entry = MakeEntry(full);
+    CObject** const entry = MakeEntry(m_root, full);
     if (!entry) return FALSE;
     if (isNode) return *entry ? FALSE : SetPath(key);
-    if (*entry && (*entry)->GetRuntimeClass() != kind) return FALSE;
+    return SetEntry(*entry, kind, value);
+}
+
+// A key keeps its kind: the entry is null or takes values of that class only.
+BOOL CPropertyDB::SetEntry(CObject*& entry, const CRuntimeClass* kind, const CObject* value) {
+    if (entry && entry->GetRuntimeClass() != kind) return FALSE;
     WithValueClass(kind, [&](auto* none) {
         using Array = std::remove_pointer_t<decltype(none)>;
-        if (!*entry) *entry = new Array;
-        auto& target = static_cast<Array&>(**entry);
+        if (!entry) entry = new Array;
+        auto& target = static_cast<Array&>(*entry);
         if (value == m_movable && value->GetRuntimeClass() == kind)
             target.Swap(static_cast<Array&>(*const_cast<CObject*>(value)));
         else if (&target != value)

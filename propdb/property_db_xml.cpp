@@ -10,65 +10,50 @@
 
 using orvik::detail::AsNode;
 using orvik::detail::ShortText;
+using orvik::detail::XmlEntities;
 
 namespace {
 constexpr char kElementSeparator = ';';
 
-std::string_view ElementText(const CString& value) { return value.GetView(); }
-orvik::detail::NumberText ElementText(double value) { return orvik::detail::GeneralText(value); }
-orvik::detail::NumberText ElementText(__int64 value) { return orvik::detail::IntegerText(value); }
-orvik::detail::NumberText ElementText(DWORD value) { return orvik::detail::UnsignedText(value); }
-orvik::detail::NumberText ElementText(WORD value) { return orvik::detail::UnsignedText(value); }
-
-std::string_view View(std::string_view text) { return text; }
-std::string_view View(const orvik::detail::NumberText& text) { return text.View(); }
-
-// The elements joined by ";", and nothing more: a text that holds a ";" reads back as several.
-template <class Array>
-INT_PTR Join(const CObject* object, ShortText& text) {
-    const auto& array = static_cast<const Array&>(*object);
-    const INT_PTR count = array.GetSize();
-    for (INT_PTR index = 0; index < count; ++index) {
-        if (index > 0) text << kElementSeparator;
-        text << View(ElementText(array.GetData()[index]));
-    }
-    return count;
+void AppendElement(ShortText& line, const CString& value, const XmlEntities& entities) {
+    orvik::detail::AppendEscapedText(line, value.GetView(), entities);
 }
+void AppendElement(ShortText& line, double value, const XmlEntities&) { line << orvik::detail::GeneralText(value).View(); }
+void AppendElement(ShortText& line, __int64 value, const XmlEntities&) { line << orvik::detail::IntegerText(value).View(); }
+void AppendElement(ShortText& line, DWORD value, const XmlEntities&) { line << orvik::detail::UnsignedText(value).View(); }
+void AppendElement(ShortText& line, WORD value, const XmlEntities&) { line << orvik::detail::UnsignedText(value).View(); }
 
-struct Kind {
-    const char* tag;
-    const CRuntimeClass* known;
-    INT_PTR (*join)(const CObject* object, ShortText& text);
-};
-// Arrays of bytes and of 32-bit integers have no tag and stay out of XML files, on purpose.
-const Kind kKinds[] = {
-    {"str", RUNTIME_CLASS(CStringArray), Join<CStringArray>}, {"u16", RUNTIME_CLASS(CWordArray), Join<CWordArray>},
-    {"u32", RUNTIME_CLASS(CDWordArray), Join<CDWordArray>},   {"r32", RUNTIME_CLASS(CFloatArray), Join<CFloatArray>},
-    {"r64", RUNTIME_CLASS(CDoubleArray), Join<CDoubleArray>}, {"i64", RUNTIME_CLASS(CInt64Array), Join<CInt64Array>},
-};
+// The tag of each class; null for arrays of bytes and of 32-bit integers, which stay out of XML files, on purpose.
+constexpr const char* TagOf(const CStringArray*) { return "str"; }
+constexpr const char* TagOf(const CWordArray*) { return "u16"; }
+constexpr const char* TagOf(const CDWordArray*) { return "u32"; }
+constexpr const char* TagOf(const CFloatArray*) { return "r32"; }
+constexpr const char* TagOf(const CDoubleArray*) { return "r64"; }
+constexpr const char* TagOf(const CInt64Array*) { return "i64"; }
+constexpr const char* TagOf(const CObject*) { return nullptr; }
 }  // namespace
 
 BOOL CPropertyDB::SaveAsXML(CFile* pFile) {
     CXMLWriter writer(pFile);
     writer.BeginTag("PROPERTYDB");
-    WriteXMLNodes(&m_root, writer);
+    if (!WriteXMLNodes(&m_root, writer)) return FALSE;
     writer.EndTag();
     return TRUE;
 }
 
-// Depth first in the order in which the entries came, with a list of its own instead of the call stack.
-void CPropertyDB::WriteXMLNodes(CMapStringToOb* node, CXMLWriter& writer) {
+// Depth first in the order in which the entries came, with a list of its own instead of the call stack. False for a tree that
+// could not be loaded again.
+bool CPropertyDB::WriteXMLNodes(CMapStringToOb* node, CXMLWriter& writer) {
     struct Level {
         const CMapStringToOb* node;
         POSITION at;
     };
     std::vector<Level> levels{{node, node->GetStartPosition()}};
-    ShortText text;
     for (;;) {
         Level& level = levels.back();
         if (!level.at) {
             levels.pop_back();
-            if (levels.empty()) return;
+            if (levels.empty()) return true;
             writer.EndTag();
             continue;
         }
@@ -76,24 +61,29 @@ void CPropertyDB::WriteXMLNodes(CMapStringToOb* node, CXMLWriter& writer) {
         CObject* child = nullptr;
         level.node->GetNextAssoc(level.at, name, child);
         if (!child) continue;
+        if (levels.size() > orvik::detail::kMaxFileDepth) return false;
         if (const CMapStringToOb* const inner = AsNode(child)) {
             writer.BeginTag("PATH");
             writer.WriteAttr("name", name);
             levels.push_back({inner, inner->GetStartPosition()});
             continue;
         }
-        for (const Kind& kind : kKinds) {
-            if (child->GetRuntimeClass() != kind.known) continue;
-            text.Clear();
-            const INT_PTR size = kind.join(child, text);
-            writer.BeginTag("PROPERTY");
-            writer.WriteAttr("name", name);
-            writer.WriteAttr("type", kind.tag);
-            writer.WriteAttr("size", orvik::detail::IntegerText(size).View());
-            writer.WriteText(text.View());
-            writer.EndTag();
-            break;
-        }
+        orvik::detail::WithValueClass(child->GetRuntimeClass(), [&](auto* none) {
+            using Array = std::remove_pointer_t<decltype(none)>;
+            if constexpr (TagOf(static_cast<const Array*>(nullptr)) != nullptr) {
+                const auto& array = static_cast<const Array&>(*child);
+                const INT_PTR size = array.GetSize();
+                writer.WriteElement(
+                    "PROPERTY", {{"name", name}, {"type", TagOf(&array)}, {"size", orvik::detail::IntegerText(size).View()}},
+                    // The elements joined by ";", and nothing more: a text that holds a ";" reads back as several.
+                    [&](ShortText& line, const XmlEntities& entities) {
+                        for (INT_PTR index = 0; index < size; ++index) {
+                            if (index > 0) line << kElementSeparator;
+                            AppendElement(line, array.GetData()[index], entities);
+                        }
+                    });
+            }
+        });
     }
 }
 

@@ -10,12 +10,13 @@ namespace orvik::detail {
 // Where the first separator of a key stands; npos when the whole key is one segment: it has no "." outside quotes, begins with
 // one, or has a quote that does not end before the first one.
 inline size_t FindSeparator(std::string_view key) {
-    size_t at = 0;
-    while ((at = key.find_first_of(".'\"", at)) != key.npos) {
-        if (key[at] == '.') return at == 0 ? key.npos : at;
-        at = key.find(key[at], at + 1);
-        if (at == key.npos) break;
-        ++at;
+    for (size_t at = 0; at < key.size(); ++at) {
+        const char ch = key[at];
+        if (ch == '.') return at == 0 ? key.npos : at;
+        if (ch == '\'' || ch == '"') {
+            at = key.find(ch, at + 1);
+            if (at == key.npos) break;
+        }
     }
     return key.npos;
 }

@@ -1,16 +1,23 @@
 #include "propdb/property_xml_reader.h"
 
 #include "propdb/property_db_internal.h"
+#include "propdb/property_tree.h"
 #include "xml/number_text.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace orvik::detail {
 namespace {
 constexpr std::string_view kRoot = "PROPERTYDB";
 constexpr std::string_view kNode = "PATH";
-constexpr std::string_view kValue = "PROPERTY";
 constexpr char kElementSeparator = ';';
+
+// Equality with a literal, compared in place.
+template <size_t Size>
+bool Is(std::string_view text, const char (&literal)[Size]) {
+    return text.size() == Size - 1 && !std::memcmp(text.data(), literal, Size - 1);
+}
 
 // Cuts the text behind the next separator off and returns what stood before it.
 std::string_view TakeElement(std::string_view& text) {
@@ -44,6 +51,7 @@ bool PropertyXmlReader::OnOpen(unsigned long depth, std::string_view name, const
         std::string_view node;
         if (!attributes.Find("name", node)) return false;
         m_database.BeginUsing(TerminatedName(node));
+        m_node = nullptr;
     } else if (name != kRoot) {
         return false;
     }
@@ -54,6 +62,7 @@ bool PropertyXmlReader::OnOpen(unsigned long depth, std::string_view name, const
 bool PropertyXmlReader::OnClose(unsigned long depth, std::string_view name) {
     if (name == kNode && depth > 0) {
         m_database.EndUsing();
+        m_node = nullptr;
     } else if (name == kRoot && depth == 0) {
         m_rootClosed = true;
     } else {
@@ -66,19 +75,18 @@ bool PropertyXmlReader::OnClose(unsigned long depth, std::string_view name) {
 bool PropertyXmlReader::OnTextElement(unsigned long depth, std::string_view element, const XmlAttributes& attributes,
                                       std::string_view text) {
     std::string_view name, type, size;
-    if (depth == 0 || element != kValue) return false;
+    if (depth == 0 || !Is(element, "PROPERTY")) return false;
     if (!attributes.Find("name", name) || !attributes.Find("type", type) || !attributes.Find("size", size)) return false;
 
-    const char* const key = TerminatedName(name);
     const auto integer = [](std::string_view number) { return ParseInteger(number); };
     const auto real = [](std::string_view number) { return ParseReal(number); };
     INT_PTR count = 0;
-    if (type == "str") return Announce(size, count) && ReadStrings(key, count, text);
-    if (type == "u16") return Announce(size, count) && ReadNumbers(m_words, key, count, text, integer);
-    if (type == "u32") return Announce(size, count) && ReadNumbers(m_dwords, key, count, text, integer);
-    if (type == "r32") return Announce(size, count) && ReadNumbers(m_floats, key, count, text, real);
-    if (type == "r64") return Announce(size, count) && ReadNumbers(m_doubles, key, count, text, real);
-    if (type == "i64") return Announce(size, count) && ReadNumbers(m_int64s, key, count, text, integer);
+    if (Is(type, "str")) return Announce(size, count) && ReadStrings(name, count, text);
+    if (Is(type, "u16")) return Announce(size, count) && ReadNumbers(m_words, name, count, text, integer);
+    if (Is(type, "u32")) return Announce(size, count) && ReadNumbers(m_dwords, name, count, text, integer);
+    if (Is(type, "r32")) return Announce(size, count) && ReadNumbers(m_floats, name, count, text, real);
+    if (Is(type, "r64")) return Announce(size, count) && ReadNumbers(m_doubles, name, count, text, real);
+    if (Is(type, "i64")) return Announce(size, count) && ReadNumbers(m_int64s, name, count, text, integer);
     return true;  // a type of another time
 }
 
@@ -93,7 +101,7 @@ bool PropertyXmlReader::Announce(std::string_view size, INT_PTR& count) {
 }
 
 // As many elements as the text holds: a text that was written as one and holds separators comes back as several.
-bool PropertyXmlReader::ReadStrings(const char* name, INT_PTR count, std::string_view text) {
+bool PropertyXmlReader::ReadStrings(std::string_view name, INT_PTR count, std::string_view text) {
     const INT_PTR held = text.empty() ? 0 : 1 + std::count(text.begin(), text.end(), kElementSeparator);
     m_strings.SetSize(std::max(count, held));
     for (INT_PTR index = 0; index < m_strings.GetSize(); ++index) m_strings.GetData()[index] = TakeElement(text);
@@ -102,7 +110,7 @@ bool PropertyXmlReader::ReadStrings(const char* name, INT_PTR count, std::string
 }
 
 template <class Array, class Parse>
-bool PropertyXmlReader::ReadNumbers(Array& array, const char* name, INT_PTR count, std::string_view text, Parse parse) {
+bool PropertyXmlReader::ReadNumbers(Array& array, std::string_view name, INT_PTR count, std::string_view text, Parse parse) {
     using Element = std::remove_reference_t<decltype(array[0])>;
     array.SetSize(count);
     for (INT_PTR index = 0; index < count; ++index) {
@@ -110,18 +118,38 @@ bool PropertyXmlReader::ReadNumbers(Array& array, const char* name, INT_PTR coun
             std::fill(array.GetData() + index, array.GetData() + count, Element{});
             break;
         }
-        array.GetData()[index] = static_cast<Element>(parse(TakeElement(text)));
+        // The parsers stop at a separator themselves, so the last element need not be cut off.
+        array.GetData()[index] = static_cast<Element>(parse(index + 1 == count ? text : TakeElement(text)));
     }
     Store(name, array);
     return true;
 }
 
-// Large arrays are not kept: as much memory again as the tree takes would be too much. A key of another kind stays as it is.
+// Stores relative to the using path. The path is walked for the first value of a node; the others go straight to it, unless a
+// quote in the path may reach into the key, or a derived class wants to see the calls. A key of another kind stays as it is.
+// Large arrays are not kept: as much memory again as the tree takes would be too much.
 template <class Array>
-void PropertyXmlReader::Store(const char* name, Array& array) {
+void PropertyXmlReader::Store(std::string_view name, Array& array) {
     constexpr INT_PTR kSmall = 256;
-    m_database.SetMoving(name, array);
+    if (m_node && !name.empty()) {
+        CObject** const entry = CPropertyDB::MakeEntry(*m_node, name);
+        if (entry && !*entry) *entry = new Array;
+        if (entry && (*entry)->GetRuntimeClass() == Array::GetThisClass()) {
+            static_cast<Array&>(**entry).Swap(array);
+            m_database.m_bModified = TRUE;
+        }
+    } else {
+        m_database.SetMoving(TerminatedName(name), array);
+        FindNode();
+    }
     if (array.GetSize() > kSmall) array.RemoveAll();
+}
+
+void PropertyXmlReader::FindNode() {
+    const std::string_view path = m_database.m_strUsing.GetView();
+    CObject* found = nullptr;
+    if (m_database.IsOverridden() || path.find_first_of("'\"") != path.npos) return;
+    if (m_database.Walk(path.substr(0, path.empty() ? 0 : path.size() - 1), found)) m_node = AsNode(found);
 }
 
 const char* PropertyXmlReader::TerminatedName(std::string_view name) {

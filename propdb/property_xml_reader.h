@@ -27,16 +27,19 @@ private:
     bool OnClose(unsigned long depth, std::string_view name) override;
 
     bool Announce(std::string_view size, INT_PTR& count);
-    bool ReadStrings(const char* name, INT_PTR count, std::string_view text);
+    bool ReadStrings(std::string_view name, INT_PTR count, std::string_view text);
+    void FindNode();
     template <class Array>
-    void Store(const char* name, Array& array);
+    void Store(std::string_view name, Array& array);
     template <class Array, class Parse>
-    bool ReadNumbers(Array& array, const char* name, INT_PTR count, std::string_view text, Parse parse);
+    bool ReadNumbers(Array& array, std::string_view name, INT_PTR count, std::string_view text, Parse parse);
     const char* TerminatedName(std::string_view name);
 
     CPropertyDB& m_database;
     CFile& m_file;
     XmlEntities m_entities;
+    // The node of the using path, once a value has been stored there and if the path can be cut from the key; see Store.
+    CMapStringToOb* m_node = nullptr;
     ULONGLONG m_elementsLeft = 0;  // that may still be announced
     unsigned m_open = 0;
     bool m_rootClosed = false;
