@@ -8,12 +8,12 @@
 #include <cstdlib>
 
 // A benchmark whose work is wrong has no figure: it ends the run.
-#define BENCH_REQUIRE(condition)                                                                               \
-    do {                                                                                                       \
-        if (!(condition)) {                                                                                    \
-            std::fprintf(stderr, "%s:%d: wrong result: %s\n", __FILE__, __LINE__, #condition);                 \
-            std::abort();                                                                                      \
-        }                                                                                                      \
+#define BENCH_REQUIRE(condition)                                                               \
+    do {                                                                                       \
+        if (!(condition)) {                                                                    \
+            std::fprintf(stderr, "%s:%d: wrong result: %s\n", __FILE__, __LINE__, #condition); \
+            std::abort();                                                                      \
+        }                                                                                      \
     } while (false)
 
 namespace bench {
