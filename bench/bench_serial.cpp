@@ -8,11 +8,13 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "comm/serial_wnd.h"
 
@@ -60,51 +62,99 @@ private:
     std::thread m_echo;
 };
 
-void RoundTripRaw(benchmark::State& state) {
-    Line line(true);
-    const int fd = open(line.Device(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    char byte = 'x';
-    for (auto _ : state) {
-        if (write(fd, &byte, 1) != 1) std::abort();
-        pollfd ready{fd, POLLIN, 0};
-        if (poll(&ready, 1, -1) != 1 || read(fd, &byte, 1) != 1) std::abort();
+// The three ways to make a round trip.
+class RawTrip {
+public:
+    explicit RawTrip(const Line& line) : m_fd(open(line.Device(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {}
+    ~RawTrip() { close(m_fd); }
+    void operator()() {
+        char byte = 'x';
+        pollfd ready{m_fd, POLLIN, 0};
+        if (write(m_fd, &byte, 1) != 1 || poll(&ready, 1, -1) != 1 || read(m_fd, &byte, 1) != 1) std::abort();
     }
-    close(fd);
-}
 
-void RoundTripPort(benchmark::State& state) {
-    Line line(true);
-    CSerial port;
-    if (port.Open(line.Device(), 0, 0, true) != 0 || port.SetupReadTimeouts(CSerial::ReadBlocking) != 0) std::abort();
-    char byte = 'x';
-    DWORD count = 0;
-    for (auto _ : state) {
-        if (port.Write(&byte, size_t{1}, &count, nullptr, INFINITE) != 0) std::abort();
-        if (port.Read(&byte, 1, &count, nullptr, INFINITE) != 0 || count != 1) std::abort();
+private:
+    int m_fd;
+};
+
+class PortTrip {
+public:
+    explicit PortTrip(const Line& line) {
+        if (m_port.Open(line.Device(), 0, 0, true) != 0 || m_port.SetupReadTimeouts(CSerial::ReadBlocking) != 0) std::abort();
     }
-}
+    void operator()() {
+        char byte = 'x';
+        DWORD count = 0;
+        if (m_port.Write(&byte, size_t{1}, &count, nullptr, INFINITE) != 0) std::abort();
+        if (m_port.Read(&byte, 1, &count, nullptr, INFINITE) != 0 || count != 1) std::abort();
+    }
 
-void RoundTripListener(benchmark::State& state) {
-    WNDCLASSA about{};
-    about.lpfnWndProc = ::DefWindowProcA;
-    about.lpszClassName = "bench";
-    ::RegisterClassA(&about);
-    const HWND window = ::CreateWindowExA(0, "bench", "", WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE, nullptr, about.hInstance, nullptr);
-    Line line(true);
-    CSerialWnd port;
-    if (port.Open(line.Device(), window, 0, 0, 0, 0) != 0) std::abort();
-    char byte = 'x';
-    DWORD count = 0;
-    for (auto _ : state) {
-        if (port.Write(&byte, size_t{1}, &count, nullptr, INFINITE) != 0) std::abort();
+private:
+    CSerial m_port;
+};
+
+class ListenerTrip {
+public:
+    explicit ListenerTrip(const Line& line) {
+        WNDCLASSA about{};
+        about.lpfnWndProc = ::DefWindowProcA;
+        about.lpszClassName = "bench";
+        ::RegisterClassA(&about);
+        m_window = ::CreateWindowExA(0, "bench", "", WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        if (m_port.Open(line.Device(), m_window, 0, 0, 0, 0) != 0) std::abort();
+    }
+    ~ListenerTrip() {
+        m_port.Close();
+        ::DestroyWindow(m_window);
+    }
+    void operator()() {
+        char byte = 'x';
+        DWORD count = 0;
+        if (m_port.Write(&byte, size_t{1}, &count, nullptr, INFINITE) != 0) std::abort();
         do {
             MSG message;
-            if (::GetMessageA(&message, window, 0, 0) <= 0 || message.wParam != CSerial::EventReceived) std::abort();
-            if (port.Read(&byte, 1, &count, nullptr, INFINITE) != 0) std::abort();
+            if (::GetMessageA(&message, m_window, 0, 0) <= 0 || message.wParam != CSerial::EventReceived) std::abort();
+            if (m_port.Read(&byte, 1, &count, nullptr, INFINITE) != 0) std::abort();
         } while (count == 0);
     }
-    port.Close();
-    ::DestroyWindow(window);
+
+private:
+    HWND m_window = nullptr;
+    CSerialWnd m_port;
+};
+
+double Median(std::vector<double> values) {
+    std::nth_element(values.begin(), values.begin() + static_cast<ptrdiff_t>(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+// How long a wake-up takes depends on what the machine does besides, by a factor of three and more. So the ways take turns, a
+// few trips each, and a ratio is the median of the ratios within one turn.
+void RoundTrips(benchmark::State& state) {
+    constexpr int trips = 25;
+    Line lines[] = {Line(true), Line(true), Line(true)};
+    RawTrip raw(lines[0]);
+    PortTrip port(lines[1]);
+    ListenerTrip listener(lines[2]);
+    const auto measure = [](auto& trip) {
+        trip();  // the machine has just done something else
+        const auto start = std::chrono::steady_clock::now();
+        for (int i = 0; i < trips; ++i) trip();
+        return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count() / trips;
+    };
+    std::vector<double> byRaw, byPort, byListener, portRatio, listenerRatio;
+    for (auto _ : state) {
+        byRaw.push_back(measure(raw));
+        byPort.push_back(measure(port));
+        byListener.push_back(measure(listener));
+        portRatio.push_back(byPort.back() / byRaw.back());
+        listenerRatio.push_back(byListener.back() / byRaw.back());
+    }
+    state.counters["raw_ns"] = Median(byRaw);
+    state.counters["port_ns"] = Median(byPort);
+    state.counters["listener_ns"] = Median(byListener);
+    state.counters["port/raw"] = Median(portRatio);
+    state.counters["listener/raw"] = Median(listenerRatio);
 }
 
 // One byte that has come in already, in a port's receive buffer; beside it, the same from the system.
@@ -147,9 +197,7 @@ void ReadReceivedRaw(benchmark::State& state) {
     close(fd);
 }
 
-BENCHMARK(RoundTripRaw)->UseRealTime();
-BENCHMARK(RoundTripPort)->UseRealTime();
-BENCHMARK(RoundTripListener)->UseRealTime();
+BENCHMARK(RoundTrips)->Iterations(300)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(ReadReceivedRaw)->UseManualTime()->Iterations(300);
 BENCHMARK(ReadReceivedPort)->ArgName("overlapped")->Arg(1)->Arg(0)->UseManualTime()->Iterations(300);
 }  // namespace
