@@ -194,6 +194,7 @@ UINT RegisterWindowMessageA(LPCSTR text) {
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (window == nullptr) return PostThreadMessageA(CurrentQueue().thread, message, wParam, lParam);
     const MSG posted = NewMessage(window, message, wParam, lParam);
+    const WakeAfterwards wakes;
     const std::lock_guard kernel(KernelLock());
     const Window* target = FindWindowOf(window);
     return Finish(target == nullptr ? ERROR_INVALID_WINDOW_HANDLE : Post(QueueOf(target->thread), posted));
@@ -201,6 +202,7 @@ BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 
 BOOL PostThreadMessageA(DWORD threadId, UINT message, WPARAM wParam, LPARAM lParam) {
     const MSG posted = NewMessage(nullptr, message, wParam, lParam);
+    const WakeAfterwards wakes;
     const std::lock_guard kernel(KernelLock());
     return Finish(Post(QueueOf(threadId), posted));
 }

@@ -22,7 +22,30 @@ void FutexWait(std::atomic<uint32_t>& word, int64_t deadline) {
     syscall(SYS_futex, &word, FUTEX_WAIT_BITSET_PRIVATE, 0, deadline == kNever ? nullptr : &until, nullptr,
             FUTEX_BITSET_MATCH_ANY);
 }
+
+// A thread that has ended meanwhile leaves an address without sleepers, or none at all: either is harmless.
+void FutexWake(std::atomic<uint32_t>& word) { syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0); }
+
+thread_local WakeAfterwards* t_afterwards = nullptr;
 }  // namespace
+
+WakeAfterwards::WakeAfterwards() {
+    if (t_afterwards == nullptr) t_afterwards = this;
+}
+
+WakeAfterwards::~WakeAfterwards() {
+    if (t_afterwards != this) return;  // within another scope, which holds them
+    t_afterwards = nullptr;
+    for (size_t i = 0; i < m_count; ++i) FutexWake(*m_futexes[i]);
+}
+
+WakeAfterwards* WakeAfterwards::Current() { return t_afterwards; }
+
+bool WakeAfterwards::Add(std::atomic<uint32_t>& futex) {
+    if (m_count == kMost) return false;
+    m_futexes[m_count++] = &futex;
+    return true;
+}
 
 Waiter& Waiter::Current() {
     thread_local Waiter waiter;
@@ -40,7 +63,8 @@ void Waiter::Wake() {
         const uint64_t one = 1;
         if (!m_written && m_eventFd >= 0) m_written = write(m_eventFd, &one, sizeof one) == sizeof one;
     } else if (m_signal.exchange(1, std::memory_order_release) == 0) {
-        syscall(SYS_futex, &m_signal, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
+        WakeAfterwards* const scope = WakeAfterwards::Current();
+        if (scope == nullptr || !scope->Add(m_signal)) FutexWake(m_signal);
     }
 }
 
@@ -98,6 +122,7 @@ void Waitable::WakeWaiters() {
 
 void Event::Set() {
     if (IsSignalled()) return;
+    const WakeAfterwards wakes;
     const std::lock_guard kernel(KernelLock());
     m_signalled.store(true, std::memory_order_release);
     WakeWaiters();

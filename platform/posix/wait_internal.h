@@ -30,6 +30,26 @@ public:
     virtual void Serve(short readyEvents) = 0;
 };
 
+// While it lives, threads that sleep on a futex and that this thread wakes are started only at its end. Made before the kernel
+// lock is taken, it lets them run into a lock that is free: a thread that must wait for it at once pays for a second sleep.
+class WakeAfterwards {
+public:
+    WakeAfterwards();
+    ~WakeAfterwards();
+    WakeAfterwards(const WakeAfterwards&) = delete;
+    WakeAfterwards& operator=(const WakeAfterwards&) = delete;
+
+    // The scope of the calling thread, null outside any.
+    static WakeAfterwards* Current();
+    // False when there is no room for another one.
+    bool Add(std::atomic<uint32_t>& futex);
+
+private:
+    static constexpr size_t kMost = 4;
+    std::atomic<uint32_t>* m_futexes[kMost];
+    size_t m_count = 0;
+};
+
 // A thread's place to sleep. It sleeps on a futex, or in poll when it has sources to serve.
 class Waiter {
 public:
