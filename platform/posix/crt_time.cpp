@@ -39,6 +39,11 @@ void DateFromDays(long long days, SYSTEMTIME& to) {
     to.wMonth = static_cast<WORD>(marchMonth < 10 ? marchMonth + 3 : marchMonth - 9);
     to.wYear = static_cast<WORD>(yearOfEra + era * 400 + (to.wMonth <= 2));
 }
+// Times at the end of what the 64 bits hold wrap, and are then no dates.
+FILETIME Shifted(const FILETIME& t, long long seconds) {
+    const ULONGLONG units = static_cast<ULONGLONG>(ToUnits(t)) + static_cast<ULONGLONG>(seconds * kUnitsPerSecond);
+    return FromUnits(static_cast<long long>(units));
+}
 unsigned DaysInMonth(unsigned year, unsigned month) {
     static constexpr unsigned char kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
@@ -162,13 +167,13 @@ BOOL FileTimeToSystemTime(const FILETIME* file, SYSTEMTIME* system) {
 
 BOOL LocalFileTimeToFileTime(const FILETIME* local, FILETIME* utc) {
     if (!local || !utc) return Invalid();
-    *utc = FromUnits(ToUnits(*local) - BiasNow() * kUnitsPerSecond);
+    *utc = Shifted(*local, -BiasNow());
     return TRUE;
 }
 
 BOOL FileTimeToLocalFileTime(const FILETIME* utc, FILETIME* local) {
     if (!utc || !local) return Invalid();
-    *local = FromUnits(ToUnits(*utc) + BiasNow() * kUnitsPerSecond);
+    *local = Shifted(*utc, BiasNow());
     return TRUE;
 }
 

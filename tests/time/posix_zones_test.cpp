@@ -94,3 +94,16 @@ TEST_P(Zones, WeeksAndDaysNeverHang) {
         EXPECT_LE(next - floor, CVXTTimeSpan(9, TST_DAYS));
     }
 }
+
+// Their local form may lie outside what a file time can count, and is no date then.
+TEST_P(Zones, FileTimesAtEitherEndLeaveTheDateAlone) {
+    for (const FILETIME file : {FILETIME{0xFFFFFFFF, 0x7FFFFFFF}, FILETIME{0, 0}, FILETIME{0, 0x80000000}}) {
+        CVXTTime time(2023, 4, 5, 6, 7, 8, -1);
+        time.SetFileTime(&file);
+        int year = 0, month = 0, day = 0;
+        time.GetDate(&year, &month, &day);
+        EXPECT_EQ(year, 2023);
+        EXPECT_EQ(month, 4);
+        EXPECT_EQ(day, 5);
+    }
+}
