@@ -1,7 +1,9 @@
 #include "platform/posix/modules.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <link.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,11 +12,38 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "platform/posix/errors.h"
 #include "platform/posix/text.h"
 
 using namespace orvik::detail;
+
+namespace {
+// Whether every segment that the loader will map lies inside the file. The loader itself does not look: the pages of a file that
+// was cut short end the process when they are touched. What is wrong otherwise, and any other kind of file, is left to it.
+bool IsWhole(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0) return true;
+    struct stat info = {};
+    ElfW(Ehdr) head = {};
+    bool whole = true;
+    if (fstat(file, &info) == 0 && S_ISREG(info.st_mode) && pread(file, &head, sizeof head, 0) == sizeof head &&
+        std::memcmp(head.e_ident, ELFMAG, SELFMAG) == 0 && head.e_phentsize == sizeof(ElfW(Phdr))) {
+        const auto size = static_cast<uint64_t>(info.st_size);
+        std::vector<ElfW(Phdr)> segments(head.e_phnum);
+        const size_t bytes = segments.size() * sizeof(ElfW(Phdr));
+        whole = head.e_phoff <= size &&
+                pread(file, segments.data(), bytes, static_cast<off_t>(head.e_phoff)) == static_cast<ssize_t>(bytes);
+        for (const ElfW(Phdr) & segment : segments) {
+            if (segment.p_type != PT_LOAD) continue;
+            whole = whole && segment.p_offset <= size && segment.p_filesz <= size - segment.p_offset;
+        }
+    }
+    close(file);
+    return whole;
+}
+}  // namespace
 
 HMODULE LoadLibraryA(LPCSTR path) {
     if (path == nullptr || *path == 0) {
@@ -25,6 +54,10 @@ HMODULE LoadLibraryA(LPCSTR path) {
     // A path is looked at first, since dlopen tells its failures apart in words only.
     if (name.find('/') != std::string::npos && access(name.c_str(), R_OK) != 0) {
         SetLastError(ErrorFromErrno(errno));
+        return nullptr;
+    }
+    if (!IsWhole(name)) {
+        SetLastError(ERROR_BAD_FORMAT);
         return nullptr;
     }
     void* library = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
