@@ -19,13 +19,13 @@ BOOL WINAPI OnStop(DWORD) {
 StopRequest::StopRequest(ILogger* logger) {
     std::lock_guard lock(g_loggerLock);
     g_logger = logger;
-    SetConsoleCtrlHandler(OnStop, TRUE);
+    static const BOOL s_installed = SetConsoleCtrlHandler(OnStop, TRUE);
+    static_cast<void>(s_installed);
 }
 
 StopRequest::~StopRequest() {
     std::lock_guard lock(g_loggerLock);
     g_logger = nullptr;
-    SetConsoleCtrlHandler(OnStop, FALSE);
 }
 
 bool StopRequest::Asked() { return g_asked; }

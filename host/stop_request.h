@@ -1,4 +1,6 @@
-// The user's wish to stop (Ctrl+C, or the system asking the program to end), seen by long work while this object lives.
+// The user's wish to stop (Ctrl+C, or the system asking the program to end). Long work makes such an object and looks at Asked
+// now and then. From the first one on, the wish no longer ends the process at once, so that what the work has gathered is stored
+// whole, however often the user asks.
 #pragma once
 
 #include "host/logger_family.h"

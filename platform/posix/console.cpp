@@ -57,6 +57,9 @@ private:
         std::thread([this] { Serve(); }).detach();
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
             struct sigaction action = {};
+            // A program that was told to outlive its terminal (nohup) goes on doing so.
+            if (signal == SIGHUP && sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) continue;
+            action = {};
             action.sa_handler = [](int number) {
                 const char byte = static_cast<char>(number);
                 if (write(s_pipe[1], &byte, 1) < 0) _exit(128 + number);
@@ -102,6 +105,11 @@ BOOL GetConsoleMode(HANDLE stream, LPDWORD mode) {
 }
 
 BOOL SetConsoleOutputCP(UINT codePage) {
+    // A standard stream that the caller has closed leaves its number to the next file or port opened, and what is said to the
+    // user would land in there.
+    for (int stream = 0; stream <= 2; ++stream) {
+        if (fcntl(stream, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) break;
+    }
     if (codePage == CP_UTF8) return TRUE;
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
