@@ -1,7 +1,6 @@
 // demo: the main job on a simulated logger, with everything it leaves behind.
 #include <thread>
 
-#include "comm/comm_exception.h"
 #include "host/arguments.h"
 #include "host/commands.h"
 #include "host/database_file.h"
@@ -16,7 +15,7 @@ void MakeFolder(const std::string& folder) {
     const DWORD error = GetLastError();
     const DWORD attributes = GetFileAttributesA(folder.c_str());
     const bool there = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    if (!there) throw Failure{kFileFailed, Say(Text::FolderNotMade, {ToUtf8(folder), std::to_string(error)})};
+    if (!there) throw Failure{kFileFailed, Say(Text::FolderNotMade, {ToUtf8(folder), Reason(error)})};
 }
 
 // The simulated logger answers on a thread of its own while this object lives.
@@ -38,7 +37,7 @@ private:
 
 ExitCode RunDemo(CHostApp& app, const Words& words) {
     const Arguments arguments(words, {"--out", "--port"}, {}, 0);
-    const std::string folder = arguments.Get("--out", "out");
+    const std::string folder = arguments.Has("--out") ? arguments.Require("--out") : "out";
     CPropertyDB description;
     LoadLoggerDescription("", description);
 
@@ -46,10 +45,7 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
     DownloadPlan plan;
     plan.port = arguments.Get("--port");
     if (plan.port.empty()) {
-        ILoggerFamily* family = app.Plugins().Find("Modbus");
-        if (family == nullptr)
-            throw Failure{kWrongUse, Say(Text::NoFamily, {"Modbus", ToUtf8(PluginLibrary::Folders().front())})};
-        served = std::make_unique<Served>(std::unique_ptr<ILoggerSimulator>(family->CreateSimulator(description)));
+        served = std::make_unique<Served>(MakeSimulator(app, description));
         plan.port = served->PortName();
     }
     MakeFolder(folder);
@@ -68,7 +64,7 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
     }
     const bool traced = app.StopTrace();
     if (ended) throw *ended;
-    if (!traced) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(plan.traceFile), "0"})};
+    if (!traced) throw Failure{kFileFailed, Say(Text::TraceNotWhole, {ToUtf8(plan.traceFile)})};
     Print(session.Table());
     Print(Say(Text::FilesMade));
     for (const char* name : {"session.odb", "session.xml", "trace.txt"}) Print("  " + ToUtf8(folder) + "/" + name);

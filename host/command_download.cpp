@@ -17,9 +17,12 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     plan.timeout = arguments.Number("--timeout", 1, 600'000, plan.timeout);
     plan.traceFile = arguments.Get("--trace");
     plan.traceHex = arguments.Has("--hex");
+    if (plan.traceHex && plan.traceFile.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};
+    if (plan.traceFile == out) throw Failure{kWrongUse, Say(Text::OptionsSame, {"--out", "--trace"})};
 
     CPropertyDB description;
     LoadLoggerDescription(arguments.Get("--logger"), description);
+    RequireWritable(out);
     Session session(description, plan.port);
     const std::optional<Failure> ended = Download(app, description, plan, session);
     const std::string count = std::to_string(session.Count());
@@ -31,7 +34,7 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     const bool traced = app.StopTrace();
     if (ended && session.Count() > 0) throw Failure{ended->exitCode, Say(Text::Partial, {ended->sentence, count, ToUtf8(out)})};
     if (ended) throw *ended;
-    if (!traced) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(plan.traceFile), "0"})};
+    if (!traced) throw Failure{kFileFailed, Say(Text::TraceNotWhole, {ToUtf8(plan.traceFile)})};
     Print(Say(Text::Saved, {count, std::to_string(session.Channels().size()), ToUtf8(out)}));
     return kDone;
 }

@@ -2,12 +2,17 @@
 
 #include <cstdio>
 
+#include "host/texts.h"
 #include "platform/win32.h"
 
 void Print(std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
     std::fflush(stdout);
+}
+
+void FinishOutput() {
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) throw Failure{kFileFailed, Say(Text::OutputFailed)};
 }
 
 void PrintError(std::string_view sentence) {

@@ -14,6 +14,8 @@ struct Failure {
 
 // UTF-8 to standard output; a line end is added.
 void Print(std::string_view line);
+// A Failure if anything said so far could not be written. Ends a command that was otherwise successful.
+void FinishOutput();
 // To the error stream, after "orvikhost: ".
 void PrintError(std::string_view sentence);
 

@@ -7,6 +7,9 @@
 
 void LoadDatabase(const std::string& path, CPropertyDB& db);
 void StoreDatabase(const std::string& path, CPropertyDB& db);
+// Before long work whose result is to be stored at `path`: a Failure now if that is known to be impossible. What stands there
+// stays.
+void RequireWritable(const std::string& path);
 bool FileExists(const std::string& path);
 // True for names that the property database stores as XML.
 bool IsXmlName(const std::string& path);

@@ -4,18 +4,12 @@
 #include <chrono>
 
 #include "comm/comm_exception.h"
+#include "host/logger_file.h"
 #include "host/stop_request.h"
 #include "host/texts.h"
 
 namespace {
 using Clock = std::chrono::steady_clock;
-
-// Takes the object that a logger threw and gives what it says.
-std::string TakeMessage(CCommException* failure) {
-    const std::string text = ToUtf8(static_cast<const char*>(failure->m_strError));
-    failure->Delete();
-    return text;
-}
 
 // Handles this thread's messages until the time has come, or something happened that a reading must look at.
 void WaitUntil(Clock::time_point due, ILogger& logger) {
@@ -29,30 +23,21 @@ void WaitUntil(Clock::time_point due, ILogger& logger) {
     }
 }
 
-std::unique_ptr<ILogger> CreateLogger(CHostApp& app, CPropertyDB& description) {
-    CString family;
-    if (!description.GetValue("sFamily", family) || family.IsEmpty())
-        throw Failure{kWrongUse, Say(Text::DescriptionWrong, {"sFamily"})};
-    ILoggerFamily* plugin = app.Plugins().Find(static_cast<const char*>(family));
-    if (plugin == nullptr) {
-        throw Failure{kWrongUse,
-                      Say(Text::NoFamily, {ToUtf8(static_cast<const char*>(family)), ToUtf8(PluginLibrary::Folders().front())})};
-    }
-    try {
-        return std::unique_ptr<ILogger>(plugin->CreateLogger(description));
-    } catch (CCommException* failure) {
-        throw Failure{kWrongUse, Say(Text::DescriptionWrong, {TakeMessage(failure)})};
-    }
-}
-
 // The sentence for a port that could not be opened: the most telling one first.
 std::string WhyNotOpened(const std::string& port, CCommException* failure) {
     const std::string name = ToUtf8(port);
+    const bool refused = failure->m_nError == CCommException::DeviceNotOpen;
     const std::string text = TakeMessage(failure);
-    switch (CSerial::CheckPort(port.c_str())) {
-        case 1:
+    const DWORD attributes = GetFileAttributesA(port.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY)) return Say(Text::NoSerialPort, {name});
+    const CSerial::EPort found = CSerial::CheckPort(port.c_str());
+    // It opens, and is free, or knows nothing of lines.
+    if (refused && (found == CSerial::PortAvailable || GetLastError() == ERROR_INVALID_FUNCTION))
+        return Say(Text::NoSerialPort, {name});
+    switch (found) {
+        case CSerial::PortMissing:
             return Say(Text::PortMissing, {name});
-        case 2:
+        case CSerial::PortInUse:
             return Say(Text::PortInUse, {name});
         default:
             return Say(Text::PortFailed, {name, text});
@@ -61,7 +46,7 @@ std::string WhyNotOpened(const std::string& port, CCommException* failure) {
 }  // namespace
 
 std::optional<Failure> Download(CHostApp& app, CPropertyDB& description, const DownloadPlan& plan, Session& session) {
-    const std::unique_ptr<ILogger> logger = CreateLogger(app, description);
+    const std::unique_ptr<ILogger> logger = MakeLogger(app, description);
     if (!plan.traceFile.empty()) {
         app.StartTrace(plan.traceFile);
         logger->Port().m_bTraceEnabled = TRUE;

@@ -28,7 +28,7 @@ void CHostApp::StartTrace(const std::string& path) {
     auto file = std::make_unique<CFile>();
     CFileException failure;
     if (!file->Open(path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite, &failure)) {
-        throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), std::to_string(failure.m_lOsError)})};
+        throw Failure{kFileFailed, Say(Text::TraceNotMade, {ToUtf8(path), Reason(static_cast<DWORD>(failure.m_lOsError))})};
     }
     m_trace = std::move(file);
 }

@@ -1,6 +1,9 @@
 #include "host/logger_file.h"
 
+#include "comm/comm_exception.h"
+#include "host/console.h"
 #include "host/database_file.h"
+#include "host/texts.h"
 
 namespace {
 void AddChannel(CPropertyDB& db, const char* key, const char* name, const char* unit, unsigned short number, const char* type,
@@ -40,7 +43,42 @@ void DescribeEmbeddedLogger(CPropertyDB& db) {
     AddChannel(db, "4", "Wind speed", "km/h", 104, "uint32", "low", 0.2, 0);
     AddChannel(db, "5", "Level", "mm", 106, "int32", "high", 0.001, 0);
 }
+
+ILoggerFamily& FamilyOf(CHostApp& app, CPropertyDB& description) {
+    CString name;
+    if (!description.GetValue("sFamily", name) || name.IsEmpty())
+        throw Failure{kWrongUse, Say(Text::DescriptionWrong, {"sFamily"})};
+    const std::string family = static_cast<const char*>(name);
+    if (ILoggerFamily* const plugin = app.Plugins().Find(family)) return *plugin;
+    throw Failure{kWrongUse, Say(Text::NoFamily, {ToUtf8(family), ToUtf8(PluginLibrary::Folders().front())})};
+}
+
+// What `make` makes of the description, whose mistakes are the user's.
+template <class Made, class Make>
+std::unique_ptr<Made> MakeOf(Make make) {
+    try {
+        return std::unique_ptr<Made>(make());
+    } catch (CCommException* failure) {
+        throw Failure{kWrongUse, Say(Text::DescriptionWrong, {TakeMessage(failure)})};
+    }
+}
 }  // namespace
+
+std::string TakeMessage(CCommException* failure) {
+    const std::string text = ToUtf8(static_cast<const char*>(failure->m_strError));
+    failure->Delete();
+    return text;
+}
+
+std::unique_ptr<ILogger> MakeLogger(CHostApp& app, CPropertyDB& description) {
+    ILoggerFamily& family = FamilyOf(app, description);
+    return MakeOf<ILogger>([&] { return family.CreateLogger(description); });
+}
+
+std::unique_ptr<ILoggerSimulator> MakeSimulator(CHostApp& app, CPropertyDB& description) {
+    ILoggerFamily& family = FamilyOf(app, description);
+    return MakeOf<ILoggerSimulator>([&] { return family.CreateSimulator(description); });
+}
 
 void LoadLoggerDescription(const std::string& path, CPropertyDB& description) {
     if (path.empty()) {

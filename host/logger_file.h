@@ -1,9 +1,22 @@
-// The description of the logger to read: from a file, or of the logger that every installation has to practise on.
+// The description of the logger to read, from a file or of the logger that every installation has to practise on, and what the
+// plug-in of its family makes of it.
+// The user-interface thread only. What is made belongs to the caller, and must go before the application object does.
 #pragma once
 
+#include <memory>
 #include <string>
 
+#include "host/host_app.h"
 #include "propdb/property_db.h"
+
+class CCommException;
 
 // An empty path means the embedded logger. A Failure if the file is missing or no property database.
 void LoadLoggerDescription(const std::string& path, CPropertyDB& description);
+
+// A Failure if the description names no family, its plug-in cannot be used, or the plug-in cannot use the description.
+std::unique_ptr<ILogger> MakeLogger(CHostApp& app, CPropertyDB& description);
+std::unique_ptr<ILoggerSimulator> MakeSimulator(CHostApp& app, CPropertyDB& description);
+
+// Ends an exception that a logger threw and gives what it says, in UTF-8.
+std::string TakeMessage(CCommException* failure);

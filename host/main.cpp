@@ -42,7 +42,9 @@ int main(int argc, char** argv) {
         Words words;
         for (int i = 1; i < argc; ++i) words.push_back(HouseWord(argv[i]));
         CHostApp app;
-        return Run(app, std::move(words));
+        const ExitCode code = Run(app, std::move(words));
+        FinishOutput();
+        return code;
     } catch (const Failure& failure) {
         PrintError(failure.sentence);
         return failure.exitCode;
@@ -51,6 +53,9 @@ int main(int argc, char** argv) {
         failure->GetErrorMessage(text, sizeof text);
         failure->Delete();
         PrintError(ToUtf8(text));
+        return kFileFailed;
+    } catch (const std::bad_alloc&) {
+        PrintError(Say(Text::NoMemory));
         return kFileFailed;
     }
 }

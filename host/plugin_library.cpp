@@ -66,13 +66,13 @@ ILoggerFamily* PluginLibrary::Find(const std::string& family) {
 ILoggerFamily* PluginLibrary::Load(const std::string& path) {
     const HMODULE module = LoadLibraryA(path.c_str());
     const DWORD error = GetLastError();
-    if (module == nullptr) throw Failure{kWrongUse, Say(Text::PluginBroken, {ToUtf8(path), std::to_string(error)})};
+    if (module == nullptr) throw Failure{kWrongUse, Say(Text::PluginBroken, {ToUtf8(path), Reason(error)})};
     const auto entry =
         reinterpret_cast<OrvikPluginFamilyFunction>(reinterpret_cast<void*>(GetProcAddress(module, ORVIK_PLUGIN_FAMILY_NAME)));
     ILoggerFamily* family = entry == nullptr ? nullptr : entry();
     if (family == nullptr) {
         FreeLibrary(module);
-        throw Failure{kWrongUse, Say(Text::PluginBroken, {ToUtf8(path), std::to_string(ERROR_PROC_NOT_FOUND)})};
+        throw Failure{kWrongUse, Say(Text::PluginBroken, {ToUtf8(path), Reason(ERROR_PROC_NOT_FOUND)})};
     }
     CString name, version;
     OrvikCheckPlugin(path.c_str(), name, version);

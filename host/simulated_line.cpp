@@ -16,7 +16,7 @@ SimulatedLine::SimulatedLine(std::unique_ptr<ILoggerSimulator> simulator, LineFa
     : m_simulator(std::move(simulator)), m_fault(fault) {
     const DWORD error = m_port.Create(link.empty() ? nullptr : link.c_str());
     if (error == ERROR_NOT_SUPPORTED) throw Failure{kWrongUse, Say(Text::NoVirtualPorts)};
-    if (error != 0) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(link), std::to_string(error)})};
+    if (error != 0) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(link), Reason(error)})};
 }
 
 void SimulatedLine::Serve() {

@@ -38,6 +38,27 @@ std::string Say(Text text, std::initializer_list<std::string_view> arguments) {
     return out;
 }
 
+std::string Reason(unsigned long error) {
+    switch (error) {
+        case ERROR_PATH_NOT_FOUND:
+            return Say(Text::ReasonNoFolder);
+        case ERROR_ACCESS_DENIED:
+        case ERROR_WRITE_PROTECT:
+            return Say(Text::ReasonDenied);
+        case ERROR_FILE_EXISTS:
+        case ERROR_ALREADY_EXISTS:
+            return Say(Text::ReasonExists);
+        case ERROR_HANDLE_DISK_FULL:
+        case ERROR_DISK_FULL:
+            return Say(Text::ReasonDiskFull);
+        case ERROR_BAD_FORMAT:
+        case ERROR_BAD_EXE_FORMAT:
+            return Say(Text::ReasonDamaged);
+        default:
+            return Say(Text::ReasonOther, {std::to_string(error)});
+    }
+}
+
 namespace {
 // By way of UTF-16, in which the system's two conversions meet. `lossless` tells whether every character could be said.
 std::string Convert(std::string_view text, UINT from, UINT to, bool& lossless) {

@@ -14,6 +14,9 @@ enum class Text {
 // The text with %1, %2 ... replaced. An argument is never itself searched for places.
 std::string Say(Text text, std::initializer_list<std::string_view> arguments = {});
 
+// Why a file operation failed, for use inside a sentence, by the system's error code.
+std::string Reason(unsigned long error);
+
 // Between this house's Windows-1252 text and the terminal's UTF-8.
 std::string ToUtf8(std::string_view houseText);
 // False when the text holds characters that Windows-1252 lacks; `houseText` is then unchanged.

@@ -33,11 +33,16 @@ CString FullPath(const char* path) {
     }
 }
 
-// Runs what reports by framework exception and gives its success as a result.
+// Runs what reports by framework exception and gives its success as a result. What the system said of a file becomes the thread's
+// last error again, which cleaning up may have changed.
 template <class Work>
 bool Succeeds(Work work) {
     try {
         return work();
+    } catch (CFileException* failure) {
+        const LONG error = failure->m_lOsError;
+        failure->Delete();
+        if (error > 0) SetLastError(static_cast<DWORD>(error));
     } catch (CException* failure) {
         failure->Delete();
     } catch (const std::exception&) {

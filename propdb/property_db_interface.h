@@ -48,7 +48,8 @@ public:
     // To a file by name: the XML form for a name that ends in ".xml" (in any case), else the archive form. The file is replaced
     // as a whole and only once all is on the disk; a failure leaves the file that was there. A symbolic link stays and its target
     // is replaced; the target's permissions stay. With bIfModified nothing is written when the database is unmodified and `path`
-    // is the existing file that it was last loaded from or stored to.
+    // is the existing file that it was last loaded from or stored to. What the system said of a file that could not be written is
+    // the thread's last error.
     virtual BOOL StoreToFile(const char* path, int bIfModified) = 0;
     // Both loads add to what is there. After a failure the values read before it remain, and the using path is what it was
     // before. Neither raises an exception. A file that breaks off is a failure.

@@ -118,6 +118,17 @@ class WrongUse(HostTest):
         self.assertIn("twice", self.refused(1, "show", "--csv", "--csv", "x"))
         self.assertIn("more", self.refused(1, "show", "one", "more"))
         self.assertIn("FILE", self.refused(1, "show"))
+        self.assertIn("--trace", self.refused(1, "download", "--port", "COM1", "--out", "x.odb", "--hex"))
+        self.assertIn("same file", self.refused(1, "download", "--port", "COM1", "--out", "x.odb", "--trace", "x.odb"))
+        self.assertIn("--out", self.refused(1, "demo", "--out", ""))
+
+    def test_output_that_cannot_be_written_is_no_success(self):
+        if options.wine:
+            return  # Windows has no device that is always full
+        with open("/dev/full", "w") as full:
+            done = subprocess.run(self.command("--help"), env=self.environment(), stdout=full, stderr=subprocess.PIPE, encoding="utf-8")
+        self.assertEqual(done.returncode, 3, done.stderr)
+        self.assertEqual(len(done.stderr.splitlines()), 1)
 
     def test_swedish_users_read_swedish(self):
         sentence = self.refused(1, "frobnicate", language="sv_SE.UTF-8")
@@ -193,9 +204,26 @@ class Download(HostTest):
             fcntl.flock(holder, fcntl.LOCK_EX)
             self.assertIn("in use", self.refused(2, "download", "--port", port, "--out", "s.odb"))
 
+    def test_what_is_no_port(self):
+        if options.wine:
+            return  # a path of a file is no port's name there
+        plain = self.folder / "plain"
+        plain.write_text("a file")
+        for name in (plain, self.folder, "/dev/null"):
+            sentence = self.refused(2, "download", "--port", name, "--out", "s.odb", "--count", 1)
+            self.assertIn(f"{name} is no serial port", sentence)
+        self.assertEqual(plain.read_text(), "a file")
+        self.assertFalse((self.folder / "s.odb").exists())
+
     def test_a_place_that_cannot_be_written(self):
+        # Known before the first reading: with no logger at the port there is only this to complain about.
+        port = "COM250"
+        self.assertIn("no such folder", self.refused(3, "download", "--port", port, "--out", "no/such/folder/s.odb", "--count", 1))
+        (self.folder / "folder").mkdir()
+        self.assertIn("folder", self.refused(3, "download", "--port", port, "--out", "folder", "--count", 1))
+        if not options.wine:
+            self.assertIn("/dev/full", self.refused(3, "download", "--port", port, "--out", "/dev/full", "--count", 1))
         port = self.simulate()
-        self.assertIn("s.odb", self.refused(3, "download", "--port", port, "--out", "no/such/folder/s.odb", "--count", 1))
         self.assertIn("t.txt", self.refused(3, "download", "--port", port, "--out", "s.odb", "--trace", "no/such/t.txt"))
 
     def test_own_descriptions(self):
@@ -227,6 +255,41 @@ class Download(HostTest):
         self.assertEqual(process.returncode, 2, said)
         self.assertGreater(len(self.readings("s.odb")), 2)
 
+    def test_asking_again_does_not_interrupt_the_saving(self):
+        if options.wine:
+            return  # as above
+        process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", "s.odb", "--count", 100000, "--interval", 0),
+                                   cwd=self.folder, env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8")
+        time.sleep(1)
+        while process.poll() is None:
+            process.send_signal(signal.SIGINT)
+            time.sleep(0.002)
+        self.assertEqual(process.returncode, 2, process.stderr.read())
+        process.stderr.close()
+        self.assertGreater(len(self.readings("s.odb")), 2)
+        self.assertEqual([path.name for path in self.folder.iterdir()], ["s.odb"])
+
+    def test_a_download_outlives_its_terminal_when_told_to(self):
+        if options.wine:
+            return  # as above
+        process = subprocess.Popen(["nohup", *self.command("download", "--port", self.simulate(), "--out", "s.odb", "--count", 100, "--interval", 20)],
+                                   cwd=self.folder, env=self.environment(), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        time.sleep(1)
+        process.send_signal(signal.SIGHUP)
+        self.assertEqual(process.wait(timeout=20), 0)
+        self.assertEqual(len(self.readings("s.odb")), 101)
+
+    def test_closed_streams_leave_the_files_alone(self):
+        if options.wine:
+            return  # Wine opens the streams again by itself
+        port = self.simulate()
+        call = self.command("download", "--port", port, "--out", "s.odb", "--count", 3, "--interval", 20, "--trace", "t.txt", "--hex")
+        script = 'exec "$@" <&- >&- 2>&-'
+        done = subprocess.run(["sh", "-c", script, "sh", *call], cwd=self.folder, env=self.environment())
+        self.assertEqual(done.returncode, 0)
+        self.assertNotIn("saved", (self.folder / "t.txt").read_text(encoding="cp1252"))
+        self.assertEqual(len(self.readings("s.odb")), 4)
+
 
 class Plugins(HostTest):
     def test_another_version_is_refused_by_name_and_version(self):
@@ -241,6 +304,9 @@ class Plugins(HostTest):
         sentence = self.refused(1, "download", "--port", "COM9", "--out", "s.odb", ORVIK_PLUGINS=name)
         for word in (source.name, "0.9.7", "1.0.0"):
             self.assertIn(word, sentence)
+        # One that is cut short behind its stamp is damaged, whatever the loader would make of it.
+        (folder / source.name).write_bytes(data[:max(at + 64, len(data) // 2)])
+        self.assertIn("cannot be loaded", self.refused(1, "download", "--port", "COM9", "--out", "s.odb", ORVIK_PLUGINS=name))
         (folder / source.name).write_bytes(b"no plug-in at all")
         self.assertIn("Modbus", self.refused(1, "download", "--port", "COM9", "--out", "s.odb", ORVIK_PLUGINS=name))
 
@@ -276,6 +342,9 @@ class Databases(HostTest):
         self.assertIn("nothing", self.refused(1, "db", "get", "a.xml", "nothing"))
         self.assertIn("zap", self.refused(1, "db", "set", "a.xml", "z", "1", "--kind", "zap"))
         self.assertIn("none.xml", self.refused(3, "db", "list", "none.xml"))
+        (self.folder / "folder").mkdir()
+        self.assertIn("folder", self.refused(3, "db", "list", "folder"))
+        self.assertIn("access denied", self.refused(3, "db", "convert", "a.xml", "folder"))
 
     def test_a_damaged_file_is_refused_and_left_alone(self):
         self.host("db", "set", "a.odb", "k", "some text")
