@@ -28,7 +28,7 @@ void CMapStringToOb::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
         ar.WriteCount(m_table.Count());
         for (uint32_t i = m_table.Next(0); i != Table::kNone; i = m_table.Next(i + 1)) {
-            ar << static_cast<const CString&>(m_table.At(i).key);
+            ar << CString(m_table.At(i).key.GetView());
             ar.WriteObject(m_table.At(i).value);
         }
         return;
@@ -53,7 +53,7 @@ void CMapStringToString::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
         ar.WriteCount(m_table.Count());
         for (uint32_t i = m_table.Next(0); i != Table::kNone; i = m_table.Next(i + 1))
-            ar << static_cast<const CString&>(m_table.At(i).key) << static_cast<const CString&>(m_table.At(i).value);
+            ar << CString(m_table.At(i).key.GetView()) << static_cast<const CString&>(m_table.At(i).value);
         return;
     }
     DWORD_PTR left = ar.ReadCount();

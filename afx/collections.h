@@ -5,6 +5,7 @@
 #pragma once
 
 #include "afx/dictionary.h"
+#include "afx/map_key.h"
 #include "afx/object.h"
 #include "afx/position.h"
 #include "afx/string.h"
@@ -13,8 +14,8 @@ namespace orvik::detail {
 struct StringKeyTraits {
     using Probe = std::string_view;
     static uint32_t Hash(std::string_view text) { return HashBytes(text.data(), text.size(), HashSeed()); }
-    static bool Equal(const CString& key, std::string_view text) { return key.GetView() == text; }
-    static CString Make(std::string_view text) { return CString(text); }
+    static bool Equal(const MapKey& key, std::string_view text) { return key.GetView() == text; }
+    static MapKey Make(std::string_view text) { return MapKey(text); }
 };
 inline std::string_view KeyView(LPCSTR key) { return key != nullptr ? std::string_view(key) : std::string_view(); }
 }  // namespace orvik::detail
@@ -38,11 +39,11 @@ public:
     }
     BOOL Lookup(LPCSTR key, VALUE& value) const { return Lookup(orvik::detail::KeyView(key), value); }
     BOOL Lookup(const CString& key, VALUE& value) const { return Lookup(key.GetView(), value); }
-    // The key's text as the map holds it, valid while the entry is there.
+    // The key's text as the map holds it, valid until an entry is added or this one removed.
     BOOL LookupKey(LPCSTR key, LPCSTR& stored) const {
         const uint32_t found = m_table.Find(orvik::detail::KeyView(key));
         if (found == Table::kNone) return FALSE;
-        stored = m_table.At(found).key;
+        stored = m_table.At(found).key.GetView().data();
         return TRUE;
     }
     // The value itself, for reading and writing, valid until an entry is added; null when the key is not there.
@@ -78,7 +79,7 @@ public:
         GetNextAssoc(position, view, value);
         key = view;
     }
-    // The same without copying the key, which stays valid while the entry is there.
+    // The same without copying the key, which stays valid until an entry is added or this one removed.
     void GetNextAssoc(POSITION& position, std::string_view& key, VALUE& value) const {
         const uint32_t number = ToNumber(position);
         if (number >= m_table.End() || m_table.At(number).live == 0) AfxThrowInvalidArgException();
@@ -91,7 +92,7 @@ public:
     void InitHashTable(UINT hashSize, BOOL = TRUE) { m_nHashTableSize = hashSize; }
 
 protected:
-    using Table = orvik::detail::Dictionary<CString, VALUE, orvik::detail::StringKeyTraits>;
+    using Table = orvik::detail::Dictionary<orvik::detail::MapKey, VALUE, orvik::detail::StringKeyTraits>;
     static POSITION ToPosition(uint32_t number) {
         return number == Table::kNone ? nullptr : reinterpret_cast<POSITION>(static_cast<UINT_PTR>(number) + 1);
     }

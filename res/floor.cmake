@@ -11,3 +11,5 @@ else()
 endif()
 set_source_files_properties(${ORVIK_RESOURCE_SOURCE} PROPERTIES OBJECT_DEPENDS "${ORVIK_RESOURCE_FILES}")
 target_sources(orvik_res PRIVATE ${ORVIK_RESOURCE_SOURCE})
+# The embedded files are named to the assembler, which link-time optimisation would run from elsewhere.
+set_target_properties(orvik_res PROPERTIES INTERPROCEDURAL_OPTIMIZATION OFF)

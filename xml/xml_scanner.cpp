@@ -8,7 +8,7 @@ namespace orvik::detail {
 namespace {
 constexpr size_t kBlock = 16384;  // bytes fetched at a time; longer pieces make the buffer grow
 
-enum : unsigned char { kWhite = 1, kLetterOrDigit = 2, kNameMark = 4 };
+enum : unsigned char { kWhite = 1, kLetterOrDigit = 2, kNameMark = 4, kValueStop = 8 };
 
 constexpr std::array<unsigned char, 256> CharacterKinds() {
     std::array<unsigned char, 256> kinds{};
@@ -16,6 +16,7 @@ constexpr std::array<unsigned char, 256> CharacterKinds() {
     for (unsigned ch = 0; ch < 26; ++ch) kinds['a' + ch] = kinds['A' + ch] = kLetterOrDigit;
     for (unsigned ch = 0; ch < 10; ++ch) kinds['0' + ch] = kLetterOrDigit;
     for (const unsigned char ch : {'.', '-', ':'}) kinds[ch] = kNameMark;
+    for (const unsigned char ch : {'"', '&', '\0'}) kinds[ch] = kValueStop;
     return kinds;
 }
 constexpr auto kKinds = CharacterKinds();
@@ -76,6 +77,7 @@ bool XmlScanner::ReadTag(unsigned long depth) {
     if (meta) Get();
 
     const size_t nameFrom = Offset();
+    SkipLastName();
     SkipKinds(kLetterOrDigit | kNameMark);
     const size_t nameTo = Offset();
     char ch = Get();
@@ -104,6 +106,7 @@ bool XmlScanner::ReadTag(unsigned long depth) {
     // From here on the buffer does not move until the event is over.
     m_attributes.m_base = m_buffer.get() + m_keep;
     const std::string_view name = Piece(nameFrom, nameTo);
+    if (name.size() != m_lastName.size()) m_lastName = name;
     m_open.push_back({m_names.size(), depth, depth});
     m_names += name;
     if (children) {
@@ -162,7 +165,7 @@ bool XmlScanner::ReadPlainAttribute(char& ch) {
     const char* const nameEnd = at;
     if (at[0] != '=' || at[1] != '"') return false;
     const char* const value = at += 2;
-    while (*at != '"' && *at != '&' && *at != 0) ++at;
+    while (!Is(*at, kValueStop)) ++at;
     if (*at != '"') return false;
     const char* const valueEnd = at++;
     while (Is(*at, kWhite)) ++at;
@@ -241,6 +244,12 @@ void XmlScanner::SkipKinds(unsigned char kinds) {
         while (Is(*at, kinds)) ++at;
         m_at = static_cast<size_t>(at - m_buffer.get());
     } while (m_at == m_end && Fill());
+}
+
+// Neighbours mostly have the same name, which one comparison then passes instead of a loop.
+void XmlScanner::SkipLastName() {
+    const size_t length = m_lastName.size();
+    if (m_end - m_at > length && !std::memcmp(m_buffer.get() + m_at, m_lastName.data(), length)) m_at += length;
 }
 
 // Moves to the next `stop`, to a byte 0, or to the end of the input, whichever comes first. True when a "&" was passed.

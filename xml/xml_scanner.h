@@ -110,6 +110,7 @@ private:
     void SkipWhite();
     bool SkipTo(char stop);
     void SkipKinds(unsigned char kinds);
+    void SkipLastName();
     // Offsets are taken from the tag's first byte, which stays in the buffer until the next tag begins.
     size_t Offset() const { return m_at - m_keep; }
     std::string_view Piece(size_t from, size_t to) const { return {m_buffer.get() + m_keep + from, to - from}; }
@@ -125,7 +126,8 @@ private:
     ULONGLONG m_shown = 0;
     XmlAttributes m_attributes;
     std::vector<OpenElement> m_open;
-    std::string m_names;  // of the open elements, one behind another
+    std::string m_names;     // of the open elements, one behind another
+    std::string m_lastName;  // of some element before
     bool m_refused = false;
 };
 }  // namespace orvik::detail
