@@ -247,13 +247,15 @@ class Download(HostTest):
     def test_stopping_keeps_what_came_before(self):
         if options.wine:
             return  # a signal ends Wine's process from outside; the console's Ctrl+C is what reaches the handler there
-        process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", "s.odb", "--count", 1000, "--interval", 20),
-                                   cwd=self.folder, env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8")
-        time.sleep(1)
-        process.send_signal(signal.SIGINT)
-        _, said = process.communicate(timeout=20)
-        self.assertEqual(process.returncode, 2, said)
-        self.assertGreater(len(self.readings("s.odb")), 2)
+        for wish in (signal.SIGINT, signal.SIGTERM):
+            name = f"{wish.name}.odb"
+            process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", name, "--count", 1000, "--interval", 20),
+                                       cwd=self.folder, env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8")
+            time.sleep(1)
+            process.send_signal(wish)
+            _, said = process.communicate(timeout=8)  # at once, and not after the time that a closing terminal is given
+            self.assertEqual(process.returncode, 2, said)
+            self.assertGreater(len(self.readings(name)), 2)
 
     def test_asking_again_does_not_interrupt_the_saving(self):
         if options.wine:
