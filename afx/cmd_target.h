@@ -1,5 +1,5 @@
 // The base of everything that takes messages, and the message maps that say which member answers which message.
-// Maps are constant data of their classes.
+// Maps are constant data of their classes. An object is used on its window's thread.
 #pragma once
 
 #include "afx/object.h"

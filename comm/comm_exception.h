@@ -1,5 +1,5 @@
 // CCommException: the one way in which a logger protocol reports a failed exchange. The serial classes below never throw.
-// Made on the heap and thrown by pointer; whoever catches it ends it with Delete().
+// Made on the heap and thrown by pointer; whoever catches it ends it with Delete(). Any thread.
 #pragma once
 
 #include "afx/exception.h"

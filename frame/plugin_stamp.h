@@ -1,6 +1,6 @@
 // What a device plug-in says of itself inside its file: its family and the module version it was compiled for.
 // A host reads it from the file's bytes, so that a plug-in of another version is refused before any of its code runs.
-// The stamp is plain data that both homes' file formats hold unchanged.
+// The stamp is plain data that both homes' file formats hold unchanged. Any thread.
 #pragma once
 
 #include "afx/string.h"

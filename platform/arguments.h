@@ -1,4 +1,4 @@
-// The words of a program's command line as this house's text.
+// The words of a program's command line as this house's text. Any thread.
 #pragma once
 
 #include "platform/win32.h"

@@ -1,4 +1,4 @@
-// Who has a serial port open, as far as this system tells it without touching the port.
+// Who has a serial port open, as far as this system tells it without touching the port. Any thread.
 #pragma once
 
 #include "platform/win32.h"

@@ -1,4 +1,4 @@
-// Standard streams, terminals, the environment, and the user's wish to stop (Ctrl+C).
+// Standard streams, terminals, the environment, and the user's wish to stop (Ctrl+C), told on a thread of its own. Any thread.
 #pragma once
 
 #include "platform/api.h"

@@ -1,5 +1,5 @@
 // Who may do what with a file, read from one file and given to another. The descriptor is opaque: here it holds the owner, the
-// group and the permission bits, where Windows has access control lists.
+// group and the permission bits, where Windows has access control lists. Any thread.
 #pragma once
 
 #include "platform/api.h"

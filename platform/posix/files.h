@@ -1,5 +1,5 @@
 // Files and folders under their Win32 calls. Names are this house's text (see SystemPath in text.h); "/" separates folders.
-// CreateFileA, ReadFile and WriteFile serve ports and files alike and stand in io.h.
+// CreateFileA, ReadFile and WriteFile serve ports and files alike and stand in io.h. Any thread.
 #pragma once
 
 #include "platform/api.h"

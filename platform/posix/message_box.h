@@ -1,4 +1,4 @@
-// Message boxes where there is no screen: the text goes to the standard error stream, and the default button is the answer.
+// Message boxes where there is no screen: the text goes to the standard error stream, and the default button answers. Any thread.
 #pragma once
 
 #include "platform/api.h"

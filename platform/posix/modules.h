@@ -1,5 +1,5 @@
 // Shared libraries: loading, looking up, and where a module lies.
-// The names are Windows-1252 paths; a loaded module's handle is the system's own reference.
+// The names are Windows-1252 paths; a loaded module's handle is the system's own reference. Any thread.
 #pragma once
 
 #include "platform/api.h"

@@ -1,5 +1,5 @@
 // The description of a Modbus logger: line settings and channels, read from a property database (docs/formats.md has the keys).
-// Also how a channel's registers become a value and back. Plain data.
+// Also how a channel's registers become a value and back. Plain data for any thread.
 #pragma once
 
 #include <string>

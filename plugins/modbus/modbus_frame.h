@@ -1,6 +1,6 @@
 // Modbus RTU frames: requests for registers, their replies, and finding a frame among noise. Bytes only; no port, no clock.
 // Layouts and the CRC (reflected polynomial 0xA001, start 0xFFFF, low byte first) are those of the Modbus over serial line guide,
-// V1.02.
+// V1.02. Any thread.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 // A simulated Modbus logger: the registers that a description names, filled with slow, smooth signals, and the answers to
-// requests.
+// requests. One thread at a time.
 #pragma once
 
 #include <map>
