@@ -15,12 +15,10 @@
 namespace modbus {
 namespace {
 
-constexpr int kBadProtocol = 3;
-
 [[noreturn]] void Refuse(const CString& key, const char* what) {
     CString text;
     text.Format("%s: %s", static_cast<const char*>(key), what);
-    OrvikThrowCommException(kBadProtocol, text);
+    OrvikThrowCommException(CCommException::BadProtocol, text);
 }
 
 // A number of any kind that a person may have chosen for it; nothing when the key is missing.

@@ -28,9 +28,9 @@ struct Channel {
 
 struct Line {
     DWORD baud = 9600;
-    CSerial::EDataBits dataBits = static_cast<CSerial::EDataBits>(8);
-    CSerial::EParity parity = static_cast<CSerial::EParity>(0);
-    CSerial::EStopBits stopBits = static_cast<CSerial::EStopBits>(0);
+    CSerial::EDataBits dataBits = CSerial::DataBits8;
+    CSerial::EParity parity = CSerial::ParityNone;
+    CSerial::EStopBits stopBits = CSerial::StopBits1;
     double BitsPerCharacter() const;  // start, data, parity and stop bits
 };
 

@@ -4,7 +4,6 @@
 
 namespace modbus {
 namespace {
-constexpr int kHardwareAccessDenied = 5, kDeviceNotOpen = 6, kHardwareError = 7;
 // Room for several of the longest frames in either direction.
 constexpr DWORD kQueue = 4096;
 }  // namespace
@@ -33,15 +32,16 @@ void Logger::Connect(const char* port, DWORD timeout) {
     const LONG error = m_port.Open(port, m_connection, kQueue, kQueue);
     if (error != 0) {
         m_connection->Enter(COrvikConnection::Disconnected, nullptr, FALSE);
-        OrvikThrowCommException(error == static_cast<LONG>(ERROR_ACCESS_DENIED) ? kHardwareAccessDenied : kDeviceNotOpen,
-                                nullptr);
+        OrvikThrowCommException(
+            error == static_cast<LONG>(ERROR_ACCESS_DENIED) ? CCommException::AccessDenied : CCommException::DeviceNotOpen,
+            nullptr);
     }
     const Line& line = m_description.line;
     if (m_port.Setup(static_cast<CSerial::EBaudrate>(line.baud), line.dataBits, line.parity, line.stopBits) != 0 ||
-        m_port.SetupHandshaking(static_cast<CSerial::EHandshake>(0)) != 0) {
+        m_port.SetupHandshaking(CSerial::HandshakeOff) != 0) {
         m_port.Close();
         m_connection->Enter(COrvikConnection::Disconnected, nullptr, FALSE);
-        OrvikThrowCommException(kHardwareError, nullptr);
+        OrvikThrowCommException(CCommException::HardwareError, nullptr);
     }
     m_connection->Enter(COrvikConnection::Connected, nullptr, FALSE);
 }

@@ -8,13 +8,6 @@
 
 namespace modbus {
 namespace {
-// CCommException codes.
-constexpr int kBadProtocol = 3, kIllegalResponse = 4, kDeviceNotOpen = 6, kHardwareError = 7, kReceiveTimeout = 8,
-              kSessionAborted = 9;
-
-// The pair by which a port's listener reports its own death.
-constexpr DWORD kListenerDiedEvent = 0x0800, kListenerDiedError = 0x0400;
-
 // An answer comes in one piece; a pause this long within one means that the rest was lost. USB adapters deliver in steps of 16
 // ms.
 constexpr std::chrono::milliseconds kBrokenOff{100};
@@ -43,10 +36,10 @@ std::vector<WORD> Master::Read(const Request& request) {
             CString standard, text;
             standard.LoadString(832);  // "Illegal response"
             text.Format("%s (Modbus %u)", static_cast<const char*>(standard), static_cast<unsigned>(reply.exception));
-            Fail(kIllegalResponse, text);
+            Fail(CCommException::IllegalResponse, text);
         }
     }
-    Fail(anythingCame ? kBadProtocol : kReceiveTimeout);
+    Fail(anythingCame ? CCommException::BadProtocol : CCommException::ReceiveTimeout);
 }
 
 Reply Master::Exchange(const Request& request, bool& anythingCame) {
@@ -55,7 +48,7 @@ Reply Master::Exchange(const Request& request, bool& anythingCame) {
     DWORD written = 0;
     const LONG error = m_port.Write(frame.data(), frame.size(), &written, nullptr, static_cast<DWORD>(m_timeout.count()));
     CheckLine();
-    if (error != 0 || written != frame.size()) Fail(kHardwareError);
+    if (error != 0 || written != frame.size()) Fail(CCommException::HardwareError);
     const auto deadline = Clock::now() + m_timeout;
     std::vector<BYTE> received;
     for (;;) {
@@ -107,7 +100,7 @@ size_t Master::ReadAvailable(std::vector<BYTE>& received) {
     const LONG error = m_port.Read(block, sizeof block, &got, nullptr, 20);
     if (error != 0 && error != static_cast<LONG>(ERROR_TIMEOUT)) {
         CheckLine();
-        Fail(kHardwareError);
+        Fail(CCommException::HardwareError);
     }
     if (got == 0) return 0;
     m_lastByte = Clock::now();
@@ -122,7 +115,7 @@ void Master::PumpMessages(Clock::time_point until) {
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {  // not ours to swallow: it ends this exchange and the loop outside
             PostQuitMessage(static_cast<int>(message.wParam));
-            Fail(kSessionAborted);
+            Fail(CCommException::SessionAborted);
         }
         TranslateMessage(&message);
         DispatchMessageA(&message);
@@ -130,15 +123,15 @@ void Master::PumpMessages(Clock::time_point until) {
 }
 
 bool Master::OnLineEvent(CSerial::EEvent event, CSerial::EError error) {
-    const bool died = static_cast<DWORD>(event) == kListenerDiedEvent && static_cast<DWORD>(error) == kListenerDiedError;
+    const bool died = event == CSerialEx::ListenerDiedEvent && error == CSerialEx::ListenerDiedError;
     m_lineDied |= died;
     return died;
 }
 
 void Master::CheckLine() {
-    if (m_aborted) Fail(kSessionAborted);
-    if (!m_port.IsOpen()) Fail(kDeviceNotOpen);
-    if (m_lineDied) Fail(kHardwareError);
+    if (m_aborted) Fail(CCommException::SessionAborted);
+    if (!m_port.IsOpen()) Fail(CCommException::DeviceNotOpen);
+    if (m_lineDied) Fail(CCommException::HardwareError);
 }
 
 void Master::Fail(int code, const char* text) { OrvikThrowCommException(code, text); }
