@@ -2,6 +2,7 @@
 #include "tests/propdb/property_db_fixture.h"
 
 #include <clocale>
+#include <cstdlib>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -90,8 +91,10 @@ std::string Xml(const std::string& body) { return "<PROPERTYDB>" + body + "</PRO
 
 TEST_F(PropertyDbFiles, XmlBytesAreTheDialectInEveryLocale) {
     Fill();
-    for (const char* locale : {"C", "sv_SE.UTF-8", "de_DE.UTF-8", "sv_SE", "de_DE"}) {
-        std::setlocale(LC_ALL, locale);  // where it is not installed the test says nothing of it
+    const bool made = std::getenv("LOCPATH") != nullptr;
+    for (const char* locale : {"C", "sv_SE.UTF-8", "de_DE.UTF-8"}) {
+        const bool set = std::setlocale(LC_ALL, locale) != nullptr;
+        EXPECT_TRUE(set || !made) << locale;
         EXPECT_EQ(StoredBytes(db, true), kXml) << locale;
         CPropertyDB read;
         EXPECT_TRUE(LoadBytes(read, kXml, true));
