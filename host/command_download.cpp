@@ -6,6 +6,14 @@
 #include "host/logger_file.h"
 #include "host/texts.h"
 
+namespace {
+std::string FullPath(const std::string& path) {
+    char full[4096];
+    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
+    return length > 0 && length < sizeof full ? std::string(full, length) : path;
+}
+}  // namespace
+
 ExitCode RunDownload(CHostApp& app, const Words& words) {
     const Arguments arguments(words, {"--port", "--logger", "--count", "--interval", "--timeout", "--out", "--trace"}, {"--hex"},
                               0);
@@ -18,7 +26,8 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     plan.traceFile = arguments.Get("--trace");
     plan.traceHex = arguments.Has("--hex");
     if (plan.traceHex && plan.traceFile.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};
-    if (plan.traceFile == out) throw Failure{kWrongUse, Say(Text::OptionsSame, {"--out", "--trace"})};
+    if (!plan.traceFile.empty() && FullPath(plan.traceFile) == FullPath(out))
+        throw Failure{kWrongUse, Say(Text::OptionsSame, {"--out", "--trace"})};
 
     CPropertyDB description;
     LoadLoggerDescription(arguments.Get("--logger"), description);

@@ -119,7 +119,7 @@ class WrongUse(HostTest):
         self.assertIn("more", self.refused(1, "show", "one", "more"))
         self.assertIn("FILE", self.refused(1, "show"))
         self.assertIn("--trace", self.refused(1, "download", "--port", "COM1", "--out", "x.odb", "--hex"))
-        self.assertIn("same file", self.refused(1, "download", "--port", "COM1", "--out", "x.odb", "--trace", "x.odb"))
+        self.assertIn("same file", self.refused(1, "download", "--port", "COM1", "--out", "x.odb", "--trace", "./x.odb"))
         self.assertIn("--out", self.refused(1, "demo", "--out", ""))
 
     def test_output_that_cannot_be_written_is_no_success(self):
