@@ -1,0 +1,312 @@
+#include "commands/command_manager.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <random>
+#include <string>
+
+#include "commands/group_commands.h"
+
+namespace {
+// Tells what becomes of it: "+a" done again, "-a" undone, "!a" destroyed, "~a" deleted.
+class Step : public CDoCommand {
+public:
+    Step(std::string& log, std::string name, int answer = 1) : m_log(&log), m_name(std::move(name)), m_answer(answer) {}
+    ~Step() override { Tell('~'); }
+    void Destroy() override {
+        Tell('!');
+        CDoCommand::Destroy();
+    }
+    int OnUndo() override { return Tell('-'), m_answer; }
+    int OnRedo() override { return Tell('+'), m_answer; }
+
+private:
+    void Tell(char what) { *m_log += what + m_name; }
+    std::string* m_log;
+    std::string m_name;
+    int m_answer;
+};
+
+class CommandManager : public testing::Test {
+protected:
+    Step* Do(const std::string& name, int answer = 1) {
+        auto* const step = new Step(log, name, answer);
+        EXPECT_TRUE(manager.DoCommand(step));
+        return step;
+    }
+    // Begin and end markers for "(" and ")", steps for letters; digits 0 to 9 are the answers of the steps before them.
+    void DoAll(const std::string& script) {
+        for (size_t i = 0; i < script.size(); ++i) {
+            if (script[i] == '(')
+                manager.BeginGroup();
+            else if (script[i] == ')')
+                manager.EndGroup();
+            else if (i + 1 < script.size() && isdigit(script[i + 1]))
+                Do(std::string(1, script[i]), script[i + 1] - '0'), ++i;
+            else
+                Do(std::string(1, script[i]));
+        }
+    }
+    // The answer and what happened, as "1 -b-a".
+    std::string Undo() {
+        log.clear();
+        const int answer = manager.UndoLastCommand();
+        return std::to_string(answer) + ' ' + log;
+    }
+    std::string Redo() {
+        log.clear();
+        const int answer = manager.RedoLastUndoneCommand();
+        return std::to_string(answer) + ' ' + log;
+    }
+
+    std::string log;
+    COrvikCommandManager manager;
+};
+
+TEST_F(CommandManager, WalksBackAndForth) {
+    EXPECT_FALSE(manager.CanUndo());
+    EXPECT_FALSE(manager.CanRedo());
+    EXPECT_EQ(Undo(), "1 ");
+    EXPECT_EQ(Redo(), "1 ");
+    DoAll("ab7");
+    EXPECT_EQ(log, "");  // recording executes nothing
+    EXPECT_TRUE(manager.CanUndo());
+    EXPECT_FALSE(manager.CanRedo());
+    EXPECT_EQ(Redo(), "1 ");
+    EXPECT_EQ(Undo(), "7 -b");
+    EXPECT_TRUE(manager.CanRedo());
+    EXPECT_EQ(Undo(), "1 -a");
+    EXPECT_FALSE(manager.CanUndo());
+    EXPECT_EQ(Undo(), "1 ");
+    EXPECT_EQ(Redo(), "1 +a");
+    EXPECT_EQ(Redo(), "7 +b");
+    EXPECT_EQ(Redo(), "1 ");
+}
+
+TEST_F(CommandManager, PassesOverCommandsThatShowNothing) {
+    DoAll("a0b2c0d0e");
+    EXPECT_EQ(Undo(), "1 -e");
+    EXPECT_EQ(Undo(), "2 -d-c-b");
+    EXPECT_EQ(Undo(), "1 -a");  // nothing is left to be done
+    EXPECT_FALSE(manager.CanUndo());
+    EXPECT_EQ(Redo(), "2 +a+b");
+    EXPECT_EQ(Redo(), "1 +c+d+e");
+    DoAll("f0");
+    EXPECT_EQ(Undo(), "1 -f-e");
+    EXPECT_EQ(Redo(), "1 +e");
+    EXPECT_EQ(Redo(), "1 +f");
+}
+
+TEST_F(CommandManager, TheHundredthCommandDropsTheOldest) {
+    for (int i = 1; i <= 99; ++i) Do(std::to_string(i));
+    EXPECT_EQ(manager.GetCount(), 99);
+    EXPECT_EQ(log, "");
+    Do("100");
+    EXPECT_EQ(log, "!1~1");
+    EXPECT_EQ(manager.GetCount(), 99);
+    manager.BeginGroup();  // a marker counts
+    EXPECT_EQ(log, "!1~1!2~2");
+    EXPECT_EQ(manager.GetCount(), 99);
+    EXPECT_EQ(Undo(), "-2 ");
+    for (int i = 100; i >= 3; --i) EXPECT_EQ(Undo(), "1 -" + std::to_string(i));
+    EXPECT_FALSE(manager.CanUndo());
+}
+
+TEST_F(CommandManager, ANewCommandEndsTheUndoneOnesFirst) {
+    DoAll("abc");
+    Undo();
+    Undo();
+    log.clear();
+    Do("d");
+    EXPECT_EQ(log, "!c~c!b~b");
+    EXPECT_EQ(manager.GetCount(), 2);
+    EXPECT_EQ(Undo(), "1 -d");
+    EXPECT_EQ(Undo(), "1 -a");
+    log.clear();
+    Do("e");  // everything had been undone
+    EXPECT_EQ(log, "!a~a!d~d");
+    EXPECT_EQ(manager.GetCount(), 1);
+    EXPECT_EQ(Undo(), "1 -e");
+}
+
+TEST_F(CommandManager, AFailedCommandIsDeletedAndChangesNothing) {
+    DoAll("ab");
+    Undo();
+    auto* const failed = new Step(log, "f");
+    failed->Fail();
+    log.clear();
+    EXPECT_FALSE(manager.DoCommand(failed));
+    EXPECT_EQ(log, "~f");
+    EXPECT_TRUE(manager.CanRedo());
+    EXPECT_EQ(Redo(), "1 +b");
+}
+
+TEST_F(CommandManager, ACopyOfAFailedCommandHasFailed) {
+    Step step(log, "a");
+    EXPECT_FALSE(Step(step).HasFailed());
+    step.Fail();
+    EXPECT_TRUE(Step(step).HasFailed());
+}
+
+TEST_F(CommandManager, RefusesNoCommand) {
+    try {
+        manager.DoCommand(nullptr);
+        ADD_FAILURE();
+    } catch (CInvalidArgException* failure) {
+        failure->Delete();
+    }
+}
+
+TEST_F(CommandManager, AGroupIsOneStep) {
+    DoAll("x(ab)y");
+    EXPECT_EQ(Undo(), "1 -y");
+    EXPECT_EQ(Undo(), "1 -b-a");
+    EXPECT_EQ(Undo(), "1 -x");
+    EXPECT_FALSE(manager.CanUndo());
+    EXPECT_EQ(Redo(), "1 +x");
+    EXPECT_EQ(Redo(), "1 +a+b");
+    EXPECT_EQ(Redo(), "1 +y");
+    EXPECT_FALSE(manager.CanRedo());
+}
+
+TEST_F(CommandManager, AGroupStandsWhereItsMarkersStand) {
+    DoAll("(ab)");
+    Undo();
+    EXPECT_FALSE(manager.CanUndo());  // before the begin marker
+    EXPECT_TRUE(manager.CanRedo());
+    Redo();
+    EXPECT_FALSE(manager.CanRedo());  // on the end marker
+    EXPECT_EQ(Undo(), "1 -b-a");
+    log.clear();
+    Do("c");
+    EXPECT_EQ(log, "!a~a!b~b");
+    EXPECT_EQ(manager.GetCount(), 1);
+}
+
+TEST_F(CommandManager, WhatCommandsInAGroupAnswerDoesNotMatter) {
+    DoAll("x(a0b5c0)");
+    EXPECT_EQ(Undo(), "1 -c-b-a");
+    EXPECT_EQ(Redo(), "1 +a+b+c");
+    DoAll("()");
+    EXPECT_EQ(Undo(), "1 ");
+    EXPECT_EQ(Undo(), "1 -c-b-a");
+}
+
+TEST_F(CommandManager, GroupsHoldGroups) {
+    DoAll("x(a(b(c)d)e)");
+    EXPECT_EQ(Undo(), "1 -e-d-c-b-a");
+    EXPECT_EQ(Undo(), "1 -x");
+    EXPECT_EQ(Redo(), "1 +x");
+    EXPECT_EQ(Redo(), "1 +a+b+c+d+e");
+}
+
+TEST_F(CommandManager, AnUnfinishedGroupIsWalkedOneByOneBackwards) {
+    DoAll("x(ab");
+    EXPECT_EQ(Undo(), "1 -b");
+    EXPECT_EQ(Undo(), "1 -a");
+    EXPECT_EQ(Undo(), "-2 ");
+    EXPECT_EQ(Undo(), "1 -x");
+    EXPECT_EQ(Redo(), "1 +x");
+    EXPECT_EQ(Redo(), "1 +a+b");  // no end marker: up to the history's end
+    EXPECT_FALSE(manager.CanRedo());
+}
+
+TEST_F(CommandManager, AnEndMarkerMetForwardsIsTold) {
+    DoAll("a)b");
+    Undo();
+    EXPECT_EQ(Undo(), "1 -a");  // no begin marker: back to the history's beginning
+    EXPECT_FALSE(manager.CanUndo());
+    EXPECT_EQ(Redo(), "1 +a");
+    EXPECT_EQ(Redo(), "-2 ");
+    EXPECT_EQ(Redo(), "1 +b");
+}
+
+TEST_F(CommandManager, AGroupWhoseBeginningWasCutOffEndsAtTheBoundary) {
+    manager.BeginGroup();
+    for (int i = 1; i <= 120; ++i) Do("s");
+    manager.EndGroup();
+    log.clear();
+    EXPECT_EQ(manager.UndoLastCommand(), 1);
+    EXPECT_EQ(log.size(), 2u * 98);
+    EXPECT_FALSE(manager.CanUndo());
+    EXPECT_EQ(Undo(), "1 ");
+    EXPECT_TRUE(manager.CanRedo());
+}
+
+TEST_F(CommandManager, AMarkerOutsideAHistoryDoesNothing) {
+    EXPECT_EQ(CUndoGroupCommand().Undo(), 1);
+    EXPECT_EQ(CUndoGroupCommand().Redo(), -2);
+    EXPECT_EQ(CRedoGroupCommand().Redo(), 1);
+    EXPECT_EQ(CRedoGroupCommand().Undo(), -2);
+}
+
+TEST_F(CommandManager, RemoveAllEndsEveryCommandFromTheOldest) {
+    DoAll("a(bc");
+    Undo();
+    log.clear();
+    manager.RemoveAll();
+    EXPECT_EQ(log, "!a~a!b~b!c~c");
+    EXPECT_FALSE(manager.CanUndo());
+    EXPECT_FALSE(manager.CanRedo());
+    Do("d");
+    EXPECT_EQ(Undo(), "1 -d");
+}
+
+TEST_F(CommandManager, DyingEndsEveryCommand) {
+    {
+        COrvikCommandManager shortLived;
+        shortLived.DoCommand(new Step(log, "a"));
+        shortLived.BeginGroup();
+        shortLived.DoCommand(new Step(log, "b"));
+    }
+    EXPECT_EQ(log, "!a~a!b~b");
+}
+
+TEST_F(CommandManager, ACommandMayLeaveByItself) {
+    Do("a");
+    Step* const b = Do("b");
+    Step* const c = Do("c");
+    b->Destroy();
+    EXPECT_EQ(manager.GetCount(), 2);
+    c->Destroy();  // the last one: a is the last one now
+    EXPECT_EQ(Undo(), "1 -a");
+    EXPECT_FALSE(manager.CanUndo());
+    (new Step(log, "z"))->Destroy();  // in no history
+}
+
+// Steps that set a number, against a plain model: the numbers before and after, and a place among them.
+TEST_F(CommandManager, AgreesWithAPlainModelOfUndo) {
+    struct Set : CDoCommand {
+        Set(int& target, int to) : value(&target), before(target), after(to) { target = to; }
+        int OnUndo() override { return *value = before, 1; }
+        int OnRedo() override { return *value = after, 1; }
+        int *value, before, after;
+    };
+    std::mt19937 random(4);
+    std::deque<int> states{0};
+    size_t place = 0;
+    int value = 0;
+    for (int i = 0; i < 20'000; ++i) {
+        // Long runs of one kind, so that both ends are reached.
+        const auto kind = (random() % 40 == 0 ? random() : static_cast<unsigned>(i / 150)) % 3;
+        if (kind == 0) {
+            ASSERT_TRUE(manager.DoCommand(new Set(value, i + 1)));
+            states.resize(place + 1);
+            states.push_back(i + 1);
+            if (states.size() > 100) states.pop_front();
+            place = states.size() - 1;
+        } else if (kind == 1) {
+            manager.UndoLastCommand();
+            if (place > 0) --place;
+        } else {
+            manager.RedoLastUndoneCommand();
+            if (place + 1 < states.size()) ++place;
+        }
+        ASSERT_EQ(value, states[place]);
+        ASSERT_EQ(manager.CanUndo(), place > 0);
+        ASSERT_EQ(manager.CanRedo(), place + 1 < states.size());
+        ASSERT_EQ(manager.GetCount() + 1, static_cast<INT_PTR>(states.size()));
+    }
+}
+}  // namespace
