@@ -6,8 +6,15 @@ IMPLEMENT_DYNAMIC(CPtrList, CObject)
 
 CPtrList::CPtrList(INT_PTR) {}
 
+CPtrList::~CPtrList() {
+    CPtrList::RemoveAll();
+    delete m_spare;
+}
+
 POSITION CPtrList::Link(void* data, Node* prev, Node* next) {
-    Node* node = new Node{next, prev, data};
+    Node* node = std::exchange(m_spare, nullptr);
+    if (node == nullptr) node = new Node;
+    *node = {next, prev, data};
     (prev != nullptr ? prev->next : m_head) = node;
     (next != nullptr ? next->prev : m_tail) = node;
     ++m_nCount;
@@ -19,7 +26,7 @@ void CPtrList::RemoveAt(POSITION position) {
     (node->prev != nullptr ? node->prev->next : m_head) = node->next;
     (node->next != nullptr ? node->next->prev : m_tail) = node->prev;
     --m_nCount;
-    delete node;
+    delete std::exchange(m_spare, node);
 }
 
 void* CPtrList::RemoveHead() {
@@ -51,18 +58,6 @@ void CPtrList::AddHead(const CPtrList* pNewList) {
     if (pNewList == nullptr) AfxThrowInvalidArgException();
     const Node* walk = pNewList->m_tail;
     for (INT_PTR left = pNewList->m_nCount; left > 0; --left, walk = walk->prev) AddHead(walk->data);
-}
-
-void*& CPtrList::GetNext(POSITION& rPosition) {
-    Node* node = ToNode(rPosition);
-    rPosition = ToPosition(node->next);
-    return node->data;
-}
-
-void*& CPtrList::GetPrev(POSITION& rPosition) {
-    Node* node = ToNode(rPosition);
-    rPosition = ToPosition(node->prev);
-    return node->data;
 }
 
 POSITION CPtrList::InsertBefore(POSITION position, void* newElement) {

@@ -12,7 +12,7 @@ class ORVIK_API CPtrList : public CObject {
 
 public:
     explicit CPtrList(INT_PTR nBlockSize = 10);  // the block size is accepted and not needed
-    ~CPtrList() override { RemoveAll(); }
+    ~CPtrList() override;
 
     INT_PTR GetCount() const { return m_nCount; }
     INT_PTR GetSize() const { return m_nCount; }
@@ -35,9 +35,17 @@ public:
     // Null at the ends.
     POSITION GetHeadPosition() const { return ToPosition(m_head); }
     POSITION GetTailPosition() const { return ToPosition(m_tail); }
-    void*& GetNext(POSITION& rPosition);
+    void*& GetNext(POSITION& rPosition) {
+        Node* node = ToNode(rPosition);
+        rPosition = ToPosition(node->next);
+        return node->data;
+    }
     void* GetNext(POSITION& rPosition) const { return const_cast<CPtrList*>(this)->GetNext(rPosition); }
-    void*& GetPrev(POSITION& rPosition);
+    void*& GetPrev(POSITION& rPosition) {
+        Node* node = ToNode(rPosition);
+        rPosition = ToPosition(node->prev);
+        return node->data;
+    }
     void* GetPrev(POSITION& rPosition) const { return const_cast<CPtrList*>(this)->GetPrev(rPosition); }
 
     void*& GetAt(POSITION position) { return ToNode(position)->data; }
@@ -68,6 +76,7 @@ private:
     Node* m_head = nullptr;
     Node* m_tail = nullptr;
     INT_PTR m_nCount = 0;
+    Node* m_spare = nullptr;  // the node removed last, for the next element: a list used as a queue asks the heap for nothing
 };
 
 // The same list with its elements' own pointer type: CTypedPtrList<CPtrList, CThing*>.
