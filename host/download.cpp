@@ -4,24 +4,13 @@
 #include <chrono>
 
 #include "comm/comm_exception.h"
+#include "comm/task.h"
 #include "host/logger_file.h"
 #include "host/stop_request.h"
 #include "host/texts.h"
 
 namespace {
 using Clock = std::chrono::steady_clock;
-
-// Handles this thread's messages until the time has come, or something happened that a reading must look at.
-void WaitUntil(Clock::time_point due, ILogger& logger) {
-    while (!StopRequest::Asked() && logger.Connection().IsConnected()) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now()).count();
-        if (left <= 0) return;
-        constexpr long long kSlice = 50;  // so that the wish to stop is soon seen
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(std::min<long long>(left, kSlice)), QS_ALLINPUT);
-        MSG message;
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
-    }
-}
 
 // The sentence for a port that could not be opened: the most telling one first.
 std::string WhyNotOpened(const std::string& port, CCommException* failure) {
@@ -43,6 +32,72 @@ std::string WhyNotOpened(const std::string& port, CCommException* failure) {
             return Say(Text::PortFailed, {name, text});
     }
 }
+
+// The readings of one download: a task of the scheduler, which makes one reading a run and stays registered until the last one.
+class Readings : public CVXTTask {
+public:
+    Readings(ILogger& logger, const DownloadPlan& plan, Session& session) : m_logger(logger), m_plan(plan), m_session(session) {}
+
+    // Handles this thread's messages and runs the scheduler until the readings are made. Gives what ended them early.
+    std::optional<Failure> MakeAll() {
+        Start(0);
+        while (IsRunning()) {
+            const long long left = MillisecondsLeft();
+            // What a reading must look at does not wait for its due time, which a clock set back might put off.
+            if (StopRequest::Asked() || !m_logger.Connection().IsConnected() || left == 0) {
+                RaiseShedule(0);
+            } else {
+                constexpr long long kSlice = 50;  // so that the wish to stop is soon seen
+                MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(std::min(left, kSlice)), QS_ALLINPUT);
+            }
+            MSG message;
+            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+            OrvikShedule();
+        }
+        return std::move(m_ended);
+    }
+
+    BOOL OnShedule() override {
+        m_progress.Show(Say(Text::Progress, {std::to_string(m_made + 1), std::to_string(m_plan.count)}));
+        m_ended = MakeOne();
+        if (m_ended || ++m_made == m_plan.count) return FALSE;
+        RaiseShedule(static_cast<DWORD>(MillisecondsLeft()));
+        return TRUE;
+    }
+
+private:
+    // Until the next reading. Due times are counted from the start, so that slow readings do not push the later ones back.
+    long long MillisecondsLeft() const {
+        const auto due = m_started + std::chrono::milliseconds(static_cast<long long>(m_made) * m_plan.interval);
+        return std::max<long long>(std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now()).count(), 0);
+    }
+
+    std::optional<Failure> MakeOne() {
+        const auto stopped = [&] {
+            return Failure{kCommunicationFailed, Say(Text::Stopped, {std::to_string(m_session.Count())})};
+        };
+        if (StopRequest::Asked()) return stopped();
+        try {
+            const CVXTTime now = CVXTTime::Now();
+            CDoubleArray values;
+            m_logger.ReadSample(values);
+            m_session.Add(now, values);
+        } catch (CCommException* failure) {
+            const std::string text = TakeMessage(failure);
+            if (StopRequest::Asked()) return stopped();
+            return Failure{kCommunicationFailed, Say(Text::PortFailed, {ToUtf8(m_plan.port), text})};
+        }
+        return std::nullopt;
+    }
+
+    ILogger& m_logger;
+    const DownloadPlan& m_plan;
+    Session& m_session;
+    ProgressLine m_progress;
+    const Clock::time_point m_started = Clock::now();
+    DWORD m_made = 0;
+    std::optional<Failure> m_ended;
+};
 }  // namespace
 
 std::optional<Failure> Download(CHostApp& app, CPropertyDB& description, const DownloadPlan& plan, Session& session) {
@@ -58,28 +113,7 @@ std::optional<Failure> Download(CHostApp& app, CPropertyDB& description, const D
     } catch (CCommException* failure) {
         return Failure{kCommunicationFailed, WhyNotOpened(plan.port, failure)};
     }
-    ProgressLine progress;
-    const auto started = Clock::now();
-    std::optional<Failure> ended;
-    for (DWORD i = 0; i < plan.count && !ended; ++i) {
-        // Due times are counted from the start, so that slow readings do not push the later ones back.
-        WaitUntil(started + std::chrono::milliseconds(static_cast<long long>(i) * plan.interval), *logger);
-        progress.Show(Say(Text::Progress, {std::to_string(i + 1), std::to_string(plan.count)}));
-        CDoubleArray values;
-        try {
-            if (StopRequest::Asked()) {
-                ended = Failure{kCommunicationFailed, Say(Text::Stopped, {std::to_string(session.Count())})};
-                break;
-            }
-            const CVXTTime now = CVXTTime::Now();
-            logger->ReadSample(values);
-            session.Add(now, values);
-        } catch (CCommException* failure) {
-            const std::string text = TakeMessage(failure);
-            ended = Failure{kCommunicationFailed, StopRequest::Asked() ? Say(Text::Stopped, {std::to_string(session.Count())})
-                                                                       : Say(Text::PortFailed, {ToUtf8(plan.port), text})};
-        }
-    }
+    std::optional<Failure> ended = Readings(*logger, plan, session).MakeAll();
     logger->Disconnect();
     return ended;
 }
