@@ -1,8 +1,10 @@
 #include "platform/posix/nls.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -41,32 +43,37 @@ UserSettings ReadEnvironment() {
             {}};
 }
 
+// Settings are never changed once they are shared, only replaced: who holds them needs no lock and no copy.
+using SharedSettings = std::shared_ptr<const UserSettings>;
+
 struct User {
     std::mutex lock;
-    UserSettings settings = ReadEnvironment();
+    SharedSettings settings = std::make_shared<UserSettings>(ReadEnvironment());
 };
 User& TheUser() {
     static User user;
     return user;
 }
 
-UserSettings Fixed(const LocaleData& locale) { return {&locale, &locale, &locale, &locale, {}}; }
+SharedSettings Fixed(const LocaleData& locale) {
+    return std::make_shared<UserSettings>(UserSettings{&locale, &locale, &locale, &locale, {}});
+}
 
-// The settings that an id names, with (the user's) or without changes; empty for an id without a locale.
-std::optional<UserSettings> SettingsOf(LCID locale, LCTYPE item) {
+// The settings that an id names, with (the user's) or without changes; null for an id without a locale.
+SharedSettings SettingsOf(LCID locale, LCTYPE item) {
     const LCID plain = LANGIDFROMLCID(locale);
     User& user = TheUser();
     const std::lock_guard guard(user.lock);
     const bool mine =
-        plain == 0 || plain == LOCALE_USER_DEFAULT || plain == LOCALE_SYSTEM_DEFAULT || plain == user.settings.names->lcid;
+        plain == 0 || plain == LOCALE_USER_DEFAULT || plain == LOCALE_SYSTEM_DEFAULT || plain == user.settings->names->lcid;
     if (!mine) {
         const LocaleData* data = LocaleById(plain);
-        if (!data) return std::nullopt;
-        return Fixed(*data);
+        return data ? Fixed(*data) : nullptr;
     }
-    UserSettings copy = user.settings;
-    if (item & LOCALE_NOUSEROVERRIDE) copy.changed.clear();
-    return copy;
+    if (!(item & LOCALE_NOUSEROVERRIDE)) return user.settings;
+    const auto unchanged = std::make_shared<UserSettings>(*user.settings);
+    unchanged->changed.clear();
+    return unchanged;
 }
 
 // What a setting is, its changes included.
@@ -221,7 +228,17 @@ int Deliver(const std::string& text, LPSTR out, int size) {
     return needed;
 }
 
-std::string Padded(unsigned value, size_t run) { return (run >= 2 && value < 10 ? "0" : "") + std::to_string(value); }
+void AppendPadded(std::string& out, unsigned value, size_t run) {
+    if (run >= 2 && value < 10) out += '0';
+    char digits[12];
+    out.append(digits, static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
+}
+
+// The changed value of an item, else the given one.
+const std::string& Changed(const UserSettings& s, LCTYPE item, const std::string& standing) {
+    const auto changed = s.changed.find(item);
+    return changed != s.changed.end() ? changed->second : standing;
+}
 
 // Walks a picture: letters of `letters` come in runs, quoted text and everything else go to `literal`.
 template <class Run, class Literal>
@@ -265,12 +282,13 @@ std::string WriteTime(const SYSTEMTIME& t, const std::string& picture, DWORD fla
             literal.clear();
             unsigned hour = t.wHour;
             if (letter == 'h' && !(flags & TIME_FORCE24HOURFORMAT)) hour = (hour + 11) % 12 + 1;
-            if (letter == 'h' || letter == 'H') out += Padded(hour, run);
-            if (letter == 'm') out += Padded(t.wMinute, run);
-            if (letter == 's') out += Padded(t.wSecond, run);
+            if (letter == 'h' || letter == 'H') AppendPadded(out, hour, run);
+            if (letter == 'm') AppendPadded(out, t.wMinute, run);
+            if (letter == 's') AppendPadded(out, t.wSecond, run);
             if (letter == 't') {
-                const std::string mark = *Value(s, t.wHour < 12 ? LOCALE_S1159 : LOCALE_S2359);
-                out += run == 1 ? mark.substr(0, 1) : mark;
+                const std::string& mark =
+                    t.wHour < 12 ? Changed(s, LOCALE_S1159, s.clock->morning) : Changed(s, LOCALE_S2359, s.clock->afternoon);
+                out.append(mark, 0, run == 1 ? 1 : std::string::npos);
             }
         },
         [&](char c) { literal += c; });
@@ -289,18 +307,24 @@ std::string WriteDate(const SYSTEMTIME& d, const std::string& picture, const Use
             const unsigned month = d.wMonth - 1u;
             switch (letter) {
                 case 'd':
-                    out += run <= 2 ? Padded(d.wDay, run) : run == 3 ? s.clock->shortDays[weekday] : s.clock->days[weekday];
+                    if (run <= 2)
+                        AppendPadded(out, d.wDay, run);
+                    else
+                        out += run == 3 ? s.clock->shortDays[weekday] : s.clock->days[weekday];
                     break;
                 case 'M':
                     if (run <= 2)
-                        out += Padded(d.wMonth, run);
+                        AppendPadded(out, d.wMonth, run);
                     else if (run == 3)
                         out += s.clock->shortMonths[month];
                     else
                         out += namesDay ? s.clock->monthsInDates[month] : s.clock->months[month];
                     break;
                 case 'y':
-                    out += run <= 2 ? Padded(d.wYear % 100u, run) : std::to_string(d.wYear);
+                    if (run <= 2)
+                        AppendPadded(out, d.wYear % 100u, run);
+                    else
+                        AppendPadded(out, d.wYear, 1);
                     break;
                 default:
                     out += s.clock->eras[1];
@@ -315,7 +339,7 @@ std::string WriteDate(const SYSTEMTIME& d, const std::string& picture, const Use
 namespace orvik::detail {
 void ReloadRegionalSettings() {
     User& user = TheUser();
-    UserSettings fresh = ReadEnvironment();
+    auto fresh = std::make_shared<UserSettings>(ReadEnvironment());
     const std::lock_guard guard(user.lock);
     user.settings = std::move(fresh);
 }
@@ -324,7 +348,7 @@ void ReloadRegionalSettings() {
 LCID GetUserDefaultLCID() {
     User& user = TheUser();
     const std::lock_guard guard(user.lock);
-    return user.settings.names->lcid;
+    return user.settings->names->lcid;
 }
 LCID GetSystemDefaultLCID() { return GetUserDefaultLCID(); }
 UINT GetACP() { return 1252; }
@@ -354,7 +378,8 @@ BOOL SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text) {
     if (std::strlen(text) >= longest) return Fail(ERROR_INVALID_PARAMETER);
     User& user = TheUser();
     const std::lock_guard guard(user.lock);
-    UserSettings& s = user.settings;
+    const auto fresh = std::make_shared<UserSettings>(*user.settings);
+    UserSettings& s = *fresh;
     if (plain != 0 && plain != LOCALE_USER_DEFAULT && plain != LOCALE_SYSTEM_DEFAULT && plain != s.names->lcid)
         return Fail(ERROR_INVALID_PARAMETER);
     switch (item) {
@@ -374,6 +399,7 @@ BOOL SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text) {
         default:
             s.changed[item] = text;
     }
+    user.settings = fresh;
     return TRUE;
 }
 
@@ -386,8 +412,10 @@ int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR pict
     if (!time) GetLocalTime(&now), time = &now;
     if (time->wHour > 23 || time->wMinute > 59 || time->wSecond > 59 || time->wMilliseconds > 999)
         return Fail(ERROR_INVALID_PARAMETER);
-    return Deliver(WriteTime(*time, picture ? std::string(picture) : *Value(*settings, LOCALE_STIMEFORMAT), flags, *settings),
-                   out, size);
+    const std::string text =
+        picture ? WriteTime(*time, picture, flags, *settings)
+                : WriteTime(*time, Changed(*settings, LOCALE_STIMEFORMAT, settings->clock->timePicture), flags, *settings);
+    return Deliver(text, out, size);
 }
 
 int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR picture, LPSTR out, int size) {
