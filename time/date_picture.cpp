@@ -1,49 +1,142 @@
 #include "time/date_picture_internal.h"
 
+#include <optional>
+
+#include "time/integer_text_internal.h"
+#include "time/local_nls_tools.h"
 #include "time/locale_cache.h"
 
 namespace orvik::detail {
 namespace {
 
-// A width of -1 pads nothing. Zeros go in front of the whole text, a sign included.
-CString Number(int value, int width) {
-    CString text;
-    text.Format("%d", value);
-    while (text.GetLength() < width) text.Insert(0, '0');
-    return text;
+constexpr int kMonths = 12, kWeekdays = 7;
+constexpr int kFirstYear = 1900, kLastYear = 2041;  // that four digits may name
+constexpr int kFirstOf1900s = 70;                   // of the years that two digits name
+
+struct Element {
+    char letter = 0;        // of a run; 0 for text that stands for itself
+    size_t run = 0;         // its length
+    std::string_view text;  // without quotes
+};
+
+bool TakeElement(std::string_view& picture, Element& element) {
+    if (picture.empty()) return false;
+    const char first = picture[0];
+    if (first == '\'') {
+        const std::string_view quoted = picture.substr(1);
+        const size_t end = quoted.find('\'');
+        element = {0, 0, quoted.substr(0, end)};
+        picture = end == std::string_view::npos ? std::string_view() : quoted.substr(end + 1);
+    } else if (first == 'M' || first == 'd' || first == 'y') {
+        const size_t end = picture.find_first_not_of(first);
+        element = {first, end == std::string_view::npos ? picture.size() : end, {}};
+        picture.remove_prefix(element.run);
+    } else {
+        element = {0, 0, picture.substr(0, 1)};
+        picture.remove_prefix(1);
+    }
+    return true;
 }
 
-CString Field(char letter, int run, const CalendarDate& date) {
-    switch (letter) {
+void AppendField(CString& text, const Element& field, const CalendarDate& date) {
+    const int width = field.run == 2 ? 2 : -1;
+    switch (field.letter) {
         case 'M':
-            if (run <= 2) return Number(date.month, run == 2 ? 2 : -1);
-            return run == 3 ? NlsGetShortMonth(date.month) : run == 4 ? NlsGetLongMonth(date.month) : CString();
+            if (field.run <= 2) AppendInteger(text, date.month, width);
+            if (field.run == 3) text += NlsGetShortMonth(date.month);
+            if (field.run == 4) text += NlsGetLongMonth(date.month);
+            break;
         case 'd':
-            if (run <= 2) return Number(date.day, run == 2 ? 2 : -1);
-            return run == 3 ? NlsGetShortDay(date.weekday) : run == 4 ? NlsGetLongDay(date.weekday) : CString();
+            if (field.run <= 2) AppendInteger(text, date.day, width);
+            if (field.run == 3) text += NlsGetShortDay(date.weekday);
+            if (field.run == 4) text += NlsGetLongDay(date.weekday);
+            break;
         default:
-            return run == 2 ? Number(date.year % 100, 2) : run == 4 ? Number(date.year, -1) : CString();
+            if (field.run == 2) AppendInteger(text, date.year % 100, width);
+            if (field.run == 4) AppendInteger(text, date.year);
     }
+}
+
+// Of Windows-1252, not of the process locale: "S\xF6ndag" is one word.
+bool IsLetter(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    if (u < 0x80) return (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z');
+    if (u >= 0xC0) return u != 0xD7 && u != 0xF7;
+    return std::string_view("\x83\x8A\x8C\x8E\x9A\x9C\x9E\x9F\xAA\xB5\xBA").find(c) != std::string_view::npos;
+}
+
+// The number, from `first`, of the first name that is the word at the cursor.
+std::optional<int> FindName(const char* cursor, CString (*name)(int), int first, int count) {
+    size_t length = 0;
+    while (IsLetter(cursor[length])) ++length;
+    const std::string_view word(cursor, length);
+    for (int i = first; i < first + count; ++i)
+        if (name(i).GetView() == word) return i;
+    return std::nullopt;
+}
+
+bool ReadYear(const char*& cursor, size_t run, std::optional<int>& year) {
+    if (run != 2 && run != 4) return true;
+    if (run == 4 && (*cursor < '0' || *cursor > '9')) return false;
+    int number = 0;
+    CLocalNlsTools::sInt(cursor, &number, -1);
+    if (run == 2) {
+        if (number > 99) return false;
+        number += number >= kFirstOf1900s ? 1900 : 2000;
+    } else if (number < kFirstYear || number > kLastYear) {
+        return false;
+    }
+    year = number;
+    return true;
+}
+
+// A month's or a day's number, or its name; only a month's name has a value.
+bool ReadField(const char*& cursor, const Element& field, std::optional<int>& value) {
+    if (field.run <= 2) {
+        int number = 0;
+        CLocalNlsTools::sInt(cursor, &number, -1);
+        value = number;
+    } else if (field.run <= 4) {
+        const bool month = field.letter == 'M', brief = field.run == 3;
+        const auto found = month ? FindName(cursor, brief ? NlsGetShortMonth : NlsGetLongMonth, 1, kMonths)
+                                 : FindName(cursor, brief ? NlsGetShortDay : NlsGetLongDay, 0, kWeekdays);
+        if (!found) return false;
+        if (month) value = found;
+    }
+    return true;
+}
+
+bool SkipText(const char*& cursor, std::string_view text) {
+    for (const char c : text) {
+        if (*cursor == 0 || *cursor != c) return false;
+        ++cursor;
+    }
+    return true;
 }
 
 }  // namespace
 
-CString WriteDatePicture(const CString& picture, const CalendarDate& date) {
-    CString text;
-    for (const char* at = picture; *at;) {
-        if (*at == '\'') {
-            for (++at; *at && *at != '\''; ++at) text += *at;
-            if (*at) ++at;
-        } else if (*at == 'M' || *at == 'd' || *at == 'y') {
-            const char letter = *at;
-            int run = 0;
-            for (; *at == letter; ++at) ++run;
-            text += Field(letter, run, date);
-        } else {
-            text += *at++;
-        }
+void AppendDatePicture(CString& text, std::string_view picture, const CalendarDate& date) {
+    for (Element element; TakeElement(picture, element);) {
+        if (element.letter)
+            AppendField(text, element, date);
+        else
+            text += element.text;
     }
-    return text;
+}
+
+bool ReadDatePicture(const char*& cursor, std::string_view picture, CalendarDate& date) {
+    std::optional<int> year, month, day;
+    for (Element element; TakeElement(picture, element);) {
+        const bool matches = element.letter == 'y'   ? ReadYear(cursor, element.run, year)
+                             : element.letter == 'M' ? ReadField(cursor, element, month)
+                             : element.letter == 'd' ? ReadField(cursor, element, day)
+                                                     : SkipText(cursor, element.text);
+        if (!matches) return false;
+    }
+    if (!year || !month || !day) return false;
+    date = {*year, *month, *day, 0};
+    return true;
 }
 
 }  // namespace orvik::detail

@@ -3,6 +3,13 @@
 #include <climits>
 
 #include "res/ids.h"
+#include "time/clock_text.h"
+#include "time/date_picture_internal.h"
+#include "time/locale_cache.h"
+#include "time/span_text.h"
+#include "time/span_words_internal.h"
+
+using namespace orvik::detail;
 
 namespace {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
@@ -72,4 +79,31 @@ int CLocalNlsTools::GetDate(const char* text, const char* picture, CVXTTime& tim
         }
     }
     return year >= 0 && month >= 0 && day >= 0 ? time.SetDate(year, month, day) : 0;
+}
+
+int CLocalNlsTools::GetTime(const char* text, CVXTTime& time) { return _NlsGetTime(text, time); }
+
+int CLocalNlsTools::StringToTime(const char* text, CVXTTime& time) {
+    const char* start = text ? text : "";
+    eatWhite(start);
+    for (const CString* picture : {&TheLocaleCache().shortDate, &TheLocaleCache().longDate}) {
+        const char* cursor = start;
+        CalendarDate date;
+        CVXTTime read = time;
+        if (!ReadDatePicture(cursor, picture->GetView(), date) || !read.SetDate(date.year, date.month, date.day)) continue;
+        eatWhite(cursor);
+        if (*cursor && !GetTime(cursor, read)) continue;
+        time = read;
+        return 1;
+    }
+    return 0;
+}
+
+int CLocalNlsTools::GetShortTimeSpan(const char* text, CVXTTimeSpan& span, int strict) {
+    const SpanWords words = {&m_weeks, &m_days, &m_hours, &m_minutes, &m_seconds, &m_milliseconds, &m_microseconds};
+    return ReadShortSpan(text, words, span, strict);
+}
+int CLocalNlsTools::GetLongTimeSpan(const char* text, CVXTTimeSpan& span) { return _NlsGetLongTimeSpan(text, span); }
+int CLocalNlsTools::StringToSpan(const char* text, CVXTTimeSpan& span) {
+    return GetLongTimeSpan(text, span) || GetShortTimeSpan(text, span);
 }

@@ -26,6 +26,19 @@ public:
     // 2000 to 2041, 71 to 99 are 1971 to 1999, others lie from 1980 to 2041. Sets the date and keeps the time of day; 1, or 0
     // with `time` unchanged.
     int GetDate(const char* text, const char* picture, CVXTTime& time);
+    // Reads a time of day as _NlsGetTime does.
+    int GetTime(const char* text, CVXTTime& time);
+    // Reads what CVXTTime::Format writes: spaces, a date in the user's short or long picture and, if more than spaces follow, a
+    // time of day. Both are set, or the date alone with the time of day kept; 1, or 0 with `time` unchanged.
+    int StringToTime(const char* text, CVXTTime& time);
+
+    // Reads a number as _NlsGetReal does, with given separators (0 matches nothing), without a suffix and with nothing behind it.
+    static int GetReal(const char* text, char decimalSep, char thousandSep, double& value);
+
+    // Read spans as the functions of span_text.h do, the short form with the words held here.
+    int GetShortTimeSpan(const char* text, CVXTTimeSpan& span, int strict = 0);
+    int GetLongTimeSpan(const char* text, CVXTTimeSpan& span);
+    int StringToSpan(const char* text, CVXTTimeSpan& span);  // the long form or, where it fails, the short one
 
 private:
     // Words between semicolons, shortest first, with a semicolon at both ends.

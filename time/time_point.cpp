@@ -339,9 +339,10 @@ CString CVXTTime::Format() const {
     char time[255] = "";
     if (::GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &local, nullptr, time, sizeof time) == 0) *time = 0;
     CString text;
-    text.Format("%s %s",
-                WriteDatePicture(NlsGetShortDateSpec(), {local.wYear, local.wMonth, local.wDay, local.wDayOfWeek}).GetString(),
-                time);
+    text.Preallocate(31);
+    AppendDatePicture(text, TheLocaleCache().shortDate.GetView(), {local.wYear, local.wMonth, local.wDay, local.wDayOfWeek});
+    text += ' ';
+    text += time;
     return text;
 }
 

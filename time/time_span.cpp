@@ -7,6 +7,7 @@
 #include "res/ids.h"
 #include "time/integer_internal.h"
 #include "time/locale_cache.h"
+#include "time/span_units_internal.h"
 
 using namespace orvik::detail;
 
@@ -14,15 +15,13 @@ IMPLEMENT_SERIAL(CVXTTimeSpan, CObject, 1)
 
 namespace {
 
-constexpr __int64 kUnits[] = {1, 1'000, 1'000'000, 60'000'000, 3'600'000'000, 86'400'000'000, 604'800'000'000};
 constexpr __int64 kMillion = 1'000'000;
-
-bool IsUnit(CVXTTimeSpanType unit) { return unit >= TST_MICROSECONDS && unit <= TST_WEEKS; }
 
 __int64 FromFields(__int64 days, int hours, int minutes, int seconds, int milliseconds) {
     const __int64 allHours = WrapAdd(WrapMul(days, 24), hours);
-    return WrapAdd(WrapMul(allHours, kUnits[TST_HOURS]),
-                   minutes * kUnits[TST_MINUTES] + seconds * kUnits[TST_SECONDS] + milliseconds * kUnits[TST_MILLISECONDS]);
+    return WrapAdd(
+        WrapMul(allHours, kSpanUnits[TST_HOURS]),
+        minutes * kSpanUnits[TST_MINUTES] + seconds * kSpanUnits[TST_SECONDS] + milliseconds * kSpanUnits[TST_MILLISECONDS]);
 }
 
 CString ErrorText() {
@@ -33,7 +32,7 @@ CString ErrorText() {
 
 // Layouts 1 to 6: the whole count of the unit and, unless it is 0, the rest as decimals.
 CString Decimal(char sign, unsigned __int64 magnitude, CVXTTimeSpanType unit) {
-    const auto size = static_cast<unsigned __int64>(kUnits[unit]);
+    const auto size = static_cast<unsigned __int64>(kSpanUnits[unit]);
     const unsigned __int64 whole = magnitude / size;
     unsigned __int64 rest = magnitude - whole * size;
     if (unit > TST_SECONDS) rest /= size / kMillion;  // millionths of the unit
@@ -52,7 +51,7 @@ CString Decimal(char sign, unsigned __int64 magnitude, CVXTTimeSpanType unit) {
 CString Words(unsigned __int64 rest) {
     CString text;
     for (int unit = TST_WEEKS; unit >= TST_SECONDS; --unit) {
-        const auto size = static_cast<unsigned __int64>(kUnits[unit]);
+        const auto size = static_cast<unsigned __int64>(kSpanUnits[unit]);
         const unsigned __int64 count = rest / size;
         if (count == 0 && text.IsEmpty()) continue;
         CString word;
@@ -75,7 +74,8 @@ CVXTTimeSpan::CVXTTimeSpan(const __int64& days, int hours, int minutes, int seco
 CVXTTimeSpan::CVXTTimeSpan(double days) {
     double whole = 0;
     const double fraction = std::modf(days, &whole);
-    m_span = WrapAdd(WrapMul(ToInt64(whole), kUnits[TST_DAYS]), ToInt64(fraction * static_cast<double>(kUnits[TST_DAYS])));
+    m_span =
+        WrapAdd(WrapMul(ToInt64(whole), kSpanUnits[TST_DAYS]), ToInt64(fraction * static_cast<double>(kSpanUnits[TST_DAYS])));
 }
 CVXTTimeSpan::CVXTTimeSpan(const CVXTTimeSpan& other) : CObject(), m_span(other.m_span) {}
 CVXTTimeSpan& CVXTTimeSpan::operator=(const CVXTTimeSpan& other) {
@@ -84,14 +84,14 @@ CVXTTimeSpan& CVXTTimeSpan::operator=(const CVXTTimeSpan& other) {
 }
 
 void CVXTTimeSpan::Set(const __int64& value, CVXTTimeSpanType unit) {
-    if (IsUnit(unit)) m_span = WrapMul(value, kUnits[unit]);
+    if (IsSpanUnit(unit)) m_span = WrapMul(value, kSpanUnits[unit]);
 }
 void CVXTTimeSpan::Set(const __int64& days, int hours, int minutes, int seconds, int milliseconds) {
     m_span = FromFields(days, hours, minutes, seconds, milliseconds);
 }
 
 double CVXTTimeSpan::CvtToReal() const {
-    const __int64 day = kUnits[TST_DAYS];
+    const __int64 day = kSpanUnits[TST_DAYS];
     return static_cast<double>(m_span / day) + static_cast<double>(m_span % day) / static_cast<double>(day);
 }
 
@@ -109,27 +109,29 @@ CVXTTimeSpan CVXTTimeSpan::operator/(const __int64& divisor) const { return {Raw
 CVXTTimeSpan CVXTTimeSpan::Align(const CVXTTimeSpan& unit) const { return {Raw{}, m_span - m_span % unit.m_span}; }
 void CVXTTimeSpan::AlignTo(const CVXTTimeSpan& unit) { *this = Align(unit); }
 
-__int64 CVXTTimeSpan::GetTotal(CVXTTimeSpanType unit) const { return IsUnit(unit) ? m_span / kUnits[unit] : 0; }
+__int64 CVXTTimeSpan::GetTotal(CVXTTimeSpanType unit) const { return IsSpanUnit(unit) ? m_span / kSpanUnits[unit] : 0; }
 
 long CVXTTimeSpan::Get(CVXTTimeSpanType unit) const {
-    if (!IsUnit(unit)) return 0;
-    const __int64 within = unit == TST_WEEKS ? m_span : m_span % kUnits[unit + 1];
-    return static_cast<long>(within / kUnits[unit]);
+    if (!IsSpanUnit(unit)) return 0;
+    const __int64 within = unit == TST_WEEKS ? m_span : m_span % kSpanUnits[unit + 1];
+    return static_cast<long>(within / kSpanUnits[unit]);
 }
 
 __int64 CVXTTimeSpan::GetFrac(CVXTTimeSpanType unit, int digits) const {
-    if (!IsUnit(unit) || unit == TST_MICROSECONDS) return 0;
-    __int64 scale = 1;
-    for (int i = std::min(digits, 64); i > 0; --i) scale = WrapMul(scale, 10);
-    return WrapAdd(WrapMul(m_span % kUnits[unit], scale), scale / 2) / kUnits[unit];
+    if (!IsSpanUnit(unit) || unit == TST_MICROSECONDS) return 0;
+    // Half of the scale, added to the scaled rest before the division, is half a microsecond more to divide.
+    const __int64 halves = m_span % kSpanUnits[unit] * 2 + 1;
+    SpanDecimals decimals(SpanMagnitude(halves), unit);
+    __int64 fraction = 0;
+    for (int i = std::min(digits, 64); i > 0; --i) fraction = WrapAdd(WrapMul(fraction, 10), decimals.Next());
+    return halves < 0 ? WrapSub(0, fraction) : fraction;
 }
 
 int CVXTTimeSpan::Scan(const char*) { return 0; }
 
 CString CVXTTimeSpan::Format(ERelFormat layout) const {
     const char sign = m_span < 0 ? '-' : ' ';
-    const unsigned __int64 magnitude =
-        m_span < 0 ? 0 - static_cast<unsigned __int64>(m_span) : static_cast<unsigned __int64>(m_span);
+    const unsigned __int64 magnitude = SpanMagnitude(m_span);
     const unsigned __int64 seconds = magnitude / kMillion;
     // Fields are 32-bit numbers, whatever the span.
     const auto days = static_cast<int>(seconds / 86'400), hours = static_cast<int>(seconds / 3'600);

@@ -87,7 +87,7 @@ public:
     // What stands in the unit's own place: days 0 to 6, since there are weeks. Not positive for a negative span.
     long Get(CVXTTimeSpanType unit) const;
     // The part below the whole unit as an integer of `digits` decimals. Half of the last decimal's scale is added before the
-    // division, which is not the usual rounding; kept so on purpose. 0 for microseconds.
+    // division, which is not the usual rounding; kept so on purpose. 0 for microseconds. Exact up to 18 decimals.
     __int64 GetFrac(CVXTTimeSpanType unit, int digits) const;
 
     // Always 0 and without effect: reading text is the business of the span text functions.

@@ -7,9 +7,14 @@
 
 using orvik::detail::TheLocaleCache;
 using orvik::detail::TheNlsTexts;
-using orvik::detail::WriteDatePicture;
 
 namespace {
+
+CString WriteDatePicture(std::string_view picture, const orvik::detail::CalendarDate& date) {
+    CString text;
+    orvik::detail::AppendDatePicture(text, picture, date);
+    return text;
+}
 
 class LocaleCacheTest : public testing::Test {
 protected:

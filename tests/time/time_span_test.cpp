@@ -97,6 +97,8 @@ TEST(TimeSpan, FractionAddsHalfTheScaleNotHalfTheUnit) {
     EXPECT_EQ(Micro(90 * kMinute).GetFrac(TST_HOURS, 0), 0);
     EXPECT_EQ(Micro(999).GetFrac(TST_MICROSECONDS, 3), 0);
     EXPECT_EQ(Micro(999).GetFrac(static_cast<CVXTTimeSpanType>(7), 3), 0);
+    EXPECT_EQ(Micro(604'799'999'999).GetFrac(TST_WEEKS, 13), 9'999'999'999'991);  // beyond 64 bits on the way
+    EXPECT_EQ(Micro(-123'456'789).GetFrac(TST_HOURS, 12), -34'293'552'361);
     Micro(1).GetFrac(TST_WEEKS, INT_MAX);  // ends, whatever it gives
 }
 

@@ -1,0 +1,158 @@
+#include "time/clock_text.h"
+
+#include "tests/time/regional_fixture.h"
+#include "time/local_nls_tools.h"
+
+namespace {
+
+const CVXTTime kBefore(2001, 2, 3, 4, 5, 6, -1);
+
+// -1 for a text that is not read, else milliseconds since midnight.
+int Read(const char* text) {
+    CVXTTime time = kBefore;
+    if (!_NlsGetTime(text, time)) {
+        EXPECT_EQ(time, kBefore) << text;
+        return -1;
+    }
+    EXPECT_EQ(time.Get(TT_DAYOFMONTH), 3);
+    return ((time.Get(TT_HOUR) * 60 + time.Get(TT_MINUTE)) * 60 + time.Get(TT_SECOND)) * 1'000 + time.Get(TT_MILLISECOND);
+}
+constexpr int At(int hour, int minute, int second, int millisecond = 0) {
+    return ((hour * 60 + minute) * 60 + second) * 1'000 + millisecond;
+}
+
+class ClockText : public testing::Test {
+protected:
+    ClockText() {
+        m_text.Enter(kRegions[1]);  // American
+    }
+    void Designators(const char* morning, const char* afternoon) {
+        m_text.Set(LOCALE_S1159, morning), m_text.Set(LOCALE_S2359, afternoon);
+    }
+    RegionalText m_text;
+};
+class Clocks : public RegionTest {};
+FOR_EVERY_REGION(Clocks);
+
+}  // namespace
+
+TEST_F(ClockText, Reads) {
+    const struct {
+        const char* text;
+        int time;
+    } cases[] = {{"12:30", -1},
+                 {"12:30:", At(12, 30, 0)},
+                 {"  7:05:09.5  ", At(7, 5, 9, 500)},
+                 {"7:05:09,25", At(7, 5, 9, 250)},
+                 {"7:05:09.123", At(7, 5, 9, 123)},
+                 {"7:05:09.1234", -1},
+                 {"7:05:09.", At(7, 5, 9)},
+                 {"1:2:3:4", -1},
+                 {"::", 0},
+                 {":5:", At(0, 5, 0)},
+                 {"123:00:00", -1},
+                 {"1:123:00", -1},
+                 {"1:00:123", -1},
+                 {"24:00:00", -1},
+                 {"23:59:59", At(23, 59, 59)},
+                 {"1:60:00", -1},
+                 {"1:00:60", -1},
+                 {"1.00.00", -1},
+                 {"12:00:00 AM", 0},
+                 {"12:00:00AM", 0},
+                 {"1:00:00 PM", At(13, 0, 0)},
+                 {"12:00:00 PM  ", At(12, 0, 0)},
+                 {"0:00:00 PM", At(12, 0, 0)},
+                 {"13:00:00 PM", -1},
+                 {"13:00:00 AM", -1},
+                 {"1:00:00 pm", -1},
+                 {"1:00:00 PMx", -1},
+                 {"1:00:00 P", -1},
+                 {"1:00:00.5 PM", At(13, 0, 0, 500)},
+                 {"1:00:00 PM.5", -1},
+                 {"", -1},
+                 {nullptr, -1},
+                 {"x", -1}};
+    for (const auto& c : cases) EXPECT_EQ(Read(c.text), c.time) << c.text;
+    CVXTTime time = kBefore;
+    EXPECT_EQ(CLocalNlsTools().GetTime("12:30:05.25", time), 1);
+    EXPECT_EQ(time.GetBinaryTime(), CVXTTime(2001, 2, 3, 12, 30, 5, -1).GetBinaryTime() + 250'000);
+}
+
+TEST_F(ClockText, MovesOnByTheOtherDesignator) {
+    Designators("A", "PMX");
+    EXPECT_EQ(Read("1:00:00 PMX"), -1);           // one character on: "MX" is left
+    EXPECT_EQ(Read("1:00:00 A"), At(1, 0, 0));    // beyond the end is the end
+    EXPECT_EQ(Read("1:00:00 Axy"), At(1, 0, 0));  // three on
+    EXPECT_EQ(Read("1:00:00 Axyz"), -1);
+    Designators("AMX", "P");
+    EXPECT_EQ(Read("1:00:00 Pxy"), At(13, 0, 0));
+    EXPECT_EQ(Read("1:00:00 P"), At(13, 0, 0));
+    EXPECT_EQ(Read("1:00:00 AMX"), -1);
+    Designators("AM", "AMPM");  // the afternoon is tried first
+    EXPECT_EQ(Read("1:00:00 AMxx"), At(1, 0, 0));
+    EXPECT_EQ(Read("1:00:00 AMPM"), -1);
+}
+
+TEST_F(ClockText, EmptyDesignatorsMatchWhateverFollows) {
+    Designators("AM", "");
+    EXPECT_EQ(Read("1:00:00 xy"), At(13, 0, 0));
+    EXPECT_EQ(Read("1:00:00 AM"), At(13, 0, 0));
+    EXPECT_EQ(Read("1:00:00 xyz"), -1);
+    EXPECT_EQ(Read("13:00:00 xy"), -1);
+    EXPECT_EQ(Read("1:00:00"), At(1, 0, 0));
+    Designators("", "PM");
+    EXPECT_EQ(Read("1:00:00 PM"), -1);  // moves on by none
+    EXPECT_EQ(Read("12:00:00 xy"), 0);
+    Designators("", "");
+    EXPECT_EQ(Read("1:00:00 x"), -1);
+}
+
+TEST_F(ClockText, EmptyTimeSeparatorMatchesNothing) {
+    m_text.Set(LOCALE_STIMEFORMAT, "HHmmss");
+    if (NlsGetTimeSep() != 0) GTEST_FAIL() << NlsGetTimeSep();
+    for (const char* text : {"", "12", "123456", "12:30:05"}) EXPECT_EQ(Read(text), -1) << text;
+}
+
+TEST_F(ClockText, Writes) {
+    const struct {
+        const char *picture, *decimal;
+        int milliseconds;
+        const char* text;
+    } cases[] = {{"HH:mm:ss", ",", 1, "09:05:07,045"},
+                 {"HH:mm:ss", ",", 0, "09:05:07"},
+                 {"h:mm:ss tt", ".", 1, "9:05:07 AM.045"},
+                 {"H.mm.ss", "::", 1, "9.05.07::045"},  // the whole separator
+                 {"'kl' H.m.s", "", 1, "kl 9.5.7045"}};
+    CVXTTime time(2020, 2, 1, 9, 5, 7, -1);
+    time.SetBinaryTime(time.GetBinaryTime() + 45'999);
+    for (const auto& c : cases) {
+        m_text.Set(LOCALE_STIMEFORMAT, c.picture), m_text.Set(LOCALE_SDECIMAL, c.decimal);
+        CString text("before");
+        EXPECT_EQ(_NlsSetTime(text, time, c.milliseconds), 1);
+        EXPECT_STREQ(text, c.text);
+    }
+}
+
+TEST_P(Clocks, ReadBackWhatIsWritten) {
+    const __int64 midnight = CVXTTime(2020, 2, 1, 0, 0, 0, -1).GetBinaryTime();
+    CString text;
+    for (int second = 0; second < 86'400; second += 7) {
+        CVXTTime written = kBefore, read(2020, 2, 1, 3, 4, 5, -1);
+        written.SetBinaryTime(midnight + second * 1'000'000LL);
+        ASSERT_EQ(_NlsSetTime(text, written, 0), 1);
+        // Of a separator of two characters the reader takes the first.
+        ASSERT_EQ(_NlsGetTime(text, read), !Is("Strange")) << text.GetString();
+        if (!Is("Strange")) {
+            ASSERT_EQ(read, written) << text.GetString();
+        }
+        written.SetBinaryTime(written.GetBinaryTime() + second % 1'000 * 1'000);
+        ASSERT_EQ(_NlsSetTime(text, written, 1), 1);
+        // Milliseconds stand behind the designator, where they are not looked for.
+        const bool readable = !Is("Strange") && !Is("American") && !Is("Indian");
+        ASSERT_EQ(_NlsGetTime(text, read), readable) << text.GetString();
+        if (readable) {
+            ASSERT_EQ(read, written) << text.GetString();
+        }
+    }
+}

@@ -1,0 +1,26 @@
+// The module's writer of integers with a minimum width, for every text that has one.
+// Pure; any thread.
+#pragma once
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
+#include "afx/string.h"
+
+namespace orvik::detail {
+
+// Appends the decimal digits with a "-" for a negative value, and as many zeros in front of all of it, the sign included, as the
+// width asks for. A width of -1 pads nothing.
+template <class Integer>
+void AppendInteger(CString& text, Integer value, int width = -1) {
+    constexpr int kPad = 8;  // zeros that go with the digits in one piece
+    char piece[kPad + 24] = {'0', '0', '0', '0', '0', '0', '0', '0'};
+    char* const digits = piece + kPad;
+    const auto length = static_cast<int>(std::to_chars(digits, piece + sizeof piece, value).ptr - digits);
+    int zeros = std::max(width - length, 0);
+    for (; zeros > kPad; --zeros) text += '0';
+    text += std::string_view(digits - zeros, static_cast<size_t>(zeros + length));
+}
+
+}  // namespace orvik::detail

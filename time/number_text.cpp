@@ -1,0 +1,45 @@
+#include "time/number_text.h"
+
+#include <charconv>
+#include <climits>
+
+#include "time/locale_cache.h"
+
+CString NlsRealFmt(int n) { return CString('@', n); }
+
+CString NlsRealFmt(int intDigits, int fracDigits) {
+    CString picture('#', intDigits);
+    if (fracDigits < 1) return picture;
+    if (const char separator = NlsGetDecimalSep()) picture += separator;
+    picture += CString('#', fracDigits);
+    return picture;
+}
+
+int _NlsGetInteger(const CString& text, int& value) {
+    const std::string_view all = text.GetView();
+    if (all.empty()) return 0;
+    const std::string_view digits = all.substr(all[0] == '-');
+    if (digits.find_first_not_of("0123456789") != std::string_view::npos) return 0;
+    int number = 0;
+    if (std::from_chars(all.data(), all.data() + all.size(), number).ec == std::errc::result_out_of_range)
+        number = all[0] == '-' ? INT_MIN : INT_MAX;
+    value = number;
+    return 1;
+}
+
+int _NlsSetInteger(CString& text, int value) {
+    char digits[7];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+    text = error == std::errc() ? std::string_view(digits, static_cast<size_t>(end - digits)) : std::string_view();
+    return 1;
+}
+
+int _NlsSetFormat(CString format, const CString& source) {
+    format = source;
+    return 1;
+}
+
+int _NlsGetFormat(const CString& source, CString& format) {
+    format = source;
+    return 1;
+}
