@@ -24,10 +24,10 @@ SYSTEMTIME UtcFields(__int64 microseconds) {
     return fields;
 }
 
-std::string Stamp(const SYSTEMTIME& t, char between) {
+std::string Stamp(const SYSTEMTIME& t) {
     char text[64];
-    std::snprintf(text, sizeof text, "%04u-%02u-%02u%c%02u:%02u:%02u.%03u", t.wYear, t.wMonth, t.wDay, between, t.wHour,
-                  t.wMinute, t.wSecond, t.wMilliseconds);
+    std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02u.%03u", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute,
+                  t.wSecond, t.wMilliseconds);
     return text;
 }
 
@@ -106,13 +106,7 @@ void Session::Store(IPropertyDB& db) const {
 
 std::string Session::Table() const {
     std::vector<std::vector<std::string>> columns(1, {Say(Text::Time)});
-    for (INT_PTR row = 0; row < m_times.GetSize(); ++row) {
-        CVXTTime time;
-        time.SetBinaryTime(m_times.GetAt(row));
-        SYSTEMTIME local = {};
-        time.GetSystemTime(&local);
-        columns[0].push_back(Stamp(local, ' '));
-    }
+    for (INT_PTR row = 0; row < m_times.GetSize(); ++row) columns[0].push_back(TimeTextOf(m_times.GetAt(row)));
     for (const Channel& channel : m_channels) {
         auto& column = columns.emplace_back();
         column.push_back(ToUtf8(channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]"));
@@ -144,7 +138,7 @@ std::string Session::Csv() const {
         const __int64 at = m_times.GetAt(row);
         char micro[8];
         std::snprintf(micro, sizeof micro, "%03d", static_cast<int>(((at % 1000) + 1000) % 1000));
-        csv += Stamp(UtcFields(at), 'T') + micro + 'Z';
+        csv += Stamp(UtcFields(at)) + micro + 'Z';
         for (const Channel& channel : m_channels) csv += ',' + TextOf(channel.values.GetAt(row));
         csv += '\n';
     }

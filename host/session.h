@@ -31,7 +31,7 @@ public:
     size_t Count() const { return static_cast<size_t>(m_times.GetSize()); }
     const std::vector<Channel>& Channels() const { return m_channels; }
 
-    // A heading and one line a reading, for people: local times to the millisecond, six digits.
+    // A heading and one line a reading, for people: local times to the millisecond, six digits, in the user's regional format.
     std::string Table() const;
     // The same for programs: UTC times to the microsecond, values to the last bit, commas; one heading line.
     std::string Csv() const;

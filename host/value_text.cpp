@@ -4,11 +4,16 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
 #include "afx/collections.h"
 #include "frame/numeric_arrays.h"
 #include "host/console.h"
 #include "host/texts.h"
+#include "time/clock_text.h"
+#include "time/date_text.h"
+#include "time/locale_cache.h"
+#include "time/number_text.h"
 
 namespace {
 template <class T>
@@ -21,7 +26,13 @@ template <class T>
 bool ReadNumber(std::string_view text, T& value) {
     if (!text.empty() && text[0] == '+') text.remove_prefix(1);
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size();
+    if (error == std::errc() && end == text.data() + text.size()) return true;
+    if constexpr (std::is_floating_point_v<T>) {
+        std::string house;
+        if (text.find_first_of("0123456789") == std::string_view::npos) return false;  // a sign alone would read as 0
+        return FromUtf8(std::string(text), house) && _NlsGetReal(house.c_str(), value) && std::isfinite(value);
+    }
+    return false;
 }
 
 std::string_view TakePart(std::string_view& rest, bool& more) {
@@ -88,8 +99,23 @@ std::string TextOf(const CObject* value) {
 std::string TextOf(double value) { return NumberText(value); }
 
 std::string ShortTextOf(double value) {
-    char text[64];
-    return std::string(text, std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6).ptr);
+    CString text;
+    _NlsSetReal(text, value, "@@@@@@");
+    return ToUtf8(text.GetString());
+}
+
+std::string TimeTextOf(__int64 time) {
+    CVXTTime point;
+    point.SetBinaryTime(time);
+    CString date, clock, milliseconds;
+    _NlsSetShortDate(date, point);
+    _NlsSetTime(clock, point, 0);
+    milliseconds.Format("%s%03d", NlsGetDecimalSep() ? CString(NlsGetDecimalSep()).GetString() : ".", point.Get(TT_MILLISECOND));
+    // A designator stays at the end, where people expect it and where it is read.
+    int end = clock.GetLength();
+    while (end > 0 && (clock.GetAt(end - 1) < '0' || clock.GetAt(end - 1) > '9')) --end;
+    clock.Insert(end, milliseconds);
+    return ToUtf8((date + " " + clock).GetString());
 }
 
 void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kind, const std::string& text) {

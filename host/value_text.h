@@ -1,5 +1,6 @@
 // Stored values as text and back, for the command line: the kinds by their short names, elements joined by ";".
-// Numbers never depend on regional settings here; reals are written with as many digits as bring back the same bits.
+// What programs may read never depends on regional settings: reals have a point, and as many digits as bring back the same bits.
+// What is for people's eyes follows the user's settings, and what people type may.
 #pragma once
 
 #include <string>
@@ -11,10 +12,13 @@ std::string KindOf(const CObject* value);
 // UTF-8.
 std::string TextOf(const CObject* value);
 std::string TextOf(double value);
-// Six significant digits, for tables.
+// For tables: six significant digits with the user's decimal separator; the local date and time of a number of microseconds since
+// 1970 in the user's format, milliseconds behind the seconds. UTF-8.
 std::string ShortTextOf(double value);
+std::string TimeTextOf(__int64 time);
 
-// Stores `text` (UTF-8) under the key as a value of this kind. A Failure if the text is no such value or the key cannot hold it.
+// Stores `text` (UTF-8) under the key as a value of this kind. A real may be written as TextOf does or, where that is no number, in
+// the user's format. A Failure if the text is no such value or the key cannot hold it.
 void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kind, const std::string& text);
 
 // How much of a value the XML form keeps.

@@ -168,6 +168,21 @@ class Download(HostTest):
         answers = [match.group(1).split() for match in got if match and match.group(1)]
         self.assertEqual([len(answer) for answer in answers], [21] * 4)
 
+    def test_people_read_their_own_format(self):
+        self.assertEqual(self.download(self.simulate()).code, 0)
+        neutral = self.readings("session.odb")[1:]
+        for language, stamp, decimal in [("sv_SE.UTF-8", r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d,\d{3}", ","),
+                                         ("de_DE.UTF-8", r"\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d,\d{3}", ","),
+                                         ("en_US.UTF-8", r"\d+/\d+/\d{4} \d+:\d\d:\d\d\.\d{3} [AP]M", ".")]:
+            lines = self.host("show", "session.odb", language=language).out.splitlines()[1:]
+            self.assertEqual(len(lines), len(neutral))
+            for line, exact in zip(lines, neutral):
+                shown = re.fullmatch(stamp + r"((?: +\S+){5})", line)
+                self.assertTrue(shown, line)
+                for text, value in zip(shown.group(1).split(), map(float, exact[1:])):
+                    self.assertNotIn("." if decimal == "," else ",", text)
+                    self.assertAlmostEqual(float(text.replace(decimal, ".")), value, delta=abs(value) * 5e-6)
+
     def test_xml_and_archive_hold_the_same_session(self):
         port = self.simulate()
         self.assertEqual(self.download(port).code, 0)
@@ -327,6 +342,13 @@ class Databases(HostTest):
             self.assertEqual(self.host("db", "remove", name, "n").code, 0)
             self.assertIn("1 values in 1 folders", self.host("db", "check", name).out)
 
+    def test_reals_may_be_typed_in_the_users_format(self):
+        for typed, stored in [("1,5;-2,5e3;1.5", "1.5;-2500;1.5"), ("1.234,5", "1234.5"), ("12.34,5", None), ("1,5x", None), ("-", None)]:
+            result = self.host("db", "set", "a.odb", "k", typed, "--kind", "r64", language="de_DE.UTF-8")
+            self.assertEqual(result.code, 1 if stored is None else 0, result.err)
+            if stored is not None:
+                self.assertEqual(self.host("db", "get", "a.odb", "k", language="de_DE.UTF-8").out.rstrip("\r\n"), stored)
+
     def test_what_the_xml_form_cannot_hold_is_told(self):
         self.host("db", "set", "a.odb", "bytes", "1;2", "--kind", "u8")
         self.host("db", "set", "a.odb", "third", "0.3333333333333333", "--kind", "r64")
@@ -392,7 +414,7 @@ class Demo(HostTest):
         else:
             result = self.host()
         self.assertEqual(result.code, 0, result.err)
-        self.assertEqual(len(re.findall(r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}  ", result.out, re.M)), 12)
+        self.assertEqual(len(re.findall(r"^\d+/\d+/\d{4} \d+:\d\d:\d\d\.\d{3} [AP]M  ", result.out, re.M)), 12)
         for name in ("session.odb", "session.xml", "trace.txt"):
             self.assertGreater((self.folder / "out" / name).stat().st_size, 500)
             self.assertIn("out/" + name, result.out)
