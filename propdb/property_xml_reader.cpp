@@ -1,6 +1,7 @@
 #include "propdb/property_xml_reader.h"
 
 #include "propdb/property_db_internal.h"
+#include "propdb/property_key.h"
 #include "propdb/property_tree.h"
 #include "xml/number_text.h"
 
@@ -19,6 +20,9 @@ bool Is(std::string_view text, const char (&literal)[Size]) {
     return text.size() == Size - 1 && !std::memcmp(text.data(), literal, Size - 1);
 }
 
+// Elements make one node each; names with separators can make many.
+bool HasSeparator(std::string_view name) { return name.find('.') != name.npos; }
+
 // Cuts the text behind the next separator off and returns what stood before it.
 std::string_view TakeElement(std::string_view& text) {
     const size_t end = text.find(kElementSeparator);
@@ -31,7 +35,11 @@ std::string_view TakeElement(std::string_view& text) {
 PropertyXmlReader::PropertyXmlReader(CPropertyDB& database, CFile& file) : m_database(database), m_file(file) {}
 
 bool PropertyXmlReader::Read() {
+    // A node costs far more memory than the two characters by which a name with separators can ask for one. An element for each
+    // is longer than this many bytes, so only such names can use the nodes up, and a small file has some to spare.
+    constexpr unsigned kBytesPerNode = 20, kNodesToSpare = 2000;
     m_elementsLeft = m_file.GetLength();
+    m_nodesLeft = m_elementsLeft / kBytesPerNode + kNodesToSpare;
     return XmlScanner(m_file, m_entities, *this).Read(0) && m_open == 0 && m_rootClosed;
 }
 
@@ -51,6 +59,7 @@ bool PropertyXmlReader::OnOpen(unsigned long depth, std::string_view name, const
         std::string_view node;
         if (!attributes.Find("name", node)) return false;
         m_database.BeginUsing(TerminatedName(node));
+        if (m_manyNodes == 0 && HasSeparator(node)) m_manyNodes = m_database.m_usingStack.GetSize();
         m_node = nullptr;
     } else if (name != kRoot) {
         return false;
@@ -62,6 +71,7 @@ bool PropertyXmlReader::OnOpen(unsigned long depth, std::string_view name, const
 bool PropertyXmlReader::OnClose(unsigned long depth, std::string_view name) {
     if (name == kNode && depth > 0) {
         m_database.EndUsing();
+        if (m_database.m_usingStack.GetSize() < m_manyNodes) m_manyNodes = 0;
         m_node = nullptr;
     } else if (name == kRoot && depth == 0) {
         m_rootClosed = true;
@@ -105,8 +115,7 @@ bool PropertyXmlReader::ReadStrings(std::string_view name, INT_PTR count, std::s
     const INT_PTR held = text.empty() ? 0 : 1 + std::count(text.begin(), text.end(), kElementSeparator);
     m_strings.SetSize(std::max(count, held));
     for (INT_PTR index = 0; index < m_strings.GetSize(); ++index) m_strings.GetData()[index] = TakeElement(text);
-    Store(name, m_strings);
-    return true;
+    return Store(name, m_strings);
 }
 
 template <class Array, class Parse>
@@ -121,17 +130,17 @@ bool PropertyXmlReader::ReadNumbers(Array& array, std::string_view name, INT_PTR
         // The parsers stop at a separator themselves, so the last element need not be cut off.
         array.GetData()[index] = static_cast<Element>(parse(index + 1 == count ? text : TakeElement(text)));
     }
-    Store(name, array);
-    return true;
+    return Store(name, array);
 }
 
 // Stores relative to the using path. The path is walked for the first value of a node; the others go straight to it, unless a
 // quote in the path may reach into the key, or a derived class wants to see the calls. A key of another kind stays as it is.
-// Large arrays are not kept: as much memory again as the tree takes would be too much.
+// Large arrays are not kept: as much memory again as the tree takes would be too much. False when the file asks for more nodes
+// than it has a right to.
 template <class Array>
-void PropertyXmlReader::Store(std::string_view name, Array& array) {
+bool PropertyXmlReader::Store(std::string_view name, Array& array) {
     constexpr INT_PTR kSmall = 256;
-    if (m_node && !name.empty()) {
+    if (m_node && !name.empty() && !HasSeparator(name)) {
         CObject** const entry = CPropertyDB::MakeEntry(*m_node, name);
         if (entry && !*entry) *entry = new Array;
         if (entry && (*entry)->GetRuntimeClass() == Array::GetThisClass()) {
@@ -139,10 +148,32 @@ void PropertyXmlReader::Store(std::string_view name, Array& array) {
             m_database.m_bModified = TRUE;
         }
     } else {
-        m_database.SetMoving(TerminatedName(name), array);
+        const char* const key = TerminatedName(name);
+        if ((m_manyNodes != 0 || HasSeparator(name)) && !AffordNodes(key)) return false;
+        m_database.SetMoving(key, array);
         FindNode();
     }
     if (array.GetSize() > kSmall) array.RemoveAll();
+    return true;
+}
+
+// Counts the nodes that a value of this name makes on its way.
+bool PropertyXmlReader::AffordNodes(const char* name) {
+    const CPropertyDB::FullKey full(m_database, name, false);
+    const CMapStringToOb* node = &m_database.m_root;
+    std::string_view rest = full;
+    ULONGLONG missing = 0;
+    while (!rest.empty()) {
+        const std::string_view segment = TakeSegment(rest);
+        if (rest.empty()) break;
+        CObject* child = nullptr;
+        if (node && node->Lookup(segment, child) && child && !AsNode(child)) return true;  // a value in the way: nothing is made
+        node = AsNode(child);
+        missing += node == nullptr;
+    }
+    if (missing > m_nodesLeft) return false;
+    m_nodesLeft -= missing;
+    return true;
 }
 
 void PropertyXmlReader::FindNode() {

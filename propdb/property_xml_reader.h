@@ -29,8 +29,9 @@ private:
     bool Announce(std::string_view size, INT_PTR& count);
     bool ReadStrings(std::string_view name, INT_PTR count, std::string_view text);
     void FindNode();
+    bool AffordNodes(const char* name);
     template <class Array>
-    void Store(std::string_view name, Array& array);
+    bool Store(std::string_view name, Array& array);
     template <class Array, class Parse>
     bool ReadNumbers(Array& array, std::string_view name, INT_PTR count, std::string_view text, Parse parse);
     const char* TerminatedName(std::string_view name);
@@ -41,6 +42,8 @@ private:
     // The node of the using path, once a value has been stored there and if the path can be cut from the key; see Store.
     CMapStringToOb* m_node = nullptr;
     ULONGLONG m_elementsLeft = 0;  // that may still be announced
+    ULONGLONG m_nodesLeft = 0;     // that may still be made
+    INT_PTR m_manyNodes = 0;       // depth of the using stack at the outermost open node whose name makes many; 0: none
     unsigned m_open = 0;
     bool m_rootClosed = false;
     ShortText m_name;

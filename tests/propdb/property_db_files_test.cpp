@@ -214,6 +214,10 @@ TEST_F(PropertyDbFiles, XmlReadingTable) {
          true, "b = CWordArray 1\n"},
         {"<PROPERTY name=\"&quot;a.b&quot;\" type=\"u16\" size=\"1\">1</PROPERTY>", true, "\"a.b\" = CWordArray 1\n"},
         {"<PATH name=\"p\"><PROPERTY name=\"a\" type=\"u16\" size=\"1\">1</PROPERTY></PATH>", true, "p.a = CWordArray 1\n"},
+        {"<PROPERTY name=\"a\" type=\"u16\" size=\"1\">1</PROPERTY><PROPERTY name=\"n.m.a\" type=\"u16\" size=\"1\">2</PROPERTY>"
+         "<PROPERTY name=\"n.m.b\" type=\"u16\" size=\"1\">3</PROPERTY><PROPERTY name=\"a.x\" type=\"u16\" "
+         "size=\"1\">4</PROPERTY>",
+         true, "a = CWordArray 1\nn.m.a = CWordArray 2\nn.m.b = CWordArray 3\n"},
         {"<PATH name=\"p\"/><!c!><?m?>", true, ""},  // an empty node is not made again
         {"<PROPERTYDB><PATH name=\"p\"/></PROPERTYDB>", false, ""},
         {"<PROPERTY name=\"a\" type=\"u16\">1</PROPERTY>", false, ""},

@@ -110,6 +110,22 @@ TEST(PropertyDbMemory, Xml) {
         "tiny values",
         "<PROPERTYDB>" + Numbered("<PROPERTY name=\"", kCount, "\" type=\"str\" size=\"1\">b</PROPERTY>") + "</PROPERTYDB>",
         true);
+    ExpectBounded(
+        "one name of many segments",
+        "<PROPERTYDB><PROPERTY name=\"" + Repeated("a.", kCount) + "a\" type=\"u16\" size=\"1\">1</PROPERTY></PROPERTYDB>", true);
+    ExpectBounded(
+        "names of many segments",
+        "<PROPERTYDB>" +
+            Numbered("<PROPERTY name=\"", 1000, "." + Repeated("a.", 200) + "a\" type=\"u16\" size=\"1\">1</PROPERTY>") +
+            "</PROPERTYDB>",
+        true);
+    ExpectBounded(
+        "paths of many segments",
+        "<PROPERTYDB>" +
+            Numbered("<PATH name=\"", 1000,
+                     "." + Repeated("a.", 200) + "a\"><PROPERTY name=\"a\" type=\"u16\" size=\"1\">1</PROPERTY></PATH>") +
+            "</PROPERTYDB>",
+        true);
     ExpectBounded("attributes", "<PROPERTYDB><PROPERTY " + Repeated("a=\"\"", kCount) + "/></PROPERTYDB>", true);
     ExpectBounded("one long text", Str(std::string(5000000, 'x')), true);
     ExpectBounded("one long name", "<PROPERTYDB><PATH name=\"" + std::string(5000000, 'x') + "\"><a/></PATH></PROPERTYDB>", true);
