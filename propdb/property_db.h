@@ -135,7 +135,6 @@ private:
     template <class Array>
     BOOL GetStructure(const char* key, Array& elements) const;
     BOOL SetLong(const char* key, __int64 value, bool fitsDWord);
-    void PushUsing(std::string_view path);
 
     void EnumObjects(CStringArray& out) const;
     static void SortArray(CStringArray& array);

@@ -146,8 +146,6 @@ int CPropertyDB::Count(const char* key, int bValuesOnly) const {
     return elements;
 }
 
-void CPropertyDB::BeginUsing(const char* path) { PushUsing(TextOrEmpty(path)); }
-
 void CPropertyDB::BeginUsingFmt(const char* format, ...) {
     constexpr int kMaxCharacters = 254;
     CString path;
@@ -157,10 +155,11 @@ void CPropertyDB::BeginUsingFmt(const char* format, ...) {
         path.FormatV(format, arguments);
         va_end(arguments);
     }
-    PushUsing(path.GetView().substr(0, kMaxCharacters));
+    BeginUsing(path.Left(kMaxCharacters));
 }
 
-void CPropertyDB::PushUsing(std::string_view path) {
+void CPropertyDB::BeginUsing(const char* text) {
+    const std::string_view path = TextOrEmpty(text);
     const size_t length = m_strUsing.GetView().size();
     m_usingStack.Add(static_cast<WORD>(length));
     if (path.empty()) return;

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <limits>
+#include <string>
 
 using orvik::detail::AsNode;
 using orvik::detail::ValueClassOf;
@@ -16,10 +17,15 @@ BOOL CPropertyDB::SetValue(const char* key, const CObject* value, int bAbsolute)
     if (!kind && !isNode) return FALSE;
     const FullKey full(*this, key, bAbsolute != 0);
     if (std::string_view(full).empty()) return FALSE;
+    if (isNode) {
+        // The node is made where the key leads from the using path, even if it was looked for at the absolute key, on purpose.
+        CObject* found = nullptr;
+        const bool vacant =
+            Walk(full, found) ? found == nullptr : CPropertyDB::IsUniqueKey(std::string(std::string_view(full)).c_str()) != 0;
+        return vacant ? SetPath(key) : FALSE;
+    }
     CObject** const entry = MakeEntry(m_root, full);
-    if (!entry) return FALSE;
-    if (isNode) return *entry ? FALSE : SetPath(key);
-    return SetEntry(*entry, kind, value);
+    return entry ? SetEntry(*entry, kind, value) : FALSE;
 }
 
 // A key keeps its kind: the entry is null or takes values of that class only.

@@ -344,6 +344,15 @@ TEST_F(PropertyDb, ObjectsAreTakenByTheirClass) {
     EXPECT_TRUE(db.SetValue("a", &derived, 1));
     EXPECT_TRUE(db.SetValue("a", &derived, 0));
     EXPECT_EQ(AllKeys(db), (Keys{"a", "d", "n.m", "u.a"}));
+    // A node is made where the key leads from the using path; nothing else comes of it, and nothing of a failure.
+    EXPECT_FALSE(db.SetValue("d.v", &node, 1));
+    EXPECT_FALSE(db.SetValue("n.m", &node, 1));
+    EXPECT_TRUE(db.SetValue("q.r", &node, 1));
+    EXPECT_FALSE(db.SetValue("a", &node, 0));
+    db.BeginUsing("none");
+    EXPECT_FALSE(db.SetValue("", &node, 0));
+    EXPECT_FALSE(db.IsUniqueKey("u.q.r"));
+    for (const char* key : {"q.r", "u.none", "u.d"}) EXPECT_TRUE(db.IsUniqueKey(key)) << key;
 }
 
 TEST_F(PropertyDb, DerivedClassesSeeEveryWrite) {
@@ -359,12 +368,15 @@ TEST_F(PropertyDb, DerivedClassesSeeEveryWrite) {
             ++objects;
             return CPropertyDB::SetValue(key, value, absolute);
         }
+        void BeginUsing(const char* path) override { CPropertyDB::BeginUsing((std::string("w") + path).c_str()); }
     } watcher;
     watcher.SetValue("a", 5);
     watcher.SetValue("p", POINT{1, 2});
     EXPECT_EQ(watcher.words, 2);
     EXPECT_EQ(watcher.objects, 4);
     EXPECT_EQ(Contents(watcher), "a = CDWordArray 5\na2 = CDWordArray 5\np = CDWordArray 1 2\np2 = CDWordArray 1 2\n");
+    watcher.BeginUsingFmt("%d", 5);
+    EXPECT_EQ(watcher.GetUsing(), "w5.");
 }
 
 TEST_F(PropertyDb, FlagsSayWhatHappened) {
