@@ -3,6 +3,7 @@
 #include "afx/exception.h"
 #include "platform/win32.h"
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -52,7 +53,7 @@ FileReplacement::FileReplacement(const char* path) : m_target(path) {
 }
 
 void FileReplacement::OpenBeside() {
-    static unsigned s_count = 0;
+    static std::atomic<unsigned> s_count = 0;  // databases of several threads may be stored at once
     const std::string_view target = m_target.GetView();
     const std::string_view folder = target.substr(0, target.find_last_of("\\/:") + 1);  // npos + 1 is 0
     for (int attempt = 0;; ++attempt) {

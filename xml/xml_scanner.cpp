@@ -280,6 +280,7 @@ void XmlScanner::TakePosition() {
         m_file.Seek(static_cast<LONGLONG>(m_end - m_at), CFile::current);
     } else {
         m_at = m_end = m_keep;
+        m_buffer[m_end] = 0;
     }
 }
 }  // namespace orvik::detail
