@@ -16,13 +16,13 @@ Logger::Logger(Description description)
     : m_description(std::move(description)),
       m_blocks(PlanBlocks(m_description)),
       m_master(m_port),
-      m_connection(new modbus::Connection(m_masterLink)) {
+      m_connection(new modbus::Connection(m_master)) {
     m_connection->AddRef();
 }
 
 Logger::~Logger() {
     Disconnect();
-    m_masterLink = nullptr;
+    m_connection->Detach();
     m_connection->Release();
 }
 

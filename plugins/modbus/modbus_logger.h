@@ -10,12 +10,14 @@ namespace modbus {
 // Disconnected after a failure of the line, Closing and Closed at the end.
 class Connection : public COrvikConnection {
 public:
-    explicit Connection(Master*& master) : m_master(master) {}
+    explicit Connection(Master& master) : m_master(&master) {}
     void OnSerialCommEvent(CSerial::EEvent event, CSerial::EError error) override;
     void Enter(EState state, const char* description, BOOL wait) { StateTransition(state, description, wait); }
+    // The logger is going; whoever else holds the connection keeps it without one.
+    void Detach() { m_master = nullptr; }
 
 private:
-    Master*& m_master;
+    Master* m_master;  // the logger's; null once it has gone
 };
 
 class Logger : public ILogger {
@@ -35,7 +37,6 @@ private:
     const std::vector<Block> m_blocks;
     CSerialOrvik m_port;
     Master m_master;
-    Master* m_masterLink = &m_master;
     modbus::Connection* m_connection;  // one reference held
 };
 

@@ -8,8 +8,8 @@
 
 namespace modbus {
 namespace {
-// An answer comes in one piece; a pause this long within one means that the rest was lost. USB adapters deliver in steps of 16
-// ms.
+// An answer comes in one piece; a pause this much longer than a frame gap within one means that the rest was lost. USB adapters
+// deliver in steps of 16 ms.
 constexpr std::chrono::milliseconds kBrokenOff{100};
 
 // No wait is longer, so that an abort from another thread is seen soon.
@@ -18,9 +18,8 @@ constexpr std::chrono::milliseconds kSlice{50};
 
 void Master::Configure(const Line& line, DWORD timeout) {
     // 3.5 characters of silence separate frames; above 19,200 bit/s a fixed 1.75 ms (the serial line guide, 2.5.1.1).
-    const double characters = 3.5 * line.BitsPerCharacter() / line.baud;
-    m_gap = line.baud > 19200 ? std::chrono::microseconds(1750)
-                              : std::chrono::microseconds(static_cast<long long>(characters * 1e6) + 1);
+    m_character = std::chrono::microseconds(static_cast<long long>(1e6 * line.BitsPerCharacter() / line.baud) + 1);
+    m_gap = line.baud > 19200 ? std::chrono::microseconds(1750) : m_character * 7 / 2;
     m_timeout = std::chrono::milliseconds(std::max<DWORD>(timeout, 1));
     m_lineDied = false;
 }
@@ -49,10 +48,11 @@ Reply Master::Exchange(const Request& request, bool& anythingCame) {
     const LONG error = m_port.Write(frame.data(), frame.size(), &written, nullptr, static_cast<DWORD>(m_timeout.count()));
     CheckLine();
     if (error != 0 || written != frame.size()) Fail(CCommException::HardwareError);
-    const auto deadline = Clock::now() + m_timeout;
+    // The port takes the request at once; it is on the line for as long as its characters last.
+    const Clock::time_point deadline = Clock::now() + static_cast<int>(frame.size()) * m_character + m_timeout;
     std::vector<BYTE> received;
     for (;;) {
-        const auto until = received.empty() ? deadline : std::min(deadline, m_lastByte + kBrokenOff);
+        const Clock::time_point until = received.empty() ? deadline : std::min(deadline, m_lastByte + m_gap + kBrokenOff);
         if (!Receive(received, until)) return {};
         anythingCame = true;
         Reply reply = FindReply(received, request);

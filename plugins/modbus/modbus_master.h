@@ -46,6 +46,7 @@ private:
     [[noreturn]] void Fail(int code, const char* text = nullptr);
 
     CSerialOrvik& m_port;
+    std::chrono::microseconds m_character{1042};  // that one is on the line
     std::chrono::microseconds m_gap{1750};
     std::chrono::milliseconds m_timeout{1000};
     Clock::time_point m_lastByte{};

@@ -83,6 +83,10 @@ public:
             }
         });
     }
+    // From within `answer`: a piece of the answer ahead of the rest.
+    void Send(const std::vector<BYTE>& bytes) {
+        EXPECT_EQ(write(m_fd, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    }
     void PullAfter(int number) { m_pullAfter = number; }
 
 private:
@@ -183,6 +187,36 @@ TEST(ModbusPeer, ResynchronisesAfterNoise) {
         ASSERT_EQ(Outcome(logger, &value), 0) << round;
         EXPECT_EQ(value, 4711);
     }
+}
+
+// At 50 bits a second a character lasts 200 ms, so an answer is no more broken off after 150 than the line is silent.
+TEST(ModbusPeer, ASlowLineMayPauseBetweenCharacters) {
+    FarEnd far;
+    far.Serve([&](const modbus::Request& request, int) {
+        const std::vector<BYTE> reply = Good(request);
+        far.Send({reply.begin(), reply.begin() + 3});
+        std::this_thread::sleep_for(std::chrono::milliseconds(150));
+        return std::vector<BYTE>(reply.begin() + 3, reply.end());
+    });
+    modbus::Description description = OneRegister();
+    description.line.baud = 50;
+    modbus::Logger logger(description);
+    logger.Connect(far.Name(), kTimeout);
+    double value = 0;
+    EXPECT_EQ(Outcome(logger, &value), 0);
+    EXPECT_EQ(value, 4711);
+}
+
+TEST(ModbusPeer, AConnectionOutlivesItsLogger) {
+    FarEnd far;
+    auto logger = std::make_unique<modbus::Logger>(OneRegister());
+    logger->Connect(far.Name(), kTimeout);
+    COrvikConnection& connection = logger->Connection();
+    connection.AddRef();
+    logger.reset();
+    EXPECT_FALSE(connection.IsConnected());
+    connection.OnSerialCommEvent(static_cast<CSerial::EEvent>(0x0800), static_cast<CSerial::EError>(0x0400));
+    connection.Release();
 }
 
 TEST(ModbusPeer, FailuresHaveTheirCodes) {
