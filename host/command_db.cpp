@@ -36,7 +36,10 @@ void Set(const std::string& path, const std::string& key, const std::string& tex
         throw Failure{kWrongUse, Say(Text::KindFixed, {ToUtf8(key), kind})};
     // Values are given as they stand on the command line, which is this house's text; SetFromText takes the terminal's.
     SetFromText(db, key, !kind.empty() ? kind : wishedKind.empty() ? "str" : wishedKind, ToUtf8(text));
+    const XmlFit fit = IsXmlName(path) ? FitInXml(db.GetValueObject(key.c_str(), TRUE)) : XmlFit::Whole;
+    if (fit == XmlFit::Nothing) throw Failure{kWrongUse, Say(Text::KindNotInXml, {ToUtf8(path), wishedKind})};
     StoreDatabase(path, db);
+    if (fit == XmlFit::Changed) PrintError(Say(Text::ChangedInXml, {ToUtf8(key)}));
 }
 
 void Remove(const std::string& path, const std::string& key) {
@@ -60,12 +63,19 @@ void ConvertTo(const std::string& path, const std::string& target) {
     }
 }
 
-size_t CountFolders(const CPropertyDB& db, const CString& key) {
-    CStringArray folders;
-    db.Enum(key, folders, TRUE, FALSE);
-    size_t count = static_cast<size_t>(folders.GetSize());
-    for (INT_PTR i = 0; i < folders.GetSize(); ++i) count += CountFolders(db, folders.GetAt(i));
-    return count;
+// By the objects, not by their keys: a damaged file may hold names that no key leads to.
+size_t CountFolders(const CPropertyDB& db) {
+    std::vector<const CObject*> folders = {db.GetValueObject("", TRUE)};
+    for (size_t i = 0; i < folders.size(); ++i) {
+        const auto& folder = *static_cast<const CMapStringToOb*>(folders[i]);
+        for (POSITION at = folder.GetStartPosition(); at;) {
+            CString name;
+            CObject* child = nullptr;
+            folder.GetNextAssoc(at, name, child);
+            if (child != nullptr && child->IsKindOf(RUNTIME_CLASS(CMapStringToOb))) folders.push_back(child);
+        }
+    }
+    return folders.size() - 1;
 }
 
 void Check(const std::string& path) {
@@ -73,7 +83,7 @@ void Check(const std::string& path) {
     LoadDatabase(path, db);
     size_t values = 0;
     for (const std::string& key : AllKeys(db)) values += KindOf(db.GetValueObject(key.c_str(), TRUE)).empty() ? 0 : 1;
-    Print(Say(Text::Checked, {ToUtf8(path), std::to_string(values), std::to_string(CountFolders(db, ""))}));
+    Print(Say(Text::Checked, {ToUtf8(path), std::to_string(values), std::to_string(CountFolders(db))}));
 }
 }  // namespace
 

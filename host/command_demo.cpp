@@ -22,7 +22,7 @@ void MakeFolder(const std::string& folder) {
 class Served {
 public:
     explicit Served(std::unique_ptr<ILoggerSimulator> simulator)
-        : m_line(std::move(simulator), LineFault::None), m_thread([this] { m_line.Serve(); }) {}
+        : m_line(std::move(simulator), LineFault::None, Text::NoVirtualPorts), m_thread([this] { m_line.Serve(); }) {}
     ~Served() {
         m_line.Stop();
         m_thread.join();

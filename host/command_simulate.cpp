@@ -24,7 +24,7 @@ ExitCode RunSimulate(CHostApp& app, const Words& words) {
     const LineFault fault = FaultNamed(arguments.Get("--fault"));
     CPropertyDB description;
     LoadLoggerDescription(arguments.Get("--logger"), description);
-    SimulatedLine line(MakeSimulator(app, description), fault, arguments.Get("--link"));
+    SimulatedLine line(MakeSimulator(app, description), fault, Text::NoSimulator, arguments.Get("--link"));
     const StopRequest stop;
     Print(line.PortName());
     Print(Say(Text::Serving));

@@ -15,9 +15,12 @@ std::string ReadText(IPropertyDB& db, const std::string& key) {
     return static_cast<const char*>(text);
 }
 
+// The times of which calendar text can be made, microseconds since 1970: the years 1601 to 9999.
+constexpr __int64 kFirstTime = -11'644'473'600'000'000LL, kLastTime = 253'402'300'799'999'999LL;
+
 // 100 ns steps since 1601 for microseconds since 1970, from which the system knows the calendar.
 SYSTEMTIME UtcFields(__int64 microseconds) {
-    const auto ticks = static_cast<unsigned __int64>((microseconds + 11'644'473'600'000'000LL) * 10);
+    const auto ticks = static_cast<unsigned __int64>((microseconds - kFirstTime) * 10);
     const FILETIME file = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
     SYSTEMTIME fields = {};
     FileTimeToSystemTime(&file, &fields);
@@ -135,7 +138,7 @@ std::string Session::Csv() const {
         csv += ',' + CsvField(ToUtf8(channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]"));
     csv += '\n';
     for (INT_PTR row = 0; row < m_times.GetSize(); ++row) {
-        const __int64 at = m_times.GetAt(row);
+        const __int64 at = std::clamp(m_times.GetAt(row), kFirstTime, kLastTime);
         char micro[8];
         std::snprintf(micro, sizeof micro, "%03d", static_cast<int>(((at % 1000) + 1000) % 1000));
         csv += Stamp(UtcFields(at)) + micro + 'Z';

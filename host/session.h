@@ -33,7 +33,8 @@ public:
 
     // A heading and one line a reading, for people: local times to the millisecond, six digits, in the user's regional format.
     std::string Table() const;
-    // The same for programs: UTC times to the microsecond, values to the last bit, commas; one heading line.
+    // The same for programs: UTC times to the microsecond (those outside the years 1601 to 9999 as their ends), values to the
+    // last bit, commas; one heading line.
     std::string Csv() const;
 
 private:

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "host/console.h"
-#include "host/texts.h"
 
 namespace {
 // Every third answer comes after stray bytes, every fifth with one bit flipped: a master that asks again gets through.
@@ -12,10 +11,11 @@ constexpr BYTE kStray[] = {0xFF, 0x00, 0x11, 0x04, 0xA5};
 constexpr unsigned kAnswersBeforeUnplug = 3;
 }  // namespace
 
-SimulatedLine::SimulatedLine(std::unique_ptr<ILoggerSimulator> simulator, LineFault fault, const std::string& link)
+SimulatedLine::SimulatedLine(std::unique_ptr<ILoggerSimulator> simulator, LineFault fault, Text withoutPorts,
+                             const std::string& link)
     : m_simulator(std::move(simulator)), m_fault(fault) {
     const DWORD error = m_port.Create(link.empty() ? nullptr : link.c_str());
-    if (error == ERROR_NOT_SUPPORTED) throw Failure{kWrongUse, Say(Text::NoVirtualPorts)};
+    if (error == ERROR_NOT_SUPPORTED) throw Failure{kWrongUse, Say(withoutPorts)};
     if (error != 0) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(link), Reason(error)})};
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/logger_family.h"
+#include "host/texts.h"
 #include "platform/virtual_port.h"
 
 enum class LineFault {
@@ -18,8 +19,9 @@ enum class LineFault {
 
 class SimulatedLine {
 public:
-    // Takes the simulator. A Failure if this system has no virtual ports; `link` as in VirtualPort::Create.
-    SimulatedLine(std::unique_ptr<ILoggerSimulator> simulator, LineFault fault, const std::string& link = {});
+    // Takes the simulator. A Failure if this system has no virtual ports, which says `withoutPorts`; `link` as in
+    // VirtualPort::Create.
+    SimulatedLine(std::unique_ptr<ILoggerSimulator> simulator, LineFault fault, Text withoutPorts, const std::string& link = {});
 
     std::string PortName() const { return m_port.GetDeviceName(); }
     // Answers until Stop, or until the fault has pulled the plug.

@@ -366,9 +366,27 @@ class Databases(HostTest):
         self.assertIn("nothing", self.refused(1, "db", "get", "a.xml", "nothing"))
         self.assertIn("zap", self.refused(1, "db", "set", "a.xml", "z", "1", "--kind", "zap"))
         self.assertIn("none.xml", self.refused(3, "db", "list", "none.xml"))
+        before = (self.folder / "a.xml").read_bytes()
+        for kind in ("u8", "i32"):
+            self.assertIn("XML", self.refused(1, "db", "set", "a.xml", "bytes", "1", "--kind", kind))
+        self.assertEqual((self.folder / "a.xml").read_bytes(), before)
+        result = self.host("db", "set", "a.xml", "third", "0.3333333333333333", "--kind", "r64")
+        self.assertEqual((result.code, len(result.sentences)), (0, 1), result.err)
         (self.folder / "folder").mkdir()
         self.assertIn("folder", self.refused(3, "db", "list", "folder"))
         self.assertIn("access denied", self.refused(3, "db", "convert", "a.xml", "folder"))
+
+    def test_names_that_no_key_leads_to(self):
+        node = b"\0\xff\xff\0\0\x0e\0CMapStringToOb\1\0\0\1\x80\0\0"  # a folder without a name, in it another
+        (self.folder / "n.odb").write_bytes(b"\0\0\1\0" + node)
+        self.assertIn("0 values in 2 folders", self.host("db", "check", "n.odb").out)
+
+    def test_times_beyond_the_calendar(self):
+        self.host("db", "set", "s.odb", "Session.tTimes", "-9223372036854775808;0;9223372036854775807", "--kind", "i64")
+        self.host("db", "set", "s.odb", "Channels.1.rValues", "1;2;3", "--kind", "r64")
+        times = [row[0] for row in self.readings("s.odb")[1:]]
+        self.assertEqual(times, ["1601-01-01T00:00:00.000000Z", "1970-01-01T00:00:00.000000Z", "9999-12-31T23:59:59.999999Z"])
+        self.assertEqual(len(self.host("show", "s.odb").out.splitlines()), 4)
 
     def test_a_damaged_file_is_refused_and_left_alone(self):
         self.host("db", "set", "a.odb", "k", "some text")
@@ -410,6 +428,7 @@ class Demo(HostTest):
     def test_the_main_job(self):
         if options.wine:
             self.assertIn("--port", self.refused(1, "demo"))
+            self.assertIn("simulate needs", self.refused(1, "simulate"))
             result = self.host("demo", "--port", self.simulate())
         else:
             result = self.host()
