@@ -9,6 +9,7 @@
 #include "afx/list.h"
 #include "afx/map.h"
 #include "tests/afx/bytes.h"
+#include "tests/afx/object_tree.h"
 
 using namespace afx_test;
 
@@ -122,17 +123,6 @@ TEST(StringMap, RemembersItsTableSize) {
     EXPECT_EQ(map.GetCount(), 1);
     EXPECT_NE(map.Find("x"), nullptr);
     EXPECT_EQ(map.Find("y"), nullptr);
-}
-
-void DeleteTree(CMapStringToOb& map) {
-    for (POSITION position = map.GetStartPosition(); position != nullptr;) {
-        std::string_view key;
-        CObject* object = nullptr;
-        map.GetNextAssoc(position, key, object);
-        if (auto* node = DYNAMIC_DOWNCAST(CMapStringToOb, object)) DeleteTree(*node);
-        delete object;
-    }
-    map.RemoveAll();
 }
 
 TEST(MapStringToOb, ArchivesCountKeysAndObjects) {

@@ -5,22 +5,12 @@
 #include "afx/array.h"
 #include "afx/collections.h"
 #include "tests/afx/bytes.h"
+#include "tests/afx/object_tree.h"
 #include "tests/support/memory/memory_meter.h"
 
 using namespace afx_test;
 
 namespace {
-void DeleteTree(CMapStringToOb& map) {
-    for (POSITION position = map.GetStartPosition(); position != nullptr;) {
-        std::string_view key;
-        CObject* object = nullptr;
-        map.GetNextAssoc(position, key, object);
-        if (auto* node = DYNAMIC_DOWNCAST(CMapStringToOb, object)) DeleteTree(*node);
-        delete object;
-    }
-    map.RemoveAll();
-}
-
 // Loads the bytes as a tree of maps; what comes of it is deleted again.
 void LoadTree(CFile& file) {
     CMapStringToOb map;
