@@ -86,8 +86,8 @@ public:
     // result is then null and *pObTag the index.
     CRuntimeClass* ReadClass(const CRuntimeClass* pClassRefRequested = nullptr, UINT* pSchema = nullptr, DWORD* pObTag = nullptr);
     void SerializeClass(const CRuntimeClass* pClassRef);
-    // Gives an object the next index without storing or loading it, for code that does this itself. Loading: the object then belongs to
-    // the archive as if ReadObject had made it; null takes the index and lets nothing refer to it.
+    // Gives an object the next index without storing or loading it, for code that does this itself. Loading: the object then
+    // belongs to the archive as if ReadObject had made it; null takes the index and lets nothing refer to it.
     void MapObject(const CObject* pOb);
     // The schema of the object being read; asking gives (UINT)-1 from then on.
     UINT GetObjectSchema();

@@ -1,4 +1,5 @@
-// The version of this module. Plug-ins are compiled with it and carry it in their stamp (plugin_stamp.h); the build reads it from here.
+// The version of this module. Plug-ins are compiled with it and carry it in their stamp (plugin_stamp.h); the build reads it from
+// here.
 #pragma once
 
 #define ORVIK_MODULE_VERSION "1.0.0"

@@ -104,15 +104,25 @@ using HRGN = struct HRGN__*;
 #define MAKEINTRESOURCEW(i) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(i))))
 #define IS_INTRESOURCE(r) ((reinterpret_cast<ULONG_PTR>(r) >> 16) == 0)
 
-struct POINT { LONG x, y; };
-struct SIZE { LONG cx, cy; };
-struct RECT { LONG left, top, right, bottom; };
+struct POINT {
+    LONG x, y;
+};
+struct SIZE {
+    LONG cx, cy;
+};
+struct RECT {
+    LONG left, top, right, bottom;
+};
 using LPPOINT = POINT*;
 using LPRECT = RECT*;
 using LPCRECT = const RECT*;
 
-struct FILETIME { DWORD dwLowDateTime, dwHighDateTime; };
-struct SYSTEMTIME { WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds; };
+struct FILETIME {
+    DWORD dwLowDateTime, dwHighDateTime;
+};
+struct SYSTEMTIME {
+    WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;
+};
 
 struct GUID {
     DWORD Data1;
@@ -121,7 +131,10 @@ struct GUID {
 };
 
 union LARGE_INTEGER {
-    __extension__ struct { DWORD LowPart; LONG HighPart; };
+    __extension__ struct {
+        DWORD LowPart;
+        LONG HighPart;
+    };
     LONGLONG QuadPart;
 };
 

@@ -2,8 +2,8 @@
 #include "tests/propdb/property_db_fixture.h"
 
 #include <clocale>
-#include <cstdlib>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>

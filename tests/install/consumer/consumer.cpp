@@ -7,5 +7,6 @@ int main() {
     CPropertyDB db;
     db.SetValue("Logger.tInterval", CVXTTimeSpan(90, TST_MINUTES));
     CVXTTimeSpan interval;
-    return db.GetValue("Logger.tInterval", interval) && std::printf("%s\n", static_cast<const char*>(interval.Format(RF_HM))) > 0 ? 0 : 1;
+    if (!db.GetValue("Logger.tInterval", interval)) return 1;
+    return std::puts(interval.Format(RF_HM)) < 0;
 }
