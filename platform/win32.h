@@ -11,6 +11,9 @@
 // The C run-time's 64-bit time functions.
 #include <sys/timeb.h>
 #include <time.h>
+// Its calls for directories, drives and access.
+#include <direct.h>
+#include <io.h>
 #else
 #include "platform/posix/win32_names.h"
 #endif

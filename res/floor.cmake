@@ -4,7 +4,8 @@ file(GLOB ORVIK_RESOURCE_FILES CONFIGURE_DEPENDS
 if(WIN32)
   enable_language(RC)
   set(ORVIK_RESOURCE_SOURCE ${CMAKE_SOURCE_DIR}/res/OrvikShared.rc)
-  set_source_files_properties(${ORVIK_RESOURCE_SOURCE} PROPERTIES INCLUDE_DIRECTORIES ${CMAKE_SOURCE_DIR}/res)
+  set_source_files_properties(${ORVIK_RESOURCE_SOURCE} PROPERTIES INCLUDE_DIRECTORIES "${CMAKE_SOURCE_DIR}/res;${CMAKE_SOURCE_DIR}")
+  list(APPEND ORVIK_RESOURCE_FILES ${CMAKE_SOURCE_DIR}/res/version_record.rc ${CMAKE_SOURCE_DIR}/frame/version.h)
 else()
   set(ORVIK_RESOURCE_SOURCE ${CMAKE_SOURCE_DIR}/res/posix/embedded.cpp)
   set_source_files_properties(${ORVIK_RESOURCE_SOURCE} PROPERTIES COMPILE_OPTIONS -Wa,-I${CMAKE_SOURCE_DIR}/res)  # for .incbin

@@ -2,18 +2,19 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <fnmatch.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "platform/posix/handle_table_internal.h"
 #include "platform/posix/text.h"
@@ -95,26 +96,66 @@ void FlushFolderOf(const std::string& path) {
     close(fd);
 }
 
+// A search reads its folder as it goes.
 struct Search : KernelObject {
     static constexpr Kind kKind = kSearch;
     Search() : KernelObject(kSearch) {}
-    std::vector<std::string> names;  // what is still to be given, last first
-    std::string folder;
+    ~Search() override {
+        if (folder != nullptr) closedir(folder);
+    }
+    std::mutex lock;
+    DIR* folder = nullptr;
+    std::string pattern;
 };
+
+// "*" any run, "?" any one character; the case of letters is that of the pattern or not. No recursion, and time is bounded by the
+// product of the two lengths.
+bool MatchesPattern(std::string_view pattern, std::string_view name) {
+    const bool plain = IsBeyond1252(name);
+    const auto fold = [plain](char c) { return plain && (c & 0x80) ? c : LowerCase1252(c); };
+    size_t p = 0, n = 0, star = std::string_view::npos, from = 0;
+    while (n < name.size()) {
+        if (p < pattern.size() && pattern[p] == '*') {
+            star = p++;
+            from = n;
+        } else if (p < pattern.size() && (pattern[p] == '?' || fold(pattern[p]) == fold(name[n]))) {
+            ++p, ++n;
+        } else if (star != std::string_view::npos) {
+            p = star + 1;  // the last run takes one more
+            n = ++from;
+        } else {
+            return false;
+        }
+    }
+    while (p < pattern.size() && pattern[p] == '*') ++p;
+    return p == pattern.size();
+}
+
+// The pattern as documented: without a wildcard it is a name, and names are exact here; ".*" at the end is also matched by a name
+// without extension.
+bool Matches(std::string_view pattern, std::string_view name) {
+    if (pattern.find_first_of("*?") == std::string_view::npos) return pattern == name;
+    if (MatchesPattern(pattern, name)) return true;
+    constexpr std::string_view kAnyExtension = ".*";
+    return pattern.size() > 2 && pattern.substr(pattern.size() - 2) == kAnyExtension &&
+           name.find('.') == std::string_view::npos && MatchesPattern(pattern.substr(0, pattern.size() - 2), name);
+}
 
 DWORD TakeNext(Search& search, WIN32_FIND_DATAA* data) {
     if (data == nullptr) return ERROR_INVALID_PARAMETER;
-    while (!search.names.empty()) {
-        const std::string name = std::move(search.names.back());
-        search.names.pop_back();
+    const std::lock_guard lock(search.lock);
+    while (const dirent* entry = readdir(search.folder)) {
+        const std::string name = HousePath(entry->d_name);
+        // What could not be named back is passed over.
+        if (name.size() >= MAX_PATH || name.find('\\') != std::string::npos || !Matches(search.pattern, name)) continue;
         struct stat info;
-        const std::string path = search.folder + name;
+        const int folder = dirfd(search.folder);
         // A dangling link is still an entry; one that vanished meanwhile is not.
-        if (stat(path.c_str(), &info) != 0 && lstat(path.c_str(), &info) != 0) continue;
+        if (fstatat(folder, entry->d_name, &info, 0) != 0 && fstatat(folder, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+            continue;
         *data = {};
-        Describe(info, IsHiddenName(name), *data);
-        const std::string shown = HousePath(name);  // shorter than MAX_PATH by choice of the names
-        shown.copy(data->cFileName, shown.size());
+        Describe(info, IsHiddenName(entry->d_name), *data);
+        name.copy(data->cFileName, name.size());
         return ERROR_SUCCESS;
     }
     return ERROR_NO_MORE_FILES;
@@ -232,25 +273,15 @@ HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data) {
     std::string path;
     if (!TakeName(pattern, path)) return INVALID_HANDLE_VALUE;
     const size_t slash = path.find_last_of('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
     auto search = std::make_shared<Search>();
-    search->folder = slash == std::string::npos ? "./" : path.substr(0, slash + 1);
-    std::string wanted = slash == std::string::npos ? path : path.substr(slash + 1);
-    if (wanted == "*.*") wanted = "*";  // as documented: every name, with or without an extension
-    std::string escaped;                // of the system's matcher only "*" and "?" are meant
-    for (const char c : wanted) {
-        if (c == '[' || c == ']' || c == '\\') escaped += '\\';
-        escaped += c;
-    }
-    DIR* folder = opendir(search->folder.c_str());
-    if (folder == nullptr) {
+    search->pattern = HousePath(slash == std::string::npos ? path : path.substr(slash + 1));
+    if (search->pattern == "*.*") search->pattern = "*";
+    search->folder = opendir(folder.c_str());
+    if (search->folder == nullptr) {
         Fail(errno == ENOENT || errno == ENOTDIR ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno));
         return INVALID_HANDLE_VALUE;
     }
-    while (const dirent* entry = readdir(folder)) {
-        if (fnmatch(escaped.c_str(), entry->d_name, 0) == 0 && HousePath(entry->d_name).size() < MAX_PATH)
-            search->names.emplace_back(entry->d_name);
-    }
-    closedir(folder);
     const DWORD error = TakeNext(*search, data);
     if (error != ERROR_SUCCESS) {
         Fail(error == ERROR_NO_MORE_FILES ? ERROR_FILE_NOT_FOUND : error);

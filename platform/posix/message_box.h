@@ -1,5 +1,9 @@
-// Message boxes where there is no screen: the text goes to the standard error stream, and the default button answers. Any thread.
+// Message boxes where there is no screen: the text goes to the standard error stream, and the default button is the answer. The last
+// ones are kept, so that a program without a user can look up what it was told. Any thread.
 #pragma once
+
+#include <string>
+#include <vector>
 
 #include "platform/api.h"
 #include "platform/posix/types.h"
@@ -12,6 +16,8 @@
 #define MB_RETRYCANCEL 0x00000005u
 #define MB_TYPEMASK 0x0000000Fu
 #define MB_ICONSTOP 0x00000010u
+#define MB_ICONHAND MB_ICONSTOP
+#define MB_ICONERROR MB_ICONSTOP
 #define MB_ICONQUESTION 0x00000020u
 #define MB_ICONEXCLAMATION 0x00000030u
 #define MB_ICONINFORMATION 0x00000040u
@@ -31,3 +37,13 @@
 // A program without a user never waits here: the answer is the button that Enter would press. 0 and error 87 for an unknown set
 // of buttons.
 ORVIK_API int WINAPI MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
+
+namespace orvik::detail {
+struct ShownMessage {
+    std::string text, caption;  // Windows-1252
+    UINT type;
+    int answer;
+};
+// The last messages shown since the last call, oldest first, 64 at most. Any thread.
+ORVIK_API std::vector<ShownMessage> TakeShownMessages();
+}  // namespace orvik::detail

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "platform/posix/drives_internal.h"
 #include "platform/posix/errors.h"
 
 namespace orvik::detail {
@@ -68,14 +69,31 @@ std::string Utf8From1252(std::string_view text) {
     return out;
 }
 
-std::string SystemPath(std::string_view name) {
-    bool beyond1252 = false;
-    for (std::string_view rest = name; !rest.empty();) {
-        const char32_t c = TakeUtf8(rest);
-        if (c == kInvalid) return Utf8From1252(name);
-        beyond1252 |= ByteFromUnicode(c) < 0;
+char LowerCase1252(char byte) {
+    const auto ch = static_cast<unsigned char>(byte);
+    if ((ch >= 'A' && ch <= 'Z') || (ch >= 0xC0 && ch <= 0xDE && ch != 0xD7)) return static_cast<char>(ch + 0x20);
+    if (ch == 0x8A || ch == 0x8C || ch == 0x8E) return static_cast<char>(ch + 0x10);
+    return ch == 0x9F ? '\xFF' : byte;
+}
+
+bool IsBeyond1252(std::string_view name) {
+    bool beyond = false;
+    while (!name.empty()) {
+        const char32_t c = TakeUtf8(name);
+        if (c == kInvalid) return false;
+        beyond |= ByteFromUnicode(c) < 0;
     }
-    return beyond1252 ? std::string(name) : Utf8From1252(name);
+    return beyond;
+}
+
+std::string SystemPath(std::string_view name) {
+    constexpr std::string_view kLiteral = R"(\\?\)";  // "take the rest as it is", which it is here anyway
+    if (name.substr(0, kLiteral.size()) == kLiteral) name.remove_prefix(kLiteral.size());
+    const bool otherComputer = name.substr(0, 2) == R"(\\)";
+    std::string path = IsBeyond1252(name) ? std::string(name) : Utf8From1252(name);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    if (otherComputer) return std::string(kNowhere) + path;
+    return HasDrive(path) ? DrivePath(path) : path;
 }
 
 std::string HousePath(std::string_view name) {
@@ -178,4 +196,14 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int chars, LPS
     }
     if (usedDefault != nullptr) *usedDefault = used;
     return Deliver(result, out, outBytes);
+}
+
+int lstrcmpiA(LPCSTR first, LPCSTR second) {
+    if (first == nullptr || second == nullptr) return (first != nullptr) - (second != nullptr);
+    const bool plain = IsBeyond1252(first) || IsBeyond1252(second);
+    const auto fold = [plain](char byte) {
+        return static_cast<unsigned char>(plain && static_cast<unsigned char>(byte) >= 0x80 ? byte : LowerCase1252(byte));
+    };
+    while (*first != 0 && fold(*first) == fold(*second)) ++first, ++second;
+    return (fold(*first) > fold(*second)) - (fold(*first) < fold(*second));
 }

@@ -138,6 +138,11 @@ union LARGE_INTEGER {
     LONGLONG QuadPart;
 };
 
+union ULARGE_INTEGER {
+    __extension__ struct { DWORD LowPart, HighPart; };
+    ULONGLONG QuadPart;
+};
+
 #define LF_FACESIZE 32
 struct LOGFONTA {
     LONG lfHeight, lfWidth, lfEscapement, lfOrientation, lfWeight;

@@ -3,6 +3,7 @@
 
 #include "platform/posix/console.h"
 #include "platform/posix/crt_time.h"
+#include "platform/posix/directories.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/events.h"
 #include "platform/posix/file_security.h"
@@ -20,5 +21,6 @@
 #include "platform/posix/text.h"
 #include "platform/posix/threads.h"
 #include "platform/posix/types.h"
+#include "platform/posix/version.h"
 #include "platform/posix/waits.h"
 #include "platform/posix/window.h"

@@ -1,0 +1,148 @@
+// Version records of sample libraries (samples/make) and of this module's own, on both homes.
+#include "ui/version_info.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "frame/version.h"
+
+namespace {
+
+std::string Sample(const char* name) { return std::string(SAMPLES) + name; }
+
+// The system's language, which chooses the texts.
+unsigned long SystemLanguage() {
+    char text[16] = "";
+    EXPECT_NE(GetLocaleInfoA(LOCALE_SYSTEM_DEFAULT, LOCALE_ILANGUAGE, text, sizeof text), 0);
+    return std::strtoul(text, nullptr, 16);
+}
+
+constexpr unsigned long kSwedish = 0x041D, kAmerican = 0x0409;
+
+void ExpectModule(const CVersionInfo& info) {
+    ASSERT_TRUE(info.IsValid());
+    // "a.b.c" as numbers; samples/make brings the samples up to date.
+    DWORD ms = 0, ls = 0;
+    info.GetFileVersion(&ms, &ls);
+    EXPECT_EQ(std::to_string(HIWORD(ms)) + "." + std::to_string(LOWORD(ms)) + "." + std::to_string(HIWORD(ls)), ORVIK_MODULE_VERSION);
+    EXPECT_EQ(LOWORD(ls), 0);
+    DWORD productMs = 0, productLs = 0;
+    info.GetProductVersion(&productMs, &productLs);
+    EXPECT_EQ(productMs, ms);
+    EXPECT_EQ(productLs, ls);
+    EXPECT_STREQ(info.GetFileVersion(), ORVIK_MODULE_VERSION);
+    EXPECT_STREQ(info.GetProductVersion(), ORVIK_MODULE_VERSION);
+    EXPECT_STREQ(info.GetInternalName(), "OrvikShared");
+    EXPECT_STREQ(info.GetOriginalFilename(), "OrvikShared.dll");
+    EXPECT_STREQ(info.GetProductName(), "Orvik");
+    EXPECT_STREQ(info.GetFileDescription(), SystemLanguage() == kSwedish ? "Systemmodul f\xF6r dataloggrar" : "System module for data loggers");
+    EXPECT_STREQ(info.GetLegalCopyright(), "");
+    EXPECT_EQ(info.GetFileOS(), DWORD{VOS_NT_WINDOWS32});
+    EXPECT_EQ(info.GetFileType(), CVersionInfo::typeDll);
+    EXPECT_EQ(info.GetSubType(), CVersionInfo::subTypeUnknown);
+    EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagDebug), 0);
+}
+
+}  // namespace
+
+TEST(VersionInfo, TheModuleTellsItsVersionInBothLanguages) {
+    ExpectModule(CVersionInfo(MODULE_FILE));
+    ExpectModule(CVersionInfo(Sample("module-x64.dll").c_str()));
+    ExpectModule(CVersionInfo(Sample("module-x86.dll").c_str()));
+}
+
+TEST(VersionInfo, FixedInformationComesAsItStands) {
+    const CVersionInfo info(Sample("american.dll").c_str());
+    ASSERT_TRUE(info.IsValid());
+    DWORD ms = 0, ls = 0;
+    info.GetFileVersion(&ms, &ls);
+    EXPECT_EQ(ms, 0x00020003u);
+    EXPECT_EQ(ls, 0x00040005u);
+    info.GetProductVersion(&ms, &ls);
+    EXPECT_EQ(ms, 0x00060007u);
+    EXPECT_EQ(ls, 0x0008FFFFu);
+    EXPECT_EQ(info.GetFileType(), CVersionInfo::typeDriver);
+    EXPECT_EQ(info.GetSubType(), CVersionInfo::subTypeComm);
+}
+
+TEST(VersionInfo, FlagsCountWhateverTheMaskSays) {
+    const CVersionInfo info(Sample("american.dll").c_str());  // its mask is 0
+    EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagDebug), 1);
+    EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagPrerelease), 1);
+    EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagPatched), 0);
+    // Every bit, not any.
+    EXPECT_EQ(info.GetFileFlag(static_cast<CVersionInfo::EFileFlag>(VS_FF_DEBUG | VS_FF_PRERELEASE)), 1);
+    EXPECT_EQ(info.GetFileFlag(static_cast<CVersionInfo::EFileFlag>(VS_FF_DEBUG | VS_FF_PATCHED)), 0);
+}
+
+TEST(VersionInfo, TheOnlyLanguageIsTakenOnEverySystem) {
+    const CVersionInfo info(Sample("american.dll").c_str());
+    const struct {
+        const char *found, *expected;
+    } texts[] = {{info.GetFileDescription(), "Logger driver, 5 \x80 at 10 ?"},
+                 {info.GetFileVersion(), "2.3.4 build 5"},
+                 {info.GetInternalName(), "american"},
+                 {info.GetLegalCopyright(), "Copyright"},
+                 {info.GetLegalTrademarks(), "Trademarks"},
+                 {info.GetOriginalFilename(), "american.dll"},
+                 {info.GetPrivateBuild(), "Private"},
+                 {info.GetProductName(), "Sample"},
+                 {info.GetProductVersion(), "6.7"},
+                 {info.GetSpecialBuild(), "Special"}};
+    for (const auto& text : texts) EXPECT_STREQ(text.found, text.expected);
+}
+
+TEST(VersionInfo, TheSystemsLanguageElseTheFirst) {
+    const CVersionInfo info(Sample("order.dll").c_str());
+    const unsigned long language = SystemLanguage();
+    const bool first = language != kSwedish && language != kAmerican;
+    EXPECT_STREQ(info.GetProductName(), first ? "Japanese" : language == kSwedish ? "Swedish" : "American");
+    EXPECT_STREQ(info.GetInternalName(), "");
+    EXPECT_STREQ(info.GetSpecialBuild(), first ? "after the empty one" : "");
+}
+
+TEST(VersionInfo, TextsUnderAnotherCodePageAreNotFound) {
+    const CVersionInfo info(Sample("other_page.dll").c_str());
+    EXPECT_TRUE(info.IsValid());
+    EXPECT_STREQ(info.GetProductName(), "");
+}
+
+TEST(VersionInfo, WithoutTranslationsThereAreNoTexts) {
+    const CVersionInfo info(Sample("no_translation.dll").c_str());
+    ASSERT_TRUE(info.IsValid());
+    EXPECT_STREQ(info.GetProductName(), "");
+    DWORD ms = 0, ls = 0;
+    info.GetFileVersion(&ms, &ls);
+    EXPECT_EQ(ms, 0x00040003u);
+}
+
+TEST(VersionInfo, FilesWithoutAVersionAreNotValid) {
+    for (const std::string& name : {Sample("plain.dll"), Sample("plain.rc"), Sample("missing.dll"), Sample(""), std::string()}) {
+        const CVersionInfo info(name.c_str());
+        EXPECT_FALSE(info.IsValid()) << name;
+        EXPECT_STREQ(info.GetProductName(), "") << name;
+    }
+    EXPECT_FALSE(CVersionInfo(static_cast<const char*>(nullptr)).IsValid());
+}
+
+TEST(VersionInfo, AModuleIsReadFromItsFile) {
+    // This program holds the module's resources on Windows; elsewhere it is no file with a version.
+    char path[MAX_PATH] = "";
+    GetModuleFileNameA(nullptr, path, MAX_PATH);
+    const CVersionInfo byModule(static_cast<HINSTANCE>(nullptr)), byName(path);
+    EXPECT_EQ(byModule.IsValid(), byName.IsValid());
+    EXPECT_STREQ(byModule.GetProductName(), byName.GetProductName());
+    EXPECT_STREQ(byModule.GetProductName(), byModule.IsValid() ? "Orvik" : "");
+}
+
+TEST(VersionInfo, EmptiedItIsNotValid) {
+    CVersionInfo info(Sample("american.dll").c_str());
+    ASSERT_STREQ(info.GetProductName(), "Sample");
+    info.Empty();
+    EXPECT_FALSE(info.IsValid());
+    EXPECT_STREQ(info.GetProductName(), "");
+    info.Empty();
+    EXPECT_FALSE(info.IsValid());
+}
