@@ -22,23 +22,23 @@ public:
     // 1 if the path may be used so, else 0.
     static int Access(const char* path, eACCESS_MODE mode);
 
-    // The working directory, always with a backslash at its end. 0, and `dir` as it was, where it has more than 255 characters or is
-    // gone.
+    // The working directory, always with a backslash at its end. 0, and `dir` as it was, where it has more than 255 characters or
+    // is gone.
     static int GetDir(CString& dir);
 
-    // Changes drive and directory to a path that starts with a drive letter; a backslash at its end does not matter. 1, or 0: then the
-    // drive may have been changed, or, where the free space of the drive cannot be read, both.
+    // Changes drive and directory to a path that starts with a drive letter; a backslash at its end does not matter. 1, or 0:
+    // then the drive may have been changed, or, where the free space of the drive cannot be read, both.
     static int ChDir(const char* path);
 
-    // The bare names of the entries that match a pattern such as "C:\\data\\*.xml", "." and ".." among them. Sorted by their bytes, so
-    // capitals first, if `sort` is not 0. An empty list when nothing matches or the folder cannot be read.
+    // The bare names of the entries that match a pattern such as "C:\\data\\*.xml", "." and ".." among them. Sorted by their
+    // bytes, so capitals first, if `sort` is not 0. An empty list when nothing matches or the folder cannot be read.
     static void ListDir(const char* pattern, CStringArray& names, int sort, eDIRSPECIFIER kind);
 
-    // Copies a file to a name that does not exist yet. 1, or 0 after one message to the user. Names that differ in the case of their
-    // letters only count as the same file, on both homes.
+    // Copies a file to a name that does not exist yet. 1, or 0 after one message to the user. Names that differ in the case of
+    // their letters only count as the same file, on both homes.
     static int CopyFileA(const char* source, const char* target);
 
-    // Free bytes on a drive, cut to 32 bits: beyond 4 GiB the number starts again, which is kept on purpose. -1 for a drive that cannot
-    // be read.
+    // Free bytes on a drive, cut to 32 bits: beyond 4 GiB the number starts again, which is kept on purpose. -1 for a drive that
+    // cannot be read.
     static LONG FreeSpace(char drive);
 };

@@ -1,8 +1,7 @@
-// What a program or library says of itself in its version resource: version numbers, flags, kind, and texts in the language of the
-// system. On Linux too, of Windows files (PE); a file of another kind has no version information.
-// One thread at a time for one object. The object owns its copy of the resource; texts that it returns live as long as that.
-// No errors are reported: a file that cannot be read or has no version information gives an object that is not valid and whose texts
-// are empty.
+// What a program or library says of itself in its version resource: version numbers, flags, kind, and texts in the language of
+// the system. On Linux too, of Windows files (PE); a file of another kind has no version information. One thread at a time for
+// one object. The object owns its copy of the resource; texts that it returns live as long as that. No errors are reported: a
+// file that cannot be read or has no version information gives an object that is not valid and whose texts are empty.
 #pragma once
 
 #include "platform/win32.h"
@@ -68,8 +67,8 @@ public:
     EFileType GetFileType() const;
     ESubType GetSubType() const;
 
-    // Texts, "" for one that is missing or empty. The language is the system's where the file names it, else the file's first; the code
-    // page of the key is always 04B0, whatever the file says.
+    // Texts, "" for one that is missing or empty. The language is the system's where the file names it, else the file's first;
+    // the code page of the key is always 04B0, whatever the file says.
     const char* GetFileDescription() const;
     const char* GetFileVersion() const;
     const char* GetInternalName() const;

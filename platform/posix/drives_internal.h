@@ -1,7 +1,7 @@
-// Drive letters over this system's one tree of folders. C: is the root "/". Every other letter is a symbolic link "d:" in the drives
-// directory ($ORVIK_DRIVES_DIR, else $XDG_CONFIG_HOME/orvik/drives, else ~/.config/orvik/drives) to the folder that is its root; a
-// letter without a link is a drive that is not there. docs/files.md tells users.
-// Any thread. The current drive and each drive's folder belong to the process, as the working directory does.
+// Drive letters over this system's one tree of folders. C: is the root "/". Every other letter is a symbolic link "d:" in the
+// drives directory ($ORVIK_DRIVES_DIR, else $XDG_CONFIG_HOME/orvik/drives, else ~/.config/orvik/drives) to the folder that is its
+// root; a letter without a link is a drive that is not there. docs/files.md tells users. Any thread. The current drive and each
+// drive's folder belong to the process, as the working directory does.
 #pragma once
 
 #include <string>

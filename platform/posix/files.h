@@ -1,5 +1,5 @@
-// Files, folders and disks under their Win32 calls. Names are this house's text (see SystemPath in text.h): "/" and backslash separate
-// folders, drive letters are understood (docs/files.md). Names that are given back are the system's own, with "/".
+// Files, folders and disks under their Win32 calls. Names are this house's text (see SystemPath in text.h): "/" and backslash
+// separate folders, drive letters are understood (docs/files.md). Names that are given back are the system's own, with "/".
 // CreateFileA, ReadFile and WriteFile serve ports and files alike and stand in io.h. Any thread.
 #pragma once
 
@@ -60,21 +60,25 @@ ORVIK_API DWORD WINAPI GetFullPathNameA(LPCSTR name, DWORD size, LPSTR out, LPST
 ORVIK_API DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR out);
 ORVIK_API DWORD WINAPI GetTempPathA(DWORD size, LPSTR out);
 
-// Copies a file's bytes, permissions and time of last change to a name that nothing has yet; `failIfExists` FALSE is refused with error
-// 50. The target appears when it is complete, under its own name or not at all. Failures: 2 or 3 the source or the target's folder is
-// missing, 5 not allowed, 50 the source is no file, 80 the target exists, 112 the disk is full.
+// Copies a file's bytes, permissions and time of last change to a name that nothing has yet; `failIfExists` FALSE is refused with
+// error
+// 50. The target appears when it is complete, under its own name or not at all. Failures: 2 or 3 the source or the target's
+// folder is missing, 5 not allowed, 50 the source is no file, 80 the target exists, 112 the disk is full.
 ORVIK_API BOOL WINAPI CopyFileA(LPCSTR source, LPCSTR target, BOOL failIfExists);
 
-// Of the disk whose root is given as "C:\\" or "/"; null is that of the working directory. What the caller may use counts as free. On
-// disks beyond what the numbers can say the clusters are told as larger and fewer. Failures: 3 no such drive, 144 not a root.
+// Of the disk whose root is given as "C:\\" or "/"; null is that of the working directory. What the caller may use counts as
+// free. On disks beyond what the numbers can say the clusters are told as larger and fewer. Failures: 3 no such drive, 144 not a
+// root.
 ORVIK_API BOOL WINAPI GetDiskFreeSpaceA(LPCSTR root, LPDWORD sectorsPerCluster, LPDWORD bytesPerSector, LPDWORD freeClusters,
                                         LPDWORD clusters);
 // Bytes free for the caller, of all, and free for anybody, on the disk that holds the folder; null numbers are not given.
-ORVIK_API BOOL WINAPI GetDiskFreeSpaceExA(LPCSTR folder, ULARGE_INTEGER* freeForCaller, ULARGE_INTEGER* all, ULARGE_INTEGER* free);
+ORVIK_API BOOL WINAPI GetDiskFreeSpaceExA(LPCSTR folder, ULARGE_INTEGER* freeForCaller, ULARGE_INTEGER* all,
+                                          ULARGE_INTEGER* free);
 
-// Entries of one folder whose name matches the last part of `pattern` ("*" any run, "?" any one character, "*.*" all), "." and ".."
-// included as documented. A pattern with wildcards does not look at the case of letters, as on Windows; without one it is a name, and
-// a name has its case. Entries that could not be named back are passed over: MAX_PATH bytes or more, or a backslash in the name.
+// Entries of one folder whose name matches the last part of `pattern` ("*" any run, "?" any one character, "*.*" all), "." and
+// ".." included as documented. A pattern with wildcards does not look at the case of letters, as on Windows; without one it is a
+// name, and a name has its case. Entries that could not be named back are passed over: MAX_PATH bytes or more, or a backslash in
+// the name.
 ORVIK_API HANDLE WINAPI FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data);
 ORVIK_API BOOL WINAPI FindNextFileA(HANDLE find, WIN32_FIND_DATAA* data);
 ORVIK_API BOOL WINAPI FindClose(HANDLE find);

@@ -1,5 +1,5 @@
-// Message boxes where there is no screen: the text goes to the standard error stream, and the default button is the answer. The last
-// ones are kept, so that a program without a user can look up what it was told. Any thread.
+// Message boxes where there is no screen: the text goes to the standard error stream, and the default button is the answer. The
+// last ones are kept, so that a program without a user can look up what it was told. Any thread.
 #pragma once
 
 #include <string>

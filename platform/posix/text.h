@@ -22,8 +22,9 @@ ORVIK_API int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR text
 ORVIK_API int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int chars, LPSTR out, int outBytes,
                                          LPCSTR defaultChar, LPBOOL usedDefault);
 
-// 0 for texts that differ in the case of their letters at most (Windows-1252, whatever the process locale), else -1 or 1 by the first
-// difference. A null text comes before every other. A text that is a file name beyond Windows-1252 has the case of A to Z alone.
+// 0 for texts that differ in the case of their letters at most (Windows-1252, whatever the process locale), else -1 or 1 by the
+// first difference. A null text comes before every other. A text that is a file name beyond Windows-1252 has the case of A to Z
+// alone.
 ORVIK_API int WINAPI lstrcmpiA(LPCSTR first, LPCSTR second);
 
 namespace orvik::detail {
@@ -39,8 +40,8 @@ bool IsBeyond1252(std::string_view name);
 
 // The name that the system's file calls take for a name in this house's text. Windows-1252 text becomes UTF-8; text beyond
 // Windows-1252 passes as it stands, so that a file named in any script can be reached.
-// A backslash separates folders as "/" does; a drive letter leads to its folder; a name of another computer (two backslashes first)
-// leads nowhere. docs/files.md has the whole rule.
+// A backslash separates folders as "/" does; a drive letter leads to its folder; a name of another computer (two backslashes
+// first) leads nowhere. docs/files.md has the whole rule.
 std::string SystemPath(std::string_view name);
 // The reverse for names that the system gives: Windows-1252 where it can be said in it, else as it stands.
 std::string HousePath(std::string_view name);

@@ -1,6 +1,7 @@
 // A version resource is a tree of nodes: length, length of the value, kind, name in 16-bit characters, value, children; value and
-// children begin at multiples of 4. The block that callers hold is the resource as it stands and then each of its 16-bit units as one
-// byte of Windows-1252, so that a text of the resource has its narrow twin at half its offset, and looking up changes nothing.
+// children begin at multiples of 4. The block that callers hold is the resource as it stands and then each of its 16-bit units as
+// one byte of Windows-1252, so that a text of the resource has its narrow twin at half its offset, and looking up changes
+// nothing.
 #include "platform/posix/version.h"
 
 #include <algorithm>
@@ -22,15 +23,15 @@ size_t WordAt(const unsigned char* block, size_t at) { return static_cast<size_t
 size_t Align(size_t offset) { return (offset + 3) & ~size_t{3}; }
 
 struct Node {
-    size_t end;            // behind its last child
-    size_t name, nameLength;  // in bytes from the block's start; in characters
+    size_t end;                 // behind its last child
+    size_t name, nameLength;    // in bytes from the block's start; in characters
     size_t value, valueLength;  // in bytes
     bool text;
     size_t children;
 };
 
-// The node at `at`, which must lie before `limit`. None where its announced length has no room for it; what it announces beyond its
-// own end is cut to it.
+// The node at `at`, which must lie before `limit`. None where its announced length has no room for it; what it announces beyond
+// its own end is cut to it.
 std::optional<Node> NodeAt(const unsigned char* block, size_t at, size_t limit) {
     if (at + kNodeHeader > limit) return std::nullopt;
     const size_t length = WordAt(block, at);

@@ -1,5 +1,5 @@
-// From a PE file to its version resource. Offsets and counts come from the file, so each read is checked against the file's length,
-// nothing is read twice on the file's word, and the three levels of the resource directory are walked as three steps.
+// From a PE file to its version resource. Offsets and counts come from the file, so each read is checked against the file's
+// length, nothing is read twice on the file's word, and the three levels of the resource directory are walked as three steps.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,7 +18,7 @@ namespace orvik::detail {
 namespace {
 
 constexpr DWORD kVersionType = 16;
-constexpr size_t kMaxSections = 96;  // what the system's loader accepts
+constexpr size_t kMaxSections = 96;      // what the system's loader accepts
 constexpr size_t kMaxResource = 0xFFFF;  // a version block tells its own length in 16 bits
 
 DWORD Word(const unsigned char* at) { return static_cast<DWORD>(at[0] | at[1] << 8); }
@@ -99,7 +99,8 @@ public:
         return false;
     }
 
-    // One entry of the resource directory at `offset`: what it points to, the number with the least rank first. A rank of -1 is no match.
+    // One entry of the resource directory at `offset`: what it points to, the number with the least rank first. A rank of -1 is
+    // no match.
     template <class Rank>
     std::optional<DWORD> FindEntry(DWORD offset, Rank rank) const {
         unsigned char table[16], row[8];

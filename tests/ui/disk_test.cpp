@@ -81,8 +81,9 @@ TEST_F(Disk, ADirectoryToldCanBeGoneBackTo) {
 
 TEST_F(Disk, AFailedChangeLeavesTheDirectory) {
     folder.Write("file.txt", "1");
-    for (const std::string& path : {folder("missing"), folder("file.txt"), std::string("Q:\\"), std::string("Q:\\logs"),
-                                    std::string("logs"), std::string("\\"), std::string("\xE5:\\"), std::string("["), std::string()}) {
+    for (const std::string& path :
+         {folder("missing"), folder("file.txt"), std::string("Q:\\"), std::string("Q:\\logs"), std::string("logs"),
+          std::string("\\"), std::string("\xE5:\\"), std::string("["), std::string()}) {
         EXPECT_EQ(CDisk::ChDir(path.c_str()), 0) << path;
         EXPECT_EQ(Dir(), folder.Path()) << path;
     }

@@ -37,7 +37,9 @@ public:
     const std::string& Path() const { return m_path; }
     std::string operator()(const std::string& name) const { return m_path + name; }
 
-    void Write(const std::string& name, const std::string& bytes) const { std::ofstream(m_folder / name, std::ios::binary) << bytes; }
+    void Write(const std::string& name, const std::string& bytes) const {
+        std::ofstream(m_folder / name, std::ios::binary) << bytes;
+    }
     std::string Read(const std::string& name) const {
         std::ifstream file(m_folder / name, std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(file), {});
@@ -46,7 +48,8 @@ public:
     bool Has(const std::string& name) const { return std::filesystem::exists(m_folder / name); }
     // How many entries there are, whatever their names.
     int Count() const {
-        return static_cast<int>(std::distance(std::filesystem::directory_iterator(m_folder), std::filesystem::directory_iterator()));
+        return static_cast<int>(
+            std::distance(std::filesystem::directory_iterator(m_folder), std::filesystem::directory_iterator()));
     }
 
 private:

@@ -26,7 +26,8 @@ void ExpectModule(const CVersionInfo& info) {
     // "a.b.c" as numbers; samples/make brings the samples up to date.
     DWORD ms = 0, ls = 0;
     info.GetFileVersion(&ms, &ls);
-    EXPECT_EQ(std::to_string(HIWORD(ms)) + "." + std::to_string(LOWORD(ms)) + "." + std::to_string(HIWORD(ls)), ORVIK_MODULE_VERSION);
+    EXPECT_EQ(std::to_string(HIWORD(ms)) + "." + std::to_string(LOWORD(ms)) + "." + std::to_string(HIWORD(ls)),
+              ORVIK_MODULE_VERSION);
     EXPECT_EQ(LOWORD(ls), 0);
     DWORD productMs = 0, productLs = 0;
     info.GetProductVersion(&productMs, &productLs);
@@ -37,7 +38,8 @@ void ExpectModule(const CVersionInfo& info) {
     EXPECT_STREQ(info.GetInternalName(), "OrvikShared");
     EXPECT_STREQ(info.GetOriginalFilename(), "OrvikShared.dll");
     EXPECT_STREQ(info.GetProductName(), "Orvik");
-    EXPECT_STREQ(info.GetFileDescription(), SystemLanguage() == kSwedish ? "Systemmodul f\xF6r dataloggrar" : "System module for data loggers");
+    EXPECT_STREQ(info.GetFileDescription(),
+                 SystemLanguage() == kSwedish ? "Systemmodul f\xF6r dataloggrar" : "System module for data loggers");
     EXPECT_STREQ(info.GetLegalCopyright(), "");
     EXPECT_EQ(info.GetFileOS(), DWORD{VOS_NT_WINDOWS32});
     EXPECT_EQ(info.GetFileType(), CVersionInfo::typeDll);
@@ -69,6 +71,7 @@ TEST(VersionInfo, FixedInformationComesAsItStands) {
 
 TEST(VersionInfo, FlagsCountWhateverTheMaskSays) {
     const CVersionInfo info(Sample("american.dll").c_str());  // its mask is 0
+    ASSERT_TRUE(info.IsValid());
     EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagDebug), 1);
     EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagPrerelease), 1);
     EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagPatched), 0);

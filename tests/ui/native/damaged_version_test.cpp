@@ -48,8 +48,8 @@ TEST_P(DamagedVersion, EveryPrefix) {
     ASSERT_TRUE(IsValid(whole));
     int valid = 0;
     for (size_t length = 0; length < whole.size(); ++length) valid += IsValid(whole.substr(0, length));
-    // What may miss is padding behind the record.
-    EXPECT_LT(valid, 64);
+    // What may miss is padding behind the record, up to the file alignment.
+    EXPECT_LT(valid, 512);
 }
 
 TEST_P(DamagedVersion, EveryByteChanged) {

@@ -59,7 +59,7 @@ protected:
 TEST_F(DiskFaults, FreeSpaceIsCountedIn32Bits) {
     EXPECT_EQ(Free({TRUE, 8, 512, 3}), 12288);
     EXPECT_EQ(g_root, "x:\\");
-    EXPECT_EQ(Free({TRUE, 8, 512, 0x00100001}), 4096);           // 4 GiB and one cluster
+    EXPECT_EQ(Free({TRUE, 8, 512, 0x00100001}), 4096);             // 4 GiB and one cluster
     EXPECT_EQ(Free({TRUE, 8, 512, 0x00080000}), -0x7FFFFFFF - 1);  // 2 GiB
     EXPECT_EQ(Free({TRUE, 0x10000, 0x10000, 7}), 0);
     EXPECT_EQ(Free({FALSE, 8, 512, 3}), -1);

@@ -1,0 +1,152 @@
+// What names lead to on this system, and what a search finds.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "platform/win32.h"
+
+using namespace orvik::detail;
+namespace fs = std::filesystem;
+
+namespace {
+class PosixFileNames : public testing::Test {
+protected:
+    PosixFileNames() {
+        fs::create_directories(folder);
+        fs::current_path(folder);
+    }
+    ~PosixFileNames() override {
+        fs::current_path(before);
+        fs::remove_all(folder);
+    }
+    static void Make(const char* name) { std::ofstream(name) << name; }
+    static bool IsThere(const std::string& name) { return GetFileAttributesA(name.c_str()) != INVALID_FILE_ATTRIBUTES; }
+    static std::vector<std::string> Find(const char* pattern) {
+        std::vector<std::string> names;
+        WIN32_FIND_DATAA data;
+        const HANDLE find = FindFirstFileA(pattern, &data);
+        if (find == INVALID_HANDLE_VALUE) return names;
+        do {
+            names.emplace_back(data.cFileName);
+        } while (FindNextFileA(find, &data));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
+        EXPECT_TRUE(FindClose(find));
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    const fs::path before = fs::current_path();
+    const fs::path folder = fs::temp_directory_path() / ("orvik-names-" + std::to_string(std::random_device()()));
+};
+using Names = std::vector<std::string>;
+}  // namespace
+
+TEST_F(PosixFileNames, DrivesAndBackslashesLeadToTheSameFile) {
+    fs::create_directory("sub");
+    Make("sub/a.txt");
+    const std::string path = folder.string();
+    std::string windows = "C:" + path + "/sub/a.txt";
+    EXPECT_TRUE(IsThere(windows));
+    std::replace(windows.begin(), windows.end(), '/', '\\');
+    EXPECT_TRUE(IsThere(windows));
+    EXPECT_TRUE(IsThere("c" + windows.substr(1)));
+    EXPECT_TRUE(IsThere(windows.substr(2)));
+    EXPECT_TRUE(IsThere("\\\\?\\" + windows));
+    EXPECT_TRUE(IsThere("sub\\a.txt"));
+    EXPECT_TRUE(IsThere(".\\sub/..\\sub\\a.txt"));
+    EXPECT_TRUE(IsThere("c:sub\\a.txt"));
+    EXPECT_EQ(SystemPath("C:"), path);
+    EXPECT_EQ(SystemPath("C:\\"), "/");
+    EXPECT_EQ(SystemPath("C:\\m\xE4t\\\x80"), "/m\xC3\xA4t/\xE2\x82\xAC");
+}
+
+TEST_F(PosixFileNames, OtherComputersAndMissingDrivesLeadNowhere) {
+    Make("a.txt");
+    std::string unc = "\\\\" + folder.string().substr(1) + "/a.txt";
+    std::replace(unc.begin(), unc.end(), '/', '\\');
+    for (const std::string& name : {unc, std::string("Q:\\a.txt"), std::string("Q:a.txt"), std::string("\\\\.\\C:")}) {
+        EXPECT_FALSE(IsThere(name)) << name;
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND}) << name;
+        EXPECT_FALSE(CopyFileA("a.txt", name.c_str(), TRUE)) << name;
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND}) << name;
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 1);
+}
+
+TEST_F(PosixFileNames, NamesHaveTheirCaseAndPatternsDoNot) {
+    for (const char* name : {"a.txt", "A.TXT", "\xC3\xA5.txt", "\xC3\x85.TXT", "none"}) Make(name);
+    EXPECT_FALSE(IsThere("a.TXT"));
+    EXPECT_EQ(Find("a.txt"), Names{"a.txt"});
+    EXPECT_EQ(Find("a.TXT"), Names());
+    EXPECT_EQ(Find("a.tx?"), (Names{"A.TXT", "a.txt"}));
+    EXPECT_EQ(Find("\xE5*"), (Names{"\xC5.TXT", "\xE5.txt"}));
+    EXPECT_EQ(Find("?.txt"), (Names{"A.TXT", "a.txt", "\xC5.TXT", "\xE5.txt"}));
+    EXPECT_EQ(Find("*.*").size(), 7u);
+    EXPECT_EQ(Find("n*.*"), Names{"none"});
+    EXPECT_EQ(Find("**n**e**"), Names{"none"});
+}
+
+TEST_F(PosixFileNames, NamesThatCannotBeNamedBackArePassedOver) {
+    Make("a\\b.txt");
+    Make("c:d.txt");
+    Make("\xE6\xB8\xAC.txt");  // beyond Windows-1252: as it stands
+    EXPECT_EQ(Find("*.txt"), (Names{"c:d.txt", "\xE6\xB8\xAC.txt"}));
+    EXPECT_TRUE(IsThere("./c:d.txt"));
+    EXPECT_FALSE(IsThere("a\\b.txt"));
+    EXPECT_TRUE(IsThere(".\\\xE6\xB8\xAC.txt"));
+}
+
+TEST_F(PosixFileNames, ACopyKeepsTimeAndPermissions) {
+    Make("a.txt");
+    fs::permissions("a.txt", fs::perms::owner_read);
+    fs::last_write_time("a.txt", fs::file_time_type::clock::now() - std::chrono::hours(1000));
+    ASSERT_TRUE(CopyFileA("a.txt", "b.txt", TRUE));
+    EXPECT_EQ(fs::last_write_time("a.txt"), fs::last_write_time("b.txt"));
+    EXPECT_EQ(fs::status("b.txt").permissions(), fs::perms::owner_read);
+    EXPECT_FALSE(CopyFileA("a.txt", "b.txt", FALSE));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_SUPPORTED});
+    EXPECT_FALSE(CopyFileA("/dev/null", "c.txt", TRUE));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_SUPPORTED});
+    fs::create_symlink("nowhere", "link");
+    EXPECT_FALSE(CopyFileA("a.txt", "link", TRUE));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_EXISTS});
+}
+
+TEST_F(PosixFileNames, FreeSpaceIsThatOfTheDisk) {
+    DWORD sectors = 0, bytes = 0, free = 0, all = 0;
+    ASSERT_TRUE(GetDiskFreeSpaceA("C:\\", &sectors, &bytes, &free, &all));
+    EXPECT_LE(free, all);
+    ULARGE_INTEGER mine{}, whole{}, any{};
+    ASSERT_TRUE(GetDiskFreeSpaceExA("C:\\", &mine, &whole, &any));
+    EXPECT_EQ(ULONGLONG{sectors} * bytes * all, whole.QuadPart);
+    EXPECT_LE(mine.QuadPart, any.QuadPart);
+    EXPECT_FALSE(GetDiskFreeSpaceA("C:\\tmp", &sectors, &bytes, &free, &all));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DIR_NOT_ROOT});
+    EXPECT_FALSE(GetDiskFreeSpaceExA("Q:\\", &mine, nullptr, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
+}
+
+TEST(PosixText, ComparesWithoutCase) {
+    const struct {
+        LPCSTR first, second;
+        int order;
+    } cases[] = {{"a.txt", "A.TXT", 0},
+                 {"\xE5\x9A", "\xC5\x8A", 0},
+                 {"\xFF", "\x9F", 0},
+                 {"a", "B", -1},
+                 {"b", "A", 1},
+                 {"a", "ab", -1},
+                 {"", "", 0},
+                 {nullptr, "", -1},
+                 {nullptr, nullptr, 0},
+                 {"\xD7", "\xF7", -1},                   // signs, not letters
+                 {"\xE6\xB8\x8A", "\xE6\xB8\x9A", -1}};  // two characters beyond Windows-1252
+    for (const auto& c : cases) {
+        EXPECT_EQ(lstrcmpiA(c.first, c.second), c.order);
+        EXPECT_EQ(lstrcmpiA(c.second, c.first), -c.order);
+    }
+}
