@@ -135,7 +135,7 @@ TEST(PosixText, ComparesWithoutCase) {
         LPCSTR first, second;
         int order;
     } cases[] = {{"a.txt", "A.TXT", 0},
-                 {"\xE5\x9A", "\xC5\x8A", 0},
+                 {"\xE5 \x9A", "\xC5 \x8A", 0},
                  {"\xFF", "\x9F", 0},
                  {"a", "B", -1},
                  {"b", "A", 1},
