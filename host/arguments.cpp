@@ -6,6 +6,7 @@
 
 #include "host/console.h"
 #include "host/texts.h"
+#include "time/span_text.h"
 
 Arguments::Arguments(const std::vector<std::string>& words, std::initializer_list<const char*> withValue,
                      std::initializer_list<const char*> flags, size_t most) {
@@ -56,6 +57,18 @@ DWORD Arguments::Number(const char* option, DWORD low, DWORD high, DWORD standar
         throw Failure{kWrongUse, Say(Text::NotANumber, {option, std::to_string(low), std::to_string(high)})};
     }
     return value;
+}
+
+DWORD Arguments::Milliseconds(const char* option, DWORD low, DWORD high, DWORD standard) const {
+    if (!Has(option) || Get(option).find_first_not_of("0123456789") == std::string::npos)
+        return Number(option, low, high, standard);
+    CVXTTimeSpan span;
+    if (!_NlsGetShortTimeSpan(Get(option).c_str(), span, TRUE)) throw Failure{kWrongUse, Say(Text::NotASpan, {option})};
+    const __int64 milliseconds = span.GetTotalMilliSeconds();
+    if (milliseconds < low || milliseconds > high) {
+        throw Failure{kWrongUse, Say(Text::NotANumber, {option, std::to_string(low), std::to_string(high)})};
+    }
+    return static_cast<DWORD>(milliseconds);
 }
 
 const std::string& Arguments::At(size_t index, const char* name) const {

@@ -21,6 +21,8 @@ public:
     std::string Get(const char* option, const char* standard = "") const;
     std::string Require(const char* option) const;
     DWORD Number(const char* option, DWORD low, DWORD high, DWORD standard) const;
+    // Milliseconds, given as such or as a span in the user's words ("1.5 s", "10 min").
+    DWORD Milliseconds(const char* option, DWORD low, DWORD high, DWORD standard) const;
 
     size_t Count() const { return m_arguments.size(); }
     // The argument at `index`; when it is not there, a Failure that calls it `name`.

@@ -1,5 +1,6 @@
 // db: look into any property database and change it.
 #include "host/arguments.h"
+#include "host/command_edit.h"
 #include "host/commands.h"
 #include "host/database_file.h"
 #include "host/texts.h"
@@ -12,20 +13,6 @@ std::vector<std::string> AllKeys(const CPropertyDB& db) {
     std::vector<std::string> keys;
     for (INT_PTR i = 0; i < found.GetSize(); ++i) keys.emplace_back(static_cast<const char*>(found.GetAt(i)));
     return keys;
-}
-
-void List(const CPropertyDB& db) {
-    for (const std::string& key : AllKeys(db)) {
-        const CObject* value = db.GetValueObject(key.c_str(), TRUE);
-        const std::string kind = KindOf(value);
-        Print(kind.empty() ? ToUtf8(key) + "." : ToUtf8(key) + "  " + kind + "  " + TextOf(value));
-    }
-}
-
-void Get(const CPropertyDB& db, const std::string& path, const std::string& key) {
-    const CObject* value = db.GetValueObject(key.c_str(), TRUE);
-    if (KindOf(value).empty()) throw Failure{kWrongUse, Say(Text::NoSuchKey, {ToUtf8(path), ToUtf8(key)})};
-    Print(TextOf(value));
 }
 
 void Set(const std::string& path, const std::string& key, const std::string& text, const std::string& wishedKind) {
@@ -87,9 +74,23 @@ void Check(const std::string& path) {
 }
 }  // namespace
 
+void ListDatabase(const CPropertyDB& db) {
+    for (const std::string& key : AllKeys(db)) {
+        const CObject* value = db.GetValueObject(key.c_str(), TRUE);
+        const std::string kind = KindOf(value);
+        Print(kind.empty() ? ToUtf8(key) + "." : ToUtf8(key) + "  " + kind + "  " + TextOf(value));
+    }
+}
+
+void PrintValue(const CPropertyDB& db, const std::string& path, const std::string& key) {
+    const CObject* value = db.GetValueObject(key.c_str(), TRUE);
+    if (KindOf(value).empty()) throw Failure{kWrongUse, Say(Text::NoSuchKey, {ToUtf8(path), ToUtf8(key)})};
+    Print(TextOf(value));
+}
+
 ExitCode RunDb(CHostApp&, const Words& words) {
     const Arguments arguments(words, {"--kind"}, {}, 4);
-    const std::string& action = arguments.At(0, "list|get|set|remove|convert|check");
+    const std::string& action = arguments.At(0, "list|get|set|remove|convert|check|edit");
     const auto takes = [&](size_t most) {
         if (arguments.Count() > most) throw Failure{kWrongUse, Say(Text::ArgumentTooMany, {ToUtf8(arguments.At(most, ""))})};
     };
@@ -99,12 +100,12 @@ ExitCode RunDb(CHostApp&, const Words& words) {
         if (action == "check") return Check(path), kDone;
         CPropertyDB db;
         LoadDatabase(path, db);
-        List(db);
+        ListDatabase(db);
     } else if (action == "get") {
         takes(3);
         CPropertyDB db;
         LoadDatabase(arguments.At(1, "FILE"), db);
-        Get(db, arguments.At(1, "FILE"), arguments.At(2, "KEY"));
+        PrintValue(db, arguments.At(1, "FILE"), arguments.At(2, "KEY"));
     } else if (action == "set") {
         Set(arguments.At(1, "FILE"), arguments.At(2, "KEY"), arguments.At(3, "VALUE"), arguments.Get("--kind"));
     } else if (action == "remove") {
@@ -113,6 +114,9 @@ ExitCode RunDb(CHostApp&, const Words& words) {
     } else if (action == "convert") {
         takes(3);
         ConvertTo(arguments.At(1, "FILE"), arguments.At(2, "KEY"));
+    } else if (action == "edit") {
+        takes(2);
+        return EditDatabase(arguments.At(1, "FILE"));
     } else {
         throw Failure{kWrongUse, Say(Text::UnknownCommand, {"db " + ToUtf8(action)})};
     }

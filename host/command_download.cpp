@@ -7,6 +7,8 @@
 #include "host/texts.h"
 
 namespace {
+constexpr DWORD kWeek = 7 * 86'400'000;
+
 std::string FullPath(const std::string& path) {
     char full[4096];
     const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
@@ -15,14 +17,20 @@ std::string FullPath(const std::string& path) {
 }  // namespace
 
 ExitCode RunDownload(CHostApp& app, const Words& words) {
-    const Arguments arguments(words, {"--port", "--logger", "--count", "--interval", "--timeout", "--out", "--trace"}, {"--hex"},
-                              0);
+    const Arguments arguments(words, {"--port", "--logger", "--count", "--interval", "--for", "--timeout", "--out", "--trace"},
+                              {"--hex"}, 0);
     DownloadPlan plan;
     plan.port = arguments.Require("--port");
     const std::string out = arguments.Require("--out");
     plan.count = arguments.Number("--count", 1, 100'000'000, plan.count);
-    plan.interval = arguments.Number("--interval", 0, 86'400'000, plan.interval);
-    plan.timeout = arguments.Number("--timeout", 1, 600'000, plan.timeout);
+    plan.interval = arguments.Milliseconds("--interval", 0, kWeek, plan.interval);
+    plan.timeout = arguments.Milliseconds("--timeout", 1, 600'000, plan.timeout);
+    if (arguments.Has("--for")) {
+        if (arguments.Has("--count")) throw Failure{kWrongUse, Say(Text::OptionsExclude, {"--for", "--count"})};
+        if (plan.interval == 0) throw Failure{kWrongUse, Say(Text::NotASpan, {"--interval"})};
+        // Readings at 0, one interval, two intervals ... as long as that is before the end.
+        plan.count = (arguments.Milliseconds("--for", 1, 4 * kWeek, 1) + plan.interval - 1) / plan.interval;
+    }
     plan.traceFile = arguments.Get("--trace");
     plan.traceHex = arguments.Has("--hex");
     if (plan.traceHex && plan.traceFile.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};

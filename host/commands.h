@@ -15,3 +15,5 @@ ExitCode RunSimulate(CHostApp& app, const Words& words);
 ExitCode RunDownload(CHostApp& app, const Words& words);
 ExitCode RunShow(CHostApp& app, const Words& words);
 ExitCode RunDb(CHostApp& app, const Words& words);
+ExitCode RunVersion(CHostApp& app, const Words& words);
+ExitCode RunLocale(CHostApp& app, const Words& words);

@@ -107,13 +107,14 @@ void Session::Store(IPropertyDB& db) const {
     }
 }
 
-std::string Session::Table() const {
+std::string Session::Table(const std::string& picture) const {
     std::vector<std::vector<std::string>> columns(1, {Say(Text::Time)});
     for (INT_PTR row = 0; row < m_times.GetSize(); ++row) columns[0].push_back(TimeTextOf(m_times.GetAt(row)));
     for (const Channel& channel : m_channels) {
         auto& column = columns.emplace_back();
         column.push_back(ToUtf8(channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]"));
-        for (INT_PTR row = 0; row < channel.values.GetSize(); ++row) column.push_back(ShortTextOf(channel.values.GetAt(row)));
+        for (INT_PTR row = 0; row < channel.values.GetSize(); ++row)
+            column.push_back(ShortTextOf(channel.values.GetAt(row), picture));
     }
     std::vector<size_t> widths;
     for (const auto& column : columns) {

@@ -32,7 +32,8 @@ public:
     const std::vector<Channel>& Channels() const { return m_channels; }
 
     // A heading and one line a reading, for people: local times to the millisecond, six digits, in the user's regional format.
-    std::string Table() const;
+    // A number picture (time/number_text.h) chooses other digits.
+    std::string Table(const std::string& picture = {}) const;
     // The same for programs: UTC times to the microsecond (those outside the years 1601 to 9999 as their ends), values to the
     // last bit, commas; one heading line.
     std::string Csv() const;

@@ -98,9 +98,9 @@ std::string TextOf(const CObject* value) {
 
 std::string TextOf(double value) { return NumberText(value); }
 
-std::string ShortTextOf(double value) {
+std::string ShortTextOf(double value, const std::string& picture) {
     CString text;
-    _NlsSetReal(text, value, "@@@@@@");
+    _NlsSetReal(text, value, picture.empty() ? "@@@@@@" : picture.c_str());
     return ToUtf8(text.GetString());
 }
 

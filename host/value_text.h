@@ -14,11 +14,11 @@ std::string TextOf(const CObject* value);
 std::string TextOf(double value);
 // For tables: six significant digits with the user's decimal separator; the local date and time of a number of microseconds since
 // 1970 in the user's format, milliseconds behind the seconds. UTF-8.
-std::string ShortTextOf(double value);
+std::string ShortTextOf(double value, const std::string& picture = {});
 std::string TimeTextOf(__int64 time);
 
-// Stores `text` (UTF-8) under the key as a value of this kind. A real may be written as TextOf does or, where that is no number, in
-// the user's format. A Failure if the text is no such value or the key cannot hold it.
+// Stores `text` (UTF-8) under the key as a value of this kind. A real may be written as TextOf does or, where that is no number,
+// in the user's format. A Failure if the text is no such value or the key cannot hold it.
 void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kind, const std::string& text);
 
 // How much of a value the XML form keeps.

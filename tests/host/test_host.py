@@ -399,6 +399,75 @@ class Databases(HostTest):
         self.assertIn("session", self.refused(3, "show", "a.odb"))
 
 
+class Editing(HostTest):
+    def edit(self, *lines, code=0, name="e.odb"):
+        done = subprocess.run(self.command("db", "edit", name), cwd=self.folder, env=self.environment(WINE_STDERR=str(self.folder / "stderr.txt")),
+                              input="\n".join(lines) + "\n", timeout=120, capture_output=True, encoding="utf-8", errors="replace")
+        said = done.stderr
+        if options.wine and (self.folder / "stderr.txt").exists():
+            said += (self.folder / "stderr.txt").read_text(encoding="utf-8", errors="replace")
+            (self.folder / "stderr.txt").unlink()
+        self.assertEqual(done.returncode, code, said)
+        return done.stdout, [line for line in said.splitlines() if line.startswith("orvikhost:")]
+
+    def listed(self, name="e.odb"):
+        return self.host("db", "list", name).out.splitlines()
+
+    def test_steps_can_be_undone_and_done_again(self):
+        self.edit('set a.b "two words"', "set a.n 5 u16", "set a.n 6", "undo", "save", "quit")
+        self.assertEqual(self.listed(), ["a.b  str  two words", "a.n  u16  5"])
+        self.edit("remove a", "undo", "rename a.n m", "undo", "redo", "save")
+        self.assertEqual(self.listed(), ["a.b  str  two words", "a.m  u16  5"])
+        # A new folder goes with the step that made it, and undone steps are forgotten by a new one.
+        _, said = self.edit("set x.y.z 1", "undo", "set k 2", "redo", "save")
+        self.assertEqual(len(said), 1)
+        self.assertEqual(self.listed(), ["a.b  str  two words", "a.m  u16  5", "k  str  2"])
+
+    def test_a_group_is_one_step(self):
+        self.edit("begin", "set a 1", "set b 2", "end", "set c 3", "undo", "undo", "redo", "save")
+        self.assertEqual(self.listed(), ["a  str  1", "b  str  2"])
+
+    def test_mistakes_leave_the_session_going(self):
+        _, said = self.edit("set n 1 u16", "set n x", "remove nothing", "rename nothing y", "undo", "undo", "end", "fly", "set k", "set k v", "save", "quit")
+        self.assertEqual(len(said), 7)
+        self.assertEqual(self.listed(), ["k  str  v"])
+        _, said = self.edit("set k w", "quit", "quit", code=0)
+        self.assertEqual(len(said), 1)
+        _, said = self.edit("set k w", code=1)
+        self.assertIn("not saved", said[0])
+        self.assertEqual(self.listed(), ["k  str  v"])
+
+
+class Regional(HostTest):
+    def test_the_settings_are_shown_with_samples(self):
+        swedish = self.host("locale", language="sv_SE.UTF-8").out.splitlines()
+        self.assertIn("decimal: \",\"", swedish)
+        self.assertIn("short date: 2026-07-04", swedish)
+        american = self.host("locale", language="en_US.UTF-8").out.splitlines()
+        for line in ("real: -1,234,567.89", "short date: 7/4/2026", "clock: 3:06:07 PM", "words: 1 weeks 1 days"):
+            self.assertIn(line, american)
+
+    def test_spans_and_pictures(self):
+        port = self.simulate()
+        result = self.host("download", "--port", port, "--out", "s.odb", "--interval", "0.05 s", "--for", "200 ms", "--timeout", "1 s")
+        self.assertEqual(result.code, 0, result.err)
+        self.assertEqual(len(self.readings("s.odb")), 1 + 4)
+        rows = self.host("show", "s.odb", "--picture", "###.#").out.splitlines()
+        self.assertRegex(rows[1], r" 2\d\.\d ")
+        self.assertIn("--interval", self.refused(1, "download", "--port", port, "--out", "s.odb", "--interval", "5 parsec"))
+        self.assertIn("--count", self.refused(1, "download", "--port", port, "--out", "s.odb", "--for", "1 s", "--count", "3"))
+        self.assertIn("#x", self.refused(1, "show", "s.odb", "--picture", "#x"))
+
+
+class Version(HostTest):
+    def test_of_a_windows_library(self):
+        if options.wine:
+            out = self.host("version", "Z:" + str(pathlib.Path(options.host).parent / "OrvikShared.dll")).out
+            self.assertIn("FileVersion: 1.0.0.0", out)
+        self.assertIn("no version", self.refused(3, "version", "Z:/etc/passwd" if options.wine else "/etc/passwd"))
+        self.assertIn("nothing.dll", self.refused(3, "version", "nothing.dll"))
+
+
 class Ports(HostTest):
     def test_json_is_json(self):
         result = self.host("ports", "--json")

@@ -1,0 +1,14 @@
+// db edit, and what it shares with the other db actions.
+#pragma once
+
+#include <string>
+
+#include "host/console.h"
+#include "propdb/property_db.h"
+
+ExitCode EditDatabase(const std::string& path);
+
+// Every value by key, kind and text; folders without values with a "." behind them.
+void ListDatabase(const CPropertyDB& db);
+// The value's text; a Failure, in which `path` is named, when there is none.
+void PrintValue(const CPropertyDB& db, const std::string& path, const std::string& key);

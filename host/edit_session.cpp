@@ -1,0 +1,94 @@
+#include "host/edit_session.h"
+
+#include <memory>
+
+#include "host/console.h"
+#include "host/texts.h"
+#include "host/value_text.h"
+
+namespace {
+// What stands at some keys, before and after a change: undoing puts the one back, doing again the other. Entries that are put
+// back stand behind the others of their folder, as newly set ones do.
+class Change : public CDoCommand {
+public:
+    Change(CPropertyDB& db, std::vector<std::string> keys) : m_db(db), m_keys(std::move(keys)) { Take(m_before); }
+    void TakeAfter() { Take(m_after); }
+    int OnUndo() override { return PutBack(m_before); }
+    int OnRedo() override { return PutBack(m_after); }
+
+private:
+    void Take(CPropertyDB& part) const {
+        for (const std::string& key : m_keys) {
+            if (m_db.Find(key.c_str())) part.OverlayCopy(&m_db, key.c_str(), nullptr, TRUE);
+        }
+    }
+    int PutBack(const CPropertyDB& part) {
+        for (const std::string& key : m_keys) m_db.Remove(key.c_str());
+        m_db.OverlayCopy(&part, nullptr, nullptr, TRUE);
+        return 1;
+    }
+
+    CPropertyDB& m_db;
+    const std::vector<std::string> m_keys;
+    CPropertyDB m_before, m_after;
+};
+}  // namespace
+
+template <class Act>
+void EditSession::Step(const std::vector<std::string>& keys, Act act) {
+    auto change = std::make_unique<Change>(m_db, keys);
+    act();  // a Failure leaves the database as it was
+    change->TakeAfter();
+    m_history.DoCommand(change.release());
+}
+
+void EditSession::Set(const std::string& key, const std::string& kind, const std::string& text) {
+    const std::string own = KindOf(m_db.Find(key.c_str()) ? m_db.GetValueObject(key.c_str(), TRUE) : nullptr);
+    if (!own.empty() && !kind.empty() && kind != own) throw Failure{kWrongUse, Say(Text::KindFixed, {ToUtf8(key), own})};
+    // The folder on the way that is not there yet goes with the step.
+    std::string top = key;
+    for (size_t dot = key.find('.', 1); dot != std::string::npos; dot = key.find('.', dot + 1)) {
+        if (m_db.Find(key.substr(0, dot).c_str())) continue;
+        top = key.substr(0, dot);
+        break;
+    }
+    Step({top}, [&] { SetFromText(m_db, key, !own.empty() ? own : kind.empty() ? "str" : kind, ToUtf8(text)); });
+}
+
+void EditSession::Remove(const std::string& key) {
+    Step({key}, [&] {
+        if (!m_db.Remove(key.c_str())) throw Failure{kWrongUse, Say(Text::NoSuchEntry, {ToUtf8(key)})};
+    });
+}
+
+void EditSession::Rename(const std::string& key, const std::string& name) {
+    if (!m_db.Find(key.c_str())) throw Failure{kWrongUse, Say(Text::NoSuchEntry, {ToUtf8(key)})};
+    const size_t dot = key.find_last_of('.');
+    const std::string target = dot == std::string::npos || dot == 0 ? name : key.substr(0, dot + 1) + name;
+    if (name.empty() || m_db.Find(target.c_str())) throw Failure{kWrongUse, Say(Text::NameTaken, {ToUtf8(target)})};
+    Step({key, target}, [&] { m_db.Rename(key.c_str(), name.c_str()); });
+}
+
+bool EditSession::Undo() {
+    if (!m_history.CanUndo()) return false;
+    m_history.UndoLastCommand();
+    return true;
+}
+
+bool EditSession::Redo() {
+    if (!m_history.CanRedo()) return false;
+    m_history.RedoLastUndoneCommand();
+    return true;
+}
+
+void EditSession::BeginGroup() {
+    m_history.BeginGroup();
+    ++m_groups;
+}
+
+bool EditSession::EndGroup() {
+    if (m_groups == 0) return false;
+    m_history.EndGroup();
+    --m_groups;
+    return true;
+}
