@@ -40,12 +40,6 @@ std::string CsvField(const std::string& text) {
     for (const char c : text) quoted.append(c == '"' ? 2 : 1, c);
     return quoted + '"';
 }
-
-// Characters, not bytes, of UTF-8 text: what a column is wide.
-size_t Width(const std::string& text) {
-    return static_cast<size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
 }  // namespace
 
 Session::Channel::Channel(std::string channelKey, std::string channelName, std::string channelUnit)
@@ -119,13 +113,13 @@ std::string Session::Table(const std::string& picture) const {
     std::vector<size_t> widths;
     for (const auto& column : columns) {
         size_t& width = widths.emplace_back(0);
-        for (const std::string& cell : column) width = std::max(width, Width(cell));
+        for (const std::string& cell : column) width = std::max(width, WidthOf(cell));
     }
     std::string table;
     for (size_t row = 0; row < columns[0].size(); ++row) {
         for (size_t i = 0; i < columns.size(); ++i) {
             const std::string& cell = columns[i][row];
-            const std::string padding(widths[i] - Width(cell), ' ');
+            const std::string padding(widths[i] - WidthOf(cell), ' ');
             table += i == 0 ? cell + padding : "  " + padding + cell;  // times to the left, numbers to the right
         }
         table += '\n';

@@ -1,5 +1,7 @@
 #include "host/texts.h"
 
+#include <algorithm>
+
 #include "platform/win32.h"
 
 namespace {
@@ -82,6 +84,11 @@ std::string Convert(std::string_view text, UINT from, UINT to, bool& lossless) {
     return out;
 }
 }  // namespace
+
+size_t WidthOf(std::string_view utf8) {
+    const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
+    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), begins));
+}
 
 std::string ToUtf8(std::string_view houseText) {
     // A word of the command line that Windows-1252 cannot say has stayed UTF-8.

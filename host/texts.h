@@ -17,6 +17,9 @@ std::string Say(Text text, std::initializer_list<std::string_view> arguments = {
 // Why a file operation failed, for use inside a sentence, by the system's error code.
 std::string Reason(unsigned long error);
 
+// Characters, not bytes, of UTF-8 text: what it is wide in a column.
+size_t WidthOf(std::string_view utf8);
+
 // Between this house's Windows-1252 text and the terminal's UTF-8.
 std::string ToUtf8(std::string_view houseText);
 // False when the text holds characters that Windows-1252 lacks; `houseText` is then unchanged.
