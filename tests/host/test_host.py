@@ -9,6 +9,7 @@ import pathlib
 import re
 import shutil
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
@@ -308,6 +309,39 @@ class Download(HostTest):
         self.assertEqual(len(self.readings("s.odb")), 4)
 
 
+class Peer(HostTest):
+    """A logger that is not ours: libmodbus on the far end of the line."""
+
+    def test_every_type_and_order_reaches_the_archive_to_the_last_bit(self):
+        if not options.server:
+            return  # a native program; the plug-in is the same source on Windows
+        real = -1234.5678901
+        high, low = struct.unpack(">HH", struct.pack(">f", real))
+        real = struct.unpack(">f", struct.pack(">f", real))[0]
+        holding = [0x8001, 0x1234, 0x5678, 0xFFFF, 0xFFFE, high, low, low, high]
+        channels = [("int16", "high", 0, -32767), ("uint16", "high", 0, 32769), ("uint32", "high", 1, 0x12345678), ("uint32", "low", 1, 0x56781234),
+                    ("int32", "high", 3, -2), ("int32", "low", 3, -65537), ("float32", "high", 5, real), ("float32", "low", 7, real)]
+        server = subprocess.Popen([options.server, "9", ",".join(map(str, holding)), "60000,1"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                  encoding="utf-8")
+        self.addCleanup(server.communicate)
+        port = server.stdout.readline().strip()
+        pairs = [("sFamily", "str", "Modbus"), ("nSlave", "u16", 9), ("Channels.9.nRegister", "u16", 0), ("Channels.9.nFunction", "u16", 4),
+                 ("Channels.9.sType", "str", "uint16")]
+        for index, (kind, order, number, _) in enumerate(channels):
+            at = f"Channels.{index}."
+            pairs += [(at + "nRegister", "u16", number), (at + "sType", "str", kind), (at + "sOrder", "str", order)]
+        lines = [f'set {key} {value} {kind}' for key, kind, value in pairs] + ["save"]
+        subprocess.run(self.command("db", "edit", "logger.xml"), cwd=self.folder, input="\n".join(lines) + "\n", encoding="utf-8", check=True)
+
+        result = self.host("download", "--port", port, "--logger", "logger.xml", "--out", "s.odb", "--count", 20, "--interval", 0)
+        self.assertEqual(result.code, 0, result.err)
+        rows = self.readings("s.odb")[1:]
+        self.assertEqual(len(rows), 20)
+        self.assertEqual([row[0] for row in rows], sorted({row[0] for row in rows}))
+        for row in rows:
+            self.assertEqual([float(value) for value in row[1:]], [float(value) for *_, value in channels] + [60000.0])
+
+
 class Plugins(HostTest):
     def test_another_version_is_refused_by_name_and_version(self):
         folder = self.folder / "plugins"
@@ -516,6 +550,7 @@ if __name__ == "__main__":
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--wine")
     parser.add_argument("--preload")
+    parser.add_argument("--server")
     options, rest = parser.parse_known_args()
     options.host, options.simulator = os.path.abspath(options.host), os.path.abspath(options.simulator)
     options.prefix = os.environ.get("WINEPREFIX") or os.path.join(os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache"), "orvik/wine")
