@@ -49,8 +49,9 @@ std::optional<uint64_t> Microseconds(std::string_view whole, std::string_view fr
     const auto unit = static_cast<uint64_t>(kSpanUnits[type]), limit = kLowest / unit;
     uint64_t count = 0;
     for (const char c : whole) {
-        count = count * 10 + static_cast<uint64_t>(c - '0');
-        if (count > limit) return std::nullopt;
+        const auto digit = static_cast<uint64_t>(c - '0');
+        if (digit > limit || count > (limit - digit) / 10) return std::nullopt;  // before 64 bits wrap
+        count = count * 10 + digit;
     }
     // From the last decimal on, so that truncating on the way changes nothing in the end.
     uint64_t part = 0;

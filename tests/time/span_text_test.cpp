@@ -107,6 +107,9 @@ TEST_F(SpanText, ReadsShortForm) {
                  {"9223372036854775807 us", 0, LLONG_MAX},
                  {"9223372036854775808 us", 0, kUntouched},
                  {"-9223372036854775808 us", 0, LLONG_MIN},
+                 {"20000000000000000000 us", 0, kUntouched},  // ten times a number that still fits
+                 {"92233720368547758080 us", 0, kUntouched},
+                 {"99999999999999999999 w", 0, kUntouched},
                  {"15250284,46 w", 0, kUntouched},
                  {"000000000000000000000000000007 s", 0, 7 * kSecond}};
     for (const auto& c : cases) {
