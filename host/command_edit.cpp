@@ -1,6 +1,8 @@
 // db edit: change a property database line by line, with undo and redo.
 #include "host/command_edit.h"
 
+#include <utility>
+
 #include "host/database_file.h"
 #include "host/edit_session.h"
 #include "host/line_editor.h"
@@ -52,9 +54,12 @@ private:
     // False for the end of the session.
     bool Do(const std::vector<std::string>& words) {
         const std::string& name = words[0];
+        const bool warned = std::exchange(m_warned, false);  // by the line before this one
         const auto takes = [&](size_t least, size_t most) {
             if (words.size() <= least)
-                throw Failure{kWrongUse, Say(Text::ArgumentMissing, {least == 2 && words.size() == 2 ? "VALUE" : "KEY"})};
+                throw Failure{kWrongUse, Say(Text::ArgumentMissing, {words.size() < 2   ? "KEY"
+                                                                     : name == "rename" ? "NAME"
+                                                                                        : "VALUE"})};
             if (words.size() > most + 1) throw Failure{kWrongUse, Say(Text::ArgumentTooMany, {ToUtf8(words[most + 1])})};
         };
         if (name == "set") {
@@ -90,7 +95,7 @@ private:
             m_unsaved = false;
         } else if (name == "quit") {
             takes(0, 0);
-            if (!m_unsaved || m_warned) return false;
+            if (!m_unsaved || warned) return false;
             m_warned = true;
             throw Failure{kWrongUse, Say(Text::QuitAgain)};
         } else if (name == "help") {
@@ -98,7 +103,6 @@ private:
         } else {
             throw Failure{kWrongUse, Say(Text::UnknownEdit, {ToUtf8(name)})};
         }
-        m_warned = false;
         return true;
     }
     template <class Act>

@@ -71,6 +71,9 @@ void EditSession::Rename(const std::string& key, const std::string& name) {
 
 bool EditSession::Undo() {
     if (!m_history.CanUndo()) return false;
+    // A group that is still open ends here: with its beginning undone, an end set later would take older steps into it.
+    while (EndGroup()) {
+    }
     m_history.UndoLastCommand();
     return true;
 }

@@ -17,7 +17,7 @@ public:
     void Remove(const std::string& key);
     void Rename(const std::string& key, const std::string& name);
 
-    bool Undo();  // false when there is nothing to undo
+    bool Undo();  // false when there is nothing to undo; ends groups that are open, and undoes them whole
     bool Redo();
     void BeginGroup();
     bool EndGroup();  // false when none has begun

@@ -461,6 +461,16 @@ class Editing(HostTest):
         self.edit("begin", "set a 1", "set b 2", "end", "set c 3", "undo", "undo", "redo", "save")
         self.assertEqual(self.listed(), ["a  str  1", "b  str  2"])
 
+    def test_undo_ends_an_open_group(self):
+        _, said = self.edit("set a 1", "begin", "set b 2", "begin", "set c 3", "undo", "end", "undo", "redo", "save", "quit")
+        self.assertEqual(len(said), 1)
+        self.assertEqual(self.listed(), ["a  str  1"])
+
+    def test_a_mistake_is_no_confirmation(self):
+        _, said = self.edit("set k v", "quit", "safe", "quit", "save", "quit")
+        self.assertEqual(len(said), 3)
+        self.assertEqual(self.listed(), ["k  str  v"])
+
     def test_mistakes_leave_the_session_going(self):
         _, said = self.edit("set n 1 u16", "set n x", "remove nothing", "rename nothing y", "undo", "undo", "end", "fly", "set k", "set k v", "save", "quit")
         self.assertEqual(len(said), 7)
