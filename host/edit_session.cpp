@@ -5,6 +5,10 @@
 #include "host/console.h"
 #include "host/texts.h"
 #include "host/value_text.h"
+#include "propdb/property_key.h"
+
+using orvik::detail::FindSeparator;
+using orvik::detail::TakeSegment;
 
 namespace {
 // What stands at some keys, before and after a change: undoing puts the one back, doing again the other. Entries that are put
@@ -47,9 +51,12 @@ void EditSession::Set(const std::string& key, const std::string& kind, const std
     if (!own.empty() && !kind.empty() && kind != own) throw Failure{kWrongUse, Say(Text::KindFixed, {ToUtf8(key), own})};
     // The folder on the way that is not there yet goes with the step.
     std::string top = key;
-    for (size_t dot = key.find('.', 1); dot != std::string::npos; dot = key.find('.', dot + 1)) {
-        if (m_db.Find(key.substr(0, dot).c_str())) continue;
-        top = key.substr(0, dot);
+    for (std::string_view rest = key; !rest.empty();) {
+        TakeSegment(rest);
+        if (rest.empty()) break;
+        const std::string folder = key.substr(0, key.size() - rest.size() - 1);
+        if (m_db.Find(folder.c_str())) continue;
+        top = folder;
         break;
     }
     Step({top}, [&] { SetFromText(m_db, key, !own.empty() ? own : kind.empty() ? "str" : kind, ToUtf8(text)); });
@@ -63,9 +70,12 @@ void EditSession::Remove(const std::string& key) {
 
 void EditSession::Rename(const std::string& key, const std::string& name) {
     if (!m_db.Find(key.c_str())) throw Failure{kWrongUse, Say(Text::NoSuchEntry, {ToUtf8(key)})};
-    const size_t dot = key.find_last_of('.');
-    const std::string target = dot == std::string::npos || dot == 0 ? name : key.substr(0, dot + 1) + name;
-    if (name.empty() || m_db.Find(target.c_str())) throw Failure{kWrongUse, Say(Text::NameTaken, {ToUtf8(target)})};
+    size_t last = 0;  // where the entry's own name begins
+    for (std::string_view rest = key; !rest.empty(); TakeSegment(rest)) last = key.size() - rest.size();
+    const std::string target = key.substr(0, last) + name;
+    // A name of several segments would be one that no key leads to.
+    if (name.empty() || FindSeparator(name) != name.npos || m_db.Find(target.c_str()))
+        throw Failure{kWrongUse, Say(Text::NameTaken, {ToUtf8(target)})};
     Step({key, target}, [&] { m_db.Rename(key.c_str(), name.c_str()); });
 }
 

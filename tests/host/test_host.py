@@ -466,6 +466,13 @@ class Editing(HostTest):
         self.assertEqual(len(said), 1)
         self.assertEqual(self.listed(), ["a  str  1"])
 
+    def test_names_may_hold_quoted_separators(self):
+        self.edit("set k 1", "set \"'p.q'.r\" 2", "undo", "set \"s.'t.u'\" 3", "rename \"s.'t.u'\" v", "undo", "save", "quit")
+        self.assertEqual(self.listed(), ["k  str  1", "s.'t.u'  str  3"])
+        _, said = self.edit("rename k x.y", "rename \"s.'t.u'\" \"'w.x'\"", "save", "quit")
+        self.assertEqual(len(said), 1)
+        self.assertEqual(self.listed(), ["k  str  1", "s.'w.x'  str  3"])
+
     def test_a_mistake_is_no_confirmation(self):
         _, said = self.edit("set k v", "quit", "safe", "quit", "save", "quit")
         self.assertEqual(len(said), 3)
