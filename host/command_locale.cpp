@@ -15,11 +15,19 @@ CString Quoted(char separator) { return separator == 0 ? CString("\"\"") : "\"" 
 
 ExitCode RunLocale(CHostApp&, const Words& words) {
     const Arguments arguments(words, {}, {}, 0);
+    const orvik::detail::LocaleCache& cache = orvik::detail::TheLocaleCache();
+    Line("country", cache.country);
+    Line("language", cache.language);
     Line("decimal", Quoted(NlsGetDecimalSep()));
     Line("thousand", Quoted(NlsGetThousandSep()));
     Line("list", Quoted(NlsGetListSep()));
     Line("date", Quoted(NlsGetDateSep()) + " " + NlsGetShortDateSpec());
     Line("time", Quoted(NlsGetTimeSep()) + " " + NlsGetTimeSpec());
+    Line("long date picture", cache.longDate);
+    Line("morning", "\"" + cache.morning + "\"");
+    Line("afternoon", "\"" + cache.afternoon + "\"");
+    Line("currency", "\"" + cache.currency + "\"");
+    Line("leading zero", cache.leadingZero ? "1" : "0");
 
     const CVXTTime time(2026, 7, 4, 15, 6, 7, -1);
     const CVXTTimeSpan span(1, 2, 3, 4, 500);

@@ -495,7 +495,7 @@ class Regional(HostTest):
         self.assertIn("decimal: \",\"", swedish)
         self.assertIn("short date: 2026-07-04", swedish)
         american = self.host("locale", language="en_US.UTF-8").out.splitlines()
-        for line in ("real: -1,234,567.89", "short date: 7/4/2026", "clock: 3:06:07 PM", "words: 1 weeks 1 days"):
+        for line in ("morning: \"AM\"", "afternoon: \"PM\"", "leading zero: 1", "real: -1,234,567.89", "short date: 7/4/2026", "clock: 3:06:07 PM", "words: 1 weeks 1 days"):
             self.assertIn(line, american)
 
     def test_spans_and_pictures(self):
