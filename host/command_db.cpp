@@ -41,13 +41,7 @@ void ConvertTo(const std::string& path, const std::string& target) {
     CPropertyDB db;
     LoadDatabase(path, db);
     StoreDatabase(target, db);
-    if (!IsXmlName(target)) return;
-    for (const std::string& key : AllKeys(db)) {
-        const CObject* value = db.GetValueObject(key.c_str(), TRUE);
-        const XmlFit fit = FitInXml(value);
-        if (fit == XmlFit::Nothing) PrintError(Say(Text::NotInXml, {ToUtf8(key), KindOf(value)}));
-        if (fit == XmlFit::Changed) PrintError(Say(Text::ChangedInXml, {ToUtf8(key)}));
-    }
+    TellXmlLosses(target, db);
 }
 
 // By the objects, not by their keys: a damaged file may hold names that no key leads to.
@@ -73,6 +67,16 @@ void Check(const std::string& path) {
     Print(Say(Text::Checked, {ToUtf8(path), std::to_string(values), std::to_string(CountFolders(db))}));
 }
 }  // namespace
+
+void TellXmlLosses(const std::string& path, const CPropertyDB& db) {
+    if (!IsXmlName(path)) return;
+    for (const std::string& key : AllKeys(db)) {
+        const CObject* value = db.GetValueObject(key.c_str(), TRUE);
+        const XmlFit fit = FitInXml(value);
+        if (fit == XmlFit::Nothing) PrintError(Say(Text::NotInXml, {ToUtf8(key), KindOf(value)}));
+        if (fit == XmlFit::Changed) PrintError(Say(Text::ChangedInXml, {ToUtf8(key)}));
+    }
+}
 
 void ListDatabase(const CPropertyDB& db) {
     for (const std::string& key : AllKeys(db)) {

@@ -93,6 +93,7 @@ private:
             takes(0, 0);
             StoreDatabase(m_path, m_db);
             m_unsaved = false;
+            TellXmlLosses(m_path, m_db);
         } else if (name == "quit") {
             takes(0, 0);
             if (!m_unsaved || warned) return false;

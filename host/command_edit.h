@@ -12,3 +12,5 @@ ExitCode EditDatabase(const std::string& path);
 void ListDatabase(const CPropertyDB& db);
 // The value's text; a Failure, in which `path` is named, when there is none.
 void PrintValue(const CPropertyDB& db, const std::string& path, const std::string& key);
+// Says, key by key, what a file with an XML name does not hold, or not as it stands.
+void TellXmlLosses(const std::string& path, const CPropertyDB& db);

@@ -461,6 +461,12 @@ class Editing(HostTest):
         self.edit("begin", "set a 1", "set b 2", "end", "set c 3", "undo", "undo", "redo", "save")
         self.assertEqual(self.listed(), ["a  str  1", "b  str  2"])
 
+    def test_what_xml_does_not_hold_is_told(self):
+        _, said = self.edit("set a 1 i32", "set b 2 u16", "save", "quit", name="e.xml")
+        self.assertEqual(len(said), 1)
+        self.assertIn("i32", said[0])
+        self.assertEqual(self.listed("e.xml"), ["b  u16  2"])
+
     def test_undo_ends_an_open_group(self):
         _, said = self.edit("set a 1", "begin", "set b 2", "begin", "set c 3", "undo", "end", "undo", "redo", "save", "quit")
         self.assertEqual(len(said), 1)
