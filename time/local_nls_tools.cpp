@@ -56,6 +56,8 @@ int CLocalNlsTools::nTokC(const char*& cursor, char c) {
 }
 
 int CLocalNlsTools::GetDate(const char* text, const char* picture, CVXTTime& time) {
+    if (text == nullptr) text = "";
+    if (picture == nullptr) picture = "";
     eatWhite(text);
     int year = -1, month = -1, day = -1;
     for (; *picture; ++picture) {

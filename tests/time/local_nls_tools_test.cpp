@@ -71,4 +71,6 @@ TEST(LocalNlsTools, Dates) {
     EXPECT_EQ(tools.GetDate("1.1.71", "d.M.y", time), 1);
     EXPECT_EQ(time, CVXTTime(1971, 1, 1, 4, 5, 6, -1));
     EXPECT_EQ(time.Get(TT_YEAR), 1972);
+    EXPECT_EQ(tools.GetDate(nullptr, "d.M.y", time), 0);
+    EXPECT_EQ(tools.GetDate("1.1.20", nullptr, time), 0);
 }
