@@ -66,7 +66,7 @@ int CDisk::ChDir(const char* path) {
 void CDisk::ListDir(const char* pattern, CStringArray& names, int sort, eDIRSPECIFIER kind) {
     names.RemoveAll();
     WIN32_FIND_DATAA entry;
-    const HANDLE search = FindFirstFileA(TextOf(pattern), &entry);
+    const HANDLE search = FindFirstFileExA(TextOf(pattern), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr, 0);
     if (search == INVALID_HANDLE_VALUE) return;
     do {
         if (IsWanted(entry.dwFileAttributes, kind)) names.Add(entry.cFileName);

@@ -106,6 +106,7 @@ struct Search : KernelObject {
     std::mutex lock;
     DIR* folder = nullptr;
     std::string pattern;
+    bool basic = false;  // names and what kind of entry, as far as the folder itself tells
 };
 
 // "*" any run, "?" any one character; the case of letters is that of the pattern or not. No recursion, and time is bounded by the
@@ -149,6 +150,14 @@ DWORD TakeNext(Search& search, WIN32_FIND_DATAA* data) {
         // What could not be named back is passed over.
         if (name.size() >= MAX_PATH || name.find('\\') != std::string::npos || !Matches(search.pattern, name)) continue;
         struct stat info;
+        if (search.basic && entry->d_type != DT_UNKNOWN && entry->d_type != DT_LNK) {
+            info = {};
+            info.st_mode = (entry->d_type == DT_DIR ? S_IFDIR : S_IFREG) | S_IWUSR;
+            *data = {};
+            data->dwFileAttributes = AttributesOf(info, IsHiddenName(entry->d_name));
+            name.copy(data->cFileName, name.size());
+            return ERROR_SUCCESS;
+        }
         const int folder = dirfd(search.folder);
         // A dangling link is still an entry; one that vanished meanwhile is not.
         if (fstatat(folder, entry->d_name, &info, 0) != 0 && fstatat(folder, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0)
@@ -270,6 +279,15 @@ DWORD GetTempPathA(DWORD size, LPSTR out) {
 }
 
 HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data) {
+    return FindFirstFileExA(pattern, FindExInfoStandard, data, FindExSearchNameMatch, nullptr, 0);
+}
+
+HANDLE FindFirstFileExA(LPCSTR pattern, FINDEX_INFO_LEVELS level, LPVOID data, FINDEX_SEARCH_OPS operation, LPVOID filter,
+                        DWORD flags) {
+    if (level > FindExInfoBasic || operation != FindExSearchNameMatch || filter != nullptr || flags != 0) {
+        Fail(ERROR_INVALID_PARAMETER);
+        return INVALID_HANDLE_VALUE;
+    }
     std::string path;
     if (!TakeName(pattern, path)) return INVALID_HANDLE_VALUE;
     const size_t slash = path.find_last_of('/');
@@ -282,7 +300,8 @@ HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data) {
         Fail(errno == ENOENT || errno == ENOTDIR ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno));
         return INVALID_HANDLE_VALUE;
     }
-    const DWORD error = TakeNext(*search, data);
+    search->basic = level == FindExInfoBasic;
+    const DWORD error = TakeNext(*search, static_cast<WIN32_FIND_DATAA*>(data));
     if (error != ERROR_SUCCESS) {
         Fail(error == ERROR_NO_MORE_FILES ? ERROR_FILE_NOT_FOUND : error);
         return INVALID_HANDLE_VALUE;
