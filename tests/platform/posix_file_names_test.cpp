@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -98,6 +99,24 @@ TEST_F(PosixFileNames, NamesThatCannotBeNamedBackArePassedOver) {
     EXPECT_TRUE(IsThere("./c:d.txt"));
     EXPECT_FALSE(IsThere("a\\b.txt"));
     EXPECT_TRUE(IsThere(".\\\xE6\xB8\xAC.txt"));
+}
+
+TEST_F(PosixFileNames, ABasicListKnowsFoldersBehindLinks) {
+    fs::create_directory("folder");
+    fs::create_directory_symlink("folder", "link");
+    fs::create_symlink("nowhere", "dangling");
+    Make("file");
+    std::map<std::string, bool> isFolder;
+    WIN32_FIND_DATAA data;
+    const HANDLE find = FindFirstFileExA("*", FindExInfoBasic, &data, FindExSearchNameMatch, nullptr, 0);
+    ASSERT_NE(find, INVALID_HANDLE_VALUE);
+    do {
+        isFolder[data.cFileName] = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    } while (FindNextFileA(find, &data));
+    FindClose(find);
+    const std::map<std::string, bool> expected = {{".", true},    {"..", true},    {"folder", true},
+                                                  {"link", true}, {"file", false}, {"dangling", false}};
+    EXPECT_EQ(isFolder, expected);
 }
 
 TEST_F(PosixFileNames, ACopyKeepsTimeAndPermissions) {
