@@ -47,7 +47,9 @@ void CVersionInfo::InitCVersionInfo(const char* fileName) {
     void* fixed = nullptr;
     UINT length = 0;
     const bool found = VerQueryValueA(m_pBlock.get(), "\\", &fixed, &length) != FALSE && length >= sizeof(VS_FIXEDFILEINFO);
-    m_pFixed = found ? static_cast<const VS_FIXEDFILEINFO*>(fixed) : &kNoFixedInfo;
+    // In a damaged file it may stand at an odd address.
+    if (found) std::memcpy(&m_fixed, fixed, sizeof m_fixed);
+    m_pFixed = found ? &m_fixed : &kNoFixedInfo;
     ChooseLanguage();
 }
 

@@ -90,5 +90,6 @@ private:
     std::unique_ptr<char[]> m_pszFileName;
     char m_szLanguage[12] = "";  // language and code page of the texts, as "041d04B0"
     const VS_FIXEDFILEINFO* m_pFixed = nullptr;
+    VS_FIXEDFILEINFO m_fixed = {};  // what it points to, where the file has it
     std::unique_ptr<BYTE[]> m_pBlock;
 };
