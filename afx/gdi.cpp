@@ -5,6 +5,8 @@
 IMPLEMENT_DYNCREATE(CGdiObject, CObject)
 IMPLEMENT_DYNCREATE(CFont, CGdiObject)
 
+CGdiObject::~CGdiObject() { DeleteObject(); }
+
 BOOL CGdiObject::Attach(HGDIOBJ hObject) {
     if (hObject == nullptr || m_hObject != nullptr) return FALSE;
     m_hObject = hObject;

@@ -1,9 +1,13 @@
 // The Win32 names on a POSIX home, one header per topic; include platform/win32.h, never this file.
 #pragma once
 
+#include "platform/posix/bitmap.h"
+#include "platform/posix/colors.h"
 #include "platform/posix/console.h"
 #include "platform/posix/crt_time.h"
+#include "platform/posix/dc.h"
 #include "platform/posix/directories.h"
+#include "platform/posix/draw.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/events.h"
 #include "platform/posix/file_security.h"
@@ -15,10 +19,14 @@
 #include "platform/posix/messages.h"
 #include "platform/posix/modules.h"
 #include "platform/posix/nls.h"
+#include "platform/posix/paint.h"
+#include "platform/posix/rect.h"
+#include "platform/posix/region.h"
 #include "platform/posix/resources.h"
 #include "platform/posix/serial.h"
 #include "platform/posix/setup.h"
 #include "platform/posix/text.h"
+#include "platform/posix/text_draw.h"
 #include "platform/posix/threads.h"
 #include "platform/posix/types.h"
 #include "platform/posix/version.h"
