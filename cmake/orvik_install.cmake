@@ -6,7 +6,7 @@ if(WIN32)
 else()
   set(ORVIK_OTHER_HOME "/platform/windows")
 endif()
-foreach(folder IN ITEMS platform afx toolkit frame time xml commands propdb comm ui)
+foreach(folder IN ITEMS platform afx toolkit frame time xml commands propdb comm chart ui)
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/${folder} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvik
           FILES_MATCHING PATTERN "*.h" PATTERN "*_internal.h" EXCLUDE REGEX "${ORVIK_OTHER_HOME}" EXCLUDE)
 endforeach()
