@@ -161,9 +161,9 @@ TEST(AxisMapping, GoesThereAndBackAndClampsWhatIsFar) {
     EXPECT_EQ(mapping.ToValue(250), 50);
     EXPECT_EQ(mapping.ToCoordinate(50), 250);
     EXPECT_EQ(mapping.ToCoordinate(-0.19), 0);  // truncated toward zero
-    for (const double far : {1e300, kInfinity, 3e9}) {
-        EXPECT_EQ(mapping.ToCoordinate(far), 268435456);
-        EXPECT_EQ(mapping.ToCoordinate(-far), -268435456);
+    for (const double distant : {1e300, kInfinity, 3e9}) {
+        EXPECT_EQ(mapping.ToCoordinate(distant), 268435456);
+        EXPECT_EQ(mapping.ToCoordinate(-distant), -268435456);
     }
     EXPECT_EQ(mapping.ToCoordinate(NAN), -268435456);
     mapping = {10, -10, 100, 200, true};  // falling, and growing upwards all the same
@@ -236,7 +236,7 @@ TEST(AxisLayout, HugeNumbersOfStepsStayBounded) {
     const auto write = [](double value, CString& text) { Write(value, text, "#######"); };
     LayOutAxis(layout, request, division, 2000000000, write, [](const CString&) { return LONG{1}; });
     EXPECT_LE(layout.ticks.size(), (1u << 20) + 1);
-    const AxisDivisionRequest small = Request(0, 10, 10, 1, "#######");
-    LayOutAxis(layout, small, DivideAxis(small), 1000, write, [](const CString&) { return LONG{1}; });
+    const AxisDivisionRequest tiny = Request(0, 10, 10, 1, "#######");
+    LayOutAxis(layout, tiny, DivideAxis(tiny), 1000, write, [](const CString&) { return LONG{1}; });
     EXPECT_EQ(layout.ticks.size(), 11u);  // one for each pixel
 }
