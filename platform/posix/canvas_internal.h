@@ -91,6 +91,7 @@ struct TextRun {
     std::span<const int> offsets;
     int width = 0;  // of the whole run, along the base line
     POINT base = {0, 0};
+    UINT align = TA_LEFT;  // or TA_CENTER, TA_RIGHT: the point of the base line that was named; base is the start in any case
     COLORREF color = 0;
 };
 
