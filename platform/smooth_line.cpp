@@ -1,0 +1,112 @@
+// A pixel is covered by how near its middle lies to the line: wholly up to half a pixel inside the line's edge, not at all from
+// half a pixel outside. Where pieces of a line meet or cross the larger coverage counts, so joins are round and nothing is
+// painted twice.
+#include "platform/smooth_line_internal.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvik::detail {
+namespace {
+constexpr float kFar = 1e6f;
+
+// The edge fades over one pixel; a line thinner than a pixel is one pixel wide and fainter.
+struct Width {
+    explicit Width(float width) : reach(std::max(width, 1.0f) / 2 + 0.5f), strength(std::min(width, 1.0f) * 255) {}
+    float reach, strength;
+    uint8_t At(float distance) const { return static_cast<uint8_t>(std::clamp(reach - distance, 0.0f, 1.0f) * strength + 0.5f); }
+};
+
+class Segment {
+public:
+    Segment(const ORVIK_CURVE_POINT& a, const ORVIK_CURVE_POINT& b, const Width& width)
+        : m_a(a), m_b(b), m_width(width), m_length(std::hypot(b.x - a.x, b.y - a.y)) {
+        if (m_length > 0) m_alongX = (b.x - a.x) / m_length, m_alongY = (b.y - a.y) / m_length;
+    }
+
+    bool Cover(Coverage& coverage) const {
+        const float reach = m_width.reach;
+        const int top = std::max(Floor(std::min(m_a.y, m_b.y) - reach), coverage.top);
+        const int bottom = std::min(Ceil(std::max(m_a.y, m_b.y) + reach), coverage.top + coverage.height - 1);
+        const float leftmost = std::min(m_a.x, m_b.x) - reach, rightmost = std::max(m_a.x, m_b.x) + reach;
+        for (int y = top; y <= bottom; ++y) {
+            float from = leftmost, to = rightmost;
+            // The line without its ends crosses this row here, and is so wide along it.
+            if (std::abs(m_alongY) > 1e-3f) {
+                const float middle = m_a.x + (static_cast<float>(y) - m_a.y) * m_alongX / m_alongY,
+                            half = reach / std::abs(m_alongY);
+                from = std::max(from, middle - half), to = std::min(to, middle + half);
+            }
+            const int left = std::max(Floor(from), coverage.left), right = std::min(Ceil(to), coverage.left + coverage.width - 1);
+            if (left > right) continue;
+            CoverRow(coverage, y, left, right);
+        }
+        return top <= bottom;
+    }
+
+private:
+    static int Floor(float value) { return static_cast<int>(std::floor(value)); }
+    static int Ceil(float value) { return static_cast<int>(std::ceil(value)); }
+
+    void CoverRow(Coverage& coverage, int y, int left, int right) const {
+        uint8_t* pixel = coverage.pixels.data() + static_cast<size_t>(y - coverage.top) * static_cast<size_t>(coverage.width) +
+                         static_cast<size_t>(left - coverage.left);
+        const float dy = static_cast<float>(y) - m_a.y;
+        for (int x = left; x <= right; ++x, ++pixel) {
+            const float dx = static_cast<float>(x) - m_a.x;
+            const float along = dx * m_alongX + dy * m_alongY, aside = std::abs(dx * m_alongY - dy * m_alongX);
+            const float beyond = along < 0 ? -along : along - m_length;
+            const float distance = m_length == 0 ? std::hypot(dx, dy)
+                                   : beyond <= 0 ? aside
+                                                 : std::sqrt(aside * aside + beyond * beyond);
+            *pixel = std::max(*pixel, m_width.At(distance));
+        }
+    }
+
+    ORVIK_CURVE_POINT m_a, m_b;
+    Width m_width;
+    float m_length, m_alongX = 0, m_alongY = 0;
+};
+}  // namespace
+
+std::vector<std::vector<ORVIK_CURVE_POINT>> SmoothPieces(const ORVIK_CURVE_POINT* points, int count) {
+    std::vector<std::vector<ORVIK_CURVE_POINT>> pieces;
+    bool open = false;
+    for (int i = 0; i < count; ++i) {
+        const ORVIK_CURVE_POINT& point = points[i];
+        if (std::isnan(point.x) || std::isnan(point.y)) {
+            open = false;
+            continue;
+        }
+        if (!open) pieces.emplace_back();
+        open = true;
+        pieces.back().push_back({std::clamp(point.x, -kFar, kFar), std::clamp(point.y, -kFar, kFar)});
+    }
+    return pieces;
+}
+
+RECT SmoothBounds(const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, float width) {
+    if (pieces.empty()) return {};
+    float left = kFar, top = kFar, right = -kFar, bottom = -kFar;
+    for (const auto& piece : pieces) {
+        for (const ORVIK_CURVE_POINT& point : piece) {
+            left = std::min(left, point.x), right = std::max(right, point.x);
+            top = std::min(top, point.y), bottom = std::max(bottom, point.y);
+        }
+    }
+    const float reach = Width(width).reach;
+    return {static_cast<LONG>(std::floor(left - reach)), static_cast<LONG>(std::floor(top - reach)),
+            static_cast<LONG>(std::ceil(right + reach)) + 1, static_cast<LONG>(std::ceil(bottom + reach)) + 1};
+}
+
+bool CoverSmoothLine(const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, float width, Coverage& coverage) {
+    coverage.pixels.assign(static_cast<size_t>(coverage.width) * static_cast<size_t>(coverage.height), 0);
+    const Width edges(width);
+    bool touched = false;
+    for (const auto& piece : pieces) {
+        if (piece.size() == 1) touched |= Segment(piece[0], piece[0], edges).Cover(coverage);
+        for (size_t i = 1; i < piece.size(); ++i) touched |= Segment(piece[i - 1], piece[i], edges).Cover(coverage);
+    }
+    return touched;
+}
+}  // namespace orvik::detail
