@@ -9,7 +9,7 @@
 #include "time/span_text.h"
 
 Arguments::Arguments(const std::vector<std::string>& words, std::initializer_list<const char*> withValue,
-                     std::initializer_list<const char*> flags, size_t most) {
+                     std::initializer_list<const char*> flags, size_t most, std::initializer_list<const char*> repeated) {
     const auto listed = [](std::initializer_list<const char*> options, const std::string& word) {
         return std::any_of(options.begin(), options.end(), [&](const char* option) { return word == option; });
     };
@@ -22,7 +22,7 @@ Arguments::Arguments(const std::vector<std::string>& words, std::initializer_lis
         } else if (word == "--") {
             optionsEnded = true;
         } else {
-            const bool hasValue = listed(withValue, word);
+            const bool again = listed(repeated, word), hasValue = again || listed(withValue, word);
             // A negative number is a value, not an option.
             if (!hasValue && !listed(flags, word)) {
                 const bool number = word.find_first_not_of("0123456789.,eE+-;") == std::string::npos;
@@ -30,16 +30,21 @@ Arguments::Arguments(const std::vector<std::string>& words, std::initializer_lis
                 m_arguments.push_back(word);
                 continue;
             }
-            if (Has(word.c_str())) throw Failure{kWrongUse, Say(Text::OptionTwice, {word})};
+            if (!again && Has(word.c_str())) throw Failure{kWrongUse, Say(Text::OptionTwice, {word})};
             if (hasValue && i + 1 == words.size()) throw Failure{kWrongUse, Say(Text::OptionNeedsValue, {word})};
-            m_options[word] = hasValue ? words[++i] : "";
+            m_options[word].push_back(hasValue ? words[++i] : "");
         }
     }
 }
 
 std::string Arguments::Get(const char* option, const char* standard) const {
     const auto found = m_options.find(option);
-    return found == m_options.end() ? standard : found->second;
+    return found == m_options.end() ? standard : found->second.front();
+}
+
+std::vector<std::string> Arguments::All(const char* option) const {
+    const auto found = m_options.find(option);
+    return found == m_options.end() ? std::vector<std::string>() : found->second;
 }
 
 std::string Arguments::Require(const char* option) const {

@@ -13,13 +13,15 @@
 class Arguments {
 public:
     // Takes the words after the command. An option not listed, a missing value, an option given twice, or more than `most`
-    // arguments is a Failure with the sentence for it. "--" ends the options.
+    // arguments is a Failure with the sentence for it. "--" ends the options. Options with a value that are `repeated` may be
+    // given any number of times; All has their values.
     Arguments(const std::vector<std::string>& words, std::initializer_list<const char*> withValue,
-              std::initializer_list<const char*> flags, size_t most);
+              std::initializer_list<const char*> flags, size_t most, std::initializer_list<const char*> repeated = {});
 
     bool Has(const char* option) const { return m_options.count(option) != 0; }
     std::string Get(const char* option, const char* standard = "") const;
     std::string Require(const char* option) const;
+    std::vector<std::string> All(const char* option) const;  // in their order; none when it is not given
     DWORD Number(const char* option, DWORD low, DWORD high, DWORD standard) const;
     // Milliseconds, given as such or as a span in the user's words ("1.5 s", "10 min").
     DWORD Milliseconds(const char* option, DWORD low, DWORD high, DWORD standard) const;
@@ -29,6 +31,6 @@ public:
     const std::string& At(size_t index, const char* name) const;
 
 private:
-    std::map<std::string, std::string> m_options;
+    std::map<std::string, std::vector<std::string>> m_options;
     std::vector<std::string> m_arguments;
 };

@@ -8,12 +8,6 @@
 
 namespace {
 constexpr DWORD kWeek = 7 * 86'400'000;
-
-std::string FullPath(const std::string& path) {
-    char full[4096];
-    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
-    return length > 0 && length < sizeof full ? std::string(full, length) : path;
-}
 }  // namespace
 
 ExitCode RunDownload(CHostApp& app, const Words& words) {
@@ -34,7 +28,7 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     plan.traceFile = arguments.Get("--trace");
     plan.traceHex = arguments.Has("--hex");
     if (plan.traceHex && plan.traceFile.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};
-    if (!plan.traceFile.empty() && FullPath(plan.traceFile) == FullPath(out))
+    if (!plan.traceFile.empty() && SameFile(plan.traceFile, out))
         throw Failure{kWrongUse, Say(Text::OptionsSame, {"--out", "--trace"})};
 
     CPropertyDB description;

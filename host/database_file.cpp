@@ -7,6 +7,12 @@ namespace {
 [[noreturn]] void FailToWrite(const std::string& path, DWORD error) {
     throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})};
 }
+
+std::string FullPath(const std::string& path) {
+    char full[4096];
+    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
+    return length > 0 && length < sizeof full ? std::string(full, length) : path;
+}
 }  // namespace
 
 void LoadDatabase(const std::string& path, CPropertyDB& db) {
@@ -39,6 +45,8 @@ void RequireWritable(const std::string& path) {
 }
 
 bool FileExists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+bool SameFile(const std::string& one, const std::string& other) { return FullPath(one) == FullPath(other); }
 
 bool IsXmlName(const std::string& path) {
     CString end = path.size() < 4 ? "" : path.substr(path.size() - 4).c_str();

@@ -11,5 +11,7 @@ void StoreDatabase(const std::string& path, CPropertyDB& db);
 // stays.
 void RequireWritable(const std::string& path);
 bool FileExists(const std::string& path);
+// Whether two names lead to the same place, as far as the names tell.
+bool SameFile(const std::string& one, const std::string& other);
 // True for names that the property database stores as XML.
 bool IsXmlName(const std::string& path);

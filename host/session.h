@@ -29,7 +29,9 @@ public:
     void Store(IPropertyDB& db) const;
 
     size_t Count() const { return static_cast<size_t>(m_times.GetSize()); }
+    const CInt64Array& Times() const { return m_times; }  // microseconds since 1970
     const std::vector<Channel>& Channels() const { return m_channels; }
+    const std::string& Logger() const { return m_logger; }
 
     // A heading and one line a reading, for people: local times to the millisecond, six digits, in the user's regional format.
     // A number picture (time/number_text.h) chooses other digits.

@@ -118,6 +118,8 @@ std::string TimeTextOf(__int64 time) {
     return ToUtf8((date + " " + clock).GetString());
 }
 
+bool RealFromText(const std::string& text, double& value) { return ReadNumber(text, value) && std::isfinite(value); }
+
 void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kind, const std::string& text) {
     bool stored = false, understood = true;
     if (kind == "str") {

@@ -17,6 +17,9 @@ std::string TextOf(double value);
 std::string ShortTextOf(double value, const std::string& picture = {});
 std::string TimeTextOf(__int64 time);
 
+// A real number as TextOf writes it or, where that is none, in the user's format. UTF-8; false for other texts.
+bool RealFromText(const std::string& text, double& value);
+
 // Stores `text` (UTF-8) under the key as a value of this kind. A real may be written as TextOf does or, where that is no number,
 // in the user's format. A Failure if the text is no such value or the key cannot hold it.
 void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kind, const std::string& text);
