@@ -1,0 +1,43 @@
+// What of a long series can be seen: a line through at most a handful of points a pixel column, in the plot's own coordinates.
+// Pure functions on values; any thread.
+//
+// A series with few readings in view is taken as it is. A longer one is reduced: every pixel column gives its first, lowest,
+// highest and last value, in the order in which they were read, so that the picture is the one of the line through all of them.
+// Values that are no finite numbers draw nothing: they part the line where they fill a column of a reduced series, or stand
+// between two readings of one that is not reduced.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "platform/picture.h"
+#include "platform/win32.h"
+
+// From microseconds since 1970 and from values to pixels. The ends of each range lie at the ends of the plot's; a range may fall.
+struct PlotMapping {
+    double fromTime = 0, toTime = 1;      // microseconds
+    LONG left = 0, right = 0;             // pixels of the two
+    double fromValue = 0, toValue = 100;  // values at the bottom and at the top
+    LONG bottom = 0, top = 0;
+
+    double X(double time) const { return left + (time - fromTime) / (toTime - fromTime) * (right - left); }
+    double Y(double value) const { return bottom + (value - fromValue) / (toValue - fromValue) * (top - bottom); }
+};
+
+// `count` increasing times and as many values. The caller keeps them.
+struct SeriesData {
+    const __int64* times = nullptr;
+    const double* values = nullptr;
+    size_t count = 0;
+};
+
+struct ReducedSeries {
+    std::vector<ORVIK_CURVE_POINT> points;  // a NaN parts pieces, as OrvikSmoothPolyline takes them
+    bool markers = false;                   // so few that each reading deserves a mark of its own
+};
+
+// The readings in view, and one more at each side, so that the line reaches the plot's edges. Nothing for an empty mapping.
+ReducedSeries ReduceSeries(const SeriesData& series, const PlotMapping& mapping);
+
+// The lowest and highest finite value of readings first to last - 1; false when there is none.
+bool FiniteRange(const double* values, size_t first, size_t last, double& low, double& high);
