@@ -6,7 +6,6 @@
 #include <mutex>
 
 #include "platform/posix/handle_table_internal.h"
-#include "platform/posix/window_internal.h"
 
 using namespace orvik::detail;
 
@@ -88,7 +87,6 @@ BOOL DeleteObject(HGDIOBJ object) {
 }
 
 BOOL SystemParametersInfoA(UINT action, UINT, PVOID data, UINT) {
-    if (SystemInputParameter(action, data)) return TRUE;
     if (action != SPI_GETNONCLIENTMETRICS || data == nullptr) return Finish(ERROR_INVALID_PARAMETER);
     const UINT size = *static_cast<const UINT*>(data);
     constexpr UINT kBeforePadding = offsetof(NONCLIENTMETRICSA, iPaddedBorderWidth);

@@ -6,29 +6,14 @@
 #include <algorithm>
 #include <map>
 
-#include "platform/posix/menu.h"
 #include "platform/posix/threads.h"
 #include "platform/posix/window_class_internal.h"
 
 namespace orvik::detail {
 namespace {
-constexpr LONG kDesktopWidth = 1920, kDesktopHeight = 1080;
-const auto kDesktop = reinterpret_cast<HWND>(static_cast<uintptr_t>(0x10000));
-
-// In the order of making, since handles grow. The desktop is the first.
+// In the order of making, since handles grow.
 std::map<HWND, std::unique_ptr<Window>>& Windows() {
-    static auto* windows = [] {
-        auto desktop = std::make_unique<Window>();
-        desktop->handle = kDesktop;
-        desktop->windowClass = std::make_shared<WindowClass>();
-        desktop->windowClass->name = "#32769";
-        desktop->procedure = DefWindowProcA;
-        desktop->style = WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS;
-        desktop->rectangle = {0, 0, kDesktopWidth, kDesktopHeight};
-        auto* made = new std::map<HWND, std::unique_ptr<Window>>;
-        made->emplace(kDesktop, std::move(desktop));
-        return made;
-    }();
+    static auto* windows = new std::map<HWND, std::unique_ptr<Window>>;
     return *windows;
 }
 
@@ -38,29 +23,6 @@ HWND NextHandle() {
     return reinterpret_cast<HWND>(last += 2);
 }
 
-// Takes a window off the desktop before it is told that it goes, so that nothing it leads to finds it there.
-void TakeAway(HWND handle) {
-    DWORD style = 0, exStyle = 0;
-    HWND parent = nullptr;
-    LONG_PTR id = 0;
-    {
-        const std::lock_guard kernel(KernelLock());
-        const Window* window = FindWindowOf(handle);
-        if (window == nullptr || window->destroying) return;
-        style = window->style;
-        exStyle = window->exStyle;
-        parent = window->parent;
-        id = window->id;
-    }
-    if ((style & WS_CHILD) != 0 && (exStyle & WS_EX_NOPARENTNOTIFY) == 0)
-        SendMessageA(parent, WM_PARENTNOTIFY, MAKEWPARAM(WM_DESTROY, id), reinterpret_cast<LPARAM>(handle));
-    if ((style & WS_VISIBLE) != 0) {
-        if ((style & WS_CHILD) != 0)
-            ShowWindow(handle, SW_HIDE);
-        else
-            SetWindowPos(handle, nullptr, 0, 0, 0, 0, SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    }
-}
 // Tells the window and all below it that they go; the windows it owns have gone before.
 void DestroyTree(HWND handle) {
     std::unique_lock kernel(KernelLock());
@@ -70,11 +32,7 @@ void DestroyTree(HWND handle) {
     const bool own = window->thread == GetCurrentThreadId();
     const std::vector<HWND> owned = WindowsBelow(handle, false);
     kernel.unlock();
-    for (const HWND each : owned) {
-        TakeAway(each);
-        DestroyTree(each);
-    }
-    if (own) LeaveWindow(handle);
+    for (const HWND each : owned) DestroyTree(each);
     if (own) CallProcedureOf(handle, WM_DESTROY, 0, 0);
     kernel.lock();
     const std::vector<HWND> children = WindowsBelow(handle, true);
@@ -82,13 +40,8 @@ void DestroyTree(HWND handle) {
     for (const HWND each : children) DestroyTree(each);
     if (own) CallProcedureOf(handle, WM_NCDESTROY, 0, 0);
     kernel.lock();
-    HMENU menu = nullptr;
-    if (const Window* last = FindWindowOf(handle)) menu = last->menu;
     RemoveWindow(handle);
-    kernel.unlock();
-    if (menu != nullptr) DestroyMenu(menu);
 }
-
 }  // namespace
 
 Window* FindWindowOf(HWND handle) {
@@ -96,37 +49,19 @@ Window* FindWindowOf(HWND handle) {
     return found == Windows().end() ? nullptr : found->second.get();
 }
 
-Window& Desktop() { return *Windows().begin()->second; }
-
 std::vector<HWND> WindowsBelow(HWND parent, bool children) {
-    if (children) {
-        const Window* window = FindWindowOf(parent);
-        return window != nullptr ? window->children : std::vector<HWND>();
-    }
-    std::vector<HWND> owned;
+    std::vector<HWND> below;
     for (const auto& [handle, window] : Windows()) {
-        if (window->parent == parent && (window->style & WS_CHILD) == 0) owned.push_back(handle);
+        if (window->parent == parent && ((window->style & WS_CHILD) != 0) == children) below.push_back(handle);
     }
-    return owned;
+    return below;
 }
 
 void RemoveWindow(HWND handle) {
     const auto found = Windows().find(handle);
     if (found == Windows().end()) return;
-    Window& window = *found->second;
-    --window.windowClass->windows;
-    RemoveMessagesFor(handle, window.thread);
-    DropContexts(window);
-    Unlink(window);
-    // Windows of other threads may still stand below or be owned; they have nobody above them from now on.
-    for (const auto& [other, each] : Windows()) {
-        if (each->parent == handle) each->parent = nullptr;
-    }
-    if (MessageQueue* queue = QueueOf(window.thread)) {
-        for (HWND* held : {&queue->active, &queue->focus, &queue->capture}) {
-            if (*held == handle) *held = nullptr;
-        }
-    }
+    --found->second->windowClass->windows;
+    RemoveMessagesFor(handle, found->second->thread);
     Windows().erase(found);
 }
 
@@ -159,19 +94,15 @@ HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR text, DWORD style, 
         return static_cast<HWND>(nullptr);
     };
     const DWORD thread = CurrentQueue().thread;
-    const bool overlapped = (style & (WS_CHILD | WS_POPUP)) == 0;
-    // Only an overlapped window has a default place: the desktop's corner, and three quarters of the desktop.
-    const auto placed = [](int value, int fallback) { return value == CW_USEDEFAULT ? fallback : value; };
-    const auto size = [&](int value, LONG whole) { return std::clamp(placed(value, overlapped ? whole * 3 / 4 : 0), 0, 32767); };
-    if (parent == kDesktop) parent = nullptr;
+    const auto placed = [](int value) { return value == CW_USEDEFAULT ? 0 : value; };
     CREATESTRUCTA create{parameter,
                          instance,
                          menu,
                          parent == HWND_MESSAGE ? nullptr : parent,
-                         width == CW_USEDEFAULT ? size(width, kDesktopHeight) : size(height, kDesktopHeight),
-                         size(width, kDesktopWidth),
-                         placed(y, 0),
-                         placed(x, 0),
+                         placed(height),
+                         placed(width),
+                         placed(y),
+                         placed(x),
                          static_cast<LONG>(style),
                          text,
                          className,
@@ -188,20 +119,14 @@ HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR text, DWORD style, 
         made->thread = thread;
         made->procedure = made->windowClass->info.lpfnWndProc;
         made->parent = create.hwndParent;
-        made->messageOnly = parent == HWND_MESSAGE;
-        made->style = style & ~WS_VISIBLE;  // it is shown at the end
+        made->style = style;
         made->exStyle = exStyle;
         made->rectangle = {create.x, create.y, create.x + create.cx, create.y + create.cy};
         made->instance = instance;
-        if ((style & WS_CHILD) != 0)
-            made->id = reinterpret_cast<LONG_PTR>(menu);
-        else
-            made->menu = menu;
+        made->id = (style & WS_CHILD) != 0 ? reinterpret_cast<LONG_PTR>(menu) : 0;
         made->extra.resize(static_cast<size_t>(made->windowClass->info.cbWndExtra));
         ++made->windowClass->windows;
-        Window& window = *made;
         Windows().emplace(handle, std::move(made));
-        Link(window);
     }
     const auto told = reinterpret_cast<LPARAM>(&create);
     if (CallProcedureOf(handle, WM_NCCREATE, 0, told) == 0) {
@@ -213,18 +138,6 @@ HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR text, DWORD style, 
         DestroyTree(handle);
         return nullptr;
     }
-    const auto sizeNow = [&] {
-        RECT client{};
-        GetClientRect(handle, &client);
-        return MAKELPARAM(client.right, client.bottom);
-    };
-    SendMessageA(handle, WM_SIZE, SIZE_RESTORED, sizeNow());
-    SendMessageA(handle, WM_MOVE, 0, MAKELPARAM(create.x, create.y));
-    if ((style & WS_CHILD) != 0 && (exStyle & WS_EX_NOPARENTNOTIFY) == 0 && IsWindow(handle)) {
-        SendMessageA(create.hwndParent, WM_PARENTNOTIFY, MAKEWPARAM(WM_CREATE, reinterpret_cast<LONG_PTR>(menu)),
-                     reinterpret_cast<LPARAM>(handle));
-    }
-    if ((style & WS_VISIBLE) != 0 && IsWindow(handle)) ShowWindow(handle, SW_SHOW);
     return IsWindow(handle) ? handle : nullptr;
 }
 
@@ -235,7 +148,6 @@ BOOL DestroyWindow(HWND window) {
         if (found == nullptr) return Finish(ERROR_INVALID_WINDOW_HANDLE);
         if (found->thread != GetCurrentThreadId()) return Finish(ERROR_ACCESS_DENIED);
     }
-    TakeAway(window);
     DestroyTree(window);
     return TRUE;
 }
@@ -276,7 +188,7 @@ LRESULT DefWindowProcA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) 
             return window == nullptr ? 0 : static_cast<LRESULT>(window->text.size());
         }
         default:
-            return DefaultAnswer(handle, message, wParam, lParam);
+            return 0;
     }
 }
 
