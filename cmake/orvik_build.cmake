@@ -40,13 +40,14 @@ endif()
 # What the platform floor needs of the system, passed on to whatever links it.
 add_library(orvik_system INTERFACE)
 if(WIN32)
-  target_link_libraries(orvik_system INTERFACE setupapi version gdi32)
+  target_link_libraries(orvik_system INTERFACE setupapi version gdi32 z)
 else()
   find_package(Threads REQUIRED)
   find_package(PkgConfig REQUIRED)
   pkg_check_modules(ORVIK_DRAWING REQUIRED IMPORTED_TARGET cairo cairo-ft cairo-pdf fontconfig freetype2)
+  find_package(ZLIB REQUIRED)
   find_package(ICU REQUIRED COMPONENTS i18n uc data)
-  target_link_libraries(orvik_system INTERFACE Threads::Threads ICU::i18n ICU::uc ICU::data PkgConfig::ORVIK_DRAWING ${CMAKE_DL_LIBS})
+  target_link_libraries(orvik_system INTERFACE Threads::Threads ICU::i18n ICU::uc ICU::data PkgConfig::ORVIK_DRAWING ZLIB::ZLIB ${CMAKE_DL_LIBS})
 endif()
 
 # Every floor's objects, for programs that test internals: no export, no import.

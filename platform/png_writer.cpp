@@ -1,5 +1,7 @@
-#include <array>
+#include <zlib.h>
+
 #include <cstdlib>
+#include <new>
 #include <vector>
 
 #include "platform/png_writer_internal.h"
@@ -13,31 +15,18 @@ void AppendBig(std::string& out, uint32_t value) {
     for (int shift = 24; shift >= 0; shift -= 8) out += static_cast<char>(value >> shift & 0xFF);
 }
 
-// The check sum of a chunk (RFC 2083, 15), eight bytes a step.
-uint32_t Crc(std::span<const unsigned char> data) {
-    using Table = std::array<std::array<uint32_t, 256>, 8>;
-    static const Table tables = [] {
-        Table made{};
-        for (uint32_t i = 0; i < 256; ++i) {
-            uint32_t value = i;
-            for (int bit = 0; bit < 8; ++bit) value = (value & 1) != 0 ? 0xEDB88320u ^ value >> 1 : value >> 1;
-            made[0][i] = value;
-        }
-        for (size_t step = 1; step < 8; ++step)
-            for (size_t i = 0; i < 256; ++i) made[step][i] = made[step - 1][i] >> 8 ^ made[0][made[step - 1][i] & 0xFF];
-        return made;
-    }();
-    uint32_t crc = 0xFFFFFFFFu;
-    size_t i = 0;
-    for (; i + 8 <= data.size(); i += 8) {
-        const unsigned char* at = data.data() + i;
-        const uint32_t first = crc ^ (at[0] | static_cast<uint32_t>(at[1]) << 8 | static_cast<uint32_t>(at[2]) << 16 |
-                                      static_cast<uint32_t>(at[3]) << 24);
-        crc = tables[7][first & 0xFF] ^ tables[6][first >> 8 & 0xFF] ^ tables[5][first >> 16 & 0xFF] ^ tables[4][first >> 24] ^
-              tables[3][at[4]] ^ tables[2][at[5]] ^ tables[1][at[6]] ^ tables[0][at[7]];
-    }
-    for (; i < data.size(); ++i) crc = tables[0][(crc ^ data[i]) & 0xFF] ^ crc >> 8;
-    return ~crc;
+uint32_t Crc(const char* data, size_t size) {
+    return static_cast<uint32_t>(crc32_z(0, reinterpret_cast<const Bytef*>(data), size));
+}
+
+// Rows of filtered differences are mostly zeros: run lengths and a quick search find nearly all that a long one would.
+std::string Compressed(const std::vector<unsigned char>& rows) {
+    uLong size = compressBound(static_cast<uLong>(rows.size()));
+    std::string packed(size, 0);
+    if (compress2(reinterpret_cast<Bytef*>(packed.data()), &size, rows.data(), static_cast<uLong>(rows.size()), 3) != Z_OK)
+        throw std::bad_alloc();
+    packed.resize(size);
+    return packed;
 }
 
 void AppendChunk(std::string& file, const char* name, const std::string& content) {
@@ -45,7 +34,7 @@ void AppendChunk(std::string& file, const char* name, const std::string& content
     const size_t start = file.size();
     file += name;
     file += content;
-    AppendBig(file, Crc({reinterpret_cast<const unsigned char*>(file.data()) + start, file.size() - start}));
+    AppendBig(file, Crc(file.data() + start, file.size() - start));
 }
 
 unsigned Size(unsigned char difference) { return static_cast<unsigned>(std::abs(static_cast<signed char>(difference))); }

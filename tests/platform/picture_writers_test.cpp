@@ -1,7 +1,6 @@
 // The writers of picture files by themselves, without a DC.
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cstdlib>
 #include <random>
 
@@ -29,27 +28,6 @@ TEST(PngWriter, PixelsComeBack) {
         const PngImage image = ReadPng(orvik::detail::PngFile(pixels.data(), width, c.width, c.height));
         EXPECT_EQ(image.width, c.width);
         EXPECT_EQ(image.pixels, pixels) << c.width << " x " << c.height;
-    }
-}
-
-TEST(PngWriter, AnyBytesAreCompressed) {
-    std::mt19937 random(11);
-    for (const size_t size : {0u, 1u, 3u, 4u, 5u, 257u, 65536u, 200000u}) {
-        for (int kind = 0; kind < 4; ++kind) {
-            std::string data(size, 'a');
-            for (size_t i = 0; i < size; ++i) {
-                const auto any = static_cast<uint32_t>(random());
-                if (kind == 1) data[i] = static_cast<char>(any);
-                // Each value half as often as the one before: codes of more than 15 bits, were there no limit.
-                if (kind == 2) data[i] = static_cast<char>(std::countl_zero(any | 1));
-                if (kind == 3) data[i] = i >= 32768 ? data[i - 32768] : static_cast<char>(any);
-            }
-            const std::string packed = orvik::detail::Compressed({reinterpret_cast<const unsigned char*>(data.data()), size});
-            EXPECT_EQ(Inflater(packed).All(), data) << size << ' ' << kind;
-            if (kind == 0) {
-                EXPECT_LT(packed.size(), 600u + size / 200);
-            }
-        }
     }
 }
 
