@@ -1,0 +1,33 @@
+#include "platform/rich_text.h"
+
+#include <richedit.h>
+
+namespace orvik {
+namespace {
+// Of riched20.dll, version 2.0 and later, with narrow text.
+constexpr char kControlClass[] = "RichEdit20A";
+}  // namespace
+
+RichTextReader::RichTextReader(HWND owner) : m_library(::LoadLibraryA("riched20.dll")) {
+    if (m_library == nullptr) return;
+    m_control = ::CreateWindowExA(0, kControlClass, "", WS_CHILD | ES_MULTILINE, 0, 0, 100, 100,
+                                  owner != nullptr ? owner : HWND_MESSAGE, nullptr, ::GetModuleHandleA(nullptr), nullptr);
+    m_open = m_control != nullptr;
+    // The control's own limit, 32,767 characters, would cut texts.
+    if (m_open) ::SendMessageA(m_control, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
+}
+
+RichTextReader::~RichTextReader() {
+    if (m_control != nullptr) ::DestroyWindow(m_control);
+    if (m_library != nullptr) ::FreeLibrary(m_library);
+}
+
+std::string RichTextReader::ToPlain(const char* text) const {
+    if (!m_open || !::SetWindowTextA(m_control, text != nullptr ? text : "")) return {};
+    std::string plain(static_cast<size_t>(::GetWindowTextLengthA(m_control)), '\0');
+    // With room for the final 0, which a string has.
+    plain.resize(static_cast<size_t>(::GetWindowTextA(m_control, plain.data(), static_cast<int>(plain.size() + 1))));
+    return detail::WithPlainLineEnds(plain);
+}
+
+}  // namespace orvik
