@@ -63,6 +63,11 @@ int CWinApp::DoMessageBox(LPCSTR lpszPrompt, UINT nType, UINT) {
 
 CWinApp* AfxGetApp() { return AfxGetAppModuleState()->m_pCurrentWinApp; }
 
+CWnd* AfxGetMainWnd() {
+    const CWinApp* const app = AfxGetApp();
+    return app != nullptr ? app->m_pMainWnd : nullptr;
+}
+
 LPCSTR AfxGetAppName() {
     if (const CWinApp* app = AfxGetApp()) return app->m_pszAppName;
     static const CString s_name = ProgramName();

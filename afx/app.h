@@ -5,6 +5,8 @@
 #include "afx/cmd_target.h"
 #include "afx/string.h"
 
+class CWnd;
+
 class ORVIK_API CWinThread : public CCmdTarget {
     DECLARE_DYNAMIC(CWinThread)
 
@@ -21,6 +23,8 @@ public:
     virtual int ExitInstance();
 
     DWORD m_nThreadID;  // of the thread that made this object
+    // Set by the application once its main window is there, null before; not owned.
+    CWnd* m_pMainWnd = nullptr;
 
 protected:
     MSG m_msgCur = {};
@@ -47,6 +51,8 @@ private:
 
 // The application object, or null.
 ORVIK_API CWinApp* AfxGetApp();
+// The application's main window; null without one, and without an application object.
+ORVIK_API CWnd* AfxGetMainWnd();
 // The application's name; of the program's file when there is no application object.
 ORVIK_API LPCSTR AfxGetAppName();
 // The thread of the application object; without one, the thread that loaded this module.

@@ -4,6 +4,7 @@ IMPLEMENT_SERIAL(CByteArray, CObject, 0)
 IMPLEMENT_SERIAL(CWordArray, CObject, 0)
 IMPLEMENT_SERIAL(CDWordArray, CObject, 0)
 IMPLEMENT_SERIAL(CStringArray, CObject, 0)
+IMPLEMENT_DYNAMIC(CPtrArray, CObject)
 
 static_assert(sizeof(CWordArray) == 2 * sizeof(void*) + 8 || sizeof(void*) == 4, "values of one number are to stay small");
 
@@ -17,3 +18,5 @@ void SerializeElements(CArchive& ar, CString* elements, INT_PTR count) {
 }
 
 INT_PTR CStringArray::Add(LPCSTR newElement) { return Add(CString(newElement)); }
+
+void CPtrArray::Serialize(CArchive&) { AfxThrowNotSupportedException(); }

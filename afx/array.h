@@ -332,3 +332,11 @@ public:
     INT_PTR Add(LPCSTR newElement);
     void SetAt(INT_PTR nIndex, LPCSTR newElement) { ElementAt(nIndex) = newElement; }
 };
+
+// Pointers, which it does not own. There is no archive form of them: Serialize raises the not-supported exception.
+class ORVIK_API CPtrArray : public CArray<void*, void*> {
+    DECLARE_DYNAMIC(CPtrArray)
+
+public:
+    void Serialize(CArchive& ar) override;
+};

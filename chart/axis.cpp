@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "afx/geometry.h"
+
 namespace {
 
 constexpr LONG kDivisions = 10;
 
-bool Contains(const RECT& rect, POINT point) {
-    return point.x >= rect.left && point.x < rect.right && point.y >= rect.top && point.y < rect.bottom;
-}
+bool Contains(const RECT& rect, POINT point) { return CRect(rect).PtInRect(point) != 0; }
 bool IsEmpty(const RECT& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
 
 }  // namespace
