@@ -44,6 +44,7 @@ DWORD ErrorFromErrno(int error) {
             return ERROR_BROKEN_PIPE;
         case ENOSPC:
         case EDQUOT:
+        case EFBIG:  // a limit of the file system or the user
             return ERROR_DISK_FULL;
         case ENOTTY:
         case ENOSYS:

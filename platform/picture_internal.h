@@ -1,0 +1,59 @@
+// What the homes give to picture files. Internal; one thread for one picture.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/picture.h"
+#include "platform/smooth_line_internal.h"
+
+namespace orvik::detail {
+
+enum class PictureKind { png, svg, pdf };
+
+// A picture under way: its DC, and what becomes of it. Its end ends the DC.
+class PictureTarget {
+public:
+    virtual ~PictureTarget() = default;
+    virtual HDC Dc() const = 0;
+    // The whole file; nothing may be drawn any more. A Win32 code.
+    virtual DWORD Finish(std::string& file) = 0;
+};
+
+// Null and the last error where the system cannot give one.
+std::unique_ptr<PictureTarget> MakeImageTarget(int width, int height);
+std::unique_ptr<PictureTarget> MakePageTarget(PictureKind kind, int width, int height);
+
+// On a page (a DC without pixels) the pieces are kept as they are: TRUE. FALSE for every other DC.
+BOOL KeepSmoothLine(HDC dc, const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, COLORREF colour, float width);
+// Lays the colour over a part of the DC, in logical units, as much as each pixel is covered. A Win32 code.
+DWORD BlendCoverage(HDC dc, const Coverage& coverage, COLORREF colour);
+
+// Lets what the system may still hold back reach the pixels of every surface.
+void SettlePixels();
+
+// Puts `content` in the place of a file: written beside it, flushed, renamed. A Win32 code; the previous file stays on failure. A
+// symbolic link is followed, permissions are kept; a folder, a device and a file marked read-only are refused with 5.
+DWORD ReplaceWholeFile(const std::string& path, std::string_view content);
+
+// A memory DC over 32-bit pixels, top row first.
+class PixelSurface {
+public:
+    PixelSurface(int width, int height);
+    ~PixelSurface();
+    PixelSurface(const PixelSurface&) = delete;
+    PixelSurface& operator=(const PixelSurface&) = delete;
+
+    // Null when memory is short; the last error tells.
+    HDC Dc() const { return m_dc; }
+    uint32_t* Bits() const { return m_bits; }
+
+private:
+    HDC m_dc = nullptr;
+    HBITMAP m_bitmap = nullptr;
+    HGDIOBJ m_before = nullptr;
+    uint32_t* m_bits = nullptr;
+};
+
+}  // namespace orvik::detail
