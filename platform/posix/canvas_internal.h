@@ -24,6 +24,8 @@ class PixelRegion {
 public:
     PixelRegion() = default;
     PixelRegion(const RECT& rect);  // empty for an empty rectangle
+    // Of rectangles that are sorted and lie in bands of one height each already.
+    static PixelRegion FromSorted(std::vector<RECT> rects);
 
     bool Empty() const { return m_rects.empty(); }
     std::span<const RECT> Rects() const { return m_rects; }
@@ -38,6 +40,9 @@ public:
 private:
     std::vector<RECT> m_rects;
 };
+
+// NULLREGION, SIMPLEREGION or COMPLEXREGION.
+int LooksOf(const PixelRegion& region);
 
 // Pixels of an image: 0x00RRGGBB each, rows from the top `stride` pixels apart (negative in an image stored bottom up).
 struct PixelView {

@@ -58,7 +58,8 @@
 // `dc` may be null: a DC for memory, with a black and white bitmap of one pixel until one is selected.
 ORVIK_API HDC WINAPI CreateCompatibleDC(HDC dc);
 // "DISPLAY" alone: a DC that tells of the display and draws on one pixel of its own. Other drivers: error 1801.
-ORVIK_API HDC WINAPI CreateDCA(LPCSTR driver, LPCSTR device, LPCSTR output, const void* mode);
+struct DEVMODEA;  // settings of a printer; there are none here
+ORVIK_API HDC WINAPI CreateDCA(LPCSTR driver, LPCSTR device, LPCSTR output, const DEVMODEA* mode);
 ORVIK_API BOOL WINAPI DeleteDC(HDC dc);  // not for one that belongs to a window: 0
 // The levels count from 1; RestoreDC takes a level, or a negative number of steps back.
 ORVIK_API int WINAPI SaveDC(HDC dc);
