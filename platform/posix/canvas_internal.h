@@ -2,7 +2,7 @@
 // into primitives with everything said; a canvas turns a primitive into pixels or into marks on a page, and keeps no state.
 // One thread at a time for a canvas and all DCs over it.
 // Coordinates are whole pixels of the canvas: pixel (x, y) covers [x, x + 1) by [y, y + 1). Pages have the same units.
-// Canvases: MakeImageCanvas (32-bit pixels), MakePdfCanvas, and whoever derives from Canvas.
+// Canvases: MakeImageCanvas (32-bit pixels), and whoever derives from Canvas or PageCanvas.
 #pragma once
 
 #include <cstdint>
@@ -150,8 +150,6 @@ public:
 
 // Black at first. Null for a size below 1, above 32767 a side or above 2^28 pixels, and where memory ends.
 std::shared_ptr<Canvas> MakeImageCanvas(int width, int height);
-// A vector page of the given pixels at that many dots an inch; white paper. Null for sizes as above.
-std::shared_ptr<PageCanvas> MakePdfCanvas(int width, int height, int dotsPerInch);
 
 // A DC over a canvas that others may draw on as well. Device coordinates of the DC begin at `origin` of the canvas; nothing is
 // drawn outside `clip` (canvas coordinates, within the canvas), which is the DC's visible region. SaveDC and clip functions work
