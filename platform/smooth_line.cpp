@@ -29,24 +29,28 @@ public:
         const int top = std::max(Floor(std::min(m_a.y, m_b.y) - reach), coverage.top);
         const int bottom = std::min(Ceil(std::max(m_a.y, m_b.y) + reach), coverage.top + coverage.height - 1);
         const float leftmost = std::min(m_a.x, m_b.x) - reach, rightmost = std::max(m_a.x, m_b.x) + reach;
+        // The line without its ends crosses a row at a place that moves by `slope` from row to row, and is so wide along it.
+        const bool crosses = std::abs(m_alongY) > 1e-3f;
+        const float slope = crosses ? m_alongX / m_alongY : 0, half = crosses ? reach / std::abs(m_alongY) : 0;
         for (int y = top; y <= bottom; ++y) {
             float from = leftmost, to = rightmost;
-            // The line without its ends crosses this row here, and is so wide along it.
-            if (std::abs(m_alongY) > 1e-3f) {
-                const float middle = m_a.x + (static_cast<float>(y) - m_a.y) * m_alongX / m_alongY,
-                            half = reach / std::abs(m_alongY);
+            if (crosses) {
+                const float middle = m_a.x + (static_cast<float>(y) - m_a.y) * slope;
                 from = std::max(from, middle - half), to = std::min(to, middle + half);
             }
-            const int left = std::max(Floor(from), coverage.left), right = std::min(Ceil(to), coverage.left + coverage.width - 1);
-            if (left > right) continue;
-            CoverRow(coverage, y, left, right);
+            const int left = std::max(Ceil(from), coverage.left), right = std::min(Floor(to), coverage.left + coverage.width - 1);
+            if (left <= right) CoverRow(coverage, y, left, right);
         }
         return top <= bottom;
     }
 
 private:
-    static int Floor(float value) { return static_cast<int>(std::floor(value)); }
-    static int Ceil(float value) { return static_cast<int>(std::ceil(value)); }
+    // A call of the library for each row would take longer than the row.
+    static int Floor(float value) {
+        const int whole = static_cast<int>(value);
+        return whole - (static_cast<float>(whole) > value ? 1 : 0);
+    }
+    static int Ceil(float value) { return -Floor(-value); }
 
     void CoverRow(Coverage& coverage, int y, int left, int right) const {
         uint8_t* pixel = coverage.pixels.data() + static_cast<size_t>(y - coverage.top) * static_cast<size_t>(coverage.width) +
