@@ -218,6 +218,7 @@ BOOL ExtTextOutA(HDC dc, int x, int y, UINT options, const RECT* rect, LPCSTR te
     run.offsets = offsets;
     run.width = width;
     run.base = base;
+    run.align = horizontal;
     run.color = state.textColor;
     found->place.canvas->Text(run, clip);
     if (!found->place.canvas->IsPage()) DrawRules(*found, face, base, width, clip);
