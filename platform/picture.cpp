@@ -162,12 +162,13 @@ BOOL OrvikSmoothPolyline(HDC dc, const ORVIK_CURVE_POINT* points, int count, COL
     constexpr float kThinnest = 0.1f, kWidest = 100;
     if (count < 0 || (points == nullptr && count > 0) || !(width >= kThinnest && width <= kWidest))
         return Done(ERROR_INVALID_PARAMETER);
-    RECT clip{};
-    constexpr int kRefused = 0;  // what GetClipBox calls ERROR
-    if (GetClipBox(dc, &clip) == kRefused) return Done(ERROR_INVALID_HANDLE);
     return Done(Guarded([&]() -> DWORD {
         const auto pieces = SmoothPieces(points, count);
-        if (pieces.empty() || KeepSmoothLine(dc, pieces, colour, width)) return ERROR_SUCCESS;
+        if (!pieces.empty() && KeepSmoothLine(dc, pieces, colour, width)) return ERROR_SUCCESS;
+        RECT clip{};
+        constexpr int kRefused = 0;  // what GetClipBox calls ERROR
+        if (GetClipBox(dc, &clip) == kRefused) return ERROR_INVALID_HANDLE;
+        if (pieces.empty()) return ERROR_SUCCESS;
         const RECT bounds = SmoothBounds(pieces, width);
         const int left = std::max(bounds.left, clip.left), right = std::min(bounds.right, clip.right);
         const int bottom = std::min(bounds.bottom, clip.bottom);
