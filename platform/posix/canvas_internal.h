@@ -118,7 +118,7 @@ public:
     virtual PixelView Pixels() { return {}; }            // no bits on a page
 
     // Figures of `counts` points each, a line from each point to the next in its figure. `dash` is where the dash pattern stands,
-    // in pixels, and moves on along every line; it is 0 at the start of the call unless a line continues one.
+    // in pixels, and moves on along every line, from figure to figure too.
     virtual void Lines(std::span<const POINT> points, std::span<const DWORD> counts, const LineLook& look, int& dash,
                        const PixelRegion& clip) = 0;
     // The inside of polygons, which are closed by themselves; without the outline. `mode` ALTERNATE or WINDING.

@@ -21,7 +21,6 @@ struct DcState {
     UINT textAlign = TA_LEFT;
     POINT windowOrg = {0, 0}, viewportOrg = {0, 0}, brushOrg = {0, 0};
     POINT position = {0, 0};
-    int dash = 0;                     // where the dashes of a line in pieces stand
     std::optional<PixelRegion> clip;  // device coordinates
 };
 

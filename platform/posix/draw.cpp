@@ -10,13 +10,12 @@ using namespace orvik::detail;
 
 namespace {
 
-// Draws lines with the DC's pen, if it has a mark.
-void DrawLines(Dc& dc, std::span<const POINT> points, std::span<const DWORD> counts, bool continued) {
+// Draws lines with the DC's pen, if it has a mark. Dashes begin anew with every call.
+void DrawLines(Dc& dc, std::span<const POINT> points, std::span<const DWORD> counts) {
     const std::optional<LineLook> look = dc.Line();
     if (!look.has_value() || look->rop2 == R2_NOP) return;
-    int dash = continued ? dc.state.dash : 0;
+    int dash = 0;
     dc.place.canvas->Lines(points, counts, *look, dash, dc.Clip());
-    if (continued) dc.state.dash = dash;
 }
 
 std::vector<POINT> OnCanvas(const Dc& dc, std::span<const POINT> points) {
@@ -36,7 +35,6 @@ BOOL MoveToEx(HDC dc, int x, int y, LPPOINT before) {
     if (found == nullptr) return FALSE;
     if (before != nullptr) *before = found->state.position;
     found->state.position = {x, y};
-    found->state.dash = 0;
     return TRUE;
 }
 
@@ -52,7 +50,7 @@ BOOL LineTo(HDC dc, int x, int y) {
     if (found == nullptr) return FALSE;
     const POINT line[] = {found->ToCanvas(found->state.position), found->ToCanvas(POINT{x, y})};
     const DWORD count = 2;
-    DrawLines(*found, line, {&count, 1}, true);
+    DrawLines(*found, line, {&count, 1});
     found->state.position = {x, y};
     return TRUE;
 }
@@ -70,7 +68,7 @@ BOOL PolylineTo(HDC dc, const POINT* points, DWORD count) {
     std::vector<POINT> figure = {found->state.position};
     figure.insert(figure.end(), points, points + count);
     const DWORD all = count + 1;
-    DrawLines(*found, OnCanvas(*found, figure), {&all, 1}, true);
+    DrawLines(*found, OnCanvas(*found, figure), {&all, 1});
     found->state.position = points[count - 1];
     return TRUE;
 }
@@ -84,7 +82,7 @@ BOOL PolyPolyline(HDC dc, const POINT* points, const DWORD* counts, DWORD figure
         total += counts[i];
     }
     if (total == 0) return Finish(ERROR_INVALID_PARAMETER);
-    DrawLines(*found, OnCanvas(*found, {points, total}), {counts, figures}, false);
+    DrawLines(*found, OnCanvas(*found, {points, total}), {counts, figures});
     return TRUE;
 }
 
@@ -97,7 +95,7 @@ BOOL Polygon(HDC dc, const POINT* points, int count) {
     if (const auto look = found->Inside(); look.has_value() && found->state.rop2 != R2_NOP)
         found->place.canvas->Polygons(figure, {&all, 1}, found->state.polyFillMode, *look, found->state.rop2, found->Clip());
     if (figure.front().x != figure.back().x || figure.front().y != figure.back().y) figure.push_back(figure.front()), ++all;
-    DrawLines(*found, figure, {&all, 1}, false);
+    DrawLines(*found, figure, {&all, 1});
     return TRUE;
 }
 
@@ -123,7 +121,7 @@ BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
     const LONG last = rect.right - 1, low = rect.bottom - 1;
     const POINT corners[] = {{last, rect.top}, {rect.left, rect.top}, {rect.left, low}, {last, low}, {last, rect.top}};
     const DWORD count = 5;
-    DrawLines(*found, corners, {&count, 1}, false);
+    DrawLines(*found, corners, {&count, 1});
     return TRUE;
 }
 

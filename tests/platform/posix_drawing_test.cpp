@@ -1,0 +1,56 @@
+// What lies beneath the DCs of this home: canvases that several DCs share.
+#include <gtest/gtest.h>
+
+#include "platform/posix/canvas_internal.h"
+#include "platform/posix/errors.h"
+
+using namespace orvik::detail;
+
+namespace {
+
+TEST(Canvas, DcsShareItByOriginAndClip) {
+    const std::shared_ptr<Canvas> canvas = MakeImageCanvas(20, 10);
+    ASSERT_NE(canvas, nullptr);
+    const HWND window = reinterpret_cast<HWND>(uintptr_t{0x10004});
+    const HDC child = MakeCanvasDC({canvas, {5, 2}, RECT{5, 2, 500, 8}, window}),
+              whole = MakeCanvasDC({canvas, {0, 0}, RECT{0, 0, 20, 10}});
+    RECT box;
+    EXPECT_EQ(GetClipBox(child, &box), SIMPLEREGION);
+    EXPECT_TRUE(box.left == 0 && box.top == 0 && box.right == 15 && box.bottom == 6);
+    PatBlt(child, -50, -50, 200, 200, WHITENESS);
+    EXPECT_EQ(GetPixel(whole, 5, 2), RGB(255, 255, 255));
+    EXPECT_EQ(GetPixel(whole, 4, 2), RGB(0, 0, 0));
+    EXPECT_EQ(GetPixel(whole, 5, 8), RGB(0, 0, 0));
+    EXPECT_EQ(GetPixel(child, 0, 6), CLR_INVALID) << "outside of what it may see";
+    EXPECT_EQ(WindowFromDC(child), window);
+    EXPECT_FALSE(DeleteDC(child)) << "a window's DC goes back to the window";
+
+    IntersectClipRect(child, 0, 0, 2, 2);
+    ASSERT_TRUE(PlaceCanvasDC(child, {canvas, {10, 0}, RECT{10, 0, 20, 10}, window}));
+    PatBlt(child, -50, -50, 200, 200, BLACKNESS);
+    EXPECT_EQ(GetPixel(whole, 10, 2), RGB(255, 255, 255)) << "the clip region moved along";
+    const std::optional<CanvasTarget> target = TargetOf(child);
+    ASSERT_TRUE(target.has_value());
+    EXPECT_EQ(target->offset.x, 10);
+    EXPECT_EQ(target->clip.Box().right, 12);
+    EXPECT_TRUE(EndCanvasDC(child));
+    EXPECT_FALSE(EndCanvasDC(child));
+    EXPECT_EQ(SetROP2(child, R2_NOT), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_TRUE(EndCanvasDC(whole));
+    EXPECT_EQ(MakeImageCanvas(0, 5), nullptr);
+    EXPECT_EQ(MakeImageCanvas(40000, 5), nullptr);
+}
+
+TEST(Canvas, RegionsKeepOneForm) {
+    PixelRegion pieces(RECT{0, 0, 4, 2});
+    for (const RECT& rect : {RECT{2, 2, 4, 6}, RECT{0, 2, 2, 6}, RECT{4, 0, 9, 6}}) pieces.Combine(rect, RGN_OR);
+    EXPECT_TRUE(pieces == PixelRegion(RECT{0, 0, 9, 6})) << pieces.Rects().size();
+    pieces.Combine(RECT{3, 3, 5, 5}, RGN_DIFF);
+    EXPECT_EQ(pieces.Rects().size(), 4u);
+    EXPECT_FALSE(pieces.Contains(4, 4));
+    pieces.Combine(RECT{3, 3, 5, 5}, RGN_XOR);
+    EXPECT_TRUE(pieces == PixelRegion(RECT{0, 0, 9, 6}));
+}
+
+}  // namespace
