@@ -195,9 +195,12 @@ BOOL StretchBlt(HDC to, int x, int y, int width, int height, HDC from, int fromX
     if (width == 0 || height == 0 || fromWidth == 0 || fromHeight == 0) return TRUE;
     RECT wanted = source->ToCanvas(RECT{fromX, fromY, fromX + fromWidth, fromY + fromHeight});
     RECT place = dc->ToCanvas(RECT{x, y, x + width, y + height});
-    // An extent below zero mirrors; only the relation of the two counts.
-    if (wanted.left > wanted.right) std::swap(wanted.left, wanted.right), std::swap(place.left, place.right);
-    if (wanted.top > wanted.bottom) std::swap(wanted.top, wanted.bottom), std::swap(place.top, place.bottom);
+    // An extent below zero goes backwards from the named pixel; where only one of the two does, the picture is mirrored.
+    const bool mirrorX = (wanted.left > wanted.right) != (place.left > place.right),
+               mirrorY = (wanted.top > wanted.bottom) != (place.top > place.bottom);
+    wanted = FillExtent(wanted), place = FillExtent(place);
+    if (mirrorX) std::swap(place.left, place.right);
+    if (mirrorY) std::swap(place.top, place.bottom);
     const RECT whole = {0, 0, pixels.width, pixels.height};
     RECT there;
     if (!IntersectRect(&there, &wanted, &whole)) return TRUE;
