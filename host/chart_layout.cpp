@@ -97,6 +97,11 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
                      axis.left ? place + kAxisMargin : place + reach, bottom + line / 2};
         place += axis.left ? -reach : reach;
     }
-    if (timeShown) layout.timeArea = {bounds.left, bottom, bounds.right, bounds.bottom - margin};
+    // Beside value axes, whose lowest labels reach below the plot, the time axis keeps to its own width.
+    const auto shown = [&](size_t i) { return i < layout.axes.size() && layout.axes[i].shown; };
+    if (timeShown) {
+        layout.timeArea = {shown(0) ? layout.plot.left - kAxisMargin : bounds.left, bottom,
+                           shown(1) ? layout.plot.right + kAxisMargin : bounds.right, bounds.bottom - margin};
+    }
     return layout;
 }

@@ -10,8 +10,9 @@ struct Command {
     const char* name;
     ExitCode (*run)(CHostApp&, const Words&);
 };
-constexpr Command kCommands[] = {{"demo", RunDemo}, {"ports", RunPorts}, {"simulate", RunSimulate}, {"download", RunDownload},
-                                 {"show", RunShow}, {"db", RunDb},       {"locale", RunLocale},     {"version", RunVersion}};
+constexpr Command kCommands[] = {
+    {"demo", RunDemo},   {"ports", RunPorts}, {"simulate", RunSimulate}, {"download", RunDownload}, {"show", RunShow},
+    {"chart", RunChart}, {"db", RunDb},       {"locale", RunLocale},     {"version", RunVersion}};
 
 std::string HouseWord(const char* word) {
     std::string text(OrvikArgumentText(word, nullptr, 0), 0);

@@ -1,0 +1,32 @@
+#include "host/chart_file.h"
+
+#include <algorithm>
+
+#include "host/chart_view.h"
+#include "host/console.h"
+#include "host/texts.h"
+#include "platform/picture.h"
+
+void RequirePictureName(const std::string& path) {
+    CString end = path.size() < 4 ? "" : path.substr(path.size() - 4).c_str();
+    end.MakeLower();
+    if (end != ".png" && end != ".svg" && end != ".pdf") throw Failure{kWrongUse, Say(Text::NotAPictureName, {ToUtf8(path)})};
+}
+
+void WriteChart(ChartModel& model, const std::string& path, SIZE size) {
+    const auto fail = [&](DWORD error) { throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})}; };
+    const HDC picture = OrvikBeginPicture(path.c_str(), size.cx, size.cy);
+    if (picture == nullptr) {
+        const DWORD error = GetLastError();
+        if (error == ERROR_NOT_ENOUGH_MEMORY) throw Failure{kFileFailed, Say(Text::PictureTooLarge)};
+        fail(error);
+    }
+    {
+        CDC dc;
+        dc.Attach(picture);
+        dc.m_bPrinting = OrvikIsPrinting(picture);
+        ChartView(model).Draw(dc, {0, 0, size.cx, size.cy});
+        dc.Detach();
+    }
+    if (!OrvikEndPicture(picture, TRUE)) fail(GetLastError());
+}

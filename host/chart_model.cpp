@@ -1,0 +1,164 @@
+#include "host/chart_model.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "chart/unit_axis.h"
+#include "host/console.h"
+#include "host/texts.h"
+#include "host/value_text.h"
+
+namespace {
+constexpr char kFolder[] = "Chart", kTagFolder[] = "Tags";
+constexpr LONG kFrame = 1 << 20;  // sides of the frame in which a new tag's place is told
+
+// The range of an axis for data between these values. Data that hardly differ get a range in which their line lies in the middle.
+void ScaleFor(double low, double high, double& origin, double& extent) {
+    constexpr double kFlat = 1e-6, kPart = 0.05;
+    const double size = std::max(std::abs(low), std::abs(high));
+    CUnitAxis axis(FALSE);
+    if (high - low <= size * kFlat) {
+        const double room = size == 0 ? 1 : std::max(size * kPart, std::min(size, 1.0));
+        low -= room, high += room;
+    }
+    axis.AutoScale(low, high);
+    origin = axis.GetOrigin(), extent = axis.GetExtent();
+}
+
+// All that the chart has in the database, to tell whether it has changed.
+std::vector<std::string> Snapshot(IPropertyDB& db) {
+    std::vector<std::string> values;
+    CStringArray keys;
+    db.EnumAll(keys);
+    const std::string prefix = std::string(kFolder) + ".";
+    for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
+        const std::string key = keys.GetAt(i).GetString();
+        if (key.compare(0, prefix.size(), prefix) != 0) continue;
+        const CObject* const value = db.GetValueObject(key.c_str(), TRUE);
+        values.push_back(key + "=" + KindOf(value) + ":" + TextOf(value));
+    }
+    return values;
+}
+}  // namespace
+
+ChartModel::ChartModel(const Session& session, const std::vector<std::string>& channels) : m_session(session) {
+    const auto& all = session.Channels();
+    std::string names;
+    for (const auto& channel : all) names += (names.empty() ? "" : ", ") + ToUtf8(channel.name);
+    for (const std::string& wanted : channels) {
+        const auto fits = [&](const Session::Channel& channel) { return wanted == channel.name || wanted == channel.key; };
+        if (std::none_of(all.begin(), all.end(), fits)) throw Failure{kWrongUse, Say(Text::NoChannel, {ToUtf8(wanted), names})};
+    }
+
+    // The times are to increase; a file may come from anywhere.
+    const size_t count = session.Count();
+    m_times = session.Times().GetData();
+    std::vector<size_t> order;
+    if (!std::is_sorted(m_times, m_times + count)) {
+        order.resize(count);
+        std::iota(order.begin(), order.end(), size_t{0});
+        std::stable_sort(order.begin(), order.end(), [this](size_t a, size_t b) { return m_times[a] < m_times[b]; });
+        for (const size_t i : order) m_sortedTimes.push_back(m_times[i]);
+        m_times = m_sortedTimes.data();
+        m_sortedValues.resize(all.size());
+    }
+    if (count > 0) m_first = m_times[0], m_last = m_times[count - 1];
+    constexpr __int64 kHalfSecond = 500'000, kFarthest = 9'000'000'000'000'000'000LL;
+    m_from = m_first, m_to = m_last;
+    if (m_from == m_to) {
+        m_from = std::max(m_from, -kFarthest) - kHalfSecond, m_to = std::min(m_to, kFarthest) + kHalfSecond;
+        m_first = m_from, m_last = m_to;
+    }
+
+    for (size_t i = 0; i < all.size(); ++i) {
+        const Session::Channel& channel = all[i];
+        const double* values = channel.values.GetData();
+        if (!order.empty()) {
+            for (const size_t k : order) m_sortedValues[i].push_back(values[k]);
+            values = m_sortedValues[i].data();
+        }
+        const auto named = [&](const std::string& wanted) { return wanted == channel.name || wanted == channel.key; };
+        if (!channels.empty() && std::none_of(channels.begin(), channels.end(), named)) continue;
+        auto unit = std::find_if(m_units.begin(), m_units.end(), [&](const Unit& one) { return one.text == channel.unit; });
+        if (unit == m_units.end()) unit = m_units.insert(m_units.end(), Unit{channel.unit, {}});
+        unit->series.push_back(m_series.size());
+        m_series.push_back({channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]",
+                            static_cast<size_t>(unit - m_units.begin()), i, values});
+    }
+    ScaleUnits();
+}
+
+void ChartModel::SetView(__int64 from, __int64 to) {
+    if (from >= to) throw Failure{kWrongUse, Say(Text::ViewBackwards)};
+    if (to < m_first || from > m_last || Count() == 0) throw Failure{kWrongUse, Say(Text::ViewEmpty)};
+    m_from = from, m_to = to;
+}
+
+// One range for a unit whatever is shown of it, so that charts of parts of a session can be compared.
+void ChartModel::ScaleUnits() {
+    for (const Session::Channel& channel : m_session.Channels()) {
+        if (m_contexts.GetContext(channel.unit.c_str()) != nullptr) continue;
+        double low = HUGE_VAL, high = -HUGE_VAL;
+        for (const Session::Channel& other : m_session.Channels()) {
+            double from, to;
+            if (other.unit != channel.unit || !FiniteRange(other.values.GetData(), 0, Count(), from, to)) continue;
+            low = std::min(low, from), high = std::max(high, to);
+        }
+        CUnitContext context(channel.unit.c_str());
+        if (low <= high) {
+            ScaleFor(low, high, context.m_origin, context.m_extent);
+            CUnitAxis axis(FALSE);
+            axis.SetRange(context.m_origin, context.m_extent);
+            context.m_format = axis.GetFormat();
+        }
+        m_contexts.AddContext(channel.unit.c_str());
+        m_contexts.SetContext(&context);
+    }
+    for (Unit& unit : m_units) {
+        const CUnitContext* const context = m_contexts.GetContext(unit.text.c_str());
+        unit.origin = context->m_origin, unit.extent = context->m_extent;
+    }
+}
+
+void ChartModel::Load(IPropertyDB& db) {
+    db.BeginUsing(kFolder);
+    CUnitContextList stored;
+    stored.OnDBGet(&db);
+    // Only ranges that can be drawn go before those of the data.
+    for (POSITION at = stored.GetHeadPosition(); at != nullptr;) {
+        const CUnitContext* const context = stored.GetNext(at);
+        const bool usable =
+            std::isfinite(context->m_origin) && std::isfinite(context->m_extent) && context->m_origin != context->m_extent;
+        if (usable) m_contexts.SetContext(context);
+    }
+    db.BeginUsing(kTagFolder);
+    m_tags.OnDBGet(&db);
+    db.EndUsing();
+    db.EndUsing();
+    ScaleUnits();
+}
+
+bool ChartModel::Store(IPropertyDB& db) {
+    const auto before = Snapshot(db);
+    db.BeginUsing(kFolder);
+    m_contexts.OnDBSet(&db);
+    db.BeginUsing(kTagFolder);
+    m_tags.OnDBSet(&db);
+    db.EndUsing();
+    db.EndUsing();
+    return Snapshot(db) != before;
+}
+
+void ChartModel::AddTag(__int64 time, double value, const std::string& text) {
+    if (m_units.empty()) throw Failure{kWrongUse, Say(Text::NothingToTag)};
+    const Unit& unit = m_units[m_series.front().unit];
+    const double x =
+        (static_cast<double>(time) - static_cast<double>(m_first)) / (static_cast<double>(m_last) - static_cast<double>(m_first));
+    const double y = (value - unit.extent) / (unit.origin - unit.extent);
+    if (!(x >= 0 && x <= 1 && y >= 0 && y <= 1)) throw Failure{kWrongUse, Say(Text::TagOutside, {ToUtf8(text)})};
+    const LONG left = static_cast<LONG>(std::lround(x * kFrame)), top = static_cast<LONG>(std::lround(y * kFrame));
+    m_tags.CreateTag({0, 0, kFrame, kFrame}, {left, top, left, top})->SetText(text.c_str());
+}
+
+void ChartModel::ClearTags() { m_tags.RemoveAllTags(); }

@@ -1,0 +1,68 @@
+// What a chart shows of a session: its times, the channels in view and their units, the tags and the remembered ranges. It knows
+// nothing of pixels. User-interface thread. The session is the caller's and must outlive the model.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "chart/floating_tag.h"
+#include "chart/unit_context.h"
+#include "host/series_reduction.h"
+#include "host/session.h"
+
+class ChartModel {
+public:
+    struct Series {
+        std::string name;  // with its unit: "Air temperature [°C]"
+        size_t unit;       // index of its unit
+        size_t number;     // among all channels of the session: its colour, whatever else is shown
+        const double* values;
+    };
+    struct Unit {
+        std::string text;
+        std::vector<size_t> series;
+        double origin = 0, extent = 100;  // of its axis
+    };
+
+    // `channels` by their names or keys, all when there are none; a Failure for one that there is not.
+    ChartModel(const Session& session, const std::vector<std::string>& channels);
+
+    size_t Count() const { return m_session.Count(); }
+    const std::string& Title() const { return m_session.Logger(); }
+    const std::vector<Series>& AllSeries() const { return m_series; }
+    const std::vector<Unit>& Units() const { return m_units; }
+    SeriesData Data(const Series& series) const { return {m_times, series.values, Count()}; }
+
+    // The times of the first and the last reading, and what is in view of them: all at first. 0 to 1 s without readings.
+    __int64 First() const { return m_first; }
+    __int64 Last() const { return m_last; }
+    __int64 From() const { return m_from; }
+    __int64 To() const { return m_to; }
+    // A Failure if nothing lies between.
+    void SetView(__int64 from, __int64 to);
+
+    // What the session's database holds besides the readings, and back (docs/formats.md). Ranges that it holds go before those
+    // that are made for the data. Storing tells whether anything in the database has changed.
+    void Load(IPropertyDB& db);
+    bool Store(IPropertyDB& db);
+
+    // Tags lie in the frame of all times and of the whole height of the plot. A new one has its upper left corner at a time, and
+    // at a value on the axis of the first channel shown; a Failure when that is not within the frame.
+    void AddTag(__int64 time, double value, const std::string& text);
+    void ClearTags();
+    CFloatingTagManager& Tags() { return m_tags; }
+
+private:
+    void ScaleUnits();
+
+    const Session& m_session;
+    std::vector<Series> m_series;
+    std::vector<Unit> m_units;
+    // Copies in the order of time, for a session that is not in it.
+    std::vector<__int64> m_sortedTimes;
+    std::vector<std::vector<double>> m_sortedValues;
+    const __int64* m_times = nullptr;
+    __int64 m_first = 0, m_last = 1'000'000, m_from = 0, m_to = 1'000'000;
+    CUnitContextList m_contexts;
+    CFloatingTagManager m_tags;
+};

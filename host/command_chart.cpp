@@ -1,0 +1,80 @@
+// chart: a picture of a session's readings.
+#include <algorithm>
+#include <charconv>
+
+#include "host/arguments.h"
+#include "host/chart_file.h"
+#include "host/commands.h"
+#include "host/database_file.h"
+#include "host/session.h"
+#include "host/texts.h"
+#include "host/time_input.h"
+#include "host/value_text.h"
+#include "platform/picture.h"
+
+namespace {
+// "1600x900".
+SIZE SizeFrom(const std::string& text) {
+    SIZE size = {};
+    const char* const end = text.data() + text.size();
+    const auto width = std::from_chars(text.data(), end, size.cx);
+    const bool parted = width.ec == std::errc() && width.ptr < end && (*width.ptr == 'x' || *width.ptr == 'X');
+    const auto height = parted ? std::from_chars(width.ptr + 1, end, size.cy) : width;
+    const bool whole = parted && height.ec == std::errc() && height.ptr == end;
+    const auto fits = [](LONG side) { return side >= 1 && side <= kOrvikPictureSide; };
+    if (!whole || !fits(size.cx) || !fits(size.cy)) {
+        throw Failure{kWrongUse, Say(Text::NotASize, {ToUtf8(text), std::to_string(kOrvikPictureSide)})};
+    }
+    return size;
+}
+
+__int64 TimeOf(const std::string& text) {
+    if (const auto time = TimeFromText(text)) return *time;
+    throw Failure{kWrongUse, Say(Text::NotATime, {ToUtf8(text)})};
+}
+
+// "TIME;VALUE;text"; the text may hold more semicolons.
+void AddTag(ChartModel& model, const std::string& argument) {
+    const size_t first = argument.find(';'), second = first == std::string::npos ? first : argument.find(';', first + 1);
+    if (second == std::string::npos || second + 1 == argument.size())
+        throw Failure{kWrongUse, Say(Text::NotATag, {ToUtf8(argument)})};
+    const __int64 time = TimeOf(argument.substr(0, first));
+    const std::string number = argument.substr(first + 1, second - first - 1);
+    double value = 0;
+    if (!RealFromText(ToUtf8(number), value)) throw Failure{kWrongUse, Say(Text::BadValue, {ToUtf8(number), "r64"})};
+    std::string text;
+    if (!FromUtf8(ToUtf8(argument.substr(second + 1)), text))
+        throw Failure{kWrongUse, Say(Text::TextNotHeld, {argument.substr(second + 1)})};
+    model.AddTag(time, value, text);
+}
+}  // namespace
+
+ExitCode RunChart(CHostApp&, const Words& words) {
+    const Arguments arguments(words, {"--out", "--size", "--from", "--to"}, {"--clear-tags"}, 1, {"--channel", "--tag"});
+    const std::string& path = arguments.At(0, "FILE");
+    const std::string out = arguments.Require("--out");
+    RequirePictureName(out);
+    const SIZE size = SizeFrom(arguments.Get("--size", "1600x900"));
+    if (SameFile(path, out)) throw Failure{kWrongUse, Say(Text::OptionsSame, {"FILE", "--out"})};
+
+    CPropertyDB db;
+    LoadDatabase(path, db);
+    const Session session(db, path, 0);
+    ChartModel model(session, arguments.All("--channel"));
+    model.Load(db);
+    if (arguments.Has("--from") || arguments.Has("--to")) {
+        const __int64 from = arguments.Has("--from") ? TimeOf(arguments.Get("--from")) : model.First();
+        model.SetView(from, arguments.Has("--to") ? TimeOf(arguments.Get("--to")) : model.Last());
+    }
+    const std::vector<std::string> tags = arguments.All("--tag");
+    if (arguments.Has("--clear-tags")) model.ClearTags();
+    for (const std::string& tag : tags) AddTag(model, tag);
+    const bool change = (arguments.Has("--clear-tags") || !tags.empty()) && model.Store(db);
+
+    if (change) RequireWritable(path);
+    RequireWritable(out);
+    WriteChart(model, out, size);
+    if (change) StoreDatabase(path, db);
+    Print(Say(change ? Text::ChartMadeTagsKept : Text::ChartMade, {ToUtf8(out), ToUtf8(path)}));
+    return kDone;
+}

@@ -1,0 +1,132 @@
+#include "host/time_axis.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "afx/dc.h"
+#include "chart/axis_drawing.h"
+#include "host/time_ticks.h"
+
+namespace {
+constexpr double kMicro = 1e6;
+constexpr double kLabelsPerStep = 1.5;  // a step is at least so many labels long
+constexpr LONG kLabelGap = 4;           // pixels between two labels
+
+LONG WidthOfText(const CDC& dc, const std::string& text) {
+    return dc.GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx;
+}
+
+// The smallest step whose labels have room, for a scale of microseconds a pixel.
+TimeStep FittingStep(const CDC& dc, double scale, __int64 from, __int64 to) {
+    TimeStep step = ChooseTimeStep(scale * static_cast<double>(WidthOfText(dc, "00:00")));
+    while (step.count > 0) {
+        LONG widest = 1;
+        for (const __int64 time : {from, from + (to - from) / 2, to})
+            widest = std::max(widest, WidthOfText(dc, TimeLabel(step, time)));
+        const double wanted = scale * kLabelsPerStep * static_cast<double>(widest);
+        if (step.Length() >= wanted) break;
+        const TimeStep longer = ChooseTimeStep(wanted);
+        if (longer.count > 0 && longer.Length() <= step.Length()) break;
+        step = longer;
+    }
+    return step;
+}
+}  // namespace
+
+CTimeAxis::CTimeAxis(__int64 base) : CUnitAxis(TRUE), m_base(base) { SetUnit(""); }
+
+__int64 CTimeAxis::TimeOf(double seconds) const {
+    constexpr double kFarthest = 9e18;
+    const double time = static_cast<double>(m_base) + seconds * kMicro;
+    if (!(std::abs(time) < kFarthest)) return static_cast<__int64>(time < 0 ? -kFarthest : kFarthest);
+    return m_base + std::llround(seconds * kMicro);
+}
+
+void CTimeAxis::Zoom(CPoint point, double factor) {
+    if (!(factor > -1.0)) return;
+    double value = 0;
+    Coord2Value(point.x, value);
+    const double span = GetExtent() - GetOrigin(), part = (value - GetOrigin()) / span;
+    SetRange(GetOrigin() + part * span * factor, GetExtent() - (1 - part) * span * factor);
+}
+
+void CTimeAxis::Render(CDC* pDC) {
+    const __int64 from = TimeOf(std::min(GetOrigin(), GetExtent())), to = TimeOf(std::max(GetOrigin(), GetExtent()));
+    if (m_end > m_start && from < to && InCalendar(from, to)) {
+        SetUnit("");
+        RenderCalendar(*pDC, from, to);
+    } else {
+        SetUnit("s");
+        CUnitAxis::Render(pDC);
+    }
+}
+
+void CTimeAxis::RenderCalendar(CDC& dc, __int64 from, __int64 to) {
+    const double scale = static_cast<double>(to - from) / static_cast<double>(m_end - m_start);
+    const TimeStep step = FittingStep(dc, scale, from, to);
+    const orvik::AxisMapping mapping = GetMapping();
+    const auto pixel = [&](__int64 time) {
+        return static_cast<LONG>(
+            std::lround(m_start + (SecondsOf(time) - mapping.origin) / (mapping.extent - mapping.origin) * (m_end - m_start)));
+    };
+    orvik::AxisLayout layout;
+    layout.labelEnd = m_start;
+    const std::vector<__int64> ticks = TimeTicks(step, from, to);
+    for (const __int64 time : ticks) layout.ticks.push_back({pixel(time), true});
+    for (const __int64 time : TimeTicks(Subdivide(step), from, to)) {
+        if (!std::binary_search(ticks.begin(), ticks.end(), time)) layout.ticks.push_back({pixel(time), false});
+    }
+    std::sort(layout.ticks.begin(), layout.ticks.end(), [](const auto& a, const auto& b) { return a.at < b.at; });
+
+    // On an axis that falls, times come from right to left; labels are laid out as they are read.
+    std::vector<__int64> inOrder = ticks;
+    if (mapping.extent < mapping.origin) std::reverse(inOrder.begin(), inOrder.end());
+    const bool bounded = GetAreaRect().right > GetAreaRect().left;
+    const LONG least = bounded ? GetAreaRect().left : -orvik::AxisMapping::kFarthest;
+    const LONG most = bounded ? GetAreaRect().right : orvik::AxisMapping::kFarthest;
+    LONG free = least;
+    for (const __int64 time : inOrder) {
+        const std::string text = TimeLabel(step, time);
+        const LONG at = pixel(time), width = WidthOfText(dc, text);
+        // Within the area: beside it stand other axes' labels.
+        if (at - width / 2 < free || at + width / 2 > most) continue;
+        layout.labels.push_back({at, width, SecondsOf(time), text.c_str()});
+        free = at + width / 2 + kLabelGap;
+        layout.labelEnd = free;
+    }
+
+    // The raster follows the large divisions; the trackers feel for the one nearest to an end.
+    SetDivisions(std::max(static_cast<int>(inOrder.size()) - 1, 0));
+    SetDivisionOffset(0, orvik::AxisMapping::kFarthest);
+    for (size_t i = 0; i < inOrder.size(); ++i) SetDivisionOffset(static_cast<int>(i), pixel(inOrder[i]) - m_start);
+    SetAlignments(inOrder.empty() ? 0 : m_start - pixel(inOrder.front()), inOrder.empty() ? 0 : m_end - pixel(inOrder.back()));
+
+    const LONG line = dc.GetTextExtent("0", 1).cy;
+    if (!dc.IsPrinting()) dc.FillSolidRect(&GetAreaRect(), GetSysColor(COLOR_WINDOW));
+    const COLORREF color = dc.IsPrinting() ? RGB(0, 0, 0) : GetSysColor(COLOR_WINDOWTEXT);
+    orvik::DrawAxis(&dc, {m_position, m_start, m_end, false, 1, line}, layout, "", color);
+
+    // The second line. What stands at the axis's beginning gives way to a change right behind it.
+    const auto contexts = TimeContexts(step, from, to, ticks);
+    const UINT align = dc.SetTextAlign(TA_LEFT | TA_TOP);
+    const int mode = dc.SetBkMode(TRANSPARENT);
+    const LONG y = m_position + nAxisMargin + line, right = std::max(GetAreaRect().right, m_end);
+    LONG behind = m_start - m_end;
+    for (size_t i = 0; i < contexts.size(); ++i) {
+        const auto place = [&](const ContextLabel& label, LONG width) {
+            const LONG middle = pixel(label.time);
+            return std::min(label.time == from && i == 0 ? middle : middle - width / 2, right - width);
+        };
+        const std::string& text = contexts[i].text;
+        const LONG width = WidthOfText(dc, text), x = place(contexts[i], width);
+        if (x < behind || text.empty()) continue;
+        if (i == 0 && contexts.size() > 1 && mapping.extent > mapping.origin) {
+            const LONG next = WidthOfText(dc, contexts[1].text);
+            if (x + width + kLabelGap > pixel(contexts[1].time) - next / 2) continue;
+        }
+        dc.TextOut(x, y, text.c_str(), static_cast<int>(text.size()));
+        behind = x + width + kLabelGap;
+    }
+    dc.SetBkMode(mode);
+    dc.SetTextAlign(align);
+}
