@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "host/arguments.h"
+#include "host/chart_file.h"
 #include "host/commands.h"
 #include "host/database_file.h"
 #include "host/download.h"
@@ -33,6 +34,23 @@ private:
     SimulatedLine m_line;
     std::thread m_thread;
 };
+
+// The heading and the first and last few lines of a long table.
+std::string Shortened(const std::string& table) {
+    constexpr size_t kEnds = 6;
+    std::vector<std::string> lines;
+    for (size_t at = 0; at < table.size();) {
+        const size_t end = table.find('\n', at);
+        lines.push_back(table.substr(at, end - at + 1));
+        at = end == std::string::npos ? table.size() : end + 1;
+    }
+    std::string text;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (i <= kEnds || i + kEnds >= lines.size()) text += lines[i];
+        if (i == kEnds && lines.size() > 2 * kEnds + 1) text += "...\n";
+    }
+    return text;
+}
 }  // namespace
 
 ExitCode RunDemo(CHostApp& app, const Words& words) {
@@ -49,8 +67,8 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
         plan.port = served->PortName();
     }
     MakeFolder(folder);
-    plan.count = 12;
-    plan.interval = 100;
+    plan.count = 80;  // enough for curves, and done in a few seconds
+    plan.interval = 40;
     plan.traceFile = folder + "/trace.txt";
     plan.traceHex = true;
 
@@ -61,13 +79,15 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
         session.Store(db);
         StoreDatabase(folder + "/session.odb", db);
         StoreDatabase(folder + "/session.xml", db);
+        ChartModel model(session, {});
+        WriteChart(model, folder + "/chart.png", {1600, 900});
     }
     const bool traced = app.StopTrace();
     if (ended) throw *ended;
     if (!traced) throw Failure{kFileFailed, Say(Text::TraceNotWhole, {ToUtf8(plan.traceFile)})};
-    Print(session.Table());
+    Print(Shortened(session.Table()));
     Print(Say(Text::FilesMade));
-    for (const char* name : {"session.odb", "session.xml", "trace.txt"}) Print("  " + ToUtf8(folder) + "/" + name);
+    for (const char* name : {"chart.png", "session.odb", "session.xml", "trace.txt"}) Print("  " + ToUtf8(folder) + "/" + name);
     Print("");
     Print(Say(Text::RealDevice));
     return kDone;

@@ -560,10 +560,10 @@ class Demo(HostTest):
             result = self.host()
         self.assertEqual(result.code, 0, result.err)
         self.assertEqual(len(re.findall(r"^\d+/\d+/\d{4} \d+:\d\d:\d\d\.\d{3} [AP]M  ", result.out, re.M)), 12)
-        for name in ("session.odb", "session.xml", "trace.txt"):
+        for name in ("chart.png", "session.odb", "session.xml", "trace.txt"):
             self.assertGreater((self.folder / "out" / name).stat().st_size, 500)
             self.assertIn("out/" + name, result.out)
-        self.assertEqual(len(self.readings("out/session.odb")), 13)
+        self.assertEqual(len(self.readings("out/session.odb")), 81)
         ElementTree.parse(io.StringIO((self.folder / "out" / "session.xml").read_bytes().decode("cp1252").replace("encoding=\"UTF-8\"", "")))
 
 
