@@ -8,6 +8,7 @@
 
 #include "platform/posix/gdi_internal.h"
 #include "platform/posix/handle_table_internal.h"
+#include "platform/posix/window_internal.h"
 
 using namespace orvik::detail;
 
@@ -334,6 +335,7 @@ BOOL DeleteObject(HGDIOBJ object) {
 }
 
 BOOL SystemParametersInfoA(UINT action, UINT, PVOID data, UINT) {
+    if (SystemInputParameter(action, data)) return TRUE;
     if (action != SPI_GETNONCLIENTMETRICS || data == nullptr) return Finish(ERROR_INVALID_PARAMETER);
     const UINT size = *static_cast<const UINT*>(data);
     constexpr UINT kBeforePadding = offsetof(NONCLIENTMETRICSA, iPaddedBorderWidth);

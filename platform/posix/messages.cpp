@@ -49,7 +49,7 @@ public:
 };
 
 MSG NewMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return {window, message, wParam, lParam, GetTickCount(), {0, 0}};
+    return {window, message, wParam, lParam, GetTickCount(), PointerPlace()};
 }
 
 DWORD Post(MessageQueue* queue, const MSG& message) {
@@ -92,6 +92,12 @@ bool TakeMessage(MessageQueue& queue, const Filter& filter, bool remove, MSG& ou
     if (queue.quit) {
         out = NewMessage(nullptr, WM_QUIT, static_cast<WPARAM>(queue.quitCode), 0);
         if (remove) queue.quit = false;
+        return true;
+    }
+    HWND paint = nullptr;
+    const auto takes = [](HWND window, const void* given) { return static_cast<const Filter*>(given)->TakesWindow(window); };
+    if (queue.mayPaint && filter.TakesMessage(WM_PAINT) && NextPaint(queue, takes, &filter, paint)) {
+        out = NewMessage(paint, WM_PAINT, 0, 0);
         return true;
     }
     if (queue.timers.empty() || !filter.TakesMessage(WM_TIMER)) return false;
@@ -193,17 +199,17 @@ UINT RegisterWindowMessageA(LPCSTR text) {
 
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (window == nullptr) return PostThreadMessageA(CurrentQueue().thread, message, wParam, lParam);
-    const MSG posted = NewMessage(window, message, wParam, lParam);
     const WakeAfterwards wakes;
     const std::lock_guard kernel(KernelLock());
+    const MSG posted = NewMessage(window, message, wParam, lParam);
     const Window* target = FindWindowOf(window);
     return Finish(target == nullptr ? ERROR_INVALID_WINDOW_HANDLE : Post(QueueOf(target->thread), posted));
 }
 
 BOOL PostThreadMessageA(DWORD threadId, UINT message, WPARAM wParam, LPARAM lParam) {
-    const MSG posted = NewMessage(nullptr, message, wParam, lParam);
     const WakeAfterwards wakes;
     const std::lock_guard kernel(KernelLock());
+    const MSG posted = NewMessage(nullptr, message, wParam, lParam);
     return Finish(Post(QueueOf(threadId), posted));
 }
 
@@ -257,7 +263,11 @@ int GetMessageA(LPMSG message, HWND window, UINT first, UINT last) {
     for (;;) {
         ServeSentMessages(queue, kernel);
         queue.changed = 0;
-        if (TakeMessage(queue, filter, true, *message)) return message->message == WM_QUIT ? 0 : 1;
+        if (TakeMessage(queue, filter, true, *message)) {
+            kernel.unlock();
+            RunMessageHooks(*message, PM_REMOVE);
+            return message->message == WM_QUIT ? 0 : 1;
+        }
         WaitUntil(kernel, {}, queue.NextTimer(), [&] { return queue.changed != 0; });
     }
 }
@@ -269,7 +279,10 @@ BOOL PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove
     EndIfTerminated(kernel);
     ServeSentMessages(queue, kernel);
     queue.changed = 0;
-    return TakeMessage(queue, {window, first, last}, (remove & PM_REMOVE) != 0, *message) ? TRUE : FALSE;
+    if (!TakeMessage(queue, {window, first, last}, (remove & PM_REMOVE) != 0, *message)) return FALSE;
+    kernel.unlock();
+    RunMessageHooks(*message, remove & PM_REMOVE);
+    return TRUE;
 }
 
 LRESULT DispatchMessageA(const MSG* message) {
@@ -294,8 +307,6 @@ LRESULT DispatchMessageA(const MSG* message) {
     }
     return CallProcedureOf(message->hwnd, message->message, message->wParam, message->lParam);
 }
-
-BOOL TranslateMessage(const MSG*) { return FALSE; }
 
 UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure) {
     MessageQueue& queue = CurrentQueue();

@@ -1,4 +1,5 @@
-// Windows in memory: a class, a procedure, a text, a style, a rectangle and a place in the tree, without a screen.
+// Windows in memory: a class, a procedure, a text, a style and a place in the tree, without a screen. Where they are is told in
+// window_place.h, how they are painted in paint.h.
 // A window belongs to the thread that made it; only that thread destroys it, and it goes when the thread ends (without being
 // told). Reading from other threads is safe.
 #pragma once
@@ -15,11 +16,30 @@
 #define WS_CLIPCHILDREN 0x02000000u
 #define WS_CAPTION 0x00C00000u
 #define WS_BORDER 0x00800000u
+#define WS_DLGFRAME 0x00400000u
+#define WS_MAXIMIZE 0x01000000u
+#define WS_THICKFRAME 0x00040000u
+#define WS_SIZEBOX WS_THICKFRAME
+#define WS_MINIMIZEBOX 0x00020000u
+#define WS_MAXIMIZEBOX 0x00010000u
+#define WS_OVERLAPPEDWINDOW (WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX)
+#define WS_POPUPWINDOW (WS_POPUP | WS_BORDER | WS_SYSMENU)
 #define WS_VSCROLL 0x00200000u
 #define WS_HSCROLL 0x00100000u
 #define WS_SYSMENU 0x00080000u
 #define WS_GROUP 0x00020000u
 #define WS_TABSTOP 0x00010000u
+
+#define WS_EX_DLGMODALFRAME 0x00000001u
+#define WS_EX_NOPARENTNOTIFY 0x00000004u
+#define WS_EX_TOPMOST 0x00000008u
+#define WS_EX_TRANSPARENT 0x00000020u
+#define WS_EX_TOOLWINDOW 0x00000080u
+#define WS_EX_WINDOWEDGE 0x00000100u
+#define WS_EX_CLIENTEDGE 0x00000200u
+#define WS_EX_CONTROLPARENT 0x00010000u
+#define WS_EX_STATICEDGE 0x00020000u
+#define WS_EX_NOACTIVATE 0x08000000u
 
 #define CS_VREDRAW 0x0001u
 #define CS_HREDRAW 0x0002u
@@ -70,6 +90,18 @@ struct WNDCLASSEXA {
     LPCSTR lpszClassName;
     HICON hIconSm;
 };
+
+struct STYLESTRUCT {
+    DWORD styleOld, styleNew;
+};
+using LPSTYLESTRUCT = STYLESTRUCT*;
+
+struct NMHDR {
+    HWND hwndFrom;
+    UINT_PTR idFrom;
+    UINT code;
+};
+using LPNMHDR = NMHDR*;
 
 struct CREATESTRUCTA {
     LPVOID lpCreateParams;

@@ -2,14 +2,18 @@
 // called under it.
 #pragma once
 
+#include <array>
 #include <deque>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "platform/posix/area_internal.h"
+#include "platform/posix/input.h"
+#include "platform/posix/scroll.h"
 #include "platform/posix/wait_internal.h"
-#include "platform/posix/window.h"
 
 namespace orvik::detail {
 
@@ -20,19 +24,36 @@ struct WindowClass {
     int windows = 0;
 };
 
+class Canvas;
+
 struct Window {
     HWND handle = nullptr;
-    DWORD thread = 0;
+    DWORD thread = 0;  // 0 for the desktop alone
     std::shared_ptr<WindowClass> windowClass;
     WNDPROC procedure = nullptr;
-    HWND parent = nullptr;  // a child's parent or another window's owner
+    HWND parent = nullptr;     // a child's parent or another window's owner
+    bool messageOnly = false;  // not on the desktop; a top-level window's
     bool destroying = false;
     DWORD style = 0, exStyle = 0;
-    RECT rectangle{};
+    RECT rectangle{};            // in its parent's client area, or on the desktop
+    std::vector<HWND> children;  // the top one first; of the desktop, all top-level windows
     std::string text;
     HINSTANCE instance = nullptr;
     LONG_PTR userData = 0, id = 0, font = 0;
     std::vector<unsigned char> extra;
+
+    Area update;  // what is to be painted, in client coordinates
+    bool erase = false, internalPaint = false;
+    std::shared_ptr<Canvas> canvas;  // of a top-level window that was drawn on
+    std::vector<HDC> contexts;       // got from it and not yet released
+    HMENU menu = nullptr;
+    std::array<SCROLLINFO, 2> scroll{SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0},
+                                     SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0}};
+    std::map<std::string, HANDLE> properties;
+
+    LONG Width() const { return rectangle.right - rectangle.left; }
+    LONG Height() const { return rectangle.bottom - rectangle.top; }
+    RECT Client() const { return {0, 0, Width(), Height()}; }
 };
 
 // A message on its way to another thread's window, shared by both threads.
@@ -59,7 +80,20 @@ struct MessageQueue {
     UINT_PTR lastTimerId = 0;
     bool quit = false;
     int quitCode = 0;
-    DWORD changed = 0;  // QS_ bits of what came since the thread last looked
+    DWORD changed = 0;      // QS_ bits of what came since the thread last looked
+    bool mayPaint = false;  // some window of the thread may have something to paint
+
+    HWND active = nullptr, focus = nullptr, capture = nullptr;
+    HCURSOR cursor = nullptr;
+    int cursorShown = 0;
+    std::array<BYTE, 256> keys{};
+    DWORD lastTime = 0;  // of the message read last
+    POINT lastPoint{};
+    struct Hook {
+        HHOOK handle;
+        HOOKPROC procedure;
+    };
+    std::vector<Hook> hooks;  // the newest last
 
     void Note(DWORD bits) {
         changed |= bits;
@@ -77,6 +111,40 @@ std::vector<HWND> WindowsBelow(HWND parent, bool children);  // its children, or
 void RemoveWindow(HWND handle);                              // with its timers and posted messages
 void RemoveWindowsOfThread(DWORD thread);
 void RemoveMessagesFor(HWND handle, DWORD thread);
+
+// The tree as it lies on the desktop. Under the kernel lock.
+Window& Desktop();
+Window* ContainerOf(
+    const Window& window);    // the parent of a child, else the desktop; null for a message-only window and the desktop
+void Unlink(Window& window);  // out of its container's order
+void Link(Window& window);    // into it: a child at the bottom, another window at the top
+Window& RootOf(Window& window);
+bool CanBeSeen(const Window& window);                                          // it and all above it are shown
+POINT OriginOf(const Window& window);                                          // its client area's corner on the desktop
+Area VisibleArea(const Window& window, bool clipChildren, bool clipSiblings);  // in the root's client coordinates
+bool IsBelow(const Window& window, HWND above);                                // or the window itself
+
+// Painting, under the kernel lock. Areas are in client coordinates.
+void InvalidateArea(Window& window, Area area, UINT redrawFlags);
+void ValidateArea(Window& window, const Area& area, UINT redrawFlags);
+bool NextPaint(MessageQueue& queue, bool (*takes)(HWND window, const void* filter), const void* filter, HWND& out);
+Area AreaOfRegion(HRGN region);      // empty for a bad handle
+void RefreshContexts(Window& root);  // gives every context below it the area that can be seen now
+void ResizeCanvas(Window& root);
+void DropContexts(Window& window);  // of a window that goes
+// Without the lock: erases what is to be erased in the window and below it.
+void EraseNow(HWND window);
+
+// Focus and activation, without the lock; all windows are the calling thread's.
+bool Activate(HWND window, bool byMouse);
+void MoveFocus(HWND window);                         // null for nobody; the messages of a focus change
+void LeaveWindow(HWND window);                       // it was hidden or goes: activation, focus and capture go elsewhere
+HWND ForegroundWindow();                             // under the lock
+void RunMessageHooks(MSG& message, UINT remove);     // without the lock
+bool SystemInputParameter(UINT action, PVOID data);  // the part of SystemParametersInfoA that concerns input; false if it is not
+LRESULT DefaultAnswer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);  // to what concerns place, painting and input
+LRESULT PaintingAnswer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+POINT PointerPlace();  // under the lock
 
 // Calls the procedure without the lock; for a message that the calling thread may handle itself.
 LRESULT CallProcedureOf(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

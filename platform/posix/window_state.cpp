@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/posix/window_internal.h"
+#include "platform/posix/window_paint.h"
 
 using namespace orvik::detail;
 
@@ -74,13 +75,26 @@ LONG_PTR GetWindowLongPtrA(HWND handle, int index) {
 }
 
 LONG_PTR SetWindowLongPtrA(HWND handle, int index, LONG_PTR value) {
-    return With<LONG_PTR>(handle, [&](Window& window) -> LONG_PTR {
-        if (!Exchange(window, index, value, true)) {
+    const bool style = index == GWL_STYLE || index == GWL_EXSTYLE;
+    STYLESTRUCT change{};
+    if (style) {
+        change = {static_cast<DWORD>(GetWindowLongPtrA(handle, index)), static_cast<DWORD>(value)};
+        SendMessageA(handle, WM_STYLECHANGING, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&change));
+        value = static_cast<LONG_PTR>(change.styleNew);
+    }
+    const LONG_PTR before = With<LONG_PTR>(handle, [&](Window& window) -> LONG_PTR {
+        // A style may make a child of a top-level window, and the other way round.
+        Unlink(window);
+        const bool known = Exchange(window, index, value, true);
+        Link(window);
+        if (!known) {
             SetLastError(ERROR_INVALID_INDEX);
             return 0;
         }
         return value;
     });
+    if (style) SendMessageA(handle, WM_STYLECHANGED, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&change));
+    return before;
 }
 
 DWORD GetWindowThreadProcessId(HWND handle, LPDWORD processId) {
@@ -96,8 +110,10 @@ HWND GetParent(HWND handle) {
 }
 
 HWND SetParent(HWND handle, HWND parent) {
-    return With<HWND>(handle, [&](Window& window) -> HWND {
-        if (parent == HWND_MESSAGE) return std::exchange(window.parent, nullptr);
+    bool shown = false;
+    const HWND before = With<HWND>(handle, [&](Window& window) -> HWND {
+        const bool away = parent == HWND_MESSAGE;
+        if (away || parent == Desktop().handle) parent = nullptr;
         // A window must not come to stand below itself.
         for (HWND up = parent; up != nullptr;) {
             const Window* above = FindWindowOf(up);
@@ -107,8 +123,20 @@ HWND SetParent(HWND handle, HWND parent) {
             }
             up = above->parent;
         }
-        return std::exchange(window.parent, parent);
+        shown = (window.style & WS_VISIBLE) != 0;
+        Unlink(window);
+        const HWND old = std::exchange(window.parent, parent);
+        window.messageOnly = away;
+        Link(window);
+        return old != nullptr ? old : Desktop().handle;
     });
+    if (before == nullptr) return nullptr;
+    if (shown) {
+        // Hidden where it was, shown where it is: both places are painted anew.
+        RedrawWindow(before, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+        RedrawWindow(handle, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    }
+    return before;
 }
 
 BOOL IsChild(HWND parent, HWND handle) {
@@ -161,27 +189,10 @@ int GetWindowTextA(HWND window, LPSTR out, int size) {
 
 int GetWindowTextLengthA(HWND window) { return static_cast<int>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0)); }
 
-BOOL EnableWindow(HWND handle, BOOL enable) {
-    bool changed = false;
-    const BOOL wasDisabled = With<BOOL>(handle, [&](Window& window) -> BOOL {
-        const bool disabled = (window.style & WS_DISABLED) != 0;
-        changed = disabled == (enable != FALSE);
-        window.style = enable ? window.style & ~WS_DISABLED : window.style | WS_DISABLED;
-        return disabled;
-    });
-    if (changed) SendMessageA(handle, WM_ENABLE, enable != FALSE, 0);
-    return wasDisabled;
-}
-
 BOOL IsWindowEnabled(HWND handle) {
     return With<BOOL>(handle, [](const Window& window) -> BOOL { return (window.style & WS_DISABLED) == 0; });
 }
 
 BOOL IsWindowVisible(HWND handle) {
-    return With<BOOL>(handle, [](const Window& window) -> BOOL {
-        for (const Window* at = &window; at != nullptr; at = at->style & WS_CHILD ? FindWindowOf(at->parent) : nullptr) {
-            if ((at->style & WS_VISIBLE) == 0) return FALSE;
-        }
-        return TRUE;
-    });
+    return With<BOOL>(handle, [](const Window& window) -> BOOL { return CanBeSeen(window); });
 }
