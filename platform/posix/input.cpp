@@ -233,11 +233,10 @@ BOOL TranslateMessage(const MSG* message) {
     const unsigned char character = CharacterOf(queue, static_cast<UINT>(message->wParam));
     const Window* window = FindWindowOf(message->hwnd);
     if (character == 0 || window == nullptr || window->thread != queue.thread) return TRUE;
-    // It is read before anything that waits already.
     MSG written = *message;
     written.message = system ? WM_SYSCHAR : WM_CHAR;
     written.wParam = character;
-    queue.posted.push_front(written);
+    queue.posted.push_back(written);
     queue.Note(QS_POSTMESSAGE | QS_ALLPOSTMESSAGE);
     return TRUE;
 }

@@ -64,6 +64,7 @@ DWORD Post(MessageQueue* queue, const MSG& message) {
 struct Filter {
     HWND window;
     UINT first, last;
+    UINT kinds = PM_QS_INPUT | PM_QS_PAINT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE;
 
     bool TakesMessage(UINT message) const { return (first == 0 && last == 0) || (message >= first && message <= last); }
     bool TakesWindow(HWND of) const {
@@ -83,24 +84,26 @@ bool TakeMessage(MessageQueue& queue, const Filter& filter, bool remove, MSG& ou
     const auto fits = [&](const MSG& m) {
         return m.message == WM_QUIT || (filter.TakesMessage(m.message) && filter.TakesWindow(m.hwnd));
     };
-    const auto found = std::find_if(queue.posted.begin(), queue.posted.end(), fits);
+    const bool posted = (filter.kinds & PM_QS_POSTMESSAGE) != 0;
+    const auto found = posted ? std::find_if(queue.posted.begin(), queue.posted.end(), fits) : queue.posted.end();
     if (found != queue.posted.end()) {
         out = *found;
         if (remove) queue.posted.erase(found);
         return true;
     }
-    if (queue.quit) {
+    if (queue.quit && posted) {
         out = NewMessage(nullptr, WM_QUIT, static_cast<WPARAM>(queue.quitCode), 0);
         if (remove) queue.quit = false;
         return true;
     }
     HWND paint = nullptr;
     const auto takes = [](HWND window, const void* given) { return static_cast<const Filter*>(given)->TakesWindow(window); };
-    if (queue.mayPaint && filter.TakesMessage(WM_PAINT) && NextPaint(queue, takes, &filter, paint)) {
+    if (queue.mayPaint && (filter.kinds & PM_QS_PAINT) != 0 && filter.TakesMessage(WM_PAINT) &&
+        NextPaint(queue, takes, &filter, paint)) {
         out = NewMessage(paint, WM_PAINT, 0, 0);
         return true;
     }
-    if (queue.timers.empty() || !filter.TakesMessage(WM_TIMER)) return false;
+    if (queue.timers.empty() || !posted || !filter.TakesMessage(WM_TIMER)) return false;
     const int64_t now = NowNs();
     Timer* earliest = nullptr;
     for (Timer& timer : queue.timers) {
@@ -279,7 +282,9 @@ BOOL PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove
     EndIfTerminated(kernel);
     ServeSentMessages(queue, kernel);
     queue.changed = 0;
-    if (!TakeMessage(queue, {window, first, last}, (remove & PM_REMOVE) != 0, *message)) return FALSE;
+    Filter filter{window, first, last};
+    if ((remove >> 16) != 0) filter.kinds = remove & 0xFFFF0000u;
+    if (!TakeMessage(queue, filter, (remove & PM_REMOVE) != 0, *message)) return FALSE;
     kernel.unlock();
     RunMessageHooks(*message, remove & PM_REMOVE);
     return TRUE;

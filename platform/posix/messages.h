@@ -109,6 +109,10 @@
 #define PM_NOREMOVE 0x0000u
 #define PM_REMOVE 0x0001u
 #define PM_NOYIELD 0x0002u
+#define PM_QS_INPUT (QS_INPUT << 16)
+#define PM_QS_PAINT (QS_PAINT << 16)
+#define PM_QS_POSTMESSAGE ((QS_POSTMESSAGE | QS_HOTKEY | QS_TIMER) << 16)
+#define PM_QS_SENDMESSAGE (QS_SENDMESSAGE << 16)
 
 #define USER_TIMER_MINIMUM 0x0000000Au
 #define USER_TIMER_MAXIMUM 0x7FFFFFFFu
@@ -137,7 +141,7 @@ ORVIK_API void WINAPI PostQuitMessage(int exitCode);
 ORVIK_API LRESULT WINAPI SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 // `window` null: everything of the thread; (HWND)-1: thread messages; else that window and its children. A filter of 0, 0 lets
-// every message pass; the quit message always passes. GetMessageA gives 0 for the quit message and -1 on failure.
+// every message pass; the quit message always passes. PM_QS_ flags ask for these kinds alone; no message here is of the kind input. GetMessageA gives 0 for the quit message and -1 on failure.
 ORVIK_API int WINAPI GetMessageA(LPMSG message, HWND window, UINT first, UINT last);
 ORVIK_API BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove);
 ORVIK_API LRESULT WINAPI DispatchMessageA(const MSG* message);

@@ -49,6 +49,14 @@
 #define CS_SAVEBITS 0x0800u
 #define CS_GLOBALCLASS 0x4000u
 
+#define GCLP_HBRBACKGROUND (-10)
+#define GCLP_HCURSOR (-12)
+#define GCLP_HICON (-14)
+#define GCLP_HMODULE (-16)
+#define GCL_CBWNDEXTRA (-18)
+#define GCLP_WNDPROC (-24)
+#define GCL_STYLE (-26)
+
 #define GWLP_WNDPROC (-4)
 #define GWLP_HINSTANCE (-6)
 #define GWLP_HWNDPARENT (-8)
@@ -118,6 +126,8 @@ struct CREATESTRUCTA {
     DWORD dwExStyle;
 };
 using LPCREATESTRUCTA = CREATESTRUCTA*;
+using CREATESTRUCT = CREATESTRUCTA;
+using LPCREATESTRUCT = CREATESTRUCTA*;
 
 // Class names are taken in any case, or as the atom that the registration gave. Registering a name twice for one instance is
 // error 1410; an unknown class is 1411 (1407 for CreateWindowExA); a class with windows cannot go (1412). The system class
@@ -127,6 +137,10 @@ ORVIK_API ATOM WINAPI RegisterClassExA(const WNDCLASSEXA* windowClass);
 ORVIK_API BOOL WINAPI UnregisterClassA(LPCSTR name, HINSTANCE instance);
 ORVIK_API BOOL WINAPI GetClassInfoA(HINSTANCE instance, LPCSTR name, LPWNDCLASSA windowClass);
 ORVIK_API BOOL WINAPI GetClassInfoExA(HINSTANCE instance, LPCSTR name, WNDCLASSEXA* windowClass);
+// GCL_STYLE, GCLP_HBRBACKGROUND, GCLP_HCURSOR, GCLP_HICON, GCLP_HMODULE, GCL_CBWNDEXTRA, GCLP_WNDPROC; error 1413 for others. The
+// new value holds for all windows of the class.
+ORVIK_API ULONG_PTR WINAPI GetClassLongPtrA(HWND window, int index);
+ORVIK_API ULONG_PTR WINAPI SetClassLongPtrA(HWND window, int index, LONG_PTR value);
 ORVIK_API int WINAPI GetClassNameA(HWND window, LPSTR out, int size);
 
 // Sends WM_NCCREATE and WM_CREATE; a window that refuses either is gone, and the result null. `menu` is the id of a child.

@@ -78,7 +78,7 @@ ATOM RegisterClassExA(const WNDCLASSEXA* given) {
         made->name = given->lpszClassName;
         made->info = *given;
         made->info.lpszClassName = made->name.c_str();
-        made->info.lpszMenuName = nullptr;  // there are no menus
+        made->info.lpszMenuName = nullptr;  // menus are made by programs, not read from resources
         const std::lock_guard kernel(KernelLock());
         Registry& registry = TheRegistry();
         const std::shared_ptr<WindowClass> known = FindClass(given->hInstance, given->lpszClassName);
@@ -136,3 +136,49 @@ BOOL GetClassInfoA(HINSTANCE instance, LPCSTR name, LPWNDCLASSA out) {
             info.hIcon, info.hCursor,     info.hbrBackground, info.lpszMenuName, info.lpszClassName};
     return TRUE;
 }
+
+namespace {
+// Reads the class's number into `value`, or writes it there and gives what was there; false for an unknown index.
+bool Exchange(WNDCLASSEXA& info, int index, LONG_PTR& value, bool write) {
+    const auto pointer = [&]<class T>(T& field) {
+        const auto before = reinterpret_cast<LONG_PTR>(field);
+        if (write) field = reinterpret_cast<T>(value);
+        value = before;
+        return true;
+    };
+    switch (index) {
+        case GCLP_HBRBACKGROUND:
+            return pointer(info.hbrBackground);
+        case GCLP_HCURSOR:
+            return pointer(info.hCursor);
+        case GCLP_HICON:
+            return pointer(info.hIcon);
+        case GCLP_HMODULE:
+            return pointer(info.hInstance);
+        case GCLP_WNDPROC:
+            return pointer(info.lpfnWndProc);
+        case GCL_CBWNDEXTRA:
+            value = info.cbWndExtra;
+            return !write;
+        case GCL_STYLE: {
+            const LONG_PTR before = info.style;
+            if (write) info.style = static_cast<UINT>(value);
+            value = before;
+            return true;
+        }
+        default:
+            return false;
+    }
+}
+
+ULONG_PTR ClassNumber(HWND handle, int index, LONG_PTR value, bool write) {
+    const std::lock_guard kernel(KernelLock());
+    const Window* window = FindWindowOf(handle);
+    if (window != nullptr && Exchange(window->windowClass->info, index, value, write)) return static_cast<ULONG_PTR>(value);
+    SetLastError(window == nullptr ? ERROR_INVALID_WINDOW_HANDLE : ERROR_INVALID_INDEX);
+    return 0;
+}
+}  // namespace
+
+ULONG_PTR GetClassLongPtrA(HWND window, int index) { return ClassNumber(window, index, 0, false); }
+ULONG_PTR SetClassLongPtrA(HWND window, int index, LONG_PTR value) { return ClassNumber(window, index, value, true); }

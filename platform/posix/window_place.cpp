@@ -133,10 +133,10 @@ BOOL SetWindowPos(HWND handle, HWND insertAfter, int x, int y, int width, int he
         if (window == nullptr) return Finish(ERROR_INVALID_WINDOW_HANDLE);
         changed = ApplyPlace(*window, pos);
     }
-    if ((pos.flags & SWP_HIDEWINDOW) != 0) LeaveWindow(handle);
     if ((pos.flags & (SWP_NOACTIVATE | SWP_HIDEWINDOW)) == 0 && !child && IsWindowVisible(handle)) Activate(handle, false);
     if ((pos.flags & (SWP_NOREDRAW | SWP_DEFERERASE)) == 0 && changed) EraseNow(handle);
     if (changed && IsWindow(handle)) SendMessageA(handle, WM_WINDOWPOSCHANGED, 0, reinterpret_cast<LPARAM>(&pos));
+    if ((pos.flags & SWP_HIDEWINDOW) != 0) LeaveWindow(handle);
     return TRUE;
 }
 

@@ -1,0 +1,146 @@
+// What windows show: painting in its order, erased backgrounds, clipping by children and siblings, moves and scrolling.
+#include "tests/platform/window_log.h"
+
+using namespace window_test;
+
+namespace {
+constexpr COLORREF kWhite = RGB(255, 255, 255), kRed = RGB(255, 0, 0), kBlue = RGB(0, 0, 255);
+
+class WindowImageTest : public WindowLogTest {
+protected:
+    bool Answer(HWND window, UINT message, WPARAM, LPARAM, LRESULT&) override {
+        if (message != WM_PAINT || m_colors.count(window) == 0) return false;
+        PAINTSTRUCT paint;
+        const HDC dc = BeginPaint(window, &paint);
+        m_painted[window] = paint.rcPaint;
+        RECT client;
+        GetClientRect(window, &client);
+        Fill(dc, client, m_colors[window]);
+        EndPaint(window, &paint);
+        return true;
+    }
+    static void Fill(HDC dc, const RECT& rectangle, COLORREF color) {
+        const HBRUSH brush = CreateSolidBrush(color);
+        FillRect(dc, &rectangle, brush);
+        DeleteObject(brush);
+    }
+    static COLORREF Pixel(HWND window, int x, int y) {
+        const HDC dc = GetDCEx(window, nullptr, DCX_CACHE);  // with the children
+        const COLORREF color = GetPixel(dc, x, y);
+        ReleaseDC(window, dc);
+        return color;
+    }
+    static std::string Text(const RECT& r) {
+        return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
+               std::to_string(r.bottom);
+    }
+    std::map<HWND, COLORREF> m_colors;
+    std::map<HWND, RECT> m_painted;
+};
+}  // namespace
+
+TEST_F(WindowImageTest, PaintComesAfterPostedMessagesAndBeforeTimers) {
+    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 210, 110});
+    Pump();
+    Take();
+    EXPECT_EQ(Pixel(top, 5, 5), kWhite);  // the class's brush
+    SetTimer(top, 1, USER_TIMER_MINIMUM, nullptr);
+    Sleep(40);
+    m_colors[top] = kRed;
+    const RECT first{10, 20, 30, 40}, second{25, 30, 50, 60};
+    InvalidateRect(top, &first, FALSE);
+    InvalidateRect(top, &second, FALSE);
+    PostMessageA(top, WM_USER, 0, 0);
+    RECT update;
+    EXPECT_TRUE(GetUpdateRect(top, &update, FALSE));
+    EXPECT_EQ(Text(update), "10,20,50,60");
+    Pump();
+    KillTimer(top, 1);
+    Log told = Take({"user", "paint", "timer", "erase"});
+    ASSERT_GE(told.size(), 3u);
+    told.resize(3);
+    EXPECT_EQ(told, (Log{"top user", "top paint", "top timer"}));
+    EXPECT_EQ(Text(m_painted[top]), "10,20,50,60");
+    struct Spot {
+        int x, y;
+        COLORREF color;
+    };
+    for (const Spot& spot :
+         {Spot{10, 20, kRed}, Spot{49, 59, kRed}, Spot{9, 20, kWhite}, Spot{45, 25, kWhite}, Spot{12, 50, kWhite}})
+        EXPECT_EQ(Pixel(top, spot.x, spot.y), spot.color) << spot.x << "," << spot.y;
+    EXPECT_FALSE(GetUpdateRect(top, nullptr, FALSE));
+    InvalidateRect(top, nullptr, TRUE);
+    ValidateRect(top, nullptr);
+    Pump();
+    EXPECT_EQ(Take({"paint"}), Log{});
+}
+
+TEST_F(WindowImageTest, ChildrenAndSiblingsClip) {
+    const HWND top = Make("top", WS_POPUP | WS_CLIPCHILDREN, {10, 10, 210, 110});
+    const HWND a = Make("a", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, {20, 20, 80, 80}, top);
+    const HWND b = Make("b", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, {50, 50, 120, 90}, top);
+    m_colors = {{a, kRed}, {b, kBlue}};
+    EXPECT_EQ(Pixel(top, 5, 5), static_cast<COLORREF>(CLR_INVALID));  // hidden
+    ShowWindow(top, SW_SHOW);
+    UpdateWindow(top);
+    EXPECT_EQ(Pixel(top, 25, 25), kRed);
+    EXPECT_EQ(Pixel(top, 60, 60), kRed);  // a lies upon b
+    EXPECT_EQ(Pixel(top, 100, 80), kBlue);
+    // What the window draws stays below its children, what b draws below a.
+    HDC dc = GetDC(top);
+    Fill(dc, {0, 0, 200, 100}, RGB(0, 255, 0));
+    ReleaseDC(top, dc);
+    dc = GetDC(b);
+    Fill(dc, {-100, -100, 500, 500}, RGB(1, 2, 3));
+    ReleaseDC(b, dc);
+    EXPECT_EQ(Pixel(top, 5, 5), RGB(0, 255, 0));
+    EXPECT_EQ(Pixel(top, 60, 60), kRed);
+    EXPECT_EQ(Pixel(top, 100, 80), RGB(1, 2, 3));
+    EXPECT_EQ(Pixel(top, 120, 80), RGB(0, 255, 0));
+    SetWindowPos(b, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    UpdateWindow(top);
+    EXPECT_EQ(Pixel(top, 60, 60), kBlue);
+    MoveWindow(b, 90, 50, 70, 40, TRUE);
+    UpdateWindow(top);
+    EXPECT_EQ(Pixel(top, 60, 60), kRed);
+    EXPECT_EQ(Pixel(top, 85, 85), kWhite);
+    EXPECT_EQ(Pixel(top, 95, 60), kBlue);
+    DestroyWindow(b);
+    UpdateWindow(top);
+    EXPECT_EQ(Pixel(top, 95, 60), kWhite);
+    EXPECT_EQ(Pixel(a, 0, 0), kRed);
+}
+
+TEST_F(WindowImageTest, AContextFollowsItsWindow) {
+    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 110, 110});
+    Pump();
+    const HDC dc = GetDC(top);
+    EXPECT_EQ(WindowFromDC(dc), top);
+    SetWindowPos(top, nullptr, 0, 0, 300, 200, SWP_NOMOVE | SWP_NOZORDER);
+    Pump();
+    Fill(dc, {280, 180, 300, 200}, kBlue);
+    EXPECT_EQ(Pixel(top, 290, 190), kBlue);
+    // Inverting twice leaves nothing behind.
+    const RECT band{50, 50, 290, 190};
+    InvertRect(dc, &band);
+    EXPECT_EQ(Pixel(top, 60, 60), RGB(0, 0, 0));
+    InvertRect(dc, &band);
+    EXPECT_EQ(Pixel(top, 60, 60), kWhite);
+    EXPECT_EQ(Pixel(top, 285, 185), kBlue);
+    EXPECT_EQ(ReleaseDC(top, dc), 1);
+}
+
+TEST_F(WindowImageTest, ScrollingMovesThePictureAndInvalidatesTheRest) {
+    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 210, 110});
+    Pump();
+    HDC dc = GetDC(top);
+    Fill(dc, {10, 10, 20, 20}, kBlue);
+    ReleaseDC(top, dc);
+    RECT update;
+    ScrollWindowEx(top, 30, 0, nullptr, nullptr, nullptr, &update, SW_INVALIDATE | SW_ERASE);
+    EXPECT_EQ(Text(update), "0,0,30,100");
+    EXPECT_EQ(Pixel(top, 45, 15), kBlue);
+    Pump();
+    EXPECT_EQ(Pixel(top, 15, 15), kWhite);
+    EXPECT_EQ(Pixel(top, 45, 15), kBlue);
+}
