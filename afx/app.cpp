@@ -23,7 +23,9 @@ CString ProgramName() {
 
 CWinThread::CWinThread() : m_nThreadID(GetCurrentThreadId()) {}
 
-BOOL CWinThread::PreTranslateMessage(MSG*) { return FALSE; }
+BOOL CWinThread::PreTranslateMessage(MSG* pMsg) {
+    return CWnd::WalkPreTranslateTree(m_pMainWnd != nullptr ? m_pMainWnd->m_hWnd : nullptr, pMsg);
+}
 int CWinThread::ExitInstance() { return static_cast<int>(m_msgCur.wParam); }
 
 BOOL CWinThread::PumpMessage() {

@@ -2,10 +2,8 @@
 // thread.
 #pragma once
 
-#include "afx/cmd_target.h"
 #include "afx/string.h"
-
-class CWnd;
+#include "afx/wnd.h"
 
 class ORVIK_API CWinThread : public CCmdTarget {
     DECLARE_DYNAMIC(CWinThread)
@@ -16,7 +14,7 @@ public:
     virtual BOOL InitInstance() { return FALSE; }
     // Handles the thread's messages until the quit message, then returns ExitInstance().
     virtual int Run();
-    // Before a message goes to its window; non-zero keeps it from there.
+    // Before a message goes to its window; non-zero keeps it from there. Asks the window of the message and all above it.
     virtual BOOL PreTranslateMessage(MSG* pMsg);
     // Waits for one message and handles it; 0 for the quit message.
     virtual BOOL PumpMessage();
@@ -25,6 +23,7 @@ public:
     DWORD m_nThreadID;  // of the thread that made this object
     // Set by the application once its main window is there, null before; not owned.
     CWnd* m_pMainWnd = nullptr;
+    virtual CWnd* GetMainWnd() { return m_pMainWnd; }
 
 protected:
     MSG m_msgCur = {};

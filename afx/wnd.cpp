@@ -11,18 +11,15 @@
 #include <unordered_map>
 #include <utility>
 
-IMPLEMENT_DYNAMIC(CCmdTarget, CObject)
 IMPLEMENT_DYNCREATE(CWnd, CCmdTarget)
-
-const AFX_MSGMAP* CCmdTarget::GetMessageMap() const { return GetThisMessageMap(); }
-const AFX_MSGMAP* CCmdTarget::GetThisMessageMap() {
-    static const AFX_MSGMAP_ENTRY s_entries[] = {{0, nullptr, nullptr}};
-    static const AFX_MSGMAP s_map = {nullptr, s_entries};
-    return &s_map;
-}
 
 BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
 END_MESSAGE_MAP()
+
+const CWnd CWnd::wndTop(HWND_TOP);
+const CWnd CWnd::wndBottom(HWND_BOTTOM);
+const CWnd CWnd::wndTopMost(HWND_TOPMOST);
+const CWnd CWnd::wndNoTopMost(HWND_NOTOPMOST);
 
 namespace {
 // Which object has which window. Windows of several threads meet here, so it has a lock; the objects themselves stay with their
@@ -56,6 +53,8 @@ WindowMap& Windows() {
 
 // The object whose window is being made on this thread, until the first message names the window.
 constinit thread_local CWnd* t_creating = nullptr;
+// The message at hand on this thread.
+constinit thread_local MSG t_current{};
 
 LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -74,12 +73,14 @@ struct CWndAccess {
     static LRESULT Call(CWnd& object, UINT message, WPARAM wParam, LPARAM lParam) {
         const HWND window = object.m_hWnd;
         LRESULT result = 0;
+        const MSG outer = std::exchange(t_current, MSG{window, message, wParam, lParam, 0, {}});
         try {
             result = object.WindowProc(message, wParam, lParam);
         } catch (CException* failure) {
             failure->ReportError();
             failure->Delete();
         }
+        t_current = outer;
         // The object may be gone by now, unless it is still the window's.
         if (message == WM_NCDESTROY && Windows().Find(window) == &object) {
             object.Forget();
@@ -140,6 +141,10 @@ void CWnd::Subclass(HWND window) {
     if (current == &AfxWndProc) return;
     m_pfnSuper = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&AfxWndProc)));
 }
+
+const MSG* CWnd::GetCurrentMessage() { return &t_current; }
+
+LRESULT CWnd::Default() { return DefWindowProc(t_current.message, t_current.wParam, t_current.lParam); }
 
 BOOL CWnd::Attach(HWND hWndNew) {
     if (hWndNew == nullptr || m_hWnd != nullptr || FromHandlePermanent(hWndNew) != nullptr) return FALSE;
@@ -241,21 +246,6 @@ LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
 LRESULT CWnd::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     if (m_pfnSuper != nullptr) return ::CallWindowProcA(m_pfnSuper, m_hWnd, message, wParam, lParam);
     return ::DefWindowProcA(m_hWnd, message, wParam, lParam);
-}
-
-BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr;
-         map = map->pfnGetBaseMap != nullptr ? map->pfnGetBaseMap() : nullptr) {
-        for (const AFX_MSGMAP_ENTRY* entry = map->lpEntries; entry->pfn != nullptr; ++entry) {
-            const UINT wanted = entry->pRegisteredMessage != nullptr ? *entry->pRegisteredMessage : entry->nMessage;
-            // A message whose registration failed has the number 0, which is nobody's.
-            if (wanted != message || (entry->pRegisteredMessage != nullptr && wanted == 0)) continue;
-            const LRESULT result = (this->*entry->pfn)(wParam, lParam);
-            if (pResult != nullptr) *pResult = result;
-            return TRUE;
-        }
-    }
-    return FALSE;
 }
 
 void CWnd::PostNcDestroy() {}
