@@ -1,6 +1,7 @@
 // The growing arrays: bounds, order, archive bytes, and arrays that announce more than they hold.
 #include "afx/array.h"
 
+#include "afx/ptr_array.h"
 #include "tests/afx/bytes.h"
 
 using namespace afx_test;
@@ -147,5 +148,30 @@ TEST(Array, HugeCountsFailWithWhatCame) {
     EXPECT_EQ(Loaded(huge, [&](CArchive& ar) { doubles.Serialize(ar); }), CArchiveException::endOfFile);
     EXPECT_LE(doubles.GetSize(), 1);
     ExpectInvalidArg([&] { words.RemoveAt(0, 3); });
+}
+
+TEST(Array, PointersKeepTheirTypeAndAreNotStored) {
+    int a = 1, b = 2;
+    CTypedPtrArray<CPtrArray, int*> array;
+    EXPECT_EQ(array.Add(&a), 0);
+    array.InsertAt(0, &b);
+    array.SetAtGrow(3, &a);
+    EXPECT_EQ(array[2], nullptr);
+    array[2] = &b;
+    array.SetAt(3, nullptr);
+    CTypedPtrArray<CPtrArray, int*> copy;
+    copy.Copy(array);
+    copy.Append(array);
+    copy.RemoveAt(3, 3);
+    ASSERT_EQ(copy.GetSize(), 5);
+    EXPECT_EQ(*copy.GetAt(0) + *copy[1] + *copy.ElementAt(2), 5);
+    EXPECT_EQ(copy.GetAt(3), &b);
+    EXPECT_TRUE(copy.IsKindOf(CPtrArray::GetThisClass()));
+    try {
+        Stored([&](CArchive& ar) { array.Serialize(ar); });
+        ADD_FAILURE() << "pointers mean nothing in a file";
+    } catch (CNotSupportedException* e) {
+        e->Delete();
+    }
 }
 }  // namespace
