@@ -40,6 +40,7 @@ ExitCode Run(CHostApp& app, Words words) {
 int main(int argc, char** argv) {
     SetConsoleOutputCP(CP_UTF8);
     try {
+        if (!OrvikArgumentsAreWhole()) throw Failure{kWrongUse, Say(Text::ForeignCharacters)};
         Words words;
         for (int i = 1; i < argc; ++i) words.push_back(HouseWord(argv[i]));
         CHostApp app;

@@ -7,3 +7,7 @@
 // characters beyond that stays UTF-8, so that it still names its file. Returns the length, or the size needed when it does not
 // fit.
 ORVIK_API DWORD OrvikArgumentText(const char* word, char* out, DWORD size);
+
+// Non-zero when the command line came into argv whole: on Windows characters beyond the system's narrow code page arrive there as
+// others ("?", or the nearest letter), which no program should take for what was typed.
+ORVIK_API BOOL OrvikArgumentsAreWhole();

@@ -9,3 +9,5 @@ DWORD OrvikArgumentText(const char* word, char* out, DWORD size) {
     std::memcpy(out, text.c_str(), text.size() + 1);
     return static_cast<DWORD>(text.size());
 }
+
+BOOL OrvikArgumentsAreWhole() { return TRUE; }

@@ -9,3 +9,10 @@ DWORD OrvikArgumentText(const char* word, char* out, DWORD size) {
     std::memcpy(out, word, length + 1);
     return static_cast<DWORD>(length);
 }
+
+BOOL OrvikArgumentsAreWhole() {
+    const wchar_t* line = GetCommandLineW();
+    BOOL replaced = FALSE;
+    const int size = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, line, -1, nullptr, 0, nullptr, &replaced);
+    return size > 0 && !replaced;
+}

@@ -122,6 +122,8 @@ class WrongUse(HostTest):
         self.assertIn("--trace", self.refused(1, "download", "--port", "COM1", "--out", "x.odb", "--hex"))
         self.assertIn("same file", self.refused(1, "download", "--port", "COM1", "--out", "x.odb", "--trace", "./x.odb"))
         self.assertIn("--out", self.refused(1, "demo", "--out", ""))
+        if options.wine:  # elsewhere arguments are UTF-8 and lose nothing
+            self.assertIn("code page", self.refused(1, "show", "\u4e2d.odb"))
 
     def test_output_that_cannot_be_written_is_no_success(self):
         if options.wine:

@@ -123,14 +123,15 @@ TEST(Images, CursorsHaveTheirHotSpots) {
     EXPECT_FALSE(LoadCursorA(Module(), MAKEINTRESOURCEA(144)));
 }
 
-TEST(Images, IconsComeInTwoSizes) {
+TEST(Images, IconsComeInThreeSizes) {
     for (const UINT id : {167u, 168u, 169u, 170u, 171u, 172u, 175u}) {
         const HRSRC group = FindResourceA(Module(), MAKEINTRESOURCEA(id), RT_GROUP_ICON);
         ASSERT_TRUE(group) << id;
         const auto directory = Bytes(group);
-        ASSERT_EQ(directory.size(), 6u + 2 * 14u) << id;
-        EXPECT_EQ(directory[6], 32) << id;
-        EXPECT_EQ(directory[20], 48) << id;
+        ASSERT_EQ(directory.size(), 6u + 3 * 14u) << id;
+        EXPECT_EQ(directory[6], 16) << id;
+        EXPECT_EQ(directory[20], 32) << id;
+        EXPECT_EQ(directory[34], 48) << id;
         const HANDLE icon = LoadImageA(Module(), MAKEINTRESOURCEA(id), IMAGE_ICON, 32, 32, 0);
         ASSERT_TRUE(icon) << id;
         ICONINFO info{};
