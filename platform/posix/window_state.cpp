@@ -83,10 +83,12 @@ LONG_PTR SetWindowLongPtrA(HWND handle, int index, LONG_PTR value) {
         value = static_cast<LONG_PTR>(change.styleNew);
     }
     const LONG_PTR before = With<LONG_PTR>(handle, [&](Window& window) -> LONG_PTR {
-        // A style may make a child of a top-level window, and the other way round.
-        Unlink(window);
+        // A style may make a child of a top-level window, and the other way round; otherwise the window keeps its place.
+        const bool moves =
+            index == GWLP_HWNDPARENT || (index == GWL_STYLE && ((window.style ^ static_cast<DWORD>(value)) & WS_CHILD));
+        if (moves) Unlink(window);
         const bool known = Exchange(window, index, value, true);
-        Link(window);
+        if (moves) Link(window);
         if (!known) {
             SetLastError(ERROR_INVALID_INDEX);
             return 0;
