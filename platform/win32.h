@@ -6,7 +6,8 @@
 
 #if defined(_WIN32)
 #include <windows.h>
-// setupapi.h needs windows.h before it.
+// These need windows.h before them.
+#include <commctrl.h>
 #include <setupapi.h>
 // The C run-time's 64-bit time functions.
 #include <sys/timeb.h>

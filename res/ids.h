@@ -28,7 +28,19 @@
 #define IDI_ORVIK_INFORMATION 172
 #define IDI_ORVIK_THUMB_DOWN 175
 
-/* Texts: 823 to 827 file copying, 828 to 838 protocol failures, 842 to 844 property list, 8083 floating tag. */
+/* Dialogs, their controls besides IDOK and IDCANCEL, and the property grid that takes its placeholder's room. */
+#define IDD_ORVIK_PROPERTIES 203
+#define IDC_ORVIK_GRID_PLACE 141
+#define IDC_ORVIK_GRID 142
+#define IDC_ORVIK_CLOSE 3
+#define IDD_ORVIK_PROGRESS 208
+#define IDC_ORVIK_PERCENT 1057
+#define IDC_ORVIK_MESSAGE 17117
+#define IDC_ORVIK_PROGRESS 17118
+#define IDC_ORVIK_MESSAGE2 17120
+#define IDC_ORVIK_BOTTOM 17121
+
+/* Texts: 823 to 827 file copying, 828 to 838 protocol failures, 842 to 844 property list, 845 data exchange, 8083 floating tag. */
 #define IDS_FILE_SAME 823
 #define IDS_FILE_NOT_COPIED 824
 #define IDS_FILE_ACCESS_DENIED 825
@@ -40,6 +52,7 @@
 #define IDS_PROPERTY 842
 #define IDS_VALUE 843
 #define IDS_PROPERTIES_OF 844
+#define IDS_NOT_WHOLE 845
 #define IDS_LONG_MONTH 8000
 #define IDS_SHORT_MONTH 8012
 #define IDS_LONG_DAY 8024

@@ -13,6 +13,7 @@
 #include <tuple>
 #include <vector>
 
+#include "platform/posix/dialog_internal.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/images_internal.h"
 #include "platform/posix/locale_data_internal.h"
@@ -23,7 +24,7 @@ using namespace orvik::detail;
 
 namespace {
 
-enum Type : WORD { kCursor = 1, kIcon = 3, kString = 6, kGroupCursor = 12, kGroupIcon = 14 };
+enum Type : WORD { kCursor = 1, kIcon = 3, kDialog = 5, kString = 6, kGroupCursor = 12, kGroupIcon = 14 };
 constexpr LANGID kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), kSwedish = MAKELANGID(LANG_SWEDISH, SUBLANG_SWEDISH);
 constexpr unsigned kTextsInBlock = 16;
 
@@ -104,6 +105,10 @@ private:
             }
         }
         for (const EmbeddedImage& image : EmbeddedImages()) AddImage(image);
+        for (EmbeddedDialog dialog : EmbeddedDialogs()) {
+            m_entries[{kDialog, dialog.id, kEnglish}].bytes = std::move(dialog.english);
+            m_entries[{kDialog, dialog.id, kSwedish}].bytes = std::move(dialog.swedish);
+        }
     }
 
     void AddImage(const EmbeddedImage& image) {

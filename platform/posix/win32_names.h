@@ -3,9 +3,12 @@
 
 #include "platform/posix/bitmap.h"
 #include "platform/posix/colors.h"
+#include "platform/posix/common_controls.h"
 #include "platform/posix/console.h"
+#include "platform/posix/controls.h"
 #include "platform/posix/crt_time.h"
 #include "platform/posix/dc.h"
+#include "platform/posix/dialog.h"
 #include "platform/posix/directories.h"
 #include "platform/posix/draw.h"
 #include "platform/posix/errors.h"

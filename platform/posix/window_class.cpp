@@ -2,6 +2,7 @@
 #include <cstring>
 #include <map>
 
+#include "platform/posix/control_internal.h"
 #include "platform/posix/window_class_internal.h"
 
 namespace orvik::detail {
@@ -22,28 +23,22 @@ ATOM AtomOf(Registry& registry, const std::string& name) {
     return at->second;
 }
 
-// The system's static text: a text and a font, which is all that can be seen of it without a screen.
-LRESULT StaticProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message != WM_SETFONT && message != WM_GETFONT) return DefWindowProcA(window, message, wParam, lParam);
-    const std::lock_guard kernel(KernelLock());
-    Window* found = FindWindowOf(window);
-    if (found == nullptr) return 0;
-    if (message == WM_SETFONT) found->font = static_cast<LONG_PTR>(wParam);
-    return message == WM_GETFONT ? found->font : 0;
-}
-
 Registry& TheRegistry() {
     static Registry* registry = [] {
         auto* made = new Registry;
-        auto system = std::make_shared<WindowClass>();
-        system->name = "Static";
-        system->info = {};
-        system->info.cbSize = sizeof(WNDCLASSEXA);
-        system->info.style = CS_PARENTDC | CS_DBLCLKS | CS_GLOBALCLASS;
-        system->info.lpfnWndProc = StaticProcedure;
-        system->info.lpszClassName = system->name.c_str();
-        system->atom = AtomOf(*made, system->name);
-        made->classes.push_back(std::move(system));
+        for (const SystemClass& each : SystemClasses()) {
+            auto system = std::make_shared<WindowClass>();
+            system->name = each.name;
+            system->info = {};
+            system->info.cbSize = sizeof(WNDCLASSEXA);
+            system->info.style = each.style | CS_GLOBALCLASS;
+            system->info.lpfnWndProc = each.procedure;
+            system->info.cbWndExtra = each.extra;
+            system->info.lpszClassName = system->name.c_str();
+            system->atom = each.atom != 0 ? each.atom : AtomOf(*made, system->name);
+            system->system = true;
+            made->classes.push_back(std::move(system));
+        }
         return made;
     }();
     return *registry;
@@ -111,7 +106,7 @@ BOOL UnregisterClassA(LPCSTR name, HINSTANCE instance) {
     const std::lock_guard kernel(KernelLock());
     auto& classes = TheRegistry().classes;
     for (auto at = classes.begin(); name != nullptr && at != classes.end(); ++at) {
-        if ((*at)->info.hInstance != instance || (*at)->info.lpfnWndProc == StaticProcedure || !Matches(**at, name)) continue;
+        if ((*at)->info.hInstance != instance || (*at)->system || !Matches(**at, name)) continue;
         if ((*at)->windows != 0) return Finish(ERROR_CLASS_HAS_WINDOWS);
         classes.erase(at);
         return TRUE;

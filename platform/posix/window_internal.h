@@ -22,6 +22,7 @@ struct WindowClass {
     WNDCLASSEXA info;  // its text pointers point to `name`, or to nothing
     ATOM atom = 0;
     int windows = 0;
+    bool system = false;  // there for every program, and to stay
 };
 
 class Canvas;
@@ -39,8 +40,9 @@ struct Window {
     std::vector<HWND> children;  // the top one first; of the desktop, all top-level windows
     std::string text;
     HINSTANCE instance = nullptr;
-    LONG_PTR userData = 0, id = 0, font = 0;
+    LONG_PTR userData = 0, id = 0;
     std::vector<unsigned char> extra;
+    std::shared_ptr<void> control;  // what a window of a system class keeps; ends without asking for the lock
 
     Area update;  // what is to be painted, in client coordinates
     bool erase = false, internalPaint = false;

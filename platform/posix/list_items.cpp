@@ -1,0 +1,42 @@
+#include <algorithm>
+#include <cstring>
+
+#include "platform/posix/list_items_internal.h"
+#include "platform/posix/text.h"
+
+namespace orvik::detail {
+
+int ListItems::Add(const char* text, bool sorted) {
+    if (text == nullptr) return -1;
+    if (!sorted) return Insert(-1, text);
+    const auto after = std::upper_bound(m_items.begin(), m_items.end(), text,
+                                        [](const char* a, const ListItem& b) { return lstrcmpiA(a, b.text.c_str()) < 0; });
+    return Insert(static_cast<int>(after - m_items.begin()), text);
+}
+
+int ListItems::Insert(int at, const char* text) {
+    if (at == -1) at = Count();
+    if (text == nullptr || at < 0 || at > Count()) return -1;
+    m_items.insert(m_items.begin() + at, ListItem{text});
+    return at;
+}
+
+bool ListItems::Remove(int at) {
+    if (!Has(at)) return false;
+    m_items.erase(m_items.begin() + at);
+    return true;
+}
+
+int ListItems::Find(int after, const char* text, bool whole) const {
+    if (text == nullptr || m_items.empty()) return -1;
+    const size_t length = std::strlen(text);
+    const int first = Has(after) ? after + 1 : 0;
+    for (int step = 0; step < Count(); ++step) {
+        const int index = (first + step) % Count();
+        const std::string& own = m_items[static_cast<size_t>(index)].text;
+        if (lstrcmpiA(whole ? own.c_str() : own.substr(0, length).c_str(), text) == 0) return index;
+    }
+    return -1;
+}
+
+}  // namespace orvik::detail

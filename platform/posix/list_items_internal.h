@@ -1,0 +1,36 @@
+// The strings of a list box or combo box, each with a number of the program's. Searching minds no case.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/posix/types.h"
+
+namespace orvik::detail {
+
+struct ListItem {
+    std::string text;
+    LPARAM data = 0;
+    bool selected = false;  // where more than one can be
+};
+
+class ListItems {
+public:
+    int Count() const { return static_cast<int>(m_items.size()); }
+    bool Has(LRESULT index) const { return index >= 0 && index < Count(); }
+    ListItem& operator[](LRESULT index) { return m_items[static_cast<size_t>(index)]; }
+    const ListItem& operator[](LRESULT index) const { return m_items[static_cast<size_t>(index)]; }
+    void Clear() { m_items.clear(); }
+
+    // Its index; sorted, its place in the order.
+    int Add(const char* text, bool sorted);
+    int Insert(int at, const char* text);  // -1: last; -1 on failure
+    bool Remove(int at);
+    // The first one behind `after` that begins with the text (or is it), going round at the end; -1 when there is none.
+    int Find(int after, const char* text, bool whole) const;
+
+private:
+    std::vector<ListItem> m_items;
+};
+
+}  // namespace orvik::detail
