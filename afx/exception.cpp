@@ -11,6 +11,7 @@ IMPLEMENT_DYNAMIC(CException, CObject)
 IMPLEMENT_DYNAMIC(CMemoryException, CException)
 IMPLEMENT_DYNAMIC(CNotSupportedException, CException)
 IMPLEMENT_DYNAMIC(CInvalidArgException, CException)
+IMPLEMENT_DYNAMIC(CUserException, CException)
 IMPLEMENT_DYNAMIC(CResourceException, CException)
 IMPLEMENT_DYNAMIC(COleException, CException)
 IMPLEMENT_DYNAMIC(CArchiveException, CException)
@@ -153,6 +154,7 @@ void AfxThrowMemoryException() {
 
 void AfxThrowNotSupportedException() { throw new CNotSupportedException; }
 void AfxThrowInvalidArgException() { throw new CInvalidArgException; }
+void AfxThrowUserException() { throw new CUserException; }
 void AfxThrowResourceException() { throw new CResourceException; }
 void AfxThrowArchiveException(int cause, LPCSTR lpszArchiveName) { throw new CArchiveException(cause, lpszArchiveName); }
 void AfxThrowFileException(int cause, LONG lOsError, LPCSTR lpszFileName) {

@@ -55,6 +55,14 @@ public:
     BOOL GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext = nullptr) const override;
 };
 
+// An operation stopped at the user's word; the user has been told already, so there is no text.
+class ORVIK_API CUserException : public CException {
+    DECLARE_DYNAMIC(CUserException)
+
+public:
+    using CException::CException;
+};
+
 class ORVIK_API CResourceException : public CException {
     DECLARE_DYNAMIC(CResourceException)
 
@@ -134,6 +142,7 @@ public:
 [[noreturn]] ORVIK_API void AfxThrowMemoryException();
 [[noreturn]] ORVIK_API void AfxThrowNotSupportedException();
 [[noreturn]] ORVIK_API void AfxThrowInvalidArgException();
+[[noreturn]] ORVIK_API void AfxThrowUserException();
 [[noreturn]] ORVIK_API void AfxThrowResourceException();
 [[noreturn]] ORVIK_API void AfxThrowArchiveException(int cause, LPCSTR lpszArchiveName = nullptr);
 [[noreturn]] ORVIK_API void AfxThrowFileException(int cause, LONG lOsError = -1, LPCSTR lpszFileName = nullptr);

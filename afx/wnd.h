@@ -10,6 +10,7 @@
 #include "afx/geometry.h"
 #include "afx/string.h"
 
+class CDataExchange;
 class CDC;
 class CFont;
 class CMenu;
@@ -178,6 +179,20 @@ public:
     void SetDlgItemText(int nID, LPCSTR lpszString) { ::SetWindowTextA(::GetDlgItem(m_hWnd, nID), lpszString); }
     int GetDlgItemText(int nID, CString& rString) const;
 
+    LRESULT SendDlgItemMessage(int nID, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+        return ::SendDlgItemMessageA(m_hWnd, nID, message, wParam, lParam);
+    }
+    void CheckDlgButton(int nIDButton, UINT nCheck) { ::CheckDlgButton(m_hWnd, nIDButton, nCheck); }
+    UINT IsDlgButtonChecked(int nIDButton) const { return ::IsDlgButtonChecked(m_hWnd, nIDButton); }
+    void CheckRadioButton(int nIDFirst, int nIDLast, int nIDCheck) { ::CheckRadioButton(m_hWnd, nIDFirst, nIDLast, nIDCheck); }
+    void SetDlgItemInt(int nID, UINT nValue, BOOL bSigned = TRUE) { ::SetDlgItemInt(m_hWnd, nID, nValue, bSigned); }
+    UINT GetDlgItemInt(int nID, BOOL* lpTrans = nullptr, BOOL bSigned = TRUE) const {
+        return ::GetDlgItemInt(m_hWnd, nID, lpTrans, bSigned);
+    }
+    // Exchanges data between the controls and the object's variables by DoDataExchange; out of the controls for TRUE. 0 when that
+    // was stopped, after the user has been told why.
+    BOOL UpdateData(BOOL bSaveAndValidate = TRUE);
+
     // A command goes to the window's own members. Views and frames may pass it on.
     BOOL OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO* pHandlerInfo) override;
 
@@ -191,6 +206,7 @@ protected:
     // WM_COMMAND of a menu, an accelerator or a control; a control may answer its notification itself (ON_CONTROL_REFLECT).
     virtual BOOL OnCommand(WPARAM wParam, LPARAM lParam);
     virtual BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult);
+    virtual void DoDataExchange(CDataExchange* pDX);  // nothing to exchange
     // What a parent hands back to its control; non-zero ends it there.
     virtual BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pLResult);
     // What the window does with the message at hand if it is left alone; for members that answer messages.

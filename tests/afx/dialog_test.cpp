@@ -1,0 +1,335 @@
+// Dialogs: templates, keys, data exchange, and how modal ones end. The same on both homes, with the system's own controls.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "afx/app.h"
+#include "afx/common_controls.h"
+#include "afx/controls.h"
+#include "afx/dialog.h"
+#include "afx/exception.h"
+#include "afx/message_box.h"
+#include "res/ids.h"
+#include "tests/support/regional_settings.h"
+
+namespace {
+
+// A template in the extended form, built up control by control.
+class Template {
+public:
+    explicit Template(DWORD style = WS_POPUP | WS_CAPTION | DS_SETFONT | DS_MODALFRAME) {
+        Put(1, 2), Put(0xFFFF, 2), Put(0, 4), Put(0, 4), Put(style, 4), Put(0, 2);
+        for (const int value : {0, 0, 160, 100}) Put(static_cast<DWORD>(value), 2);
+        Put(0, 2), Put(0, 2), Text("Test");
+        Put(8, 2), Put(400, 2), Put(0, 1), Put(1, 1), Text("DejaVu Sans");
+    }
+    Template& Add(const char* windowClass, DWORD id, DWORD style, const char* text, int y = 0) {
+        while (m_bytes.size() % 4 != 0) Put(0, 1);
+        Put(0, 4), Put(0, 4), Put(WS_CHILD | WS_VISIBLE | style, 4);
+        for (const int value : {4, y, 60, 12}) Put(static_cast<DWORD>(value), 2);
+        Put(id, 4), Text(windowClass), Text(text), Put(0, 2);
+        ++m_bytes[16];
+        return *this;
+    }
+    LPCDLGTEMPLATE Get() const { return reinterpret_cast<LPCDLGTEMPLATE>(m_bytes.data()); }
+
+private:
+    void Put(DWORD value, int size) {
+        for (int i = 0; i < size; ++i) m_bytes.push_back(static_cast<unsigned char>(value >> (8 * i)));
+    }
+    void Text(const char* text) {
+        do Put(static_cast<unsigned char>(*text), 2);
+        while (*text++ != 0);
+    }
+    std::vector<unsigned char> m_bytes;
+};
+
+enum { kName = 100, kCount, kFlag, kRadio1, kRadio2, kLabel, kOff, kBar };
+
+Template Fields() {
+    Template out;
+    out.Add("Edit", kName, WS_TABSTOP | ES_AUTOHSCROLL, "", 4)
+        .Add("Edit", kCount, WS_TABSTOP | ES_AUTOHSCROLL, "", 18)
+        .Add("Button", kFlag, WS_TABSTOP | BS_AUTOCHECKBOX, "&Flag", 32)
+        .Add("Button", kRadio1, WS_TABSTOP | WS_GROUP | BS_AUTORADIOBUTTON, "One", 46)
+        .Add("Button", kRadio2, BS_AUTORADIOBUTTON, "Two", 56)
+        .Add("Button", kOff, WS_TABSTOP | WS_GROUP | WS_DISABLED, "Off", 66)
+        .Add("Static", kLabel, WS_GROUP, "&Label", 70)
+        .Add("Button", IDOK, WS_TABSTOP | BS_DEFPUSHBUTTON, "OK", 80)
+        .Add("Button", IDCANCEL, WS_TABSTOP, "Cancel", 90);
+    return out;
+}
+
+class FieldsDialog : public CDialog {
+public:
+    CString name;
+    int count = 5, flag = 1, radio = 1;
+    int exchanges = 0;
+    CEdit edit;
+    std::function<void(FieldsDialog&)> onInit;
+
+    BOOL OnInitDialog() override {
+        CDialog::OnInitDialog();
+        if (onInit) onInit(*this);
+        return TRUE;
+    }
+    void DoDataExchange(CDataExchange* pDX) override {
+        ++exchanges;
+        CDialog::DoDataExchange(pDX);
+        DDX_Control(pDX, kName, edit);
+        DDX_Text(pDX, kName, name);
+        DDX_Text(pDX, kCount, count);
+        DDX_Check(pDX, kFlag, flag);
+        DDX_Radio(pDX, kRadio1, radio);
+    }
+    int Focus() const { return ::GetDlgCtrlID(::GetFocus()); }
+    // A key as the message loop would see it.
+    void Key(UINT key) {
+        MSG message = {};
+        message.hwnd = ::GetFocus();
+        message.message = WM_KEYDOWN;
+        message.wParam = key;
+        message.lParam = 1;
+        if (!PreTranslateMessage(&message)) ADD_FAILURE() << "not the dialog's";
+    }
+    void Letter(char c) {
+        MSG message = {};
+        message.hwnd = ::GetFocus();
+        message.message = WM_SYSCHAR;
+        message.wParam = static_cast<unsigned char>(c);
+        message.lParam = 0x20000001;
+        PreTranslateMessage(&message);
+    }
+};
+
+// Keeps the boxes instead of showing them.
+class QuietApp : public CWinApp {
+public:
+    QuietApp() : CWinApp("dialogs") {}
+    int DoMessageBox(LPCSTR text, UINT, UINT) override {
+        boxes.emplace_back(text);
+        return IDOK;
+    }
+    std::vector<std::string> boxes;
+};
+
+void Hold(int key, bool down) {
+    BYTE keys[256];
+    GetKeyboardState(keys);
+    keys[key] = down ? 0x80 : 0;
+    SetKeyboardState(keys);
+}
+
+}  // namespace
+
+TEST(Dialogs, TabOrderMnemonicsAndDefaultButton) {
+    const Template fields = Fields();
+    FieldsDialog dialog;
+    ASSERT_TRUE(dialog.CreateIndirect(fields.Get()));
+    dialog.ShowWindow(SW_SHOW);
+    dialog.GotoDlgCtrl(dialog.GetDlgItem(kName));
+    EXPECT_EQ(dialog.Focus(), kName);
+    std::vector<int> order;
+    for (int i = 0; i < 6; ++i) dialog.Key(VK_TAB), order.push_back(dialog.Focus());
+    // The chosen radio button stands for its group; disabled controls and texts are passed over; the end leads to the start.
+    EXPECT_EQ(order, (std::vector<int>{kCount, kFlag, kRadio2, IDOK, IDCANCEL, kName}));
+    Hold(VK_SHIFT, true);
+    dialog.Key(VK_TAB);
+    Hold(VK_SHIFT, false);
+    EXPECT_EQ(dialog.Focus(), IDCANCEL);
+    EXPECT_EQ(dialog.SendDlgItemMessage(IDCANCEL, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON, DLGC_DEFPUSHBUTTON);
+    EXPECT_EQ(LOWORD(dialog.GetDefID()), IDOK);  // it looks like the default one, but is not
+    dialog.NextDlgCtrl();
+    EXPECT_EQ(dialog.SendDlgItemMessage(IDOK, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON, DLGC_DEFPUSHBUTTON);
+    EXPECT_EQ(HIWORD(dialog.GetDefID()), DC_HASDEFID);
+
+    dialog.GotoDlgCtrl(dialog.GetDlgItem(kRadio2));
+    dialog.Key(VK_UP);
+    EXPECT_EQ(dialog.Focus(), kRadio1);
+    EXPECT_EQ(dialog.IsDlgButtonChecked(kRadio1), 1u);
+    EXPECT_EQ(dialog.IsDlgButtonChecked(kRadio2), 0u);
+    dialog.Key(VK_UP);  // round the group
+    EXPECT_EQ(dialog.Focus(), kRadio2);
+
+    EXPECT_EQ(dialog.IsDlgButtonChecked(kFlag), 1u);
+    dialog.Letter('f');
+    EXPECT_EQ(dialog.IsDlgButtonChecked(kFlag), 0u);
+    dialog.Letter('L');  // a text's letter leads to the control behind it
+    EXPECT_EQ(dialog.Focus(), IDOK);
+
+    // Units go by the font: equal ones are equal pixels, and they add up.
+    RECT units = {4, 8, 40, 80};
+    dialog.MapDialogRect(&units);
+    EXPECT_EQ(units.right, 10 * units.left);
+    EXPECT_EQ(units.bottom, 10 * units.top);
+    EXPECT_GT(units.left, 2);
+    dialog.DestroyWindow();
+    EXPECT_EQ(dialog.m_hWnd, nullptr);
+}
+
+TEST(Dialogs, ExchangeDataAndRefuseIt) {
+    QuietApp app;
+    const Template fields = Fields();
+    FieldsDialog dialog;
+    dialog.name = "r\xE4knare";
+    ASSERT_TRUE(dialog.CreateIndirect(fields.Get()));
+    dialog.ShowWindow(SW_SHOW);
+    CString text;
+    dialog.GetDlgItemText(kName, text);
+    EXPECT_STREQ(text, "r\xE4knare");
+    EXPECT_EQ(dialog.GetDlgItemInt(kCount), 5u);
+    EXPECT_EQ(dialog.edit.m_hWnd, ::GetDlgItem(dialog.m_hWnd, kName));
+    const struct {
+        const char* text;
+        bool good;
+        int value;
+    } cases[] = {{"7", true, 7},
+                 {" -12 ", true, -12},
+                 {"", false, 0},
+                 {"x", false, 0},
+                 {"3x", false, 0},
+                 {"2147483648", false, 0},
+                 {"-2147483648", true, -2147483647 - 1},
+                 {"99999999999999999999999", false, 0}};
+    for (const auto& c : cases) {
+        dialog.count = 1;
+        app.boxes.clear();
+        dialog.GotoDlgCtrl(dialog.GetDlgItem(IDCANCEL));
+        dialog.SetDlgItemText(kCount, c.text);
+        EXPECT_EQ(dialog.UpdateData(TRUE) != FALSE, c.good) << c.text;
+        EXPECT_EQ(dialog.count, c.good ? c.value : 1) << c.text;
+        EXPECT_EQ(app.boxes.size(), c.good ? 0u : 1u) << c.text;  // told once
+        EXPECT_EQ(dialog.Focus(), c.good ? IDCANCEL : kCount) << c.text;
+        if (c.good) continue;
+        int from = -1, to = -1;
+        const LRESULT selection = dialog.SendDlgItemMessage(kCount, EM_GETSEL);
+        from = LOWORD(selection), to = HIWORD(selection);
+        EXPECT_EQ(from, 0) << c.text;
+        EXPECT_EQ(to, static_cast<int>(std::string(c.text).size())) << c.text;
+    }
+    dialog.SetDlgItemText(kCount, "8");
+    dialog.CheckRadioButton(kRadio1, kRadio2, kRadio1);
+    dialog.CheckDlgButton(kFlag, BST_UNCHECKED);
+    EXPECT_TRUE(dialog.UpdateData());
+    EXPECT_EQ(dialog.radio, 0);
+    EXPECT_EQ(dialog.flag, 0);
+    CDataExchange exchange(&dialog, TRUE);
+    EXPECT_THROW(
+        try { exchange.PrepareCtrl(9999); } catch (CNotSupportedException* e) {
+            e->Delete();
+            throw 1;
+        },
+        int);
+}
+
+TEST(Dialogs, ModalEnds) {
+    QuietApp app;
+    const Template fields = Fields();
+    const auto run = [&](std::function<void(FieldsDialog&)> onInit, CWnd* parent = nullptr) {
+        FieldsDialog dialog;
+        dialog.onInit = std::move(onInit);
+        EXPECT_TRUE(dialog.InitModalIndirect(fields.Get(), parent));
+        const INT_PTR result = dialog.DoModal();
+        EXPECT_EQ(dialog.m_hWnd, nullptr);
+        return result;
+    };
+    const auto post = [](UINT message, WPARAM wParam) {
+        return [=](FieldsDialog& dialog) { dialog.PostMessage(message, wParam); };
+    };
+    EXPECT_EQ(run(post(WM_COMMAND, IDOK)), IDOK);
+    EXPECT_EQ(run(post(WM_COMMAND, IDCANCEL)), IDCANCEL);
+    EXPECT_EQ(run(post(WM_CLOSE, 0)), IDCANCEL);
+    EXPECT_EQ(run([](FieldsDialog& dialog) { dialog.EndDialog(77); }), 77);
+    EXPECT_EQ(run([](FieldsDialog& dialog) {
+                  dialog.SetDlgItemText(kCount, "bad");
+                  dialog.PostMessage(WM_COMMAND, IDOK);  // refused: the dialog stays
+                  dialog.PostMessage(WM_COMMAND, IDCANCEL);
+              }),
+              IDCANCEL);
+    EXPECT_EQ(app.boxes.size(), 1u);
+    EXPECT_EQ(run([](FieldsDialog& dialog) {
+                  MSG key = {};
+                  key.hwnd = ::GetDlgItem(dialog.m_hWnd, kName);
+                  ::PostMessageA(key.hwnd, WM_KEYDOWN, VK_ESCAPE, 1);
+              }),
+              IDCANCEL);
+
+    // The quit message ends the dialog and is there for the loop outside.
+    EXPECT_EQ(run([](FieldsDialog&) { ::PostQuitMessage(3); }), -1);
+    MSG message = {};
+    ASSERT_TRUE(::PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
+    EXPECT_EQ(message.wParam, 3u);
+
+    // The owner is disabled meanwhile, and may be destroyed under the dialog.
+    CWnd owner;
+    ASSERT_TRUE(owner.CreateEx(0, nullptr, "owner", WS_POPUP, 0, 0, 300, 200, nullptr, nullptr));
+    owner.ShowWindow(SW_SHOW);
+    EXPECT_EQ(run(
+                  [&](FieldsDialog& dialog) {
+                      EXPECT_FALSE(owner.IsWindowEnabled());
+                      dialog.PostMessage(WM_COMMAND, IDOK);
+                  },
+                  &owner),
+              IDOK);
+    EXPECT_TRUE(owner.IsWindowEnabled());
+    struct Destroyer {
+        static void CALLBACK Now(HWND window, UINT, UINT_PTR id, DWORD) {
+            ::KillTimer(window, id);
+            ::DestroyWindow(window);
+        }
+    };
+    EXPECT_EQ(run([&](FieldsDialog&) { ::SetTimer(owner.m_hWnd, 1, 10, &Destroyer::Now); }, &owner), -1);
+    EXPECT_EQ(owner.m_hWnd, nullptr);
+
+    CDialog missing(59999u);
+    EXPECT_EQ(missing.DoModal(), -1);
+    EXPECT_FALSE(missing.Create(59999u));
+}
+
+TEST(Dialogs, TheModulesTemplates) {
+    const struct {
+        UINT dialog;
+        int id;
+        const char *windowClass, *english, *swedish;
+    } controls[] = {
+        {IDD_ORVIK_PROPERTIES, 0, "#32770", "Properties", "Egenskaper"},
+        {IDD_ORVIK_PROPERTIES, IDC_ORVIK_GRID_PLACE, "Static", "", ""},
+        {IDD_ORVIK_PROPERTIES, IDOK, "Button", "OK", "OK"},
+        {IDD_ORVIK_PROPERTIES, IDC_ORVIK_CLOSE, "Button", "Close", "St\xE4ng"},
+        {IDD_ORVIK_PROGRESS, IDC_ORVIK_PROGRESS, "msctls_progress32", "", ""},
+        {IDD_ORVIK_PROGRESS, IDC_ORVIK_MESSAGE, "Static", "", ""},
+        {IDD_ORVIK_PROGRESS, IDC_ORVIK_MESSAGE2, "Static", "", ""},
+        {IDD_ORVIK_PROGRESS, IDC_ORVIK_PERCENT, "Static", "", ""},
+        {IDD_ORVIK_PROGRESS, IDC_ORVIK_BOTTOM, "Static", "", ""},
+        {IDD_ORVIK_PROGRESS, IDCANCEL, "Button", "Cancel", "Avbryt"},
+    };
+    for (const bool swedish : {false, true}) {
+        const TextLanguage chosen(swedish ? LANG_SWEDISH : LANG_ENGLISH);
+        for (const auto& c : controls) {
+            CDialog dialog;
+            ASSERT_TRUE(dialog.Create(c.dialog));
+            EXPECT_FALSE(dialog.IsWindowVisible());
+            const HWND control = c.id == 0 ? dialog.m_hWnd : ::GetDlgItem(dialog.m_hWnd, c.id);
+            ASSERT_NE(control, nullptr) << c.id;
+            char name[32], text[32];
+            ::GetClassNameA(control, name, sizeof name);
+            ::GetWindowTextA(control, text, sizeof text);
+            EXPECT_STRCASEEQ(name, c.windowClass) << c.id;
+            EXPECT_STREQ(text, swedish ? c.swedish : c.english) << c.id;
+            // Every control is whole within the dialog.
+            RECT client, place;
+            dialog.GetClientRect(&client);
+            ::GetWindowRect(control, &place);
+            ::MapWindowPoints(nullptr, dialog.m_hWnd, reinterpret_cast<POINT*>(&place), 2);
+            if (c.id != 0) {
+                EXPECT_GE(place.left, 0) << c.id;
+                EXPECT_LE(place.right, client.right) << c.id;
+                EXPECT_LE(place.bottom, client.bottom) << c.id;
+            }
+            dialog.DestroyWindow();
+        }
+    }
+}
