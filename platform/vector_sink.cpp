@@ -11,6 +11,18 @@ std::vector<VectorPoint> Middles(std::vector<VectorPoint> points) {
     for (VectorPoint& point : points) point.x += kMiddle, point.y += kMiddle;
     return points;
 }
+
+// A thin line ends before its last pixel, as it does among pixels: a tick would otherwise cross its axis. Its square cap reaches
+// half a pixel beyond its end. A line of one pixel keeps a trace of its direction, as viewers draw nothing without one.
+void LeaveOutLastPixel(std::vector<VectorPoint>& line) {
+    constexpr double kTrace = 0.01;
+    VectorPoint& end = line.back();
+    const VectorPoint& before = line[line.size() - 2];
+    const double dx = end.x - before.x, dy = end.y - before.y, length = std::max(std::abs(dx), std::abs(dy));
+    if (length == 0) return;
+    const double part = std::max(length - 1, kTrace) / length;
+    end = {before.x + dx * part, before.y + dy * part};
+}
 }  // namespace
 
 std::string VectorNumber(double value) {
@@ -83,7 +95,11 @@ void VectorSink::Line(const std::vector<VectorPoint>& points, const VectorPen& p
         PutRectangle(Between(middles[0], middles[2]), nullptr, &pen);
         return;
     }
-    if (closed) middles.pop_back();
+    if (closed) {
+        middles.pop_back();
+    } else if (pen.width <= 1 && pen.dashes.empty()) {
+        LeaveOutLastPixel(middles);
+    }
     PutLine(middles, closed, pen);
 }
 
