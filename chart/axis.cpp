@@ -9,7 +9,6 @@ namespace {
 constexpr LONG kDivisions = 10;
 
 bool Contains(const RECT& rect, POINT point) { return CRect(rect).PtInRect(point) != 0; }
-bool IsEmpty(const RECT& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
 
 }  // namespace
 
@@ -56,10 +55,9 @@ int CAxis::GetTotalDivisions() const {
 }
 
 RECT CAxis::GetBoundRect() const {
-    if (IsEmpty(m_dragRect)) return IsEmpty(m_areaRect) ? RECT{} : m_areaRect;
-    if (IsEmpty(m_areaRect)) return m_dragRect;
-    return {std::min(m_dragRect.left, m_areaRect.left), std::min(m_dragRect.top, m_areaRect.top),
-            std::max(m_dragRect.right, m_areaRect.right), std::max(m_dragRect.bottom, m_areaRect.bottom)};
+    CRect bound;
+    bound.UnionRect(&m_dragRect, &m_areaRect);
+    return bound;
 }
 
 CAxis::HITCODE CAxis::HitTest(POINT point) const {
