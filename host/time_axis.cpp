@@ -85,13 +85,23 @@ void CTimeAxis::RenderCalendar(CDC& dc, __int64 from, __int64 to) {
     const LONG least = bounded ? GetAreaRect().left : -orvik::AxisMapping::kFarthest;
     const LONG most = bounded ? GetAreaRect().right : orvik::AxisMapping::kFarthest;
     LONG free = least;
-    for (const __int64 time : inOrder) {
-        const std::string text = TimeLabel(step, time);
-        const LONG at = pixel(time), width = WidthOfText(dc, text);
-        // Within the area: beside it stand other axes' labels.
-        if (at - width / 2 < free || at + width / 2 > most) continue;
-        layout.labels.push_back({at, width, SecondsOf(time), text.c_str()});
-        free = at + width / 2 + kLabelGap;
+    for (size_t i = 0; i < inOrder.size(); ++i) {
+        const std::string text = TimeLabel(step, inOrder[i]);
+        const LONG at = pixel(inOrder[i]), width = WidthOfText(dc, text), half = width / 2;
+        // Within the area: beside it stand other axes' labels. One that would reach out of it stands at the axis's end instead,
+        // if that leaves the next one its place.
+        LONG middle = at;
+        if (at - half < least) {
+            middle = m_start + half;
+        } else if (at + half > most) {
+            middle = m_end - half;
+        }
+        if (middle - half < free || middle + half > most) continue;
+        if (middle > at && i + 1 < inOrder.size() &&
+            middle + half + kLabelGap > pixel(inOrder[i + 1]) - WidthOfText(dc, TimeLabel(step, inOrder[i + 1])) / 2)
+            continue;
+        layout.labels.push_back({middle, width, SecondsOf(inOrder[i]), text.c_str()});
+        free = middle + half + kLabelGap;
         layout.labelEnd = free;
     }
 
