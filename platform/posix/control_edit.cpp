@@ -157,6 +157,11 @@ private:
 
     const std::string& Value() const { return m_text.Text(); }
     bool Multiline() const { return (Style() & ES_MULTILINE) != 0; }
+    // The field of a combo box leaves the list's keys to it.
+    bool InComboBox() const {
+        char name[16] = "";
+        return GetClassNameA(Parent(), name, sizeof name) != 0 && lstrcmpiA(name, "ComboBox") == 0;
+    }
     bool ReadOnly() const { return (Style() & ES_READONLY) != 0; }
     bool Wraps() const { return Multiline() && (Style() & (ES_AUTOHSCROLL | WS_HSCROLL)) == 0; }
 
@@ -401,9 +406,14 @@ private:
                     MoveCaret(m_text.Next(caret, back, control), shift);
                 return 0;
             }
+            case VK_F4:
+                if (InComboBox()) SendMessageA(Parent(), WM_KEYDOWN, key, 1);
+                return 0;
             case VK_UP:
             case VK_DOWN:
-                if (Multiline())
+                if (InComboBox())
+                    SendMessageA(Parent(), WM_KEYDOWN, key, 1);
+                else if (Multiline())
                     MoveLines(key == VK_UP ? -1 : 1, shift);
                 else
                     MoveCaret(m_text.Next(caret, key == VK_UP, false), shift);

@@ -396,6 +396,10 @@ TEST_F(Combos, WithField) {
     SendMessageA(field, WM_CHAR, 'x', 1);
     EXPECT_EQ(Text(), "x");
     EXPECT_EQ(Told(), "update edit");
+    Send(CB_SETCURSEL, 0);
+    SendMessageA(field, WM_KEYDOWN, VK_DOWN, 1);  // the list's keys work in the field
+    EXPECT_EQ(Text(), "two");
+    EXPECT_NE(Told().find("change"), std::string::npos);
 }
 
 class ScrollBars : public ControlHost {};
