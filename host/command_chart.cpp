@@ -62,9 +62,12 @@ ExitCode RunChart(CHostApp&, const Words& words) {
     const Session session(db, path, 0);
     ChartModel model(session, arguments.All("--channel"));
     model.Load(db);
-    if (arguments.Has("--from") || arguments.Has("--to")) {
-        const __int64 from = arguments.Has("--from") ? TimeOf(arguments.Get("--from")) : model.First();
-        model.SetView(from, arguments.Has("--to") ? TimeOf(arguments.Get("--to")) : model.Last());
+    // An end that is not given is the session's, unless the other one lies beyond it: then there is nothing to show.
+    const bool from = arguments.Has("--from"), to = arguments.Has("--to");
+    if (from || to) {
+        const __int64 begin = from ? TimeOf(arguments.Get("--from")) : model.First();
+        const __int64 end = to ? TimeOf(arguments.Get("--to")) : std::max(model.Last(), begin + 1);
+        model.SetView(from ? begin : std::min(begin, end - 1), end);
     }
     const std::vector<std::string> tags = arguments.All("--tag");
     if (arguments.Has("--clear-tags")) model.ClearTags();
