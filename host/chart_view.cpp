@@ -67,6 +67,7 @@ ChartView::ChartView(ChartModel& model) : m_model(model), m_time(new CTimeAxis(m
         axis->AddRef();
         axis->SetUnit(ShortUnit(unit.text).c_str());
         axis->SetRange(unit.origin, unit.extent);
+        m_places.push_back(m_axes.size());
         m_axes.push_back(axis);
     }
 }
@@ -102,18 +103,20 @@ void ChartView::MeasureAndPlace(CDC& dc, const RECT& bounds) {
     sizes.line = m_line;
     sizes.titleLine = m_model.Title().empty() ? 0 : m_line * 4 / 3;
     sizes.subtitle = !TimeRange().empty();
-    for (const CUnitAxis* const axis : m_axes)
+    for (size_t i = 0; i < m_places.size(); ++i) {
+        const CUnitAxis* const axis = &AxisAt(i);
         sizes.axes.push_back(std::max<LONG>(WidestLabel(dc, *axis), dc.GetTextExtent(axis->GetUnit()).cx));
+    }
     for (const auto& series : m_model.AllSeries()) sizes.legend.push_back(WidthOfText(dc, series.name));
     sizes.timeLabel = WidthOfText(dc, "00:00:00");
     m_layout = LayoutChart(bounds, sizes);
 
     const RECT& plot = m_layout.plot;
-    for (size_t i = 0; i < m_axes.size(); ++i) {
+    for (size_t i = 0; i < m_places.size(); ++i) {
         const ChartLayout::Axis& place = m_layout.axes[i];
-        m_axes[i]->SetPosition(place.position, plot.top, plot.bottom - 1);
-        place.left ? m_axes[i]->SetAlignRight() : m_axes[i]->SetAlignLeft();
-        m_axes[i]->SetAreaRect(place.area);
+        AxisAt(i).SetPosition(place.position, plot.top, plot.bottom - 1);
+        place.left ? AxisAt(i).SetAlignRight() : AxisAt(i).SetAlignLeft();
+        AxisAt(i).SetAreaRect(place.area);
     }
     m_time->SetPosition(plot.bottom - 1, plot.left, plot.right - 1);
     m_time->SetAreaRect(m_layout.timeArea);
@@ -148,12 +151,12 @@ void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
 
 void ChartView::DrawAxes(CDC& dc) {
     const RECT& plot = m_layout.plot;
-    for (size_t i = 0; i < m_axes.size(); ++i) {
+    for (size_t i = 0; i < m_places.size(); ++i) {
         const ChartLayout::Axis& place = m_layout.axes[i];
         if (!place.shown) continue;
-        m_axes[i]->Render(&dc);
+        AxisAt(i).Render(&dc);
         // An axis that only one channel has shows that channel's colour.
-        const auto& series = m_model.Units()[i].series;
+        const auto& series = m_model.Units()[m_places[i]].series;
         if (series.size() != 1) continue;
         CPen pen(PS_SOLID, 2, ColourOf(m_model.AllSeries()[series.front()].number));
         CPen* const before = dc.SelectObject(&pen);
@@ -166,7 +169,7 @@ void ChartView::DrawAxes(CDC& dc) {
     // Beside the lines of the axes, not over them.
     CPen pen(PS_SOLID, 1, kRaster);
     const RECT inside = {plot.left + 1, plot.top, plot.right - 1, plot.bottom - 1};
-    if (!m_layout.axes.empty() && m_layout.axes.front().shown) m_axes.front()->DrawRaster(&dc, inside, pen);
+    if (!m_layout.axes.empty() && m_layout.axes.front().shown) AxisAt(0).DrawRaster(&dc, inside, pen);
     if (time) m_time->DrawRaster(&dc, inside, pen);
 }
 

@@ -21,12 +21,16 @@ public:
     ChartView(const ChartView&) = delete;
     ChartView& operator=(const ChartView&) = delete;
 
+    // The units in the order of their places, the first and the next to the plot's sides, and outwards: each once. As the model
+    // has them at first.
+    void SetPlaces(const std::vector<size_t>& units) { m_places = units; }
+
     // The DC's objects and modes come back as they were. Without a title where `bounds` is small, and so on: see ChartLayout.
     void Draw(CDC& dc, const RECT& bounds);
 
     CTimeAxis& TimeAxis() { return *m_time; }
     CUnitAxis& UnitAxis(size_t unit) { return *m_axes[unit]; }
-    const ChartLayout& Layout() const { return m_layout; }  // as last drawn
+    const ChartLayout& Layout() const { return m_layout; }  // as last drawn; its axes by their places
     // The frame of the tags, in which their places are told, and where one is drawn: within the plot as far as it fits.
     RECT TagFrame() const;
     RECT TagRect(const CFloatingTag& tag) const;
@@ -43,7 +47,9 @@ private:
     std::string TimeRange() const;
 
     ChartModel& m_model;
+    CUnitAxis& AxisAt(size_t place) const { return *m_axes[m_places[place]]; }
     std::vector<CUnitAxis*> m_axes;
+    std::vector<size_t> m_places;
     CTimeAxis* m_time;
     ChartLayout m_layout;
     LONG m_line = 0;
