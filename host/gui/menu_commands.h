@@ -1,0 +1,85 @@
+// What can be asked of the window: from its menu, by a shortcut, from a script by name. Pure tables; any thread.
+#pragma once
+
+#include <string_view>
+
+#include "host/texts.h"
+#include "platform/win32.h"
+
+enum CommandId : UINT {
+    kCommandNone = 0,
+    kCommandOpen = 100,
+    kCommandSave,
+    kCommandPicture,
+    kCommandStop,
+    kCommandExit,
+    kCommandUndo,
+    kCommandRedo,
+    kCommandAddTag,
+    kCommandEditTag,
+    kCommandRemoveTag,
+    kCommandResetAxis,
+    kCommandResetAll,
+    kCommandZoomIn,
+    kCommandZoomOut,
+    kCommandSelect,
+    kCommandZoomSelection,
+    kCommandRemoveSelection,
+    kCommandAbout,
+    kCommandChannels = 200,  // and the channels after it, in the session's order
+    kCommandPorts = 400,     // and the ports after it, in the order in which they were listed
+    kCommandEnd = 600
+};
+
+enum class MenuPlace { File, Edit, View, Help, None };
+
+struct MenuCommand {
+    CommandId id;
+    MenuPlace place;
+    bool afterLine;  // a separator stands before it
+    Text text;
+    const char* name;  // in scripts
+    WORD key;          // 0: no shortcut
+    bool control, shift;
+    const char* keyText;
+};
+
+inline constexpr MenuCommand kMenuCommands[] = {
+    {kCommandOpen, MenuPlace::File, false, Text::MenuOpen, "open", 'O', true, false, "Ctrl+O"},
+    {kCommandSave, MenuPlace::File, false, Text::MenuSave, "save", 'S', true, false, "Ctrl+S"},
+    {kCommandPicture, MenuPlace::File, false, Text::MenuPicture, "picture", 'P', true, false, "Ctrl+P"},
+    {kCommandStop, MenuPlace::File, true, Text::MenuStop, "stop", 'B', true, false, "Ctrl+B"},
+    {kCommandExit, MenuPlace::File, true, Text::MenuExit, "exit", 0, false, false, "Alt+F4"},
+    {kCommandUndo, MenuPlace::Edit, false, Text::MenuUndo, "undo", 'Z', true, false, "Ctrl+Z"},
+    {kCommandRedo, MenuPlace::Edit, false, Text::MenuRedo, "redo", 'Y', true, false, "Ctrl+Y"},
+    {kCommandAddTag, MenuPlace::Edit, true, Text::MenuAddTag, "add-tag", VK_INSERT, false, false, "Ins"},
+    {kCommandEditTag, MenuPlace::Edit, false, Text::MenuEditTag, "edit-tag", VK_F2, false, false, "F2"},
+    {kCommandRemoveTag, MenuPlace::Edit, false, Text::MenuRemoveTag, "remove-tag", 0, false, false, "Del"},
+    {kCommandZoomIn, MenuPlace::View, false, Text::MenuZoomIn, "zoom-in", 0, false, false, "+"},
+    {kCommandZoomOut, MenuPlace::View, false, Text::MenuZoomOut, "zoom-out", 0, false, false, "-"},
+    {kCommandResetAxis, MenuPlace::View, false, Text::MenuResetAxis, "reset-axis", 0, false, false, ""},
+    {kCommandResetAll, MenuPlace::View, false, Text::MenuResetAll, "reset-all", '0', true, false, "Ctrl+0"},
+    {kCommandSelect, MenuPlace::View, true, Text::MenuSelect, "select", 'R', true, false, "Ctrl+R"},
+    {kCommandZoomSelection, MenuPlace::View, false, Text::MenuZoomSelection, "zoom-selection", VK_RETURN, true, false,
+     "Ctrl+Enter"},
+    {kCommandRemoveSelection, MenuPlace::View, false, Text::MenuRemoveSelection, "remove-selection", 0, false, false, ""},
+    {kCommandAbout, MenuPlace::Help, false, Text::MenuAbout, "about", VK_F1, false, false, "F1"},
+};
+
+// By what a script calls it; kCommandNone for nothing.
+constexpr CommandId CommandNamed(std::string_view name) {
+    for (const MenuCommand& command : kMenuCommands) {
+        if (name == command.name) return command.id;
+    }
+    return kCommandNone;
+}
+
+constexpr CommandId CommandOfKey(WORD key, bool control, bool shift) {
+    for (const MenuCommand& command : kMenuCommands) {
+        if (command.key != 0 && command.key == key && command.control == control && command.shift == shift) return command.id;
+    }
+    return kCommandNone;
+}
+
+// A text as menus, titles and other parts of windows take it: in the house's character set.
+std::string HouseText(Text text, std::initializer_list<std::string_view> arguments = {});

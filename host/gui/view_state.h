@@ -1,0 +1,57 @@
+// Everything of a view that a user can change: a value that is taken from the view, compared, put back, and kept with a session.
+// The picture of a view follows from its state, its data and its size alone. Any thread.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/win32.h"
+#include "propdb/property_db_interface.h"
+
+struct ViewRange {
+    double origin = 0, extent = 0;
+    bool operator==(const ViewRange&) const = default;
+};
+
+// A range that a view can show: both ends finite, and so far apart that labels and pixels can still tell values between them.
+bool IsShowable(const ViewRange& range);
+
+struct ViewState {
+    struct Axis {
+        std::string unit;
+        std::optional<ViewRange> range;  // none: follows the data
+        bool operator==(const Axis&) const = default;
+    };
+    // A comment; its place in parts of the frame that all times and the plot's height make (see ChartModel).
+    struct Tag {
+        std::string text;
+        float left = 0, top = 0;
+        bool operator==(const Tag&) const = default;
+    };
+    // The selection that stays, in parts of the plot.
+    struct Selection {
+        double left = 0, top = 0, right = 0, bottom = 0;
+        bool operator==(const Selection&) const = default;
+    };
+
+    static constexpr LONG kStandardPane = 290;
+    // Tags' places are whole parts of this one, so that they are the same before and after they were stored.
+    static constexpr LONG kTagGrid = 1 << 20;
+
+    std::vector<Axis> axes;         // value axes, in their places from the plot outwards
+    std::optional<ViewRange> time;  // seconds since the first reading; none: follows the data
+    std::vector<Tag> tags;
+    std::optional<Selection> selection;
+    std::vector<std::string> hidden;  // names of channels that are not drawn
+    LONG pane = kStandardPane;        // pixels of the value list's width
+    std::vector<LONG> columns;        // pixels of its columns' widths
+
+    bool operator==(const ViewState&) const = default;
+
+    // The folder "View" of a session (docs/formats.md), without the tags, which are kept with the chart. Storing replaces it.
+    void Store(IPropertyDB& db) const;
+    // What is there replaces what this state holds; what is missing, damaged or beyond reason stays as it is. Axes of units that
+    // this state does not have are passed over, those that the folder lacks keep their order behind the others.
+    void Load(IPropertyDB& db);
+};
