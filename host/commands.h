@@ -16,5 +16,6 @@ ExitCode RunDownload(CHostApp& app, const Words& words);
 ExitCode RunShow(CHostApp& app, const Words& words);
 ExitCode RunChart(CHostApp& app, const Words& words);
 ExitCode RunDb(CHostApp& app, const Words& words);
+ExitCode RunScript(CHostApp& app, const Words& words);
 ExitCode RunVersion(CHostApp& app, const Words& words);
 ExitCode RunLocale(CHostApp& app, const Words& words);

@@ -41,7 +41,7 @@ std::vector<std::string> PluginLibrary::Folders() {
     const std::string chosen = Environment("ORVIK_PLUGINS");
     if (!chosen.empty()) return {chosen};
     const std::string program = ProgramFolder();
-    return {program + "/plugins", program + "/../lib/orvik/plugins"};
+    return {program + "/plugins", program + "/../plugins", program + "/../lib/orvik/plugins"};
 }
 
 ILoggerFamily* PluginLibrary::Find(const std::string& family) {

@@ -1,0 +1,204 @@
+#include "host/gui/chart_scene.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/gui/pane_font.h"
+
+namespace {
+constexpr LONG kGrid = ViewState::kTagGrid;
+constexpr LONG kZoomBand = 10;  // pixels from an axis's line outwards in which a drag selects an interval
+
+RECT Rect(LONG left, LONG top, LONG right, LONG bottom) { return {left, top, std::max(left, right), std::max(top, bottom)}; }
+
+RECT GridRect(const ViewState::Tag& tag) {
+    const LONG x = static_cast<LONG>(std::lround(static_cast<double>(tag.left) * kGrid)),
+               y = static_cast<LONG>(std::lround(static_cast<double>(tag.top) * kGrid));
+    return {x, y, x, y};
+}
+
+constexpr RECT kGridFrame = {0, 0, kGrid, kGrid};
+
+void SetTags(ChartModel& model, const ViewState& state) {
+    model.ClearTags();
+    for (const ViewState::Tag& tag : state.tags) model.Tags().CreateTag(kGridFrame, GridRect(tag))->SetText(tag.text.c_str());
+}
+
+}  // namespace
+
+ChartScene::~ChartScene() { Drop(); }
+
+ViewState ChartScene::StateOf(const Session& session, IPropertyDB& db) {
+    ViewState state;
+    for (const Session::Channel& channel : session.Channels()) {
+        const auto same = [&](const ViewState::Axis& axis) { return axis.unit == channel.unit; };
+        if (std::none_of(state.axes.begin(), state.axes.end(), same)) state.axes.push_back({channel.unit, std::nullopt});
+    }
+    ChartModel model(session, {});
+    model.Load(db);
+    for (INT_PTR i = 0; i < model.Tags().GetTagCount(); ++i) {
+        const CFloatingTag& tag = *model.Tags().GetTag(i);
+        RECT rect = {};
+        tag.GetRect(kGridFrame, rect);
+        state.tags.push_back({static_cast<const char*>(tag.GetText()), static_cast<float>(rect.left) / kGrid,
+                              static_cast<float>(rect.top) / kGrid});
+    }
+    state.Load(db);
+    return state;
+}
+
+void ChartScene::Store(const ViewState& state, const Session& session, IPropertyDB& db) {
+    ChartModel model(session, {});
+    model.Load(db);
+    SetTags(model, state);
+    model.Store(db);
+    state.Store(db);
+}
+
+void ChartScene::SetData(const Session* session, IPropertyDB* db) {
+    m_session = session;
+    m_db = db;
+    Rebuild();
+}
+
+void ChartScene::SetState(const ViewState& state) {
+    const auto sameUnit = [](const ViewState::Axis& a, const ViewState::Axis& b) { return a.unit == b.unit; };
+    const bool sameAxes = state.hidden == m_state.hidden &&
+                          std::equal(state.axes.begin(), state.axes.end(), m_state.axes.begin(), m_state.axes.end(), sameUnit);
+    m_state = state;
+    if (!sameAxes) Rebuild();
+}
+
+void ChartScene::Drop() {
+    ++m_generation;
+    for (INT_PTR i = 0; i < m_shown.GetSize(); ++i) m_shown[i]->Release();
+    m_shown.RemoveAll();
+    if (m_view != nullptr) m_view->TimeAxis().Release();
+    m_unitAt.clear();
+    m_stateAt.clear();
+    m_parts = {};
+    m_view.reset();
+    m_model.reset();
+}
+
+void ChartScene::Rebuild() {
+    Drop();
+    if (m_session == nullptr) return;
+    std::vector<std::string> shown;
+    for (const Session::Channel& channel : m_session->Channels()) {
+        if (std::find(m_state.hidden.begin(), m_state.hidden.end(), channel.key) == m_state.hidden.end())
+            shown.push_back(channel.key);
+    }
+    m_model = std::make_unique<ChartModel>(*m_session, shown);  // without any, all are shown
+    m_model->Load(*m_db);
+    m_view = std::make_unique<ChartView>(*m_model);
+    m_view->TimeAxis().AddRef();  // shown, as the others are once they are drawn
+    // Axes that the state does not know stand behind the others.
+    const auto& units = m_model->Units();
+    for (size_t i = 0; i < m_state.axes.size(); ++i) {
+        for (size_t unit = 0; unit < units.size(); ++unit) {
+            if (units[unit].text == m_state.axes[i].unit) m_unitAt.push_back(unit), m_stateAt.push_back(i);
+        }
+    }
+    m_view->SetPlaces(m_unitAt);
+}
+
+void ChartScene::ApplyTags() { SetTags(*m_model, m_state); }
+
+void ChartScene::ApplyRanges() {
+    const auto set = [](CUnitAxis& axis, const std::optional<ViewRange>& range, double origin, double extent) {
+        range ? axis.SetRange(range->origin, range->extent) : axis.SetRange(origin, extent);
+    };
+    CTimeAxis& time = m_view->TimeAxis();
+    set(time, m_state.time, time.SecondsOf(m_model->From()), time.SecondsOf(m_model->To()));
+    for (size_t i = 0; i < m_unitAt.size(); ++i) {
+        const ChartModel::Unit& unit = m_model->Units()[m_unitAt[i]];
+        set(m_view->UnitAxis(m_unitAt[i]), m_state.axes[m_stateAt[i]].range, unit.origin, unit.extent);
+    }
+}
+
+void ChartScene::Draw(CDC& dc, const RECT& bounds, Focus focus) {
+    if (m_view == nullptr) return;
+    m_bounds = bounds;
+    if (!m_live) ApplyRanges();
+    ApplyTags();  // drawing rounds their places to pixels
+    for (INT_PTR i = 0; i < m_model->Tags().GetTagCount(); ++i)
+        m_model->Tags().GetTag(i)->SetFocus(focus == Focus{Focus::Tag, static_cast<int>(i)});
+    m_view->Draw(dc, bounds);
+    FindParts();
+    if (m_parts.selected) m_parts.selection.Draw(&dc);
+    DrawFocus(dc, focus);
+}
+
+void ChartScene::FindParts() {
+    const ChartLayout& layout = m_view->Layout();
+    const RECT& plot = layout.plot;
+    m_parts = {};
+    m_parts.plot = plot;
+    m_parts.frame = m_view->TagFrame();
+
+    CTimeAxis& time = m_view->TimeAxis();
+    if (layout.timeArea.bottom > layout.timeArea.top) {
+        m_parts.time.zoom = Rect(plot.left, plot.bottom, plot.right, std::min(plot.bottom + kZoomBand, layout.timeArea.bottom));
+        m_parts.time.rubber = Rect(plot.left, m_parts.time.zoom.bottom, plot.right, layout.timeArea.bottom);
+    }
+    m_parts.time.mapping = time.GetMapping();
+    time.SetZoomRect(m_parts.time.zoom);
+    time.SetRubberRect(m_parts.time.rubber);
+
+    CTypedPtrArray<CPtrArray, CUnitAxis*> shown;
+    for (size_t i = 0; i < m_unitAt.size(); ++i) {
+        const ChartLayout::Axis& place = layout.axes[i];
+        if (!place.shown) continue;
+        CUnitAxis& axis = m_view->UnitAxis(m_unitAt[i]);
+        ViewParts::Axis part;
+        part.place = m_stateAt[i];
+        part.mapping = axis.GetMapping();
+        const RECT& area = place.area;
+        const LONG line = place.position;
+        part.zoom = place.left ? Rect(std::max(area.left, line - kZoomBand), plot.top, line + 1, plot.bottom)
+                               : Rect(line, plot.top, std::min(area.right, line + kZoomBand + 1), plot.bottom);
+        part.rubber = place.left ? Rect(area.left, plot.top, part.zoom.left, plot.bottom)
+                                 : Rect(part.zoom.right, plot.top, area.right, plot.bottom);
+        part.drag = Rect(area.left, std::min(area.top, plot.top), area.right, plot.top);
+        axis.SetZoomRect(part.zoom);
+        axis.SetRubberRect(part.rubber);
+        axis.SetDragRect(part.drag);
+        m_parts.axes.push_back(part);
+        // Whoever shows an axis holds it: that is how the drag tracker knows it for shown.
+        axis.AddRef();
+        shown.Add(&axis);
+    }
+    for (INT_PTR i = 0; i < m_shown.GetSize(); ++i) m_shown[i]->Release();
+    m_shown.Copy(shown);
+
+    for (INT_PTR i = 0; i < m_model->Tags().GetTagCount(); ++i)
+        m_parts.tags.push_back(m_view->TagRect(*m_model->Tags().GetTag(i)));
+    m_parts.selected = m_state.selection.has_value();
+    if (m_parts.selected) m_parts.selection.SetPosition(SelectionOf(*m_state.selection, plot));
+}
+
+void ChartScene::DrawFocus(CDC& dc, Focus focus) const {
+    RECT rect = {};
+    if (focus.kind == Focus::Axis) {
+        const ViewParts::Axis& axis = focus.index == kTimeAxis ? m_parts.time : m_parts.axes[static_cast<size_t>(focus.index)];
+        UnionRect(&rect, &axis.rubber, &axis.zoom);
+    } else if (focus.kind == Focus::Selection && m_parts.selected) {
+        rect = m_parts.selection.GetPosition();
+        InflateRect(&rect, 3, 3);
+    } else {
+        return;
+    }
+    dc.SetTextColor(RGB(0, 0, 0));
+    dc.SetBkColor(RGB(255, 255, 255));
+    dc.DrawFocusRect(&rect);
+}
+
+CUnitAxis& ChartScene::Axis(int index) {
+    if (index == kTimeAxis) return m_view->TimeAxis();
+    return *m_shown[index];
+}
+
+LOGFONTA ChartScene::LabelFont() const {
+    return PaneFont(ChartFontHeight(m_bounds.right - m_bounds.left, m_bounds.bottom - m_bounds.top));
+}

@@ -1,0 +1,65 @@
+// The chart of a session in a given state: what stands where, and its picture, which follows from session, state and size alone.
+// It owns the axes that trackers work on, and knows no window. User-interface thread. Session and database are the caller's, and
+// may change only right before SetData.
+#pragma once
+
+#include <memory>
+
+#include "afx/ptr_array.h"
+#include "host/chart_view.h"
+#include "host/gui/gesture.h"
+
+class ChartScene {
+public:
+    ChartScene() = default;
+    ~ChartScene();
+    ChartScene(const ChartScene&) = delete;
+    ChartScene& operator=(const ChartScene&) = delete;
+
+    // The state that a session's view begins with: its axes in the channels' order, its tags, and what it keeps of a view.
+    static ViewState StateOf(const Session& session, IPropertyDB& db);
+    // What StateOf takes, put back into the database.
+    static void Store(const ViewState& state, const Session& session, IPropertyDB& db);
+
+    // Null for no session.
+    void SetData(const Session* session, IPropertyDB* db);
+    void SetState(const ViewState& state);
+    bool HasData() const { return m_view != nullptr; }
+    // Another number whenever the axes are others than before.
+    int Generation() const { return m_generation; }
+
+    // While axes are live, their ranges are what the tracker made of them and not the state's.
+    void SetLive(bool live) { m_live = live; }
+    // Where everything lies is known afterwards, for the same size and state.
+    void Draw(CDC& dc, const RECT& bounds, Focus focus);
+    const ViewParts& Parts() const { return m_parts; }
+    // Labels are drawn with it.
+    LOGFONTA LabelFont() const;
+
+    // The axes shown, as the drag tracker has them: an exchange in the array is the wish to change places.
+    CTypedPtrArray<CPtrArray, CUnitAxis*>& ShownAxes() { return m_shown; }
+    CUnitAxis& Axis(int index);  // among the parts; kTimeAxis
+    ViewRange RangeOf(int index) { return {Axis(index).GetOrigin(), Axis(index).GetExtent()}; }
+    size_t PlaceOf(int index) const { return m_parts.axes[static_cast<size_t>(index)].place; }
+
+private:
+    void Rebuild();
+    void Drop();
+    void ApplyRanges();
+    void ApplyTags();
+    void FindParts();
+    void DrawFocus(CDC& dc, Focus focus) const;
+
+    const Session* m_session = nullptr;
+    IPropertyDB* m_db = nullptr;
+    ViewState m_state;
+    std::unique_ptr<ChartModel> m_model;
+    std::unique_ptr<ChartView> m_view;
+    std::vector<size_t> m_unitAt;  // of the view, by its place; and where that stands in the state
+    std::vector<size_t> m_stateAt;
+    CTypedPtrArray<CPtrArray, CUnitAxis*> m_shown;
+    ViewParts m_parts;
+    RECT m_bounds = {};
+    bool m_live = false;
+    int m_generation = 0;
+};

@@ -1,0 +1,15 @@
+// The system's questions for a file. House text. Nothing when the user gives up, and on a system that shows no dialogs, where
+// HasFileDialogs is false and paths come from the command line. User-interface thread; its messages are handled meanwhile.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/win32.h"
+
+bool HasFileDialogs();
+// `kinds` as pairs of a name and a pattern: "Sessions|*.odb;*.xml|All files|*.*".
+std::optional<std::string> AskFileToOpen(HWND owner, const std::string& title, const std::string& kinds);
+// `extension` without its dot is added to a name that has none.
+std::optional<std::string> AskFileToSave(HWND owner, const std::string& title, const std::string& kinds,
+                                         const std::string& extension, const std::string& suggestion);

@@ -1,0 +1,64 @@
+// OrvikHost: the reference host as a window. OrvikHost [FILE] opens a session; --port NAME [--logger FILE] [--interval SPAN]
+// connects and downloads into a new one. What cannot be done is told in a box.
+#include <new>
+
+#include "afx/exception.h"
+#include "comm/task.h"
+#include "host/arguments.h"
+#include "host/gui/main_window.h"
+#include "platform/arguments.h"
+
+namespace {
+constexpr SIZE kWindow = {1000, 640};
+constexpr DWORD kWeek = 7 * 86'400'000, kForEver = 100'000'000;
+
+std::string HouseWord(const char* word) {
+    std::string text(OrvikArgumentText(word, nullptr, 0), 0);
+    text.resize(OrvikArgumentText(word, text.data(), static_cast<DWORD>(text.size())));
+    return text;
+}
+
+void Tell(const std::string& sentence) {
+    std::string house;
+    if (!FromUtf8(sentence, house)) house = sentence;
+    ::MessageBoxA(nullptr, house.c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
+}
+
+int Run(CHostApp& app, const std::vector<std::string>& words) {
+    const Arguments arguments(words, {"--port", "--logger", "--interval", "--timeout"}, {}, 1);
+    MainWindow window(app, MainWindow::Manner::Interactive);
+    window.CreateWindowOf(kWindow, SW_SHOWNORMAL);
+    if (arguments.Count() > 0) window.Open(arguments.At(0, "FILE"));
+    if (arguments.Has("--port")) {
+        DownloadPlan plan;
+        plan.port = arguments.Get("--port");
+        plan.count = kForEver;
+        plan.interval = arguments.Milliseconds("--interval", 0, kWeek, plan.interval);
+        plan.timeout = arguments.Milliseconds("--timeout", 1, 600'000, plan.timeout);
+        window.Connect(arguments.Get("--logger"), plan);
+    }
+    OrvikShedule();  // from here on the scheduler comes by on its own
+    return app.Run();
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        std::vector<std::string> words;
+        for (int i = 1; i < argc; ++i) words.push_back(HouseWord(argv[i]));
+        CHostApp app;
+        return Run(app, words);
+    } catch (const Failure& failure) {
+        Tell(failure.sentence);
+        return failure.exitCode;
+    } catch (CException* failure) {
+        char text[512] = "";
+        failure->GetErrorMessage(text, sizeof text);
+        failure->Delete();
+        Tell(ToUtf8(text));
+        return kFileFailed;
+    } catch (const std::bad_alloc&) {
+        Tell(Say(Text::NoMemory));
+        return kFileFailed;
+    }
+}

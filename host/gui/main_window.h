@@ -1,0 +1,114 @@
+// The host's window: a chart, a split bar, a list of values, a menu and a line that says what can be done. User-interface thread.
+// The object outlives its window. What fails is told in a box, or in quiet mode, in which nobody is there to answer, kept for the
+// caller.
+#pragma once
+
+#include <deque>
+#include <memory>
+
+#include "host/gui/chart_window.h"
+#include "host/gui/live_download.h"
+#include "host/gui/value_pane.h"
+#include "host/host_app.h"
+
+class MainWindow : public CWnd, private PaneOwner, private LiveDownload::Listener {
+public:
+    enum class Manner {
+        Interactive,  // for a user: asks, tells, ends the program's message loop with the window
+        Quiet         // for a script
+    };
+
+    MainWindow(CHostApp& app, Manner manner);
+    ~MainWindow() override;
+
+    // Sizes are those of the client area. A Failure if the system makes no window.
+    void CreateWindowOf(SIZE client, int show);
+    void SetClientSize(SIZE client);
+
+    // Each is told to the user, or thrown on as a Failure in quiet mode; false then, or when the user gives up.
+    bool Open(const std::string& path);
+    bool SaveTo(const std::string& path);
+    bool SavePicture(const std::string& path);
+    bool Connect(const std::string& loggerFile, const DownloadPlan& plan);
+    bool Command(UINT command);
+
+    ViewDocument& Document() { return m_document; }
+    ChartWindow& Chart() { return m_chart; }
+    ValuePane& Pane() { return m_pane; }
+    bool IsDownloading() const { return m_download != nullptr && !m_download->IsOver(); }
+    bool IsDragging() const { return m_chart.IsDragging() || m_pane.IsDragging() || m_dragging; }
+    RECT BarRect() const;
+    RECT StatusRect() const;
+    void SetHint(const std::string& text) { ShowHint(text); }
+    // The text of a menu's item, and whether it can be chosen; for those who look at the menu.
+    std::string MenuText(UINT command) const;
+    bool CanCommand(UINT command) const;
+
+protected:
+    LRESULT OnPaintMessage(WPARAM, LPARAM);
+    LRESULT OnErase(WPARAM, LPARAM) { return 1; }
+    LRESULT OnSized(WPARAM, LPARAM);
+    LRESULT OnPress(WPARAM, LPARAM);
+    LRESULT OnPointer(WPARAM, LPARAM);
+    LRESULT OnCursor(WPARAM, LPARAM);
+    LRESULT OnKey(WPARAM, LPARAM);
+    LRESULT OnFocusGot(WPARAM, LPARAM);
+    LRESULT OnWheel(WPARAM, LPARAM);
+    LRESULT OnMenuCommand(WPARAM, LPARAM);
+    LRESULT OnMenuOpens(WPARAM, LPARAM);
+    LRESULT OnCloseWish(WPARAM, LPARAM);
+    LRESULT OnGone(WPARAM, LPARAM);
+    DECLARE_MESSAGE_MAP()
+
+private:
+    // PaneOwner
+    void Do(Text name, const ViewState& next) override;
+    void OnPaneKey(WORD key) override;
+    void ShowHint(const std::string& text) override;
+    void ShowContextMenu(POINT screen) override;
+    void OnDragEnd() override;
+    // LiveDownload::Listener
+    void OnReading(CVXTTime time, const CDoubleArray& values) override;
+    void OnDownloadEnd(const std::string& sentence) override;
+
+    template <class Work>
+    bool Try(Work work);
+    void Tell(const std::string& sentence);
+    void DocumentChanged();
+    void StateChanged();
+    void Layout();
+    LONG PaneWidth() const;
+    void SetPaneWidth(LONG width);
+    void NextPane(bool backwards);
+    void MakeMenu();
+    void UpdateMenu();
+    std::string ItemText(const MenuCommand& command) const;
+    void FillPorts(HMENU menu);
+    void FillChannels(HMENU menu);
+    void UpdateTitle();
+    void TakeReadings();
+    bool MayLeave();  // what is not saved is saved, or given up by the user
+    bool AskAndSave();
+    void AskAndOpen();
+    void AskAndSavePicture();
+    void ConnectTo(size_t port);
+
+    CHostApp& m_app;
+    const Manner m_manner;
+    ViewDocument m_document;
+    ChartWindow m_chart;
+    ValuePane m_pane;
+    std::unique_ptr<LiveDownload> m_download;
+    struct Reading {
+        CVXTTime time;
+        std::vector<double> values;
+    };
+    std::deque<Reading> m_readings;  // that a drag keeps waiting
+    std::vector<std::string> m_ports;
+    HMENU m_portMenu = nullptr, m_channelMenu = nullptr;
+    std::string m_hint, m_status;
+    bool m_dragging = false;
+    bool m_barFocus = false;
+    bool m_closing = false;
+    bool m_asking = false;
+};

@@ -1,0 +1,34 @@
+#include "host/gui/file_dialog.h"
+
+#include <algorithm>
+
+namespace {
+std::optional<std::string> Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEA), HWND owner, const std::string& title, std::string kinds,
+                               DWORD flags, const std::string& extension, const std::string& suggestion) {
+    std::replace(kinds.begin(), kinds.end(), '|', '\0');
+    kinds.append(2, '\0');
+    char path[4096] = {};
+    suggestion.copy(path, sizeof path - 1);
+    OPENFILENAMEA question = {};
+    question.lStructSize = sizeof question;
+    question.hwndOwner = owner;
+    question.lpstrTitle = title.c_str();
+    question.lpstrFilter = kinds.c_str();
+    question.lpstrFile = path;
+    question.nMaxFile = sizeof path;
+    question.lpstrDefExt = extension.empty() ? nullptr : extension.c_str();
+    question.Flags = flags | OFN_NOCHANGEDIR | OFN_HIDEREADONLY | OFN_EXPLORER;
+    return dialog(&question) ? std::optional<std::string>(path) : std::nullopt;
+}
+}  // namespace
+
+bool HasFileDialogs() { return true; }
+
+std::optional<std::string> AskFileToOpen(HWND owner, const std::string& title, const std::string& kinds) {
+    return Ask(GetOpenFileNameA, owner, title, kinds, OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST, {}, {});
+}
+
+std::optional<std::string> AskFileToSave(HWND owner, const std::string& title, const std::string& kinds,
+                                         const std::string& extension, const std::string& suggestion) {
+    return Ask(GetSaveFileNameA, owner, title, kinds, OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST, extension, suggestion);
+}

@@ -1,0 +1,388 @@
+// The window in use: gestures, commands, and what goes wrong in the middle of a drag. The same on both homes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <random>
+
+#include "host/database_file.h"
+#include "tests/host/gui/hands.h"
+
+void Hands::WriteSession(const std::string& path, int readings) {
+    CPropertyDB description, db;
+    const char* const channels[][2] = {{"Air",
+                                        "\xB0"
+                                        "C"},
+                                       {"Humidity", "%"},
+                                       {"Soil",
+                                        "\xB0"
+                                        "C"},
+                                       {"Wind", "km/h"}};
+    description.SetValue("sName", "Station");
+    for (int i = 0; i < 4; ++i) {
+        const std::string at = "Channels." + std::to_string(i + 1);
+        description.SetValue((at + ".sName").c_str(), channels[i][0]);
+        description.SetValue((at + ".sUnit").c_str(), channels[i][1]);
+    }
+    Session session(description, "COM1");
+    for (int i = 0; i < readings; ++i) {
+        CDoubleArray values;
+        for (int k = 0; k < 4; ++k) values.Add(10.0 * k + 5 * std::sin(i * 0.05 * (k + 1)) + 8);
+        __timeb64 stamp = {};
+        stamp.time = 1'767'260'000 + i * 60;
+        session.Add(CVXTTime(stamp), values);
+    }
+    session.Store(db);
+    db.BeginUsing("Chart.Tags.Comment #0");
+    db.SetValue("sText", "Rain");
+    db.SetValue("fLeft", 0.25f);
+    db.SetValue("fTop", 0.5f);
+    db.EndUsing();
+    StoreDatabase(path, db);
+}
+
+namespace {
+namespace fs = std::filesystem;
+
+// What a test does while a drag is under way: called by a timer, which the tracker's loop serves.
+std::function<void()> g_meanwhile;
+void CALLBACK Meanwhile(HWND, UINT, UINT_PTR id, DWORD) {
+    if (::GetCapture() == nullptr) return;  // it has not begun
+    ::KillTimer(nullptr, id);
+    if (const auto work = std::exchange(g_meanwhile, nullptr)) work();
+}
+
+class WindowTest : public testing::Test {
+protected:
+    WindowTest()
+        : path((fs::temp_directory_path() /
+                ("orvik-gui-" + std::to_string(::GetTickCount()) + std::to_string(reinterpret_cast<uintptr_t>(this)) + ".odb"))
+                   .string()) {
+        Hands::WriteSession(path);
+        hands.window->Open(path);
+        hands.Pump();
+    }
+    ~WindowTest() override {
+        hands.window.reset();
+        fs::remove(path);
+    }
+    // A drag in the middle of which `work` is done. It ends by itself, or `work` ends it.
+    void DragWhile(POINT a, POINT b, std::function<void()> work) {
+        g_meanwhile = std::move(work);
+        const UINT_PTR timer = ::SetTimer(nullptr, 0, 10, Meanwhile);
+        hands.Press(a, b);
+        hands.Pump();
+        ::KillTimer(nullptr, timer);
+        EXPECT_EQ(std::exchange(g_meanwhile, nullptr), nullptr) << "no drag at " << a.x << "," << a.y;
+        EXPECT_EQ(::GetCapture(), nullptr);
+    }
+    void Release(POINT at) { hands.Point(WM_LBUTTONUP, at); }
+    // A place of each part that can be dragged, and where to.
+    std::vector<std::pair<POINT, POINT>> Drags() {
+        const ViewParts& parts = hands.Parts();
+        std::vector<std::pair<POINT, POINT>> drags{{Hands::Middle(parts.plot), {parts.plot.left + 9, parts.plot.top + 9}},
+                                                   {Hands::Middle(parts.tags[0]), {parts.plot.right - 60, parts.plot.top + 30}},
+                                                   {Hands::Middle(hands.window->BarRect()), {350, 100}}};
+        for (const ViewParts::Axis* axis : {&parts.axes[0], &parts.axes[1], &parts.time}) {
+            for (const RECT* rect : {&axis->zoom, &axis->rubber, &axis->drag}) {
+                if (!::IsRectEmpty(rect)) drags.push_back({Hands::Middle(*rect), {rect->left + 2, rect->top + 2}});
+            }
+        }
+        drags.push_back({Hands::Middle(parts.axes[0].drag), Hands::Middle(parts.axes[1].drag)});
+        const RECT column = hands.window->Pane().ColumnRect(0), bar = hands.window->BarRect();
+        drags.push_back({{bar.right + column.right, 8}, {bar.right + column.right + 40, 8}});
+        return drags;
+    }
+
+    std::string path;
+    Hands hands;
+};
+
+TEST_F(WindowTest, EachGestureIsOneNamedStep) {
+    const ViewParts parts = hands.Parts();
+    const auto step = [&](Text name) {
+        EXPECT_TRUE(hands.History().CanUndo()) << Say(name);
+        if (!hands.History().CanUndo()) return;
+        EXPECT_EQ(Say(hands.History().UndoName()), Say(name));
+        const auto changed = hands.Pixels();
+        ASSERT_TRUE(hands.window->Command(kCommandUndo)) << Say(name);
+        EXPECT_FALSE(hands.History().CanUndo()) << Say(name);
+        EXPECT_NE(hands.Difference(hands.Pixels(), changed), "") << Say(name);
+        EXPECT_NE(hands.window->MenuText(kCommandRedo).find(HouseText(name)), std::string::npos);
+    };
+    const auto before = hands.Pixels();
+    const POINT middle = Hands::Middle(parts.plot), corner = {parts.plot.left + 20, parts.plot.top + 20};
+    const auto rubber = [&](int axis) {
+        return Hands::Middle(axis < 0 ? parts.time.rubber : parts.axes[static_cast<size_t>(axis)].rubber);
+    };
+
+    hands.Drag(corner, middle);
+    step(Text::StepZoom);
+    hands.Drag(corner, middle, true);
+    step(Text::StepSelect);
+    POINT at = Hands::Middle(parts.axes[0].zoom);
+    hands.Drag(at, {at.x, at.y + 50});
+    step(Text::StepZoomAxis);
+    for (const bool shift : {false, true}) {
+        for (const bool control : {false, true}) {
+            at = rubber(0);
+            hands.Drag(at, {at.x, at.y + 40}, shift, control);
+            step(Text::StepStretchAxis);
+            at = rubber(kTimeAxis);
+            hands.Drag(at, {at.x + 40, at.y}, shift, control);
+            step(Text::StepStretchAxis);
+        }
+    }
+    hands.Drag(Hands::Middle(parts.axes[0].drag), Hands::Middle(parts.axes[1].drag));
+    step(Text::StepSwapAxes);
+    at = Hands::Middle(parts.tags[0]);
+    hands.Drag(at, {at.x + 30, at.y - 20});
+    step(Text::StepMoveTag);
+    at = Hands::Middle(hands.window->BarRect());
+    hands.Drag(at, {at.x - 30, at.y});
+    step(Text::StepPane);
+    hands.DoubleClick(corner);
+    hands.Type("N\xE5got");
+    hands.Key(VK_RETURN);
+    EXPECT_EQ(hands.State().tags.back().text, "N\xE5got");
+    step(Text::StepAddTag);
+    hands.DoubleClick(Hands::Middle(parts.tags[0]));
+    hands.Type("!");
+    hands.Key(VK_RETURN);
+    EXPECT_EQ(hands.State().tags[0].text, "Rain!");
+    step(Text::StepEditTag);
+    hands.Point(WM_MOUSEWHEEL, middle, 2 * WHEEL_DELTA);
+    hands.Pump();
+    EXPECT_EQ(hands.State().time, std::nullopt);
+    step(Text::StepZoom);
+    hands.Hold(false, true, TRUE);
+    hands.Point(WM_MOUSEWHEEL, middle, -WHEEL_DELTA);
+    hands.Hold(false, true, FALSE);
+    hands.Pump();
+    EXPECT_NE(hands.State().time, std::nullopt);
+    EXPECT_EQ(hands.State().axes[0].range, std::nullopt);
+    step(Text::StepZoom);
+    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
+}
+
+TEST_F(WindowTest, TheKeyboardDoesWhatThePointerDoes) {
+    const auto before = hands.Pixels();
+    struct Case {
+        int tabs;
+        UINT key;
+        bool shift, control;
+        Text step;
+    };
+    // One Tab: the time axis; then three axes, the tag.
+    for (const Case& one : std::initializer_list<Case>{{0, VK_RIGHT, false, false, Text::StepPan},
+                                                       {0, VK_ADD, false, false, Text::StepZoom},
+                                                       {1, VK_LEFT, false, false, Text::StepPan},
+                                                       {1, VK_RIGHT, true, false, Text::StepStretchAxis},
+                                                       {2, VK_UP, false, true, Text::StepStretchAxis},
+                                                       {2, VK_SUBTRACT, false, false, Text::StepZoomAxis},
+                                                       {2, VK_NEXT, false, false, Text::StepSwapAxes},
+                                                       {5, VK_DOWN, false, false, Text::StepMoveTag},
+                                                       {5, VK_DELETE, false, false, Text::StepRemoveTag},
+                                                       {0, 'R', false, true, Text::StepSelect}}) {
+        hands.Key(VK_ESCAPE);
+        for (int i = 0; i < one.tabs; ++i) hands.Key(VK_TAB);
+        hands.Key(one.key, one.shift, one.control);
+        ASSERT_TRUE(hands.History().CanUndo()) << Say(one.step);
+        EXPECT_EQ(Say(hands.History().UndoName()), Say(one.step));
+        hands.Key('Z', false, true);
+        EXPECT_FALSE(hands.History().CanUndo());
+    }
+    hands.Key('Y', false, true);
+    ASSERT_TRUE(hands.State().selection);
+    hands.Key(VK_ESCAPE);
+    hands.Key(VK_TAB, true);  // backwards: the selection
+    hands.Key(VK_RIGHT);
+    hands.Key(VK_RETURN);
+    EXPECT_FALSE(hands.State().selection);
+    EXPECT_TRUE(hands.State().time);
+    hands.Key(VK_HOME);
+    EXPECT_FALSE(hands.State().time);
+    // F6: the bar, the list, and back.
+    hands.Key(VK_F6);
+    hands.Key(VK_LEFT);
+    EXPECT_EQ(hands.History().UndoName(), Text::StepPane);
+    hands.Key(VK_F6);
+    hands.Key(VK_RIGHT, true);
+    EXPECT_EQ(hands.History().UndoName(), Text::StepColumn);
+    hands.Key(VK_SPACE);
+    EXPECT_EQ(hands.State().hidden.size(), 1u);
+    hands.Key(VK_F6);
+    while (hands.History().CanUndo()) hands.Key('Z', false, true);
+    hands.Key(VK_ESCAPE);
+    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
+}
+
+TEST_F(WindowTest, ACancelledDragLeavesNothingBehind) {
+    const auto before = hands.Pixels();
+    for (const auto& [a, b] : Drags()) {
+        for (const bool key : {true, false}) {
+            hands.Press(a, b);
+            if (key) {
+                ::OrvikPostKey(hands.window->m_hWnd, VK_ESCAPE, TRUE);
+                ::OrvikPostKey(hands.window->m_hWnd, VK_ESCAPE, FALSE);
+            } else {
+                hands.Point(WM_RBUTTONDOWN, b);  // a second button
+                hands.Point(WM_RBUTTONUP, b);
+            }
+            hands.Point(WM_LBUTTONUP, b);
+            hands.Pump();
+            EXPECT_FALSE(hands.History().CanUndo()) << a.x << "," << a.y;
+            EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << a.x << "," << a.y;
+            EXPECT_EQ(::GetCapture(), nullptr);
+        }
+    }
+}
+
+TEST_F(WindowTest, WhatHappensInTheMiddleOfADragLeavesNoTrace) {
+    const auto before = hands.Pixels();
+    const auto undo = [&] {
+        while (hands.window->Command(kCommandUndo)) {
+        }
+    };
+    for (const auto& [a, b] : Drags()) {
+        const POINT end = b;
+        // The capture is lost: the drag ends where it is.
+        DragWhile(a, b, [] { ::ReleaseCapture(); });
+        Release(end);
+        undo();
+        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << "capture " << a.x << "," << a.y;
+        // A drag leaves the window, by far, and ends there.
+        DragWhile(a, b, [&] {
+            hands.Point(WM_MOUSEMOVE, {-3000, 20000});
+            hands.Point(WM_LBUTTONUP, {30000, -3000});
+        });
+        undo();
+        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << "far " << a.x << "," << a.y;
+        // Its axes go: the session's data come anew. Commands of the menu are refused meanwhile.
+        DragWhile(a, b, [&] {
+            EXPECT_FALSE(hands.window->Command(kCommandResetAll) || hands.window->Command(kCommandUndo));
+            hands.window->Chart().DataChanged();
+            Release(end);
+        });
+        undo();
+        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << "axes " << a.x << "," << a.y;
+        // The plot shrinks to nothing, and comes back.
+        DragWhile(a, b, [&] {
+            for (const SIZE small : {SIZE{3, 30}, SIZE{130, 30}, SIZE{200, 90}}) {
+                hands.window->SetClientSize(small);
+                hands.Pixels();
+            }
+            hands.window->SetClientSize({640, 420});
+            Release(end);
+        });
+        hands.Pump();
+        undo();
+        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << "size " << a.x << "," << a.y;
+    }
+}
+
+TEST_F(WindowTest, AWindowMayGoInTheMiddleOfADrag) {
+    const size_t count = Drags().size();
+    for (size_t i = 0; i < count; ++i) {
+        const auto [a, b] = Drags()[i];
+        DragWhile(a, b, [&] { hands.window->DestroyWindow(); });
+        EXPECT_EQ(hands.window->m_hWnd, nullptr);
+        hands.window.reset();
+        hands = Hands();
+        hands.window->Open(path);
+        hands.Pump();
+    }
+}
+
+TEST_F(WindowTest, ReadingsWaitForTheEndOfADrag) {
+    // A window without room: no part can be hit, nothing can be grabbed, and it survives.
+    hands.window->SetClientSize({1, 1});
+    hands.Drag({0, 0}, {50, 50});
+    hands.DoubleClick({0, 0});
+    for (const UINT key : {VK_ADD, VK_RIGHT, VK_TAB, VK_DOWN, VK_HOME, VK_INSERT, VK_RETURN}) hands.Key(key);
+    while (hands.History().Undo()) {
+    }
+}
+
+TEST_F(WindowTest, KeepsItsViewInTheSession) {
+    const ViewParts parts = hands.Parts();
+    hands.Drag(Hands::Middle(parts.plot), {parts.plot.right - 5, parts.plot.bottom - 5});
+    hands.Drag(Hands::Middle(parts.axes[0].drag), Hands::Middle(parts.axes[2].drag));
+    hands.Drag({hands.Parts().plot.left + 30, hands.Parts().plot.top + 30},
+               {hands.Parts().plot.left + 90, hands.Parts().plot.top + 90}, true);
+    hands.Key(VK_INSERT);
+    hands.Type("kept");
+    hands.Key(VK_RETURN);
+    hands.Drag(Hands::Middle(hands.window->BarRect()), {300, 100});
+    hands.window->Chart().SetFocusMark({});
+    const ViewState state = hands.State();
+    EXPECT_EQ(state.tags.size(), 2u);
+    EXPECT_TRUE(state.time && state.selection &&
+                state.axes[0].unit !=
+                    "\xB0"
+                    "C");
+    const auto picture = hands.Settled();
+    EXPECT_TRUE(hands.window->Document().IsModified());
+    ASSERT_TRUE(hands.window->SaveTo(path));
+    EXPECT_FALSE(hands.window->Document().IsModified());
+    hands.window.reset();
+    Hands again;
+    again.window->Open(path);
+    EXPECT_EQ(again.State(), state);
+    EXPECT_EQ(again.Difference(again.Settled(), picture), "");
+    EXPECT_FALSE(again.History().CanUndo());
+}
+
+TEST_F(WindowTest, AThousandGesturesUndoneGiveTheFirstPictureBack) {
+    const auto before = hands.Pixels();
+    std::mt19937 random(20261121);
+    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    const auto anywhere = [&] { return POINT{below(700) - 30, below(460) - 20}; };
+    constexpr UINT kKeys[] = {VK_TAB,    VK_LEFT,  VK_RIGHT, VK_UP,     VK_DOWN,  VK_ADD, VK_SUBTRACT, VK_HOME, VK_DELETE,
+                              VK_RETURN, VK_PRIOR, VK_NEXT,  VK_INSERT, VK_SPACE, VK_F6,  VK_ESCAPE,   VK_F2};
+    int cancels = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const int kind = below(20);
+        if (kind < 12) {
+            hands.Hold(kind % 4 == 1, kind % 4 == 2, TRUE);
+            const POINT a = anywhere(), b = anywhere();
+            hands.Press(a, b);
+            for (int k = below(3); k > 0; --k) hands.Point(WM_MOUSEMOVE, anywhere());
+            if (below(4) == 0) {
+                ++cancels;
+                below(2) == 0 ? void(::OrvikPostKey(hands.window->m_hWnd, VK_ESCAPE, TRUE)) : hands.Point(WM_RBUTTONDOWN, b);
+                ::OrvikPostKey(hands.window->m_hWnd, VK_ESCAPE, FALSE);
+                hands.Point(WM_RBUTTONUP, b);
+            }
+            hands.Point(WM_LBUTTONUP, b);
+            hands.Hold(kind % 4 == 1, kind % 4 == 2, FALSE);
+        } else if (kind < 14) {
+            hands.Hold(below(3) == 0, below(3) == 0, TRUE);
+            hands.Point(WM_MOUSEWHEEL, anywhere(), (below(7) - 3) * WHEEL_DELTA);
+            hands.Hold(true, true, FALSE);
+        } else if (kind < 15) {
+            hands.DoubleClick(anywhere());
+            hands.Type("text");
+            hands.Key(below(3) == 0 ? VK_ESCAPE : VK_RETURN);
+        } else if (kind < 19) {
+            hands.Key(kKeys[below(static_cast<int>(std::size(kKeys)))], below(4) == 0, below(4) == 0);
+        } else {
+            hands.window->Command(below(2) == 0 ? kCommandUndo : below(2) == 0 ? kCommandRedo : kCommandSelect);
+        }
+        hands.Pump();
+        ASSERT_EQ(::GetCapture(), nullptr) << i;
+    }
+    EXPECT_GT(cancels, 50);
+    hands.window->Chart().EndWriting(true);
+    const ViewState last = hands.State();
+    EXPECT_TRUE(hands.History().CanUndo());
+    const auto lastPicture = hands.Settled();
+    while (hands.window->Command(kCommandUndo)) {
+    }
+    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
+    while (hands.window->Command(kCommandRedo)) {
+    }
+    EXPECT_EQ(hands.State(), last);
+    EXPECT_EQ(hands.Difference(hands.Settled(), lastPicture), "");
+}
+}  // namespace
