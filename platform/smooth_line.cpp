@@ -4,11 +4,12 @@
 #include "platform/smooth_line_internal.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace orvik::detail {
 namespace {
-constexpr float kFar = 1e6f;
+constexpr float kFar = 1e6f, kWidest = 100;
 
 // The edge fades over one pixel; a line thinner than a pixel is one pixel wide and fainter.
 struct Width {
@@ -28,6 +29,29 @@ public:
         const float reach = m_width.reach;
         const int top = std::max(Floor(std::min(m_a.y, m_b.y) - reach), coverage.top);
         const int bottom = std::min(Ceil(std::max(m_a.y, m_b.y) + reach), coverage.top + coverage.height - 1);
+        if (m_a.x == m_b.x && m_length > 0) {
+            CoverUpright(coverage, top, bottom);
+        } else {
+            CoverRows(coverage, top, bottom);
+        }
+        return top <= bottom;
+    }
+
+private:
+    // A call of the library for each row would take longer than the row.
+    static int Floor(float value) {
+        const int whole = static_cast<int>(value);
+        return whole - (static_cast<float>(whole) > value ? 1 : 0);
+    }
+    static int Ceil(float value) { return -Floor(-value); }
+
+    static uint8_t* PixelAt(Coverage& coverage, int x, int y) {
+        return coverage.pixels.data() + static_cast<size_t>(y - coverage.top) * static_cast<size_t>(coverage.width) +
+               static_cast<size_t>(x - coverage.left);
+    }
+
+    void CoverRows(Coverage& coverage, int top, int bottom) const {
+        const float reach = m_width.reach;
         const float leftmost = std::min(m_a.x, m_b.x) - reach, rightmost = std::max(m_a.x, m_b.x) + reach;
         // The line without its ends crosses a row at a place that moves by `slope` from row to row, and is so wide along it.
         const bool crosses = std::abs(m_alongY) > 1e-3f;
@@ -41,28 +65,46 @@ public:
             const int left = std::max(Ceil(from), coverage.left), right = std::min(Floor(to), coverage.left + coverage.width - 1);
             if (left <= right) CoverRow(coverage, y, left, right);
         }
-        return top <= bottom;
     }
 
-private:
-    // A call of the library for each row would take longer than the row.
-    static int Floor(float value) {
-        const int whole = static_cast<int>(value);
-        return whole - (static_cast<float>(whole) > value ? 1 : 0);
+    // Long series are upright lines for the most part; between their ends every row of one is the same.
+    void CoverUpright(Coverage& coverage, int top, int bottom) const {
+        const int left = std::max(Ceil(m_a.x - m_width.reach), coverage.left),
+                  right = std::min(Floor(m_a.x + m_width.reach), coverage.left + coverage.width - 1);
+        if (left > right) return;
+        const int first = std::max(top, Ceil(std::min(m_a.y, m_b.y))), last = std::min(bottom, Floor(std::max(m_a.y, m_b.y)));
+        for (int y = top; y <= bottom; ++y) {
+            if (y >= first && y <= last) {
+                y = last;
+            } else {
+                CoverRow(coverage, y, left, right);
+            }
+        }
+        if (first > last) return;
+        std::array<uint8_t, static_cast<size_t>(kWidest) + 2> row{};
+        const int count = right - left + 1;
+        for (int i = 0; i < count; ++i) row[static_cast<size_t>(i)] = m_width.At(std::abs(static_cast<float>(left + i) - m_a.x));
+        uint8_t* pixel = PixelAt(coverage, left, first);
+        for (int y = first; y <= last; ++y, pixel += coverage.width) {
+            for (int i = 0; i < count; ++i) pixel[i] = std::max(pixel[i], row[static_cast<size_t>(i)]);
+        }
     }
-    static int Ceil(float value) { return -Floor(-value); }
 
     void CoverRow(Coverage& coverage, int y, int left, int right) const {
-        uint8_t* pixel = coverage.pixels.data() + static_cast<size_t>(y - coverage.top) * static_cast<size_t>(coverage.width) +
-                         static_cast<size_t>(left - coverage.left);
+        uint8_t* pixel = PixelAt(coverage, left, y);
         const float dy = static_cast<float>(y) - m_a.y;
+        const auto along = [&](int x) { return (static_cast<float>(x) - m_a.x) * m_alongX + dy * m_alongY; };
+        const auto aside = [&](int x) { return std::abs((static_cast<float>(x) - m_a.x) * m_alongY - dy * m_alongX); };
+        const float begin = along(left), end = along(right);
+        if (m_length > 0 && std::min(begin, end) >= 0 && std::max(begin, end) <= m_length) {
+            for (int x = left; x <= right; ++x, ++pixel) *pixel = std::max(*pixel, m_width.At(aside(x)));
+            return;
+        }
         for (int x = left; x <= right; ++x, ++pixel) {
-            const float dx = static_cast<float>(x) - m_a.x;
-            const float along = dx * m_alongX + dy * m_alongY, aside = std::abs(dx * m_alongY - dy * m_alongX);
-            const float beyond = along < 0 ? -along : along - m_length;
-            const float distance = m_length == 0 ? std::hypot(dx, dy)
-                                   : beyond <= 0 ? aside
-                                                 : std::sqrt(aside * aside + beyond * beyond);
+            const float at = along(x), beside = aside(x), beyond = at < 0 ? -at : at - m_length;
+            const float distance = m_length == 0 ? std::hypot(static_cast<float>(x) - m_a.x, dy)
+                                   : beyond <= 0 ? beside
+                                                 : std::sqrt(beside * beside + beyond * beyond);
             *pixel = std::max(*pixel, m_width.At(distance));
         }
     }
@@ -109,7 +151,16 @@ bool CoverSmoothLine(const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, 
     bool touched = false;
     for (const auto& piece : pieces) {
         if (piece.size() == 1) touched |= Segment(piece[0], piece[0], edges).Cover(coverage);
-        for (size_t i = 1; i < piece.size(); ++i) touched |= Segment(piece[i - 1], piece[i], edges).Cover(coverage);
+        for (size_t i = 1; i < piece.size(); ++i) {
+            ORVIK_CURVE_POINT a = piece[i - 1], b = piece[i];
+            // Up and down on one upright line, as the columns of long series go, is the line from the lowest to the highest.
+            if (a.x == b.x) {
+                if (b.y < a.y) std::swap(a.y, b.y);
+                for (; i + 1 < piece.size() && piece[i + 1].x == a.x; ++i)
+                    a.y = std::min(a.y, piece[i + 1].y), b.y = std::max(b.y, piece[i + 1].y);
+            }
+            touched |= Segment(a, b, edges).Cover(coverage);
+        }
     }
     return touched;
 }

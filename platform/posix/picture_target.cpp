@@ -193,11 +193,19 @@ DWORD BlendCoverage(HDC dc, const Coverage& coverage, COLORREF colour) {
             const uint8_t* alpha = coverage.pixels.data() + static_cast<ptrdiff_t>(y - top) * coverage.width - left;
             uint32_t* row = pixels.Row(y);
             for (int x = fromX; x < toX; ++x) {
+                // Most of the part is empty.
+                uint64_t some = 1;
+                while (x + static_cast<int>(sizeof some) <= toX && (std::memcpy(&some, alpha + x, sizeof some), some == 0))
+                    x += static_cast<int>(sizeof some);
+                if (x == toX) break;
                 if (alpha[x] == 0) continue;
-                uint32_t mixed = 0;
-                for (int shift = 0; shift < 24; shift += 8) {
-                    const uint32_t over = source >> shift & 0xFF, under = row[x] >> shift & 0xFF;
-                    mixed |= (over * alpha[x] + under * (255u - alpha[x]) + 127) / 255 << shift;
+                uint32_t mixed = source;
+                if (alpha[x] != 255) {
+                    mixed = 0;
+                    for (int shift = 0; shift < 24; shift += 8) {
+                        const uint32_t over = source >> shift & 0xFF, under = row[x] >> shift & 0xFF;
+                        mixed |= (over * alpha[x] + under * (255u - alpha[x]) + 127) / 255 << shift;
+                    }
                 }
                 row[x] = mixed;
             }

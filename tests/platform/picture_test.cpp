@@ -326,6 +326,25 @@ TEST_F(Picture, SmoothLinesCoverWhatTheyShould) {
     for (int x = 100; x < 200; ++x)
         EXPECT_EQ(image.At(x, 70), x >= 110 && x < 130 ? 0u : 0xFFFFFFu) << x;  // clipped, and moved by the origin
 
+    // Up and down over itself a line is what its parts are one by one.
+    const ORVIK_CURVE_POINT up[] = {{20.3f, 90.2f}, {20.3f, 30}, {20.3f, 60}, {20.3f, 10.6f},
+                                    {20.3f, 40},    {31, 80},    {31, 20},    {31, 95}};
+    const auto draw = [&](const char* name, bool apart) {
+        return ReadPng(Draw(name, 50, 100, [&](HDC dc) {
+            std::vector<ORVIK_CURVE_POINT> line;
+            for (size_t i = 0; i < std::size(up); ++i) {
+                if (apart && i > 0) line.insert(line.end(), {up[i - 1], up[i], {kNaN, kNaN}});
+                if (!apart) line.push_back(up[i]);
+            }
+            EXPECT_TRUE(OrvikSmoothPolyline(dc, line.data(), static_cast<int>(line.size()), 0, 1.3f));
+        }));
+    };
+    const PngImage whole = draw("whole.png", false), parts = draw("parts.png", true);
+    for (int y = 0; y < 100; ++y)
+        for (int x = 0; x < 50; ++x) EXPECT_NEAR(Grey(whole.At(x, y)), Grey(parts.At(x, y)), 1) << x << ' ' << y;
+    EXPECT_EQ(whole.At(31, 95), 0u);
+    EXPECT_NE(whole.At(20, 11), 0xFFFFFFu);
+
     const ORVIK_CURVE_POINT point = {0, 0};
     const HDC dc = OrvikBeginPicture(Path("x.png").c_str(), 5, 5);
     for (const float width : {0.0f, -1.0f, 101.0f, kNaN}) {
