@@ -40,7 +40,7 @@
 #define IDC_ORVIK_MESSAGE2 17120
 #define IDC_ORVIK_BOTTOM 17121
 
-/* Texts: 823 to 827 file copying, 828 to 838 protocol failures, 842 to 844 property list, 845 data exchange, 8083 floating tag. */
+/* Texts: 823 to 827 file copying, 828 to 838 protocol failures, 840 to 849 property list and data exchange, 8083 floating tag. */
 #define IDS_FILE_SAME 823
 #define IDS_FILE_NOT_COPIED 824
 #define IDS_FILE_ACCESS_DENIED 825
@@ -49,10 +49,16 @@
 #define IDS_COMM_FIRST 828
 #define IDS_COMM_UNKNOWN 838
 #define IDS_SPAN_ERROR 839
+#define IDS_YES 840
+#define IDS_NO 841
 #define IDS_PROPERTY 842
 #define IDS_VALUE 843
 #define IDS_PROPERTIES_OF 844
 #define IDS_NOT_WHOLE 845
+#define IDS_RESET 846
+#define IDS_EXPAND_ALL 847
+#define IDS_COLLAPSE_ALL 848
+#define IDS_BAD_COLOR 849
 #define IDS_LONG_MONTH 8000
 #define IDS_SHORT_MONTH 8012
 #define IDS_LONG_DAY 8024

@@ -72,6 +72,7 @@
 #define HTTRANSPARENT (-1)
 #define HTNOWHERE 0
 #define HTCLIENT 1
+#define HTCAPTION 2
 
 #define SM_CXSCREEN 0
 #define SM_CYSCREEN 1
