@@ -1,6 +1,7 @@
 #include "toolkit/progress_dlg.h"
 
 #include "res/ids.h"
+#include "toolkit/progress_rules_internal.h"
 
 using namespace orvik::detail;
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "toolkit/bcgp_dialog.h"
-#include "toolkit/progress_rules_internal.h"
+#include "toolkit/disabled_owner.h"
 
 // What the dialog is made with.
 struct CBCGPProgressDlgParams {

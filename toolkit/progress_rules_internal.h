@@ -28,16 +28,4 @@ ORVIK_API BOOL PumpProgressMessages(CWnd& dialog);
 // Shows a hidden dialog whose owner can be seen.
 ORVIK_API void ShowWithOwner(CWnd& dialog);
 
-// The window that is disabled while a progress dialog is open, so that the dialog behaves as a modal one.
-class ORVIK_API DisabledOwner {
-public:
-    // Nothing for null, and for a window that is disabled already.
-    void Disable(CWnd* owner);
-    void Enable();
-    bool Holds() const { return m_window != nullptr; }
-
-private:
-    HWND m_window = nullptr;
-};
-
 }  // namespace orvik::detail
