@@ -70,6 +70,9 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
+    // A notch of the wheel, or a key, narrows a range to 0.8 of its span, or widens it back.
+    static constexpr double kNarrower = 0.2, kWider = -0.25;
+
     class Drag;
     struct Picture {  // the window's pixels, so that what comes to light again needs no drawing
         CDC dc;
