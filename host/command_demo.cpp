@@ -1,4 +1,6 @@
 // demo: the main job on a simulated logger, with everything it leaves behind.
+#include <algorithm>
+#include <cmath>
 #include <thread>
 
 #include "host/arguments.h"
@@ -9,6 +11,7 @@
 #include "host/logger_file.h"
 #include "host/simulated_line.h"
 #include "host/texts.h"
+#include "host/value_text.h"
 
 namespace {
 void MakeFolder(const std::string& folder) {
@@ -34,6 +37,18 @@ private:
     SimulatedLine m_line;
     std::thread m_thread;
 };
+
+// A comment where the first channel is lowest, as somebody who looks at the chart might leave it: it hangs below the curve.
+void TagLowest(const Session& session, ChartModel& model) {
+    const Session::Channel& channel = session.Channels().front();
+    const double* const values = channel.values.GetData();
+    const double* const lowest = std::min_element(values, values + session.Count(),
+                                                  [](double a, double b) { return a < b || (std::isnan(b) && !std::isnan(a)); });
+    if (!std::isfinite(*lowest)) return;
+    std::string text;
+    if (!FromUtf8(Say(Text::Lowest, {ShortTextOf(*lowest), ToUtf8(channel.unit)}), text)) return;
+    model.AddTag(session.Times().GetAt(lowest - values), *lowest, text);
+}
 
 // The heading and the first and last few lines of a long table.
 std::string Shortened(const std::string& table) {
@@ -75,11 +90,13 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
     Session session(description, plan.port);
     const std::optional<Failure> ended = Download(app, description, plan, session);
     if (session.Count() > 0) {
+        ChartModel model(session, {});
+        TagLowest(session, model);
         CPropertyDB db;
         session.Store(db);
+        model.Store(db);
         StoreDatabase(folder + "/session.odb", db);
         StoreDatabase(folder + "/session.xml", db);
-        ChartModel model(session, {});
         WriteChart(model, folder + "/chart.png", {1600, 900});
     }
     const bool traced = app.StopTrace();

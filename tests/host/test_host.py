@@ -565,7 +565,12 @@ class Demo(HostTest):
         for name in ("chart.png", "session.odb", "session.xml", "trace.txt"):
             self.assertGreater((self.folder / "out" / name).stat().st_size, 500)
             self.assertIn("out/" + name, result.out)
-        self.assertEqual(len(self.readings("out/session.odb")), 81)
+        rows = self.readings("out/session.odb")
+        self.assertEqual(len(rows), 81)
+        # The comment where the first channel is lowest, as the chart shows it and the session keeps it.
+        comments = [line for line in self.host("db", "list", "out/session.odb").out.splitlines() if "Lowest: " in line]
+        self.assertEqual(len(comments), 1)
+        self.assertIn("Lowest: %.6g °C" % min(float(row[1]) for row in rows[1:]), comments[0])
         ElementTree.parse(io.StringIO((self.folder / "out" / "session.xml").read_bytes().decode("cp1252").replace("encoding=\"UTF-8\"", "")))
 
 
