@@ -8,6 +8,7 @@
 #include <new>
 #include <optional>
 
+#include "platform/file_replacement.h"
 #include "platform/picture_internal.h"
 #include "platform/png_writer_internal.h"
 

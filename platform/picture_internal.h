@@ -33,10 +33,6 @@ DWORD BlendCoverage(HDC dc, const Coverage& coverage, COLORREF colour);
 // Lets what the system may still hold back reach the pixels of every surface.
 void SettlePixels();
 
-// Puts `content` in the place of a file: written beside it, flushed, renamed. A Win32 code; the previous file stays on failure. A
-// symbolic link is followed, permissions are kept; a folder, a device and a file marked read-only are refused with 5.
-DWORD ReplaceWholeFile(const std::string& path, std::string_view content);
-
 // A memory DC over 32-bit pixels, top row first.
 class PixelSurface {
 public:

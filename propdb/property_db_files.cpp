@@ -1,18 +1,26 @@
 // Loading and storing files of either form; property_db_xml.cpp and property_db_archive.cpp know the forms.
 #include "afx/archive.h"
 #include "afx/exception.h"
+#include "platform/file_replacement.h"
 #include "propdb/block_file.h"
-#include "propdb/file_replacement.h"
 #include "propdb/property_db.h"
 #include "propdb/property_key.h"
 
 #include <exception>
 #include <string>
 
+using orvik::detail::FileReplacement;
 using orvik::detail::TextOrEmpty;
 
 namespace {
 constexpr int kArchiveBuffer = 4096;  // bytes
+
+// An open file that stays somebody else's to close.
+class LentFile : public CFile {
+public:
+    explicit LentFile(HANDLE file) : CFile(file) {}
+    ~LentFile() override { m_hFile = hFileNull; }
+};
 
 // Texts are compared by their ASCII letters, whatever the locale.
 bool HasXmlName(std::string_view path) {
@@ -70,9 +78,16 @@ BOOL CPropertyDB::StoreToFile(const char* path, int bIfModified) {
         const CString full = FullPath(path);
         CFileStatus status;
         if (bIfModified && !m_bModified && full == m_strFilePath && CFile::GetStatus(path, status)) return true;
-        orvik::detail::FileReplacement replacement(path);
-        if (!WriteForm(replacement.File(), HasXmlName(path))) return false;
-        replacement.Commit();
+        const auto check = [path](DWORD error) {
+            if (error != ERROR_SUCCESS) CFileException::ThrowOsError(static_cast<LONG>(error), path);
+        };
+        FileReplacement replacement;
+        check(replacement.Begin(path));
+        {
+            LentFile file(replacement.File());
+            if (!WriteForm(file, HasXmlName(path))) return false;
+        }
+        check(replacement.Commit());
         m_strFilePath = full;
         m_bModified = FALSE;
         return true;

@@ -10,7 +10,7 @@
 #include <fstream>
 #include <random>
 
-#include "platform/picture_internal.h"
+#include "platform/file_replacement.h"
 #include "tests/platform/png_reader.h"
 
 namespace fs = std::filesystem;

@@ -1,8 +1,9 @@
+#include "platform/file_replacement.h"
+
 #include <algorithm>
 #include <atomic>
+#include <utility>
 #include <vector>
-
-#include "platform/picture_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -39,12 +40,12 @@ void CopyPermissions(const std::string& from, const std::string& to) {
 
 // A new file in the target's folder; the error of the folder if there can be none.
 HANDLE OpenBeside(const std::string& target, std::string& name) {
-    static std::atomic<unsigned> s_count = 0;                                      // several threads may write pictures at once
+    static std::atomic<unsigned> s_count = 0;                                      // several threads may write files at once
     const std::string folder = target.substr(0, target.find_last_of("\\/:") + 1);  // npos + 1 is 0
     for (int attempt = 0;; ++attempt) {
         static const char kDigits[] = "0123456789abcdef";
         const unsigned number = static_cast<unsigned>(GetTickCount()) * 2654435761u + ++s_count;
-        name = folder + "~opf";
+        name = folder + "~orv";
         for (int shift = 28; shift >= 0; shift -= 4) name += kDigits[number >> shift & 15];
         name += ".tmp";
         const HANDLE handle =
@@ -55,40 +56,62 @@ HANDLE OpenBeside(const std::string& target, std::string& name) {
     }
 }
 
-DWORD WriteAndFlush(HANDLE handle, std::string_view content) {
+DWORD Write(HANDLE file, std::string_view content) {
     while (!content.empty()) {
         constexpr size_t kPart = 1 << 24;
         DWORD written = 0;
-        if (!WriteFile(handle, content.data(), static_cast<DWORD>(std::min(content.size(), kPart)), &written, nullptr))
+        if (!WriteFile(file, content.data(), static_cast<DWORD>(std::min(content.size(), kPart)), &written, nullptr))
             return GetLastError();
         if (written == 0) return ERROR_DISK_FULL;
         content.remove_prefix(written);
     }
-    return FlushFileBuffers(handle) ? ERROR_SUCCESS : GetLastError();
+    return ERROR_SUCCESS;
 }
 }  // namespace
 
-DWORD ReplaceWholeFile(const std::string& path, std::string_view content) {
-    std::string target = path;
-    const DWORD attributes = GetFileAttributesA(target.c_str());
-    const bool replaces = attributes != INVALID_FILE_ATTRIBUTES;
-    if (replaces) {
+FileReplacement::~FileReplacement() {
+    if (m_file == INVALID_HANDLE_VALUE) return;
+    Close();
+    DeleteFileA(m_new.c_str());
+}
+
+DWORD FileReplacement::Begin(std::string path) {
+    const DWORD attributes = GetFileAttributesA(path.c_str());
+    m_replaces = attributes != INVALID_FILE_ATTRIBUTES;
+    if (m_replaces) {
         if ((attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_READONLY)) != 0)
             return ERROR_ACCESS_DENIED;
-        target = FinalName(target);
-        if (target.empty()) return GetLastError();
+        path = FinalName(path);
+        if (path.empty()) return GetLastError();
     }
-    std::string beside;
-    const HANDLE handle = OpenBeside(target, beside);
-    if (handle == INVALID_HANDLE_VALUE) return GetLastError();
-    if (replaces) CopyPermissions(target, beside);
-    DWORD error = WriteAndFlush(handle, content);
-    if (!CloseHandle(handle) && error == ERROR_SUCCESS) error = GetLastError();
+    m_target = std::move(path);
+    m_file = OpenBeside(m_target, m_new);
+    if (m_file == INVALID_HANDLE_VALUE) return GetLastError();
+    if (m_replaces) CopyPermissions(m_target, m_new);
+    return ERROR_SUCCESS;
+}
+
+DWORD FileReplacement::Close() {
+    return CloseHandle(std::exchange(m_file, INVALID_HANDLE_VALUE)) ? ERROR_SUCCESS : GetLastError();
+}
+
+DWORD FileReplacement::Commit() {
+    DWORD error = FlushFileBuffers(m_file) ? ERROR_SUCCESS : GetLastError();
+    const DWORD unclosed = Close();
+    if (error == ERROR_SUCCESS) error = unclosed;
     // Where there was no file there must be none now: a link that leads nowhere, or somebody else's new file, is not ours to
     // replace.
-    const DWORD flags = MOVEFILE_WRITE_THROUGH | (replaces ? MOVEFILE_REPLACE_EXISTING : 0u);
-    if (error == ERROR_SUCCESS && !MoveFileExA(beside.c_str(), target.c_str(), flags)) error = GetLastError();
-    if (error != ERROR_SUCCESS) DeleteFileA(beside.c_str());
+    const DWORD flags = MOVEFILE_WRITE_THROUGH | (m_replaces ? MOVEFILE_REPLACE_EXISTING : 0u);
+    if (error == ERROR_SUCCESS && !MoveFileExA(m_new.c_str(), m_target.c_str(), flags)) error = GetLastError();
+    if (error != ERROR_SUCCESS) DeleteFileA(m_new.c_str());
+    return error;
+}
+
+DWORD ReplaceWholeFile(const std::string& path, std::string_view content) {
+    FileReplacement replacement;
+    DWORD error = replacement.Begin(path);
+    if (error == ERROR_SUCCESS) error = Write(replacement.File(), content);
+    if (error == ERROR_SUCCESS) error = replacement.Commit();
     return error;
 }
 }  // namespace orvik::detail
