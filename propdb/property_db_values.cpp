@@ -208,6 +208,8 @@ BOOL CPropertyDB::GetValue(const char* key, RECT& value) const {
 BOOL CPropertyDB::GetValue(const char* key, LOGFONTA& value) const {
     CByteArray array;
     if (!GetValue(key, array) || array.GetSize() != sizeof value) return FALSE;
-    std::memcpy(&value, array.GetData(), sizeof value);
+    BYTE bytes[sizeof value];
+    for (size_t i = 0; i < sizeof bytes; ++i) bytes[i] = array[static_cast<INT_PTR>(i)];
+    std::memcpy(&value, bytes, sizeof value);
     return TRUE;
 }

@@ -235,7 +235,7 @@ std::shared_ptr<const FontFace> FaceOf(const LOGFONTA& description) {
     static Cache* cache = new Cache;
     LOGFONTA key{};  // what follows the face's name does not count
     std::memcpy(&key, &description, offsetof(LOGFONTA, lfFaceName));
-    std::strncpy(key.lfFaceName, description.lfFaceName, LF_FACESIZE - 1);
+    std::memcpy(key.lfFaceName, description.lfFaceName, strnlen(description.lfFaceName, LF_FACESIZE - 1));
     const std::lock_guard guard(cache->lock);
     const auto found = std::find_if(cache->faces.begin(), cache->faces.end(), [&](const std::shared_ptr<const FontFace>& face) {
         return std::memcmp(&face->Font().asked, &key, sizeof key) == 0;
