@@ -15,34 +15,10 @@
 
 #include "platform/posix/draw.h"
 #include "platform/posix/paint.h"
+#include "platform/posix/pixel_region_internal.h"
 #include "platform/posix/text_draw.h"
 
 namespace orvik::detail {
-
-// A set of pixels: rectangles that do not overlap, sorted by rows and then columns, in bands of the same rows.
-class PixelRegion {
-public:
-    PixelRegion() = default;
-    PixelRegion(const RECT& rect);  // empty for an empty rectangle
-    // Of rectangles that are sorted and lie in bands of one height each already.
-    static PixelRegion FromSorted(std::vector<RECT> rects);
-
-    bool Empty() const { return m_rects.empty(); }
-    std::span<const RECT> Rects() const { return m_rects; }
-    RECT Box() const;  // 0, 0, 0, 0 when empty
-    bool Contains(int x, int y) const;
-    bool Touches(const RECT& rect) const;
-    void Offset(int dx, int dy);
-    // RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF: this region by the other. RGN_COPY: the other.
-    void Combine(const PixelRegion& other, int mode);
-    bool operator==(const PixelRegion& other) const;
-
-private:
-    std::vector<RECT> m_rects;
-};
-
-// NULLREGION, SIMPLEREGION or COMPLEXREGION.
-int LooksOf(const PixelRegion& region);
 
 // Pixels of an image: 0x00RRGGBB each, rows from the top `stride` pixels apart (negative in an image stored bottom up).
 struct PixelView {
@@ -136,14 +112,15 @@ public:
                        const PixelRegion& clip) = 0;
     // Pixels 0xAARRGGBB, not premultiplied, laid over what is there, stretched likewise.
     virtual void Overlay(const PixelView& source, const RECT& to, const PixelRegion& clip) = 0;
-    // A smooth (antialiased) line with round joins and ends, in a colour of its own; no raster operation.
-    virtual void SmoothLine(std::span<const CanvasPoint> points, double width, COLORREF color, const PixelRegion& clip) = 0;
 };
 
 // A document of one page. Drawing after Finish has no effect.
 class PageCanvas : public Canvas {
 public:
     bool IsPage() const override { return true; }
+    // A line that viewers show smooth (antialiased), with round joins and ends, in a colour of its own; no raster operation.
+    // Pixels are covered by who has them.
+    virtual void SmoothLine(std::span<const CanvasPoint> points, double width, COLORREF color, const PixelRegion& clip) = 0;
     // Ends the page and gives the document's bytes; false when it could not be made.
     virtual bool Finish(std::string& document) = 0;
 };

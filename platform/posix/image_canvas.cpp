@@ -20,11 +20,11 @@ constexpr int64_t kMostPixels = int64_t{1} << 28;
 // A cairo context over coverages of a part of the canvas, in the canvas's coordinates.
 class CoverageMask {
 public:
-    CoverageMask(const RECT& place, bool smooth) : m_place(place) {
+    explicit CoverageMask(const RECT& place) {
         m_surface = cairo_image_surface_create(CAIRO_FORMAT_A8, place.right - place.left, place.bottom - place.top);
         m_painter = cairo_create(m_surface);
         cairo_translate(m_painter, -place.left, -place.top);
-        cairo_set_antialias(m_painter, smooth ? CAIRO_ANTIALIAS_GRAY : CAIRO_ANTIALIAS_NONE);
+        cairo_set_antialias(m_painter, CAIRO_ANTIALIAS_NONE);
     }
     CoverageMask(const CoverageMask&) = delete;
     CoverageMask& operator=(const CoverageMask&) = delete;
@@ -39,10 +39,8 @@ public:
         return cairo_status(m_painter) == CAIRO_STATUS_SUCCESS ? cairo_image_surface_get_data(m_surface) : nullptr;
     }
     ptrdiff_t Stride() const { return cairo_image_surface_get_stride(m_surface); }
-    const RECT& Place() const { return m_place; }
 
 private:
-    const RECT m_place;
     cairo_surface_t* m_surface;
     cairo_t* m_painter;
 };
@@ -125,14 +123,14 @@ public:
         const RECT box = clip.Box();
         if (!IntersectRect(&seen, &place, &box)) return;
         if (inside != nullptr) {
-            CoverageMask mask(seen, false);
+            CoverageMask mask(seen);
             EllipsePath(mask.Painter(), rect.left, rect.top, rect.right, rect.bottom);
             cairo_fill(mask.Painter());
             if (const uint8_t* coverage = mask.Coverage())
                 raster::Mask(Pixels(), coverage, mask.Stride(), seen, raster::OpOf(rop2, PixelOf(Shown(inside->color))), clip);
         }
         if (outline != nullptr) {
-            CoverageMask mask(seen, false);
+            CoverageMask mask(seen);
             const double half = outline->width / 2.0;
             EllipsePath(mask.Painter(), rect.left + half, rect.top + half, rect.right - half, rect.bottom - half);
             SetPen(mask.Painter(), *outline);
@@ -168,33 +166,6 @@ public:
         raster::Overlay(Pixels(), source, to, clip);
     }
 
-    void SmoothLine(std::span<const CanvasPoint> points, double width, COLORREF color, const PixelRegion& clip) override {
-        if (points.empty()) return;
-        double left = points[0].x, top = points[0].y, right = left, bottom = top;
-        for (const CanvasPoint& point : points) {
-            left = std::min(left, point.x), right = std::max(right, point.x);
-            top = std::min(top, point.y), bottom = std::max(bottom, point.y);
-        }
-        const double reach = width / 2 + 1;
-        const auto whole = [](double value) { return static_cast<LONG>(std::clamp(value, -1e8, 1e8)); };
-        const RECT place = {whole(std::floor(left - reach)), whole(std::floor(top - reach)), whole(std::ceil(right + reach)),
-                            whole(std::ceil(bottom + reach))};
-        const RECT box = clip.Box();
-        RECT seen;
-        if (!IntersectRect(&seen, &place, &box)) return;
-        CoverageMask mask(seen, true);
-        cairo_t* painter = mask.Painter();
-        cairo_set_line_width(painter, width);
-        cairo_set_line_cap(painter, CAIRO_LINE_CAP_ROUND);
-        cairo_set_line_join(painter, CAIRO_LINE_JOIN_ROUND);
-        cairo_move_to(painter, points[0].x, points[0].y);
-        if (points.size() == 1) cairo_line_to(painter, points[0].x, points[0].y);
-        for (const CanvasPoint& point : points.subspan(1)) cairo_line_to(painter, point.x, point.y);
-        cairo_stroke(painter);
-        if (const uint8_t* coverage = mask.Coverage())
-            raster::Blend(Pixels(), coverage, mask.Stride(), seen, PixelOf(Shown(color)), clip);
-    }
-
 private:
     // Black and white pixels take the colour that is nearer.
     COLORREF Shown(COLORREF color) const {
@@ -220,7 +191,7 @@ private:
         const RECT box = clip.Box();
         RECT seen;
         if (!IntersectRect(&seen, &place, &box)) return;
-        CoverageMask mask(seen, false);
+        CoverageMask mask(seen);
         cairo_t* painter = mask.Painter();
         SetPen(painter, look);
         // An odd width has the named pixels in its middle, an even one their upper left corners.

@@ -168,13 +168,14 @@ void SettlePixels() {}  // drawing reaches the pixels at once
 
 BOOL KeepSmoothLine(HDC dc, const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, COLORREF colour, float width) {
     const auto target = TargetOf(dc);
-    if (!target || !target->canvas->IsPage()) return FALSE;
+    auto* page = target ? dynamic_cast<PageCanvas*>(target->canvas.get()) : nullptr;
+    if (page == nullptr) return FALSE;
     for (const auto& piece : pieces) {
         std::vector<CanvasPoint> points;
         for (const ORVIK_CURVE_POINT& point : piece)
             points.push_back(
                 {static_cast<double>(point.x) + target->offset.x + 0.5, static_cast<double>(point.y) + target->offset.y + 0.5});
-        target->canvas->SmoothLine(points, static_cast<double>(width), colour, target->clip);
+        page->SmoothLine(points, static_cast<double>(width), colour, target->clip);
     }
     return TRUE;
 }

@@ -9,8 +9,6 @@
 namespace orvik::detail {
 namespace {
 
-bool IsEmpty(const RECT& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
-
 // Joins the band that ends the list with the one before it where both have the same columns.
 void CloseBand(std::vector<RECT>& rects, size_t& lastBand, size_t band) {
     const size_t count = rects.size() - band;
@@ -48,8 +46,13 @@ bool Keeps(bool first, bool second, int mode) {
 
 }  // namespace
 
+RECT CommonRectangle(const RECT& a, const RECT& b) {
+    const RECT common{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
+    return IsEmptyRectangle(common) ? RECT{} : common;
+}
+
 PixelRegion::PixelRegion(const RECT& rect) {
-    if (!IsEmpty(rect)) m_rects.push_back(rect);
+    if (!IsEmptyRectangle(rect)) m_rects.push_back(rect);
 }
 
 PixelRegion PixelRegion::FromSorted(std::vector<RECT> rects) {

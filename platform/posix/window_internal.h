@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/area_internal.h"
 #include "platform/posix/input.h"
+#include "platform/posix/pixel_region_internal.h"
 #include "platform/posix/scroll.h"
 #include "platform/posix/wait_internal.h"
 
@@ -44,7 +44,7 @@ struct Window {
     std::vector<unsigned char> extra;
     std::shared_ptr<void> control;  // what a window of a system class keeps; ends without asking for the lock
 
-    Area update;  // what is to be painted, in client coordinates
+    PixelRegion update;  // what is to be painted, in client coordinates
     bool erase = false, internalPaint = false;
     std::shared_ptr<Canvas> canvas;  // of a top-level window that was drawn on
     std::vector<HDC> contexts;       // got from it and not yet released
@@ -121,16 +121,16 @@ Window* ContainerOf(
 void Unlink(Window& window);  // out of its container's order
 void Link(Window& window);    // into it: a child at the bottom, another window at the top
 Window& RootOf(Window& window);
-bool CanBeSeen(const Window& window);                                          // it and all above it are shown
-POINT OriginOf(const Window& window);                                          // its client area's corner on the desktop
-Area VisibleArea(const Window& window, bool clipChildren, bool clipSiblings);  // in the root's client coordinates
-bool IsBelow(const Window& window, HWND above);                                // or the window itself
+bool CanBeSeen(const Window& window);                                                   // it and all above it are shown
+POINT OriginOf(const Window& window);                                                   // its client area's corner on the desktop
+PixelRegion VisibleRegion(const Window& window, bool clipChildren, bool clipSiblings);  // in the root's client coordinates
+bool IsBelow(const Window& window, HWND above);                                         // or the window itself
 
 // Painting, under the kernel lock. Areas are in client coordinates.
-void InvalidateArea(Window& window, Area area, UINT redrawFlags);
-void ValidateArea(Window& window, const Area& area, UINT redrawFlags);
+void InvalidateRegion(Window& window, PixelRegion area, UINT redrawFlags);
+void ValidateRegion(Window& window, const PixelRegion& area, UINT redrawFlags);
 bool NextPaint(MessageQueue& queue, bool (*takes)(HWND window, const void* filter), const void* filter, HWND& out);
-Area AreaOfRegion(HRGN region);      // empty for a bad handle
+PixelRegion PixelsOf(HRGN region);   // empty for a bad handle
 void RefreshContexts(Window& root);  // gives every context below it the area that can be seen now
 void ResizeCanvas(Window& root);
 void DropContexts(Window& window);  // of a window that goes

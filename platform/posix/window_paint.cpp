@@ -15,19 +15,13 @@ struct Context {
     HWND window = nullptr;  // null for the desktop's
     DWORD flags = 0;        // DCX_CLIPCHILDREN, DCX_CLIPSIBLINGS
     bool limited = false;
-    Area limit;  // in the window's coordinates; for limited ones
+    PixelRegion limit;  // in the window's coordinates; for limited ones
 };
 
 // Under the kernel lock.
 std::map<HDC, Context>& Contexts() {
     static auto* contexts = new std::map<HDC, Context>;
     return *contexts;
-}
-
-PixelRegion RegionOf(const Area& area) {
-    PixelRegion region;
-    for (const RECT& part : area.Parts()) region.Combine(part, RGN_OR);
-    return region;
 }
 
 // A picture for who has nothing to draw on: what a context of no pixels measures by.
@@ -49,13 +43,13 @@ CanvasPlace PlaceOf(const Context& context) {
     const POINT own = OriginOf(*window), above = OriginOf(root);
     place.canvas = root.canvas;
     place.origin = {own.x - above.x, own.y - above.y};
-    Area seen = VisibleArea(*window, (context.flags & DCX_CLIPCHILDREN) != 0, (context.flags & DCX_CLIPSIBLINGS) != 0);
+    PixelRegion seen = VisibleRegion(*window, (context.flags & DCX_CLIPCHILDREN) != 0, (context.flags & DCX_CLIPSIBLINGS) != 0);
     if (context.limited) {
-        Area limit = context.limit;
-        limit.Move(place.origin.x, place.origin.y);
-        seen.Intersect(limit);
+        PixelRegion limit = context.limit;
+        limit.Offset(place.origin.x, place.origin.y);
+        seen.Combine(limit, RGN_AND);
     }
-    place.clip = RegionOf(seen);
+    place.clip = std::move(seen);
     return place;
 }
 
@@ -85,7 +79,7 @@ DWORD ClipFlagsOf(const Window& window) {
 }
 
 // Erases the area if that is due; whether the background is still to be erased.
-bool Erase(HWND handle, const Area& area) {
+bool Erase(HWND handle, const PixelRegion& area) {
     HDC dc = nullptr;
     {
         const std::lock_guard kernel(KernelLock());
@@ -138,12 +132,9 @@ std::vector<HWND> OwnWindowsIn(HWND handle) {
 }
 }  // namespace
 
-Area AreaOfRegion(HRGN region) {
-    Area area;
-    if (const auto found = FindGdi<RegionObject>(region, OBJ_REGION)) {
-        for (const RECT& part : found->pixels.Rects()) area.Add(part);
-    }
-    return area;
+PixelRegion PixelsOf(HRGN region) {
+    const auto found = FindGdi<RegionObject>(region, OBJ_REGION);
+    return found == nullptr ? PixelRegion() : found->pixels;
 }
 
 void RefreshContexts(Window& root) {
@@ -179,7 +170,7 @@ void DropContexts(Window& window) {
 
 void EraseNow(HWND handle) {
     for (const HWND each : OwnWindowsIn(handle)) {
-        Area area;
+        PixelRegion area;
         {
             const std::lock_guard kernel(KernelLock());
             Window* window = FindWindowOf(each);
@@ -215,7 +206,7 @@ HDC BeginPaint(HWND handle, LPPAINTSTRUCT paint) {
     }
     *paint = {};
     bool erase = false;
-    Area area;
+    PixelRegion area;
     {
         const std::lock_guard kernel(KernelLock());
         Window* window = FindWindowOf(handle);
@@ -225,12 +216,12 @@ HDC BeginPaint(HWND handle, LPPAINTSTRUCT paint) {
         }
         area = window->update;
         erase = window->erase && !area.Empty();
-        window->update.Clear();
+        window->update = {};
         window->erase = window->internalPaint = false;
         paint->hdc = OpenContext({handle, ClipFlagsOf(*window), true, area});
     }
     if (paint->hdc == nullptr) return nullptr;
-    paint->rcPaint = area.Bounds();
+    paint->rcPaint = area.Box();
     // Children that the erased background lies upon are painted after it.
     if (erase) paint->fErase = SendMessageA(handle, WM_ERASEBKGND, reinterpret_cast<WPARAM>(paint->hdc), 0) == 0;
     return paint->hdc;
@@ -244,8 +235,8 @@ BOOL EndPaint(HWND, const PAINTSTRUCT* paint) {
 }
 
 HDC GetDCEx(HWND handle, HRGN region, DWORD flags) {
-    Area limit;
-    if (region != nullptr) limit = AreaOfRegion(region);
+    PixelRegion limit;
+    if (region != nullptr) limit = PixelsOf(region);
     HDC dc = nullptr;
     {
         const std::lock_guard kernel(KernelLock());
@@ -258,8 +249,8 @@ HDC GetDCEx(HWND handle, HRGN region, DWORD flags) {
                 return nullptr;
             }
             if ((flags & DCX_EXCLUDERGN) != 0) {
-                Area rest(window->Client());
-                rest.Subtract(limit);
+                PixelRegion rest(window->Client());
+                rest.Combine(limit, RGN_DIFF);
                 limit = std::move(rest);
             }
             dc = OpenContext({handle, flags, (flags & (DCX_INTERSECTRGN | DCX_EXCLUDERGN)) != 0, std::move(limit)});
@@ -286,7 +277,7 @@ int ReleaseDC(HWND, HDC dc) {
 }
 
 int GetUpdateRgn(HWND handle, HRGN region, BOOL erase) {
-    Area area;
+    PixelRegion area;
     {
         const std::lock_guard kernel(KernelLock());
         const Window* window = FindWindowOf(handle);
@@ -301,9 +292,9 @@ int GetUpdateRgn(HWND handle, HRGN region, BOOL erase) {
         SetLastError(ERROR_INVALID_HANDLE);
         return 0;
     }
-    found->pixels = RegionOf(area);
+    found->pixels = area;
     if (erase && !area.Empty()) EraseNow(handle);
-    return area.Empty() ? NULLREGION : found->pixels.Rects().size() == 1 ? SIMPLEREGION : COMPLEXREGION;
+    return LooksOf(area);
 }
 
 int ScrollWindowEx(HWND handle, int dx, int dy, LPCRECT scroll, LPCRECT clip, HRGN updateRegion, LPRECT update, UINT flags) {
@@ -313,40 +304,41 @@ int ScrollWindowEx(HWND handle, int dx, int dy, LPCRECT scroll, LPCRECT clip, HR
     const RECT bounds = clip != nullptr ? CommonRectangle(*clip, area) : area;
     // What can be copied is what is seen and stays within the bounds.
     const RECT to = CommonRectangle(bounds, Moved(bounds, dx, dy));
-    Area shown(bounds), copied, fresh;
+    PixelRegion shown(bounds), copied, fresh;
     {
         const std::lock_guard kernel(KernelLock());
         Window* window = FindWindowOf(handle);
         if (window == nullptr) return 0;
         const DWORD clipping = (flags & SW_SCROLLCHILDREN) != 0 ? 0 : ClipFlagsOf(*window) & DCX_CLIPCHILDREN;
-        shown = VisibleArea(*window, clipping != 0, true);
+        shown = VisibleRegion(*window, clipping != 0, true);
         const POINT own = OriginOf(*window), above = OriginOf(RootOf(*window));
-        shown.Move(above.x - own.x, above.y - own.y);
+        shown.Offset(above.x - own.x, above.y - own.y);
         copied = shown;
-        copied.Intersect(bounds);
-        copied.Move(dx, dy);
-        copied.Intersect(shown);
-        copied.Intersect(to);
+        copied.Combine(bounds, RGN_AND);
+        copied.Offset(dx, dy);
+        copied.Combine(shown, RGN_AND);
+        copied.Combine(to, RGN_AND);
         // What waits to be painted moves along.
-        Area waiting = window->update;
-        waiting.Intersect(bounds);
-        waiting.Move(dx, dy);
-        waiting.Intersect(to);
-        window->update.Add(waiting);
+        PixelRegion waiting = window->update;
+        waiting.Combine(bounds, RGN_AND);
+        waiting.Offset(dx, dy);
+        waiting.Combine(to, RGN_AND);
+        window->update.Combine(waiting, RGN_OR);
         fresh = shown;
-        fresh.Intersect(bounds);
-        fresh.Subtract(copied);
+        fresh.Combine(bounds, RGN_AND);
+        fresh.Combine(copied, RGN_DIFF);
     }
     const HDC dc = GetDC(handle);
-    for (const RECT& part : copied.Parts().size() == 1 ? copied.Parts() : std::vector<RECT>{}) {
+    if (copied.Rects().size() == 1) {
+        const RECT part = copied.Box();
         BitBlt(dc, part.left, part.top, part.right - part.left, part.bottom - part.top, dc, part.left - dx, part.top - dy,
                SRCCOPY);
     }
     ReleaseDC(handle, dc);
     // A picture in pieces may overlap itself; that is painted rather than copied.
-    if (copied.Parts().size() > 1) {
+    if (copied.Rects().size() > 1) {
         fresh = shown;
-        fresh.Intersect(bounds);
+        fresh.Combine(bounds, RGN_AND);
     }
     if ((flags & SW_SCROLLCHILDREN) != 0) {
         std::vector<std::pair<HWND, RECT>> moves;
@@ -363,15 +355,15 @@ int ScrollWindowEx(HWND handle, int dx, int dy, LPCRECT scroll, LPCRECT clip, HR
         for (const auto& [child, place] : moves)
             SetWindowPos(child, nullptr, place.left + dx, place.top + dy, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     }
-    if (update != nullptr) *update = fresh.Bounds();
+    if (update != nullptr) *update = fresh.Box();
     if (const auto found = updateRegion == nullptr ? nullptr : FindGdi<RegionObject>(updateRegion, OBJ_REGION))
-        found->pixels = RegionOf(fresh);
+        found->pixels = fresh;
     if ((flags & (SW_INVALIDATE | SW_ERASE)) != 0) {
         const std::lock_guard kernel(KernelLock());
         if (Window* window = FindWindowOf(handle))
-            InvalidateArea(*window, fresh, RDW_INVALIDATE | ((flags & SW_ERASE) != 0 ? RDW_ERASE : 0));
+            InvalidateRegion(*window, fresh, RDW_INVALIDATE | ((flags & SW_ERASE) != 0 ? RDW_ERASE : 0));
     }
-    return fresh.Empty() ? NULLREGION : fresh.Parts().size() == 1 ? SIMPLEREGION : COMPLEXREGION;
+    return LooksOf(fresh);
 }
 
 BOOL ScrollWindow(HWND window, int dx, int dy, LPCRECT scroll, LPCRECT clip) {

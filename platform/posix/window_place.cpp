@@ -31,11 +31,11 @@ bool Reorder(Window& window, HWND after) {
 }
 
 // What lies around a window that changed is painted anew: `uncovered` in the parent's coordinates, without the siblings above.
-void InvalidateAround(const Window& window, const Area& uncovered, bool erase) {
+void InvalidateAround(const Window& window, const PixelRegion& uncovered, bool erase) {
     if ((window.style & WS_CHILD) == 0) return;
     Window* parent = FindWindowOf(window.parent);
     if (parent == nullptr) return;
-    InvalidateArea(*parent, uncovered, RDW_INVALIDATE | (erase ? RDW_ERASE : 0) | RDW_ALLCHILDREN);
+    InvalidateRegion(*parent, uncovered, RDW_INVALIDATE | (erase ? RDW_ERASE : 0) | RDW_ALLCHILDREN);
 }
 
 // Carries out what `pos` says and tells in its flags what came of it.
@@ -64,24 +64,24 @@ bool ApplyPlace(Window& window, WINDOWPOS& pos) {
     const bool isSeen = CanBeSeen(window);
     if ((pos.flags & SWP_NOREDRAW) == 0) {
         if (wasSeen && (!isSeen || moved || sized)) {
-            Area left(before);
-            if (isSeen) left.Subtract(after);
+            PixelRegion left(before);
+            if (isSeen) left.Combine(after, RGN_DIFF);
             InvalidateAround(window, left, true);
         }
         const UINT anew = window.windowClass->info.style;
-        Area todo;
+        PixelRegion todo;
         if (isSeen && (!wasSeen || (child && moved) || ordered || (pos.flags & (SWP_NOCOPYBITS | SWP_FRAMECHANGED)) != 0 ||
                        (after.right - after.left != before.right - before.left && (anew & CS_HREDRAW) != 0) ||
                        (after.bottom - after.top != before.bottom - before.top && (anew & CS_VREDRAW) != 0))) {
-            todo.Add(window.Client());
+            todo = window.Client();
         } else if (isSeen && sized) {
-            todo.Add(window.Client());
-            todo.Subtract({0, 0, before.right - before.left, before.bottom - before.top});
+            todo = window.Client();
+            todo.Combine(RECT{0, 0, before.right - before.left, before.bottom - before.top}, RGN_DIFF);
         }
-        if (child || sized || !wasSeen) InvalidateArea(window, todo, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+        if (child || sized || !wasSeen) InvalidateRegion(window, todo, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
     }
-    if (sized) window.update.Intersect(window.Client());
-    if (!isSeen) window.update.Clear();
+    if (sized) window.update.Combine(window.Client(), RGN_AND);
+    if (!isSeen) window.update = {};
     return true;
 }
 }  // namespace

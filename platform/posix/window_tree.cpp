@@ -56,25 +56,25 @@ bool IsBelow(const Window& window, HWND above) {
     return false;
 }
 
-Area VisibleArea(const Window& window, bool clipChildren, bool clipSiblings) {
-    Area area;
+PixelRegion VisibleRegion(const Window& window, bool clipChildren, bool clipSiblings) {
+    PixelRegion area;
     if (!CanBeSeen(window)) return area;
-    area.Add(window.Client());
+    area.Combine(window.Client(), RGN_OR);
     if (clipChildren) {
         for (const HWND child : window.children) {
             const Window* each = FindWindowOf(child);
-            if (each != nullptr && (each->style & WS_VISIBLE) != 0) area.Subtract(each->rectangle);
+            if (each != nullptr && (each->style & WS_VISIBLE) != 0) area.Combine(each->rectangle, RGN_DIFF);
         }
     }
     for (const Window* at = &window; (at->style & WS_CHILD) != 0; at = FindWindowOf(at->parent), clipSiblings = true) {
         const Window* parent = FindWindowOf(at->parent);
-        area.Move(at->rectangle.left, at->rectangle.top);
-        area.Intersect(parent->Client());
+        area.Offset(at->rectangle.left, at->rectangle.top);
+        area.Combine(parent->Client(), RGN_AND);
         if (!clipSiblings || (at != &window && (at->style & WS_CLIPSIBLINGS) == 0)) continue;
         for (const HWND sibling : parent->children) {
             if (sibling == at->handle) break;
             const Window* above = FindWindowOf(sibling);
-            if (above != nullptr && (above->style & WS_VISIBLE) != 0) area.Subtract(above->rectangle);
+            if (above != nullptr && (above->style & WS_VISIBLE) != 0) area.Combine(above->rectangle, RGN_DIFF);
         }
     }
     return area;

@@ -8,7 +8,7 @@
 namespace orvik::detail {
 namespace {
 // The part of a window that its ancestors leave of it, in its own coordinates. What lies upon it does not count: that may go.
-Area Within(const Window& window) {
+PixelRegion Within(const Window& window) {
     RECT rest = window.Client();
     LONG dx = 0, dy = 0;
     for (const Window* at = &window; (at->style & WS_CHILD) != 0; at = FindWindowOf(at->parent)) {
@@ -16,7 +16,7 @@ Area Within(const Window& window) {
         dy -= at->rectangle.top;
         rest = CommonRectangle(rest, Moved(FindWindowOf(at->parent)->Client(), dx, dy));
     }
-    return Area(rest);
+    return rest;
 }
 
 bool TakesChildren(const Window& window, UINT flags) {
@@ -47,13 +47,13 @@ bool SearchSeen(Window& top, See see) {
 }
 }  // namespace
 
-void InvalidateArea(Window& window, Area area, UINT flags) {
+void InvalidateRegion(Window& window, PixelRegion area, UINT flags) {
     if (!CanBeSeen(window)) return;
-    area.Intersect(Within(window));
+    area.Combine(Within(window), RGN_AND);
     if (area.Empty()) return;
     struct Step {
         Window* window;
-        Area area;
+        PixelRegion area;
         bool erase;
     };
     std::vector<Step> steps;
@@ -66,9 +66,9 @@ void InvalidateArea(Window& window, Area area, UINT flags) {
             for (const HWND child : at.children) {
                 Window* each = FindWindowOf(child);
                 if (each == nullptr || (each->style & WS_VISIBLE) == 0) continue;
-                Area part = step.area;
-                part.Intersect(each->rectangle);
-                part.Move(-each->rectangle.left, -each->rectangle.top);
+                PixelRegion part = step.area;
+                part.Combine(each->rectangle, RGN_AND);
+                part.Offset(-each->rectangle.left, -each->rectangle.top);
                 if (!part.Empty()) steps.push_back({each, std::move(part), true});
             }
         }
@@ -76,30 +76,30 @@ void InvalidateArea(Window& window, Area area, UINT flags) {
         if ((at.style & WS_CLIPCHILDREN) != 0) {
             for (const HWND child : at.children) {
                 const Window* each = FindWindowOf(child);
-                if (each != nullptr && (each->style & WS_VISIBLE) != 0) step.area.Subtract(each->rectangle);
+                if (each != nullptr && (each->style & WS_VISIBLE) != 0) step.area.Combine(each->rectangle, RGN_DIFF);
             }
         }
         if (step.area.Empty()) continue;
-        at.update.Add(step.area);
+        at.update.Combine(step.area, RGN_OR);
         at.erase = at.erase || step.erase;
         Note(at);
     }
 }
 
-void ValidateArea(Window& window, const Area& area, UINT flags) {
-    window.update.Subtract(area);
+void ValidateRegion(Window& window, const PixelRegion& area, UINT flags) {
+    window.update.Combine(area, RGN_DIFF);
     if (window.update.Empty() || (flags & RDW_NOERASE) != 0) window.erase = false;
     if (!TakesChildren(window, flags)) return;
-    std::vector<std::pair<Window*, Area>> steps{{&window, area}};
+    std::vector<std::pair<Window*, PixelRegion>> steps{{&window, area}};
     while (!steps.empty()) {
         auto [at, taken] = std::move(steps.back());
         steps.pop_back();
         for (const HWND child : at->children) {
             Window* each = FindWindowOf(child);
             if (each == nullptr) continue;
-            Area part = taken;
-            part.Move(-each->rectangle.left, -each->rectangle.top);
-            each->update.Subtract(part);
+            PixelRegion part = taken;
+            part.Offset(-each->rectangle.left, -each->rectangle.top);
+            each->update.Combine(part, RGN_DIFF);
             if (each->update.Empty()) each->erase = false;
             if (TakesChildren(*each, flags)) steps.emplace_back(each, std::move(part));
         }
@@ -163,9 +163,9 @@ void PaintNow(HWND handle, bool below) {
     }
 }
 
-Area AreaOf(const Window& window, LPCRECT rectangle, HRGN region) {
-    if (region != nullptr) return AreaOfRegion(region);
-    return Area(rectangle != nullptr ? *rectangle : window.Client());
+PixelRegion RegionOf(const Window& window, LPCRECT rectangle, HRGN region) {
+    if (region != nullptr) return PixelsOf(region);
+    return rectangle != nullptr ? *rectangle : window.Client();
 }
 }  // namespace
 
@@ -175,20 +175,20 @@ BOOL RedrawWindow(HWND handle, LPCRECT rectangle, HRGN region, UINT flags) {
         const std::lock_guard kernel(KernelLock());
         Window* window = FindWindowOf(handle);
         if (window == nullptr) return Finish(ERROR_INVALID_WINDOW_HANDLE);
-        const Area area = AreaOf(*window, rectangle, region);
+        const PixelRegion area = RegionOf(*window, rectangle, region);
         if ((flags & RDW_INVALIDATE) != 0) {
             if (window->thread != 0) {
-                InvalidateArea(*window, area, flags);
+                InvalidateRegion(*window, area, flags);
             } else {
                 for (const HWND top : std::vector<HWND>(window->children)) {
                     Window* each = FindWindowOf(top);
-                    Area part = area;
-                    part.Move(-each->rectangle.left, -each->rectangle.top);
-                    InvalidateArea(*each, std::move(part), flags);
+                    PixelRegion part = area;
+                    part.Offset(-each->rectangle.left, -each->rectangle.top);
+                    InvalidateRegion(*each, std::move(part), flags);
                 }
             }
         } else if ((flags & RDW_VALIDATE) != 0) {
-            ValidateArea(*window, area, flags);
+            ValidateRegion(*window, area, flags);
         }
         if ((flags & RDW_INTERNALPAINT) != 0 && CanBeSeen(*window)) {
             window->internalPaint = true;
@@ -237,7 +237,7 @@ BOOL GetUpdateRect(HWND handle, LPRECT rectangle, BOOL erase) {
         const Window* window = FindWindowOf(handle);
         if (window == nullptr) return Finish(ERROR_INVALID_WINDOW_HANDLE);
         any = !window->update.Empty();
-        if (rectangle != nullptr) *rectangle = window->update.Bounds();
+        if (rectangle != nullptr) *rectangle = window->update.Box();
     }
     if (any && erase) EraseNow(handle);
     return any;
