@@ -147,6 +147,12 @@ void FrameColour(HDC dc, const RECT& rectangle, COLORREF colour) {
     FrameRect(dc, &rectangle, brush);
     DeleteObject(brush);
 }
+void Control::PaintFrame(HDC dc, RECT client) const {
+    if (FrameWidth() == 2)
+        DrawEdge(dc, &client, EDGE_SUNKEN, BF_RECT);
+    else if (Bordered())
+        FrameColour(dc, client, GetSysColor(COLOR_WINDOWFRAME));
+}
 RECT Shrunk(const RECT& r, int by) { return {r.left + by, r.top + by, r.right - by, r.bottom - by}; }
 COLORREF TextColour(bool enabled) { return GetSysColor(enabled ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT); }
 

@@ -128,11 +128,7 @@ protected:
         const HBRUSH paper = ParentBrush(dc, dim || ReadOnly() ? WM_CTLCOLORSTATIC : WM_CTLCOLOREDIT);
         if (dim) SetTextColor(dc, GetSysColor(COLOR_GRAYTEXT));
         FillRect(dc, &client, paper);
-        RECT frame = client;
-        if (ExStyle() & WS_EX_CLIENTEDGE)
-            DrawEdge(dc, &frame, EDGE_SUNKEN, BF_RECT);
-        else if (Bordered())
-            FrameColour(dc, frame, GetSysColor(COLOR_WINDOWFRAME));
+        PaintFrame(dc, client);
         const RECT inner = Inner();
         if (Multiline() && Style() & WS_VSCROLL) Bar().Paint(dc);
         IntersectClipRect(dc, inner.left - 1, inner.top, inner.right + 1, inner.bottom);
@@ -462,7 +458,7 @@ private:
     }
     ScrollPart Bar() {
         ScrollPart bar;
-        const RECT area = Shrunk(Client(), ExStyle() & WS_EX_CLIENTEDGE ? 2 : Bordered() ? 1 : 0);
+        const RECT area = Shrunk(Client(), FrameWidth());
         bar.place = {area.right - GetSystemMetrics(SM_CXVSCROLL), area.top, area.right, area.bottom};
         bar.most = static_cast<int>(Lines().size()) - 1;
         bar.page = Page();

@@ -41,7 +41,9 @@ protected:
     HWND Parent() const { return GetParent(m_window); }
     bool Enabled() const { return IsWindowEnabled(m_window) != FALSE; }
     bool Focused() const { return GetFocus() == m_window; }
-    bool Bordered() const { return (Style() & WS_BORDER) != 0 || (ExStyle() & 0x200u) != 0; }
+    bool Bordered() const { return (Style() & WS_BORDER) != 0 || (ExStyle() & WS_EX_CLIENTEDGE) != 0; }
+    int FrameWidth() const { return (ExStyle() & WS_EX_CLIENTEDGE) != 0 ? 2 : Bordered() ? 1 : 0; }
+    void PaintFrame(HDC dc, RECT client) const;
     std::string Text() const;  // of the window, as WM_GETTEXT gives it
 
     void Tell(int code) const;                       // WM_COMMAND to the parent

@@ -112,11 +112,7 @@ protected:
     void Paint(HDC dc, const RECT& client) override {
         const HBRUSH paper = ParentBrush(dc, WM_CTLCOLORLISTBOX);
         FillRect(dc, &client, paper);
-        RECT frame = client;
-        if (ExStyle() & WS_EX_CLIENTEDGE)
-            DrawEdge(dc, &frame, EDGE_SUNKEN, BF_RECT);
-        else if (Bordered())
-            FrameColour(dc, frame, GetSysColor(COLOR_WINDOWFRAME));
+        PaintFrame(dc, client);
         const ScrollPart bar = Bar();
         if (bar.Useful()) bar.Paint(dc);
         const RECT inner = Inner();
@@ -209,7 +205,7 @@ private:
     }
 
     RECT Inner() const {
-        RECT inner = Shrunk(Client(), ExStyle() & WS_EX_CLIENTEDGE ? 2 : Bordered() ? 1 : 0);
+        RECT inner = Shrunk(Client(), FrameWidth());
         if (m_items.Count() > (inner.bottom - inner.top) / LineHeight()) inner.right -= GetSystemMetrics(SM_CXVSCROLL);
         return inner;
     }

@@ -16,11 +16,7 @@ int ListView::ContentWidth() const {
 
 ListView::Layout ListView::Places() const {
     Layout out{};
-    RECT area = Client();
-    if (ExStyle() & WS_EX_CLIENTEDGE)
-        area = Shrunk(area, 2);
-    else if (Bordered())
-        area = Shrunk(area, 1);
+    const RECT area = Shrunk(Client(), FrameWidth());
     const int height = RowHeight(), bar = GetSystemMetrics(SM_CXVSCROLL);
     out.header = area;
     out.header.bottom = Style() & LVS_NOCOLUMNHEADER ? area.top : std::min<LONG>(area.top + height + 4, area.bottom);

@@ -18,11 +18,7 @@ LRESULT ListView::Ask(HDC dc, DWORD stage, int row, int subItem, const RECT& rec
 void ListView::Paint(HDC dc, const RECT& client) {
     const Layout places = Places();
     FillColour(dc, client, m_back == CLR_NONE ? GetSysColor(COLOR_WINDOW) : m_back);
-    RECT frame = client;
-    if (ExStyle() & WS_EX_CLIENTEDGE)
-        DrawEdge(dc, &frame, EDGE_SUNKEN, BF_RECT);
-    else if (Bordered())
-        FrameColour(dc, frame, GetSysColor(COLOR_WINDOWFRAME));
+    PaintFrame(dc, client);
     NMLVCUSTOMDRAW draw{};
     draw.clrText = m_ink;
     draw.clrTextBk = m_textBack;

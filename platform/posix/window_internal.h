@@ -109,6 +109,15 @@ MessageQueue& CurrentQueue();
 MessageQueue* QueueOf(DWORD thread);  // null for a thread without one
 
 Window* FindWindowOf(HWND handle);                           // null when there is no such window
+// What `ask` gives for the window under the lock, which is taken here; with error 1400, an empty result for one that is gone.
+template <class Result, class Ask>
+Result With(HWND handle, Ask ask) {
+    const std::lock_guard kernel(KernelLock());
+    if (Window* window = FindWindowOf(handle)) return ask(*window);
+    SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    return Result{};
+}
+
 std::vector<HWND> WindowsBelow(HWND parent, bool children);  // its children, or the windows it owns
 void RemoveWindow(HWND handle);                              // with its timers and posted messages
 void RemoveWindowsOfThread(DWORD thread);

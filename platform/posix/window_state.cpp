@@ -10,15 +10,6 @@
 using namespace orvik::detail;
 
 namespace {
-// What `ask` gives for the window under the lock; with error 1400, 0 for one that is gone.
-template <class Result, class Ask>
-Result With(HWND handle, Ask ask) {
-    const std::lock_guard kernel(KernelLock());
-    if (Window* window = FindWindowOf(handle)) return ask(*window);
-    SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return Result{};
-}
-
 // Reads the number at the index into `value`, or writes `value` there and gives what was there.
 bool Exchange(Window& window, int index, LONG_PTR& value, bool write) {
     const auto swap = [&](auto& field, auto fromNumber, auto toNumber) {

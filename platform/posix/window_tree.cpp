@@ -84,15 +84,6 @@ PixelRegion VisibleRegion(const Window& window, bool clipChildren, bool clipSibl
 using namespace orvik::detail;
 
 namespace {
-// What `ask` gives for the window under the lock; with error 1400, an empty result for one that is gone.
-template <class Result, class Ask>
-Result With(HWND handle, Ask ask) {
-    const std::lock_guard kernel(KernelLock());
-    if (Window* window = FindWindowOf(handle)) return ask(*window);
-    SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return Result{};
-}
-
 bool Skipped(const Window& window, UINT flags) {
     return ((flags & CWP_SKIPINVISIBLE) != 0 && (window.style & WS_VISIBLE) == 0) ||
            ((flags & CWP_SKIPDISABLED) != 0 && (window.style & WS_DISABLED) != 0) ||
