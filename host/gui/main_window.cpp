@@ -607,7 +607,7 @@ void MainWindow::FillPorts(HMENU menu) {
     m_ports.clear();
     CArray<CSerialDevice, const CSerialDevice&> devices;
     CSerialDevice::EnumSerialDevices(devices);
-    for (INT_PTR i = 0; i < devices.GetSize() && i < kCommandEnd - kCommandPorts; ++i) {
+    for (INT_PTR i = 0; i < devices.GetSize() && i < INT_PTR{kCommandEnd - kCommandPorts}; ++i) {
         CSerialDevice device = devices.GetAt(i);
         m_ports.emplace_back(static_cast<const char*>(device.GetPortName()));
         const std::string description = static_cast<const char*>(device.GetDescription());
