@@ -9,6 +9,10 @@ UINT KeyMessage() {
     static const UINT s_message = RegisterWindowMessageA("OrvikScriptedKey");
     return s_message;
 }
+UINT CharMessage() {
+    static const UINT s_message = RegisterWindowMessageA("OrvikScriptedChar");
+    return s_message;
+}
 
 // The low byte of a key's state: its highest bit is "down", its lowest "toggled".
 void SetKey(UINT key, bool down) {
@@ -131,6 +135,11 @@ void BecomeKey(MSG& read, bool act) {
     read.lParam = static_cast<LPARAM>(static_cast<LONG>(bits));
 }
 
+void BecomeChar(MSG& read) {
+    if (const HWND focus = GetFocus()) read.hwnd = focus;
+    read.message = WM_CHAR;
+}
+
 // The thread's hook, taken away at the thread's end.
 class ReadingHook {
 public:
@@ -151,6 +160,7 @@ private:
             MSG& read = *reinterpret_cast<MSG*>(given);
             if (read.message == PointerMessage()) BecomePointer(read, remove == PM_REMOVE);
             if (read.message == KeyMessage()) BecomeKey(read, remove == PM_REMOVE);
+            if (read.message == CharMessage()) BecomeChar(read);
         }
         return CallNextHookEx(nullptr, code, remove, given);
     }
@@ -190,7 +200,7 @@ BOOL OrvikPostKey(HWND window, UINT key, BOOL down) {
 
 BOOL OrvikPostText(HWND window, LPCSTR text) {
     for (; text != nullptr && *text != 0; ++text) {
-        if (!PostMessageA(window, WM_CHAR, static_cast<unsigned char>(*text), 1)) return FALSE;
+        if (!PostStep(window, CharMessage(), static_cast<unsigned char>(*text), 1)) return FALSE;
     }
     return TRUE;
 }
