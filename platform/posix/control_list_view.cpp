@@ -21,7 +21,8 @@ LRESULT ListView::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             const DWORD visible = Style() & LVS_NOCOLUMNHEADER ? 0 : WS_VISIBLE;
             m_header = CreateWindowExA(0, WC_HEADERA, nullptr, WS_CHILD | HDS_HORZ | HDS_FULLDRAG | sortable | visible, 0, 0, 0,
                                        0, m_window, nullptr, nullptr, nullptr);
-            Arrange();
+            // Lists begin with the desktop's font, not with the system's as other controls do.
+            SendMessageA(m_window, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
             return 0;
         }
         case WM_SETFONT:
