@@ -103,7 +103,10 @@ void CBCGPProp::SetList(CBCGPPropList* pList) {
 }
 
 BOOL CBCGPProp::AddSubItem(CBCGPProp* pProp) {
-    if (pProp == nullptr || pProp == this || pProp->m_pParent != nullptr || pProp->m_pList != nullptr) return FALSE;
+    if (pProp == nullptr || pProp->m_pParent != nullptr || pProp->m_pList != nullptr) return FALSE;
+    for (const CBCGPProp* above = this; above != nullptr; above = above->m_pParent) {
+        if (above == pProp) return FALSE;
+    }
     pProp->m_pParent = this;
     pProp->SetList(m_pList);
     m_subItems.emplace_back(pProp);

@@ -48,7 +48,7 @@ public:
     void Enable(BOOL bEnable = TRUE);
     BOOL IsEnabled() const { return m_bEnabled; }
 
-    // Takes it over.
+    // Takes it over; 0, and nothing taken, for none, for one that belongs to somebody, and for one that this one stands below.
     BOOL AddSubItem(CBCGPProp* pProp);
     int GetSubItemsCount() const { return static_cast<int>(m_subItems.size()); }
     CBCGPProp* GetSubItem(int nIndex) const;

@@ -215,7 +215,7 @@ void CBCGPPropList::Arrange() {
         m_scroll->ShowWindow(bar ? SW_SHOWNA : SW_HIDE);
     }
     // The editor stands over its row and goes along.
-    if (m_edit != nullptr && m_pEdited != nullptr) m_edit->MoveWindow(GetValueRect(m_pEdited));
+    if (m_edit != nullptr && m_pEdited != nullptr) m_edit->MoveWindow(EditorRect(m_pEdited));
     Invalidate(FALSE);
 }
 
@@ -230,7 +230,7 @@ void CBCGPPropList::ScrollTo(int top) {
     info.fMask = SIF_POS;
     info.nPos = m_nTop;
     m_scroll->SendMessage(SBM_SETSCROLLINFO, TRUE, reinterpret_cast<LPARAM>(&info));
-    if (m_edit != nullptr && m_pEdited != nullptr) m_edit->MoveWindow(GetValueRect(m_pEdited));
+    if (m_edit != nullptr && m_pEdited != nullptr) m_edit->MoveWindow(EditorRect(m_pEdited));
     const CRect rows = Layout().rows;
     InvalidateRect(rows, FALSE);
 }
@@ -280,7 +280,7 @@ CRect CBCGPPropList::GetValueRect(const CBCGPProp* pProp) const {
 }
 
 void CBCGPPropList::RedrawProperty(const CBCGPProp* pProp) {
-    if (m_hWnd == nullptr) return;
+    if (m_hWnd == nullptr || !m_bRowsValid) return;  // all of it is drawn anew then
     const CRect place = GetPropertyRect(pProp);
     if (!place.IsRectEmpty()) InvalidateRect(place, FALSE);
     if (pProp == m_pSel && m_bDescription) InvalidateRect(Layout().description, FALSE);
@@ -298,8 +298,9 @@ void CBCGPPropList::TakeFont(HFONT font) {
     TEXTMETRICA metrics = {};
     dc.GetTextMetrics(&metrics);
     ::SelectObject(dc.m_hDC, before);
-    // Two pixels of air above and below the letters, and the line below them.
-    m_nRowHeight = std::max(8, static_cast<int>(metrics.tmHeight) + 5);
+    // Air above and below the letters, a third of them, and the line below.
+    m_nTextHeight = static_cast<int>(metrics.tmHeight);
+    m_nRowHeight = std::max(8, m_nTextHeight + m_nTextHeight / 3 + 1);
     Arrange();
 }
 

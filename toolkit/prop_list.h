@@ -7,9 +7,10 @@
 // Mouse: a click selects, on a value it begins the editing too; the sign in front of a name (or a double click on the name)
 // expands; the line between the columns can be dragged, the wheel scrolls.
 // Keys: Up, Down, Page Up, Page Down, Home and End select; Right expands, Left collapses or goes to the property above; Enter, F2
-// or any letter begins the editing; Space (or a double click) takes the next choice, Alt+Down opens the choices. While editing,
-// Enter takes the value, Escape leaves it, Tab takes it and goes to the dialog's next control; leaving by the mouse takes what is
-// good. A text that cannot be read is told once and stays to be corrected.
+// or any letter begins the editing; Space (or a double click) takes the next choice, F4 or Alt+Down opens the choices. While
+// editing, Enter takes the value, Escape leaves it, Tab takes it and goes to the dialog's next control. A text that cannot be
+// read is told once and stays to be corrected. When the focus goes elsewhere what is good is taken; what is not stays in its
+// field unsaid, until EndEditItem (a dialog's OK) or the user comes back to it.
 //
 // When the user has changed a property, the parent gets BCGM_PROPERTY_CHANGED: wParam the grid's id, lParam the CBCGPProp.
 #pragma once
@@ -126,6 +127,7 @@ private:
     void TakeFont(HFONT font);
     CRect ButtonRect(const Row& row, const CRect& place) const;
     BOOL HasArrow(const CBCGPProp& prop) const;
+    bool EditedHasChoices() const { return m_pEdited != nullptr && HasArrow(*m_pEdited); }
     CRect ArrowRect(const CBCGPProp* pProp) const;
 
     void Draw(CDC& dc, const CRect& part);
@@ -136,8 +138,11 @@ private:
     void MoveSelection(int row);
     BOOL BeginEdit(bool choose, const CString* typed);
     void OpenChoices(CBCGPProp& prop);
-    // FALSE when the text means nothing; with `tell` the user is told.
-    BOOL Take(CBCGPProp& prop, const CString& text, bool tell);
+    // False when the text means nothing.
+    bool Take(CBCGPProp& prop, const CString& text);
+    // As the user turns to another property: takes the text, gives up an open choice. False when the text was refused.
+    bool LeaveEditor();
+    CRect EditorRect(const CBCGPProp* pProp) const;
     void Assign(CBCGPProp& prop, const CBCGPPropValue& value);
     void NextChoice(CBCGPProp& prop);
     void CloseEditors();
@@ -149,10 +154,11 @@ private:
     bool m_bArranged = true;
     CBCGPProp* m_pSel = nullptr;
     int m_nTop = 0;
-    int m_nRowHeight = 16;
+    int m_nRowHeight = 16, m_nTextHeight = 12;
     int m_nNameWidth = -1;  // pixels, once the user has dragged it; half the width before
     int m_nDragOffset = 0;
     bool m_bDragging = false;
+    int m_nWheel = 0;  // turned, but not yet a row
     BOOL m_bHeader = FALSE, m_bDescription = FALSE, m_bVSDotNetLook = FALSE, m_bMarkModified = FALSE, m_bContextMenu = FALSE;
     CString m_strLeft, m_strRight;
     HFONT m_hFont = nullptr;
@@ -162,5 +168,4 @@ private:
     std::unique_ptr<CWnd> m_edit, m_choices;
     std::vector<std::unique_ptr<CWnd>> m_closed;
     CBCGPProp* m_pEdited = nullptr;
-    bool m_bTelling = false;
 };

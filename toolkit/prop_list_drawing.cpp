@@ -172,6 +172,15 @@ BOOL CBCGPPropList::HasArrow(const CBCGPProp& prop) const {
     return prop.GetOptionCount() > 0 && prop.IsEnabled() && IsWindowEnabled();
 }
 
+CRect CBCGPPropList::EditorRect(const CBCGPProp* pProp) const {
+    CRect place = GetValueRect(pProp);
+    if (place.IsRectEmpty()) return place;
+    if (HasArrow(*pProp)) place.right = ArrowRect(pProp).left;
+    // Its text on the line of the name's.
+    place.top += std::max(0, (place.Height() - m_nTextHeight) / 2);
+    return place;
+}
+
 CRect CBCGPPropList::ArrowRect(const CBCGPProp* pProp) const {
     CRect place = GetValueRect(pProp);
     if (!place.IsRectEmpty()) place.left = std::max(place.left, place.right - m_nRowHeight);

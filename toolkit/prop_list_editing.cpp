@@ -8,6 +8,7 @@
 BEGIN_MESSAGE_MAP(CPropEdit, CEdit)
 ON_WM_GETDLGCODE()
 ON_WM_KEYDOWN()
+ON_WM_SYSKEYDOWN()
 ON_WM_CHAR()
 ON_WM_KILLFOCUS()
 END_MESSAGE_MAP()
@@ -15,6 +16,7 @@ END_MESSAGE_MAP()
 BEGIN_MESSAGE_MAP(CPropChoices, CListBox)
 ON_WM_GETDLGCODE()
 ON_WM_KEYDOWN()
+ON_WM_SYSKEYDOWN()
 ON_WM_LBUTTONUP()
 ON_WM_KILLFOCUS()
 END_MESSAGE_MAP()
@@ -22,6 +24,13 @@ END_MESSAGE_MAP()
 namespace {
 constexpr UINT kEditorId = 2;
 constexpr int kMostChoices = 10;  // shown at a time
+
+bool Means(const CBCGPProp& prop, const CString& text) {
+    CBCGPPropValue value;
+    return text.Compare(prop.FormatProperty()) == 0 || prop.StringToValue(text, value);
+}
+
+void Refuse(const CBCGPProp& prop) { AfxMessageBox(prop.GetErrorText(), MB_ICONEXCLAMATION); }
 }  // namespace
 
 UINT CPropEdit::OnGetDlgCode() { return CEdit::OnGetDlgCode() | DLGC_WANTALLKEYS; }
@@ -39,13 +48,25 @@ void CPropEdit::OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
         case VK_TAB:
             if (list.EndEditItem()) list.LeaveByTab(::GetKeyState(VK_SHIFT) < 0);
             return;
+        case VK_F4:
+            if (!list.EditedHasChoices()) break;
+            [[fallthrough]];
         case VK_UP:
         case VK_DOWN:
             if (list.EndEditItem()) list.OnKeyDown(nChar, nRepCnt, nFlags);
             return;
         default:
-            CEdit::OnKeyDown(nChar, nRepCnt, nFlags);
+            break;
     }
+    CEdit::OnKeyDown(nChar, nRepCnt, nFlags);
+}
+
+void CPropEdit::OnSysKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
+    CBCGPPropList& list = m_list;
+    if (nChar != VK_DOWN || !list.EditedHasChoices())
+        CEdit::OnSysKeyDown(nChar, nRepCnt, nFlags);
+    else if (list.EndEditItem())
+        list.OnSysKeyDown(nChar, nRepCnt, nFlags);
 }
 
 void CPropEdit::OnChar(UINT nChar, UINT nRepCnt, UINT nFlags) {
@@ -56,13 +77,14 @@ void CPropEdit::OnChar(UINT nChar, UINT nRepCnt, UINT nFlags) {
 void CPropEdit::OnKillFocus(CWnd* pNewWnd) {
     CEdit::OnKillFocus(pNewWnd);
     CBCGPPropList& list = m_list;
-    if (list.m_edit.get() != this || list.m_bTelling) return;
-    // Whoever goes elsewhere is not held back by a message: what is good is taken.
+    if (list.m_edit.get() != this) return;
+    // Whoever goes elsewhere is not held back by a message: what is good is taken, the rest stays in its field for later.
     CString text;
     GetWindowText(text);
     CBCGPProp* const prop = list.m_pEdited;
+    if (prop != nullptr && !Means(*prop, text)) return;
     list.CloseEditors();
-    if (prop != nullptr) list.Take(*prop, text, false);
+    if (prop != nullptr) list.Take(*prop, text);
 }
 
 UINT CPropChoices::OnGetDlgCode() { return CListBox::OnGetDlgCode() | DLGC_WANTALLKEYS; }
@@ -84,6 +106,13 @@ void CPropChoices::OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
         default:
             CListBox::OnKeyDown(nChar, nRepCnt, nFlags);
     }
+}
+
+void CPropChoices::OnSysKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
+    if (nChar == VK_UP || nChar == VK_DOWN)
+        m_list.EndEditItem();
+    else
+        CListBox::OnSysKeyDown(nChar, nRepCnt, nFlags);
 }
 
 void CPropChoices::OnLButtonUp(UINT nFlags, CPoint point) {
@@ -119,17 +148,14 @@ BOOL CBCGPPropList::BeginEdit(bool choose, const CString* typed) {
     m_closed.clear();
     if (m_pSel == nullptr || m_pSel->IsGroup() || !m_pSel->IsEnabled() || !IsWindowEnabled()) return FALSE;
     EnsureVisible(m_pSel);
-    const CRect place = GetValueRect(m_pSel);
-    if (place.IsRectEmpty()) return FALSE;
+    if (GetValueRect(m_pSel).IsRectEmpty()) return FALSE;
     if (choose) {
         OpenChoices(*m_pSel);
         return m_choices != nullptr;
     }
     if (!m_pSel->IsEditAllowed()) return FALSE;
     auto edit = std::make_unique<CPropEdit>(*this);
-    CRect cell = place;
-    if (HasArrow(*m_pSel)) cell.right = ArrowRect(m_pSel).left;
-    if (!edit->Create(WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, cell, this, kEditorId)) return FALSE;
+    if (!edit->Create(WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, EditorRect(m_pSel), this, kEditorId)) return FALSE;
     edit->SetFont(CFont::FromHandle(m_hFont), FALSE);
     edit->SendMessage(EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(m_nRowHeight / 4, m_nRowHeight / 4));
     edit->SetWindowText(typed != nullptr ? *typed : m_pSel->FormatProperty());
@@ -182,39 +208,32 @@ BOOL CBCGPPropList::EndEditItem(BOOL bUpdateData) {
     if (m_choices != nullptr) {
         const int choice = static_cast<CListBox*>(m_choices.get())->GetCurSel();
         CloseEditors();
-        if (choice >= 0) Take(*prop, prop->GetOption(choice), true);
+        if (choice >= 0 && !Take(*prop, prop->GetOption(choice))) Refuse(*prop);
         return TRUE;
     }
     CString text;
     m_edit->GetWindowText(text);
-    CBCGPPropValue value;
-    if (!prop->StringToValue(text, value)) {
-        Take(*prop, text, true);
-        if (m_edit != nullptr) {
-            m_edit->SetFocus();
-            static_cast<CEdit*>(m_edit.get())->SetSel(0, -1);
-        }
+    if (!Means(*prop, text)) {
+        Refuse(*prop);
+        if (m_edit == nullptr) return FALSE;
+        m_edit->SetFocus();
+        static_cast<CEdit*>(m_edit.get())->SetSel(0, -1);
         return FALSE;
     }
     CloseEditors();
-    Take(*prop, text, true);
+    Take(*prop, text);
     return TRUE;
 }
 
-BOOL CBCGPPropList::Take(CBCGPProp& prop, const CString& text, bool tell) {
+bool CBCGPPropList::LeaveEditor() { return EndEditItem(m_choices == nullptr) != FALSE; }
+
+bool CBCGPPropList::Take(CBCGPProp& prop, const CString& text) {
     // What was not touched is not read back: a text may say less than the value.
-    if (text.Compare(prop.FormatProperty()) == 0) return TRUE;
+    if (text.Compare(prop.FormatProperty()) == 0) return true;
     CBCGPPropValue value;
-    if (prop.StringToValue(text, value)) {
-        Assign(prop, value);
-        return TRUE;
-    }
-    if (tell) {
-        m_bTelling = true;
-        AfxMessageBox(prop.GetErrorText(), MB_ICONEXCLAMATION);
-        m_bTelling = false;
-    }
-    return FALSE;
+    if (!prop.StringToValue(text, value)) return false;
+    Assign(prop, value);
+    return true;
 }
 
 void CBCGPPropList::Assign(CBCGPProp& prop, const CBCGPPropValue& value) {
@@ -229,7 +248,7 @@ void CBCGPPropList::NextChoice(CBCGPProp& prop) {
     for (int i = 0; i < prop.GetOptionCount(); ++i) {
         if (prop.GetOption(i).Compare(shown) == 0) next = (i + 1) % prop.GetOptionCount();
     }
-    Take(prop, prop.GetOption(next), true);
+    if (!Take(prop, prop.GetOption(next))) Refuse(prop);
 }
 
 void CBCGPPropList::LeaveByTab(bool back) {

@@ -11,7 +11,10 @@ constexpr int kDividerReach = 3;  // pixels to either side
 constexpr int kWheelRows = 3;
 }  // namespace
 
-void CBCGPPropList::OnSetFocus(CWnd*) { Invalidate(FALSE); }
+void CBCGPPropList::OnSetFocus(CWnd*) {
+    Invalidate(FALSE);
+    if (m_edit != nullptr) m_edit->SetFocus();  // to what was left there unread
+}
 void CBCGPPropList::OnKillFocus(CWnd*) { Invalidate(FALSE); }
 
 UINT CBCGPPropList::OnGetDlgCode() {
@@ -27,8 +30,7 @@ UINT CBCGPPropList::OnGetDlgCode() {
 
 void CBCGPPropList::OnLButtonDown(UINT, CPoint point) {
     const HWND self = m_hWnd;
-    if (!EndEditItem()) EndEditItem(FALSE);
-    if (!::IsWindow(self)) return;
+    if (!LeaveEditor() || !::IsWindow(self)) return;
     SetFocus();
     const Places places = Layout();
     const int divider = places.rows.left + NameWidth();
@@ -83,7 +85,10 @@ void CBCGPPropList::OnLButtonUp(UINT, CPoint) {
 }
 
 BOOL CBCGPPropList::OnMouseWheel(UINT, short zDelta, CPoint) {
-    ScrollTo(m_nTop - zDelta * kWheelRows / WHEEL_DELTA);
+    // Fine wheels turn by less than a row at a time.
+    m_nWheel += zDelta * kWheelRows;
+    ScrollTo(m_nTop - m_nWheel / WHEEL_DELTA);
+    m_nWheel %= WHEEL_DELTA;
     return TRUE;
 }
 
@@ -184,6 +189,7 @@ void CBCGPPropList::OnContextMenu(CWnd* pWnd, CPoint point) {
     } else {
         CPoint inside = point;
         ScreenToClient(&inside);
+        if (!LeaveEditor()) return;
         if (CBCGPProp* hit = HitTest(inside)) SetCurSel(hit);
     }
     CMenu menu;

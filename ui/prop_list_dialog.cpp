@@ -52,13 +52,16 @@ BOOL CPropListDialog::OnInitDialog() {
                           CPoint(100, 100), CSize(100, 100));
         for (const UINT id : {UINT{IDOK}, UINT{IDC_ORVIK_CLOSE}})
             layout->AddAnchor(id, CBCGPStaticLayout::e_MoveTypeBoth, CBCGPStaticLayout::e_SizeTypeNone, CPoint(100, 100));
-        // The grid may be made smaller, to a row between its header and its description.
+        // The grid may be made smaller, to what AdjustWindowSize gives one without rows.
         CRect window;
         GetWindowRect(window);
-        layout->SetMinSize(
-            CSize(window.Width(), window.Height() - place.Height() + (kOtherRows + 1) * m_wndPropList.GetRowHeight()));
+        layout->SetMinSize(CSize(window.Width(), window.Height() - place.Height() + kOtherRows * m_wndPropList.GetRowHeight()));
     }
     return TRUE;
+}
+
+void CPropListDialog::OnOK() {
+    if (m_wndPropList.EndEditItem()) CPopupDialog::OnOK();
 }
 
 void CPropListDialog::AdjustWindowSize() {

@@ -20,6 +20,8 @@ public:
 
 protected:
     BOOL OnInitDialog() override;
+    // Takes the text that is being edited; the dialog stays while that cannot be read.
+    void OnOK() override;
     void DoDataExchange(CDataExchange* pDX) override;
     // The user has changed a property: `data` is what it was given with SetData.
     virtual void OnPropertyChanged(DWORD_PTR data);

@@ -91,6 +91,10 @@ TEST_F(PropList, PropertiesKnowTheirPlaceAndTheirValues) {
     EXPECT_EQ(name->GetData(), 11u);
     EXPECT_EQ(grid.AddProperty(name), -1) << "it belongs to somebody";
     EXPECT_FALSE(unit->AddSubItem(name));
+    auto upper = std::make_unique<CBCGPProp>("upper");
+    auto* lower = new CBCGPProp("lower");
+    EXPECT_TRUE(upper->AddSubItem(lower));
+    EXPECT_FALSE(lower->AddSubItem(upper.get()) || upper->AddSubItem(upper.get())) << "no circles";
     EXPECT_TRUE(channel->IsGroup() && !name->IsGroup());
     EXPECT_STREQ(scale->FormatProperty(), "1,5");
     EXPECT_STREQ(active->FormatProperty(), "Yes");
@@ -214,7 +218,7 @@ TEST_F(PropList, EditingEndsByEnterEscapeTabOrLeaving) {
     SendMessageA(grid, WM_CHAR, 'Q', 1);
     ASSERT_TRUE(grid.IsEditing());
     EXPECT_EQ(TextOf(Editor()), "Q");
-    // Whoever leaves takes along what is good, and nothing is said about the rest.
+    // Whoever leaves takes along what is good; nothing is said about the rest, which waits in its field.
     ::SetFocus(owner);
     EXPECT_FALSE(grid.IsEditing());
     EXPECT_STREQ(name->FormatProperty(), "Q");
@@ -222,8 +226,12 @@ TEST_F(PropList, EditingEndsByEnterEscapeTabOrLeaving) {
     ASSERT_TRUE(grid.EditItem());
     SetWindowTextA(Editor(), "x");
     ::SetFocus(owner);
+    EXPECT_TRUE(grid.IsEditing());
     EXPECT_EQ(count->GetValue().Integer(), 6);
     EXPECT_TRUE(app.told.empty());
+    grid.SetFocus();
+    EXPECT_EQ(::GetFocus(), Editor());
+    Press(Editor(), VK_ESCAPE);
     // Groups and disabled properties have nothing to edit.
     count->Enable(FALSE);
     EXPECT_FALSE(grid.EditItem());
@@ -244,6 +252,11 @@ TEST_F(PropList, ABadTextIsToldOnceAndStaysToBeCorrected) {
     EXPECT_EQ(app.Told(), "Please enter a whole number.");
     EXPECT_TRUE(grid.IsEditing());
     EXPECT_EQ(count->GetValue().Integer(), 5);
+    // Another row is not reached before, by the mouse either.
+    ClickAt(grid, MiddleOf(grid.GetValueRect(name)));
+    EXPECT_EQ(app.Told(), "Please enter a whole number.");
+    EXPECT_EQ(grid.GetCurSel(), count);
+    EXPECT_EQ(TextOf(Editor()), "six");
     Press(Editor(), VK_ESCAPE);
     EXPECT_FALSE(grid.IsEditing());
     EXPECT_TRUE(app.told.empty());
@@ -283,12 +296,24 @@ TEST_F(PropList, ChoicesAreTakenByKeyMouseAndTurn) {
     unit->AllowEdit();
     Type(unit, "mbar");
     EXPECT_STREQ(unit->FormatProperty(), "mbar");
-    const CRect cell = grid.GetValueRect(unit);
+    grid.EditItem();
+    const CRect cell = grid.GetValueRect(unit), field = PlaceIn(grid, Editor());
+    EXPECT_LT(field.right, cell.right - 8) << "room for the arrow";
+    grid.SetWindowPos(nullptr, 0, 0, 310, 300, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(CRect(PlaceIn(grid, Editor())).right, field.right + 10) << "after a change of size too";
+    grid.SetWindowPos(nullptr, 0, 0, 300, 300, SWP_NOMOVE | SWP_NOZORDER);
+    SetWindowTextA(Editor(), "kbar");
+    SendMessageA(Editor(), WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
+    ASSERT_NE(Choices(), nullptr);
+    EXPECT_STREQ(unit->FormatProperty(), "kbar") << "taken first";
+    Press(Choices(), VK_DOWN);
+    ClickAt(grid, MiddleOf(grid.GetPropertyRect(name)));
+    EXPECT_STREQ(unit->FormatProperty(), "kbar") << "turning away is no choice";
     ClickAt(grid, {cell.right - 4, cell.top + 4});
     EXPECT_NE(Choices(), nullptr);
     ::SetFocus(owner);
     EXPECT_EQ(Choices(), nullptr) << "leaving closes them";
-    EXPECT_STREQ(unit->FormatProperty(), "mbar");
+    EXPECT_STREQ(unit->FormatProperty(), "kbar");
 }
 
 TEST_F(PropList, TheMouseSelectsExpandsAndDragsTheDivider) {
@@ -368,6 +393,8 @@ TEST_F(PropList, ThousandsOfRowsCostWhatCanBeSeen) {
     EXPECT_TRUE(grid.GetPropertyRect(all.back()).IsRectEmpty());
     SendMessageA(grid, WM_VSCROLL, SB_TOP, 0);
     EXPECT_EQ(grid.GetTopRow(), 0);
+    for (int i = 0; i < 8; ++i) SendMessageA(grid, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-WHEEL_DELTA / 8)), 0);
+    EXPECT_EQ(grid.GetTopRow(), 3) << "by eighths of a notch";
     grid.SetCurSel(all[4321]);
     EXPECT_EQ(grid.HitTest(MiddleOf(grid.GetPropertyRect(all[4321]))), all[4321]);
     grid.RemoveAll();

@@ -1,12 +1,9 @@
 // Values in the user's format through edit controls: what is shown, what is read, and how text is refused.
 #include "ui/dialog_data_exchange.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "afx/controls.h"
 #include "afx/exception.h"
+#include "tests/support/corpus.h"
 #include "tests/support/dialog_fixture.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
@@ -210,13 +207,7 @@ TEST_F(DataExchange, AControlThatIsNotThereEndsTheExchangeBeforeAnything) {
 // Whatever a file may hold, typed into every field: taken exactly when the reader takes it, told exactly once otherwise, and then
 // the value is what its reader leaves.
 TEST_F(DataExchange, EveryFieldStandsUpToTheReadersCorpora) {
-    std::vector<std::string> texts;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(FUZZ_CORPUS)) {
-        if (!entry.is_regular_file()) continue;
-        std::ifstream in(entry.path(), std::ios::binary);
-        std::string text((std::istreambuf_iterator<char>(in)), {});
-        texts.push_back(text.substr(0, 20'000).c_str());  // an edit control's text ends at its first 0
-    }
+    const std::vector<std::string> texts = CorpusTexts(20'000);
     ASSERT_GT(texts.size(), 20u);
     int taken = 0;
     for (const std::string& text : texts) {

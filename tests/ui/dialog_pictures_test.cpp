@@ -80,11 +80,11 @@ protected:
         window.RedrawWindow(nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
         const char* folder = std::getenv("ORVIK_DIALOG_PICTURES");
         if (folder == nullptr) return;
-        CRect client;
-        window.GetClientRect(client);
-        CClientDC dc(&window);
+        CRect whole;
+        window.GetWindowRect(whole);
+        CWindowDC dc(&window);
         const std::string path = std::string(folder) + "/" + name + ".png";
-        EXPECT_TRUE(OrvikSavePixels(dc, client, path.c_str())) << path;
+        EXPECT_TRUE(OrvikSavePixels(dc, CRect(0, 0, whole.Width(), whole.Height()), path.c_str())) << path;
     }
     // Every text of a button or a line stands whole in its control, in the control's font.
     static void ExpectTextsFit(CWnd& dialog, const std::string& name) {

@@ -2,6 +2,7 @@
 #include "ui/prop_list_dialog.h"
 
 #include "res/ids.h"
+#include "tests/support/corpus.h"
 #include "tests/support/dialog_fixture.h"
 
 namespace {
@@ -85,9 +86,8 @@ TEST_F(PropListDialog, ItsHeightFollowsTheRows) {
     group->Expand();
     EXPECT_FALSE(grid.GetPropertyRect(grid.GetProperty(1)).IsRectEmpty()) << "all rows are seen";
     grid.RemoveAll();
-    grid.AddProperty(new CBCGPProp("Alone", 5));
     dialog.AdjustWindowSize();
-    EXPECT_EQ(Grid().Height(), 6 * grid.GetRowHeight()) << "it shrinks too";
+    EXPECT_EQ(Grid().Height(), 5 * grid.GetRowHeight()) << "it shrinks too";
 }
 
 TEST_F(PropListDialog, ChangesReachTheDerivedDialogAndOthersDoNot) {
@@ -129,4 +129,66 @@ TEST_F(PropListDialog, ChangesReachTheDerivedDialogAndOthersDoNot) {
     key(VK_ESCAPE);
     SendMessageA(GetDlgItem(dialog, IDC_ORVIK_CLOSE), BM_CLICK, 0, 0);
     EXPECT_EQ(dialog.cancelled, 2);
+}
+
+TEST_F(PropListDialog, OkWaitsForATextThatCanBeRead) {
+    ASSERT_TRUE(dialog.Create(IDD_ORVIK_PROPERTIES, &owner));
+    dialog.ShowWindow(SW_SHOW);
+    CBCGPPropList& grid = dialog.GetPropList();
+    auto* prop = new CBCGPProp("Count", 5);
+    grid.AddProperty(prop);
+    grid.SetFocus(), grid.SetCurSel(prop);
+    ASSERT_TRUE(grid.EditItem());
+    const HWND field = ::GetFocus(), ok = GetDlgItem(dialog, IDOK);
+    SetWindowTextA(field, "five");
+    SetFocus(ok);
+    EXPECT_TRUE(app.told.empty());
+    SendMessageA(ok, BM_CLICK, 0, 0);
+    EXPECT_EQ(app.Told(), "Please enter a whole number.");
+    EXPECT_TRUE(dialog.IsWindowVisible());
+    EXPECT_EQ(::GetFocus(), field);
+    SetWindowTextA(field, "6");
+    SendMessageA(ok, BM_CLICK, 0, 0);
+    EXPECT_FALSE(dialog.IsWindowVisible());
+    EXPECT_EQ(prop->GetValue().Integer(), 6);
+    EXPECT_TRUE(app.told.empty());
+}
+
+// Whatever a file may hold, typed into a property of each kind: taken exactly when the property can read it; told exactly once
+// otherwise, the field with the focus and the value as it was.
+TEST_F(PropListDialog, EveryKindOfPropertyStandsUpToTheReadersCorpora) {
+    ASSERT_TRUE(dialog.Create(IDD_ORVIK_PROPERTIES, &owner));
+    CBCGPPropList& grid = dialog.GetPropList();
+    grid.AddProperty(new CBCGPProp("Text", "x"));
+    grid.AddProperty(new CBCGPProp("Whole", 5));
+    grid.AddProperty(new CBCGPProp("Real", 0.5));
+    grid.AddProperty(new CBCGPColorProp("Colour", RGB(1, 2, 3)));
+    auto* choice = new CBCGPProp("Choice", "bar");
+    choice->AddOption("bar"), choice->AllowEdit();
+    grid.AddProperty(choice);
+    std::vector<int> taken(5), refused(5);
+    for (const std::string& text : CorpusTexts(20'000)) {
+        for (int i = 0; i < grid.GetPropertyCount(); ++i) {
+            CBCGPProp& prop = *grid.GetProperty(i);
+            prop.ResetOriginalValue();
+            grid.SetCurSel(&prop);
+            ASSERT_TRUE(grid.EditItem());
+            const HWND field = ::GetFocus();
+            SetWindowTextA(field, text.c_str());
+            CBCGPPropValue read = prop.GetValue();
+            const bool good = prop.StringToValue(TextOf(field).c_str(), read) != FALSE;
+            Press(field, VK_RETURN);
+            EXPECT_EQ(app.told.size(), good ? 0u : 1u) << text;
+            EXPECT_TRUE(good || app.types == std::vector<UINT>{MB_ICONEXCLAMATION});
+            EXPECT_EQ(grid.IsEditing(), !good);
+            EXPECT_EQ(::GetFocus(), good ? grid.m_hWnd : field);
+            EXPECT_TRUE(prop.GetValue() == read) << text;
+            ++(good ? taken : refused)[static_cast<size_t>(i)];
+            if (!good) Press(field, VK_ESCAPE);
+            app.told.clear(), app.types.clear();
+        }
+    }
+    EXPECT_EQ(refused[0] + refused[4], 0) << "a text is any text";
+    for (const size_t kind : {1u, 2u, 3u}) EXPECT_GT(refused[kind], 50);
+    EXPECT_GT(taken[1], 0);
 }
