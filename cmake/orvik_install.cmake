@@ -1,4 +1,4 @@
-# cmake --install: headers under include/orvik/, the library, a CMake package, a pkg-config file, and the host with its plug-in.
+# cmake --install: headers under include/orvik/, the documents, the library, a CMake package, a pkg-config file, and the host with its plug-in.
 include(CMakePackageConfigHelpers)
 
 if(WIN32)
@@ -20,6 +20,9 @@ file(WRITE ${CMAKE_BINARY_DIR}/OrvikSharedConfig.cmake "include(\${CMAKE_CURRENT
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/OrvikSharedConfigVersion.cmake COMPATIBILITY ExactVersion)
 install(FILES ${CMAKE_BINARY_DIR}/OrvikSharedConfig.cmake ${CMAKE_BINARY_DIR}/OrvikSharedConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvikShared)
+
+install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # Placed by its own folder, so that a moved tree still works.
 file(WRITE ${CMAKE_BINARY_DIR}/orvikshared.pc
