@@ -89,6 +89,7 @@ int CBCGPPropList::AddProperty(CBCGPProp* pProp) {
 
 void CBCGPPropList::RemoveAll() {
     CloseEditors();
+    ++m_nFilling;
     m_pSel = nullptr;
     m_nTop = 0;
     m_rows.clear();
@@ -115,13 +116,20 @@ void CBCGPPropList::ExpandAll(BOOL bExpand) {
 
 void CBCGPPropList::ResetOriginalValues() {
     CloseEditors();
-    std::vector<CBCGPProp*> waiting;
+    std::vector<CBCGPProp*> waiting, changed;
     for (const auto& prop : m_props) waiting.push_back(prop.get());
     while (!waiting.empty()) {
         CBCGPProp* next = waiting.back();
         waiting.pop_back();
         for (const auto& below : next->m_subItems) waiting.push_back(below.get());
-        if (next->IsModified()) Assign(*next, next->GetOriginalValue());
+        if (!next->IsModified()) continue;
+        next->SetValue(next->GetOriginalValue());
+        changed.push_back(next);
+    }
+    // Whoever is told may fill the grid anew; then the rest is gone.
+    const unsigned filling = m_nFilling;
+    for (CBCGPProp* prop : changed) {
+        if (filling == m_nFilling) OnPropertyChanged(prop);
     }
 }
 

@@ -151,6 +151,7 @@ private:
     std::vector<std::unique_ptr<CBCGPProp>> m_props;
     mutable std::vector<Row> m_rows;
     mutable bool m_bRowsValid = false;
+    unsigned m_nFilling = 0;  // goes up as properties go
     bool m_bArranged = true;
     CBCGPProp* m_pSel = nullptr;
     int m_nTop = 0;

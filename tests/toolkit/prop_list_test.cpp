@@ -16,11 +16,13 @@ constexpr int kGrid = 77;
 class Parent : public CWnd {
 public:
     std::vector<CBCGPProp*> changed;
+    std::function<void()> then;
 
 protected:
     afx_msg LRESULT OnChanged(WPARAM wParam, LPARAM lParam) {
         EXPECT_EQ(wParam, WPARAM{kGrid});
         changed.push_back(reinterpret_cast<CBCGPProp*>(lParam));
+        if (then) then();
         return 0;
     }
     DECLARE_MESSAGE_MAP()
@@ -28,6 +30,26 @@ protected:
 BEGIN_MESSAGE_MAP(Parent, CWnd)
 ON_REGISTERED_MESSAGE(BCGM_PROPERTY_CHANGED, OnChanged)
 END_MESSAGE_MAP()
+
+// A grid that keeps what its menu offers, a "-" before what cannot be chosen.
+class Grid : public CBCGPPropList {
+public:
+    std::vector<std::string> offered;
+
+protected:
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_INITMENUPOPUP) {
+            const auto menu = reinterpret_cast<HMENU>(wParam);
+            for (int i = 0; i < ::GetMenuItemCount(menu); ++i) {
+                char text[64] = "";
+                ::GetMenuStringA(menu, static_cast<UINT>(i), text, sizeof text, MF_BYPOSITION);
+                const bool grey = (::GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION) & MF_GRAYED) != 0;
+                if (text[0] != 0) offered.push_back((grey ? "-" : "") + std::string(text));
+            }
+        }
+        return CBCGPPropList::WindowProc(message, wParam, lParam);
+    }
+};
 
 class PropList : public DialogTest {
 protected:
@@ -74,7 +96,7 @@ protected:
 
     RegionalSettings settings;
     Parent parent;
-    CBCGPPropList grid;
+    Grid grid;
     CBCGPProp *channel = nullptr, *name = nullptr, *count = nullptr, *scale = nullptr, *active = nullptr, *unit = nullptr;
 };
 
@@ -316,6 +338,32 @@ TEST_F(PropList, ChoicesAreTakenByKeyMouseAndTurn) {
     EXPECT_STREQ(unit->FormatProperty(), "kbar");
 }
 
+// Whoever is told of a change may fill the grid anew, or end it, in the midst of the keys and clicks that brought the change.
+TEST_F(PropList, AChangeMayTakeTheGridAway) {
+    parent.then = [&] { grid.RemoveAll(), Fill(); };
+    Fill();
+    Type(count, "7", VK_DOWN);
+    Type(name, "Attic", VK_TAB);
+    grid.SetCurSel(unit);
+    Press(grid, VK_SPACE);
+    grid.SetCurSel(unit);
+    ASSERT_TRUE(grid.EditItem());
+    Press(Choices(), VK_DOWN), Press(Choices(), VK_RETURN);
+    count->SetValue(8), name->SetValue("Roof");
+    grid.ResetOriginalValues();
+    EXPECT_EQ(parent.changed.size(), 5u) << "the second one was gone";
+    EXPECT_EQ(grid.GetRowCount(), 6);
+    grid.SetCurSel(name);
+    ASSERT_TRUE(grid.EditItem());
+    SetWindowTextA(Editor(), "Cellar");
+    ClickAt(grid, MiddleOf(grid.GetValueRect(count)));
+    EXPECT_EQ(parent.changed.size(), 6u);
+    parent.then = [&] { parent.DestroyWindow(); };
+    Type(count, "9", VK_DOWN);
+    EXPECT_EQ(grid.m_hWnd, nullptr);
+    EXPECT_EQ(parent.changed.size(), 7u);
+}
+
 TEST_F(PropList, TheMouseSelectsExpandsAndDragsTheDivider) {
     Fill();
     ClickAt(grid, {grid.GetPropertyRect(count).left + 40, grid.GetPropertyRect(count).top + 3});
@@ -344,7 +392,23 @@ TEST_F(PropList, TheMenuResetsAndCollapses) {
     Fill();
     Type(count, "9");
     parent.changed.clear();
+    // The menu of the row under the mouse, and of the selected one by its key; Escape, which waits already, ends it.
+    const auto open = [&](LPARAM at) {
+        grid.offered.clear();
+        PostMessageA(grid, WM_KEYDOWN, VK_ESCAPE, 1);
+        SendMessageA(grid, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(grid.m_hWnd), at);
+        return grid.offered;
+    };
+    CPoint row = MiddleOf(grid.GetPropertyRect(name));
+    grid.ClientToScreen(&row);
+    const std::vector<std::string> unchanged = {"-&Reset", "&Expand all", "&Collapse all"},
+                                   changed = {"&Reset", "&Expand all", "&Collapse all"};
+    EXPECT_EQ(open(MAKELPARAM(row.x, row.y)), unchanged);
+    EXPECT_EQ(grid.GetCurSel(), name);
     grid.SetCurSel(count);
+    EXPECT_EQ(open(-1), changed);
+    grid.EnableContextMenu(FALSE);
+    EXPECT_EQ(open(-1), std::vector<std::string>());
     SendMessageA(grid, WM_COMMAND, CBCGPPropList::kReset, 0);
     EXPECT_EQ(count->GetValue().Integer(), 5);
     EXPECT_EQ(parent.changed, std::vector<CBCGPProp*>{count});
