@@ -17,6 +17,9 @@ import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 
+import simulated_line
+from simulated_line import SimulatedLine
+
 options = None
 
 # What the embedded logger has: one channel of each type, read with a single request.
@@ -40,8 +43,7 @@ class HostTest(unittest.TestCase):
         return ([options.wine] if options.wine else []) + [options.host, *map(str, words)]
 
     def environment(self, language="C.UTF-8", **more):
-        lines = {"LD_PRELOAD": options.preload, "ORVIK_PTYSIM_DIR": options.records} if options.wine else {}
-        return {**os.environ, **lines, "LC_ALL": language, **more}
+        return {**os.environ, **simulated_line.environment(options), "LC_ALL": language, **more}
 
     def host(self, *words, language="C.UTF-8", **more):
         # wine-run sends the error stream to a file of its own.
@@ -64,7 +66,7 @@ class HostTest(unittest.TestCase):
 
     def simulate(self, *words):
         """A native simulated logger; gives the name of its port for the host under test."""
-        line = Line(self.folder, words)
+        line = SimulatedLine(options, self.folder, words)
         self.addCleanup(line.stop)
         return line.port
 
@@ -72,41 +74,6 @@ class HostTest(unittest.TestCase):
         result = self.host("show", path, "--csv")
         self.assertEqual(result.code, 0, result.err)
         return list(csv.reader(io.StringIO(result.out)))
-
-
-class Line:
-    """`orvikhost simulate`, and under Wine the link by which a program finds its port."""
-
-    _next_com = 31
-
-    def __init__(self, folder, words):
-        self.link = None
-        self.process = subprocess.Popen([options.simulator, "simulate", *words], cwd=folder, stdout=subprocess.PIPE, encoding="utf-8")
-        self.port = self.process.stdout.readline().strip()
-        if not self.port.startswith("/dev/"):
-            raise RuntimeError("the simulator did not start: " + self.port)
-        if options.wine:
-            describe_line(self.port)
-            number, Line._next_com = Line._next_com, Line._next_com + 1
-            self.link = pathlib.Path(options.prefix) / "dosdevices" / f"com{number}"
-            self.link.unlink(missing_ok=True)
-            self.link.symlink_to(self.port)
-            self.port = f"COM{number}"
-
-    def stop(self):
-        if self.process.poll() is None:
-            self.process.send_signal(signal.SIGINT)
-        self.process.wait(timeout=20)
-        self.process.stdout.close()
-        if self.link:
-            self.link.unlink(missing_ok=True)
-
-
-def describe_line(device):
-    """Under Wine: the record from which tests/support/ports/pty_sim.cpp answers for the modem lines that the device lacks."""
-    magic = 0x4D495350
-    record = pathlib.Path(options.records) / ("pts" + device.rsplit("/", 1)[1])
-    record.write_bytes(magic.to_bytes(4, "little") + bytes(4092))
 
 
 class WrongUse(HostTest):
@@ -539,7 +506,7 @@ class Ports(HostTest):
             return  # Windows does not tell who holds a port
         ports = self.folder / "ports"
         ports.mkdir()
-        line = Line(self.folder, ["--link", str(ports / "com44")])
+        line = SimulatedLine(options, self.folder, ["--link", str(ports / "com44")])
         self.addCleanup(line.stop)
         download = subprocess.Popen(self.command("download", "--port", "COM44", "--out", "s.odb", "--count", 100, "--interval", 100), cwd=self.folder,
                                     env=self.environment(ORVIK_PORTS_DIR=str(ports)), stderr=subprocess.DEVNULL)
@@ -583,6 +550,5 @@ if __name__ == "__main__":
     parser.add_argument("--server")
     options, rest = parser.parse_known_args()
     options.host, options.simulator = os.path.abspath(options.host), os.path.abspath(options.simulator)
-    options.prefix = os.environ.get("WINEPREFIX") or os.path.join(os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache"), "orvik/wine")
     with tempfile.TemporaryDirectory(prefix="orvik-records-") as options.records:
         unittest.main(argv=[sys.argv[0], *rest], verbosity=1)

@@ -4,7 +4,9 @@
 #include <cmath>
 #include <filesystem>
 #include <random>
+#include <tuple>
 
+#include "frame/app_stock.h"
 #include "host/database_file.h"
 #include "tests/host/gui/hands.h"
 
@@ -294,13 +296,55 @@ TEST_F(WindowTest, AWindowMayGoInTheMiddleOfADrag) {
     }
 }
 
-TEST_F(WindowTest, ReadingsWaitForTheEndOfADrag) {
-    // A window without room: no part can be hit, nothing can be grabbed, and it survives.
-    hands.window->SetClientSize({1, 1});
-    hands.Drag({0, 0}, {50, 50});
-    hands.DoubleClick({0, 0});
-    for (const UINT key : {VK_ADD, VK_RIGHT, VK_TAB, VK_DOWN, VK_HOME, VK_INSERT, VK_RETURN}) hands.Key(key);
-    while (hands.History().Undo()) {
+TEST_F(WindowTest, AWindowWithoutRoomHasNothingToGrab) {
+    const auto before = hands.Pixels();
+    for (const SIZE size : {SIZE{1, 1}, SIZE{130, 30}}) {
+        hands.window->SetClientSize(size);
+        hands.Drag({0, 0}, {50, 50});
+        hands.DoubleClick({0, 0});
+        for (const UINT key : {VK_ADD, VK_RIGHT, VK_TAB, VK_DOWN, VK_HOME, VK_INSERT, VK_RETURN}) hands.Key(key);
+    }
+    hands.window->SetClientSize({640, 420});
+    while (hands.window->Command(kCommandUndo)) {
+    }
+    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
+}
+
+TEST_F(WindowTest, ThePointerTellsWhatADragWouldDo) {
+    hands.window->Command(kCommandSelect);
+    const ViewParts parts = hands.Parts();
+    const RECT selection = parts.selection.GetPosition(), bar = hands.window->BarRect();
+    const RECT column = hands.window->Pane().ColumnRect(0);
+    struct Case {
+        POINT at;
+        HCURSOR cursor, shift, control;
+    };
+    const HCURSOR arrow = ::LoadCursorA(nullptr, IDC_ARROW);
+    const POINT free = {selection.right + 20, selection.bottom + 20};
+    for (const Case& one : std::initializer_list<Case>{
+             {free, hCursorCursor, hCursorCursor, hCursorCursor},
+             {Hands::Middle(selection), hSizeAllCursor, hSizeAllCursor, hSizeAllCursor},
+             {{selection.left + 5, selection.top + 5}, hSizeNWSECursor, hSizeNWSECursor, hSizeNWSECursor},
+             {{selection.right - 5, selection.top + 5}, hSizeNESWCursor, hSizeNESWCursor, hSizeNESWCursor},
+             {{parts.tags[0].left + 2, parts.tags[0].top + 2}, hTextMoveCursor, hTextMoveCursor, hTextMoveCursor},
+             {Hands::Middle(parts.time.zoom), hZoomXCursor, hZoomXCursor, hZoomXCursor},
+             {Hands::Middle(parts.axes[0].zoom), hZoomYCursor, hZoomYCursor, hZoomYCursor},
+             {Hands::Middle(parts.time.rubber), hMoveXExtCursor, hMoveXOrgCursor, hMoveXCursor},
+             {Hands::Middle(parts.axes[1].rubber), hMoveYExtCursor, hMoveYOrgCursor, hMoveYCursor},
+             {Hands::Middle(parts.axes[0].drag), hDragCursor, hDragCursor, hDragCursor},
+             {Hands::Middle(bar), hCurVSplitter, hCurVSplitter, hCurVSplitter},
+             {{bar.right + column.right, 8}, hCurSizeColumn, hCurSizeColumn, hCurSizeColumn},
+             {{2, 2}, arrow, arrow, arrow}}) {
+        for (const auto& [cursor, shift, control] :
+             {std::tuple{one.cursor, false, false}, std::tuple{one.shift, true, false}, std::tuple{one.control, false, true}}) {
+            ::SetCursor(nullptr);
+            hands.Hold(shift, control, TRUE);
+            hands.Point(WM_MOUSEMOVE, one.at);
+            hands.Hold(shift, control, FALSE);
+            hands.Pump();
+            EXPECT_EQ(::GetCursor(), cursor) << one.at.x << "," << one.at.y << " " << shift << control;
+            EXPECT_NE(cursor, nullptr) << one.at.x << "," << one.at.y;
+        }
     }
 }
 

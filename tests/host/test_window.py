@@ -1,0 +1,458 @@
+"""The window host under Wine, as a user has it: a real window on a virtual screen, with the pointer and the keys of that screen.
+
+Nothing here knows how the window is built. Where the axes and comments stand is read off its picture; what has happened is waited
+for, in the window's title, its picture, the pointer's looks or a file, however long a busy machine takes, and never guessed by
+time. The pictures of each flow are kept in --pictures, to be looked at.
+"""
+import argparse
+import atexit
+import ctypes
+import math
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+import simulated_line
+from session_writer import write_session
+from simulated_line import SimulatedLine
+
+options = None
+AWAY = (1279, 1023)
+
+BLUE, ORANGE, COMMENT = (0, 114, 178), (213, 94, 0), (255, 252, 232)  # two channels, a comment's paper
+# Rows at the top with the window's title, where its frame is Wine's, and at the bottom with what the pointer can do: not looked at.
+TITLE, STATUS = 24, 32
+
+
+class Unseen(Exception):
+    """A window that cannot be looked at, because it has just appeared, or is about to vanish."""
+
+
+def until(condition, what):
+    end = time.monotonic() + options.patience
+    while True:
+        try:
+            found = condition()
+        except Unseen:
+            found = None
+        if found:
+            return found
+        if time.monotonic() > end:
+            raise AssertionError("waited in vain for " + what)
+        time.sleep(0.05)
+
+
+def run(*words):
+    return subprocess.run(list(map(str, words)), stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+
+
+def xdotool(*words):
+    return run("xdotool", *words).decode("utf-8", "replace").strip()
+
+
+class Picture:
+    """The pixels of a window without its last line."""
+
+    def __init__(self, window):
+        file = run("import", "-window", window, "-depth", "8", "ppm:-")
+        fields, at = [], 0
+        while len(fields) < 4:
+            end = min(i for i in (file.find(b" ", at), file.find(b"\n", at)) if i >= 0) if file else 0
+            if end <= 0:
+                raise Unseen
+            fields.append(file[at:end])
+            at = end + 1
+        self.width, height = int(fields[1]), int(fields[2])
+        self.height = height - STATUS
+        self.pixels = file[at:at + self.width * self.height * 3]
+
+    def __eq__(self, other):
+        return self.pixels[TITLE * self.width * 3:] == other.pixels[TITLE * other.width * 3:]
+
+    def is_at(self, x, y, colour):
+        at = (y * self.width + x) * 3
+        return self.pixels[at:at + 3] == bytes(colour)
+
+    def difference(self, other):
+        rows = [y for y in range(TITLE, self.height) if self.row(y) != other.row(y)]
+        return f"{len(rows)} rows differ, from {rows[0]} to {rows[-1]}" if rows else "none"
+
+    def row(self, y):
+        return self.pixels[y * self.width * 3:(y + 1) * self.width * 3]
+
+    def column(self, x):
+        """The colours of an upright line of pixels."""
+        step = self.width * 3
+        return list(zip(*(self.pixels[x * 3 + part::step] for part in range(3))))
+
+    def axis(self, colour):
+        """Where an axis of this colour stands: x, top and bottom of its upright line; nothing without one."""
+        for x in range(self.width):
+            column = [y for y, pixel in enumerate(self.column(x)) if pixel == colour]
+            # Curves and ticks may lie over some of it.
+            if len(column) > self.height / 2 and len(column) > 0.9 * (column[-1] - column[0]):
+                return x, column[0], column[-1]
+        return None
+
+    def bar(self):
+        """The left edge of the split bar: six upright lines, the outer two of one colour, the inner ones of another."""
+        tall = [column[0] if len(set(column)) == 1 else None for column in (self.column(x)[60:-10] for x in range(self.width))]
+        for x in range(self.width - 5):
+            edge, face = tall[x], tall[x + 1]
+            if edge and face and edge != face and tall[x:x + 6] == [edge, face, face, face, face, edge]:
+                return x
+        return None
+
+    def comment(self):
+        """The middle of the only comment."""
+        found = [(x, y) for y in range(self.height) for x in range(0, self.width, 4) if self.is_at(x, y, COMMENT)]
+        return (sum(x for x, _ in found) // len(found), sum(y for _, y in found) // len(found)) if found else None
+
+
+class PointerLook:
+    """What the pointer looks like: its pixels, from the screen itself."""
+
+    class Image(ctypes.Structure):
+        _fields_ = [("x", ctypes.c_short), ("y", ctypes.c_short), ("width", ctypes.c_ushort), ("height", ctypes.c_ushort),
+                    ("xhot", ctypes.c_ushort), ("yhot", ctypes.c_ushort), ("serial", ctypes.c_ulong),
+                    ("pixels", ctypes.POINTER(ctypes.c_ulong))]
+
+    def __init__(self):
+        self.x11, self.fixes = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXfixes.so.3")
+        self.x11.XOpenDisplay.restype = ctypes.c_void_p
+        self.fixes.XFixesGetCursorImage.restype = ctypes.POINTER(self.Image)
+        self.fixes.XFixesGetCursorImage.argtypes = self.x11.XFree.argtypes = self.x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+        self.display = self.x11.XOpenDisplay(None)
+        self.fixes.XFixesQueryExtension(ctypes.c_void_p(self.display), ctypes.byref(ctypes.c_int()), ctypes.byref(ctypes.c_int()))
+
+    def __call__(self):
+        image = self.fixes.XFixesGetCursorImage(self.display)
+        look = image.contents
+        pixels = (look.width, look.height, look.xhot, look.yhot, tuple(look.pixels[:look.width * look.height]))
+        self.x11.XFree(image)
+        return pixels
+
+    def close(self):
+        self.x11.XCloseDisplay(self.display)
+
+
+class Window:
+    """OrvikHost.exe and the hands of its user. Places are those of the window's picture."""
+
+    def __init__(self, folder, words, title, language="C.UTF-8", environment=None):
+        self.process = subprocess.Popen([options.wine, options.gui, *map(str, words)], cwd=folder, stdout=subprocess.DEVNULL,
+                                        env={**os.environ, "LC_ALL": language, **(environment or {})})
+        self.title_start = title
+        try:
+            self.id = until(self.find, "a window called " + title)
+        except AssertionError:
+            self.abandon()
+            raise
+        place = dict(line.split("=") for line in xdotool("getwindowgeometry", "--shell", self.id).splitlines())
+        self.x, self.y = int(place["X"]), int(place["Y"])
+        xdotool("windowfocus", "--sync", self.id)  # there is nobody else on the screen who would give it the keys
+
+    def find(self):
+        if self.process.poll() is not None:
+            raise AssertionError(f"the program ended with {self.process.returncode}")
+        return xdotool("search", "--onlyvisible", "--name", "^" + self.title_start).split("\n")[0]
+
+    def title(self):
+        return xdotool("getwindowname", self.id)
+
+    def is_modified(self):
+        return self.title().startswith(self.title_start + "*")
+
+    def picture(self):
+        return Picture(self.id)
+
+    def keep(self, name, whole_screen=False):
+        run("import", "-window", "root" if whole_screen else self.id, options.pictures / (name + ".png"))
+
+    def settled(self, other_than=None):
+        """The picture when it has become another one, and changes no more."""
+        last, same = None, 0
+
+        def settles():
+            nonlocal last, same
+            now = self.picture()
+            same = same + 1 if last is not None and now == last else 0
+            last = now
+            return same >= 3 and (other_than is None or now != other_than)
+
+        until(settles, "a picture that is another one and stays")
+        return last
+
+    def becomes(self, picture, what):
+        last = None
+
+        def same():
+            nonlocal last
+            last = self.picture()
+            return last == picture
+
+        try:
+            until(same, what)
+        except AssertionError as error:
+            self.keep("failed")
+            raise AssertionError(f"{error}: {picture.difference(last)}") from None
+
+    def key(self, *names):
+        xdotool("key", *names)
+
+    def point(self, x, y):
+        xdotool("mousemove", self.x + x, self.y + y)
+
+    def press(self, a, b):
+        """Down at a, over to b by way of a place between; what it does can be seen by then."""
+        before = self.settled()
+        self.point(*a)
+        xdotool("mousedown", 1)
+        self.point((a[0] + b[0]) // 2, (a[1] + b[1]) // 2)
+        self.point(*b)
+        return self.settled(other_than=before)
+
+    def release(self):
+        xdotool("mouseup", 1)
+
+    def drag(self, a, b, holding=None):
+        """A whole drag, with a key held; gives the picture that it leads to. It changes the view."""
+        before = self.settled()
+        if holding:
+            xdotool("keydown", holding)
+        self.press(a, b)
+        self.release()
+        if holding:
+            xdotool("keyup", holding)
+        self.key("Escape")  # no comment stays marked
+        self.point(AWAY[0] - self.x, AWAY[1] - self.y)
+        return self.settled(other_than=before)
+
+    def close(self):
+        """As a user closes it; gives the exit code."""
+        self.key("alt+F4")
+        until(lambda: self.process.poll() is not None, "the program's end")
+        return self.process.returncode
+
+    def abandon(self):
+        for button in (1, 3):
+            xdotool("mouseup", button)
+        xdotool("keyup", "ctrl", "keyup", "shift", "keyup", "alt")
+        if self.process.poll() is None:
+            run("import", "-window", "root", options.pictures / "left-open.png")
+            self.process.kill()
+            self.process.wait()
+
+
+class WindowFlow(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="orvik-window-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.file = self.folder / "week.odb"
+        minutes = range(400)
+        write_session(self.file, [(1_780_000_000 + 60 * i) * 1_000_000 for i in minutes],
+                      [("Air temperature", "\u00b0C", [15 + 8 * math.sin(i / 40) for i in minutes]),
+                       ("Humidity", "%", [60 + 20 * math.cos(i / 55) for i in minutes])],
+                      Chart={"Tags": {"Comment #0": {"sText": "Rain begins", "fLeft": ("r32", [0.3]), "fTop": ("r32", [0.2])}}})
+
+    def open(self, *words, title="week.odb", **more):
+        xdotool("mousemove", *AWAY)
+        window = Window(self.folder, words or [self.file], title, **more)
+        self.addCleanup(window.abandon)
+        return window
+
+    def charted(self, window):
+        """The window's picture once its chart is there, and where that stands."""
+        until(lambda: window.picture().axis(BLUE) and window.picture().axis(ORANGE), "a chart with both axes")
+        picture = window.settled()
+        self.left, self.top, self.bottom = picture.axis(BLUE)
+        self.right = picture.axis(ORANGE)[0]
+        return picture
+
+    def at(self, x, y):
+        """A place of the plot, by its parts."""
+        return self.left + int((self.right - self.left) * x), self.top + int((self.bottom - self.top) * y)
+
+    def test_a_view_is_made_undone_saved_and_restored(self):
+        window = self.open()
+        first = self.charted(window)
+        window.keep("1-opened")
+        self.assertFalse(window.is_modified())
+        beside_left, below = self.left - 18, self.bottom + 24
+
+        views = [first]
+        views.append(window.drag(self.at(0.15, 0.1), self.at(0.75, 0.7)))
+        until(window.is_modified, "the title's sign of a change")
+        window.keep("2-zoomed")
+        middle = (self.top + self.bottom) // 2
+        views.append(window.drag((beside_left, middle), (beside_left, middle - 60), holding="ctrl"))
+        window.keep("3-axis-panned")
+        views.append(window.drag(((self.left + self.right) // 2, below), ((self.left + self.right) // 2 + 50, below)))
+        window.keep("4-time-stretched")
+        comment = views[-1].comment()
+        self.assertIsNotNone(comment)
+        views.append(window.drag(comment, (comment[0] + 70, comment[1] + 120)))
+        window.keep("5-comment-moved")
+
+        # Each step back shows what was there before it, and the first picture comes back whole.
+        for earlier in reversed(views[:-1]):
+            window.key("ctrl+z")
+            window.becomes(earlier, "a step back")
+        until(lambda: not window.is_modified(), "a title without a change")
+        window.keep("6-all-undone")
+        for later in views[1:]:
+            window.key("ctrl+y")
+            window.becomes(later, "a step done again")
+
+        written = self.file.stat().st_mtime_ns
+        window.key("ctrl+s")
+        until(lambda: not window.is_modified(), "a saved session")
+        self.assertNotEqual(self.file.stat().st_mtime_ns, written)
+        self.assertEqual(window.close(), 0)
+
+        again = self.open()
+        again.becomes(views[-1], "the view that was saved")
+        again.keep("7-reopened")
+        self.assertEqual(again.close(), 0)
+
+    def test_a_drag_that_is_given_up_gives_the_picture_back(self):
+        window = self.open()
+        first = self.charted(window)
+        beside_left, beside_right = (self.left - 18, self.at(0, 0.5)[1]), (self.right + 18, self.at(0, 0.4)[1])
+        outside = (-3, 900 - window.y)
+        for kind, (a, b) in {
+                "zoom": (self.at(0.5, 0.3), self.at(0.8, 0.7)), "comment": (first.comment(), self.at(0.7, 0.6)),
+                "axis": (beside_left, (beside_left[0], beside_left[1] + 80)),
+                "outside": (self.at(0.6, 0.5), outside), "axis outside": (beside_right, outside)
+        }.items():
+            shown = window.press(a, b)
+            if kind == "zoom":
+                window.keep("8-in-the-middle-of-a-zoom")
+            self.assertNotEqual(shown, first, kind)
+            window.key("Escape")
+            window.release()
+            window.key("Escape")  # the comment's mark
+            window.becomes(first, "the picture before: " + kind)
+        # A second button gives up as well; and what ends outside the window is a step like any other.
+        window.press(self.at(0.2, 0.6), self.at(0.3, 0.9))
+        xdotool("click", 3)
+        window.release()
+        window.becomes(first, "the picture before: second button")
+        self.assertFalse(window.is_modified())
+        window.drag(beside_left, outside)
+        until(window.is_modified, "a step that ended outside")
+        window.key("ctrl+z")
+        window.becomes(first, "the picture before: ended outside")
+        self.assertEqual(window.close(), 0)
+
+    def test_the_pointer_tells_what_can_be_grabbed(self):
+        window = self.open()
+        first = self.charted(window)
+        look = PointerLook()
+        self.addCleanup(look.close)
+        looks = {}
+        for name, place in {
+                "plot": self.at(0.6, 0.5), "comment": first.comment(), "value axis": (self.left - 4, self.at(0, 0.5)[1]),
+                "its labels": (self.left - 18, self.at(0, 0.5)[1]), "its unit": (self.left - 8, self.top - 8),
+                "time axis": (self.at(0.5, 0)[0], self.bottom + 5), "its dates": (self.at(0.5, 0)[0], self.bottom + 24),
+                "list": (first.width - 40, 200)
+        }.items():
+            before = look()
+            window.point(*place)
+            try:
+                until(lambda: look() != before, "another pointer over the " + name)
+            except AssertionError:
+                raise AssertionError(f"the pointer over the {name} is that of the last place") from None
+            looks[name] = look()
+        self.assertEqual(len(set(looks.values())), len(looks))
+        self.assertEqual(window.close(), 0)
+
+    def test_swedish_users_have_swedish_menus(self):
+        window = self.open(language="sv_SE.UTF-8")
+        first = self.charted(window)
+        window.drag(self.at(0.45, 0.25), self.at(0.95, 0.75))
+        shown = Picture("root")
+        window.key("alt+r")  # "Redigera"; in English it is another letter
+        until(lambda: Picture("root") != shown, "the menu")
+        until(lambda: (lambda a: a == Picture("root"))(Picture("root")), "the menu to be drawn")
+        window.keep("9-swedish-menu", whole_screen=True)
+        window.key("Escape", "Escape")
+        until(lambda: Picture("root") == shown, "the menu's end")
+        window.key("ctrl+z")
+        window.becomes(first, "the picture before")
+        self.assertEqual(window.close(), 0)
+
+    def download(self, *words, title, faults=()):
+        line = SimulatedLine(options, self.folder, faults)
+        self.addCleanup(line.stop)
+        return self.open("--port", line.port, *words, title=title, environment=simulated_line.environment(options))
+
+    def move_bar(self, window):
+        """The bar between chart and list to another place, and back by a step back."""
+        start = until(lambda: window.picture().bar(), "the split bar")
+        window.point(start + 3, 300)
+        xdotool("mousedown", 1)
+        window.point(start - 60, 300)
+        window.point(start - 97, 300)
+        window.release()
+        until(lambda: window.picture().bar() == start - 100, "the bar at its new place")
+        window.key("ctrl+z")
+        until(lambda: window.picture().bar() == start, "the bar at its old place")
+
+    def test_it_can_be_used_while_it_downloads(self):
+        window = self.download("--interval", "50", title="Demo logger")
+        until(window.is_modified, "the first reading")
+        until(lambda: window.picture().axis(ORANGE), "a chart")
+        self.move_bar(window)
+        before = window.picture()
+        until(lambda: window.picture() != before, "more readings")
+        # Readings wait for the end of a drag.
+        window.point(300, 300)
+        xdotool("mousedown", 1)
+        window.point(340, 330)
+        window.point(400, 360)
+        shown = window.settled()
+        window.keep("10-downloading")
+        window.key("Escape")
+        window.release()
+        until(lambda: window.picture() != shown, "the readings that waited")
+        before = window.picture()
+        until(lambda: window.picture() != before, "more readings still")
+        window.key("ctrl+b")
+        window.settled()
+        window.key("alt+F4")
+        question = until(lambda: xdotool("search", "--onlyvisible", "--name", "^OrvikHost$"), "the question whether to keep the readings")
+        window.keep("11-question", whole_screen=True)
+        xdotool("windowfocus", "--sync", question.split("\n")[0])
+        window.key("n")
+        until(lambda: window.process.poll() is not None, "the program's end")
+        self.assertEqual(window.process.returncode, 0)
+
+    def test_it_can_be_used_while_a_logger_keeps_silent(self):
+        # The first answer is awaited for ten minutes; nothing else waits for it.
+        window = self.download("--timeout", "600000", title="Demo logger", faults=["--fault", "silent"])
+        self.move_bar(window)
+        self.assertEqual(window.close(), 0)
+
+
+if __name__ == "__main__":
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--gui", required=True)
+    parser.add_argument("--wine", required=True)
+    parser.add_argument("--simulator", required=True)
+    parser.add_argument("--preload", required=True)
+    parser.add_argument("--pictures", required=True, type=pathlib.Path)
+    parser.add_argument("--patience", type=float, default=90, help="seconds that a busy machine may need for a step that takes a tenth of one")
+    options, rest = parser.parse_known_args()
+    if not os.environ.get("DISPLAY"):
+        sys.exit("test_window.py needs a screen that is nobody's: tools/with-wine test_window.py ...")
+    options.pictures = options.pictures.absolute()
+    options.pictures.mkdir(parents=True, exist_ok=True)
+    atexit.register(xdotool, "mousemove", *AWAY)
+    with tempfile.TemporaryDirectory(prefix="orvik-records-") as options.records:
+        unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
