@@ -37,7 +37,7 @@
 struct ICONINFO {
     BOOL fIcon;  // else a cursor
     DWORD xHotspot, yHotspot;
-    HBITMAP hbmMask, hbmColor;  // always null here: there are no bitmap objects on this home
+    HBITMAP hbmMask, hbmColor;  // always null here: cursors and icons hand out no bitmaps
 };
 
 // Which language a text is in: the calling thread's choice, else that of LC_ALL, LC_MESSAGES or LANG as they stood at the first
