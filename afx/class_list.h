@@ -1,4 +1,4 @@
-// The lock of the lists that modules join and leave while they load and unload.
+// The lock of the lists that modules join and leave while they load and unload. Internal.
 // A spin lock that needs no construction: it is taken before any constructor of this module may have run, for a few instructions.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Texts from the string table with places to fill in.
+// Texts from the string table with places to fill in. Any thread.
 #pragma once
 
 #include "afx/string.h"

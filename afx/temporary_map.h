@@ -1,4 +1,5 @@
-// Which object has which handle, and objects for handles that none has. Internal to afx.
+// Which object has which handle, and objects for handles that none has. Internal. Owner maps are for
+// any thread, rings for one.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-// Letter case of single Windows-1252 bytes. Any thread; no state, no locale.
+// Letter case of single Windows-1252 bytes. Any thread; no state, no locale. Internal.
 #pragma once
 
 namespace orvik::detail {

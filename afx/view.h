@@ -1,5 +1,5 @@
 // The framework's view: a window that shows a document.
-// Belongs to its window's thread.
+// Belongs to its window's thread, and its object to whoever made it.
 #pragma once
 
 #include "afx/wnd.h"

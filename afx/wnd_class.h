@@ -1,4 +1,4 @@
-// The window classes that AfxRegisterWndClass made, for the module's end. On the thread that unloads the module.
+// The window classes that AfxRegisterWndClass made, for the module's end. On the thread that unloads the module. Internal.
 #pragma once
 
 namespace orvik::detail {

@@ -1,6 +1,6 @@
-// The markers between which commands are one step of undo and redo. Each is named after the direction in which it does the work:
-// the one at the group's end undoes it, the one at its beginning does it again. Groups may hold groups.
-// A group that lost its other marker, because the history's limit cut it off or it was never ended, ends at the history's end.
+// The markers between which commands are one step of undo and redo. Internal. Each is named after the direction in which it does
+// the work: the one at the group's end undoes it, the one at its beginning does it again. Groups may hold groups. A group that
+// lost its other marker, because the history's limit cut it off or it was never ended, ends at the history's end.
 #pragma once
 
 #include "commands/do_command.h"

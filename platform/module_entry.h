@@ -1,5 +1,5 @@
 // The module's entry: what the loader of either home calls when the shared library is loaded and unloaded. The frame does the
-// work. On the thread that loads or unloads, under the loader's lock: no waiting, no loading of other libraries.
+// work. Internal. On the thread that loads or unloads, under the loader's lock: no waiting, no loading of other libraries.
 #pragma once
 
 #include "platform/win32.h"

@@ -1,5 +1,6 @@
-// The one door to the operating system: the Win32 names this house uses, on both homes.
-// Windows has them in its own headers; elsewhere platform/posix/ gives each the meaning that its documentation gives it.
+// The one door to the operating system: the Win32 names this house uses, on both homes. Threads, ownership and failures are those
+// of their documentation. Windows has them in its own headers; elsewhere platform/posix/ gives each the meaning that its
+// documentation gives it.
 #pragma once
 
 #include "platform/api.h"

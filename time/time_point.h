@@ -45,6 +45,7 @@ public:
 
     void GetAtlTime(CTime* time) const;  // whole seconds, truncated toward zero
     void SetAtlTime(const CTime* time);
+    // The count itself, in microseconds: what files hold.
     void SetBinaryTime(__int64 count) { m_time = count; }
     __int64 GetBinaryTime() const { return m_time; }
     __int64 GetAnsiTime() const { return m_time / 1'000'000; }  // seconds since 1970, truncated toward zero

@@ -1,5 +1,5 @@
 // Numbers as they stand in files: the same text and the same value whatever locale the process has chosen.
-// Pure functions; any thread.
+// Pure functions; any thread. Internal.
 #pragma once
 
 #include "platform/api.h"
