@@ -126,10 +126,12 @@ void CBCGPPropList::ResetOriginalValues() {
         next->SetValue(next->GetOriginalValue());
         changed.push_back(next);
     }
-    // Whoever is told may fill the grid anew; then the rest is gone.
+    // Whoever is told may fill the grid anew, or destroy it, and this object with it; then the rest is gone.
+    const HWND self = m_hWnd;
     const unsigned filling = m_nFilling;
     for (CBCGPProp* prop : changed) {
-        if (filling == m_nFilling) OnPropertyChanged(prop);
+        OnPropertyChanged(prop);
+        if (!::IsWindow(self) || filling != m_nFilling) return;
     }
 }
 
@@ -240,7 +242,7 @@ void CBCGPPropList::ScrollTo(int top) {
     m_scroll->SendMessage(SBM_SETSCROLLINFO, TRUE, reinterpret_cast<LPARAM>(&info));
     if (m_edit != nullptr && m_pEdited != nullptr) m_edit->MoveWindow(EditorRect(m_pEdited));
     const CRect rows = Layout().rows;
-    InvalidateRect(rows, FALSE);
+    if (m_hWnd != nullptr) InvalidateRect(rows, FALSE);
 }
 
 void CBCGPPropList::EnsureVisible(CBCGPProp* pProp) {

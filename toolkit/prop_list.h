@@ -51,7 +51,7 @@ public:
     int GetPropertyCount() const { return static_cast<int>(m_props.size()); }
     CBCGPProp* GetProperty(int nIndex) const;
     void ExpandAll(BOOL bExpand = TRUE);
-    // Every change back to its original, the parent told of each.
+    // Every change back to its original, then the parent told of each, unless it removes all properties on being told.
     void ResetOriginalValues();
 
     CBCGPProp* GetCurSel() const { return m_pSel; }
@@ -60,7 +60,8 @@ public:
     void EnsureVisible(CBCGPProp* pProp);
     CBCGPProp* HitTest(CPoint point) const;
 
-    // Begins the editing of the selected property; 0 where there is nothing to edit. EndEditItem is 0 when the text was refused.
+    // Begins the editing of the selected property; 0 where there is nothing to edit. EndEditItem is 0 when the text was refused,
+    // and when whoever learnt of the change has destroyed the grid.
     BOOL EditItem();
     BOOL EndEditItem(BOOL bUpdateData = TRUE);
     BOOL IsEditing() const { return m_edit != nullptr || m_choices != nullptr; }

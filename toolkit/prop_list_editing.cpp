@@ -100,8 +100,7 @@ void CPropChoices::OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
             list.EndEditItem(FALSE);
             return;
         case VK_TAB:
-            list.EndEditItem();
-            list.LeaveByTab(::GetKeyState(VK_SHIFT) < 0);
+            if (list.EndEditItem()) list.LeaveByTab(::GetKeyState(VK_SHIFT) < 0);
             return;
         default:
             CListBox::OnKeyDown(nChar, nRepCnt, nFlags);
@@ -201,6 +200,8 @@ void CBCGPPropList::OpenChoices(CBCGPProp& prop) {
 BOOL CBCGPPropList::EndEditItem(BOOL bUpdateData) {
     if (!IsEditing()) return TRUE;
     CBCGPProp* const prop = m_pEdited;
+    // Whoever learns of the change, or whatever comes while the user is told, may end the dialog, and this object with it.
+    const HWND self = m_hWnd;
     if (!bUpdateData || prop == nullptr) {
         CloseEditors();
         return TRUE;
@@ -209,20 +210,20 @@ BOOL CBCGPPropList::EndEditItem(BOOL bUpdateData) {
         const int choice = static_cast<CListBox*>(m_choices.get())->GetCurSel();
         CloseEditors();
         if (choice >= 0 && !Take(*prop, prop->GetOption(choice))) Refuse(*prop);
-        return TRUE;
+        return ::IsWindow(self);
     }
     CString text;
     m_edit->GetWindowText(text);
     if (!Means(*prop, text)) {
         Refuse(*prop);
-        if (m_edit == nullptr) return FALSE;
+        if (!::IsWindow(self) || m_edit == nullptr) return FALSE;
         m_edit->SetFocus();
         static_cast<CEdit*>(m_edit.get())->SetSel(0, -1);
         return FALSE;
     }
     CloseEditors();
     Take(*prop, text);
-    return TRUE;
+    return ::IsWindow(self);
 }
 
 bool CBCGPPropList::LeaveEditor() { return EndEditItem(m_choices == nullptr) != FALSE; }

@@ -31,8 +31,10 @@ public:
 
     bool operator==(const CBCGPPropValue& other) const {
         if (IsText() && other.IsText()) return Text().Compare(other.Text()) == 0;
+        // What is no number is the same as itself here, or it would always look changed.
+        const bool noNumbers = Real() != Real() && other.Real() != other.Real();
         return m_value.index() == other.m_value.index() && Bool() == other.Bool() && Integer() == other.Integer() &&
-               Real() == other.Real();
+               (noNumbers || Real() == other.Real());
     }
 
 private:

@@ -2,6 +2,7 @@
 #include "toolkit/prop_list.h"
 
 #include <cstring>
+#include <limits>
 
 #include "afx/controls.h"
 #include "afx/menu.h"
@@ -125,6 +126,8 @@ TEST_F(PropList, PropertiesKnowTheirPlaceAndTheirValues) {
     EXPECT_TRUE(parent.changed.empty()) << "the program's own changes are no news";
     name->ResetOriginalValue();
     EXPECT_FALSE(name->IsModified());
+    EXPECT_FALSE(CBCGPProp("Gap", std::numeric_limits<double>::quiet_NaN()).IsModified())
+        << "what is no number is so from the start";
     channel->Expand(FALSE);
     EXPECT_EQ(grid.GetRowCount(), 2);
     EXPECT_TRUE(grid.GetPropertyRect(name).IsRectEmpty());

@@ -20,6 +20,28 @@ protected:
     void OnCancel() override { ++cancelled; }
 };
 
+// Ends or empties itself as soon as it is told.
+class Passing : public CPropListDialog {
+public:
+    using CPropListDialog::Create;
+    explicit Passing(bool empties) : m_empties(empties) { ++living; }
+    ~Passing() override { --living; }
+    inline static int living = 0, told = 0;
+
+protected:
+    void OnPropertyChanged(DWORD_PTR) override {
+        ++told;
+        if (m_empties)
+            m_wndPropList.RemoveAll();
+        else
+            DestroyWindow();
+    }
+    void PostNcDestroy() override { delete this; }
+
+private:
+    bool m_empties;
+};
+
 class PropListDialog : public DialogTest {
 protected:
     CRect Grid() const { return PlaceIn(dialog, GetDlgItem(dialog, IDC_ORVIK_GRID)); }
@@ -191,4 +213,65 @@ TEST_F(PropListDialog, EveryKindOfPropertyStandsUpToTheReadersCorpora) {
     EXPECT_EQ(refused[0] + refused[4], 0) << "a text is any text";
     for (const size_t kind : {1u, 2u, 3u}) EXPECT_GT(refused[kind], 50);
     EXPECT_GT(taken[1], 0);
+}
+
+// A modeless dialog that is told of a change may destroy itself at once, and its object; so may it remove all properties.
+TEST_F(PropListDialog, ItMayEndOrEmptyItselfOnBeingTold) {
+    struct Way {
+        const char* name;
+        int row;           // that is edited
+        const char* text;  // null: chosen
+        std::function<void(CBCGPPropList&, HWND field)> leave;
+    };
+    const auto key = [](UINT code) { return [code](CBCGPPropList&, HWND field) { Press(field, code); }; };
+    const auto click = [](CBCGPPropList& grid, int row, int x) {
+        const CRect place = grid.GetPropertyRect(grid.GetProperty(row));
+        ClickAt(grid, {place.left + x, place.top + 4});
+    };
+    const Way ways[] = {
+        {"Enter", 0, "6", key(VK_RETURN)},
+        {"Down", 0, "6", key(VK_DOWN)},
+        {"Tab", 0, "6", key(VK_TAB)},
+        {"another row", 0, "6", [&](CBCGPPropList& grid, HWND) { click(grid, 1, 60); }},
+        {"another window", 0, "6", [&](CBCGPPropList&, HWND) { ::SetFocus(owner); }},
+        {"OK", 0, "6", [&](CBCGPPropList& grid, HWND) { ::SendMessageA(::GetParent(grid), WM_COMMAND, IDOK, 0); }},
+        {"Enter on a choice", 1, nullptr, key(VK_RETURN)},
+        {"Tab on a choice", 1, nullptr, key(VK_TAB)},
+        {"Space", -1, nullptr, [](CBCGPPropList& grid, HWND) { grid.SetCurSel(grid.GetProperty(1)), Press(grid, VK_SPACE); }},
+        {"all reset", -1, nullptr,
+         [](CBCGPPropList& grid, HWND) {
+             grid.GetProperty(0)->SetValue(7), grid.GetProperty(1)->SetValue("Pa");
+             grid.ResetOriginalValues();
+         }},
+    };
+    for (const bool empties : {false, true}) {
+        for (const Way& way : ways) {
+            auto* passing = new Passing(empties);
+            ASSERT_TRUE(passing->Create(IDD_ORVIK_PROPERTIES, &owner));
+            passing->ShowWindow(SW_SHOW);
+            const HWND window = *passing;
+            CBCGPPropList& grid = passing->GetPropList();
+            auto* unit = new CBCGPProp("Unit", "bar");
+            unit->AddOption("bar"), unit->AddOption("Pa");
+            grid.AddProperty(new CBCGPProp("Count", 5)), grid.AddProperty(unit);
+            grid.SetFocus();
+            if (way.row >= 0) {
+                grid.SetCurSel(grid.GetProperty(way.row));
+                ASSERT_TRUE(grid.EditItem());
+                if (way.text != nullptr)
+                    SetWindowTextA(::GetFocus(), way.text);
+                else
+                    Press(::GetFocus(), VK_DOWN);
+            }
+            Passing::told = 0;
+            way.leave(grid, ::GetFocus());
+            EXPECT_EQ(Passing::told, 1) << way.name;
+            EXPECT_EQ(IsWindow(window) != FALSE, empties) << way.name;
+            if (empties) {
+                EXPECT_EQ(grid.GetPropertyCount(), 0) << way.name;
+                ::DestroyWindow(window);
+            }
+            EXPECT_EQ(Passing::living, 0) << way.name;
+        }
+    }
 }
