@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <numeric>
 
 #include "chart/unit_axis.h"
@@ -11,6 +12,9 @@
 
 namespace {
 constexpr char kFolder[] = "Chart", kTagFolder[] = "Tags";
+// Chosen to be told apart with any kind of colour vision, on white paper.
+constexpr COLORREF kColours[] = {RGB(0, 114, 178), RGB(213, 94, 0),   RGB(0, 140, 105), RGB(190, 90, 155),
+                                 RGB(215, 145, 0), RGB(70, 165, 220), RGB(85, 85, 85),  RGB(120, 110, 20)};
 constexpr LONG kFrame = 1 << 20;  // sides of the frame in which a new tag's place is told
 
 // The range of an axis for data between these values. Data that hardly differ get a range in which their line lies in the middle.
@@ -84,7 +88,7 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
         if (unit == m_units.end()) unit = m_units.insert(m_units.end(), Unit{channel.unit, {}});
         unit->series.push_back(m_series.size());
         m_series.push_back({channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]",
-                            static_cast<size_t>(unit - m_units.begin()), i, values});
+                            static_cast<size_t>(unit - m_units.begin()), i, ColourOf(i), values});
     }
     ScaleUnits();
 }
@@ -136,7 +140,25 @@ void ChartModel::Load(IPropertyDB& db) {
     m_tags.OnDBGet(&db);
     db.EndUsing();
     db.EndUsing();
+    for (Series& series : m_series) series.colour = ColourIn(db, m_session.Channels()[series.number].key, series.number);
     ScaleUnits();
+}
+
+COLORREF ChartModel::ColourOf(size_t channel) { return kColours[channel % std::size(kColours)]; }
+
+COLORREF ChartModel::ColourIn(IPropertyDB& db, const std::string& key, size_t channel) {
+    constexpr unsigned int kLast = 0xFFFFFF;
+    unsigned int stored = 0;
+    return db.GetValue(("Channels." + key + ".nColour").c_str(), stored) && stored <= kLast ? stored : ColourOf(channel);
+}
+
+void ChartModel::SetLook(size_t channel, const std::string& name, COLORREF colour) {
+    for (Series& series : m_series) {
+        if (series.number != channel) continue;
+        const std::string& unit = m_units[series.unit].text;
+        series.name = unit.empty() ? name : name + " [" + unit + "]";
+        series.colour = colour;
+    }
 }
 
 bool ChartModel::Store(IPropertyDB& db) {

@@ -15,7 +15,8 @@ public:
     struct Series {
         std::string name;  // with its unit: "Air temperature [°C]"
         size_t unit;       // index of its unit
-        size_t number;     // among all channels of the session: its colour, whatever else is shown
+        size_t number;     // among all channels of the session
+        COLORREF colour;
         const double* values;
     };
     struct Unit {
@@ -51,6 +52,13 @@ public:
     void AddTag(__int64 time, double value, const std::string& text);
     void ClearTags();
     CFloatingTagManager& Tags() { return m_tags; }
+
+    // What the channel with this number is called and drawn with, if it is shown.
+    void SetLook(size_t channel, const std::string& name, COLORREF colour);
+    // A channel's colour where nothing else is said: its own, whatever else is shown.
+    static COLORREF ColourOf(size_t channel);
+    // The colour that a session's database tells for a channel.
+    static COLORREF ColourIn(IPropertyDB& db, const std::string& key, size_t channel);
 
 private:
     void ScaleUnits();

@@ -12,9 +12,6 @@
 namespace {
 constexpr char kFace[] = "DejaVu Sans";
 constexpr COLORREF kWhite = RGB(255, 255, 255), kBlack = RGB(0, 0, 0), kGrey = RGB(90, 90, 90), kRaster = RGB(224, 224, 224);
-// Chosen to be told apart with any kind of colour vision, on white paper.
-constexpr COLORREF kColours[] = {RGB(0, 114, 178), RGB(213, 94, 0),   RGB(0, 140, 105), RGB(190, 90, 155),
-                                 RGB(215, 145, 0), RGB(70, 165, 220), RGB(85, 85, 85),  RGB(120, 110, 20)};
 constexpr SIZE kTagRoom = {12, 8};  // what a tag's text has around it
 constexpr LONG kUnitLetters = 16;   // a longer unit is cut in front of its axis; the legend has it whole
 
@@ -56,8 +53,6 @@ LONG WidestLabel(const CDC& dc, const CUnitAxis& axis) {
     return widest;
 }
 }  // namespace
-
-COLORREF ChartView::ColourOf(size_t channel) { return kColours[channel % std::size(kColours)]; }
 
 ChartView::ChartView(ChartModel& model) : m_model(model), m_time(new CTimeAxis(model.First())) {
     m_time->AddRef();
@@ -143,7 +138,7 @@ void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
         const float y = static_cast<float>(entry.top + entry.bottom - 1) / 2, line = static_cast<float>(m_line);
         const ORVIK_CURVE_POINT swatch[] = {{static_cast<float>(entry.left) + 2, y},
                                             {static_cast<float>(entry.left) + line * 1.5f, y}};
-        OrvikSmoothPolyline(dc.m_hDC, swatch, 2, ColourOf(series.number), std::max(line / 5, 2.0f));
+        OrvikSmoothPolyline(dc.m_hDC, swatch, 2, series.colour, std::max(line / 5, 2.0f));
         entry.left += m_layout.swatch;
         Write(dc, series.name, entry);
     }
@@ -158,7 +153,7 @@ void ChartView::DrawAxes(CDC& dc) {
         // An axis that only one channel has shows that channel's colour.
         const auto& series = m_model.Units()[m_places[i]].series;
         if (series.size() != 1) continue;
-        CPen pen(PS_SOLID, 2, ColourOf(m_model.AllSeries()[series.front()].number));
+        CPen pen(PS_SOLID, 2, m_model.AllSeries()[series.front()].colour);
         CPen* const before = dc.SelectObject(&pen);
         dc.MoveTo(place.position, plot.top);
         dc.LineTo(place.position, plot.bottom);
@@ -194,7 +189,7 @@ void ChartView::DrawTraces(CDC& dc) {
         const ChartModel::Series& series = m_model.AllSeries()[i];
         const ReducedSeries line = ReduceSeries(m_model.Data(series), MappingOf(*m_axes[series.unit]));
         if (line.points.empty()) continue;
-        const COLORREF colour = ColourOf(series.number);
+        const COLORREF colour = series.colour;
         OrvikSmoothPolyline(dc.m_hDC, line.points.data(), static_cast<int>(line.points.size()), colour, width);
         if (!line.markers) continue;
         std::vector<ORVIK_CURVE_POINT> dots;

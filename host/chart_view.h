@@ -35,8 +35,6 @@ public:
     RECT TagFrame() const;
     RECT TagRect(const CFloatingTag& tag) const;
 
-    static COLORREF ColourOf(size_t channel);
-
 private:
     void MeasureAndPlace(CDC& dc, const RECT& bounds);
     void DrawHeads(CDC& dc, CFont& ordinary, CFont& bold);

@@ -8,6 +8,7 @@
 #include "host/logger_file.h"
 #include "host/stop_request.h"
 #include "host/texts.h"
+#include "ui/progress_bar.h"
 
 namespace {
 using Clock = std::chrono::steady_clock;
@@ -36,7 +37,9 @@ std::string WhyNotOpened(const std::string& port, CCommException* failure) {
 // The readings of one download: a task of the scheduler, which makes one reading a run and stays registered until the last one.
 class Readings : public CVXTTask {
 public:
-    Readings(ILogger& logger, const DownloadPlan& plan, Session& session) : m_logger(logger), m_plan(plan), m_session(session) {}
+    Readings(ILogger& logger, const DownloadPlan& plan, Session& session) : m_logger(logger), m_plan(plan), m_session(session) {
+        m_bar.Start(static_cast<LONG>(plan.count), nullptr, nullptr, nullptr, TRUE, nullptr, TRUE);
+    }
 
     // Handles this thread's messages and runs the scheduler until the readings are made. Gives what ended them early.
     std::optional<Failure> MakeAll() {
@@ -58,7 +61,9 @@ public:
     }
 
     BOOL OnShedule() override {
-        m_progress.Show(Say(Text::Progress, {std::to_string(m_made + 1), std::to_string(m_plan.count)}));
+        const std::string text = Say(Text::Progress, {std::to_string(m_made + 1), std::to_string(m_plan.count)});
+        m_bar.Feed(static_cast<LONG>(m_made), text.c_str(), nullptr, FALSE);  // messages are handled in MakeAll
+        m_progress.Show(text);
         m_ended = MakeOne();
         if (m_ended || ++m_made == m_plan.count) return FALSE;
         RaiseShedule(static_cast<DWORD>(MillisecondsLeft()));
@@ -93,6 +98,7 @@ private:
     ILogger& m_logger;
     const DownloadPlan& m_plan;
     Session& m_session;
+    CProgressBar m_bar;
     ProgressLine m_progress;
     const Clock::time_point m_started = Clock::now();
     DWORD m_made = 0;

@@ -8,6 +8,9 @@
 #include "host/host_app.h"
 #include "host/session.h"
 
+// So many readings are never made: a download that goes on until it is stopped.
+constexpr DWORD kForEver = 0xFFFFFFFF;
+
 struct DownloadPlan {
     std::string port;
     DWORD count = 10;

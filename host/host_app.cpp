@@ -66,3 +66,7 @@ IDeviceFamily* CHostApp::FindDeviceFamily(const char* name) {
         return nullptr;
     }
 }
+
+int CHostApp::DoMessageBox(LPCSTR prompt, UINT type, UINT) {
+    return ::MessageBoxA(::GetActiveWindow(), prompt, "OrvikHost", type);
+}

@@ -24,6 +24,8 @@ public:
     // The line as it stands: it is finished text, and the per-cent signs that a device sends are its data.
     void Trace(const char* text, ...) override;
     IDeviceFamily* FindDeviceFamily(const char* name) override;
+    // Over the window that is in use.
+    int DoMessageBox(LPCSTR prompt, UINT type, UINT help) override;
     int IsCommTraceEnabled() override { return m_trace != nullptr; }
 
     PluginLibrary& Plugins() { return m_plugins; }

@@ -1,5 +1,5 @@
 // Replaces a file as a whole: the new contents are written to a file beside it, flushed to the disk and put in its place in one
-// step. Whatever happens in between, the name holds the old file or the new one. Internal; one thread for one of them.
+// step. Whatever happens in between, the name holds the old file or the new one. One thread for one of them.
 // Failures are Win32 codes.
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace orvik::detail {
 
-class FileReplacement {
+class ORVIK_API FileReplacement {
 public:
     FileReplacement() = default;
     FileReplacement(const FileReplacement&) = delete;

@@ -40,6 +40,36 @@
 #define IDC_ORVIK_MESSAGE2 17120
 #define IDC_ORVIK_BOTTOM 17121
 
+/* Dialogs of the reference host. */
+#define IDD_HOST_RANGE 231
+#define IDC_HOST_FROM 1201
+#define IDC_HOST_TO 1202
+#define IDC_HOST_PICTURE 1203
+#define IDD_HOST_TIME_RANGE 232
+#define IDC_HOST_DATE 1204
+#define IDC_HOST_TIME 1205
+#define IDC_HOST_SPAN 1206
+#define IDC_HOST_BY_TIME 1241
+#define IDC_HOST_BY_SPAN 1242
+#define IDC_HOST_TO_DATE 1243
+#define IDC_HOST_TO_TIME 1244
+#define IDD_HOST_DOWNLOAD 233
+#define IDC_HOST_PORT 1207
+#define IDC_HOST_COUNT 1208
+#define IDC_HOST_INTERVAL 1209
+#define IDD_HOST_SAVE_PICTURE 234
+#define IDC_HOST_FILE 1211
+#define IDC_HOST_BROWSE 1212
+#define IDC_HOST_WIDTH 1213
+#define IDC_HOST_HEIGHT 1214
+#define IDC_HOST_PNG 1221
+#define IDC_HOST_SVG 1222
+#define IDC_HOST_PDF 1223
+#define IDD_HOST_ABOUT 235
+#define IDC_HOST_VERSION 1231
+#define IDC_HOST_WHAT 1232
+#define IDC_HOST_PURPOSE 1233
+
 /* Texts: 823 to 827 file copying, 828 to 838 protocol failures, 840 to 849 property list and data exchange, 8083 floating tag. */
 #define IDS_FILE_SAME 823
 #define IDS_FILE_NOT_COPIED 824

@@ -72,6 +72,15 @@ LRESULT ChartWindow::OnKey(WPARAM wParam, LPARAM) {
     return 0;
 }
 
+LRESULT ChartWindow::OnSystemKey(WPARAM wParam, LPARAM) {
+    if (wParam != VK_RETURN) return Default();
+    m_owner.OnPaneCommand(kCommandProperties);
+    return 0;
+}
+
+// Alt+Enter is handled; the system would sound a bell for its letter.
+LRESULT ChartWindow::OnSystemLetter(WPARAM wParam, LPARAM) { return wParam == VK_RETURN ? 0 : Default(); }
+
 void ChartWindow::MoveFocus(int dx, int dy, bool shift, bool control) {
     const ViewParts& parts = m_scene.Parts();
     const ViewState& state = m_document.State();

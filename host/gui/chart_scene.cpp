@@ -32,7 +32,9 @@ ViewState ChartScene::StateOf(const Session& session, IPropertyDB& db) {
     ViewState state;
     for (const Session::Channel& channel : session.Channels()) {
         const auto same = [&](const ViewState::Axis& axis) { return axis.unit == channel.unit; };
-        if (std::none_of(state.axes.begin(), state.axes.end(), same)) state.axes.push_back({channel.unit, std::nullopt});
+        if (std::none_of(state.axes.begin(), state.axes.end(), same)) state.axes.push_back({channel.unit, std::nullopt, {}});
+        const size_t number = state.channels.size();
+        state.channels.push_back({channel.key, channel.name, ChartModel::ColourIn(db, channel.key, number)});
     }
     ChartModel model(session, {});
     model.Load(db);
@@ -53,6 +55,17 @@ void ChartScene::Store(const ViewState& state, const Session& session, IProperty
     SetTags(model, state);
     model.Store(db);
     state.Store(db);
+    for (size_t i = 0; i < state.channels.size(); ++i) {
+        const ViewState::Channel& channel = state.channels[i];
+        db.BeginUsing(("Channels." + channel.key).c_str());
+        db.SetValue("sName", channel.name.c_str());
+        if (channel.colour == ChartModel::ColourOf(i)) {
+            db.Remove("nColour");
+        } else {
+            db.SetValue("nColour", static_cast<unsigned int>(channel.colour));
+        }
+        db.EndUsing();
+    }
 }
 
 void ChartScene::SetData(const Session* session, IPropertyDB* db) {
@@ -63,7 +76,7 @@ void ChartScene::SetData(const Session* session, IPropertyDB* db) {
 
 void ChartScene::SetState(const ViewState& state) {
     const auto sameUnit = [](const ViewState::Axis& a, const ViewState::Axis& b) { return a.unit == b.unit; };
-    const bool sameAxes = state.hidden == m_state.hidden &&
+    const bool sameAxes = state.hidden == m_state.hidden && state.channels == m_state.channels &&
                           std::equal(state.axes.begin(), state.axes.end(), m_state.axes.begin(), m_state.axes.end(), sameUnit);
     m_state = state;
     if (!sameAxes) Rebuild();
@@ -91,6 +104,8 @@ void ChartScene::Rebuild() {
     }
     m_model = std::make_unique<ChartModel>(*m_session, shown);  // without any, all are shown
     m_model->Load(*m_db);
+    for (size_t i = 0; i < m_state.channels.size(); ++i)
+        m_model->SetLook(i, m_state.channels[i].name, m_state.channels[i].colour);
     m_view = std::make_unique<ChartView>(*m_model);
     m_view->TimeAxis().AddRef();  // shown, as the others are once they are drawn
     // Axes that the state does not know stand behind the others.
@@ -194,7 +209,7 @@ void ChartScene::DrawFocus(CDC& dc, Focus focus) const {
     dc.DrawFocusRect(&rect);
 }
 
-CUnitAxis& ChartScene::Axis(int index) {
+CUnitAxis& ChartScene::Axis(int index) const {
     if (index == kTimeAxis) return m_view->TimeAxis();
     return *m_shown[index];
 }

@@ -38,8 +38,9 @@ public:
 
     // The axes shown, as the drag tracker has them: an exchange in the array is the wish to change places.
     CTypedPtrArray<CPtrArray, CUnitAxis*>& ShownAxes() { return m_shown; }
-    CUnitAxis& Axis(int index);  // among the parts; kTimeAxis
-    ViewRange RangeOf(int index) { return {Axis(index).GetOrigin(), Axis(index).GetExtent()}; }
+    CUnitAxis& Axis(int index) const;  // among the parts; kTimeAxis
+    CTimeAxis& TimeAxis() const { return m_view->TimeAxis(); }
+    ViewRange RangeOf(int index) const { return {Axis(index).GetOrigin(), Axis(index).GetExtent()}; }
     size_t PlaceOf(int index) const { return m_parts.axes[static_cast<size_t>(index)].place; }
 
 private:

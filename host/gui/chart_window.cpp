@@ -14,7 +14,9 @@ ON_MESSAGE(WM_MOUSEWHEEL, OnWheel)
 ON_MESSAGE(WM_CONTEXTMENU, OnMenuWish)
 ON_MESSAGE(WM_SETCURSOR, OnCursor)
 ON_MESSAGE(WM_KEYDOWN, OnKey)
+ON_MESSAGE(WM_SYSKEYDOWN, OnSystemKey)
 ON_MESSAGE(WM_CHAR, OnLetter)
+ON_MESSAGE(WM_SYSCHAR, OnSystemLetter)
 ON_MESSAGE(WM_USER + 4, OnRubber)
 END_MESSAGE_MAP()
 
@@ -121,4 +123,17 @@ LRESULT ChartWindow::OnSized(WPARAM, LPARAM) {
 void ChartWindow::DrawOn(CDC& dc, const RECT& bounds) {
     m_scene.Draw(dc, bounds, {});
     Redraw();  // the parts are those of the other size now
+}
+
+std::optional<size_t> ChartWindow::AxisPlace() const {
+    if (m_scene.Parts().axes.empty()) return std::nullopt;
+    const bool focused = m_focus.kind == Focus::Axis && m_focus.index != kTimeAxis;
+    return m_scene.PlaceOf(focused ? m_focus.index : 0);
+}
+
+ViewRange ChartWindow::ShownRange(size_t place) const {
+    for (size_t i = 0; i < m_scene.Parts().axes.size(); ++i) {
+        if (m_scene.PlaceOf(static_cast<int>(i)) == place) return m_scene.RangeOf(static_cast<int>(i));
+    }
+    return {};
 }

@@ -14,6 +14,7 @@ class PaneOwner {
 public:
     // The state to be, as one step of this name.
     virtual void Do(Text name, const ViewState& next) = 0;
+    virtual void OnPaneCommand(UINT command) = 0;
     // A key that the pane has no use for.
     virtual void OnPaneKey(WORD key) = 0;
     // What a press at the pointer's place would do; an empty text for nothing.
@@ -48,6 +49,13 @@ public:
     Focus GetFocusMark() const { return m_focus; }
     void SetFocusMark(Focus focus);
     const ViewParts& Parts() const { return m_scene.Parts(); }
+    // The value axis that commands are about: the one with the focus, else the first one, by its place in the state; nothing
+    // without axes. And what an axis, or the time axis, shows now.
+    std::optional<size_t> AxisPlace() const;
+    ViewRange ShownRange(size_t place) const;
+    ViewRange ShownTimes() const { return m_scene.RangeOf(kTimeAxis); }
+    CTimeAxis& TimeAxis() { return m_scene.TimeAxis(); }
+    void Prepare() { UpToDate(); }
     // The chart at another size, on another DC.
     void DrawOn(CDC& dc, const RECT& bounds);
     // What is being written in a tag is kept, or left.
@@ -65,7 +73,9 @@ protected:
     LRESULT OnMenuWish(WPARAM, LPARAM);
     LRESULT OnCursor(WPARAM, LPARAM);
     LRESULT OnKey(WPARAM, LPARAM);
+    LRESULT OnSystemKey(WPARAM, LPARAM);
     LRESULT OnLetter(WPARAM, LPARAM);
+    LRESULT OnSystemLetter(WPARAM, LPARAM);
     LRESULT OnRubber(WPARAM, LPARAM);
     DECLARE_MESSAGE_MAP()
 

@@ -10,7 +10,7 @@
 
 namespace {
 constexpr SIZE kWindow = {1000, 640};
-constexpr DWORD kWeek = 7 * 86'400'000, kForEver = 100'000'000;
+constexpr DWORD kWeek = 7 * 86'400'000;
 
 std::string HouseWord(const char* word) {
     std::string text(OrvikArgumentText(word, nullptr, 0), 0);

@@ -3,31 +3,13 @@
 #include <algorithm>
 
 #include "afx/dc.h"
-#include "afx/exception.h"
 #include "chart/split_bar_trackers.h"
-#include "comm/serial_device.h"
 #include "frame/app_stock.h"
-#include "host/chart_file.h"
-#include "host/gui/file_dialog.h"
 #include "host/gui/pane_font.h"
-#include "host/logger_file.h"
-#include "platform/picture.h"
 
 namespace {
 constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kKeyStep = 8;
-constexpr DWORD kLiveTimeout = 1000, kLiveInterval = 1000, kForEver = 100'000'000;
-
-std::string KindsOf(Text sessions, const char* patterns) {
-    return HouseText(sessions) + "|" + patterns + "|" + HouseText(Text::AllFiles) + "|*.*";
-}
 }  // namespace
-
-std::string HouseText(Text text, std::initializer_list<std::string_view> arguments) {
-    std::string house;
-    const std::string utf8 = Say(text, arguments);
-    if (!FromUtf8(utf8, house)) house = utf8;
-    return house;
-}
 
 BEGIN_MESSAGE_MAP(MainWindow, CWnd)
 ON_MESSAGE(WM_PAINT, OnPaintMessage)
@@ -37,9 +19,11 @@ ON_MESSAGE(WM_LBUTTONDOWN, OnPress)
 ON_MESSAGE(WM_MOUSEMOVE, OnPointer)
 ON_MESSAGE(WM_SETCURSOR, OnCursor)
 ON_MESSAGE(WM_KEYDOWN, OnKey)
+ON_MESSAGE(WM_SYSKEYDOWN, OnSystemKey)
 ON_MESSAGE(WM_SETFOCUS, OnFocusGot)
 ON_MESSAGE(WM_KILLFOCUS, OnFocusGot)
 ON_MESSAGE(WM_MOUSEWHEEL, OnWheel)
+ON_MESSAGE(WM_TIMER, OnTimer)
 ON_MESSAGE(WM_COMMAND, OnMenuCommand)
 ON_MESSAGE(WM_INITMENUPOPUP, OnMenuOpens)
 ON_MESSAGE(WM_CLOSE, OnCloseWish)
@@ -47,7 +31,7 @@ ON_MESSAGE(WM_DESTROY, OnGone)
 END_MESSAGE_MAP()
 
 MainWindow::MainWindow(CHostApp& app, Manner manner)
-    : m_app(app), m_manner(manner), m_chart(m_document, *this), m_pane(m_document, *this) {}
+    : m_app(app), m_manner(manner), m_chart(m_document, *this), m_list(m_document, *this) {}
 
 MainWindow::~MainWindow() {
     m_download.reset();
@@ -59,7 +43,7 @@ void MainWindow::CreateWindowOf(SIZE client, int show) {
     if (!CreateEx(0, windowClass, "OrvikHost", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, 800, 600, nullptr, nullptr))
         throw Failure{kFileFailed, Say(Text::NoWindow)};
     MakeMenu();
-    if (!m_chart.CreatePane(m_hWnd) || !m_pane.CreatePane(m_hWnd)) throw Failure{kFileFailed, Say(Text::NoWindow)};
+    if (!m_chart.CreatePane(m_hWnd) || !m_list.CreatePane(m_hWnd)) throw Failure{kFileFailed, Say(Text::NoWindow)};
     SetClientSize(client);
     UpdateTitle();
     UpdateMenu();
@@ -81,131 +65,6 @@ void MainWindow::SetClientSize(SIZE client) {
     Layout();
 }
 
-// --- What can fail ---
-
-template <class Work>
-bool MainWindow::Try(Work work) {
-    try {
-        work();
-        return true;
-    } catch (const Failure& failure) {
-        if (m_manner == Manner::Quiet) throw;
-        Tell(failure.sentence);
-    } catch (CException* exception) {
-        if (m_manner == Manner::Quiet) throw;
-        char text[512] = "";
-        exception->GetErrorMessage(text, sizeof text);
-        exception->Delete();
-        Tell(ToUtf8(text));
-    }
-    return false;
-}
-
-void MainWindow::Tell(const std::string& sentence) {
-    std::string house;
-    if (!FromUtf8(sentence, house)) house = sentence;
-    if (m_manner == Manner::Interactive && m_hWnd != nullptr) {
-        ::MessageBoxA(m_hWnd, house.c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
-    } else {
-        m_status = house;
-        if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
-    }
-}
-
-bool MainWindow::Open(const std::string& path) {
-    m_chart.EndWriting(true);
-    return Try([&] {
-        m_document.Open(path);
-        DocumentChanged();
-    });
-}
-
-bool MainWindow::SaveTo(const std::string& path) {
-    m_chart.EndWriting(true);
-    return Try([&] {
-        TakeReadings();
-        m_document.Save(path);
-        m_status = HouseText(Text::SavedTo, {ToUtf8(path)});
-        StateChanged();
-    });
-}
-
-bool MainWindow::SavePicture(const std::string& path) {
-    m_chart.EndWriting(true);
-    return Try([&] {
-        RequirePictureName(path);
-        CRect client;
-        ::GetClientRect(m_chart.m_hWnd, &client);
-        if (client.IsRectEmpty()) client = CRect(0, 0, 1600, 900);
-        const HDC picture = ::OrvikBeginPicture(path.c_str(), client.Width(), client.Height());
-        if (picture == nullptr) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(GetLastError())})};
-        CDC dc;
-        dc.Attach(picture);
-        dc.m_bPrinting = ::OrvikIsPrinting(picture);
-        m_chart.DrawOn(dc, client);
-        dc.Detach();
-        if (!::OrvikEndPicture(picture, TRUE))
-            throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(GetLastError())})};
-        m_status = HouseText(Text::SavedTo, {ToUtf8(path)});
-        ::InvalidateRect(m_hWnd, nullptr, FALSE);
-    });
-}
-
-bool MainWindow::Connect(const std::string& loggerFile, const DownloadPlan& plan) {
-    return Try([&] {
-        if (IsDownloading()) throw Failure{kWrongUse, Say(Text::DownloadRuns)};
-        CPropertyDB description;
-        LoadLoggerDescription(loggerFile, description);
-        std::unique_ptr<ILogger> logger = MakeLogger(m_app, description);
-        m_readings.clear();
-        m_document.Begin(description, plan.port);
-        m_download.reset(new LiveDownload(std::move(logger), plan, *this));  // a listener in private
-        m_download->Begin();
-        m_status = HouseText(Text::Connecting, {ToUtf8(plan.port)});
-        DocumentChanged();
-        OrvikShedule();
-    });
-}
-
-void MainWindow::OnReading(CVXTTime time, const CDoubleArray& values) {
-    Reading reading{time, {}};
-    for (INT_PTR i = 0; i < values.GetSize(); ++i) reading.values.push_back(values.GetAt(i));
-    m_readings.push_back(std::move(reading));
-    m_status = HouseText(Text::LiveProgress, {std::to_string(m_download->Made() + 1), ToUtf8(m_download->Plan().port)});
-    if (!IsDragging()) TakeReadings();
-}
-
-// The chart's data are not touched while a tracker works on it.
-void MainWindow::TakeReadings() {
-    if (m_readings.empty() || !m_document.HasSession()) return;
-    m_chart.BeforeReadings();
-    for (const Reading& reading : m_readings) {
-        CDoubleArray values;
-        for (const double value : reading.values) values.Add(value);
-        m_document.GetSession()->Add(reading.time, values);
-    }
-    m_readings.clear();
-    m_chart.AfterReadings();
-    m_pane.Redraw();
-    UpdateTitle();
-    if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
-}
-
-void MainWindow::OnDownloadEnd(const std::string& sentence) {
-    if (!IsDragging()) TakeReadings();
-    const size_t count = m_document.GetSession()->Count() + m_readings.size();
-    m_status = HouseText(Text::LiveEnded, {std::to_string(count)});
-    UpdateMenu();
-    if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
-    if (m_closing && m_hWnd != nullptr) {
-        ::PostMessageA(m_hWnd, WM_CLOSE, 0, 0);
-    } else if (!sentence.empty()) {
-        Tell(sentence);
-    }
-}
-
-void MainWindow::OnDragEnd() { TakeReadings(); }
-
 // --- State ---
 
 void MainWindow::Do(Text name, const ViewState& next) {
@@ -214,7 +73,7 @@ void MainWindow::Do(Text name, const ViewState& next) {
 
 void MainWindow::StateChanged() {
     m_chart.StateChanged();
-    m_pane.Redraw();
+    m_list.Update();
     Layout();
     UpdateTitle();
     UpdateMenu();
@@ -258,7 +117,7 @@ RECT MainWindow::StatusRect() const {
 }
 
 void MainWindow::Layout() {
-    if (m_chart.m_hWnd == nullptr || m_pane.m_hWnd == nullptr) return;
+    if (m_chart.m_hWnd == nullptr || m_list.m_hWnd == nullptr) return;
     const RECT bar = BarRect();
     RECT client = {};
     ::GetClientRect(m_hWnd, &client);
@@ -270,7 +129,7 @@ void MainWindow::Layout() {
         if (!::EqualRect(&now, &wanted)) ::MoveWindow(pane, left, top, width, height, TRUE);
     };
     place(m_chart.m_hWnd, 0, 0, bar.left, bar.bottom);
-    place(m_pane.m_hWnd, bar.right, 0, std::max<LONG>(client.right - bar.right, 0), bar.bottom);
+    place(m_list.m_hWnd, bar.right, 0, std::max<LONG>(client.right - bar.right, 0), bar.bottom);
     ::InvalidateRect(m_hWnd, nullptr, FALSE);
 }
 
@@ -371,10 +230,10 @@ LRESULT MainWindow::OnWheel(WPARAM wParam, LPARAM lParam) {
 
 void MainWindow::NextPane(bool backwards) {
     const HWND focus = ::GetFocus();
-    const int now = focus == m_chart.m_hWnd ? 0 : focus == m_pane.m_hWnd ? 2 : 1;
+    const int now = focus == m_chart.m_hWnd ? 0 : focus == m_list.m_hWnd ? 2 : 1;
     const int next = (now + (backwards ? 2 : 1)) % 3;
     m_barFocus = next == 1;
-    ::SetFocus(next == 0 ? m_chart.m_hWnd : next == 2 ? m_pane.m_hWnd : m_hWnd);
+    ::SetFocus(next == 0 ? m_chart.m_hWnd : next == 2 ? m_list.m_hWnd : m_hWnd);
     ::InvalidateRect(m_hWnd, nullptr, FALSE);
 }
 
@@ -394,6 +253,12 @@ LRESULT MainWindow::OnKey(WPARAM wParam, LPARAM) {
     return 0;
 }
 
+LRESULT MainWindow::OnSystemKey(WPARAM wParam, LPARAM) {
+    if (wParam != VK_RETURN) return Default();
+    Command(kCommandProperties);
+    return 0;
+}
+
 LRESULT MainWindow::OnFocusGot(WPARAM, LPARAM) {
     if (::GetFocus() == m_hWnd && !m_barFocus && m_chart.m_hWnd != nullptr) ::SetFocus(m_chart.m_hWnd);
     if (::GetFocus() != m_hWnd) m_barFocus = false;
@@ -402,124 +267,14 @@ LRESULT MainWindow::OnFocusGot(WPARAM, LPARAM) {
     return 0;
 }
 
-LRESULT MainWindow::OnMenuCommand(WPARAM wParam, LPARAM) {
-    Command(LOWORD(wParam));
+// A control's notification comes the same way, with its window.
+LRESULT MainWindow::OnMenuCommand(WPARAM wParam, LPARAM lParam) {
+    if (lParam == 0) Command(LOWORD(wParam));
     return 0;
 }
 
-bool MainWindow::CanCommand(UINT command) const {
-    if (IsDragging() || m_asking) return false;
-    const ViewHistory& history = const_cast<MainWindow*>(this)->m_document.History();
-    switch (command) {
-        case kCommandOpen:
-            return !IsDownloading();
-        case kCommandExit:
-        case kCommandAbout:
-            return true;
-        case kCommandSave:
-        case kCommandPicture:
-            return m_document.HasSession();
-        case kCommandStop:
-            return IsDownloading();
-        case kCommandUndo:
-            return history.CanUndo();
-        case kCommandRedo:
-            return history.CanRedo();
-        default:
-            if (command >= kCommandPorts) return !IsDownloading() && command - kCommandPorts < m_ports.size();
-            if (command >= kCommandChannels) return m_document.HasSession();
-            return m_chart.CanCommand(command);
-    }
-}
-
-bool MainWindow::Command(UINT command) {
-    m_chart.EndWriting(true);
-    if (!CanCommand(command)) return false;
-    switch (command) {
-        case kCommandOpen:
-            AskAndOpen();
-            return true;
-        case kCommandSave:
-            return AskAndSave();
-        case kCommandPicture:
-            AskAndSavePicture();
-            return true;
-        case kCommandStop:
-            m_download->Stop();
-            return true;
-        case kCommandExit:
-            ::PostMessageA(m_hWnd, WM_CLOSE, 0, 0);
-            return true;
-        case kCommandUndo:
-        case kCommandRedo:
-            command == kCommandUndo ? m_document.History().Undo() : m_document.History().Redo();
-            StateChanged();
-            return true;
-        case kCommandAbout:
-            m_status = HouseText(Text::AboutText);
-            if (m_manner == Manner::Interactive) ::MessageBoxA(m_hWnd, m_status.c_str(), "OrvikHost", MB_OK | MB_ICONINFORMATION);
-            return true;
-        default:
-            break;
-    }
-    if (command >= kCommandPorts) {
-        ConnectTo(command - kCommandPorts);
-        return true;
-    }
-    if (command >= kCommandChannels) {
-        const size_t channel = command - kCommandChannels;
-        if (channel >= m_document.GetSession()->Channels().size()) return false;
-        Do(Text::StepChannel, ValuePane::Toggled(m_document.State(), *m_document.GetSession(), channel));
-        return true;
-    }
-    return m_chart.Command(command);
-}
-
-void MainWindow::AskAndOpen() {
-    m_asking = true;
-    const auto path =
-        MayLeave() ? AskFileToOpen(m_hWnd, HouseText(Text::AskOpen), KindsOf(Text::SessionFiles, "*.odb;*.xml")) : std::nullopt;
-    m_asking = false;
-    if (path) Open(*path);
-}
-
-bool MainWindow::AskAndSave() {
-    if (!m_document.Path().empty()) return SaveTo(m_document.Path());
-    m_asking = true;
-    const auto path =
-        AskFileToSave(m_hWnd, HouseText(Text::AskSave), KindsOf(Text::SessionFiles, "*.odb;*.xml"), "odb", "session.odb");
-    m_asking = false;
-    return path && SaveTo(*path);
-}
-
-void MainWindow::AskAndSavePicture() {
-    m_asking = true;
-    const auto path =
-        AskFileToSave(m_hWnd, HouseText(Text::AskPicture), KindsOf(Text::PictureFiles, "*.png;*.svg;*.pdf"), "png", "chart.png");
-    m_asking = false;
-    if (path) SavePicture(*path);
-}
-
-bool MainWindow::MayLeave() {
-    if (m_manner == Manner::Quiet || !m_document.IsModified()) return true;
-    const std::string question = HouseText(Text::AskKeep, {ToUtf8(m_document.Title())});
-    m_asking = true;
-    const int answer = ::MessageBoxA(m_hWnd, question.c_str(), "OrvikHost", MB_YESNOCANCEL | MB_ICONQUESTION);
-    m_asking = false;
-    return answer == IDNO || (answer == IDYES && AskAndSave());
-}
-
-void MainWindow::ConnectTo(size_t port) {
-    if (!MayLeave()) return;
-    DownloadPlan plan;
-    plan.port = m_ports[port];
-    plan.count = kForEver;
-    plan.interval = kLiveInterval;
-    plan.timeout = kLiveTimeout;
-    Connect({}, plan);
-}
-
 LRESULT MainWindow::OnCloseWish(WPARAM, LPARAM) {
+    if (m_asking) return 0;  // what is under way ends first
     m_chart.EndWriting(true);
     if (IsDownloading()) {
         // The window goes when the exchange under way has ended; what was read can then be saved.
@@ -528,7 +283,7 @@ LRESULT MainWindow::OnCloseWish(WPARAM, LPARAM) {
         return 0;
     }
     m_closing = false;
-    if (m_asking || !MayLeave()) return 0;
+    if (!MayLeave()) return 0;
     DestroyWindow();
     return 0;
 }
@@ -537,127 +292,4 @@ LRESULT MainWindow::OnGone(WPARAM, LPARAM) {
     if (IsDownloading()) m_download->Stop();
     if (m_manner == Manner::Interactive) ::PostQuitMessage(0);
     return 0;
-}
-
-// --- The menu ---
-
-std::string MainWindow::ItemText(const MenuCommand& command) const {
-    const ViewHistory& history = const_cast<MainWindow*>(this)->m_document.History();
-    std::string text = HouseText(command.text);
-    if (command.id == kCommandUndo && history.CanUndo()) text = HouseText(Text::MenuUndoStep, {Say(history.UndoName())});
-    if (command.id == kCommandRedo && history.CanRedo()) text = HouseText(Text::MenuRedoStep, {Say(history.RedoName())});
-    if (command.keyText[0] != 0) text += std::string("\t") + command.keyText;
-    return text;
-}
-
-void MainWindow::MakeMenu() {
-    constexpr std::pair<MenuPlace, Text> kMenus[] = {{MenuPlace::File, Text::MenuFile},
-                                                     {MenuPlace::Edit, Text::MenuEdit},
-                                                     {MenuPlace::View, Text::MenuView},
-                                                     {MenuPlace::Help, Text::MenuHelp}};
-    const HMENU bar = ::CreateMenu();
-    for (const auto& [place, text] : kMenus) {
-        const HMENU menu = ::CreatePopupMenu();
-        for (const MenuCommand& command : kMenuCommands) {
-            if (command.place != place) continue;
-            if (command.id == kCommandStop) {
-                m_portMenu = ::CreatePopupMenu();
-                ::AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
-                ::AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(m_portMenu), HouseText(Text::MenuConnect).c_str());
-            } else if (command.afterLine) {
-                ::AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
-            }
-            ::AppendMenuA(menu, MF_STRING, command.id, ItemText(command).c_str());
-        }
-        if (place == MenuPlace::View) {
-            m_channelMenu = ::CreatePopupMenu();
-            ::AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
-            ::AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(m_channelMenu), HouseText(Text::MenuChannels).c_str());
-        }
-        ::AppendMenuA(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), HouseText(text).c_str());
-    }
-    ::SetMenu(m_hWnd, bar);
-    FillPorts(m_portMenu);
-    FillChannels(m_channelMenu);
-}
-
-void MainWindow::UpdateMenu() {
-    const HMENU bar = m_hWnd != nullptr ? ::GetMenu(m_hWnd) : nullptr;
-    if (bar == nullptr) return;
-    for (const MenuCommand& command : kMenuCommands) {
-        const UINT state = CanCommand(command.id) ? MF_ENABLED : MF_GRAYED;
-        ::ModifyMenuA(bar, command.id, MF_BYCOMMAND | MF_STRING | state, command.id, ItemText(command).c_str());
-    }
-}
-
-std::string MainWindow::MenuText(UINT command) const {
-    char text[256] = {};
-    ::GetMenuStringA(::GetMenu(m_hWnd), command, text, sizeof text, MF_BYCOMMAND);
-    return text;
-}
-
-namespace {
-void EmptyMenu(HMENU menu) {
-    while (::GetMenuItemCount(menu) > 0) ::DeleteMenu(menu, 0, MF_BYPOSITION);
-}
-}  // namespace
-
-void MainWindow::FillPorts(HMENU menu) {
-    EmptyMenu(menu);
-    m_ports.clear();
-    CArray<CSerialDevice, const CSerialDevice&> devices;
-    CSerialDevice::EnumSerialDevices(devices);
-    for (INT_PTR i = 0; i < devices.GetSize() && i < INT_PTR{kCommandEnd - kCommandPorts}; ++i) {
-        CSerialDevice device = devices.GetAt(i);
-        m_ports.emplace_back(static_cast<const char*>(device.GetPortName()));
-        const std::string description = static_cast<const char*>(device.GetDescription());
-        const std::string text = m_ports.back() + (description.empty() ? "" : "  " + description);
-        ::AppendMenuA(menu, MF_STRING | (IsDownloading() ? MF_GRAYED : MF_ENABLED), kCommandPorts + static_cast<UINT>(i),
-                      text.c_str());
-    }
-    if (m_ports.empty()) ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, HouseText(Text::NoPorts).c_str());
-}
-
-void MainWindow::FillChannels(HMENU menu) {
-    EmptyMenu(menu);
-    if (!m_document.HasSession()) {
-        ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, HouseText(Text::NothingOpen).c_str());
-        return;
-    }
-    const auto& channels = m_document.GetSession()->Channels();
-    const auto& hidden = m_document.State().hidden;
-    for (size_t i = 0; i < channels.size() && i < kCommandPorts - kCommandChannels; ++i) {
-        const bool shown = std::find(hidden.begin(), hidden.end(), channels[i].key) == hidden.end();
-        ::AppendMenuA(menu, MF_STRING | (shown ? MF_CHECKED : MF_UNCHECKED), kCommandChannels + static_cast<UINT>(i),
-                      channels[i].name.c_str());
-    }
-}
-
-LRESULT MainWindow::OnMenuOpens(WPARAM wParam, LPARAM) {
-    const HMENU menu = reinterpret_cast<HMENU>(wParam);
-    if (menu == m_portMenu) FillPorts(menu);
-    if (menu == m_channelMenu) FillChannels(menu);
-    UpdateMenu();
-    return 0;
-}
-
-void MainWindow::ShowContextMenu(POINT screen) {
-    if (m_manner == Manner::Quiet) return;  // nobody would choose, and the menu would stay for ever
-    const HMENU menu = ::CreatePopupMenu();
-    constexpr CommandId kFirst[] = {kCommandEditTag, kCommandRemoveTag, kCommandResetAxis, kCommandZoomSelection,
-                                    kCommandRemoveSelection};
-    constexpr CommandId kAlways[] = {kCommandAddTag, kCommandSelect, kCommandResetAll, kCommandUndo, kCommandRedo};
-    const auto add = [&](CommandId id) {
-        for (const MenuCommand& command : kMenuCommands) {
-            if (command.id == id)
-                ::AppendMenuA(menu, MF_STRING | (CanCommand(id) ? MF_ENABLED : MF_GRAYED), id, ItemText(command).c_str());
-        }
-    };
-    for (const CommandId id : kFirst) {
-        if (CanCommand(id)) add(id);
-    }
-    if (::GetMenuItemCount(menu) > 0) ::AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
-    for (const CommandId id : kAlways) add(id);
-    ::TrackPopupMenu(menu, TPM_LEFTALIGN | TPM_RIGHTBUTTON, screen.x, screen.y, 0, m_hWnd, nullptr);
-    ::DestroyMenu(menu);
 }

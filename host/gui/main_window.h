@@ -8,8 +8,9 @@
 
 #include "host/gui/chart_window.h"
 #include "host/gui/live_download.h"
-#include "host/gui/value_pane.h"
+#include "host/gui/value_list.h"
 #include "host/host_app.h"
+#include "ui/progress_dialog.h"
 
 class MainWindow : public CWnd, private PaneOwner, private LiveDownload::Listener {
 public:
@@ -28,15 +29,18 @@ public:
     // Each is told to the user, or thrown on as a Failure in quiet mode; false then, or when the user gives up.
     bool Open(const std::string& path);
     bool SaveTo(const std::string& path);
-    bool SavePicture(const std::string& path);
+    // An empty size is the chart's own.
+    bool SavePicture(const std::string& path, SIZE size = {});
     bool Connect(const std::string& loggerFile, const DownloadPlan& plan);
+    // With a logger that is there, of this description. A download of a known length stands under a progress dialog.
+    bool Connect(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan);
     bool Command(UINT command);
 
     ViewDocument& Document() { return m_document; }
     ChartWindow& Chart() { return m_chart; }
-    ValuePane& Pane() { return m_pane; }
+    ValueList& List() { return m_list; }
     bool IsDownloading() const { return m_download != nullptr && !m_download->IsOver(); }
-    bool IsDragging() const { return m_chart.IsDragging() || m_pane.IsDragging() || m_dragging; }
+    bool IsDragging() const { return m_chart.IsDragging() || m_list.IsDragging() || m_dragging; }
     RECT BarRect() const;
     RECT StatusRect() const;
     void SetHint(const std::string& text) { ShowHint(text); }
@@ -52,6 +56,8 @@ protected:
     LRESULT OnPointer(WPARAM, LPARAM);
     LRESULT OnCursor(WPARAM, LPARAM);
     LRESULT OnKey(WPARAM, LPARAM);
+    LRESULT OnSystemKey(WPARAM, LPARAM);
+    LRESULT OnTimer(WPARAM, LPARAM);
     LRESULT OnFocusGot(WPARAM, LPARAM);
     LRESULT OnWheel(WPARAM, LPARAM);
     LRESULT OnMenuCommand(WPARAM, LPARAM);
@@ -63,6 +69,7 @@ protected:
 private:
     // PaneOwner
     void Do(Text name, const ViewState& next) override;
+    void OnPaneCommand(UINT command) override { Command(command); }
     void OnPaneKey(WORD key) override;
     void ShowHint(const std::string& text) override;
     void ShowContextMenu(POINT screen) override;
@@ -73,6 +80,10 @@ private:
 
     template <class Work>
     bool Try(Work work);
+    template <class Work>
+    void WorkWith(Text caption, Text message, Text stopped, const std::string& path, bool large, Work work);
+    template <class Question>
+    auto Ask(Question question);
     void Tell(const std::string& sentence);
     void DocumentChanged();
     void StateChanged();
@@ -91,14 +102,24 @@ private:
     bool AskAndSave();
     void AskAndOpen();
     void AskAndSavePicture();
+    void AskAndDownload();
+    void AskRange();
+    void AskTimeRange();
+    void ShowProperties();
+    void ShowStatus(const std::string& house);
+    void Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan);
+    void ShowDownload(const DownloadPlan& plan);
+    SIZE ChartSize() const;
+    void WritePicture(const std::string& path, SIZE size, WorkProgress& progress);
     void ConnectTo(size_t port);
 
     CHostApp& m_app;
     const Manner m_manner;
     ViewDocument m_document;
     ChartWindow m_chart;
-    ValuePane m_pane;
+    ValueList m_list;
     std::unique_ptr<LiveDownload> m_download;
+    std::unique_ptr<CProgressDialog> m_progress;  // of a download of a known length
     struct Reading {
         CVXTTime time;
         std::vector<double> values;
@@ -110,5 +131,5 @@ private:
     bool m_dragging = false;
     bool m_barFocus = false;
     bool m_closing = false;
-    bool m_asking = false;
+    bool m_asking = false;  // or working, under a progress dialog
 };

@@ -26,6 +26,10 @@ enum CommandId : UINT {
     kCommandZoomSelection,
     kCommandRemoveSelection,
     kCommandAbout,
+    kCommandRange,
+    kCommandTimeRange,
+    kCommandProperties,
+    kCommandDownload,
     kCommandChannels = 200,  // and the channels after it, in the session's order
     kCommandPorts = 400,     // and the ports after it, in the order in which they were listed
     kCommandEnd = 600
@@ -44,11 +48,21 @@ struct MenuCommand {
     const char* keyText;
 };
 
+// Commands that open a dialog for somebody to answer.
+constexpr bool AsksUser(CommandId id) {
+    for (const CommandId one : {kCommandOpen, kCommandSave, kCommandPicture, kCommandDownload, kCommandRange, kCommandTimeRange,
+                                kCommandProperties, kCommandAbout}) {
+        if (id == one) return true;
+    }
+    return false;
+}
+
 inline constexpr MenuCommand kMenuCommands[] = {
     {kCommandOpen, MenuPlace::File, false, Text::MenuOpen, "open", 'O', true, false, "Ctrl+O"},
     {kCommandSave, MenuPlace::File, false, Text::MenuSave, "save", 'S', true, false, "Ctrl+S"},
     {kCommandPicture, MenuPlace::File, false, Text::MenuPicture, "picture", 'P', true, false, "Ctrl+P"},
-    {kCommandStop, MenuPlace::File, true, Text::MenuStop, "stop", 'B', true, false, "Ctrl+B"},
+    {kCommandDownload, MenuPlace::File, true, Text::MenuDownload, "download", 'D', true, false, "Ctrl+D"},
+    {kCommandStop, MenuPlace::File, false, Text::MenuStop, "stop", 'B', true, false, "Ctrl+B"},
     {kCommandExit, MenuPlace::File, true, Text::MenuExit, "exit", 0, false, false, "Alt+F4"},
     {kCommandUndo, MenuPlace::Edit, false, Text::MenuUndo, "undo", 'Z', true, false, "Ctrl+Z"},
     {kCommandRedo, MenuPlace::Edit, false, Text::MenuRedo, "redo", 'Y', true, false, "Ctrl+Y"},
@@ -63,6 +77,9 @@ inline constexpr MenuCommand kMenuCommands[] = {
     {kCommandZoomSelection, MenuPlace::View, false, Text::MenuZoomSelection, "zoom-selection", VK_RETURN, true, false,
      "Ctrl+Enter"},
     {kCommandRemoveSelection, MenuPlace::View, false, Text::MenuRemoveSelection, "remove-selection", 0, false, false, ""},
+    {kCommandRange, MenuPlace::View, true, Text::MenuRange, "range", 'G', true, false, "Ctrl+G"},
+    {kCommandTimeRange, MenuPlace::View, false, Text::MenuTimeRange, "time-range", 'T', true, false, "Ctrl+T"},
+    {kCommandProperties, MenuPlace::View, false, Text::MenuProperties, "properties", 0, false, false, "Alt+Enter"},
     {kCommandAbout, MenuPlace::Help, false, Text::MenuAbout, "about", VK_F1, false, false, "F1"},
 };
 

@@ -12,7 +12,7 @@ namespace {
 ScriptRunner* g_runner = nullptr;  // a timer without a window has no room for more
 
 void UpdateAll(MainWindow& window) {
-    for (const HWND pane : {window.m_hWnd, window.Chart().m_hWnd, window.Pane().m_hWnd}) ::UpdateWindow(pane);
+    for (const HWND pane : {window.m_hWnd, window.Chart().m_hWnd, window.List().m_hWnd}) ::UpdateWindow(pane);
 }
 }  // namespace
 
@@ -94,7 +94,7 @@ RECT ScriptRunner::PlaceOf(const ScriptStep& step) const {
         ::MapWindowPoints(pane, m_window.m_hWnd, reinterpret_cast<POINT*>(&here), 2);
         return here;
     };
-    const HWND chart = m_window.Chart().m_hWnd, list = m_window.Pane().m_hWnd;
+    const HWND chart = m_window.Chart().m_hWnd, list = m_window.List().m_hWnd;
     if (place == "window") {
         ::GetClientRect(m_window.m_hWnd, &rect);
     } else if (place == "bar") {
@@ -103,7 +103,7 @@ RECT ScriptRunner::PlaceOf(const ScriptStep& step) const {
         ::GetClientRect(list, &rect);
         rect = within(list, rect);
     } else if (begins("column")) {
-        if (number(6) < ValuePane::kColumns) rect = within(list, m_window.Pane().ColumnRect(number(6)));
+        if (number(6) < ValueList::kColumns) rect = within(list, m_window.List().ColumnRect(number(6)));
     } else if (place == "plot") {
         rect = within(chart, parts.plot);
     } else if (place == "time" || place == "timerubber") {
@@ -207,8 +207,7 @@ void ScriptRunner::Do(const ScriptStep& step) {
             return;
         case ScriptStep::Menu: {
             const CommandId command = CommandNamed(step.text);
-            if (command == kCommandNone || command == kCommandOpen || command == kCommandSave || command == kCommandPicture)
-                Fail(step, Say(Text::ScriptNoMenu, {ToUtf8(step.text)}));
+            if (command == kCommandNone || AsksUser(command)) Fail(step, Say(Text::ScriptNoMenu, {ToUtf8(step.text)}));
             if (!m_window.Command(command)) Fail(step, Say(Text::ScriptNotNow, {ToUtf8(step.text)}));
             return;
         }

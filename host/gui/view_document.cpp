@@ -3,9 +3,9 @@
 #include "host/database_file.h"
 #include "host/gui/chart_scene.h"
 
-void ViewDocument::Open(const std::string& path) {
+void ViewDocument::Open(const std::string& path, WorkProgress& progress) {
     auto db = std::make_unique<CPropertyDB>();
-    LoadDatabase(path, *db);
+    LoadDatabase(path, *db, &progress);
     auto session = std::make_unique<Session>(*db, path, 0);
     Take(std::move(db), std::move(session), path);
     m_readings = m_session->Count();
@@ -25,14 +25,24 @@ void ViewDocument::Take(std::unique_ptr<CPropertyDB> db, std::unique_ptr<Session
     m_history.Begin(std::move(state));
 }
 
-void ViewDocument::Save(const std::string& path) {
+unsigned __int64 ViewDocument::SizeAs(const std::string& path) const {
+    if (m_session == nullptr) return 0;
+    const unsigned __int64 numbers = m_session->Count() * (m_session->Channels().size() + 1);
+    constexpr unsigned __int64 kBinary = 8, kText = 18;
+    return numbers * (IsXmlName(path) ? kText : kBinary);
+}
+
+// Readings may come while the file is written: it then holds those that were there before.
+void ViewDocument::Save(const std::string& path, WorkProgress& progress) {
     RequireWritable(path);
+    const ViewState state = State();
+    const size_t readings = m_session->Count();
     if (m_readings != m_session->Count()) m_session->Store(*m_db);
-    ChartScene::Store(State(), *m_session, *m_db);
-    StoreDatabase(path, *m_db);
+    ChartScene::Store(state, *m_session, *m_db);
+    StoreDatabase(path, *m_db, &progress, SizeAs(path));
     m_path = path;
-    m_saved = State();
-    m_readings = m_session->Count();
+    m_saved = state;
+    m_readings = readings;
 }
 
 std::string ViewDocument::Title() const {

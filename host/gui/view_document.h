@@ -6,13 +6,17 @@
 
 #include "host/gui/view_history.h"
 #include "host/session.h"
+#include "host/work_progress.h"
 
 class ViewDocument {
 public:
     // Each is a Failure that says why, and leaves the document as it was.
-    void Open(const std::string& path);
+    // WorkStopped as well, when the progress does not want it any more.
+    void Open(const std::string& path, WorkProgress& progress);
     // Where it came from, or elsewhere; readings, tags and the view.
-    void Save(const std::string& path);
+    void Save(const std::string& path, WorkProgress& progress);
+    // About how many bytes a save would write.
+    unsigned __int64 SizeAs(const std::string& path) const;
     // A new session, for a download, without a file.
     void Begin(CPropertyDB& description, const std::string& port);
 

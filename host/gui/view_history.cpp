@@ -58,10 +58,14 @@ std::vector<std::unique_ptr<CDoCommand>> ChangesOf(ViewState& state, const ViewS
         for (size_t i = 0; i < state.axes.size(); ++i)
             changes.Compare<std::optional<ViewRange>>(
                 [](State & s, size_t at) -> auto& { return s.axes[at].range; }, i);
+        for (size_t i = 0; i < state.axes.size(); ++i)
+            changes.Compare<std::string>(
+                [](State & s, size_t at) -> auto& { return s.axes[at].picture; }, i);
     } else {
         changes.Compare<std::vector<State::Axis>>([](State & s, size_t) -> auto& { return s.axes; });
     }
     changes.Compare<std::optional<ViewRange>>([](State & s, size_t) -> auto& { return s.time; });
+    changes.Compare<std::vector<State::Channel>>([](State & s, size_t) -> auto& { return s.channels; });
     changes.Compare<std::vector<State::Tag>>([](State & s, size_t) -> auto& { return s.tags; });
     changes.Compare<std::optional<State::Selection>>([](State & s, size_t) -> auto& { return s.selection; });
     changes.Compare<std::vector<std::string>>([](State & s, size_t) -> auto& { return s.hidden; });

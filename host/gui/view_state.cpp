@@ -37,11 +37,12 @@ bool IsShowable(const ViewRange& range) {
 void ViewState::Store(IPropertyDB& db) const {
     db.Remove(kFolder);
     db.BeginUsing(kFolder);
-    CStringArray units, names;
+    CStringArray units, pictures, names;
     CDoubleArray ranges, timeRange, parts;
     CDWordArray widths;
     for (const Axis& axis : axes) {
         units.Add(axis.unit.c_str());
+        pictures.Add(axis.picture.c_str());
         Append(ranges, axis.range);
     }
     Append(timeRange, time);
@@ -50,6 +51,7 @@ void ViewState::Store(IPropertyDB& db) const {
     if (units.GetSize() > 0) {
         db.SetValue("sUnits", units);
         db.SetValue("rRanges", ranges);
+        db.SetValue("sPictures", pictures);
     }
     db.SetValue("rTime", timeRange);
     if (names.GetSize() > 0) db.SetValue("sHidden", names);
@@ -65,11 +67,12 @@ void ViewState::Store(IPropertyDB& db) const {
 void ViewState::Load(IPropertyDB& db) {
     if (!db.Find(kFolder)) return;
     db.BeginUsing(kFolder);
-    CStringArray units, names;
+    CStringArray units, pictures, names;
     CDoubleArray ranges, timeRange, parts;
     CDWordArray widths;
     db.GetValue("sUnits", units);
     db.GetValue("rRanges", ranges);
+    db.GetValue("sPictures", pictures);
     auto place = axes.begin();
     for (INT_PTR i = 0; i < units.GetSize(); ++i) {
         const std::string unit = static_cast<const char*>(units.GetAt(i));
@@ -77,6 +80,8 @@ void ViewState::Load(IPropertyDB& db) {
         if (found == axes.end()) continue;
         std::rotate(place, found, found + 1);
         place->range = RangeAt(ranges, 2 * i);
+        if (i < pictures.GetSize() && pictures.GetAt(i).GetLength() <= static_cast<int>(kLongestPicture))
+            place->picture = pictures.GetAt(i).GetString();
         ++place;
     }
     if (db.GetValue("rTime", timeRange)) time = RangeAt(timeRange, 0);

@@ -21,7 +21,14 @@ struct ViewState {
     struct Axis {
         std::string unit;
         std::optional<ViewRange> range;  // none: follows the data
+        std::string picture{};           // of its values' numbers (time/number_text.h); empty: six significant digits
         bool operator==(const Axis&) const = default;
+    };
+    // What a channel is called and drawn with.
+    struct Channel {
+        std::string key, name;
+        COLORREF colour = 0;
+        bool operator==(const Channel&) const = default;
     };
     // A comment; its place in parts of the frame that all times and the plot's height make (see ChartModel).
     struct Tag {
@@ -36,10 +43,12 @@ struct ViewState {
     };
 
     static constexpr LONG kStandardPane = 290;
+    static constexpr size_t kLongestPicture = 64;
     // Tags' places are whole parts of this one, so that they are the same before and after they were stored.
     static constexpr LONG kTagGrid = 1 << 20;
 
     std::vector<Axis> axes;         // value axes, in their places from the plot outwards
+    std::vector<Channel> channels;  // all of the session's, in its order
     std::optional<ViewRange> time;  // seconds since the first reading; none: follows the data
     std::vector<Tag> tags;
     std::optional<Selection> selection;
@@ -49,7 +58,8 @@ struct ViewState {
 
     bool operator==(const ViewState&) const = default;
 
-    // The folder "View" of a session (docs/formats.md), without the tags, which are kept with the chart. Storing replaces it.
+    // The folder "View" of a session (docs/formats.md), without the tags and the channels, which are kept with the
+    // chart and the readings. Storing replaces it.
     void Store(IPropertyDB& db) const;
     // What is there replaces what this state holds; what is missing, damaged or beyond reason stays as it is. Axes of units that
     // this state does not have are passed over, those that the folder lacks keep their order behind the others.

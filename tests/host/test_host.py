@@ -6,6 +6,7 @@ import io
 import json
 import os
 import pathlib
+import pty
 import re
 import shutil
 import signal
@@ -137,6 +138,21 @@ class Download(HostTest):
         self.assertEqual(requests[0][:6], ["11", "04", "00", "64", "00", "08"])
         answers = [match.group(1).split() for match in got if match and match.group(1)]
         self.assertEqual([len(answer) for answer in answers], [21] * 4)
+
+    def test_a_terminal_sees_the_progress_and_loses_it_again(self):
+        if options.wine:
+            return  # its consoles are no terminals here
+        port = self.simulate()
+        terminal, far = pty.openpty()
+        words = ["download", "--port", port, "--out", "session.odb", "--count", 3, "--interval", 20]
+        done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(), stdout=subprocess.PIPE, stderr=far, timeout=120)
+        os.close(far)
+        said = os.read(terminal, 65536).decode()
+        os.close(terminal)
+        self.assertEqual(done.returncode, 0, said)
+        self.assertEqual(re.findall(r"reading (\d) of 3", said), ["1", "2", "3"])
+        self.assertRegex(said, r"\r +\r$")  # what stood there is wiped
+        self.assertNotIn(b"\r", done.stdout)
 
     def test_people_read_their_own_format(self):
         self.assertEqual(self.download(self.simulate()).code, 0)

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include <cmath>
 
 #include "host/gui/line_edit.h"
@@ -159,5 +161,24 @@ TEST(MenuTest, NamesAndShortcutsAreUnique) {
     }
     EXPECT_EQ(CommandNamed("nothing"), kCommandNone);
     EXPECT_EQ(CommandOfKey('Z', false, false), kCommandNone);
+}
+
+TEST(MenuTest, EveryItemOfAMenuHasALetterOfItsOwn) {
+    for (const MenuPlace place : {MenuPlace::File, MenuPlace::Edit, MenuPlace::View, MenuPlace::Help, MenuPlace::None}) {
+        std::vector<Text> items;
+        if (place == MenuPlace::None) items = {Text::MenuFile, Text::MenuEdit, Text::MenuView, Text::MenuHelp};
+        if (place == MenuPlace::File) items = {Text::MenuConnect};
+        if (place == MenuPlace::View) items = {Text::MenuChannels};
+        for (const MenuCommand& one : kMenuCommands) {
+            if (one.place == place) items.push_back(one.text);
+        }
+        std::set<char> letters;
+        for (const Text item : items) {
+            std::string text = HouseText(item);
+            const size_t mark = text.find('&');
+            ASSERT_NE(mark, std::string::npos) << text;
+            EXPECT_TRUE(letters.insert(static_cast<char>(::tolower(static_cast<unsigned char>(text[mark + 1])))).second) << text;
+        }
+    }
 }
 }  // namespace

@@ -11,10 +11,20 @@
 #include "host/gui/main_window.h"
 #include "platform/scripted_input.h"
 
+// The host, keeping what its user would have been told.
+class TellingHost : public CHostApp {
+public:
+    int DoMessageBox(LPCSTR prompt, UINT, UINT) override {
+        told.emplace_back(prompt);
+        return IDOK;
+    }
+    static inline std::vector<std::string> told;
+};
+
 class Hands {
 public:
     explicit Hands(SIZE client = {640, 420}) {
-        static CHostApp app;  // one in a program
+        static TellingHost app;  // one in a program
         window = std::make_unique<MainWindow>(app, MainWindow::Manner::Quiet);
         window->CreateWindowOf(client, SW_SHOWNOACTIVATE);
         Pump();
@@ -72,7 +82,7 @@ public:
     // What the window shows, but for the line of hints. Drags leave no trace in it once they have ended.
     std::vector<COLORREF> Pixels() {
         Pump();
-        for (const HWND pane : {window->m_hWnd, window->Chart().m_hWnd, window->Pane().m_hWnd}) ::UpdateWindow(pane);
+        for (const HWND pane : {window->m_hWnd, window->Chart().m_hWnd, window->List().m_hWnd}) ::UpdateWindow(pane);
         RECT client = {};
         ::GetClientRect(window->m_hWnd, &client);
         client.bottom = window->StatusRect().top;
@@ -94,6 +104,7 @@ public:
     std::vector<COLORREF> Settled() {
         window->Chart().SetFocusMark({});
         ::SetFocus(window->Chart().m_hWnd);
+        window->List().Settle();
         return Pixels();
     }
     // What differs between two pictures, for a message; empty for nothing.

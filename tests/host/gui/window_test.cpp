@@ -54,6 +54,26 @@ void CALLBACK Meanwhile(HWND, UINT, UINT_PTR id, DWORD) {
     if (const auto work = std::exchange(g_meanwhile, nullptr)) work();
 }
 
+// Gives up every dialog over a window, while it lives.
+class DialogsGivenUp {
+public:
+    explicit DialogsGivenUp(HWND window) : m_timer(::SetTimer(nullptr, 0, USER_TIMER_MINIMUM, GiveUp)) { s_window = window; }
+    ~DialogsGivenUp() { ::KillTimer(nullptr, m_timer); }
+    DialogsGivenUp(const DialogsGivenUp&) = delete;
+    DialogsGivenUp& operator=(const DialogsGivenUp&) = delete;
+    static inline int count = 0;
+
+private:
+    static void CALLBACK GiveUp(HWND, UINT, UINT_PTR, DWORD) {
+        const HWND popup = ::GetActiveWindow();
+        if (popup == nullptr || popup == s_window || ::GetWindow(popup, GW_OWNER) != s_window) return;
+        ++count;
+        ::PostMessageA(popup, WM_COMMAND, IDCANCEL, 0);
+    }
+    static inline HWND s_window = nullptr;
+    UINT_PTR m_timer;
+};
+
 class WindowTest : public testing::Test {
 protected:
     WindowTest()
@@ -91,7 +111,7 @@ protected:
             }
         }
         drags.push_back({Hands::Middle(parts.axes[0].drag), Hands::Middle(parts.axes[1].drag)});
-        const RECT column = hands.window->Pane().ColumnRect(0), bar = hands.window->BarRect();
+        const RECT column = hands.window->List().ColumnRect(0), bar = hands.window->BarRect();
         drags.push_back({{bar.right + column.right, 8}, {bar.right + column.right + 40, 8}});
         return drags;
     }
@@ -314,7 +334,7 @@ TEST_F(WindowTest, ThePointerTellsWhatADragWouldDo) {
     hands.window->Command(kCommandSelect);
     const ViewParts parts = hands.Parts();
     const RECT selection = parts.selection.GetPosition(), bar = hands.window->BarRect();
-    const RECT column = hands.window->Pane().ColumnRect(0);
+    const RECT column = hands.window->List().ColumnRect(0);
     struct Case {
         POINT at;
         HCURSOR cursor, shift, control;
@@ -385,6 +405,7 @@ TEST_F(WindowTest, AThousandGesturesUndoneGiveTheFirstPictureBack) {
     constexpr UINT kKeys[] = {VK_TAB,    VK_LEFT,  VK_RIGHT, VK_UP,     VK_DOWN,  VK_ADD, VK_SUBTRACT, VK_HOME, VK_DELETE,
                               VK_RETURN, VK_PRIOR, VK_NEXT,  VK_INSERT, VK_SPACE, VK_F6,  VK_ESCAPE,   VK_F2};
     int cancels = 0;
+    const DialogsGivenUp givenUp(hands.window->m_hWnd);
     for (int i = 0; i < 1000; ++i) {
         const int kind = below(20);
         if (kind < 12) {
@@ -417,6 +438,7 @@ TEST_F(WindowTest, AThousandGesturesUndoneGiveTheFirstPictureBack) {
         ASSERT_EQ(::GetCapture(), nullptr) << i;
     }
     EXPECT_GT(cancels, 50);
+    EXPECT_GT(DialogsGivenUp::count, 0);
     hands.window->Chart().EndWriting(true);
     const ViewState last = hands.State();
     EXPECT_TRUE(hands.History().CanUndo());

@@ -1,0 +1,26 @@
+#include "host/gui/about_dialog.h"
+
+#include "frame/version.h"
+#include "host/console.h"
+#include "host/gui/menu_commands.h"
+#include "res/ids.h"
+#include "ui/version_info.h"
+
+AboutDialog::AboutDialog(CWnd* parent) : CBCGPDialog(IDD_HOST_ABOUT, parent) {}
+
+BOOL AboutDialog::OnInitDialog() {
+    const BOOL done = CBCGPDialog::OnInitDialog();
+    std::string name = "OrvikShared", version = ORVIK_MODULE_VERSION, description;
+    const HMODULE module = ::GetModuleHandleA("OrvikShared.dll");
+    const CVersionInfo info(module);
+    if (module != nullptr && info.IsValid()) {
+        name = info.GetInternalName();
+        version = info.GetFileVersion();
+        description = info.GetFileDescription();
+    }
+    SetDlgItemText(IDC_HOST_VERSION, HouseText(Text::AboutVersion, {ToUtf8(name), ToUtf8(version)}).c_str());
+    SetDlgItemText(IDC_HOST_WHAT, description.c_str());
+    SetDlgItemText(IDC_HOST_PURPOSE, HouseText(Text::AboutText).c_str());
+    CenterWindow();
+    return done;
+}

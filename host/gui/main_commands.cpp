@@ -1,0 +1,229 @@
+// What can be asked of the window, and what it asks its user before it does that.
+#include <utility>
+
+#include "afx/message_box.h"
+#include "host/database_file.h"
+#include "host/gui/about_dialog.h"
+#include "host/gui/file_dialog.h"
+#include "host/gui/main_window.h"
+#include "host/gui/properties_dialog.h"
+#include "host/gui/range_dialogs.h"
+#include "host/gui/work_dialogs.h"
+
+namespace {
+constexpr DWORD kLiveTimeout = 1000, kLiveInterval = 1000;
+
+std::string KindsOf(Text sessions, const char* patterns) {
+    return HouseText(sessions) + "|" + patterns + "|" + HouseText(Text::AllFiles) + "|*.*";
+}
+}  // namespace
+
+// While something is asked, nothing else is.
+template <class Question>
+auto MainWindow::Ask(Question question) {
+    struct Asking {
+        explicit Asking(bool& now) : asking(now), before(std::exchange(now, true)) {}
+        ~Asking() { asking = before; }
+        bool& asking;
+        const bool before;
+    } const guard(m_asking);
+    return question();
+}
+
+bool MainWindow::CanCommand(UINT command) const {
+    if (IsDragging() || m_asking) return false;
+    const ViewHistory& history = const_cast<MainWindow*>(this)->m_document.History();
+    switch (command) {
+        case kCommandOpen:
+        case kCommandDownload:
+            return !IsDownloading();
+        case kCommandExit:
+        case kCommandAbout:
+            return true;
+        case kCommandSave:
+        case kCommandPicture:
+            return m_document.HasSession();
+        case kCommandProperties:
+            return m_document.HasSession() && !m_document.State().axes.empty();
+        case kCommandStop:
+            return IsDownloading();
+        case kCommandUndo:
+            return history.CanUndo();
+        case kCommandRedo:
+            return history.CanRedo();
+        default:
+            if (command >= kCommandPorts) return !IsDownloading() && command - kCommandPorts < m_ports.size();
+            if (command >= kCommandChannels) return m_document.HasSession();
+            return m_chart.CanCommand(command);
+    }
+}
+
+bool MainWindow::Command(UINT command) {
+    m_chart.EndWriting(true);
+    if (!CanCommand(command)) return false;
+    switch (command) {
+        case kCommandOpen:
+            AskAndOpen();
+            return true;
+        case kCommandSave:
+            return AskAndSave();
+        case kCommandPicture:
+            AskAndSavePicture();
+            return true;
+        case kCommandDownload:
+            AskAndDownload();
+            return true;
+        case kCommandRange:
+            AskRange();
+            return true;
+        case kCommandTimeRange:
+            AskTimeRange();
+            return true;
+        case kCommandProperties:
+            ShowProperties();
+            return true;
+        case kCommandStop:
+            m_download->Stop();
+            return true;
+        case kCommandExit:
+            ::PostMessageA(m_hWnd, WM_CLOSE, 0, 0);
+            return true;
+        case kCommandUndo:
+        case kCommandRedo:
+            command == kCommandUndo ? m_document.History().Undo() : m_document.History().Redo();
+            StateChanged();
+            return true;
+        case kCommandAbout:
+            Ask([&] { AboutDialog(this).DoModal(); });
+            return true;
+        default:
+            break;
+    }
+    if (command >= kCommandPorts) {
+        ConnectTo(command - kCommandPorts);
+        return true;
+    }
+    if (command >= kCommandChannels) {
+        const size_t channel = command - kCommandChannels;
+        if (channel >= m_document.GetSession()->Channels().size()) return false;
+        Do(Text::StepChannel, ValueList::Toggled(m_document.State(), *m_document.GetSession(), channel));
+        return true;
+    }
+    return m_chart.Command(command);
+}
+
+void MainWindow::AskAndOpen() {
+    const auto path = Ask([&] {
+        return MayLeave() ? AskFileToOpen(m_hWnd, HouseText(Text::AskOpen), KindsOf(Text::SessionFiles, "*.odb;*.xml"))
+                          : std::nullopt;
+    });
+    if (path) Open(*path);
+}
+
+bool MainWindow::AskAndSave() {
+    if (!m_document.Path().empty()) return SaveTo(m_document.Path());
+    const auto path = Ask([&] {
+        return AskFileToSave(m_hWnd, HouseText(Text::AskSave), KindsOf(Text::SessionFiles, "*.odb;*.xml"), "odb", "session.odb");
+    });
+    return path && SaveTo(*path);
+}
+
+void MainWindow::AskAndSavePicture() {
+    PictureDialog dialog(this, "chart.png", ChartSize());
+    if (Ask([&] { return dialog.DoModal(); }) != IDOK) return;
+    const std::string path = dialog.path.GetString();
+    if (m_manner == Manner::Interactive && FileExists(path)) {
+        const std::string question = HouseText(Text::AskReplace, {ToUtf8(path)});
+        if (Ask([&] { return AfxMessageBox(question.c_str(), MB_YESNO | MB_ICONQUESTION); }) != IDYES) return;
+    }
+    SavePicture(path, {static_cast<LONG>(dialog.width), static_cast<LONG>(dialog.height)});
+}
+
+void MainWindow::AskAndDownload() {
+    FillPorts(m_portMenu);
+    DownloadDialog dialog(this, m_ports.empty() ? std::string() : m_ports.front(), 10,
+                          CVXTTimeSpan(kLiveInterval, TST_MILLISECONDS));
+    if (Ask([&] { return dialog.DoModal(); }) != IDOK || !MayLeave()) return;
+    DownloadPlan plan;
+    plan.port = dialog.port.GetString();
+    plan.count = dialog.count;
+    plan.interval = static_cast<DWORD>(dialog.interval.GetTotalMilliSeconds());
+    plan.timeout = kLiveTimeout;
+    Connect({}, plan);
+}
+
+void MainWindow::AskRange() {
+    m_chart.Prepare();
+    const auto place = m_chart.AxisPlace();
+    if (!place) return;
+    const ViewState::Axis& axis = m_document.State().axes[*place];
+    AxisRangeDialog dialog(this, axis.unit.empty() ? HouseText(Text::NoUnit) : axis.unit, m_chart.ShownRange(*place),
+                           axis.picture);
+    const ViewRange before = dialog.range;
+    if (Ask([&] { return dialog.DoModal(); }) != IDOK) return;
+    ViewState next = m_document.State();
+    if (dialog.range != before) next.axes[*place].range = dialog.range;
+    next.axes[*place].picture = dialog.picture;
+    Do(Text::StepRange, next);
+}
+
+void MainWindow::AskTimeRange() {
+    m_chart.Prepare();
+    const auto at = [](__int64 microseconds) {
+        CVXTTime time;
+        time.SetBinaryTime(microseconds);
+        return time;
+    };
+    const ViewRange shown = m_chart.ShownTimes();
+    TimeRangeDialog dialog(this, at(m_chart.TimeAxis().TimeOf(shown.origin)), at(m_chart.TimeAxis().TimeOf(shown.extent)));
+    const CVXTTime from = dialog.from, to = dialog.to;
+    if (Ask([&] { return dialog.DoModal(); }) != IDOK) return;
+    ViewRange range = shown;
+    if (dialog.from != from) range.origin = m_chart.TimeAxis().SecondsOf(dialog.from.GetBinaryTime());
+    if (dialog.to != to) range.extent = m_chart.TimeAxis().SecondsOf(dialog.to.GetBinaryTime());
+    if (range == shown || !IsShowable(range)) return;
+    ViewState next = m_document.State();
+    next.time = range;
+    Do(Text::StepTimeRange, next);
+}
+
+// Of the row that the keys are about, while the list has them; else of the axis that has the focus.
+void MainWindow::ShowProperties() {
+    m_chart.Prepare();
+    const ViewState& state = m_document.State();
+    std::optional<size_t> place = m_chart.AxisPlace(), channel;
+    if (::GetFocus() == m_list.m_hWnd) channel = m_list.Channel();
+    if (channel) {
+        const std::string& unit = m_document.GetSession()->Channels()[*channel].unit;
+        for (size_t i = 0; i < state.axes.size(); ++i) {
+            if (state.axes[i].unit == unit) place = i;
+        }
+    }
+    if (!place && state.axes.empty()) return;
+    const size_t axis = place.value_or(0);
+    const auto shown = [this, axis] {
+        m_chart.Prepare();
+        return m_chart.ShownRange(axis);
+    };
+    PropertiesDialog dialog(this, m_document, axis, channel,
+                            {[this](Text name, const ViewState& next) { Do(name, next); }, shown});
+    Ask([&] { return dialog.DoModal(); });
+}
+
+bool MainWindow::MayLeave() {
+    if (m_manner == Manner::Quiet || !m_document.IsModified()) return true;
+    const std::string question = HouseText(Text::AskKeep, {ToUtf8(m_document.Title())});
+    const int answer =
+        Ask([&] { return ::MessageBoxA(m_hWnd, question.c_str(), "OrvikHost", MB_YESNOCANCEL | MB_ICONQUESTION); });
+    return answer == IDNO || (answer == IDYES && AskAndSave());
+}
+
+void MainWindow::ConnectTo(size_t port) {
+    if (!MayLeave()) return;
+    DownloadPlan plan;
+    plan.port = m_ports[port];
+    plan.count = kForEver;
+    plan.interval = kLiveInterval;
+    plan.timeout = kLiveTimeout;
+    Connect({}, plan);
+}

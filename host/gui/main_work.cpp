@@ -1,0 +1,224 @@
+// What the window works on: files, pictures, downloads, and what can go wrong with them.
+#include <utility>
+
+#include "afx/dc.h"
+#include "afx/exception.h"
+#include "host/chart_file.h"
+#include "host/database_file.h"
+#include "host/gui/dialog_progress.h"
+#include "host/gui/main_window.h"
+#include "host/logger_file.h"
+#include "platform/picture.h"
+
+namespace {
+// From these on the progress dialog stands there at once.
+constexpr unsigned __int64 kLargeFile = 4 * 1024 * 1024;
+constexpr double kLargePicture = 8e6;  // pixels
+constexpr UINT_PTR kProgressTimer = 1;
+constexpr UINT kProgressPause = 100;  // ms
+}  // namespace
+
+template <class Work>
+bool MainWindow::Try(Work work) {
+    try {
+        work();
+        return true;
+    } catch (const WorkStopped&) {
+        return false;  // as the user wished
+    } catch (const Failure& failure) {
+        if (m_manner == Manner::Quiet) throw;
+        Tell(failure.sentence);
+    } catch (CException* exception) {
+        if (m_manner == Manner::Quiet) throw;
+        char text[512] = "";
+        exception->GetErrorMessage(text, sizeof text);
+        exception->Delete();
+        Tell(ToUtf8(text));
+    }
+    return false;
+}
+
+void MainWindow::Tell(const std::string& sentence) {
+    std::string house;
+    if (!FromUtf8(sentence, house)) house = sentence;
+    if (m_manner == Manner::Interactive && m_hWnd != nullptr) {
+        ::MessageBoxA(m_hWnd, house.c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
+    } else {
+        m_status = house;
+        if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
+    }
+}
+
+// Work under a progress dialog, which handles messages: the window can do nothing else meanwhile.
+template <class Work>
+void MainWindow::WorkWith(Text caption, Text message, Text stopped, const std::string& path, bool large, Work work) {
+    DialogProgress progress(*this, HouseText(caption), HouseText(message, {ToUtf8(path)}), large);
+    const bool before = std::exchange(m_asking, true);
+    try {
+        work(progress);
+    } catch (const WorkStopped&) {
+        m_asking = before;
+        ShowStatus(HouseText(stopped, {ToUtf8(path)}));
+        throw;
+    } catch (...) {
+        m_asking = before;
+        throw;
+    }
+    m_asking = before;
+}
+
+bool MainWindow::Open(const std::string& path) {
+    m_chart.EndWriting(true);
+    return Try([&] {
+        WorkWith(Text::WorkOpen, Text::WorkReading, Text::OpenStopped, path, FileSize(path) >= kLargeFile,
+                 [&](WorkProgress& progress) { m_document.Open(path, progress); });
+        DocumentChanged();
+    });
+}
+
+bool MainWindow::SaveTo(const std::string& path) {
+    m_chart.EndWriting(true);
+    return Try([&] {
+        TakeReadings();
+        WorkWith(Text::WorkSave, Text::WorkWriting, Text::WorkStopped, path, m_document.SizeAs(path) >= kLargeFile,
+                 [&](WorkProgress& progress) { m_document.Save(path, progress); });
+        m_status = HouseText(Text::SavedTo, {ToUtf8(path)});
+        StateChanged();
+    });
+}
+
+bool MainWindow::SavePicture(const std::string& path, SIZE size) {
+    m_chart.EndWriting(true);
+    return Try([&] {
+        RequirePictureName(path);
+        if (size.cx <= 0 || size.cy <= 0) size = ChartSize();
+        WorkWith(Text::WorkPicture, Text::WorkDrawing, Text::WorkStopped, path,
+                 static_cast<double>(size.cx) * size.cy >= kLargePicture,
+                 [&](WorkProgress& progress) { WritePicture(path, size, progress); });
+        ShowStatus(HouseText(Text::SavedTo, {ToUtf8(path)}));
+    });
+}
+
+SIZE MainWindow::ChartSize() const {
+    CRect client;
+    ::GetClientRect(m_chart.m_hWnd, &client);
+    return client.IsRectEmpty() ? SIZE{1600, 900} : SIZE{client.Width(), client.Height()};
+}
+
+void MainWindow::WritePicture(const std::string& path, SIZE size, WorkProgress& progress) {
+    constexpr int kBegin = 0, kDrawn = 1, kWritten = 2;
+    const auto go = [&](int done) {
+        if (!progress.At(static_cast<unsigned>(done), kWritten)) throw WorkStopped{};
+    };
+    go(kBegin);
+    const HDC picture = ::OrvikBeginPicture(path.c_str(), size.cx, size.cy);
+    if (picture == nullptr) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(GetLastError())})};
+    CDC dc;
+    dc.Attach(picture);
+    dc.m_bPrinting = ::OrvikIsPrinting(picture);
+    m_chart.DrawOn(dc, CRect(0, 0, size.cx, size.cy));
+    dc.Detach();
+    if (!progress.At(kDrawn, kWritten)) {
+        ::OrvikEndPicture(picture, FALSE);
+        throw WorkStopped{};
+    }
+    if (!::OrvikEndPicture(picture, TRUE))
+        throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(GetLastError())})};
+    progress.At(kWritten, kWritten);
+}
+
+void MainWindow::ShowStatus(const std::string& house) {
+    m_status = house;
+    if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
+}
+
+bool MainWindow::Connect(const std::string& loggerFile, const DownloadPlan& plan) {
+    return Try([&] {
+        CPropertyDB description;
+        LoadLoggerDescription(loggerFile, description);
+        Begin(MakeLogger(m_app, description), description, plan);
+    });
+}
+
+bool MainWindow::Connect(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan) {
+    return Try([&] { Begin(std::move(logger), description, plan); });
+}
+
+void MainWindow::Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan) {
+    if (IsDownloading()) throw Failure{kWrongUse, Say(Text::DownloadRuns)};
+    m_readings.clear();
+    m_document.Begin(description, plan.port);
+    m_download.reset(new LiveDownload(std::move(logger), plan, *this));  // a listener in private
+    m_download->Begin();
+    m_status = HouseText(Text::Connecting, {ToUtf8(plan.port)});
+    DocumentChanged();
+    if (plan.count < kForEver) ShowDownload(plan);
+    OrvikShedule();
+}
+
+void MainWindow::OnReading(CVXTTime time, const CDoubleArray& values) {
+    Reading reading{time, {}};
+    for (INT_PTR i = 0; i < values.GetSize(); ++i) reading.values.push_back(values.GetAt(i));
+    m_readings.push_back(std::move(reading));
+    m_status = HouseText(Text::LiveProgress, {std::to_string(m_download->Made() + 1), ToUtf8(m_download->Plan().port)});
+    if (m_progress != nullptr) {
+        const DWORD made = m_download->Made() + 1, count = m_download->Plan().count;
+        m_progress->SetPos(static_cast<LONG>(made));
+        m_progress->SetMessage2(HouseText(Text::WorkCount, {std::to_string(made), std::to_string(count)}).c_str());
+    }
+    if (!IsDragging()) TakeReadings();
+}
+
+// A download of a known length is shown over the window, which draws the readings as they come; cancelling keeps them.
+void MainWindow::ShowDownload(const DownloadPlan& plan) {
+    if (m_hWnd == nullptr || !::IsWindowVisible(m_hWnd)) return;
+    CProgressDlgParams params;
+    params.m_strCaption = HouseText(Text::WorkDownload).c_str();
+    params.m_strMessage = HouseText(Text::WorkLogger, {ToUtf8(plan.port)}).c_str();
+    params.m_strMessage2 = HouseText(Text::WorkCount, {"0", std::to_string(plan.count)}).c_str();
+    params.m_nRangeMax = static_cast<LONG>(plan.count);
+    m_progress = std::make_unique<CProgressDialog>(this);
+    if (!m_progress->Create(params, this)) return m_progress.reset();
+    ::SetTimer(m_hWnd, kProgressTimer, kProgressPause, nullptr);
+}
+
+LRESULT MainWindow::OnTimer(WPARAM wParam, LPARAM) {
+    if (wParam == kProgressTimer && m_progress != nullptr && m_progress->IsCancelled() && IsDownloading()) m_download->Stop();
+    return 0;
+}
+
+// The chart's data are not touched while a tracker works on it.
+void MainWindow::TakeReadings() {
+    if (m_readings.empty() || !m_document.HasSession()) return;
+    m_chart.BeforeReadings();
+    for (const Reading& reading : m_readings) {
+        CDoubleArray values;
+        for (const double value : reading.values) values.Add(value);
+        m_document.GetSession()->Add(reading.time, values);
+    }
+    m_readings.clear();
+    m_chart.AfterReadings();
+    m_list.Update();
+    UpdateTitle();
+    if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
+}
+
+void MainWindow::OnDownloadEnd(const std::string& sentence) {
+    if (m_progress != nullptr) {
+        if (m_hWnd != nullptr) ::KillTimer(m_hWnd, kProgressTimer);
+        m_progress->DestroyWindow();
+        m_progress.reset();
+    }
+    if (!IsDragging()) TakeReadings();
+    const size_t count = m_document.GetSession()->Count() + m_readings.size();
+    m_status = HouseText(Text::LiveEnded, {std::to_string(count)});
+    UpdateMenu();
+    if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
+    if (m_closing && m_hWnd != nullptr) {
+        ::PostMessageA(m_hWnd, WM_CLOSE, 0, 0);
+    } else if (!sentence.empty()) {
+        Tell(sentence);
+    }
+}
+
+void MainWindow::OnDragEnd() { TakeReadings(); }

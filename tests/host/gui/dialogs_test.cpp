@@ -1,0 +1,515 @@
+// The window's dialogs: what they show, take and refuse, and the progress of long work. In the language of the process; pictures
+// of all go to the folder that ORVIK_DIALOG_PICTURES names, if it names one. The same on both homes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <set>
+
+#include "comm/task.h"
+#include "host/database_file.h"
+#include "platform/picture.h"
+#include "res/ids.h"
+#include "tests/host/gui/hands.h"
+#include "tests/support/regional_settings.h"
+#include "time/locale_cache.h"
+#include "time/span_text.h"
+#include "toolkit/prop_list.h"
+
+namespace {
+namespace fs = std::filesystem;
+using Step = std::function<void(HWND dialog)>;
+
+// Does one step after the other with whatever dialog stands over the window; what is left open is closed and told.
+class Answers {
+public:
+    Answers(HWND window, std::deque<Step> steps) : m_timer(::SetTimer(nullptr, 0, USER_TIMER_MINIMUM, Tick)) {
+        s_window = window;
+        s_steps = std::move(steps);
+    }
+    ~Answers() {
+        ::KillTimer(nullptr, m_timer);
+        EXPECT_TRUE(s_steps.empty()) << "no dialog for what was to be answered";
+    }
+    Answers(const Answers&) = delete;
+    Answers& operator=(const Answers&) = delete;
+
+private:
+    static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD) {
+        const HWND dialog = ::GetActiveWindow();
+        if (s_busy || dialog == nullptr || dialog == s_window || ::GetWindow(dialog, GW_OWNER) != s_window ||
+            !::IsWindowVisible(dialog))
+            return;
+        if (s_steps.empty()) {
+            ADD_FAILURE() << "a dialog is left open";
+            ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+            return;
+        }
+        const Step step = std::move(s_steps.front());
+        s_steps.pop_front();
+        s_busy = true;
+        step(dialog);
+        s_busy = false;
+    }
+    static inline HWND s_window = nullptr;
+    static inline std::deque<Step> s_steps;
+    static inline bool s_busy = false;
+    UINT_PTR m_timer;
+};
+
+std::string TextOf(HWND window) {
+    std::string text(static_cast<size_t>(::GetWindowTextLengthA(window)) + 1, 0);
+    text.resize(static_cast<size_t>(::GetWindowTextA(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+std::string FieldText(HWND dialog, int id) { return TextOf(::GetDlgItem(dialog, id)); }
+void Press(HWND dialog, int id) {
+    ::SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(id), reinterpret_cast<LPARAM>(::GetDlgItem(dialog, id)));
+}
+void Choose(HWND dialog, int first, int last, int id) {
+    ::CheckRadioButton(dialog, first, last, id);
+    Press(dialog, id);
+}
+std::string Resource(UINT id) {
+    CString text;
+    text.LoadString(id);
+    return text.GetString();
+}
+std::string Bytes(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class Dialogs : public testing::Test {
+protected:
+    Dialogs() : folder(fs::temp_directory_path() / ("orvik-dialogs-" + std::to_string(::GetTickCount()))) {
+        settings.Swedish();
+        settings.Set(LOCALE_SDATE, "-"), settings.Set(LOCALE_STIME, ":");
+        NlsToolsUpdate();
+        fs::create_directories(folder);
+        path = (folder / "station.odb").string();
+        Hands::WriteSession(path);
+        hands.window->Open(path);
+        hands.Pump();
+        TellingHost::told.clear();
+    }
+    ~Dialogs() override {
+        hands.window.reset();
+        fs::remove_all(folder);
+    }
+    void Do(UINT command, std::deque<Step> steps) {
+        const Answers answers(hands.window->m_hWnd, std::move(steps));
+        EXPECT_TRUE(hands.window->Command(command));
+    }
+    // A field with this text is refused when OK is pressed: told once in these words, focused, the dialog open, the view as it
+    // was.
+    Step Refused(int field, const char* text, std::string told, int focus = 0) {
+        return [=, this](HWND dialog) {
+            const ViewState before = hands.State();
+            const std::string old = FieldText(dialog, field);
+            ::SetDlgItemTextA(dialog, field, text);
+            ::SetFocus(::GetDlgItem(dialog, IDCANCEL));
+            Press(dialog, IDOK);
+            EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{told}) << text;
+            EXPECT_EQ(::GetFocus(), ::GetDlgItem(dialog, focus != 0 ? focus : field)) << text;
+            EXPECT_TRUE(::IsWindowVisible(dialog));
+            EXPECT_EQ(hands.State(), before);
+            EXPECT_FALSE(hands.History().CanUndo());
+            ::SetDlgItemTextA(dialog, field, old.c_str());
+        };
+    }
+    static Step Filled(std::vector<std::pair<int, std::string>> fields) {
+        return [=](HWND dialog) {
+            for (const auto& [field, text] : fields) ::SetDlgItemTextA(dialog, field, text.c_str());
+            Press(dialog, IDOK);
+        };
+    }
+    static Step Given(int id) {
+        return [=](HWND dialog) { Press(dialog, id); };
+    }
+    // One step of this name, which undoing takes back to the last pixel; done again, saved and opened, it is there.
+    void ExpectOneStep(Text name, const std::vector<COLORREF>& before) {
+        ASSERT_TRUE(hands.History().CanUndo()) << Say(name);
+        EXPECT_EQ(hands.History().UndoName(), name);
+        const ViewState changed = hands.State();
+        hands.window->Command(kCommandUndo);
+        EXPECT_FALSE(hands.History().CanUndo()) << Say(name);
+        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << Say(name);
+        hands.window->Command(kCommandRedo);
+        EXPECT_EQ(hands.State(), changed);
+        ASSERT_TRUE(hands.window->SaveTo(path));
+        hands.window->Open(path);
+        EXPECT_EQ(hands.State(), changed) << Say(name);
+    }
+
+    // Texts fit, each mnemonic is there once, Tab reaches every control that can be reached.
+    static void ExpectUsable(HWND dialog, const std::string& name) {
+        std::set<char> mnemonics;
+        for (HWND each = ::GetWindow(dialog, GW_CHILD); each != nullptr; each = ::GetWindow(each, GW_HWNDNEXT)) {
+            char kind[32] = "";
+            ::GetClassNameA(each, kind, sizeof kind);
+            const bool button = lstrcmpiA(kind, "Button") == 0;
+            if (!::IsWindowVisible(each) || (!button && lstrcmpiA(kind, "Static") != 0)) continue;
+            const std::string text = TextOf(each);
+            const size_t mark = text.find('&');
+            if (mark != std::string::npos) {
+                EXPECT_TRUE(mnemonics.insert(static_cast<char>(::tolower(text[mark + 1]))).second) << name << ": " << text;
+            }
+            CClientDC dc(CWnd::FromHandle(each));
+            const HGDIOBJ before = ::SelectObject(dc.m_hDC, reinterpret_cast<HFONT>(::SendMessageA(each, WM_GETFONT, 0, 0)));
+            std::string shown = text;
+            if (mark != std::string::npos) shown.erase(mark, 1);
+            const CSize needed = dc.GetTextExtent(shown.c_str(), static_cast<int>(shown.size()));
+            ::SelectObject(dc.m_hDC, before);
+            CRect place;
+            ::GetClientRect(each, place);
+            const int lines = std::max(1, place.Height() / std::max<int>(1, needed.cy));
+            EXPECT_LE(needed.cx, place.Width() * lines) << name << ": " << text;
+            EXPECT_LE(needed.cy, place.Height()) << name << ": " << text;
+        }
+        const HWND first = ::GetNextDlgTabItem(dialog, nullptr, FALSE);
+        std::set<HWND> reached;
+        for (HWND each = first; reached.insert(each).second;) each = ::GetNextDlgTabItem(dialog, each, FALSE);
+        for (HWND each = ::GetWindow(dialog, GW_CHILD); each != nullptr; each = ::GetWindow(each, GW_HWNDNEXT)) {
+            const auto style = ::GetWindowLongPtrA(each, GWL_STYLE);
+            if ((style & WS_TABSTOP) != 0 && ::IsWindowVisible(each) && ::IsWindowEnabled(each)) {
+                EXPECT_TRUE(reached.count(each)) << name << ": " << TextOf(each);
+            }
+        }
+    }
+    static void Keep(HWND window, const std::string& name) {
+        ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        const char* const pictures = std::getenv("ORVIK_DIALOG_PICTURES");
+        if (pictures == nullptr) return;
+        CRect client;
+        ::GetClientRect(window, client);
+        const HDC dc = ::GetDC(window);
+        // A screen takes its time to show a window.
+        for (int i = 0; i < 100 && ::GetPixel(dc, 1, 1) == RGB(0, 0, 0); ++i) {
+            ::Sleep(10);
+            ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+            MSG message;
+            while (::PeekMessageA(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE)) ::DispatchMessageA(&message);
+        }
+        const std::string end = Say(Text::WorkOpen) == "Open" ? "-en.png" : "-sv.png";
+        EXPECT_TRUE(::OrvikSavePixels(dc, client, (std::string(pictures) + "/" + name + end).c_str()));
+        ::ReleaseDC(window, dc);
+    }
+
+    RegionalSettings settings;
+    fs::path folder;
+    std::string path;
+    Hands hands{{760, 460}};
+};
+
+TEST_F(Dialogs, EveryOneIsReachedByKeyFitsAndCanBeGivenUp) {
+    const auto before = hands.Settled();
+    struct Case {
+        const char* name;
+        UINT key;
+        bool control;
+    };
+    for (const Case& one : std::initializer_list<Case>{{"range", 'G', true},
+                                                       {"time-range", 'T', true},
+                                                       {"picture", 'P', true},
+                                                       {"download", 'D', true},
+                                                       {"about", VK_F1, false}}) {
+        const Answers answers(hands.window->m_hWnd, {[&](HWND dialog) {
+                                  ExpectUsable(dialog, one.name);
+                                  Keep(dialog, one.name);
+                                  ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+                              }});
+        hands.Key(one.key, false, one.control);
+    }
+    // Alt+Enter: of the axis, or of the channel whose row has the keys; Enter there as well.
+    for (const bool list : {false, true}) {
+        ::SetFocus(list ? hands.window->List().m_hWnd : hands.window->Chart().m_hWnd);
+        const Answers answers(hands.window->m_hWnd, {[&](HWND dialog) {
+                                  ExpectUsable(dialog, "properties");
+                                  Keep(dialog, list ? "properties-channel" : "properties");
+                                  ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+                              }});
+        ::SendMessageA(::GetFocus(), WM_SYSKEYDOWN, VK_RETURN, 1 | (1 << 29));
+    }
+    EXPECT_FALSE(hands.History().CanUndo());
+    EXPECT_TRUE(TellingHost::told.empty());
+    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
+    Keep(hands.window->m_hWnd, "window");
+}
+
+TEST_F(Dialogs, ARangeIsReadInTheUsersFormatAndIsOneStep) {
+    const auto before = hands.Settled();
+    Do(kCommandRange,
+       {Refused(IDC_HOST_FROM, "1.5", Resource(IDS_BAD_NUMBER)), Refused(IDC_HOST_TO, "", Resource(IDS_BAD_NUMBER)),
+        Refused(IDC_HOST_PICTURE, "##,#x", Resource(IDS_BAD_NUMBER)),
+        [&](HWND dialog) { Refused(IDC_HOST_TO, FieldText(dialog, IDC_HOST_FROM).c_str(), HouseText(Text::RangeEmpty))(dialog); },
+        Given(IDOK)});
+    EXPECT_FALSE(hands.History().CanUndo()) << "nothing was changed";
+    Do(kCommandRange, {Filled({{IDC_HOST_FROM, "-2,5"}, {IDC_HOST_PICTURE, "###,##"}})});
+    ASSERT_TRUE(hands.State().axes[0].range);
+    EXPECT_EQ(hands.State().axes[0].range->origin, -2.5);
+    EXPECT_EQ(hands.State().axes[0].picture, "###,##");
+    EXPECT_EQ(hands.window->List().GetItemText(0, 1).Right(3).GetAt(0), ',') << "two decimals";
+    ExpectOneStep(Text::StepRange, before);
+}
+
+TEST_F(Dialogs, TimesGoToAnotherOrForASpan) {
+    const auto before = hands.Settled();
+    Do(kCommandTimeRange, {[](HWND dialog) { EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN))); },
+                           Refused(IDC_HOST_TIME, "25:00", Resource(IDS_BAD_TIME)),
+                           Refused(IDC_HOST_TO_DATE, "1999-01-01", HouseText(Text::TimesBackwards)),
+                           [](HWND dialog) {
+                               Choose(dialog, IDC_HOST_BY_TIME, IDC_HOST_BY_SPAN, IDC_HOST_BY_SPAN);
+                               EXPECT_TRUE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN)));
+                               EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_TO_DATE)));
+                           },
+                           Refused(IDC_HOST_SPAN, "5", Resource(IDS_BAD_SPAN)),
+                           Refused(IDC_HOST_SPAN, "0", HouseText(Text::SpanEmpty)), Given(IDOK)});
+    EXPECT_FALSE(hands.History().CanUndo());
+    CString hour;
+    CVXTTimeSpanType hours = TST_HOURS;
+    _NlsSetShortTimeSpan(hour, CVXTTimeSpan(5400, TST_SECONDS), &hours, -1);
+    EXPECT_EQ(hour.Left(4), "1,5 ");
+    Do(kCommandTimeRange, {[&](HWND dialog) {
+           Choose(dialog, IDC_HOST_BY_TIME, IDC_HOST_BY_SPAN, IDC_HOST_BY_SPAN);
+           ::SetDlgItemTextA(dialog, IDC_HOST_SPAN, hour);
+           Press(dialog, IDOK);
+       }});
+    ASSERT_TRUE(hands.State().time);
+    EXPECT_EQ(hands.State().time->origin, 0);
+    EXPECT_EQ(hands.State().time->extent, 5400);
+    ExpectOneStep(Text::StepTimeRange, before);
+}
+
+TEST_F(Dialogs, EachPropertyThatIsChangedIsAStep) {
+    const auto before = hands.Settled();
+    ::SetFocus(hands.window->List().m_hWnd);
+    const auto list = [](HWND dialog) {
+        return static_cast<CBCGPPropList*>(CWnd::FromHandlePermanent(::GetDlgItem(dialog, IDC_ORVIK_GRID)));
+    };
+    // A value as its user writes it: over the cell, taken by Enter.
+    const auto write = [&](CBCGPPropList& grid, CBCGPProp* property, const char* text) {
+        grid.SetCurSel(property);
+        ASSERT_TRUE(grid.EditItem());
+        HWND edit = ::GetWindow(grid.m_hWnd, GW_CHILD);
+        for (char kind[32] = ""; edit != nullptr; edit = ::GetWindow(edit, GW_HWNDNEXT)) {
+            ::GetClassNameA(edit, kind, sizeof kind);
+            if (lstrcmpiA(kind, "Edit") == 0) break;
+        }
+        ASSERT_NE(edit, nullptr);
+        ::SetWindowTextA(edit, text);
+        grid.EndEditItem();
+    };
+    std::vector<Text> steps;
+    const auto done = [&](Text name) {
+        ASSERT_TRUE(hands.History().CanUndo());
+        EXPECT_EQ(hands.History().UndoName(), name);
+        EXPECT_TRUE(TellingHost::told.empty());
+        steps.push_back(name);
+    };
+    const auto refused = [&](Text told, const ViewState& state) {
+        EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{HouseText(told)});
+        EXPECT_EQ(hands.State(), state);
+    };
+    Do(kCommandProperties, {[&](HWND dialog) {
+           CBCGPPropList& grid = *list(dialog);
+           CBCGPProp &axis = *grid.GetProperty(0), &air = *grid.GetProperty(1), &soil = *grid.GetProperty(2);
+           CBCGPProp *const follows = axis.GetSubItem(1), *const from = axis.GetSubItem(2), *const to = axis.GetSubItem(3);
+           EXPECT_EQ(grid.GetCurSel(), air.GetSubItem(0)) << "the row's own channel";
+           write(grid, from, "-4,25");
+           done(Text::StepRange);
+           EXPECT_EQ(hands.State().axes[0].range->origin, -4.25);
+           EXPECT_FALSE(follows->GetValue().Bool());
+           const ViewState ranged = hands.State();
+           write(grid, to, "-4,25");
+           refused(Text::RangeEmpty, ranged);
+           EXPECT_EQ(to->GetValue().Real(), ranged.axes[0].range->extent) << "put back";
+           write(grid, axis.GetSubItem(4), "@@@x");
+           refused(Text::PictureWrong, ranged);
+           write(grid, axis.GetSubItem(4), "@@");
+           done(Text::StepPicture);
+           write(grid, air.GetSubItem(0), "Luft");
+           done(Text::StepName);
+           EXPECT_EQ(hands.window->List().GetItemText(0, 0), "Luft");
+           const ViewState named = hands.State();
+           write(grid, air.GetSubItem(0), "  ");
+           refused(Text::NameWrong, named);
+           write(grid, soil.GetSubItem(2), "#102030");
+           done(Text::StepColour);
+           EXPECT_EQ(hands.State().channels[2].colour, RGB(0x10, 0x20, 0x30));
+           EXPECT_EQ(hands.window->List().OnGetCellTextColor(2, 0), RGB(0x10, 0x20, 0x30));
+           Keep(dialog, "properties-changed");
+           Press(dialog, IDOK);
+       }});
+    EXPECT_EQ(steps.size(), 4u);
+    const ViewState changed = hands.State();
+    ASSERT_TRUE(hands.window->SaveTo(path));
+    for (size_t i = steps.size(); i-- > 0;) {
+        EXPECT_EQ(hands.History().UndoName(), steps[i]);
+        hands.window->Command(kCommandUndo);
+    }
+    EXPECT_FALSE(hands.History().CanUndo());
+    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
+    hands.window->Open(path);
+    EXPECT_EQ(hands.State(), changed);
+}
+
+TEST_F(Dialogs, APictureHasTheSizeAndKindThatWereAsked) {
+    const std::string file = (folder / "chart").string();
+    Do(kCommandPicture, {Refused(IDC_HOST_WIDTH, "0", HouseText(Text::SidesRange, {std::to_string(kOrvikPictureSide)})),
+                         Refused(IDC_HOST_FILE, "", HouseText(Text::FileEmpty)), [&](HWND dialog) {
+                             ::SetDlgItemTextA(dialog, IDC_HOST_FILE, (file + ".png").c_str());
+                             Choose(dialog, IDC_HOST_PNG, IDC_HOST_PDF, IDC_HOST_SVG);
+                             EXPECT_EQ(FieldText(dialog, IDC_HOST_FILE), file + ".svg");
+                             Filled({{IDC_HOST_WIDTH, "500"}, {IDC_HOST_HEIGHT, "300"}})(dialog);
+                         }});
+    EXPECT_NE(Bytes(file + ".svg").find("width=\"500\" height=\"300\""), std::string::npos);
+    Do(kCommandPicture, {Filled({{IDC_HOST_FILE, file}, {IDC_HOST_WIDTH, "64"}, {IDC_HOST_HEIGHT, "48"}})});
+    const std::string png = Bytes(file + ".png");
+    ASSERT_GT(png.size(), 24u);
+    EXPECT_EQ(png.substr(16, 8), std::string("\0\0\0\x40\0\0\0\x30", 8));
+    EXPECT_FALSE(hands.History().CanUndo());
+}
+
+// Waits in the queue until the work handles messages, and then presses Cancel in the dialog that stands over the window.
+class Canceller : public CWnd {
+public:
+    Canceller(HWND window, const char* picture) : m_window(window), m_picture(picture) {
+        CreateEx(0, AfxRegisterWndClass(0), "canceller", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr);
+        PostMessage(WM_APP);
+    }
+    int cancelled = 0;
+
+protected:
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_APP) {
+            const HWND dialog = ::GetActiveWindow();
+            EXPECT_EQ(::GetWindow(dialog, GW_OWNER), m_window);
+            EXPECT_FALSE(::IsWindowEnabled(m_window));
+            EXPECT_TRUE(::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0));
+            ++cancelled;
+        }
+        return CWnd::WindowProc(message, wParam, lParam);
+    }
+
+private:
+    HWND m_window;
+    const char* m_picture;
+};
+
+TEST_F(Dialogs, LargeWorkCanBeCancelledAndLeavesWhatWasThere) {
+    const std::string large = (folder / "large.odb").string(), picture = (folder / "large.png").string();
+    Hands::WriteSession(large, 120'000);
+    const ViewState state = hands.State();
+    const HWND window = hands.window->m_hWnd;
+    const auto cancelled = [&](const std::function<bool()>& work) {
+        Canceller canceller(window, nullptr);
+        EXPECT_FALSE(work());
+        EXPECT_EQ(canceller.cancelled, 1);
+        EXPECT_TRUE(::IsWindowEnabled(window));
+        EXPECT_TRUE(hands.window->CanCommand(kCommandOpen));
+        hands.Pump();
+    };
+    cancelled([&] { return hands.window->Open(large); });
+    EXPECT_EQ(hands.window->Document().Path(), path);
+    EXPECT_EQ(hands.State(), state);
+    ASSERT_TRUE(hands.window->Open(large));
+    EXPECT_EQ(hands.window->Document().GetSession()->Count(), 120'000u);
+    hands.window->Command(kCommandZoomIn);
+    for (const std::string& target : {large, path, (folder / "new.xml").string()}) {
+        const bool existed = FileExists(target);
+        const std::string bytes = Bytes(target);
+        cancelled([&] { return hands.window->SaveTo(target); });
+        EXPECT_EQ(FileExists(target), existed) << target;
+        EXPECT_TRUE(Bytes(target) == bytes) << target;
+        EXPECT_TRUE(hands.window->Document().IsModified());
+    }
+    std::ofstream(picture) << "an older picture";
+    cancelled([&] { return hands.window->SavePicture(picture, {4000, 2500}); });
+    EXPECT_EQ(Bytes(picture), "an older picture");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 3) << "nothing is left beside the files";
+    ASSERT_TRUE(hands.window->SaveTo(large));
+    EXPECT_FALSE(hands.window->Document().IsModified());
+    EXPECT_TRUE(TellingHost::told.empty());
+}
+
+// A logger that is always there.
+class ReadyLogger : public ILogger {
+public:
+    COrvikConnection& Connection() override { return *m_connection; }
+    CSerialOrvik& Port() override { return m_port; }
+    void Connect(const char*, DWORD) override {}
+    void ReadSample(CDoubleArray& values) override {
+        values.RemoveAll();
+        values.Add(++s_read % 3 == 0 ? std::numeric_limits<double>::quiet_NaN() : s_read);
+        values.Add(-s_read);
+    }
+    void Disconnect() override {}
+    void Abort() override {}
+    static inline int s_read = 0;
+
+private:
+    COrvikConnection* m_connection = nullptr;
+    CSerialOrvik m_port;
+};
+
+TEST_F(Dialogs, ADownloadShowsItsProgressAndKeepsWhatWasReadWhenCancelled) {
+    CPropertyDB description;
+    description.SetValue("sName", "Ready");
+    for (const char* key : {"1", "2"}) {
+        description.SetValue((std::string("Channels.") + key + ".sName").c_str(), key);
+        description.SetValue((std::string("Channels.") + key + ".sUnit").c_str(), "V");
+    }
+    DownloadPlan plan;
+    plan.port = "COM9";
+    const HWND window = hands.window->m_hWnd;
+    const auto run = [&](DWORD count, size_t cancelAt) {
+        plan.count = count;
+        plan.interval = 0;
+        ASSERT_TRUE(hands.window->Connect(std::make_unique<ReadyLogger>(), description, plan));
+        EXPECT_FALSE(::IsWindowEnabled(window));
+        const HWND dialog = ::GetActiveWindow();
+        ASSERT_EQ(::GetWindow(dialog, GW_OWNER), window);
+        bool asked = false;
+        while (hands.window->IsDownloading()) {
+            hands.Pump();
+            const size_t now = hands.window->Document().GetSession()->Count();
+            if (!asked && now >= cancelAt && ::IsWindow(dialog)) {
+                Keep(dialog, "download-progress");
+                EXPECT_EQ(FieldText(dialog, IDC_ORVIK_MESSAGE2),
+                          HouseText(Text::WorkCount, {std::to_string(now), std::to_string(count)}));
+                Press(dialog, IDCANCEL);
+                asked = true;
+            }
+            OrvikShedule();
+        }
+        hands.Pump();
+        EXPECT_FALSE(::IsWindow(dialog));
+        EXPECT_TRUE(::IsWindowEnabled(window));
+    };
+    run(20, 1000);
+    Session& session = *hands.window->Document().GetSession();
+    EXPECT_EQ(session.Count(), 20u);
+    EXPECT_EQ(hands.window->List().OnGetCellTextColor(0, 1), ChartModel::ColourOf(0));
+    run(1'000'000, 4);
+    const size_t kept = hands.window->Document().GetSession()->Count();
+    EXPECT_GE(kept, 4u);
+    EXPECT_LT(kept, 1'000'000u);
+    EXPECT_TRUE(hands.window->Document().IsModified());
+    const std::string file = (folder / "kept.odb").string();
+    ASSERT_TRUE(hands.window->SaveTo(file));
+    hands.window->Open(file);
+    EXPECT_EQ(hands.window->Document().GetSession()->Count(), kept);
+    EXPECT_TRUE(TellingHost::told.empty());
+    // Rows have their states' colours: no number, hidden, shown.
+    const auto& first = hands.window->Document().GetSession()->Channels()[0].values;
+    const bool number = std::isfinite(first.GetAt(first.GetUpperBound()));
+    EXPECT_EQ(hands.window->List().OnGetCellTextColor(0, 0), number ? ChartModel::ColourOf(0) : ValueList::kNoNumber);
+    hands.window->Command(kCommandChannels + 1);
+    EXPECT_EQ(hands.window->List().OnGetCellTextColor(1, 0), ValueList::kHidden);
+}
+}  // namespace
