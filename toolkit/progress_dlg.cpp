@@ -90,11 +90,16 @@ void CBCGPProgressDlg::EnableCancel(BOOL bEnable) {
     if (m_hWnd != nullptr) GetDlgItem(IDCANCEL)->EnableWindow(bEnable);
 }
 
+// Escape and the box of the title bar come here whether the button can be pressed or not.
+void CBCGPProgressDlg::OnCancel() {
+    if (GetDlgItem(IDCANCEL)->IsWindowEnabled()) m_bCancelled = TRUE;
+}
+
 BOOL CBCGPProgressDlg::PumpMessages() { return PumpProgressMessages(*this); }
 
 void CBCGPProgressDlg::OnSysCommand(UINT nID, LPARAM lParam) {
     if ((nID & 0xFFF0) == SC_CLOSE)
-        m_bCancelled = TRUE;
+        OnCancel();
     else
         CBCGPDialog::OnSysCommand(nID, lParam);
 }

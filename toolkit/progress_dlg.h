@@ -32,6 +32,7 @@ public:
     void SetMessage2(const CString& strMessage);
     // Whether the user has cancelled since the last call.
     BOOL IsCancelled();
+    // While the button is disabled neither Escape nor closing cancels.
     void EnableCancel(BOOL bEnable);
     // FALSE when the window is gone or the program is to end.
     virtual BOOL PumpMessages();
@@ -40,7 +41,7 @@ public:
 protected:
     BOOL OnInitDialog() override;
     void OnOK() override {}
-    void OnCancel() override { m_bCancelled = TRUE; }
+    void OnCancel() override;
     afx_msg void OnSysCommand(UINT nID, LPARAM lParam);
     DECLARE_MESSAGE_MAP()
 

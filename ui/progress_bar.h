@@ -29,6 +29,7 @@ public:
     void SetMessage2(const char* text, BOOL pump);
     // Whether the user has cancelled since the last call. Never when silent, always when there is no dialog.
     BOOL IsAborted();
+    // Disables or enables Cancel, and with it Escape and closing.
     void DisableAbort(BOOL disable);
 
 private:

@@ -36,7 +36,7 @@ void CProgressDialog::ReEnableParent() { m_owner.Enable(); }
 
 BOOL CProgressDialog::DestroyWindow() {
     // First the owner, so that it is there to be activated when the dialog goes.
-    CProgressDialog::ReEnableParent();
+    ReEnableParent();
     return CBCGPDialog::DestroyWindow();
 }
 

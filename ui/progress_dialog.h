@@ -14,6 +14,8 @@
 #include "toolkit/bcgp_dialog.h"
 #include "toolkit/disabled_owner.h"
 
+// Without a bar, and without Cancel, the dialog is shorter by their room. A header moves everything down and the dialog is higher
+// by it. Without a second line what stands below it moves up by that line.
 struct CProgressDlgParams {
     CString m_strCaption;
     CString m_strMessage;
@@ -38,12 +40,13 @@ public:
 
     using CBCGPDialog::Create;
     // In the middle of the owner, which is the top window of `parent`, or of the application; shown if the owner is, or if there
-    // is none. A failed one leaves the owner enabled.
+    // is none. A failed one leaves the owner enabled; so does one while the dialog is open, which changes nothing.
     virtual BOOL Create(const CProgressDlgParams& params, CWnd* parent);
     // Paints the band at the top.
     virtual void OnDrawHeader(CDC*, CRect) {}
     // Handles every waiting message. FALSE when the window is gone, and at the quit message, which is posted again.
     virtual BOOL PumpMessages();
+    // Called by DestroyWindow too, while the dialog is still there.
     virtual void ReEnableParent();
     // Stores the position and shows its percentage: (pos - min) * 100 / (max - min), truncated. What is not exactly 100 is taken
     // modulo 100, so that 150 shows as 50; kept on purpose.

@@ -1,6 +1,8 @@
 // Progress in both forms: the dialog and the bar, with what the user and the system may do meanwhile.
 #include <algorithm>
+#include <map>
 
+#include "afx/controls.h"
 #include "res/ids.h"
 #include "tests/support/dialog_fixture.h"
 #include "toolkit/progress_dlg.h"
@@ -52,6 +54,48 @@ HWND FindBar() {
     return found;
 }
 
+// Counts the messages that a window gets.
+class Spy {
+public:
+    explicit Spy(HWND window) : m_window(window) {
+        s_counts.clear();
+        s_before = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Proc)));
+    }
+    ~Spy() { SetWindowLongPtrA(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(s_before)); }
+    Spy(const Spy&) = delete;
+    Spy& operator=(const Spy&) = delete;
+    int Count(UINT message) const { return s_counts[message]; }
+
+private:
+    static LRESULT CALLBACK Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        ++s_counts[message];
+        return CallWindowProcA(s_before, window, message, wParam, lParam);
+    }
+    inline static std::map<UINT, int> s_counts;
+    inline static WNDPROC s_before = nullptr;
+    HWND m_window;
+};
+
+// Notes what the system would have been asked, and how its owner stood when it went.
+class Watched : public CProgressDialog {
+public:
+    using CProgressDialog::CProgressDialog;
+    BOOL Create(UINT id, CWnd* parent) override { return !refused && CProgressDialog::Create(id, parent); }
+    using CProgressDialog::Create;
+    LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_SYSCOMMAND) {
+            asked.push_back(wParam);
+            return 0;
+        }
+        if (message == WM_DESTROY) ownerEnabled = ::IsWindowEnabled(::GetWindow(m_hWnd, GW_OWNER)) != FALSE;
+        return CProgressDialog::DefWindowProc(message, wParam, lParam);
+    }
+    void ReEnableParent() override { ++enabled, CProgressDialog::ReEnableParent(); }
+    bool refused = false, ownerEnabled = false;
+    int enabled = 0;
+    std::vector<WPARAM> asked;
+};
+
 }  // namespace
 
 TEST_F(Progress, TheDialogStandsOverItsDisabledOwner) {
@@ -100,6 +144,44 @@ TEST_F(Progress, TheDialogStandsOverItsDisabledOwner) {
     EXPECT_TRUE(owner.IsWindowEnabled());
 }
 
+TEST_F(Progress, ItsOwnerIsBackBeforeItGoesAndWhenItNeverCame) {
+    Watched dialog(&owner);
+    dialog.refused = true;
+    EXPECT_FALSE(dialog.Create(Params(), &owner));
+    EXPECT_TRUE(owner.IsWindowEnabled());
+    dialog.refused = false;
+    CProgressDlgParams params = Params();
+    params.m_nRangeMin = -50, params.m_nRangeMax = 50, params.m_bPumpMessages = TRUE;
+    ASSERT_TRUE(dialog.Create(params, &owner));
+    EXPECT_TRUE(dialog.IsVisualManagerStyle());
+    EXPECT_EQ(dialog.GetPos(), -50);
+    EXPECT_EQ(SendMessageA(Control(dialog, IDC_ORVIK_PROGRESS), PBM_GETPOS, 0, 0), -50);
+    constexpr WPARAM kMove = 0xF010;
+    // Every other command of the title bar is the system's.
+    SendMessageA(dialog, WM_SYSCOMMAND, kMove | 2, 0);
+    EXPECT_EQ(dialog.asked, std::vector<WPARAM>{kMove | 2});
+    EXPECT_FALSE(dialog.IsCancelled());
+    // The lower bits of a command are the system's own. Pumping was asked for from the start.
+    PostMessageA(dialog, WM_SYSCOMMAND, SC_CLOSE | 1, 0);
+    dialog.SetPos(0);
+    EXPECT_TRUE(dialog.IsCancelled());
+    EXPECT_EQ(dialog.asked.size(), 1u);
+    dialog.DestroyWindow();
+    EXPECT_TRUE(dialog.ownerEnabled) << "or another program's window would be activated";
+    EXPECT_EQ(dialog.enabled, 1);
+}
+
+// What is typed while the work goes on reaches other windows as letters.
+TEST_F(Progress, PumpingMakesLettersOfKeys) {
+    CEdit field;
+    ASSERT_TRUE(field.Create(WS_CHILD | WS_VISIBLE, CRect(0, 0, 100, 20), &owner, 7));
+    CProgressDialog dialog(&owner);
+    ASSERT_TRUE(dialog.Create(Params(), &owner));
+    PostMessageA(field, WM_KEYDOWN, VK_SPACE, 0x00390001);
+    EXPECT_TRUE(dialog.PumpMessages());
+    EXPECT_EQ(TextOf(field), " ");
+}
+
 TEST_F(Progress, PercentsAreTruncatedAndBeginAgainAboveAHundred) {
     CProgressDialog dialog(&owner);
     ASSERT_TRUE(dialog.Create(Params(), &owner));
@@ -113,6 +195,8 @@ TEST_F(Progress, PercentsAreTruncatedAndBeginAgainAboveAHundred) {
                        {0, 100, 200, "0 %"},
                        {0, 3, 2, "66 %"},
                        {-50, 50, 0, "50 %"},
+                       {0, 100, -30, "-30 %"},
+                       {0, 100, -130, "-30 %"},
                        {0, 2'000'000'000, 1'999'999'999, "99 %"},
                        {-2'000'000'000, 2'000'000'000, 1'000'000'000, "75 %"},
                        {7, 7, 7, "0 %"}};
@@ -125,6 +209,13 @@ TEST_F(Progress, PercentsAreTruncatedAndBeginAgainAboveAHundred) {
     }
     dialog.SetRange(0, 100);
     dialog.SetPos(40);
+    {
+        const Spy percent(Control(dialog, IDC_ORVIK_PERCENT));
+        dialog.SetPos(40), dialog.UpdatePercent(140);
+        EXPECT_EQ(percent.Count(WM_SETTEXT), 0) << "it is shown already";
+        dialog.UpdatePercent(41), dialog.UpdatePercent(40);
+        EXPECT_EQ(percent.Count(WM_SETTEXT), 2);
+    }
     EXPECT_EQ(dialog.SetPos(42), 40) << "the position before";
     EXPECT_EQ(dialog.OffsetPos(5), 42);
     EXPECT_EQ(dialog.GetPos(), 47);
@@ -155,6 +246,7 @@ TEST_F(Progress, TheControlsMakeRoomForWhatIsShown) {
         EXPECT_EQ(Place(dialog, IDC_ORVIK_MESSAGE).top, message.top + down);
         EXPECT_EQ(Shown(dialog, IDC_ORVIK_PROGRESS), params.m_bShowProgress != FALSE);
         EXPECT_EQ(Shown(dialog, IDC_ORVIK_PERCENT), params.m_bShowProgress && params.m_bShowPercentage);
+        EXPECT_EQ(Percent(dialog), params.m_bShowProgress && params.m_bShowPercentage ? "0 %" : "");
         EXPECT_EQ(Shown(dialog, IDCANCEL), params.m_bShowCancel != FALSE);
         EXPECT_EQ(IsWindowEnabled(Control(dialog, IDCANCEL)), params.m_bShowCancel);
         EXPECT_EQ((dialog.GetStyle() & WS_SYSMENU) != 0, params.m_bShowCancel != FALSE);
@@ -263,10 +355,11 @@ TEST_F(Progress, TheHeaderIsDrawnOverItsBand) {
         using CProgressDialog::CProgressDialog;
         void OnDrawHeader(CDC* dc, CRect band) override {
             ++drawn, place = band;
+            dc->GetClipBox(clip);
             dc->FillSolidRect(band, RGB(10, 20, 30));
         }
         int drawn = 0;
-        CRect place;
+        CRect place, clip;
     };
     Headed dialog(&owner), plain(&owner);
     CProgressDlgParams params = Params();
@@ -280,6 +373,7 @@ TEST_F(Progress, TheHeaderIsDrawnOverItsBand) {
     CRect client;
     dialog.GetClientRect(client);
     EXPECT_TRUE(dialog.place == CRect(0, 0, client.right, 24));
+    EXPECT_EQ(dialog.clip.bottom, 24) << "nothing but the band is painted anew";
     CClientDC dc(&dialog);
     EXPECT_EQ(dc.GetPixel(5, 23), RGB(10, 20, 30));
     EXPECT_NE(dc.GetPixel(5, 24), RGB(10, 20, 30));
@@ -300,7 +394,9 @@ TEST_F(Progress, TheBarDrivesTheToolkitsDialog) {
     ASSERT_NE(dialog, nullptr);
     EXPECT_FALSE(owner.IsWindowEnabled());
     EXPECT_EQ(TextOf(dialog), "Export");
-    EXPECT_EQ(SendMessageA(dialog, WM_NCHITTEST, 0, MAKELPARAM(0, 0)) == HTCLIENT, false);
+    const auto* object = dynamic_cast<CBCGPProgressDlg*>(CWnd::FromHandlePermanent(dialog));
+    ASSERT_NE(object, nullptr);
+    EXPECT_TRUE(object->IsDragClientAreaEnabled() && object->IsVisualManagerStyle());
     bar.Feed(50, "Still writing", nullptr, FALSE);
     EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_ORVIK_PERCENT)), "25 %");
     EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_ORVIK_MESSAGE)), "Still writing");
@@ -312,8 +408,12 @@ TEST_F(Progress, TheBarDrivesTheToolkitsDialog) {
     EXPECT_FALSE(bar.IsAborted());
     bar.DisableAbort(TRUE);
     EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDCANCEL)));
+    SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0), SendMessageA(dialog, WM_SYSCOMMAND, SC_CLOSE, 0);
+    EXPECT_FALSE(bar.IsAborted()) << "by Escape and closing neither";
     bar.DisableAbort(FALSE);
     EXPECT_TRUE(IsWindowEnabled(GetDlgItem(dialog, IDCANCEL)));
+    SendMessageA(dialog, WM_SYSCOMMAND, SC_CLOSE, 0);
+    EXPECT_TRUE(IsWindow(dialog) && bar.IsAborted() && !bar.IsAborted());
     // Begun anew in the same window.
     bar.Start(10, "Import", "Reading", "more.csv", FALSE, &owner, TRUE);
     EXPECT_EQ(FindBar(), dialog);
@@ -352,6 +452,10 @@ TEST_F(Progress, ASilentBarPumpsWithoutAWindow) {
         PostQuitMessage(3);
         bar.SetMessage("x", TRUE);
         EXPECT_EQ(Quit(), 3) << "left for the program's own loop";
+        bar.Start(100, nullptr, nullptr, nullptr, FALSE, &owner, TRUE);
+        ASSERT_NE(FindBar(), nullptr);
+        SendMessageA(FindBar(), WM_COMMAND, IDCANCEL, 0);
+        EXPECT_TRUE(bar.IsAborted()) << "silent no longer";
     }
     {
         CProgressBar bar;
