@@ -44,6 +44,7 @@ public:
     void MarkModifiedProperties(BOOL bMark = TRUE, BOOL bRedraw = TRUE);
     // A right click (or its key) offers to reset the property, to expand and to collapse everything.
     void EnableContextMenu(BOOL bEnable = TRUE) { m_bContextMenu = bEnable; }
+    BOOL IsContextMenuEnabled() const { return m_bContextMenu; }
 
     // Takes the property over; its place among the topmost ones, -1 for none or one that belongs to somebody.
     int AddProperty(CBCGPProp* pProp);

@@ -2,6 +2,7 @@
 #include "chart/value_list_ctrl.h"
 
 #include "tests/support/dialog_fixture.h"
+#include "toolkit/global_data.h"
 
 namespace {
 
@@ -87,10 +88,10 @@ TEST_F(ValueList, SelectionAddsAndClearsWithoutTouchingTheFocus) {
     EXPECT_FALSE(list.IsItemSelected(3) || list.IsItemSelected(-1));
     EXPECT_EQ(list.GetSelectedCount(), 2);
     EXPECT_EQ(list.GetNextItem(-1, LVNI_FOCUSED), -1);
-    list.SetItemState(1, LVIS_FOCUSED, LVIS_FOCUSED);
+    list.SetItemState(2, LVIS_FOCUSED, LVIS_FOCUSED);
     list.ClearSelection();
     EXPECT_EQ(list.GetSelectedCount(), 0);
-    EXPECT_EQ(list.GetNextItem(-1, LVNI_FOCUSED), 1);
+    EXPECT_EQ(list.GetNextItem(-1, LVNI_FOCUSED), 2);
 }
 
 TEST_F(ValueList, CellsHaveTheirValuesColours) {
@@ -114,5 +115,10 @@ TEST_F(ValueList, CellsHaveTheirValuesColours) {
     EXPECT_GT(Count(1, 1, RGB(0, 120, 0)), 5);
     // A row without a state looks as the list does.
     list.InsertItem(3, "Plain");
-    EXPECT_EQ(list.OnGetCellTextColor(3, 0), list.GetTextColor());
+    list.SelectItem(3);
+    EXPECT_EQ(list.OnGetCellTextColor(3, 0), globalData.clrTextHilite);
+    EXPECT_EQ(list.OnGetCellBkColor(3, 0), globalData.clrHilite);
+    owner.SetFocus();
+    EXPECT_EQ(list.OnGetCellTextColor(3, 0), list.GetTextColor()) << "without the focus nothing is seen of it";
+    EXPECT_EQ(list.OnGetCellBkColor(3, 0), list.GetTextBkColor());
 }

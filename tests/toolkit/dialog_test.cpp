@@ -86,6 +86,15 @@ TEST_F(ToolkitDialog, LooksAndDraggingAreSwitches) {
         return dc.GetPixel(3, 3);
     };
     EXPECT_EQ(background(), RGB(200, 220, 240));
+    // Of the texts, those that cannot be used are grey.
+    const HWND text = GetDlgItem(sheet, IDC_ORVIK_GRID_PLACE);
+    for (const BOOL usable : {TRUE, FALSE}) {
+        CClientDC dc(&sheet);
+        EnableWindow(text, usable);
+        sheet.SendMessage(WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc.m_hDC), reinterpret_cast<LPARAM>(text));
+        EXPECT_EQ(dc.GetTextColor(), usable ? globalData.clrBarText : globalData.clrGrayedText);
+        EXPECT_EQ(dc.GetBkColor(), RGB(200, 220, 240));
+    }
     sheet.EnableVisualManagerStyle(FALSE);
     EXPECT_EQ(background(), GetSysColor(COLOR_BTNFACE));
     globalData.clrBarFace = before;

@@ -525,4 +525,14 @@ TEST_F(PropList, LooksFollowTheState) {
     grid.SetVSDotNetLook(FALSE);
     grid.UpdateWindow();
     EXPECT_EQ(dc.GetPixel(group.right - 20, group.top + 3), GetSysColor(COLOR_WINDOW));
+    // The selected row has the desktop's colour of selections while the grid has the focus.
+    grid.SetCurSel(name);
+    const CRect row = grid.GetPropertyRect(name);
+    const auto paper = [&] {
+        grid.UpdateWindow();
+        return dc.GetPixel(row.left + grid.GetLeftColumnWidth() - 4, row.top + 2);
+    };
+    EXPECT_EQ(paper(), GetSysColor(COLOR_HIGHLIGHT));
+    owner.SetFocus();
+    EXPECT_EQ(paper(), GetSysColor(COLOR_BTNFACE));
 }
