@@ -24,7 +24,7 @@ ON_MESSAGE(WM_SETFOCUS, OnFocusGot)
 ON_MESSAGE(WM_KILLFOCUS, OnFocusGot)
 ON_MESSAGE(WM_MOUSEWHEEL, OnWheel)
 ON_MESSAGE(WM_TIMER, OnTimer)
-ON_MESSAGE(WM_COMMAND, OnMenuCommand)
+ON_COMMAND_RANGE(kCommandOpen, kCommandEnd - 1, OnMenuCommand)
 ON_MESSAGE(WM_INITMENUPOPUP, OnMenuOpens)
 ON_MESSAGE(WM_CLOSE, OnCloseWish)
 ON_MESSAGE(WM_DESTROY, OnGone)
@@ -267,11 +267,7 @@ LRESULT MainWindow::OnFocusGot(WPARAM, LPARAM) {
     return 0;
 }
 
-// A control's notification comes the same way, with its window.
-LRESULT MainWindow::OnMenuCommand(WPARAM wParam, LPARAM lParam) {
-    if (lParam == 0) Command(LOWORD(wParam));
-    return 0;
-}
+void MainWindow::OnMenuCommand(UINT command) { Command(command); }
 
 LRESULT MainWindow::OnCloseWish(WPARAM, LPARAM) {
     if (m_asking) return 0;  // what is under way ends first

@@ -60,7 +60,7 @@ protected:
     LRESULT OnTimer(WPARAM, LPARAM);
     LRESULT OnFocusGot(WPARAM, LPARAM);
     LRESULT OnWheel(WPARAM, LPARAM);
-    LRESULT OnMenuCommand(WPARAM, LPARAM);
+    void OnMenuCommand(UINT command);
     LRESULT OnMenuOpens(WPARAM, LPARAM);
     LRESULT OnCloseWish(WPARAM, LPARAM);
     LRESULT OnGone(WPARAM, LPARAM);

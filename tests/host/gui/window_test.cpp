@@ -239,6 +239,26 @@ TEST_F(WindowTest, TheKeyboardDoesWhatThePointerDoes) {
     EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
 }
 
+// What a menu sends reaches the command that its item is about.
+TEST_F(WindowTest, TheMenuCommands) {
+    const auto choose = [&](UINT command) {
+        ::SendMessageA(hands.window->m_hWnd, WM_COMMAND, command, 0);
+        hands.Pump();
+        return hands.History().CanUndo() ? hands.History().UndoName() : Text::MenuUndo;
+    };
+    const auto before = hands.Pixels();
+    EXPECT_EQ(choose(kCommandZoomIn), Text::StepZoom);
+    EXPECT_EQ(choose(kCommandResetAll), Text::StepResetAll);
+    EXPECT_EQ(choose(kCommandSelect), Text::StepSelect);
+    EXPECT_EQ(choose(kCommandZoomSelection), Text::StepZoom);
+    EXPECT_EQ(choose(kCommandChannels + 1), Text::StepChannel);
+    EXPECT_EQ(hands.State().hidden.size(), 1u);
+    for (int i = 0; i < 4; ++i) choose(kCommandUndo);
+    EXPECT_EQ(choose(kCommandUndo), Text::MenuUndo);
+    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
+    EXPECT_EQ(choose(kCommandRedo), Text::StepZoom);
+}
+
 TEST_F(WindowTest, ACancelledDragLeavesNothingBehind) {
     const auto before = hands.Pixels();
     for (const auto& [a, b] : Drags()) {
