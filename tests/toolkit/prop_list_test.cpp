@@ -410,6 +410,9 @@ TEST_F(PropList, TheMenuResetsAndCollapses) {
     EXPECT_EQ(grid.GetCurSel(), name);
     grid.SetCurSel(count);
     EXPECT_EQ(open(-1), changed);
+    count->Enable(FALSE);
+    EXPECT_EQ(open(-1), unchanged) << "what cannot be changed is not reset either";
+    count->Enable();
     grid.EnableContextMenu(FALSE);
     EXPECT_EQ(open(-1), std::vector<std::string>());
     SendMessageA(grid, WM_COMMAND, CBCGPPropList::kReset, 0);
@@ -511,6 +514,14 @@ TEST_F(PropList, LooksFollowTheState) {
         }
         return dark;
     };
+    // Below the name of the selected property stands what it means.
+    grid.SetCurSel(name);
+    CRect client;
+    grid.GetClientRect(client);
+    const CRect words(client.left + 4, client.bottom - 2 * grid.GetRowHeight(), client.right, client.bottom - 2);
+    const int described = ink(words);
+    name->SetDescription("");
+    EXPECT_TRUE(described > 0 && ink(words) == 0);
     const CRect cell = grid.GetValueRect(name);
     name->SetValue("Indoor!");
     grid.MarkModifiedProperties(FALSE);
