@@ -40,6 +40,8 @@ public:
     ChartWindow& Chart() { return m_chart; }
     ValueList& List() { return m_list; }
     bool IsDownloading() const { return m_download != nullptr && !m_download->IsOver(); }
+    // A dialog stands over the window.
+    bool IsAsking() const { return m_asking; }
     bool IsDragging() const { return m_chart.IsDragging() || m_list.IsDragging() || m_dragging; }
     RECT BarRect() const;
     RECT StatusRect() const;

@@ -79,6 +79,15 @@ void ScriptRunner::Finish() {
         ::OrvikPostPointer(m_window.m_hWnd, WM_LBUTTONUP, 0, 0);
         return;
     }
+    if (m_window.IsAsking()) {
+        // A dialog that a key has opened is given up, so that its loop ends.
+        if (m_failures.empty()) {
+            const ScriptStep& last = m_steps.back();
+            m_failures.push_back({kWrongUse, Say(Text::ScriptLine, {m_name, std::to_string(last.line), Say(Text::ScriptAsked)})});
+        }
+        if (::GetActiveWindow() != m_window.m_hWnd) ::PostMessageA(::GetActiveWindow(), WM_COMMAND, IDCANCEL, 0);
+        return;
+    }
     m_over = true;
     ::PostMessageA(m_window.m_hWnd, WM_NULL, 0, 0);
 }

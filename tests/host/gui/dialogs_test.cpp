@@ -12,6 +12,7 @@
 
 #include "comm/task.h"
 #include "host/database_file.h"
+#include "host/gui/script_runner.h"
 #include "platform/picture.h"
 #include "res/ids.h"
 #include "tests/host/gui/hands.h"
@@ -239,6 +240,18 @@ TEST_F(Dialogs, EveryOneIsReachedByKeyFitsAndCanBeGivenUp) {
     EXPECT_TRUE(TellingHost::told.empty());
     EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
     Keep(hands.window->m_hWnd, "window");
+}
+
+TEST_F(Dialogs, AScriptThatLeavesOneOpenEndsAndSaysSo) {
+    ScriptRunner runner(*hands.window, "my.txt", ParseScript("my.txt", "key escape\nkey Ctrl+G\nkey Tab"));
+    try {
+        runner.Run(path);
+        ADD_FAILURE();
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.sentence, Say(Text::ScriptLine, {"my.txt", "3", Say(Text::ScriptAsked)}));
+    }
+    EXPECT_FALSE(hands.window->IsAsking());
+    EXPECT_FALSE(hands.History().CanUndo());
 }
 
 TEST_F(Dialogs, ARangeIsReadInTheUsersFormatAndIsOneStep) {
