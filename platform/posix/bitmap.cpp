@@ -75,20 +75,6 @@ bool ReadHeader(const BITMAPINFO* info, UINT usage, ScanLines& lines) {
     return true;
 }
 
-// Calls back with each scan line of the call and the row of the bitmap it stands for. Returns how many there were.
-template <class Action>
-int ForScanLines(const ScanLines& lines, const PixelView& pixels, UINT first, UINT count, Action action) {
-    int done = 0;
-    for (UINT i = 0; i < count && first + i < static_cast<UINT>(lines.height); ++i) {
-        // Lines count from the bottom; in a buffer that begins at the top the last counted line comes first.
-        const UINT counted = lines.topDown ? std::min(first + count, static_cast<UINT>(lines.height)) - 1 - i : first + i;
-        if (counted >= static_cast<UINT>(pixels.height)) continue;
-        action(size_t{i}, pixels.Row(pixels.height - 1 - static_cast<int>(counted)));
-        ++done;
-    }
-    return done;
-}
-
 }  // namespace
 
 HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bitsPerPixel, const void* bits) {
@@ -128,56 +114,6 @@ HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, void** bits, H
     const PixelView pixels = FindBitmap(made)->canvas->Pixels();
     *bits = lines.topDown ? pixels.bits : pixels.Row(pixels.height - 1);
     return made;
-}
-
-int GetDIBits(HDC dc, HBITMAP bitmap, UINT firstLine, UINT lines, LPVOID bits, BITMAPINFO* info, UINT usage) {
-    const auto found = FindBitmap(bitmap);
-    if (found == nullptr || FindDc(dc) == nullptr) return 0;
-    const PixelView pixels = found->canvas->Pixels();
-    if (info != nullptr && bits == nullptr && info->bmiHeader.biSize >= sizeof info->bmiHeader &&
-        info->bmiHeader.biBitCount == 0) {
-        const DWORD size = info->bmiHeader.biSize;
-        info->bmiHeader = {};
-        info->bmiHeader.biSize = size;
-        info->bmiHeader.biWidth = pixels.width, info->bmiHeader.biHeight = pixels.height;
-        info->bmiHeader.biPlanes = 1, info->bmiHeader.biBitCount = 32;
-        info->bmiHeader.biSizeImage = static_cast<DWORD>(pixels.width) * 4u * static_cast<DWORD>(pixels.height);
-        return pixels.height;
-    }
-    ScanLines wanted{};
-    if (!ReadHeader(info, usage, wanted)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
-    if (bits == nullptr) return wanted.height;
-    return ForScanLines(wanted, pixels, firstLine, lines, [&](size_t line, const uint32_t* row) {
-        auto* out = static_cast<unsigned char*>(bits) + line * wanted.stride;
-        for (int x = 0; x < std::min(wanted.width, pixels.width); ++x) {
-            const uint32_t pixel = row[x] & kWhite;
-            std::memcpy(out + static_cast<size_t>(x) * wanted.bytesPerPixel, &pixel, wanted.bytesPerPixel);
-        }
-    });
-}
-
-int SetDIBits(HDC, HBITMAP bitmap, UINT firstLine, UINT lines, const void* bits, const BITMAPINFO* info, UINT usage) {
-    const auto found = FindBitmap(bitmap);
-    ScanLines given{};
-    if (found == nullptr) return 0;
-    if (bits == nullptr || !ReadHeader(info, usage, given)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
-    const PixelView pixels = found->canvas->Pixels();
-    return ForScanLines(given, pixels, firstLine, lines, [&](size_t line, uint32_t* row) {
-        const auto* in = static_cast<const unsigned char*>(bits) + line * given.stride;
-        for (int x = 0; x < std::min(given.width, pixels.width); ++x) {
-            uint32_t pixel = 0;
-            std::memcpy(&pixel, in + static_cast<size_t>(x) * given.bytesPerPixel, given.bytesPerPixel);
-            row[x] = found->canvas->IsMonochrome()
-                         ? ((pixel & 0xFF) + (pixel >> 8 & 0xFF) + (pixel >> 16 & 0xFF) > 381 ? kWhite : 0)
-                         : pixel & kWhite;
-        }
-    });
 }
 
 BOOL BitBlt(HDC to, int x, int y, int width, int height, HDC from, int fromX, int fromY, DWORD operation) {

@@ -64,10 +64,6 @@ ORVIK_API HBITMAP WINAPI CreateBitmap(int width, int height, UINT planes, UINT b
 ORVIK_API HBITMAP WINAPI CreateCompatibleBitmap(HDC dc, int width, int height);
 // 32 bits and BI_RGB only; no section handle, and offset 0. `bits` gets the pixels, which live as long as the bitmap.
 ORVIK_API HBITMAP WINAPI CreateDIBSection(HDC dc, const BITMAPINFO* info, UINT usage, void** bits, HANDLE section, DWORD offset);
-// Scan lines read or written; 32 and 24 bits, BI_RGB. With null bits GetDIBits fills in the header.
-ORVIK_API int WINAPI GetDIBits(HDC dc, HBITMAP bitmap, UINT firstLine, UINT lines, LPVOID bits, BITMAPINFO* info, UINT usage);
-ORVIK_API int WINAPI SetDIBits(HDC dc, HBITMAP bitmap, UINT firstLine, UINT lines, const void* bits, const BITMAPINFO* info,
-                               UINT usage);
 
 // Raster operations: all 256, by the truth table in the third byte of the code. The source may overlap the destination. From a
 // page (PDF, SVG), which has no pixels, nothing can be copied: error 6.

@@ -16,7 +16,6 @@ struct INITCOMMONCONTROLSEX {
 #define ICC_STANDARD_CLASSES 0x00004000u
 // The classes are always there. FALSE for a structure of another size.
 ORVIK_API BOOL WINAPI InitCommonControlsEx(const INITCOMMONCONTROLSEX* classes);
-ORVIK_API void WINAPI InitCommonControls();
 
 #define NM_FIRST (0u - 0u)
 #define NM_CLICK (0u - 2u)

@@ -115,8 +115,6 @@ BOOL SetConsoleOutputCP(UINT codePage) {
     return FALSE;
 }
 
-UINT GetConsoleOutputCP() { return CP_UTF8; }
-
 DWORD GetEnvironmentVariableA(LPCSTR name, LPSTR out, DWORD size) {
     const char* found = name == nullptr ? nullptr : std::getenv(name);
     if (found == nullptr) {

@@ -17,7 +17,6 @@ ORVIK_API HANDLE WINAPI GetStdHandle(DWORD which);
 // Non-zero when the stream is a terminal; the mode is then 0 (no mode of a console has a meaning here). 6 otherwise.
 ORVIK_API BOOL WINAPI GetConsoleMode(HANDLE stream, LPDWORD mode);
 ORVIK_API BOOL WINAPI SetConsoleOutputCP(UINT codePage);  // terminals here are UTF-8: accepts that, refuses the rest with 87
-ORVIK_API UINT WINAPI GetConsoleOutputCP();
 
 // 0 and error 203 when the variable is not set; else the length, or the size needed (with the terminator) when it does not fit.
 ORVIK_API DWORD WINAPI GetEnvironmentVariableA(LPCSTR name, LPSTR out, DWORD size);

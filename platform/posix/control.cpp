@@ -154,7 +154,6 @@ void Control::PaintFrame(HDC dc, RECT client) const {
         FrameColour(dc, client, GetSysColor(COLOR_WINDOWFRAME));
 }
 RECT Shrunk(const RECT& r, int by) { return {r.left + by, r.top + by, r.right - by, r.bottom - by}; }
-COLORREF TextColour(bool enabled) { return GetSysColor(enabled ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT); }
 
 std::span<const SystemClass> SystemClasses() {
     static constexpr SystemClass kClasses[] = {
@@ -177,4 +176,3 @@ std::span<const SystemClass> SystemClasses() {
 BOOL InitCommonControlsEx(const INITCOMMONCONTROLSEX* classes) {
     return classes != nullptr && classes->dwSize == sizeof(INITCOMMONCONTROLSEX);
 }
-void InitCommonControls() {}

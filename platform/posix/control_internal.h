@@ -97,7 +97,6 @@ LRESULT CALLBACK ControlProcedure(HWND window, UINT message, WPARAM wParam, LPAR
 void FillColour(HDC dc, const RECT& rectangle, COLORREF colour);
 void FrameColour(HDC dc, const RECT& rectangle, COLORREF colour);
 RECT Shrunk(const RECT& rectangle, int by);
-COLORREF TextColour(bool enabled);
 
 LRESULT CALLBACK StaticProcedure(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK ButtonProcedure(HWND, UINT, WPARAM, LPARAM);

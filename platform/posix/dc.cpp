@@ -408,9 +408,6 @@ COLORREF GetBkColor(HDC dc) { return ValueOf(dc, &DcState::bkColor, CLR_INVALID)
 COLORREF SetTextColor(HDC dc, COLORREF color) { return Exchange(dc, &DcState::textColor, color & 0xFFFFFF, true, CLR_INVALID); }
 COLORREF GetTextColor(HDC dc) { return ValueOf(dc, &DcState::textColor, CLR_INVALID); }
 COLORREF SetDCPenColor(HDC dc, COLORREF color) { return Exchange(dc, &DcState::dcPenColor, color & 0xFFFFFF, true, CLR_INVALID); }
-COLORREF SetDCBrushColor(HDC dc, COLORREF color) {
-    return Exchange(dc, &DcState::dcBrushColor, color & 0xFFFFFF, true, CLR_INVALID);
-}
 UINT SetTextAlign(HDC dc, UINT align) { return Exchange(dc, &DcState::textAlign, align, true, GDI_ERROR); }
 UINT GetTextAlign(HDC dc) { return ValueOf(dc, &DcState::textAlign, GDI_ERROR); }
 
@@ -481,15 +478,6 @@ int OffsetClipRgn(HDC dc, int dx, int dy) {
     if (found->state.clip.has_value()) found->state.clip->Offset(dx, dy);
     found->ClipChanged();
     return LooksOf(found->Clip());
-}
-
-int GetClipRgn(HDC dc, HRGN region) {
-    const auto found = FindDc(dc);
-    const auto result = FindGdi<RegionObject>(region, OBJ_REGION);
-    if (found == nullptr || result == nullptr) return -1;
-    if (!found->state.clip.has_value()) return 0;
-    result->pixels = *found->state.clip;
-    return 1;
 }
 
 int GetClipBox(HDC dc, LPRECT box) {

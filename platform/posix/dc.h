@@ -87,7 +87,6 @@ ORVIK_API COLORREF WINAPI GetBkColor(HDC dc);
 ORVIK_API COLORREF WINAPI SetTextColor(HDC dc, COLORREF color);
 ORVIK_API COLORREF WINAPI GetTextColor(HDC dc);
 ORVIK_API COLORREF WINAPI SetDCPenColor(HDC dc, COLORREF color);
-ORVIK_API COLORREF WINAPI SetDCBrushColor(HDC dc, COLORREF color);
 ORVIK_API BOOL WINAPI SetBrushOrgEx(HDC dc, int x, int y, LPPOINT before);
 
 ORVIK_API BOOL WINAPI SetWindowOrgEx(HDC dc, int x, int y, LPPOINT before);
@@ -105,7 +104,6 @@ ORVIK_API int WINAPI ExcludeClipRect(HDC dc, int left, int top, int right, int b
 ORVIK_API int WINAPI SelectClipRgn(HDC dc, HRGN region);  // null: no clip region
 ORVIK_API int WINAPI ExtSelectClipRgn(HDC dc, HRGN region, int mode);
 ORVIK_API int WINAPI OffsetClipRgn(HDC dc, int dx, int dy);
-ORVIK_API int WINAPI GetClipRgn(HDC dc, HRGN region);  // 1 with a clip region, 0 without, -1 on failure
 ORVIK_API int WINAPI GetClipBox(HDC dc, LPRECT box);
 ORVIK_API BOOL WINAPI PtVisible(HDC dc, int x, int y);
 ORVIK_API BOOL WINAPI RectVisible(HDC dc, const RECT* rect);

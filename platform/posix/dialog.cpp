@@ -295,11 +295,6 @@ INT_PTR RunModal(HWND window) {
     if (IsWindow(window)) DestroyWindow(window);
     return dialog->result;
 }
-
-const void* FindTemplate(HINSTANCE instance, LPCSTR name) {
-    const HRSRC resource = FindResourceA(instance, name, RT_DIALOG);
-    return resource == nullptr ? nullptr : LockResource(LoadResource(instance, resource));
-}
 }  // namespace
 }  // namespace orvik::detail
 
@@ -325,11 +320,6 @@ HWND CreateDialogIndirectParamA(HINSTANCE instance, LPCDLGTEMPLATEA dialogTempla
     return Create(instance, dialogTemplate, parent, procedure, parameter, false);
 }
 
-HWND CreateDialogParamA(HINSTANCE instance, LPCSTR name, HWND parent, DLGPROC procedure, LPARAM parameter) {
-    const void* found = FindTemplate(instance, name);
-    return found == nullptr ? nullptr : Create(instance, found, parent, procedure, parameter, false);
-}
-
 INT_PTR DialogBoxIndirectParamA(HINSTANCE instance, LPCDLGTEMPLATEA dialogTemplate, HWND parent, DLGPROC procedure,
                                 LPARAM parameter) {
     if (parent != nullptr && !IsWindow(parent)) {
@@ -347,12 +337,6 @@ INT_PTR DialogBoxIndirectParamA(HINSTANCE instance, LPCDLGTEMPLATEA dialogTempla
     return RunModal(window);
 }
 
-INT_PTR DialogBoxParamA(HINSTANCE instance, LPCSTR name, HWND parent, DLGPROC procedure, LPARAM parameter) {
-    const void* found = FindTemplate(instance, name);
-    return found == nullptr ? -1
-                            : DialogBoxIndirectParamA(instance, static_cast<LPCDLGTEMPLATE>(found), parent, procedure, parameter);
-}
-
 BOOL EndDialog(HWND window, INT_PTR result) {
     const std::shared_ptr<Dialog> dialog = DialogOf(window);
     if (!dialog) {
@@ -366,12 +350,6 @@ BOOL EndDialog(HWND window, INT_PTR result) {
     ShowWindow(window, SW_HIDE);
     PostMessageA(window, WM_NULL, 0, 0);  // wakes the loop
     return TRUE;
-}
-
-LONG GetDialogBaseUnits() {
-    const MeasuringDc dc(nullptr, nullptr);
-    const SIZE units = UnitsOf(dc);
-    return MAKELONG(units.cx, units.cy);
 }
 
 BOOL MapDialogRect(HWND window, LPRECT rectangle) {

@@ -72,10 +72,8 @@ using LPDLGITEMTEMPLATE = DLGITEMTEMPLATE*;
 // for the loop outside, and when its window is destroyed, it ends with what EndDialog said, else 0.
 ORVIK_API HWND WINAPI CreateDialogIndirectParamA(HINSTANCE instance, LPCDLGTEMPLATEA dialogTemplate, HWND parent,
                                                  DLGPROC procedure, LPARAM parameter);
-ORVIK_API HWND WINAPI CreateDialogParamA(HINSTANCE instance, LPCSTR name, HWND parent, DLGPROC procedure, LPARAM parameter);
 ORVIK_API INT_PTR WINAPI DialogBoxIndirectParamA(HINSTANCE instance, LPCDLGTEMPLATEA dialogTemplate, HWND parent,
                                                  DLGPROC procedure, LPARAM parameter);
-ORVIK_API INT_PTR WINAPI DialogBoxParamA(HINSTANCE instance, LPCSTR name, HWND parent, DLGPROC procedure, LPARAM parameter);
 // Hides the dialog at once; its modal loop ends when it comes round. Error 1400 for no window.
 ORVIK_API BOOL WINAPI EndDialog(HWND dialog, INT_PTR result);
 ORVIK_API LRESULT WINAPI DefDlgProcA(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
@@ -84,7 +82,6 @@ ORVIK_API BOOL WINAPI IsDialogMessageA(HWND dialog, LPMSG message);
 
 ORVIK_API HWND WINAPI GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous);
 ORVIK_API HWND WINAPI GetNextDlgGroupItem(HWND dialog, HWND control, BOOL previous);
-ORVIK_API LONG WINAPI GetDialogBaseUnits();  // of the system font: width below, height above
 ORVIK_API BOOL WINAPI MapDialogRect(HWND dialog, LPRECT rectangle);
 
 ORVIK_API LRESULT WINAPI SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam);

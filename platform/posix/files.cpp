@@ -229,13 +229,6 @@ BOOL CreateDirectoryA(LPCSTR name, LPVOID) {
     return errno == EEXIST ? Fail(ERROR_ALREADY_EXISTS) : errno == ENOENT ? Fail(ERROR_PATH_NOT_FOUND) : FailErrno();
 }
 
-BOOL RemoveDirectoryA(LPCSTR name) {
-    std::string path;
-    if (!TakeName(name, path)) return FALSE;
-    if (rmdir(path.c_str()) == 0) return TRUE;
-    return errno == ENOTEMPTY ? Fail(ERROR_DIR_NOT_EMPTY) : errno == ENOTDIR ? Fail(ERROR_DIRECTORY) : FailOnPath(path);
-}
-
 DWORD GetFullPathNameA(LPCSTR name, DWORD size, LPSTR out, LPSTR* filePart) {
     std::string path;
     if (!TakeName(name, path)) return 0;
@@ -263,12 +256,6 @@ DWORD GetFullPathNameA(LPCSTR name, DWORD size, LPSTR out, LPSTR* filePart) {
         *filePart = slash == nullptr || slash[1] == 0 ? nullptr : slash + 1;
     }
     return length;
-}
-
-DWORD GetCurrentDirectoryA(DWORD size, LPSTR out) {
-    char folder[PATH_MAX];
-    if (getcwd(folder, sizeof folder) == nullptr) return static_cast<DWORD>(FailErrno());
-    return DeliverText(HousePath(folder), size, out);
 }
 
 DWORD GetTempPathA(DWORD size, LPSTR out) {

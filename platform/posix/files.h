@@ -53,11 +53,9 @@ ORVIK_API BOOL WINAPI DeleteFileA(LPCSTR name);
 // name holds the old file or the new one. MOVEFILE_WRITE_THROUGH also flushes the folder, so that the step survives a power cut.
 ORVIK_API BOOL WINAPI MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags);
 ORVIK_API BOOL WINAPI CreateDirectoryA(LPCSTR name, LPVOID security);
-ORVIK_API BOOL WINAPI RemoveDirectoryA(LPCSTR name);
 
 // The absolute name, "." and ".." resolved in the text alone; nothing is looked up. Length, or the size needed, or 0.
 ORVIK_API DWORD WINAPI GetFullPathNameA(LPCSTR name, DWORD size, LPSTR out, LPSTR* filePart);
-ORVIK_API DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR out);
 ORVIK_API DWORD WINAPI GetTempPathA(DWORD size, LPSTR out);
 
 // Copies a file's bytes, permissions and time of last change to a name that nothing has yet; `failIfExists` FALSE is refused with

@@ -127,8 +127,6 @@ SHORT GetKeyState(int key) {
     return static_cast<SHORT>(static_cast<signed char>(queue.keys[static_cast<size_t>(key & 0xFF)] & 0x81));
 }
 
-SHORT GetAsyncKeyState(int key) { return GetKeyState(key) < 0 ? static_cast<SHORT>(0x8000) : static_cast<SHORT>(0); }
-
 BOOL GetKeyboardState(BYTE* state) {
     if (state == nullptr) return Finish(ERROR_INVALID_PARAMETER);
     MessageQueue& queue = CurrentQueue();
@@ -158,18 +156,6 @@ BOOL SetCursorPos(int x, int y) {
     return TRUE;
 }
 
-DWORD GetMessagePos() {
-    MessageQueue& queue = CurrentQueue();
-    const std::lock_guard kernel(KernelLock());
-    return static_cast<DWORD>(MAKELONG(queue.lastPoint.x, queue.lastPoint.y));
-}
-
-LONG GetMessageTime() {
-    MessageQueue& queue = CurrentQueue();
-    const std::lock_guard kernel(KernelLock());
-    return static_cast<LONG>(queue.lastTime);
-}
-
 HCURSOR SetCursor(HCURSOR cursor) {
     MessageQueue& queue = CurrentQueue();
     const std::lock_guard kernel(KernelLock());
@@ -181,14 +167,6 @@ HCURSOR GetCursor() {
     const std::lock_guard kernel(KernelLock());
     return queue.cursor;
 }
-
-int ShowCursor(BOOL show) {
-    MessageQueue& queue = CurrentQueue();
-    const std::lock_guard kernel(KernelLock());
-    return queue.cursorShown += show ? 1 : -1;
-}
-
-UINT GetDoubleClickTime() { return 500; }
 
 HHOOK SetWindowsHookExA(int kind, HOOKPROC procedure, HINSTANCE, DWORD threadId) {
     MessageQueue& queue = CurrentQueue();

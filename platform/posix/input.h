@@ -107,18 +107,13 @@ ORVIK_API BOOL WINAPI ReleaseCapture();
 
 // Bit 15 is set while the key is down, bit 0 of GetKeyState says that it is toggled. SetKeyboardState takes 256 bytes.
 ORVIK_API SHORT WINAPI GetKeyState(int key);
-ORVIK_API SHORT WINAPI GetAsyncKeyState(int key);
 ORVIK_API BOOL WINAPI GetKeyboardState(BYTE* state);
 ORVIK_API BOOL WINAPI SetKeyboardState(BYTE* state);
 
 ORVIK_API BOOL WINAPI GetCursorPos(LPPOINT point);
 ORVIK_API BOOL WINAPI SetCursorPos(int x, int y);  // kept within the desktop
-ORVIK_API DWORD WINAPI GetMessagePos();            // the pointer's place at the message read last
-ORVIK_API LONG WINAPI GetMessageTime();
 ORVIK_API HCURSOR WINAPI SetCursor(HCURSOR cursor);
 ORVIK_API HCURSOR WINAPI GetCursor();
-ORVIK_API int WINAPI ShowCursor(BOOL show);
-ORVIK_API UINT WINAPI GetDoubleClickTime();  // milliseconds
 
 // Only WH_GETMESSAGE, and only for the calling thread: the procedure sees, and may change, each message that the thread reads.
 ORVIK_API HHOOK WINAPI SetWindowsHookExA(int kind, HOOKPROC procedure, HINSTANCE module, DWORD threadId);

@@ -107,17 +107,6 @@ BOOL Insert(HMENU handle, UINT position, UINT flags, Item item) {
     return TRUE;
 }
 
-void ReadInfo(const MENUITEMINFOA& info, Item& item) {
-    if ((info.fMask & (MIIM_FTYPE | MIIM_TYPE)) != 0) item.type = info.fType & kTypes;
-    if ((info.fMask & MIIM_STATE) != 0) item.state = info.fState & kStates;
-    if ((info.fMask & MIIM_ID) != 0) item.id = info.wID;
-    if ((info.fMask & MIIM_SUBMENU) != 0) item.submenu = info.hSubMenu;
-    if ((info.fMask & MIIM_DATA) != 0) item.data = info.dwItemData;
-    const bool text = (info.fMask & MIIM_STRING) != 0 ||
-                      ((info.fMask & MIIM_TYPE) != 0 && (info.fType & (MF_SEPARATOR | MF_BITMAP | MF_OWNERDRAW)) == 0);
-    if (text) item.text = info.dwTypeData != nullptr ? info.dwTypeData : "";
-}
-
 // Menus below, each once; a menu that holds itself does no harm.
 void Collect(HMENU handle, std::vector<HMENU>& list) {
     list.push_back(handle);
@@ -165,43 +154,6 @@ BOOL ModifyMenuA(HMENU menu, UINT position, UINT flags, UINT_PTR id, LPCSTR text
     Item* item = FindItem(menu, position, flags);
     if (item == nullptr) return FALSE;
     *item = MakeItem(flags, id, text);
-    return TRUE;
-}
-
-BOOL InsertMenuItemA(HMENU menu, UINT item, BOOL byPosition, LPCMENUITEMINFOA info) {
-    if (info == nullptr || info->cbSize != sizeof(MENUITEMINFOA)) return Finish(ERROR_INVALID_PARAMETER);
-    Item made;
-    ReadInfo(*info, made);
-    return Insert(menu, item, byPosition ? MF_BYPOSITION : MF_BYCOMMAND, std::move(made));
-}
-
-BOOL GetMenuItemInfoA(HMENU menu, UINT which, BOOL byPosition, MENUITEMINFOA* info) {
-    if (info == nullptr || info->cbSize != sizeof(MENUITEMINFOA)) return Finish(ERROR_INVALID_PARAMETER);
-    const std::lock_guard lock(TheMenus().lock);
-    const Item* item = FindItem(menu, which, byPosition ? MF_BYPOSITION : MF_BYCOMMAND);
-    if (item == nullptr) return FALSE;
-    if ((info->fMask & (MIIM_FTYPE | MIIM_TYPE)) != 0) info->fType = item->type;
-    if ((info->fMask & MIIM_STATE) != 0) info->fState = item->state;
-    if ((info->fMask & MIIM_ID) != 0) info->wID = static_cast<UINT>(item->id);
-    if ((info->fMask & MIIM_SUBMENU) != 0) info->hSubMenu = item->submenu;
-    if ((info->fMask & MIIM_DATA) != 0) info->dwItemData = item->data;
-    if ((info->fMask & (MIIM_STRING | MIIM_TYPE)) != 0) {
-        if (info->dwTypeData != nullptr && info->cch > 0) {
-            const size_t length = std::min<size_t>(item->text.size(), info->cch - 1);
-            std::memcpy(info->dwTypeData, item->text.data(), length);
-            info->dwTypeData[length] = 0;
-        }
-        info->cch = static_cast<UINT>(item->text.size());
-    }
-    return TRUE;
-}
-
-BOOL SetMenuItemInfoA(HMENU menu, UINT which, BOOL byPosition, LPCMENUITEMINFOA info) {
-    if (info == nullptr || info->cbSize != sizeof(MENUITEMINFOA)) return Finish(ERROR_INVALID_PARAMETER);
-    const std::lock_guard lock(TheMenus().lock);
-    Item* item = FindItem(menu, which, byPosition ? MF_BYPOSITION : MF_BYCOMMAND);
-    if (item == nullptr) return FALSE;
-    ReadInfo(*info, *item);
     return TRUE;
 }
 
@@ -313,16 +265,6 @@ BOOL SetMenuDefaultItem(HMENU handle, UINT which, UINT byPosition) {
     return TRUE;
 }
 
-UINT GetMenuDefaultItem(HMENU handle, UINT byPosition, UINT) {
-    const std::lock_guard lock(TheMenus().lock);
-    const Menu* menu = Find(handle);
-    for (size_t i = 0; menu != nullptr && i < menu->items.size(); ++i) {
-        if ((menu->items[i].state & MF_DEFAULT) != 0)
-            return byPosition ? static_cast<UINT>(i) : static_cast<UINT>(menu->items[i].id);
-    }
-    return 0xFFFFFFFFu;
-}
-
 HMENU GetMenu(HWND handle) {
     const std::lock_guard kernel(orvik::detail::KernelLock());
     const orvik::detail::Window* window = orvik::detail::FindWindowOf(handle);
@@ -369,18 +311,6 @@ BOOL DestroyAcceleratorTable(HACCEL table) {
     Menus& menus = TheMenus();
     const std::lock_guard lock(menus.lock);
     return menus.tables.erase(table) != 0;
-}
-
-int CopyAcceleratorTableA(HACCEL table, LPACCEL out, int count) {
-    Menus& menus = TheMenus();
-    const std::lock_guard lock(menus.lock);
-    const auto found = menus.tables.find(table);
-    if (found == menus.tables.end()) return 0;
-    const auto& entries = found->second;
-    if (out == nullptr) return static_cast<int>(entries.size());
-    const int copied = std::clamp(count, 0, static_cast<int>(entries.size()));
-    std::copy_n(entries.begin(), copied, out);
-    return copied;
 }
 
 int TranslateAcceleratorA(HWND window, HACCEL table, LPMSG message) {

@@ -32,14 +32,6 @@
 #define MFS_CHECKED MF_CHECKED
 #define MFS_DEFAULT MF_DEFAULT
 
-#define MIIM_STATE 0x0001u
-#define MIIM_ID 0x0002u
-#define MIIM_SUBMENU 0x0004u
-#define MIIM_TYPE 0x0010u
-#define MIIM_DATA 0x0020u
-#define MIIM_STRING 0x0040u
-#define MIIM_FTYPE 0x0100u
-
 #define TPM_LEFTALIGN 0x0000u
 #define TPM_LEFTBUTTON 0x0000u
 #define TPM_RIGHTBUTTON 0x0002u
@@ -56,18 +48,6 @@
 #define FCONTROL 0x08
 #define FALT 0x10
 
-struct MENUITEMINFOA {
-    UINT cbSize;
-    UINT fMask, fType, fState, wID;
-    HMENU hSubMenu;
-    HBITMAP hbmpChecked, hbmpUnchecked;
-    ULONG_PTR dwItemData;
-    LPSTR dwTypeData;
-    UINT cch;
-    HBITMAP hbmpItem;
-};
-using LPCMENUITEMINFOA = const MENUITEMINFOA*;
-
 struct ACCEL {
     BYTE fVirt;
     WORD key, cmd;
@@ -83,9 +63,6 @@ ORVIK_API BOOL WINAPI IsMenu(HMENU menu);
 ORVIK_API BOOL WINAPI AppendMenuA(HMENU menu, UINT flags, UINT_PTR id, LPCSTR text);
 ORVIK_API BOOL WINAPI InsertMenuA(HMENU menu, UINT position, UINT flags, UINT_PTR id, LPCSTR text);
 ORVIK_API BOOL WINAPI ModifyMenuA(HMENU menu, UINT position, UINT flags, UINT_PTR id, LPCSTR text);
-ORVIK_API BOOL WINAPI InsertMenuItemA(HMENU menu, UINT item, BOOL byPosition, LPCMENUITEMINFOA info);
-ORVIK_API BOOL WINAPI GetMenuItemInfoA(HMENU menu, UINT item, BOOL byPosition, MENUITEMINFOA* info);
-ORVIK_API BOOL WINAPI SetMenuItemInfoA(HMENU menu, UINT item, BOOL byPosition, LPCMENUITEMINFOA info);
 ORVIK_API BOOL WINAPI DeleteMenu(HMENU menu, UINT position, UINT flags);  // destroys a submenu
 ORVIK_API BOOL WINAPI RemoveMenu(HMENU menu, UINT position, UINT flags);  // leaves it alive
 ORVIK_API int WINAPI GetMenuItemCount(HMENU menu);
@@ -98,7 +75,6 @@ ORVIK_API BOOL WINAPI EnableMenuItem(HMENU menu, UINT item, UINT enable);
 ORVIK_API DWORD WINAPI CheckMenuItem(HMENU menu, UINT item, UINT check);
 ORVIK_API BOOL WINAPI CheckMenuRadioItem(HMENU menu, UINT first, UINT last, UINT item, UINT flags);
 ORVIK_API BOOL WINAPI SetMenuDefaultItem(HMENU menu, UINT item, UINT byPosition);
-ORVIK_API UINT WINAPI GetMenuDefaultItem(HMENU menu, UINT byPosition, UINT flags);
 
 // A window's menu goes with it. A child window has none.
 ORVIK_API HMENU WINAPI GetMenu(HWND window);
@@ -110,7 +86,6 @@ ORVIK_API BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int r
 
 ORVIK_API HACCEL WINAPI CreateAcceleratorTableA(LPACCEL entries, int count);
 ORVIK_API BOOL WINAPI DestroyAcceleratorTable(HACCEL table);
-ORVIK_API int WINAPI CopyAcceleratorTableA(HACCEL table, LPACCEL out, int count);
 // Sends WM_COMMAND (1 in the high word) for a key message that the table holds, and tells whether it did. A disabled window, or a
 // command whose item in the window's menu is disabled, swallows the key.
 ORVIK_API int WINAPI TranslateAcceleratorA(HWND window, HACCEL table, LPMSG message);

@@ -350,9 +350,7 @@ LCID GetUserDefaultLCID() {
     const std::lock_guard guard(user.lock);
     return user.settings->names->lcid;
 }
-LCID GetSystemDefaultLCID() { return GetUserDefaultLCID(); }
 UINT GetACP() { return 1252; }
-UINT GetOEMCP() { return 1252; }
 
 int GetLocaleInfoA(LCID locale, LCTYPE item, LPSTR out, int size) {
     const LCTYPE plain = item & ~(LOCALE_NOUSEROVERRIDE | LOCALE_RETURN_NUMBER);

@@ -69,9 +69,7 @@
 #define DATE_LONGDATE 0x2u
 
 ORVIK_API LCID WINAPI GetUserDefaultLCID();
-ORVIK_API LCID WINAPI GetSystemDefaultLCID();
 ORVIK_API UINT WINAPI GetACP();    // 1252
-ORVIK_API UINT WINAPI GetOEMCP();  // 1252 as well: there is no second code page here
 
 // The length with the terminator, or with size 0 the length needed; 0 on failure: 87 for an unknown locale, 1004 for an item that
 // is not kept here, 122 for a small buffer. LOCALE_RETURN_NUMBER gives the number of an I item as a DWORD and returns 4.

@@ -323,7 +323,6 @@ HMODULE GetModuleHandleA(LPCSTR name) {
 }
 
 HRSRC FindResourceA(HMODULE module, LPCSTR id, LPCSTR type) { return AsHandle(FindById(module, Number(type), Number(id), 0)); }
-HRSRC FindResourceW(HMODULE module, LPCWSTR id, LPCWSTR type) { return AsHandle(FindById(module, Number(type), Number(id), 0)); }
 HRSRC FindResourceExW(HMODULE module, LPCWSTR type, LPCWSTR id, WORD language) {
     return AsHandle(FindById(module, Number(type), Number(id), language));
 }
@@ -355,9 +354,6 @@ HCURSOR LoadCursorW(HINSTANCE module, LPCWSTR id) {
 }
 HICON LoadIconA(HINSTANCE module, LPCSTR id) { return LoadShared(module, Number(id), false); }
 HANDLE LoadImageA(HINSTANCE module, LPCSTR id, UINT type, int width, int height, UINT flags) {
-    return LoadImageById(module, Number(id), type, width, height, flags);
-}
-HANDLE LoadImageW(HINSTANCE module, LPCWSTR id, UINT type, int width, int height, UINT flags) {
     return LoadImageById(module, Number(id), type, width, height, flags);
 }
 BOOL DestroyCursor(HCURSOR cursor) { return Destroy(cursor); }

@@ -55,7 +55,6 @@ ORVIK_API HMODULE WINAPI GetModuleHandleA(LPCSTR name);
 // Only this module has resources; for every other one the search fails with 1813 (unknown type) or 1814 (unknown id). Ids are
 // numbers. FindResourceExW with a language other than neutral finds that language only.
 ORVIK_API HRSRC WINAPI FindResourceA(HMODULE module, LPCSTR id, LPCSTR type);
-ORVIK_API HRSRC WINAPI FindResourceW(HMODULE module, LPCWSTR id, LPCWSTR type);
 ORVIK_API HRSRC WINAPI FindResourceExW(HMODULE module, LPCWSTR type, LPCWSTR id, WORD language);
 ORVIK_API HGLOBAL WINAPI LoadResource(HMODULE module, HRSRC resource);
 ORVIK_API LPVOID WINAPI LockResource(HGLOBAL resource);
@@ -71,7 +70,6 @@ ORVIK_API HCURSOR WINAPI LoadCursorA(HINSTANCE module, LPCSTR id);
 ORVIK_API HCURSOR WINAPI LoadCursorW(HINSTANCE module, LPCWSTR id);
 ORVIK_API HICON WINAPI LoadIconA(HINSTANCE module, LPCSTR id);
 ORVIK_API HANDLE WINAPI LoadImageA(HINSTANCE module, LPCSTR id, UINT type, int width, int height, UINT flags);
-ORVIK_API HANDLE WINAPI LoadImageW(HINSTANCE module, LPCWSTR id, UINT type, int width, int height, UINT flags);
 ORVIK_API BOOL WINAPI DestroyCursor(HCURSOR cursor);
 ORVIK_API BOOL WINAPI DestroyIcon(HICON icon);
 ORVIK_API BOOL WINAPI GetIconInfo(HICON icon, ICONINFO* info);

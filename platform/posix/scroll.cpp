@@ -16,14 +16,6 @@ SCROLLINFO* BarOf(HWND handle, int bar) {
     }
     return &window->scroll[static_cast<size_t>(bar)];
 }
-
-// Names of any case are one name; an atom is a name that no text can have.
-std::string PropertyName(LPCSTR name) {
-    if (IS_INTRESOURCE(name)) return '#' + std::to_string(reinterpret_cast<ULONG_PTR>(name));
-    std::string lower = name;
-    for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-    return lower;
-}
 }  // namespace
 
 int SetScrollInfo(HWND window, int bar, LPCSCROLLINFO info, BOOL redraw) {
@@ -84,14 +76,6 @@ BOOL SetScrollRange(HWND window, int bar, int least, int most, BOOL redraw) {
     return TRUE;
 }
 
-BOOL GetScrollRange(HWND window, int bar, int* least, int* most) {
-    SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE, 0, 0, 0, 0, 0};
-    if (!GetScrollInfo(window, bar, &info)) return FALSE;
-    if (least != nullptr) *least = info.nMin;
-    if (most != nullptr) *most = info.nMax;
-    return TRUE;
-}
-
 BOOL ShowScrollBar(HWND handle, int bar, BOOL show) {
     if (bar == SB_CTL) {
         ShowWindow(handle, show ? SW_SHOW : SW_HIDE);
@@ -103,32 +87,4 @@ BOOL ShowScrollBar(HWND handle, int bar, BOOL show) {
     const DWORD bits = (bar == SB_VERT ? 0 : WS_HSCROLL) | (bar == SB_HORZ ? 0 : WS_VSCROLL);
     window->style = show ? window->style | bits : window->style & ~bits;
     return TRUE;
-}
-
-BOOL SetPropA(HWND handle, LPCSTR name, HANDLE value) {
-    if (name == nullptr) return Finish(ERROR_INVALID_PARAMETER);
-    const std::lock_guard kernel(KernelLock());
-    Window* window = FindWindowOf(handle);
-    if (window == nullptr) return Finish(ERROR_INVALID_WINDOW_HANDLE);
-    window->properties[PropertyName(name)] = value;
-    return TRUE;
-}
-
-HANDLE GetPropA(HWND handle, LPCSTR name) {
-    const std::lock_guard kernel(KernelLock());
-    const Window* window = FindWindowOf(handle);
-    if (window == nullptr || name == nullptr) return nullptr;
-    const auto found = window->properties.find(PropertyName(name));
-    return found == window->properties.end() ? nullptr : found->second;
-}
-
-HANDLE RemovePropA(HWND handle, LPCSTR name) {
-    const std::lock_guard kernel(KernelLock());
-    Window* window = FindWindowOf(handle);
-    if (window == nullptr || name == nullptr) return nullptr;
-    const auto found = window->properties.find(PropertyName(name));
-    if (found == window->properties.end()) return nullptr;
-    const HANDLE value = found->second;
-    window->properties.erase(found);
-    return value;
 }

@@ -1,4 +1,4 @@
-// What else is kept with a window: scroll bars as numbers, and properties by name.
+// What else is kept with a window: scroll bars as numbers.
 // A window's own scroll bars take no room and are not drawn. Any thread.
 #pragma once
 
@@ -56,10 +56,4 @@ ORVIK_API BOOL WINAPI GetScrollInfo(HWND window, int bar, LPSCROLLINFO info);
 ORVIK_API int WINAPI SetScrollPos(HWND window, int bar, int position, BOOL redraw);  // the position before
 ORVIK_API int WINAPI GetScrollPos(HWND window, int bar);
 ORVIK_API BOOL WINAPI SetScrollRange(HWND window, int bar, int least, int most, BOOL redraw);
-ORVIK_API BOOL WINAPI GetScrollRange(HWND window, int bar, int* least, int* most);
 ORVIK_API BOOL WINAPI ShowScrollBar(HWND window, int bar, BOOL show);  // sets or clears WS_HSCROLL, WS_VSCROLL
-
-// Names in any case, or atoms. What is still there goes with the window; what the values name is the caller's.
-ORVIK_API BOOL WINAPI SetPropA(HWND window, LPCSTR name, HANDLE value);
-ORVIK_API HANDLE WINAPI GetPropA(HWND window, LPCSTR name);
-ORVIK_API HANDLE WINAPI RemovePropA(HWND window, LPCSTR name);  // what it was

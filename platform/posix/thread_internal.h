@@ -23,7 +23,4 @@ public:
 // Thrown in a thread that TerminateThread ends; only the thread's entry catches it.
 struct ThreadEnd {};
 
-// The calling thread's object; null in a thread that CreateThread did not make.
-Thread* CurrentThreadObject();
-
 }  // namespace orvik::detail

@@ -74,7 +74,6 @@ std::shared_ptr<Thread> ThreadOf(HANDLE handle) {
 }  // namespace
 
 namespace orvik::detail {
-Thread* CurrentThreadObject() { return t_thread; }
 
 void EndIfTerminated(std::unique_lock<std::mutex>& kernel) {
     // Destructors of the stack that unwinds may wait in peace.
@@ -172,15 +171,3 @@ void Sleep(DWORD milliseconds) {
 
 DWORD GetTickCount() { return static_cast<DWORD>(GetTickCount64()); }
 ULONGLONG GetTickCount64() { return static_cast<ULONGLONG>(NowNs() / kMillisecond); }
-
-BOOL QueryPerformanceCounter(LARGE_INTEGER* count) {
-    if (count == nullptr) return Finish(ERROR_INVALID_PARAMETER);
-    count->QuadPart = NowNs();
-    return TRUE;
-}
-
-BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
-    if (frequency == nullptr) return Finish(ERROR_INVALID_PARAMETER);
-    frequency->QuadPart = 1'000'000'000;
-    return TRUE;
-}

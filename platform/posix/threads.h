@@ -29,6 +29,3 @@ ORVIK_API void WINAPI Sleep(DWORD milliseconds);
 // Milliseconds of the monotonic clock; the 32-bit form wraps after 49.7 days.
 ORVIK_API DWORD WINAPI GetTickCount();
 ORVIK_API ULONGLONG WINAPI GetTickCount64();
-// The monotonic clock in nanoseconds, so the frequency is 1,000,000,000.
-ORVIK_API BOOL WINAPI QueryPerformanceCounter(LARGE_INTEGER* count);
-ORVIK_API BOOL WINAPI QueryPerformanceFrequency(LARGE_INTEGER* frequency);

@@ -69,8 +69,6 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     return WAIT_OBJECT_0;
 }
 
-DWORD WaitForSingleObjectEx(HANDLE object, DWORD milliseconds, BOOL) { return WaitForSingleObject(object, milliseconds); }
-
 DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds) {
     if (count == 0 || count > MAXIMUM_WAIT_OBJECTS || handles == nullptr) return Fail(ERROR_INVALID_PARAMETER);
     WaitList list;

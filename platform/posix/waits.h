@@ -28,8 +28,6 @@
 // Time-outs are milliseconds; 0 looks once, INFINITE waits for ever. Failure is WAIT_FAILED: error 6 for what is no event or
 // thread, 87 for a count of 0 or above 64.
 ORVIK_API DWORD WINAPI WaitForSingleObject(HANDLE object, DWORD milliseconds);
-// There are no asynchronous procedure calls here, so an alertable wait is a plain one.
-ORVIK_API DWORD WINAPI WaitForSingleObjectEx(HANDLE object, DWORD milliseconds, BOOL alertable);
 ORVIK_API DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* objects, BOOL waitAll, DWORD milliseconds);
 // Also ends, with WAIT_OBJECT_0 + count, when a message of a kind in `wakeMask` came after the thread last looked at its queue.
 ORVIK_API DWORD WINAPI MsgWaitForMultipleObjects(DWORD count, const HANDLE* objects, BOOL waitAll, DWORD milliseconds,

@@ -51,7 +51,6 @@ struct Window {
     HMENU menu = nullptr;
     std::array<SCROLLINFO, 2> scroll{SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0},
                                      SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0}};
-    std::map<std::string, HANDLE> properties;
 
     LONG Width() const { return rectangle.right - rectangle.left; }
     LONG Height() const { return rectangle.bottom - rectangle.top; }

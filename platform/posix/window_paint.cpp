@@ -370,19 +370,3 @@ BOOL ScrollWindow(HWND window, int dx, int dy, LPCRECT scroll, LPCRECT clip) {
     return ScrollWindowEx(window, dx, dy, scroll, clip, nullptr, nullptr,
                           SW_INVALIDATE | SW_ERASE | (scroll == nullptr ? SW_SCROLLCHILDREN : 0)) != 0;
 }
-
-BOOL PrintWindow(HWND handle, HDC dc, UINT) {
-    if (!IsWindow(handle)) return Finish(ERROR_INVALID_WINDOW_HANDLE);
-    UpdateWindow(handle);
-    RECT client{};
-    GetClientRect(handle, &client);
-    HDC from = nullptr;
-    {
-        const std::lock_guard kernel(KernelLock());
-        from = OpenContext({handle, 0, false, {}});
-    }
-    const BOOL copied = from != nullptr && BitBlt(dc, 0, 0, client.right, client.bottom, from, 0, 0, SRCCOPY);
-    const std::lock_guard kernel(KernelLock());
-    CloseContext(from);
-    return copied;
-}

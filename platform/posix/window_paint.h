@@ -38,7 +38,6 @@
 ORVIK_API BOOL WINAPI InvalidateRect(HWND window, LPCRECT rectangle, BOOL erase);
 ORVIK_API BOOL WINAPI ValidateRect(HWND window, LPCRECT rectangle);
 ORVIK_API BOOL WINAPI InvalidateRgn(HWND window, HRGN region, BOOL erase);
-ORVIK_API BOOL WINAPI ValidateRgn(HWND window, HRGN region);
 ORVIK_API BOOL WINAPI RedrawWindow(HWND window, LPCRECT rectangle, HRGN region, UINT flags);
 ORVIK_API BOOL WINAPI UpdateWindow(HWND window);  // sends WM_PAINT now, if there is something to paint
 ORVIK_API BOOL WINAPI GetUpdateRect(HWND window, LPRECT rectangle, BOOL erase);
@@ -53,5 +52,3 @@ ORVIK_API HDC WINAPI GetDCEx(HWND window, HRGN region, DWORD flags);  // the reg
 ORVIK_API int WINAPI ScrollWindowEx(HWND window, int dx, int dy, LPCRECT scroll, LPCRECT clip, HRGN updateRegion, LPRECT update,
                                     UINT flags);
 ORVIK_API BOOL WINAPI ScrollWindow(HWND window, int dx, int dy, LPCRECT scroll, LPCRECT clip);
-// The window's picture with its children, painted up to date first, onto the context's origin.
-ORVIK_API BOOL WINAPI PrintWindow(HWND window, HDC dc, UINT flags);

@@ -179,7 +179,6 @@ BOOL IsZoomed(HWND) { return FALSE; }
 BOOL AdjustWindowRectEx(LPRECT rectangle, DWORD, BOOL, DWORD) {
     return Finish(rectangle == nullptr ? ERROR_INVALID_PARAMETER : ERROR_SUCCESS);
 }
-BOOL AdjustWindowRect(LPRECT rectangle, DWORD style, BOOL menu) { return AdjustWindowRectEx(rectangle, style, menu, 0); }
 
 int GetSystemMetrics(int index) {
     // The desktop's usual measures at 96 dots an inch.

@@ -132,7 +132,6 @@ ORVIK_API BOOL WINAPI ClientToScreen(HWND window, LPPOINT point);
 ORVIK_API BOOL WINAPI ScreenToClient(HWND window, LPPOINT point);
 // Null stands for the desktop. The result holds the two shifts as signed 16-bit numbers, x in the low word.
 ORVIK_API int WINAPI MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count);
-ORVIK_API BOOL WINAPI AdjustWindowRect(LPRECT rectangle, DWORD style, BOOL menu);
 ORVIK_API BOOL WINAPI AdjustWindowRectEx(LPRECT rectangle, DWORD style, BOOL menu, DWORD exStyle);  // no frame: unchanged
 // Sends WM_WINDOWPOSCHANGING, which may change what will be, and then, if anything came to change, WM_WINDOWPOSCHANGED; the
 // default answer to that sends WM_MOVE and WM_SIZE. Sizes below 0 are 0.

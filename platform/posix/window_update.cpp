@@ -219,11 +219,6 @@ BOOL ValidateRect(HWND window, LPCRECT rectangle) {
     return RedrawWindow(window, rectangle, nullptr, RDW_VALIDATE | RDW_NOCHILDREN);
 }
 
-BOOL ValidateRgn(HWND window, HRGN region) {
-    if (window == nullptr) return Finish(ERROR_INVALID_WINDOW_HANDLE);
-    return RedrawWindow(window, nullptr, region, RDW_VALIDATE | RDW_NOCHILDREN);
-}
-
 BOOL UpdateWindow(HWND window) {
     if (!IsWindow(window)) return Finish(ERROR_INVALID_WINDOW_HANDLE);
     PaintNow(window, true);
