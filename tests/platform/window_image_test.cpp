@@ -12,6 +12,11 @@ protected:
         if (message != WM_PAINT || m_colors.count(window) == 0) return false;
         PAINTSTRUCT paint;
         const HDC dc = BeginPaint(window, &paint);
+        if (window == m_dying) {
+            EXPECT_TRUE(DestroyWindow(m_dying));
+            EndPaint(window, &paint);
+            return true;
+        }
         m_painted[window] = paint.rcPaint;
         RECT client;
         GetClientRect(window, &client);
@@ -36,6 +41,7 @@ protected:
     }
     std::map<HWND, COLORREF> m_colors;
     std::map<HWND, RECT> m_painted;
+    HWND m_dying = nullptr;  // destroys itself in the middle of painting
 };
 }  // namespace
 
@@ -143,4 +149,51 @@ TEST_F(WindowImageTest, ScrollingMovesThePictureAndInvalidatesTheRest) {
     Pump();
     EXPECT_EQ(Pixel(top, 15, 15), kWhite);
     EXPECT_EQ(Pixel(top, 45, 15), kBlue);
+}
+
+TEST_F(WindowImageTest, UpdateRegionsKeepTheirShape) {
+    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 210, 110});
+    Pump();
+    m_colors[top] = kRed;
+    const RECT first{10, 20, 30, 40}, second{50, 60, 70, 80}, part{50, 60, 70, 70};
+    InvalidateRect(top, &first, FALSE);
+    InvalidateRect(top, &second, FALSE);
+    const HRGN region = CreateRectRgn(0, 0, 500, 500);
+    EXPECT_EQ(GetUpdateRgn(top, region, FALSE), COMPLEXREGION);
+    EXPECT_TRUE(PtInRegion(region, 29, 39));
+    EXPECT_TRUE(PtInRegion(region, 50, 60));
+    EXPECT_FALSE(PtInRegion(region, 40, 50));  // between the two
+    ValidateRect(top, &first);
+    ValidateRect(top, &part);
+    EXPECT_EQ(GetUpdateRgn(top, region, FALSE), SIMPLEREGION);
+    RECT box;
+    GetRgnBox(region, &box);
+    EXPECT_EQ(Text(box), "50,70,70,80");
+    Pump();
+    EXPECT_EQ(Text(m_painted[top]), "50,70,70,80");
+    EXPECT_EQ(Pixel(top, 55, 75), kRed);
+    EXPECT_EQ(Pixel(top, 55, 65), kWhite);
+    EXPECT_EQ(GetUpdateRgn(top, region, FALSE), NULLREGION);
+    DestroyWindow(top);
+    EXPECT_EQ(GetUpdateRgn(top, region, FALSE), 0);
+    DeleteObject(region);
+}
+
+TEST_F(WindowImageTest, AWindowMayEndWhileItPaints) {
+    const HWND top = Make("top", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, {10, 10, 210, 110});
+    const HWND below = Make("below", WS_CHILD | WS_VISIBLE, {0, 0, 50, 50}, top);
+    const HWND child = Make("child", WS_CHILD | WS_VISIBLE, {60, 0, 110, 50}, top);
+    Pump();
+    m_colors = {{top, kRed}, {below, kBlue}, {child, kBlue}};
+    m_dying = child;
+    RedrawWindow(top, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
+    Pump();
+    EXPECT_FALSE(IsWindow(child));
+    EXPECT_EQ(Pixel(top, 10, 10), kBlue);
+    EXPECT_EQ(Pixel(top, 80, 10), kRed);  // the parent shows where the child was
+    m_dying = top;
+    InvalidateRect(top, nullptr, FALSE);
+    UpdateWindow(top);
+    EXPECT_FALSE(IsWindow(top));
+    EXPECT_FALSE(IsWindow(below));
 }

@@ -179,3 +179,22 @@ TEST_F(WindowPlaceTest, OrderPointsAndRelations) {
         reinterpret_cast<LPARAM>(this));
     EXPECT_EQ(below, (std::vector<std::string>{"c", "b", "grandchild", "a"}));
 }
+
+TEST_F(WindowPlaceTest, AMenuGoesWithItsWindow) {
+    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 210, 110});
+    const HWND child = Make("child", WS_CHILD, {0, 0, 10, 10}, top, 7);
+    const HMENU first = CreateMenu(), second = CreateMenu();
+    EXPECT_EQ(GetMenu(top), nullptr);
+    EXPECT_TRUE(SetMenu(top, first));
+    EXPECT_EQ(GetMenu(top), first);
+    EXPECT_FALSE(SetMenu(child, second));
+    EXPECT_EQ(GetDlgCtrlID(child), 7);
+    EXPECT_FALSE(SetMenu(top, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(0x7FFF1))));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_MENU_HANDLE});
+    EXPECT_EQ(GetMenu(top), first);
+    EXPECT_TRUE(SetMenu(top, second));
+    EXPECT_TRUE(IsMenu(first));  // the caller's again
+    EXPECT_TRUE(DestroyMenu(first));
+    DestroyWindow(top);
+    EXPECT_FALSE(IsMenu(second));
+}
