@@ -5,15 +5,12 @@
 
 #include "afx/dc.h"
 #include "host/chart_file.h"
+#include "host/gui/shown_pixels.h"
 #include "platform/picture.h"
 #include "platform/scripted_input.h"
 
 namespace {
 ScriptRunner* g_runner = nullptr;  // a timer without a window has no room for more
-
-void UpdateAll(MainWindow& window) {
-    for (const HWND pane : {window.m_hWnd, window.Chart().m_hWnd, window.List().m_hWnd}) ::UpdateWindow(pane);
-}
 }  // namespace
 
 ScriptRunner::ScriptRunner(MainWindow& window, const std::string& name, std::vector<ScriptStep> steps)
@@ -155,25 +152,6 @@ void ScriptRunner::Post(UINT message, const ScriptStep& step, int wheel) {
     ::OrvikPostPointer(m_window.m_hWnd, message, point.x, point.y, wheel);
 }
 
-std::vector<COLORREF> ScriptRunner::Pixels() const {
-    UpdateAll(m_window);
-    RECT client = {};
-    ::GetClientRect(m_window.m_hWnd, &client);
-    client.bottom = m_window.StatusRect().top;  // hints come and go with the pointer
-    CClientDC dc(&m_window);
-    CDC memory;
-    CBitmap bitmap;
-    std::vector<COLORREF> pixels;
-    if (!memory.CreateCompatibleDC(&dc) || !bitmap.CreateCompatibleBitmap(&dc, client.right, client.bottom)) return pixels;
-    CBitmap* const before = memory.SelectObject(&bitmap);
-    memory.BitBlt(0, 0, client.right, client.bottom, &dc, 0, 0, SRCCOPY);
-    for (int y = 0; y < client.bottom; ++y) {
-        for (int x = 0; x < client.right; ++x) pixels.push_back(memory.GetPixel(x, y));
-    }
-    memory.SelectObject(before);
-    return pixels;
-}
-
 void ScriptRunner::Do(const ScriptStep& step) {
     switch (step.kind) {
         case ScriptStep::Size:
@@ -221,7 +199,7 @@ void ScriptRunner::Do(const ScriptStep& step) {
             return;
         }
         case ScriptStep::Picture: {
-            UpdateAll(m_window);
+            PaintAll(m_window);
             RECT client = {};
             ::GetClientRect(m_window.m_hWnd, &client);
             RequirePictureName(step.text);
@@ -234,11 +212,11 @@ void ScriptRunner::Do(const ScriptStep& step) {
             m_window.SaveTo(step.text.empty() ? m_savePath : step.text);
             return;
         case ScriptStep::Remember:
-            m_remembered = Pixels();
+            m_remembered = ShownPixels(m_window);
             return;
         case ScriptStep::Expect:
             if (m_remembered.empty()) Fail(step, Say(Text::ScriptNothingKept));
-            if ((Pixels() == m_remembered) != (step.text == "same"))
+            if ((ShownPixels(m_window) == m_remembered) != (step.text == "same"))
                 Fail(step, Say(step.text == "same" ? Text::ScriptNotSame : Text::ScriptNotOther));
             return;
     }

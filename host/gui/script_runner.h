@@ -27,7 +27,6 @@ private:
     RECT PlaceOf(const ScriptStep& step) const;
     void Post(UINT message, const ScriptStep& step, int wheel = 0);
     void Hold(const ScriptStep& step, BOOL down);
-    std::vector<COLORREF> Pixels() const;
     [[noreturn]] void Fail(const ScriptStep& step, const std::string& sentence) const;
 
     MainWindow& m_window;

@@ -107,7 +107,7 @@ std::unique_ptr<SerialLine> SerialLine::Open(const std::string& device, DWORD ac
         error = errno == EIO ? ERROR_FILE_NOT_FOUND : ErrorFromErrno(errno);
         return nullptr;
     }
-    std::unique_ptr<SerialLine> line(new SerialLine(fd, access));
+    std::unique_ptr<SerialLine> line(new SerialLine(fd));
     error = line->Begin();
     if (error != ERROR_SUCCESS) line.reset();
     return line;

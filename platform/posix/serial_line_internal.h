@@ -43,11 +43,10 @@ public:
     DWORD Hold(bool sending);  // stops or restarts sending, as an Xoff or Xon from the far end would
 
 private:
-    SerialLine(int fd, DWORD access) : m_fd(fd), m_access(access) {}
+    explicit SerialLine(int fd) : m_fd(fd) {}
     DWORD Begin();
 
     const int m_fd;
-    const DWORD m_access;
     bool m_released = false, m_isPseudo = false, m_hasModemLines = false, m_hasCounters = false;
     termios m_found{};
     DCB m_dcb{};

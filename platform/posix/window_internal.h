@@ -4,7 +4,6 @@
 
 #include <array>
 #include <deque>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>

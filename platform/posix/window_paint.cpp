@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 
 #include "platform/posix/gdi_internal.h"
 #include "platform/posix/threads.h"

@@ -9,6 +9,7 @@
 
 #include "afx/dc.h"
 #include "host/gui/main_window.h"
+#include "host/gui/shown_pixels.h"
 #include "platform/scripted_input.h"
 
 // The host, keeping what its user would have been told.
@@ -82,22 +83,7 @@ public:
     // What the window shows, but for the line of hints. Drags leave no trace in it once they have ended.
     std::vector<COLORREF> Pixels() {
         Pump();
-        for (const HWND pane : {window->m_hWnd, window->Chart().m_hWnd, window->List().m_hWnd}) ::UpdateWindow(pane);
-        RECT client = {};
-        ::GetClientRect(window->m_hWnd, &client);
-        client.bottom = window->StatusRect().top;
-        CClientDC dc(window.get());
-        CDC memory;
-        CBitmap bitmap;
-        std::vector<COLORREF> pixels;
-        if (!memory.CreateCompatibleDC(&dc) || !bitmap.CreateCompatibleBitmap(&dc, client.right, client.bottom)) return pixels;
-        CBitmap* const before = memory.SelectObject(&bitmap);
-        memory.BitBlt(0, 0, client.right, client.bottom, &dc, 0, 0, SRCCOPY);
-        for (int y = 0; y < client.bottom; ++y) {
-            for (int x = 0; x < client.right; ++x) pixels.push_back(memory.GetPixel(x, y));
-        }
-        memory.SelectObject(before);
-        return pixels;
+        return ShownPixels(*window);
     }
 
     // As if nobody had touched it: no focus mark, the keys on the chart.
