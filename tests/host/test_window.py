@@ -424,9 +424,50 @@ class WindowFlow(unittest.TestCase):
         window.key("ctrl+b")
         window.settled()
         window.key("alt+F4")
-        question = until(lambda: xdotool("search", "--onlyvisible", "--name", "^OrvikHost$"), "the question whether to keep the readings")
+        self.dialog("OrvikHost")
         window.keep("11-question", whole_screen=True)
-        xdotool("windowfocus", "--sync", question.split("\n")[0])
+        window.key("n")
+        until(lambda: window.process.poll() is not None, "the program's end")
+        self.assertEqual(window.process.returncode, 0)
+
+    def dialog(self, name, other_than=None):
+        """The dialog of this name when it has come up, with the keys of the screen."""
+        def shown():
+            found = xdotool("search", "--onlyvisible", "--name", "^" + name + "$").split("\n")[0]
+            return found if found != other_than else None
+
+        window = until(shown, "a dialog called " + name)
+        xdotool("windowfocus", "--sync", window)
+        return window
+
+    def test_a_download_is_asked_for_and_cancelled(self):
+        line = SimulatedLine(options, self.folder, ())
+        self.addCleanup(line.stop)
+        window = self.open(environment=simulated_line.environment(options))
+        self.charted(window)
+        window.key("ctrl+d")
+        fields = self.dialog("Download")
+        for text in (line.port, "100000", "100 ms"):
+            xdotool("key", "ctrl+a")
+            xdotool("type", text)
+            xdotool("key", "Tab")
+        run("import", "-window", fields, options.pictures / "12-download-asked-for.png")
+        xdotool("key", "Return")
+        progress = self.dialog("Download", other_than=fields)
+        window.title_start = "Demo logger"
+        until(window.is_modified, "the first reading")
+        before = window.picture()
+        until(lambda: window.picture() != before, "more readings behind the dialog")
+        window.keep("13-downloading-with-progress", whole_screen=True)
+        xdotool("windowfocus", "--sync", progress)
+        xdotool("key", "Escape")
+        until(lambda: not xdotool("search", "--onlyvisible", "--name", "^Download$"), "the end of the dialog")
+        xdotool("windowfocus", "--sync", window.id)
+        shown = window.settled()
+        self.assertTrue(shown.axis(ORANGE), "what was read is kept")
+        self.assertTrue(window.is_modified())
+        window.key("alt+F4")
+        self.dialog("OrvikHost")
         window.key("n")
         until(lambda: window.process.poll() is not None, "the program's end")
         self.assertEqual(window.process.returncode, 0)
