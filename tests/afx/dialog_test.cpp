@@ -169,6 +169,28 @@ TEST(Dialogs, TabOrderMnemonicsAndDefaultButton) {
     EXPECT_EQ(dialog.m_hWnd, nullptr);
 }
 
+TEST(Dialogs, AnItemIsTakenOverFromTheTemplate) {
+    struct Shouting : CEdit {
+        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+            if (message == WM_SETTEXT && lParam != 0) return CEdit::WindowProc(message, wParam, reinterpret_cast<LPARAM>("LOUD"));
+            return CEdit::WindowProc(message, wParam, lParam);
+        }
+    };
+    Shouting edit, none;
+    const Template fields = Fields();
+    FieldsDialog dialog;
+    dialog.onInit = [&](FieldsDialog&) { EXPECT_TRUE(edit.SubclassDlgItem(kCount, &dialog)); };
+    ASSERT_TRUE(dialog.CreateIndirect(fields.Get()));
+    EXPECT_FALSE(none.SubclassDlgItem(9999, &dialog));
+    EXPECT_EQ(none.m_hWnd, nullptr);
+    dialog.SetDlgItemText(kCount, "quiet");
+    CString text;
+    dialog.GetDlgItemText(kCount, text);
+    EXPECT_STREQ(text, "LOUD");
+    dialog.DestroyWindow();
+    EXPECT_EQ(edit.m_hWnd, nullptr);
+}
+
 TEST(Dialogs, ExchangeDataAndRefuseIt) {
     QuietApp app;
     const Template fields = Fields();
