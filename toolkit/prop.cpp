@@ -67,6 +67,11 @@ void CBCGPProp::Changed(bool structure) {
     structure ? m_pList->OnStructureChanged() : m_pList->RedrawProperty(this);
 }
 
+void CBCGPProp::SetName(const CString& strName) {
+    m_strName = strName;
+    Changed(false);
+}
+
 void CBCGPProp::SetValue(const CBCGPPropValue& value) {
     m_value = value;
     Changed(false);

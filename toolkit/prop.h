@@ -23,6 +23,7 @@ public:
     CBCGPProp& operator=(const CBCGPProp&) = delete;
 
     const CString& GetName() const { return m_strName; }
+    void SetName(const CString& strName);
     const CString& GetDescription() const { return m_strDescr; }
     void SetDescription(const CString& strDescr) { m_strDescr = strDescr; }
     DWORD_PTR GetData() const { return m_dwData; }

@@ -152,6 +152,7 @@ void PropertiesDialog::Show() {
     set(m_picture, axis.picture.c_str());
     for (const Channel& channel : m_channels) {
         const ViewState::Channel& one = state.channels[channel.number];
+        channel.name->GetParent()->SetName(one.name.c_str());
         set(channel.name, one.name.c_str());
         set(channel.shown, !IsHidden(state, one.key));
         set(channel.colour, static_cast<__int64>(one.colour));

@@ -530,8 +530,11 @@ TEST_F(PropList, LooksFollowTheState) {
     EXPECT_GT(ink(cell), plain);
     name->SetOriginalValue("Indoor!");
     EXPECT_EQ(ink(cell), plain);
-    CClientDC dc(&grid);
     const CRect group = grid.GetPropertyRect(channel);
+    const int named = ink(group);
+    channel->SetName("i");
+    EXPECT_LT(ink(group), named);
+    CClientDC dc(&grid);
     EXPECT_EQ(dc.GetPixel(group.right - 20, group.top + 3), GetSysColor(COLOR_BTNFACE));
     grid.SetVSDotNetLook(FALSE);
     grid.UpdateWindow();

@@ -348,6 +348,7 @@ TEST_F(Dialogs, EachPropertyThatIsChangedIsAStep) {
            write(grid, air.GetSubItem(0), "Luft");
            done(Text::StepName);
            EXPECT_EQ(hands.window->List().GetItemText(0, 0), "Luft");
+           EXPECT_EQ(air.GetName(), "Luft");
            const ViewState named = hands.State();
            write(grid, air.GetSubItem(0), "  ");
            refused(Text::NameWrong, named);
