@@ -9,6 +9,8 @@
 namespace orvik::detail {
 namespace {
 constexpr int kEditId = 1001;
+constexpr ListItemMessages kItemMessages = {CB_GETCOUNT,        CB_GETLBTEXT,   CB_GETLBTEXTLEN, CB_FINDSTRING,
+                                            CB_FINDSTRINGEXACT, CB_GETITEMDATA, CB_SETITEMDATA,  CB_OKAY};
 
 class ComboBox final : public Control {
 public:
@@ -17,6 +19,7 @@ public:
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam) override {
         const auto index = static_cast<int>(wParam);
         const auto* text = reinterpret_cast<const char*>(lParam);
+        if (const auto answer = m_items.Answer(kItemMessages, message, wParam, lParam)) return *answer;
         switch (message) {
             case WM_CREATE:
                 if (HasEdit())
@@ -62,32 +65,14 @@ public:
                 if (m_edit != nullptr) SetWindowTextA(m_edit, "");
                 Invalidate();
                 return CB_OKAY;
-            case CB_GETCOUNT:
-                return m_items.Count();
             case CB_GETCURSEL:
                 return m_current;
             case CB_SETCURSEL:
                 return Select(index);
-            case CB_GETLBTEXT:
-                if (!m_items.Has(index) || lParam == 0) return CB_ERR;
-                std::strcpy(reinterpret_cast<char*>(lParam), m_items[index].text.c_str());
-                return static_cast<LRESULT>(m_items[index].text.size());
-            case CB_GETLBTEXTLEN:
-                return m_items.Has(index) ? static_cast<LRESULT>(m_items[index].text.size()) : CB_ERR;
-            case CB_FINDSTRING:
-                return m_items.Find(index, text, false);
-            case CB_FINDSTRINGEXACT:
-                return m_items.Find(index, text, true);
             case CB_SELECTSTRING: {
                 const int found = m_items.Find(index, text, false);
                 return found < 0 ? CB_ERR : Select(found);
             }
-            case CB_GETITEMDATA:
-                return m_items.Has(index) ? m_items[index].data : CB_ERR;
-            case CB_SETITEMDATA:
-                if (!m_items.Has(index)) return CB_ERR;
-                m_items[index].data = lParam;
-                return CB_OKAY;
             case CB_SHOWDROPDOWN:
                 Drop(wParam != 0, true);
                 return TRUE;

@@ -1,12 +1,14 @@
 // The list box: strings of which one, or several, can be selected.
 #include <algorithm>
-#include <cstring>
 
 #include "platform/posix/list_items_internal.h"
 #include "platform/posix/scroll_part_internal.h"
 
 namespace orvik::detail {
 namespace {
+constexpr ListItemMessages kItemMessages = {LB_GETCOUNT,        LB_GETTEXT,     LB_GETTEXTLEN,  LB_FINDSTRING,
+                                            LB_FINDSTRINGEXACT, LB_GETITEMDATA, LB_SETITEMDATA, TRUE};
+
 class ListBox final : public Control {
 public:
     using Control::Control;
@@ -14,6 +16,7 @@ public:
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam) override {
         const auto index = static_cast<int>(wParam);
         const auto* text = reinterpret_cast<const char*>(lParam);
+        if (const auto answer = m_items.Answer(kItemMessages, message, wParam, lParam)) return *answer;
         switch (message) {
             case LB_ADDSTRING:
                 return Changed(m_items.Add(text, (Style() & LBS_SORT) != 0));
@@ -34,8 +37,6 @@ public:
                 m_caret = m_top = 0;
                 Invalidate();
                 return LB_OKAY;
-            case LB_GETCOUNT:
-                return m_items.Count();
             case LB_GETCURSEL:
                 return Multiple() ? m_caret : m_current;
             case LB_SETCURSEL:
@@ -50,16 +51,6 @@ public:
                 for (int i = 0; i < m_items.Count(); ++i) count += m_items[i].selected;
                 return count;
             }
-            case LB_GETTEXT:
-                if (!m_items.Has(index) || lParam == 0) return LB_ERR;
-                std::strcpy(reinterpret_cast<char*>(lParam), m_items[index].text.c_str());
-                return static_cast<LRESULT>(m_items[index].text.size());
-            case LB_GETTEXTLEN:
-                return m_items.Has(index) ? static_cast<LRESULT>(m_items[index].text.size()) : LB_ERR;
-            case LB_FINDSTRING:
-                return m_items.Find(index, text, false);
-            case LB_FINDSTRINGEXACT:
-                return m_items.Find(index, text, true);
             case LB_SELECTSTRING: {
                 const int found = m_items.Find(index, text, false);
                 return found < 0 ? LB_ERR : Select(found);
@@ -74,12 +65,6 @@ public:
                 if (lParam == 0) return LB_ERR;
                 *reinterpret_cast<RECT*>(lParam) = RectOf(index);
                 return m_items.Has(index) ? 1 : LB_ERR;
-            case LB_GETITEMDATA:
-                return m_items.Has(index) ? m_items[index].data : LB_ERR;
-            case LB_SETITEMDATA:
-                if (!m_items.Has(index)) return LB_ERR;
-                m_items[index].data = lParam;
-                return TRUE;
             case LB_GETITEMHEIGHT:
                 return LineHeight();
             case WM_GETDLGCODE:

@@ -6,6 +6,26 @@
 
 namespace orvik::detail {
 
+std::optional<LRESULT> ListItems::Answer(const ListItemMessages& messages, UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto index = static_cast<int>(wParam);
+    const auto* wanted = reinterpret_cast<const char*>(lParam);
+    if (message == messages.count) return Count();
+    if (message == messages.find) return Find(index, wanted, false);
+    if (message == messages.findWhole) return Find(index, wanted, true);
+    const bool ofAnItem = message == messages.text || message == messages.textLength || message == messages.data ||
+                          message == messages.setData;
+    if (!ofAnItem) return std::nullopt;
+    if (!Has(index) || (message == messages.text && lParam == 0)) return -1;
+    ListItem& item = (*this)[index];
+    if (message == messages.data) return item.data;
+    if (message == messages.setData) {
+        item.data = lParam;
+        return messages.dataSet;
+    }
+    if (message == messages.text) std::strcpy(reinterpret_cast<char*>(lParam), item.text.c_str());
+    return static_cast<LRESULT>(item.text.size());
+}
+
 int ListItems::Add(const char* text, bool sorted) {
     if (text == nullptr) return -1;
     if (!sorted) return Insert(-1, text);

@@ -1,6 +1,7 @@
 // The strings of a list box or combo box, each with a number of the program's. Searching minds no case.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,17 @@ struct ListItem {
     bool selected = false;  // where more than one can be
 };
 
+// What a list box and a combo box answer alike; only the numbers of their messages differ.
+struct ListItemMessages {
+    UINT count, text, textLength, find, findWhole, data, setData;
+    LRESULT dataSet;  // the answer to setData
+};
+
 class ListItems {
 public:
+    // Nothing when the message is another one; -1 (LB_ERR, CB_ERR) for an item that is not there.
+    std::optional<LRESULT> Answer(const ListItemMessages& messages, UINT message, WPARAM wParam, LPARAM lParam);
+
     int Count() const { return static_cast<int>(m_items.size()); }
     bool Has(LRESULT index) const { return index >= 0 && index < Count(); }
     ListItem& operator[](LRESULT index) { return m_items[static_cast<size_t>(index)]; }

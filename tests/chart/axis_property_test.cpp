@@ -14,23 +14,18 @@ using namespace orvik;
 
 namespace {
 
-// splitmix64: the same ranges on every machine.
+// The same ranges on every machine, which the distributions of the standard library are not.
 class Random {
 public:
-    explicit Random(uint64_t seed) : m_state(seed) {}
-    uint64_t Next() {
-        uint64_t z = (m_state += 0x9e3779b97f4a7c15u);
-        z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9u;
-        z = (z ^ (z >> 27)) * 0x94d049bb133111ebu;
-        return z ^ (z >> 31);
-    }
+    explicit Random(uint64_t seed) : m_engine(seed) {}
+    uint64_t Next() { return m_engine(); }
     LONG Below(LONG limit) { return static_cast<LONG>(Next() % static_cast<uint64_t>(limit)); }
     double Unit() { return static_cast<double>(Next() >> 11) * 0x1p-53; }
     // Either sign, any magnitude up to 10^38.
     double Value() { return (Below(2) ? 1 : -1) * (1 + 9 * Unit()) * std::pow(10.0, Below(76) - 38); }
 
 private:
-    uint64_t m_state;
+    std::mt19937_64 m_engine;
 };
 
 struct RandomAxis {
