@@ -1,27 +1,14 @@
-// One room, for it is one table: each record is one drawing call, and all share the state of the DC that recorded them.
+// The table of records: each is one drawing call of the device context that recorded them, or a change of its state.
 #include <algorithm>
-#include <cmath>
 #include <cstring>
-#include <map>
 #include <new>
 
 #include "platform/windows/metafile_internal.h"
+#include "platform/windows/metafile_player_internal.h"
 
 namespace orvik::detail {
+namespace metafile {
 namespace {
-
-struct Pen {
-    bool visible = true;
-    VectorPen look;
-};
-struct Brush {
-    enum Kind { solid, hollow, other } kind = solid;
-    uint32_t colour = 0xFFFFFF;
-};
-struct Font {
-    LOGFONTW asked{};
-};
-
 // A pen of ExtCreatePen as it stands in a file, where its hatch has 32 bits on every system; headers differ in it.
 struct RecordedPen {
     EMR emr;
@@ -30,348 +17,7 @@ struct RecordedPen {
     COLORREF colour;
     DWORD hatch, entryCount, entries[1];
 };
-
-// A region that is deleted with its owner.
-class Region {
-public:
-    Region() : m_region(CreateRectRgn(0, 0, 0, 0)) {}
-    Region(const Region& other) : Region() { CombineRgn(m_region, other.m_region, nullptr, RGN_COPY); }
-    Region& operator=(const Region& other) {
-        CombineRgn(m_region, other.m_region, nullptr, RGN_COPY);
-        return *this;
-    }
-    ~Region() { DeleteObject(m_region); }
-    HRGN Get() const { return m_region; }
-
-private:
-    HRGN m_region;
-};
-
-std::vector<RECT> RectanglesOf(HRGN region) {
-    const DWORD size = GetRegionData(region, 0, nullptr);
-    std::vector<BYTE> bytes(size);
-    if (size == 0 || GetRegionData(region, size, reinterpret_cast<RGNDATA*>(bytes.data())) == 0) return {};
-    const auto* data = reinterpret_cast<const RGNDATA*>(bytes.data());
-    std::vector<RECT> rects(data->rdh.nCount);
-    std::memcpy(rects.data(), data->Buffer, rects.size() * sizeof(RECT));
-    return rects;
-}
-
-VectorRect Plain(const RECT& rect) {
-    return {static_cast<double>(rect.left), static_cast<double>(rect.top), static_cast<double>(rect.right),
-            static_cast<double>(rect.bottom)};
-}
-
-struct State {
-    Pen pen;
-    Brush brush;
-    Font font;
-    COLORREF textColour = 0, backColour = 0xFFFFFF;
-    int backMode = OPAQUE, rop2 = R2_COPYPEN, fillMode = ALTERNATE;
-    UINT align = TA_LEFT | TA_TOP;
-    POINT position{}, window{}, viewport{};
-    bool clips = false;
-    Region clip;  // device units
-};
-
-Font FontOf(HGDIOBJ font) {
-    Font made;
-    GetObjectW(font, sizeof made.asked, &made.asked);
-    return made;
-}
-
-// The measures of a font, asked of a DC as like the recorded one as can be; turned text is measured before it is turned.
-class Measure {
-public:
-    Measure() : m_dc(CreateCompatibleDC(nullptr)) {}
-    ~Measure() { DeleteDC(m_dc); }
-    Measure(const Measure&) = delete;
-    Measure& operator=(const Measure&) = delete;
-
-    TEXTMETRICW Use(const Font& font) {
-        LOGFONTW level = font.asked;
-        level.lfEscapement = level.lfOrientation = 0;
-        m_font = CreateFontIndirectW(&level);
-        m_before = SelectObject(m_dc, m_font);
-        TEXTMETRICW metrics{};
-        GetTextMetricsW(m_dc, &metrics);
-        return metrics;
-    }
-    int Width(const std::wstring& text) const {
-        SIZE size{};
-        GetTextExtentPoint32W(m_dc, text.c_str(), static_cast<int>(text.size()), &size);
-        return size.cx;
-    }
-    void Done() {
-        SelectObject(m_dc, m_before);
-        DeleteObject(m_font);
-    }
-
-private:
-    HDC m_dc;
-    HFONT m_font = nullptr;
-    HGDIOBJ m_before = nullptr;
-};
-
-std::string Narrow(const std::wstring& text) {
-    constexpr UINT kCodePage = 1252;
-    const int length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(kCodePage, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
-    std::string narrow(static_cast<size_t>(std::max(size, 0)), '\0');
-    WideCharToMultiByte(kCodePage, 0, text.c_str(), length, narrow.data(), size, nullptr, nullptr);
-    return narrow;
-}
-
-class Player {
-public:
-    explicit Player(VectorSink& sink) : m_sink(sink) { m_now.font = FontOf(GetStockObject(SYSTEM_FONT)); }
-
-    // False for a record that this page cannot hold.
-    bool Play(const ENHMETARECORD& record);
-
-private:
-    template <class T>
-    static const T& As(const ENHMETARECORD& record) {
-        return reinterpret_cast<const T&>(record);
-    }
-
-    POINT Shift() const { return {m_now.viewport.x - m_now.window.x, m_now.viewport.y - m_now.window.y}; }
-    VectorPoint ToPage(LONG x, LONG y) const {
-        const POINT shift = Shift();
-        return {static_cast<double>(x) + shift.x, static_cast<double>(y) + shift.y};
-    }
-    RECT ToDevice(const RECT& rect) const {
-        const POINT shift = Shift();
-        return {rect.left + shift.x, rect.top + shift.y, rect.right + shift.x, rect.bottom + shift.y};
-    }
-    VectorRect ToPage(const RECT& rect) const {
-        const VectorPoint a = ToPage(rect.left, rect.top), b = ToPage(rect.right, rect.bottom);
-        return {a.x, a.y, b.x, b.y};
-    }
-    // The raster operation as a colour: false where it leaves no mark.
-    bool Marks(uint32_t& colour) const {
-        if (m_now.rop2 == R2_BLACK) colour = 0;
-        if (m_now.rop2 == R2_WHITE) colour = 0xFFFFFF;
-        return m_now.rop2 == R2_COPYPEN || m_now.rop2 == R2_BLACK || m_now.rop2 == R2_WHITE;
-    }
-
-    // Runs `draw` under the clip of this moment, narrowed to `within` (device units) if given.
-    template <class Draw>
-    void Clipped(const RECT* within, Draw draw) {
-        if (!m_now.clips && within == nullptr) {
-            m_sink.SetClip(nullptr);
-        } else {
-            Region seen;
-            if (within != nullptr) SetRectRgn(seen.Get(), within->left, within->top, within->right, within->bottom);
-            if (m_now.clips) CombineRgn(seen.Get(), m_now.clip.Get(), seen.Get(), within != nullptr ? RGN_AND : RGN_COPY);
-            std::vector<VectorRect> rects;
-            for (const RECT& rect : RectanglesOf(seen.Get())) rects.push_back(Plain(rect));
-            m_sink.SetClip(&rects);
-        }
-        draw();
-    }
-
-    void DrawLine(const std::vector<VectorPoint>& points) {
-        VectorPen pen = m_now.pen.look;
-        if (!m_now.pen.visible || !Marks(pen.colour)) return;
-        Clipped(nullptr, [&] { m_sink.Line(points, pen); });
-    }
-    bool DrawArea(const std::vector<std::vector<VectorPoint>>& outlines) {
-        if (m_now.brush.kind == Brush::other) return false;
-        uint32_t colour = m_now.brush.colour;
-        if (m_now.brush.kind == Brush::solid && Marks(colour))
-            Clipped(nullptr, [&] { m_sink.Area(outlines, m_now.fillMode == WINDING, colour); });
-        return true;
-    }
-    bool DrawPolygons(std::vector<std::vector<VectorPoint>> outlines) {
-        if (!DrawArea(outlines)) return false;
-        for (auto& outline : outlines) {
-            if (outline.empty()) continue;
-            if (outline.front() != outline.back()) outline.push_back(outline.front());
-            DrawLine(outline);
-        }
-        return true;
-    }
-    bool DrawRectangle(const RECT& box);
-    bool DrawEllipse(const RECT& box);
-    bool FillRects(const std::vector<RECT>& rects, const Brush& brush, DWORD operation);
-    void DrawText(POINT reference, std::wstring text, UINT options, const RECT& box, const LONG* widths, size_t widthStep);
-
-    template <class T>
-    std::vector<VectorPoint> Points(const T* points, DWORD count) const {
-        std::vector<VectorPoint> out;
-        for (DWORD i = 0; i < count; ++i) out.push_back(ToPage(points[i].x, points[i].y));
-        return out;
-    }
-    template <class T>
-    std::vector<std::vector<VectorPoint>> Outlines(const T* points, const DWORD* counts, DWORD figures) const {
-        std::vector<std::vector<VectorPoint>> out;
-        for (DWORD i = 0; i < figures; points += counts[i++]) out.push_back(Points(points, counts[i]));
-        return out;
-    }
-    template <class T>
-    void LinesTo(const T* points, DWORD count) {
-        if (count == 0) return;
-        std::vector<VectorPoint> line = Points(points, count);
-        line.insert(line.begin(), ToPage(m_now.position.x, m_now.position.y));
-        m_now.position = {points[count - 1].x, points[count - 1].y};
-        DrawLine(line);
-    }
-
-    void Clip(HRGN region, int mode);
-    bool PlayState(const ENHMETARECORD& record, bool& known);
-    bool PlayObject(const ENHMETARECORD& record, bool& known);
-    bool PlayShape(const ENHMETARECORD& record, bool& known);
-    bool PlayOther(const ENHMETARECORD& record);
-    void Select(DWORD handle);
-
-    VectorSink& m_sink;
-    Measure m_measure;
-    State m_now;
-    std::vector<State> m_saved;
-    std::map<DWORD, Pen> m_pens;
-    std::map<DWORD, Brush> m_brushes;
-    std::map<DWORD, Font> m_fonts;
-};
-
-bool Player::DrawRectangle(const RECT& box) {
-    const RECT shifted = ToDevice(box);
-    RECT rect = {std::min(shifted.left, shifted.right), std::min(shifted.top, shifted.bottom),
-                 std::max(shifted.left, shifted.right), std::max(shifted.top, shifted.bottom)};
-    if (rect.left == rect.right || rect.top == rect.bottom) return true;
-    if (m_now.brush.kind == Brush::other) return false;
-    // The outline's middle runs through the outermost pixels; without one the right and bottom edge are missing.
-    RECT inside = {rect.left, rect.top, rect.right - 1, rect.bottom - 1};
-    if (m_now.pen.visible) {
-        const auto width = static_cast<LONG>(m_now.pen.look.width);
-        inside = {rect.left + (width + 1) / 2, rect.top + (width + 1) / 2, rect.right - 1 - width / 2,
-                  rect.bottom - 1 - width / 2};
-    }
-    uint32_t colour = m_now.brush.colour;
-    if (inside.left < inside.right && inside.top < inside.bottom && m_now.brush.kind == Brush::solid && Marks(colour))
-        Clipped(nullptr, [&] { m_sink.Fill(Plain(inside), colour); });
-    const double left = rect.left, top = rect.top, right = rect.right - 1, bottom = rect.bottom - 1;
-    DrawLine({{right, top}, {left, top}, {left, bottom}, {right, bottom}, {right, top}});
-    return true;
-}
-
-bool Player::DrawEllipse(const RECT& box) {
-    if (m_now.brush.kind == Brush::other) return false;
-    uint32_t colour = m_now.brush.colour;
-    VectorPen pen = m_now.pen.look;
-    const bool inside = m_now.brush.kind == Brush::solid && Marks(colour), outline = m_now.pen.visible && Marks(pen.colour);
-    Clipped(nullptr, [&] { m_sink.Ellipse(ToPage(box), inside ? &colour : nullptr, outline ? &pen : nullptr); });
-    return true;
-}
-
-bool Player::FillRects(const std::vector<RECT>& rects, const Brush& brush, DWORD operation) {
-    uint32_t colour = brush.colour;
-    if (operation == BLACKNESS || operation == WHITENESS) {
-        colour = operation == BLACKNESS ? 0 : 0xFFFFFF;
-    } else if (operation != PATCOPY || brush.kind == Brush::hollow) {
-        return true;  // leaves no mark
-    } else if (brush.kind == Brush::other) {
-        return false;
-    }
-    Clipped(nullptr, [&] {
-        for (const RECT& rect : rects) m_sink.Fill(Plain(rect), colour);
-    });
-    return true;
-}
-
-void Player::DrawText(POINT reference, std::wstring text, UINT options, const RECT& box, const LONG* widths, size_t widthStep) {
-    const RECT area = ToDevice(box);
-    const RECT* within = (options & ETO_CLIPPED) != 0 ? &area : nullptr;
-    if ((options & ETO_OPAQUE) != 0) Clipped(nullptr, [&] { m_sink.Fill(Plain(area), m_now.backColour); });
-    if (text.empty()) return;
-
-    const LOGFONTW& font = m_now.font.asked;
-    const TEXTMETRICW metrics = m_measure.Use(m_now.font);
-    int width = m_measure.Width(text);
-    m_measure.Done();
-    if (widths != nullptr) {
-        width = 0;
-        for (size_t i = 0; i < text.size(); ++i) width += static_cast<int>(widths[i * widthStep]);
-    }
-    if ((m_now.align & TA_UPDATECP) != 0) reference = m_now.position;
-
-    constexpr double kTenth = 3.14159265358979323846 / 1800;
-    const double cosine = std::cos(font.lfEscapement * kTenth), sine = std::sin(font.lfEscapement * kTenth);
-    const UINT across = m_now.align & TA_CENTER, upright = m_now.align & TA_BASELINE;
-    const double before = across == TA_CENTER ? width / 2 : across == TA_RIGHT ? width : 0;  // from the start to the reference
-    const double below = upright == TA_BASELINE ? 0 : upright == TA_BOTTOM ? -metrics.tmDescent : metrics.tmAscent;
-
-    const VectorPoint at = ToPage(reference.x, reference.y);
-    VectorText shown;
-    // The base line at the anchor.
-    shown.x = at.x + below * sine, shown.y = at.y + below * cosine;
-    shown.anchor = across == TA_CENTER ? VectorAnchor::middle : across == TA_RIGHT ? VectorAnchor::end : VectorAnchor::start;
-    shown.angle = font.lfEscapement / 10.0;
-    shown.text = Narrow(text);
-    shown.width = width;
-    shown.face = Narrow(font.lfFaceName);
-    shown.size = font.lfHeight < 0 ? -font.lfHeight : metrics.tmHeight - metrics.tmInternalLeading;
-    shown.weight = font.lfWeight == 0 ? FW_NORMAL : static_cast<int>(font.lfWeight);
-    shown.italic = font.lfItalic != 0, shown.underline = font.lfUnderline != 0, shown.strikeOut = font.lfStrikeOut != 0;
-    shown.colour = m_now.textColour;
-
-    Clipped(within, [&] {
-        if (m_now.backMode == OPAQUE) {
-            // The box of the text, turned with it.
-            const auto corner = [&](double along, double down) {
-                return VectorPoint{shown.x + (along - before) * cosine + down * sine,
-                                   shown.y - (along - before) * sine + down * cosine};
-            };
-            const double top = -metrics.tmAscent, bottom = metrics.tmDescent;
-            m_sink.Area({{corner(0, top), corner(width, top), corner(width, bottom), corner(0, bottom)}}, true, m_now.backColour);
-        }
-        m_sink.Text(shown);
-    });
-    if ((m_now.align & TA_UPDATECP) != 0) {
-        const double along = across == TA_RIGHT ? -width : across == TA_CENTER ? 0 : width;
-        m_now.position.x += std::lround(along * cosine), m_now.position.y -= std::lround(along * sine);
-    }
-}
-
-void Player::Clip(HRGN region, int mode) {
-    if (!m_now.clips) {
-        // Without a clip everything is inside: as much as a page may ever have.
-        constexpr int kFar = 1 << 20;
-        SetRectRgn(m_now.clip.Get(), -kFar, -kFar, kFar, kFar);
-    }
-    CombineRgn(m_now.clip.Get(), m_now.clip.Get(), region, mode);
-    if (mode == RGN_COPY) CombineRgn(m_now.clip.Get(), region, nullptr, RGN_COPY);
-    m_now.clips = true;
-}
-
-void Player::Select(DWORD handle) {
-    if ((handle & ENHMETA_STOCK_OBJECT) == 0) {
-        if (const auto pen = m_pens.find(handle); pen != m_pens.end()) m_now.pen = pen->second;
-        if (const auto brush = m_brushes.find(handle); brush != m_brushes.end()) m_now.brush = brush->second;
-        if (const auto font = m_fonts.find(handle); font != m_fonts.end()) m_now.font = font->second;
-        return;
-    }
-    const HGDIOBJ object = GetStockObject(static_cast<int>(handle & ~static_cast<DWORD>(ENHMETA_STOCK_OBJECT)));
-    switch (GetObjectType(object)) {
-        case OBJ_PEN: {
-            LOGPEN pen{};
-            GetObjectA(object, sizeof pen, &pen);
-            m_now.pen = {pen.lopnStyle != PS_NULL, {pen.lopnColor, 1, {}, false}};
-            break;
-        }
-        case OBJ_BRUSH: {
-            LOGBRUSH brush{};
-            GetObjectA(object, sizeof brush, &brush);
-            m_now.brush = {brush.lbStyle == BS_NULL ? Brush::hollow : Brush::solid, brush.lbColor};
-            break;
-        }
-        case OBJ_FONT:
-            m_now.font = FontOf(object);
-            break;
-        default:
-            break;  // palettes
-    }
-}
+}  // namespace
 
 bool Player::PlayState(const ENHMETARECORD& record, bool& known) {
     switch (record.iType) {
@@ -560,6 +206,7 @@ bool Player::PlayShape(const ENHMETARECORD& record, bool& known) {
     return true;
 }
 
+namespace {
 // Windows' short form of a text; its header has no name of its own in every set of headers.
 struct SmallText {
     EMR emr;
@@ -568,6 +215,7 @@ struct SmallText {
     float scaleX, scaleY;
 };
 constexpr DWORD kSmallTextRecord = 108, kNoBox = 0x100, kNarrowLetters = 0x200;
+}  // namespace
 
 bool Player::PlayOther(const ENHMETARECORD& record) {
     switch (record.iType) {
@@ -678,9 +326,11 @@ bool Player::Play(const ENHMETARECORD& record) {
     }
     return PlayOther(record);
 }
+}  // namespace metafile
 
+namespace {
 struct Playing {
-    Player player;
+    metafile::Player player;
     DWORD error = ERROR_SUCCESS;
 };
 
@@ -697,7 +347,7 @@ int CALLBACK PlayRecord(HDC, HANDLETABLE*, const ENHMETARECORD* record, int, LPA
 }  // namespace
 
 DWORD DrawMetafile(HENHMETAFILE file, VectorSink& sink) {
-    Playing playing{Player(sink)};
+    Playing playing{metafile::Player(sink)};
     const BOOL whole = EnumEnhMetaFile(nullptr, file, PlayRecord, &playing, nullptr);
     if (playing.error != ERROR_SUCCESS) return playing.error;
     return whole ? ERROR_SUCCESS : ERROR_INVALID_DATA;
