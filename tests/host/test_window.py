@@ -158,9 +158,23 @@ class Window:
         xdotool("windowfocus", "--sync", self.id)  # there is nobody else on the screen who would give it the keys
 
     def find(self):
+        return self.shown("^" + self.title_start)
+
+    def shown(self, title):
+        """A window of this program that is on the screen."""
         if self.process.poll() is not None:
             raise AssertionError(f"the program ended with {self.process.returncode}")
-        return xdotool("search", "--onlyvisible", "--name", "^" + self.title_start).split("\n")[0]
+        return xdotool("search", "--onlyvisible", "--name", title).split("\n")[0]
+
+    def dialog(self, name, other_than=None):
+        """The dialog of this name when it has come up, with the keys of the screen."""
+        def another():
+            found = self.shown("^" + name + "$")
+            return found if found != other_than else None
+
+        dialog = until(another, "a dialog called " + name)
+        xdotool("windowfocus", "--sync", dialog)
+        return dialog
 
     def title(self):
         return xdotool("getwindowname", self.id)
@@ -424,21 +438,11 @@ class WindowFlow(unittest.TestCase):
         window.key("ctrl+b")
         window.settled()
         window.key("alt+F4")
-        self.dialog("OrvikHost")
+        window.dialog("OrvikHost")
         window.keep("11-question", whole_screen=True)
         window.key("n")
         until(lambda: window.process.poll() is not None, "the program's end")
         self.assertEqual(window.process.returncode, 0)
-
-    def dialog(self, name, other_than=None):
-        """The dialog of this name when it has come up, with the keys of the screen."""
-        def shown():
-            found = xdotool("search", "--onlyvisible", "--name", "^" + name + "$").split("\n")[0]
-            return found if found != other_than else None
-
-        window = until(shown, "a dialog called " + name)
-        xdotool("windowfocus", "--sync", window)
-        return window
 
     def test_a_download_is_asked_for_and_cancelled(self):
         line = SimulatedLine(options, self.folder, ())
@@ -446,14 +450,14 @@ class WindowFlow(unittest.TestCase):
         window = self.open(environment=simulated_line.environment(options))
         self.charted(window)
         window.key("ctrl+d")
-        fields = self.dialog("Download")
+        fields = window.dialog("Download")
         for text in (line.port, "100000", "100 ms"):
             xdotool("key", "ctrl+a")
             xdotool("type", text)
             xdotool("key", "Tab")
         run("import", "-window", fields, options.pictures / "12-download-asked-for.png")
         xdotool("key", "Return")
-        progress = self.dialog("Download", other_than=fields)
+        progress = window.dialog("Download", other_than=fields)
         window.title_start = "Demo logger"
         until(window.is_modified, "the first reading")
         before = window.picture()
@@ -467,7 +471,7 @@ class WindowFlow(unittest.TestCase):
         self.assertTrue(shown.axis(ORANGE), "what was read is kept")
         self.assertTrue(window.is_modified())
         window.key("alt+F4")
-        self.dialog("OrvikHost")
+        window.dialog("OrvikHost")
         window.key("n")
         until(lambda: window.process.poll() is not None, "the program's end")
         self.assertEqual(window.process.returncode, 0)
