@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "afx/message_box.h"
-#include "host/gui/menu_commands.h"
 #include "host/gui/value_list.h"
+#include "host/texts.h"
 #include "time/number_text.h"
 
 namespace {
@@ -157,9 +157,4 @@ void PropertiesDialog::Show() {
         set(channel.shown, !IsHidden(state, one.key));
         set(channel.colour, static_cast<__int64>(one.colour));
     }
-}
-
-// What is being written is taken first.
-void PropertiesDialog::OnOK() {
-    if (GetPropList().EndEditItem()) CPropListDialog::OnOK();
 }

@@ -21,7 +21,6 @@ public:
 
 protected:
     BOOL OnInitDialog() override;
-    void OnOK() override;
     void OnPropertyChanged(DWORD_PTR data) override;
 
 private:
