@@ -6,17 +6,13 @@
 #include "host/logger_file.h"
 #include "host/texts.h"
 
-namespace {
-constexpr DWORD kWeek = 7 * 86'400'000;
-}  // namespace
-
 ExitCode RunDownload(CHostApp& app, const Words& words) {
     const Arguments arguments(words, {"--port", "--logger", "--count", "--interval", "--for", "--timeout", "--out", "--trace"},
                               {"--hex"}, 0);
     DownloadPlan plan;
     plan.port = arguments.Require("--port");
     const std::string out = arguments.Require("--out");
-    plan.count = arguments.Number("--count", 1, 100'000'000, plan.count);
+    plan.count = arguments.Number("--count", 1, kMostReadings, plan.count);
     plan.interval = arguments.Milliseconds("--interval", 0, kWeek, plan.interval);
     plan.timeout = arguments.Milliseconds("--timeout", 1, 600'000, plan.timeout);
     if (arguments.Has("--for")) {

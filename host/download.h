@@ -10,6 +10,8 @@
 
 // So many readings are never made: a download that goes on until it is stopped.
 constexpr DWORD kForEver = 0xFFFFFFFF;
+constexpr DWORD kMostReadings = 100'000'000;  // of one that is asked for
+constexpr DWORD kWeek = 7 * 86'400'000;        // ms, the longest interval
 
 struct DownloadPlan {
     std::string port;

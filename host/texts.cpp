@@ -104,3 +104,11 @@ bool FromUtf8(std::string_view utf8, std::string& houseText) {
     if (lossless) houseText = std::move(converted);
     return lossless;
 }
+
+std::string ToHouse(std::string_view utf8) {
+    std::string house;
+    if (!FromUtf8(utf8, house)) house = utf8;
+    return house;
+}
+
+std::string HouseText(Text text, std::initializer_list<std::string_view> arguments) { return ToHouse(Say(text, arguments)); }

@@ -24,3 +24,6 @@ size_t WidthOf(std::string_view utf8);
 std::string ToUtf8(std::string_view houseText);
 // False when the text holds characters that Windows-1252 lacks; `houseText` is then unchanged.
 bool FromUtf8(std::string_view utf8, std::string& houseText);
+// As windows take it. Text that Windows-1252 cannot say stays as it is, which is better than nothing to read.
+std::string ToHouse(std::string_view utf8);
+std::string HouseText(Text text, std::initializer_list<std::string_view> arguments = {});

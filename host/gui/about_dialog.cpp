@@ -1,8 +1,7 @@
 #include "host/gui/about_dialog.h"
 
 #include "frame/version.h"
-#include "host/console.h"
-#include "host/gui/menu_commands.h"
+#include "host/texts.h"
 #include "res/ids.h"
 #include "ui/version_info.h"
 

@@ -1,6 +1,4 @@
 // What can be asked of the window, and what it asks its user before it does that.
-#include <utility>
-
 #include "afx/message_box.h"
 #include "host/database_file.h"
 #include "host/gui/about_dialog.h"
@@ -21,12 +19,7 @@ std::string KindsOf(Text sessions, const char* patterns) {
 // While something is asked, nothing else is.
 template <class Question>
 auto MainWindow::Ask(Question question) {
-    struct Asking {
-        explicit Asking(bool& now) : asking(now), before(std::exchange(now, true)) {}
-        ~Asking() { asking = before; }
-        bool& asking;
-        const bool before;
-    } const guard(m_asking);
+    const Asking guard(m_asking);
     return question();
 }
 

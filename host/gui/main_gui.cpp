@@ -10,7 +10,6 @@
 
 namespace {
 constexpr SIZE kWindow = {1000, 640};
-constexpr DWORD kWeek = 7 * 86'400'000;
 
 std::string HouseWord(const char* word) {
     std::string text(OrvikArgumentText(word, nullptr, 0), 0);
@@ -19,9 +18,7 @@ std::string HouseWord(const char* word) {
 }
 
 void Tell(const std::string& sentence) {
-    std::string house;
-    if (!FromUtf8(sentence, house)) house = sentence;
-    ::MessageBoxA(nullptr, house.c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
+    ::MessageBoxA(nullptr, ToHouse(sentence).c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
 }
 
 int Run(CHostApp& app, const std::vector<std::string>& words) {

@@ -5,13 +5,6 @@
 #include "host/console.h"
 #include "host/gui/main_window.h"
 
-std::string HouseText(Text text, std::initializer_list<std::string_view> arguments) {
-    std::string house;
-    const std::string utf8 = Say(text, arguments);
-    if (!FromUtf8(utf8, house)) house = utf8;
-    return house;
-}
-
 std::string MainWindow::ItemText(const MenuCommand& command) const {
     const ViewHistory& history = const_cast<MainWindow*>(this)->m_document.History();
     std::string text = HouseText(command.text);

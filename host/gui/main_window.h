@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <memory>
+#include <utility>
 
 #include "host/gui/chart_window.h"
 #include "host/gui/live_download.h"
@@ -79,6 +80,19 @@ private:
     // LiveDownload::Listener
     void OnReading(CVXTTime time, const CDoubleArray& values) override;
     void OnDownloadEnd(const std::string& sentence) override;
+
+    // While it lives a dialog stands over the window, and nothing else can be asked of it.
+    class Asking {
+    public:
+        explicit Asking(bool& asking) : m_asking(asking), m_before(std::exchange(asking, true)) {}
+        ~Asking() { m_asking = m_before; }
+        Asking(const Asking&) = delete;
+        Asking& operator=(const Asking&) = delete;
+
+    private:
+        bool& m_asking;
+        const bool m_before;
+    };
 
     template <class Work>
     bool Try(Work work);

@@ -39,13 +39,11 @@ bool MainWindow::Try(Work work) {
 }
 
 void MainWindow::Tell(const std::string& sentence) {
-    std::string house;
-    if (!FromUtf8(sentence, house)) house = sentence;
+    const std::string house = ToHouse(sentence);
     if (m_manner == Manner::Interactive && m_hWnd != nullptr) {
         ::MessageBoxA(m_hWnd, house.c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
     } else {
-        m_status = house;
-        if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
+        ShowStatus(house);
     }
 }
 
@@ -53,18 +51,13 @@ void MainWindow::Tell(const std::string& sentence) {
 template <class Work>
 void MainWindow::WorkWith(Text caption, Text message, Text stopped, const std::string& path, bool large, Work work) {
     DialogProgress progress(*this, HouseText(caption), HouseText(message, {ToUtf8(path)}), large);
-    const bool before = std::exchange(m_asking, true);
     try {
+        const Asking guard(m_asking);
         work(progress);
     } catch (const WorkStopped&) {
-        m_asking = before;
         ShowStatus(HouseText(stopped, {ToUtf8(path)}));
         throw;
-    } catch (...) {
-        m_asking = before;
-        throw;
     }
-    m_asking = before;
 }
 
 bool MainWindow::Open(const std::string& path) {

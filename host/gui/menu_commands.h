@@ -97,6 +97,3 @@ constexpr CommandId CommandOfKey(WORD key, bool control, bool shift) {
     }
     return kCommandNone;
 }
-
-// A text as menus, titles and other parts of windows take it: in the house's character set.
-std::string HouseText(Text text, std::initializer_list<std::string_view> arguments = {});

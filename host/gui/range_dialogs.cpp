@@ -1,7 +1,7 @@
 #include "host/gui/range_dialogs.h"
 
 #include "afx/message_map.h"
-#include "host/gui/menu_commands.h"
+#include "host/texts.h"
 #include "res/ids.h"
 #include "ui/dialog_data_exchange.h"
 

@@ -3,17 +3,15 @@
 #include <optional>
 
 #include "afx/message_map.h"
-#include "host/console.h"
+#include "host/download.h"
 #include "host/gui/file_dialog.h"
-#include "host/gui/menu_commands.h"
+#include "host/texts.h"
 #include "platform/picture.h"
 #include "res/ids.h"
 #include "ui/dialog_data_exchange.h"
 
 namespace {
 constexpr const char* kKinds[] = {".png", ".svg", ".pdf"};
-constexpr __int64 kWeek = 7LL * 86'400'000;  // ms
-constexpr UINT kMostReadings = 100'000'000;
 
 // Which of the kinds a name's end tells.
 std::optional<int> KindOf(const CString& path) {
