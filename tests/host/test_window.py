@@ -247,9 +247,13 @@ class Window:
         self.point(AWAY[0] - self.x, AWAY[1] - self.y)
         return self.settled(other_than=before)
 
-    def close(self):
-        """As a user closes it; gives the exit code."""
+    def close(self, keeping=None):
+        """As a user closes it, with a picture of the question whether to save, which is then answered with no; gives the exit code."""
         self.key("alt+F4")
+        if keeping:
+            self.dialog("OrvikHost")
+            self.keep(keeping, whole_screen=True)
+            self.key("n")
         until(lambda: self.process.poll() is not None, "the program's end")
         return self.process.returncode
 
@@ -437,12 +441,7 @@ class WindowFlow(unittest.TestCase):
         until(lambda: window.picture() != before, "more readings still")
         window.key("ctrl+b")
         window.settled()
-        window.key("alt+F4")
-        window.dialog("OrvikHost")
-        window.keep("11-question", whole_screen=True)
-        window.key("n")
-        until(lambda: window.process.poll() is not None, "the program's end")
-        self.assertEqual(window.process.returncode, 0)
+        self.assertEqual(window.close(keeping="11-question"), 0)
 
     def test_a_download_is_asked_for_and_cancelled(self):
         line = SimulatedLine(options, self.folder, ())
@@ -470,11 +469,7 @@ class WindowFlow(unittest.TestCase):
         shown = window.settled()
         self.assertTrue(shown.axis(ORANGE), "what was read is kept")
         self.assertTrue(window.is_modified())
-        window.key("alt+F4")
-        window.dialog("OrvikHost")
-        window.key("n")
-        until(lambda: window.process.poll() is not None, "the program's end")
-        self.assertEqual(window.process.returncode, 0)
+        self.assertEqual(window.close(keeping="14-question"), 0)
 
     def test_it_can_be_used_while_a_logger_keeps_silent(self):
         # The first answer is awaited for ten minutes; nothing else waits for it.

@@ -392,7 +392,7 @@ TEST_F(Dialogs, APictureHasTheSizeAndKindThatWereAsked) {
 // Waits in the queue until the work handles messages, and then presses Cancel in the dialog that stands over the window.
 class Canceller : public CWnd {
 public:
-    Canceller(HWND window, const char* picture) : m_window(window), m_picture(picture) {
+    explicit Canceller(HWND window) : m_window(window) {
         CreateEx(0, AfxRegisterWndClass(0), "canceller", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr);
         PostMessage(WM_APP);
     }
@@ -412,7 +412,6 @@ protected:
 
 private:
     HWND m_window;
-    const char* m_picture;
 };
 
 TEST_F(Dialogs, LargeWorkCanBeCancelledAndLeavesWhatWasThere) {
@@ -421,7 +420,7 @@ TEST_F(Dialogs, LargeWorkCanBeCancelledAndLeavesWhatWasThere) {
     const ViewState state = hands.State();
     const HWND window = hands.window->m_hWnd;
     const auto cancelled = [&](const std::function<bool()>& work) {
-        Canceller canceller(window, nullptr);
+        Canceller canceller(window);
         EXPECT_FALSE(work());
         EXPECT_EQ(canceller.cancelled, 1);
         EXPECT_TRUE(::IsWindowEnabled(window));

@@ -3,9 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include <cmath>
+#include <set>
 
 #include "host/gui/line_edit.h"
 #include "host/gui/menu_commands.h"
