@@ -6,7 +6,7 @@ if(WIN32)
 else()
   set(ORVIK_OTHER_HOME "/platform/windows")
 endif()
-foreach(folder IN ITEMS platform afx toolkit frame time xml commands propdb comm chart ui)
+foreach(folder IN ITEMS platform afx toolkit frame time xml commands propdb record comm chart ui)
   # A header whose opening comment says "Internal." stays at home, as those named so do.
   set(ORVIK_INTERNAL "_internal\\.h$")
   file(GLOB headers ${CMAKE_SOURCE_DIR}/${folder}/*.h)

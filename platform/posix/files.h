@@ -26,6 +26,8 @@
 #define FILE_NAME_NORMALIZED 0x0u
 #define VOLUME_NAME_DOS 0x0u
 
+struct OVERLAPPED;
+
 enum GET_FILEEX_INFO_LEVELS { GetFileExInfoStandard };
 
 struct WIN32_FILE_ATTRIBUTE_DATA {
@@ -93,5 +95,10 @@ ORVIK_API BOOL WINAPI SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARG
 ORVIK_API BOOL WINAPI GetFileSizeEx(HANDLE file, LARGE_INTEGER* size);
 ORVIK_API BOOL WINAPI SetEndOfFile(HANDLE file);
 ORVIK_API BOOL WINAPI FlushFileBuffers(HANDLE file);  // to the disk, not only to the system
+// A lock for one program against others, on a stretch of bytes that need not be there; it ends with the handle. Only exclusive ones
+// that do not wait (both flags, 50 otherwise); error 33 where somebody has it. Reading and writing do not heed it here.
+#define LOCKFILE_FAIL_IMMEDIATELY 0x1u
+#define LOCKFILE_EXCLUSIVE_LOCK 0x2u
+ORVIK_API BOOL WINAPI LockFileEx(HANDLE file, DWORD flags, DWORD reserved, DWORD sizeLow, DWORD sizeHigh, OVERLAPPED* place);
 // The name with every symbolic link followed. Length without the terminator, or the size needed with it, or 0.
 ORVIK_API DWORD WINAPI GetFinalPathNameByHandleA(HANDLE file, LPSTR out, DWORD size, DWORD flags);

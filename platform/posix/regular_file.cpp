@@ -63,6 +63,16 @@ public:
         return errno == EBADF || errno == EINVAL ? ERROR_ACCESS_DENIED : ErrorFromErrno(errno);
     }
     DWORD Flush() { return fsync(m_fd) == 0 || errno == EINVAL || errno == EROFS ? ERROR_SUCCESS : ErrorFromErrno(errno); }
+    // Of this open file, not of the process: a second opening within the same program is refused as well.
+    DWORD Lock(ULONGLONG at, ULONGLONG size) {
+        struct flock range = {};
+        range.l_type = F_WRLCK;
+        range.l_whence = SEEK_SET;
+        range.l_start = static_cast<off_t>(at);
+        range.l_len = static_cast<off_t>(size);
+        if (fcntl(m_fd, F_OFD_SETLK, &range) == 0) return ERROR_SUCCESS;
+        return errno == EAGAIN || errno == EACCES ? DWORD{ERROR_LOCK_VIOLATION} : ErrorFromErrno(errno);
+    }
     std::string FinalName() {
         char name[PATH_MAX];
         const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(m_fd)).c_str(), name, sizeof name);
@@ -173,6 +183,14 @@ BOOL SetEndOfFile(HANDLE file) {
 BOOL FlushFileBuffers(HANDLE file) {
     const Pinned<RegularFile> pinned(file);
     return Finish(pinned ? pinned->Flush() : DWORD{ERROR_INVALID_HANDLE});
+}
+
+BOOL LockFileEx(HANDLE file, DWORD flags, DWORD, DWORD sizeLow, DWORD sizeHigh, OVERLAPPED* place) {
+    const Pinned<RegularFile> pinned(file);
+    if (!pinned) return Finish(ERROR_INVALID_HANDLE);
+    if (flags != (LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY)) return Finish(ERROR_NOT_SUPPORTED);
+    const auto join = [](DWORD low, DWORD high) { return static_cast<ULONGLONG>(high) << 32 | low; };
+    return Finish(pinned->Lock(join(place->Offset, place->OffsetHigh), join(sizeLow, sizeHigh)));
 }
 
 DWORD GetFinalPathNameByHandleA(HANDLE file, LPSTR out, DWORD size, DWORD flags) {
