@@ -29,6 +29,9 @@ public:
     BOOL StoreToFile(const char* path, int bIfModified) override;
     BOOL LoadFromFile(CFile* pFile, int bXml) override;
     BOOL LoadFromFile(const char* path) override;
+    // Whether the XML form, from now on, is written with as many digits of a float or a double as bring back the same bits, or
+    // with six (the default). Reading takes either. Not copied with the tree.
+    void SetExactReals(BOOL exact) { m_exactReals = exact != FALSE; }
     BOOL IsEmpty() const override;
     BOOL IsModified() const override;
     BOOL GetErrorState() const override;
@@ -157,4 +160,5 @@ private:
     std::vector<CObject*> m_replaced;
     // The array whose contents SetValue may take over instead of copying them; see SetMoving.
     const CObject* m_movable = nullptr;
+    bool m_exactReals = false;
 };

@@ -15,13 +15,23 @@ using orvik::detail::XmlEntities;
 namespace {
 constexpr char kElementSeparator = ';';
 
-void AppendElement(ShortText& line, const CString& value, const XmlEntities& entities) {
-    orvik::detail::AppendEscapedText(line, value.GetView(), entities);
+struct Manner {
+    const XmlEntities& entities;
+    bool exactReals;
+};
+
+template <class Real>
+void AppendReal(ShortText& line, Real value, const Manner& manner) {
+    line << (manner.exactReals ? orvik::detail::ExactText(value) : orvik::detail::GeneralText(value)).View();
 }
-void AppendElement(ShortText& line, double value, const XmlEntities&) { line << orvik::detail::GeneralText(value).View(); }
-void AppendElement(ShortText& line, __int64 value, const XmlEntities&) { line << orvik::detail::IntegerText(value).View(); }
-void AppendElement(ShortText& line, DWORD value, const XmlEntities&) { line << orvik::detail::UnsignedText(value).View(); }
-void AppendElement(ShortText& line, WORD value, const XmlEntities&) { line << orvik::detail::UnsignedText(value).View(); }
+void AppendElement(ShortText& line, const CString& value, const Manner& manner) {
+    orvik::detail::AppendEscapedText(line, value.GetView(), manner.entities);
+}
+void AppendElement(ShortText& line, double value, const Manner& manner) { AppendReal(line, value, manner); }
+void AppendElement(ShortText& line, float value, const Manner& manner) { AppendReal(line, value, manner); }
+void AppendElement(ShortText& line, __int64 value, const Manner&) { line << orvik::detail::IntegerText(value).View(); }
+void AppendElement(ShortText& line, DWORD value, const Manner&) { line << orvik::detail::UnsignedText(value).View(); }
+void AppendElement(ShortText& line, WORD value, const Manner&) { line << orvik::detail::UnsignedText(value).View(); }
 
 // The tag of each class; null for arrays of bytes and of 32-bit integers, which stay out of XML files, on purpose.
 constexpr const char* TagOf(const CStringArray*) { return "str"; }
@@ -77,9 +87,10 @@ bool CPropertyDB::WriteXMLNodes(CMapStringToOb* node, CXMLWriter& writer) {
                     "PROPERTY", {{"name", name}, {"type", TagOf(&array)}, {"size", orvik::detail::IntegerText(size).View()}},
                     // The elements joined by ";", and nothing more: a text that holds a ";" reads back as several.
                     [&](ShortText& line, const XmlEntities& entities) {
+                        const Manner manner{entities, m_exactReals};
                         for (INT_PTR index = 0; index < size; ++index) {
                             if (index > 0) line << kElementSeparator;
-                            AppendElement(line, array.GetData()[index], entities);
+                            AppendElement(line, array.GetData()[index], manner);
                         }
                     });
             }

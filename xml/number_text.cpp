@@ -50,24 +50,45 @@ double OutOfRange(const char* at, const char* end, bool hex) {
     }
     return leading + exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
 }
+
+// Digits as `write` makes them, the exponent's mark in capitals, or a name; the length.
+template <class Real, class Write>
+unsigned WriteReal(char (&text)[32], Real value, Write write) {
+    char* end = text;
+    if (std::isfinite(value)) {
+        end = write(text, text + sizeof text - 1, value);
+        for (char* at = text; at != end; ++at)
+            if (*at == 'e') *at = 'E';
+    } else {
+        const std::string_view name = std::isnan(value) ? "NAN" : value < 0 ? "-INF" : "INF";
+        end += name.copy(text, name.size());
+    }
+    *end = 0;
+    return static_cast<unsigned>(end - text);
+}
 }  // namespace
 
 NumberText GeneralText(double value) {
     NumberText text;
-    char* end;
-    if (std::isfinite(value)) {
-        end = std::to_chars(text.m_text, text.m_text + sizeof text.m_text - 1, value, std::chars_format::general, 6).ptr;
-        for (char* at = text.m_text; at != end; ++at)
-            if (*at == 'e') *at = 'E';
-    } else {
-        const char* const name = std::isnan(value) ? "NAN" : value < 0 ? "-INF" : "INF";
-        const size_t length = std::strlen(name);
-        std::memcpy(text.m_text, name, length);
-        end = text.m_text + length;
-    }
-    *end = 0;
-    text.m_length = static_cast<unsigned>(end - text.m_text);
+    text.m_length = WriteReal(text.m_text, value, [](char* at, char* end, double number) {
+        return std::to_chars(at, end, number, std::chars_format::general, 6).ptr;
+    });
     return text;
+}
+
+NumberText ExactText(double value) {
+    NumberText text;
+    text.m_length =
+        WriteReal(text.m_text, value, [](char* at, char* end, double number) { return std::to_chars(at, end, number).ptr; });
+    return text;
+}
+
+// A float is read as a double and then rounded. Twice rounded, a few of the shortest texts miss: those take their double's.
+NumberText ExactText(float value) {
+    NumberText text;
+    text.m_length =
+        WriteReal(text.m_text, value, [](char* at, char* end, float number) { return std::to_chars(at, end, number).ptr; });
+    return std::isnan(value) || static_cast<float>(ParseReal(text.View())) == value ? text : ExactText(static_cast<double>(value));
 }
 
 NumberText IntegerText(int64_t value) {

@@ -8,7 +8,7 @@
 #include <string_view>
 
 namespace orvik::detail {
-// A number's text, held in place. 32 bytes suffice for every 64-bit integer and every "%G".
+// A number's text, held in place. 32 bytes suffice for every 64-bit integer, every "%G" and every shortest text of a real.
 class NumberText {
 public:
     std::string_view View() const { return {m_text, m_length}; }
@@ -16,6 +16,8 @@ public:
 
 private:
     friend ORVIK_API NumberText GeneralText(double value);
+    friend ORVIK_API NumberText ExactText(double value);
+    friend ORVIK_API NumberText ExactText(float value);
     friend ORVIK_API NumberText IntegerText(int64_t value);
     friend ORVIK_API NumberText UnsignedText(uint64_t value);
     char m_text[32];
@@ -25,6 +27,10 @@ private:
 // "%G": six significant digits without trailing zeros, exponent form from 1E+06 on and below 0.0001, at least two exponent
 // digits. Infinities are "INF" and "-INF", whatever is not a number is "NAN"; ParseReal reads all three.
 ORVIK_API NumberText GeneralText(double value);
+// The shortest text that ParseReal brings back to the same bits, for a float once its result is converted to one. What is not
+// finite is written as above, so of a NaN no more than that it is one.
+ORVIK_API NumberText ExactText(double value);
+ORVIK_API NumberText ExactText(float value);
 ORVIK_API NumberText IntegerText(int64_t value);    // decimal digits, a leading "-" for negative values
 ORVIK_API NumberText UnsignedText(uint64_t value);  // decimal digits
 

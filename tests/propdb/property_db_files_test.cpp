@@ -1,6 +1,7 @@
 #include "afx/archive.h"
 #include "tests/propdb/property_db_fixture.h"
 
+#include <bit>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -9,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
+#include <random>
 
 namespace {
 namespace fs = std::filesystem;
@@ -170,6 +172,46 @@ TEST_F(PropertyDbFiles, SpecialNumbersSurviveXml) {
     CPropertyDB read;
     ASSERT_TRUE(LoadBytes(read, StoredBytes(db, true), true));
     EXPECT_EQ(Contents(read), Contents(db));
+}
+
+TEST_F(PropertyDbFiles, ExactRealsComeBackFromXmlBitByBit) {
+    CDoubleArray doubles;
+    CFloatArray floats;
+    for (const double value : {5e-324, 2.2250738585072011e-308, 2.2250738585072014e-308, 1.7976931348623157e308, -1.7976931348623157e308,
+                               0.1, 1.0 / 3, 9007199254740993.0, 123456789012345680000.0, 1e23, -0.0, 1e-7})
+        doubles.Add(value);
+    // The shortest text of 7.038531e-26f, read as a double and rounded, is its neighbour.
+    for (const float value : {1e-45f, 1.17549435e-38f, 3.40282347e38f, 0.1f, 1.0f / 3, -0.0f, 16777216.0f, 7.038531e-26f})
+        floats.Add(value);
+    std::mt19937 random(3);
+    for (int i = 0; i < 20000; ++i) {
+        const float single = std::bit_cast<float>(static_cast<uint32_t>(random()));
+        const double real = std::bit_cast<double>(uint64_t{random()} << 32 | random());
+        if (std::isfinite(single)) floats.Add(single);
+        if (std::isfinite(real)) doubles.Add(real);
+    }
+    db.SetValue("d", doubles);
+    db.SetValue("f", floats);
+    db.SetExactReals(TRUE);
+    CPropertyDB read;
+    ASSERT_TRUE(LoadBytes(read, StoredBytes(db, true), true));
+    CDoubleArray doublesBack;
+    CFloatArray floatsBack;
+    ASSERT_TRUE(read.GetValue("d", doublesBack) && read.GetValue("f", floatsBack));
+    ASSERT_EQ(doublesBack.GetSize(), doubles.GetSize());
+    ASSERT_EQ(floatsBack.GetSize(), floats.GetSize());
+    for (INT_PTR i = 0; i < doubles.GetSize(); ++i)
+        ASSERT_EQ(std::bit_cast<uint64_t>(doublesBack[i]), std::bit_cast<uint64_t>(doubles[i])) << doubles[i];
+    for (INT_PTR i = 0; i < floats.GetSize(); ++i)
+        ASSERT_EQ(std::bit_cast<uint32_t>(floatsBack[i]), std::bit_cast<uint32_t>(floats[i])) << floats[i];
+
+    CPropertyDB shortest;
+    shortest.SetExactReals(TRUE);
+    shortest.SetValue("f", 0.1f);
+    shortest.SetValue("d", 1e100);
+    const std::string text = StoredBytes(shortest, true);
+    EXPECT_NE(text.find(">0.1<"), text.npos) << text;
+    EXPECT_NE(text.find(">1E+100<"), text.npos) << text;
 }
 
 TEST_F(PropertyDbFiles, EmptyDatabases) {
