@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "host/console.h"
+#include "host/span_words.h"
 #include "host/texts.h"
-#include "time/span_text.h"
 
 Arguments::Arguments(const std::vector<std::string>& words, std::initializer_list<const char*> withValue,
                      std::initializer_list<const char*> flags, size_t most, std::initializer_list<const char*> repeated) {
@@ -22,17 +22,27 @@ Arguments::Arguments(const std::vector<std::string>& words, std::initializer_lis
         } else if (word == "--") {
             optionsEnded = true;
         } else {
-            const bool again = listed(repeated, word), hasValue = again || listed(withValue, word);
+            const size_t sign = word.find('=');
+            const std::string option = word.substr(0, sign);
+            const bool again = listed(repeated, option), hasValue = again || listed(withValue, option);
             // A negative number is a value, not an option.
-            if (!hasValue && !listed(flags, word)) {
+            if (!hasValue && !listed(flags, option)) {
                 const bool number = word.find_first_not_of("0123456789.,eE+-;") == std::string::npos;
-                if (!number || m_arguments.size() == most) throw Failure{kWrongUse, Say(Text::UnknownOption, {ToUtf8(word)})};
+                if (!number || m_arguments.size() == most) throw Failure{kWrongUse, Say(Text::UnknownOption, {ToUtf8(option)})};
                 m_arguments.push_back(word);
                 continue;
             }
-            if (!again && Has(word.c_str())) throw Failure{kWrongUse, Say(Text::OptionTwice, {word})};
-            if (hasValue && i + 1 == words.size()) throw Failure{kWrongUse, Say(Text::OptionNeedsValue, {word})};
-            m_options[word].push_back(hasValue ? words[++i] : "");
+            if (!again && Has(option.c_str())) throw Failure{kWrongUse, Say(Text::OptionTwice, {option})};
+            if (!hasValue && sign != std::string::npos) throw Failure{kWrongUse, Say(Text::OptionTakesNoValue, {option})};
+            std::string value = sign != std::string::npos ? word.substr(sign + 1) : "";
+            if (hasValue && sign == std::string::npos) {
+                // An option in the place of a value: the value was forgotten. One that looks so can be given behind "=".
+                const std::string next = i + 1 < words.size() ? words[++i] : "";
+                const std::string meant = next.substr(0, next.find('='));
+                if (!listed(withValue, meant) && !listed(flags, meant) && !listed(repeated, meant)) value = next;
+            }
+            if (hasValue && value.empty()) throw Failure{kWrongUse, Say(Text::OptionNeedsValue, {option})};
+            m_options[option].push_back(value);
         }
     }
 }
@@ -65,15 +75,31 @@ DWORD Arguments::Number(const char* option, DWORD low, DWORD high, DWORD standar
 }
 
 DWORD Arguments::Milliseconds(const char* option, DWORD low, DWORD high, DWORD standard) const {
-    if (!Has(option) || Get(option).find_first_not_of("0123456789") == std::string::npos)
-        return Number(option, low, high, standard);
-    CVXTTimeSpan span;
-    if (!_NlsGetShortTimeSpan(Get(option).c_str(), span, TRUE)) throw Failure{kWrongUse, Say(Text::NotASpan, {option})};
-    const __int64 milliseconds = span.GetTotalMilliSeconds();
-    if (milliseconds < low || milliseconds > high) {
-        throw Failure{kWrongUse, Say(Text::NotANumber, {option, std::to_string(low), std::to_string(high)})};
+    constexpr __int64 kMillisecond = 1000;
+    const __int64 span = Span(option, low * kMillisecond, high * kMillisecond, standard * kMillisecond);
+    if (span % kMillisecond != 0) throw Failure{kWrongUse, Say(Text::NotWholeMilliseconds, {option})};
+    return static_cast<DWORD>(span / kMillisecond);
+}
+
+__int64 Arguments::Span(const char* option, __int64 low, __int64 high, __int64 standard) const {
+    if (!Has(option)) return standard;
+    const std::optional<__int64> span = SpanFromWords(Get(option));
+    if (!span) throw Failure{kWrongUse, Say(Text::NotASpan, {option})};
+    if (*span < low || *span > high) {
+        throw Failure{kWrongUse, Say(Text::SpanRange, {option, WordsFromSpan(low), WordsFromSpan(high)})};
     }
-    return static_cast<DWORD>(milliseconds);
+    return *span;
+}
+
+unsigned __int64 Arguments::Bytes(const char* option, unsigned __int64 low, unsigned __int64 high,
+                                  unsigned __int64 standard) const {
+    if (!Has(option)) return standard;
+    const std::optional<unsigned __int64> bytes = BytesFromWords(Get(option));
+    if (!bytes) throw Failure{kWrongUse, Say(Text::NotBytes, {option})};
+    if (*bytes < low || *bytes > high) {
+        throw Failure{kWrongUse, Say(Text::BytesRange, {option, std::to_string(low), std::to_string(high)})};
+    }
+    return *bytes;
 }
 
 const std::string& Arguments::At(size_t index, const char* name) const {
