@@ -55,7 +55,7 @@ ExitCode RunChart(CHostApp&, const Words& words) {
     const std::string out = arguments.Require("--out");
     RequirePictureName(out);
     const SIZE size = SizeFrom(arguments.Get("--size", "1600x900"));
-    if (SameFile(path, out)) throw Failure{kWrongUse, Say(Text::OptionsSame, {"FILE", "--out"})};
+    RequireDifferentFiles({{"FILE", path}, {"--out", out}});
 
     CPropertyDB db;
     LoadDatabase(path, db);

@@ -1,8 +1,12 @@
 #include "host/database_file.h"
 
+#include <optional>
+
 #include "host/console.h"
+#include "host/database_xml.h"
 #include "host/texts.h"
 #include "platform/file_replacement.h"
+#include "platform/same_file.h"
 
 namespace {
 [[noreturn]] void FailToWrite(const std::string& path, DWORD error) {
@@ -20,6 +24,10 @@ public:
         stopped = stopped || !m_progress.At(m_done, m_size);
         if (stopped) AfxThrowUserException();
         return read;
+    }
+    void Rewind() {
+        SeekToBegin();
+        m_done = 0;
     }
     bool stopped = false;
 
@@ -48,10 +56,26 @@ private:
     ULONGLONG m_done = 0;
 };
 
-std::string FullPath(const std::string& path) {
-    char full[4096];
-    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
-    return length > 0 && length < sizeof full ? std::string(full, length) : path;
+XmlManner MannerOf(const std::string& path) {
+    CFile file(path.c_str(), CFile::modeRead | CFile::shareDenyWrite);
+    return MannerOf(file);
+}
+
+std::optional<XmlFault> LoadByLibrary(CFile& file, CPropertyDB& db) {
+    try {
+        LoadStandardXml(file, db);
+        return std::nullopt;
+    } catch (const XmlFault& fault) {
+        return fault;
+    } catch (CUserException* stopped) {
+        stopped->Delete();  // the file knows
+        return XmlFault{};
+    }
+}
+
+[[noreturn]] void FailAt(const std::string& path, const XmlFault& fault) {
+    throw Failure{kFileFailed, Say(Text::FileNotReadAt, {ToUtf8(path), std::to_string(fault.line), std::to_string(fault.column),
+                                                         fault.sentence})};
 }
 }  // namespace
 
@@ -64,15 +88,47 @@ void LoadDatabase(const std::string& path, CPropertyDB& db, WorkProgress* progre
         CloseHandle(file);
     }
     LineProgress line(Say(Text::WorkReading, {ToUtf8(path)}));
+    const bool xml = IsXmlName(path);
     bool read = false;
+    std::optional<XmlFault> fault;
     try {
+        const XmlManner manner = xml ? MannerOf(path) : XmlManner();
         FileBeingRead file(path, progress != nullptr ? *progress : line);
-        read = db.LoadFromFile(&file, IsXmlName(path));
-        if (file.stopped) throw WorkStopped{};
+        const auto byModule = [&] {
+            file.Rewind();
+            read = db.LoadFromFile(&file, xml);
+            if (file.stopped) throw WorkStopped{};
+            if (!read) db.RemoveAll();
+        };
+        const auto byLibrary = [&] {
+            file.Rewind();
+            fault = LoadByLibrary(file, db);
+            if (file.stopped) throw WorkStopped{};
+            read = !fault;
+            if (!read) db.RemoveAll();
+        };
+        if (manner.kind == XmlManner::Standard) {
+            byLibrary();
+            if (!read && !fault->refused) byModule();
+        } else {
+            byModule();
+            if (!read && manner.kind == XmlManner::NotUtf8) fault = {manner.line, manner.column, Say(Text::XmlNotUtf8), false};
+            if (!read && xml && !fault) byLibrary();
+        }
     } catch (CFileException* failure) {
         failure->Delete();
     }
-    if (!read) throw Failure{kFileFailed, Say(Text::FileNotRead, {ToUtf8(path)})};
+    if (read) return;
+    db.RemoveAll();
+    if (!fault) throw Failure{kFileFailed, Say(Text::FileNotRead, {ToUtf8(path)})};
+    FailAt(path, *fault);
+}
+
+void CheckXml(const std::string& path) {
+    CPropertyDB db;
+    CFile file(path.c_str(), CFile::modeRead | CFile::shareDenyWrite);
+    const std::optional<XmlFault> fault = LoadByLibrary(file, db);
+    if (fault && fault->refused) FailAt(path, *fault);
 }
 
 void StoreDatabase(const std::string& path, CPropertyDB& db, WorkProgress* progress, unsigned __int64 size) {
@@ -85,6 +141,7 @@ void StoreDatabase(const std::string& path, CPropertyDB& db, WorkProgress* progr
     check(replacement.Begin(path));
     {
         FileBeingWritten file(replacement.File(), progress != nullptr ? *progress : line, size != 0 ? size : FileSize(path));
+        db.SetExactReals(TRUE);
         const BOOL stored = db.StoreToFile(&file, IsXmlName(path), FALSE);
         if (file.stopped) throw WorkStopped{};
         if (!stored) FailToWrite(path, GetLastError());
@@ -112,7 +169,16 @@ void RequireWritable(const std::string& path) {
 
 bool FileExists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
-bool SameFile(const std::string& one, const std::string& other) { return FullPath(one) == FullPath(other); }
+void RequireDifferentFiles(std::initializer_list<std::pair<const char*, std::string>> files) {
+    for (auto one = files.begin(); one != files.end(); ++one) {
+        for (auto other = files.begin(); other != one; ++other) {
+            if (!one->second.empty() && !other->second.empty() && OrvikSameFile(one->second.c_str(), other->second.c_str()))
+                throw Failure{kWrongUse, Say(Text::OptionsSame, {other->first, one->first})};
+        }
+    }
+}
+
+bool SameFile(const std::string& one, const std::string& other) { return OrvikSameFile(one.c_str(), other.c_str()); }
 
 bool IsXmlName(const std::string& path) {
     CString end = path.size() < 4 ? "" : path.substr(path.size() - 4).c_str();
