@@ -15,6 +15,7 @@ ExitCode RunSimulate(CHostApp& app, const Words& words);
 ExitCode RunDownload(CHostApp& app, const Words& words);
 ExitCode RunShow(CHostApp& app, const Words& words);
 ExitCode RunChart(CHostApp& app, const Words& words);
+ExitCode RunCheck(CHostApp& app, const Words& words);
 ExitCode RunDb(CHostApp& app, const Words& words);
 ExitCode RunScript(CHostApp& app, const Words& words);
 ExitCode RunVersion(CHostApp& app, const Words& words);

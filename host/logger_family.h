@@ -44,6 +44,12 @@ public:
     virtual ILogger* CreateLogger(IPropertyDB& description) = 0;
     virtual ILoggerSimulator* CreateSimulator(IPropertyDB& description) = 0;
 
+    // The keys that a description of this family may have besides the host's own, as a null-terminated list of patterns in which
+    // "*" is any one segment ("nSlave", "Channels.*.nRegister"); it lives as long as the plug-in. The host brings keys that
+    // differ in the case of letters to this spelling before the family sees them, and refuses all others. Null: the host leaves
+    // the family's keys alone.
+    virtual const char* const* DescriptionKeys() { return nullptr; }
+
 protected:
     ~ILoggerFamily() = default;
 };

@@ -3,6 +3,7 @@
 #include "comm/comm_exception.h"
 #include "host/console.h"
 #include "host/database_file.h"
+#include "host/description_check.h"
 #include "host/texts.h"
 
 namespace {
@@ -44,12 +45,15 @@ void DescribeEmbeddedLogger(CPropertyDB& db) {
     AddChannel(db, "5", "Level", "mm", 106, "int32", "high", 0.001, 0);
 }
 
+// The family that a description is for, and that knows all of its keys.
 ILoggerFamily& FamilyOf(CHostApp& app, CPropertyDB& description) {
     CString name;
-    if (!description.GetValue("sFamily", name) || name.IsEmpty())
-        throw Failure{kWrongUse, Say(Text::DescriptionWrong, {"sFamily"})};
+    if (!description.GetValue("sFamily", name) || name.IsEmpty()) throw Failure{kWrongUse, Say(Text::FamilyMissing)};
     const std::string family = static_cast<const char*>(name);
-    if (ILoggerFamily* const plugin = app.Plugins().Find(family)) return *plugin;
+    if (ILoggerFamily* const plugin = app.Plugins().Find(family)) {
+        CheckKeys(description, plugin->DescriptionKeys());
+        return *plugin;
+    }
     throw Failure{kWrongUse, Say(Text::NoFamily, {ToUtf8(family), ToUtf8(PluginLibrary::Folders().front())})};
 }
 
@@ -85,5 +89,7 @@ void LoadLoggerDescription(const std::string& path, CPropertyDB& description) {
         DescribeEmbeddedLogger(description);
     } else {
         LoadDatabase(path, description);
+        if (IsXmlName(path)) CheckXml(path);
+        SpellHostKeys(description);
     }
 }

@@ -11,10 +11,12 @@
 
 class CCommException;
 
-// An empty path means the embedded logger. A Failure if the file is missing or no property database.
+// An empty path means the embedded logger. A Failure if the file is missing or no property database. The host's own keys have
+// their spelling afterwards, whatever the case of letters was.
 void LoadLoggerDescription(const std::string& path, CPropertyDB& description);
 
-// A Failure if the description names no family, its plug-in cannot be used, or the plug-in cannot use the description.
+// A Failure if the description names no family, its plug-in cannot be used, it holds keys that nobody knows, or the plug-in
+// cannot use it. Its keys have their spelling afterwards.
 std::unique_ptr<ILogger> MakeLogger(CHostApp& app, CPropertyDB& description);
 std::unique_ptr<ILoggerSimulator> MakeSimulator(CHostApp& app, CPropertyDB& description);
 

@@ -12,7 +12,8 @@ struct Command {
 };
 constexpr Command kCommands[] = {
     {"demo", RunDemo},   {"ports", RunPorts}, {"simulate", RunSimulate}, {"download", RunDownload}, {"show", RunShow},
-    {"chart", RunChart}, {"db", RunDb},       {"locale", RunLocale},     {"version", RunVersion},   {"script", RunScript}};
+    {"chart", RunChart}, {"db", RunDb},       {"locale", RunLocale},     {"version", RunVersion},   {"script", RunScript},
+    {"check", RunCheck}};
 
 std::string HouseWord(const char* word) {
     std::string text(OrvikArgumentText(word, nullptr, 0), 0);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <map>
@@ -21,6 +22,16 @@ namespace {
     OrvikThrowCommException(CCommException::BadProtocol, text);
 }
 
+// The number that a text says, with nothing but blanks around it.
+double NumberFrom(const CString& key, CString text) {
+    text.Trim();
+    const char* const end = text.GetString() + text.GetLength();
+    double number = 0;
+    const auto [read, error] = std::from_chars(text.GetString(), end, number);
+    if (error == std::errc() && read == end) return number;
+    Refuse(key, text.Find(',') >= 0 ? "not a number; decimals stand behind a point" : "not a number");
+}
+
 // A number of any kind that a person may have chosen for it; nothing when the key is missing.
 std::optional<double> FindNumber(IPropertyDB& db, const CString& key) {
     if (!db.Find(key)) return std::nullopt;
@@ -35,6 +46,11 @@ std::optional<double> FindNumber(IPropertyDB& db, const CString& key) {
     if (db.GetValue(key, big)) return static_cast<double>(big);
     if (db.GetValue(key, single)) return single;
     if (db.GetValue(key, real)) return real;
+    CByteArray bytes;
+    CInt32Array ints;
+    if (db.GetValue(key, bytes) && bytes.GetSize() == 1) return bytes[0];
+    if (db.GetValue(key, ints) && ints.GetSize() == 1) return ints[0];
+    if (db.GetValue(key, text)) return NumberFrom(key, text);
     Refuse(key, "not a number");
 }
 
@@ -100,6 +116,22 @@ Channel ReadChannel(IPropertyDB& db, const char* key) {
 double Line::BitsPerCharacter() const {
     const double stop = static_cast<int>(stopBits) == 0 ? 1 : static_cast<int>(stopBits) == 1 ? 1.5 : 2;
     return 1 + static_cast<int>(dataBits) + (static_cast<int>(parity) != 0 ? 1 : 0) + stop;
+}
+
+const char* const* DescriptionKeys() {
+    static const char* const keys[] = {"nSlave",
+                                       "Line.nBaud",
+                                       "Line.nDataBits",
+                                       "Line.sParity",
+                                       "Line.nStopBits",
+                                       "Channels.*.nFunction",
+                                       "Channels.*.nRegister",
+                                       "Channels.*.sType",
+                                       "Channels.*.sOrder",
+                                       "Channels.*.rScale",
+                                       "Channels.*.rOffset",
+                                       nullptr};
+    return keys;
 }
 
 Description ReadDescription(IPropertyDB& db) {

@@ -43,6 +43,8 @@ struct Description {
 // Reads the description at the database's using path. What is wrong is a CCommException with code 3 and a text that names the
 // key.
 Description ReadDescription(IPropertyDB& db);
+// The keys that it reads; see ILoggerFamily.
+const char* const* DescriptionKeys();
 
 // The registers of a channel as a value; exact for every type (32 bits fit a double) before scale and offset.
 double Decode(const Channel& channel, const WORD* registers);

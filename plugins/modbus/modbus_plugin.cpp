@@ -14,6 +14,7 @@ public:
     ILoggerSimulator* CreateSimulator(IPropertyDB& description) override {
         return new modbus::Simulator(modbus::ReadDescription(description));
     }
+    const char* const* DescriptionKeys() override { return modbus::DescriptionKeys(); }
 };
 }  // namespace
 
