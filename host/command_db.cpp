@@ -38,6 +38,7 @@ void Remove(const std::string& path, const std::string& key) {
 
 // Everything is converted that the other form can hold; what it cannot is told, key by key.
 void ConvertTo(const std::string& path, const std::string& target) {
+    RequireDifferentFiles({{"FILE", path}, {"KEY", target}});
     CPropertyDB db;
     LoadDatabase(path, db);
     StoreDatabase(target, db);
@@ -78,11 +79,14 @@ void TellXmlLosses(const std::string& path, const CPropertyDB& db) {
     }
 }
 
-void ListDatabase(const CPropertyDB& db) {
+void ListDatabase(const CPropertyDB& db, const std::string& prefix, bool whole) {
+    if (!prefix.empty() && !db.Find(prefix.c_str())) throw Failure{kWrongUse, Say(Text::NoSuchEntry, {ToUtf8(prefix)})};
     for (const std::string& key : AllKeys(db)) {
+        if (!prefix.empty() && key != prefix && !key.starts_with(prefix + ".")) continue;
         const CObject* value = db.GetValueObject(key.c_str(), TRUE);
         const std::string kind = KindOf(value);
-        Print(kind.empty() ? ToUtf8(key) + "." : ToUtf8(key) + "  " + kind + "  " + TextOf(value));
+        const std::string text = kind.empty() ? "" : whole ? TextOf(value) : BriefTextOf(value);
+        Print(kind.empty() ? ToUtf8(key) + "." : ToUtf8(key) + "  " + kind + "  " + text);
     }
 }
 
@@ -93,18 +97,22 @@ void PrintValue(const CPropertyDB& db, const std::string& path, const std::strin
 }
 
 ExitCode RunDb(CHostApp&, const Words& words) {
-    const Arguments arguments(words, {"--kind"}, {}, 4);
+    const Arguments arguments(words, {"--kind"}, {"--all"}, 4);
     const std::string& action = arguments.At(0, "list|get|set|remove|convert|check|edit");
     const auto takes = [&](size_t most) {
         if (arguments.Count() > most) throw Failure{kWrongUse, Say(Text::ArgumentTooMany, {ToUtf8(arguments.At(most, ""))})};
     };
-    if (action == "list" || action == "check") {
-        takes(2);
-        const std::string& path = arguments.At(1, "FILE");
-        if (action == "check") return Check(path), kDone;
+    // An option of another action would be passed over.
+    if (arguments.Has("--all") && action != "list") throw Failure{kWrongUse, Say(Text::OptionAlone, {"--all", "list"})};
+    if (arguments.Has("--kind") && action != "set") throw Failure{kWrongUse, Say(Text::OptionAlone, {"--kind", "set"})};
+    if (action == "list") {
+        takes(3);
         CPropertyDB db;
-        LoadDatabase(path, db);
-        ListDatabase(db);
+        LoadDatabase(arguments.At(1, "FILE"), db);
+        ListDatabase(db, arguments.Count() > 2 ? arguments.At(2, "PREFIX") : "", arguments.Has("--all"));
+    } else if (action == "check") {
+        takes(2);
+        Check(arguments.At(1, "FILE"));
     } else if (action == "get") {
         takes(3);
         CPropertyDB db;

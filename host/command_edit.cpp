@@ -84,8 +84,8 @@ private:
             takes(0, 0);
             if (!m_session.EndGroup()) throw Failure{kWrongUse, Say(Text::NoGroup)};
         } else if (name == "list") {
-            takes(0, 0);
-            ListDatabase(m_db);
+            takes(0, 1);
+            ListDatabase(m_db, words.size() > 1 ? words[1] : "", false);
         } else if (name == "get") {
             takes(1, 1);
             PrintValue(m_db, m_path, words[1]);

@@ -1,9 +1,10 @@
 #include "host/value_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
+#include <limits>
+#include <string_view>
 #include <type_traits>
 
 #include "afx/collections.h"
@@ -73,6 +74,26 @@ bool VisitNumbers(const CObject* value, Visit visit) {
     if (const auto* doubles = As<CDoubleArray>(value)) return visit("r64", *doubles), true;
     return false;
 }
+// UTF-8, and how many elements there are in all.
+struct Joined {
+    std::string text;
+    INT_PTR count = 0;
+};
+Joined Elements(const CObject* value, INT_PTR most) {
+    Joined joined;
+    const auto join = [&](const auto& array, auto textOf) {
+        joined.count = array.GetSize();
+        for (INT_PTR i = 0; i < std::min(joined.count, most); ++i) {
+            if (i > 0) joined.text += ';';
+            joined.text += textOf(array.GetAt(i));
+        }
+    };
+    if (const auto* strings = As<CStringArray>(value)) {
+        join(*strings, [](const CString& element) { return ToUtf8(element.GetString()); });
+    }
+    VisitNumbers(value, [&](const char*, const auto& array) { join(array, [](auto element) { return NumberText(element); }); });
+    return joined;
+}
 }  // namespace
 
 std::string KindOf(const CObject* value) {
@@ -81,19 +102,21 @@ std::string KindOf(const CObject* value) {
     return kind;
 }
 
-std::string TextOf(const CObject* value) {
-    std::string text;
-    const auto append = [&](const std::string& element, INT_PTR index) {
-        if (index > 0) text += ';';
-        text += element;
-    };
-    if (const auto* strings = As<CStringArray>(value)) {
-        for (INT_PTR i = 0; i < strings->GetSize(); ++i) append(ToUtf8(static_cast<const char*>(strings->GetAt(i))), i);
+std::string TextOf(const CObject* value) { return Elements(value, std::numeric_limits<INT_PTR>::max()).text; }
+
+std::string BriefTextOf(const CObject* value) {
+    constexpr INT_PTR kElements = 8;
+    constexpr size_t kCharacters = 200;
+    auto [text, count] = Elements(value, kElements);
+    const std::string more = count > kElements ? Say(Text::MoreElements, {std::to_string(count)}) : "";
+    const size_t width = WidthOf(text);
+    if (width <= kCharacters) return text + more;
+    size_t end = 0;
+    for (size_t letters = 0; letters < kCharacters; ++letters) {
+        do ++end;
+        while ((text[end] & 0xC0) == 0x80);
     }
-    VisitNumbers(value, [&](const char*, const auto& array) {
-        for (INT_PTR i = 0; i < array.GetSize(); ++i) append(NumberText(array.GetAt(i)), i);
-    });
-    return text;
+    return text.substr(0, end) + (more.empty() ? Say(Text::MoreCharacters, {std::to_string(width)}) : more);
 }
 
 std::string TextOf(double value) { return NumberText(value); }
@@ -150,29 +173,17 @@ void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kin
 XmlFit FitInXml(const CObject* value) {
     if (As<CByteArray>(value) != nullptr || As<CInt32Array>(value) != nullptr) return XmlFit::Nothing;
     if (const auto* strings = As<CStringArray>(value)) {
-        // An edge of white space is trimmed, and ";" parts elements.
+        // An edge of white space is trimmed, ";" parts elements, and letters that happen to be UTF-8 are read as such.
         for (INT_PTR i = 0; i < strings->GetSize(); ++i) {
             const CString element = strings->GetAt(i);
             CString trimmed = element;
             trimmed.Trim(" \t\r\n");
             const bool edge = i == 0 || i == strings->GetSize() - 1;
-            if (element.Find(';') >= 0 || (edge && trimmed != element)) return XmlFit::Changed;
+            std::string read;
+            const bool otherLetters = FromUtf8(element.GetString(), read) && read != element.GetString();
+            if (element.Find(';') >= 0 || (edge && trimmed != element) || otherLetters) return XmlFit::Changed;
         }
         return XmlFit::Whole;
     }
-    bool whole = true;
-    const auto keeps = [](auto element) {
-        char text[64];
-        const auto end = std::to_chars(text, text + sizeof text, element, std::chars_format::general, 6).ptr;
-        decltype(element) back{};
-        std::from_chars(text, end, back);
-        return back == element;
-    };
-    if (const auto* singles = As<CFloatArray>(value)) {
-        for (INT_PTR i = 0; i < singles->GetSize(); ++i) whole = whole && keeps(singles->GetAt(i));
-    }
-    if (const auto* doubles = As<CDoubleArray>(value)) {
-        for (INT_PTR i = 0; i < doubles->GetSize(); ++i) whole = whole && keeps(doubles->GetAt(i));
-    }
-    return whole ? XmlFit::Whole : XmlFit::Changed;
+    return XmlFit::Whole;
 }

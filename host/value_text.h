@@ -12,6 +12,8 @@ std::string KindOf(const CObject* value);
 // UTF-8.
 std::string TextOf(const CObject* value);
 std::string TextOf(double value);
+// For lists: an array ends after eight elements, and a text after 200 characters, with how many there are.
+std::string BriefTextOf(const CObject* value);
 // For tables: six significant digits with the user's decimal separator; the local date and time of a number of microseconds since
 // 1970 in the user's format, milliseconds behind the seconds. UTF-8.
 std::string ShortTextOf(double value, const std::string& picture = {});
