@@ -173,11 +173,7 @@ class Download(HostTest):
         port = self.simulate()
         self.assertEqual(self.download(port).code, 0)
         self.host("db", "convert", "session.odb", "session.xml")
-        exact, rounded = self.readings("session.odb"), self.readings("session.xml")
-        self.assertEqual([row[0] for row in exact], [row[0] for row in rounded])
-        for one, other in zip(exact[1:], rounded[1:]):
-            for a, b in zip(map(float, one[1:]), map(float, other[1:])):
-                self.assertAlmostEqual(a, b, delta=abs(a) * 1e-5)
+        self.assertEqual(self.readings("session.odb"), self.readings("session.xml"))
 
     def test_noise_is_lived_with(self):
         result = self.download(self.simulate("--fault", "noise"), count=12)
@@ -244,6 +240,25 @@ class Download(HostTest):
         self.assertIn("Channels.a.sType", self.refused(1, *call))
         describe(("sFamily", "str", "Pneumatic"), *one[1:])
         self.assertIn("Pneumatic", self.refused(1, *call))
+
+    def test_a_description_is_checked_without_a_device(self):
+        body = ("<PROPERTYDB><!-- by hand --><PROPERTY name='SFAMILY'>Modbus</PROPERTY><PROPERTY name='nslave'>3</PROPERTY><PATH name='channels'>"
+                "<PATH name='a'><PROPERTY name='nRegister'>7</PROPERTY><PROPERTY name='sType'>uint16</PROPERTY><PROPERTY name='sUnit'>°C</PROPERTY>"
+                "<PROPERTY name='rScale'>0.5</PROPERTY></PATH></PATH></PROPERTYDB>")
+        path = self.folder / "logger.xml"
+        path.write_text(body, encoding="utf-8")
+        result = self.host("check", "logger.xml")
+        self.assertEqual((result.code, result.out.splitlines()), (0, ["a  a  °C"]), result.err)
+        port = self.simulate("--logger", "logger.xml")
+        self.assertEqual(self.download(port, "--logger", "logger.xml", count=1).code, 0)
+        self.assertEqual(self.readings("session.odb")[0], ["time", "a [°C]"])
+        for wrong, right, told in [("rScal", "rScale", "mean rScale"), ("NSLAV", "nslave", "nSlave"), ("0,5", "0.5", "point"), ("256", ">3<", "nSlave"),
+                                   ("'nRegister' type='int'", "'nRegister'", "line 1")]:
+            path.write_text(body.replace(right, f">{wrong}<" if right == ">3<" else wrong), encoding="utf-8")
+            self.assertIn(told, self.refused(3 if "line" in told else 1, "check", "logger.xml"))
+        path.write_text(body.replace("rScale", "rScal"), encoding="utf-8")
+        self.assertIn("rScal", self.refused(1, "download", "--port", port, "--logger", "logger.xml", "--out", "s.odb"))
+        self.assertFalse((self.folder / "s.odb").exists())
 
     def test_stopping_keeps_what_came_before(self):
         if options.wine:
@@ -371,10 +386,14 @@ class Databases(HostTest):
     def test_what_the_xml_form_cannot_hold_is_told(self):
         self.host("db", "set", "a.odb", "bytes", "1;2", "--kind", "u8")
         self.host("db", "set", "a.odb", "third", "0.3333333333333333", "--kind", "r64")
-        self.host("db", "set", "a.odb", "whole", "0.5", "--kind", "r64")
+        self.host("db", "set", "a.odb", "parts", "one;two")
+        self.host("db", "set", "a.odb", "utf8", "Ã¤")
         result = self.host("db", "convert", "a.odb", "a.xml")
         self.assertEqual(result.code, 0)
-        self.assertEqual([sentence.split(":")[1].strip() for sentence in result.sentences], ["bytes", "third"])
+        self.assertEqual([sentence.split(":")[1].strip() for sentence in result.sentences], ["bytes", "parts", "utf8"])
+        self.assertEqual(self.host("db", "get", "a.xml", "third").out.strip(), "0.3333333333333333")
+        self.assertIn("same file", self.refused(1, "db", "convert", "a.xml", "./a.xml"))
+        self.assertIn("--all", self.refused(1, "db", "get", "a.xml", "third", "--all"))
 
     def test_mistakes(self):
         self.host("db", "set", "a.xml", "k", "1", "--kind", "u16")
@@ -389,11 +408,30 @@ class Databases(HostTest):
         for kind in ("u8", "i32"):
             self.assertIn("XML", self.refused(1, "db", "set", "a.xml", "bytes", "1", "--kind", kind))
         self.assertEqual((self.folder / "a.xml").read_bytes(), before)
-        result = self.host("db", "set", "a.xml", "third", "0.3333333333333333", "--kind", "r64")
+        result = self.host("db", "set", "a.xml", "parts", "one;two")
         self.assertEqual((result.code, len(result.sentences)), (0, 1), result.err)
         (self.folder / "folder").mkdir()
         self.assertIn("folder", self.refused(3, "db", "list", "folder"))
         self.assertIn("access denied", self.refused(3, "db", "convert", "a.xml", "folder"))
+
+    def test_lists_are_cut_short(self):
+        self.host("db", "set", "l.odb", "a.many", ";".join(map(str, range(1000))), "--kind", "u16")
+        self.host("db", "set", "l.odb", "a.text", "å" * 201)
+        self.host("db", "set", "l.odb", "ab", "x")
+        listed = self.host("db", "list", "l.odb", "a").out.splitlines()
+        self.assertEqual(listed, ["a.many  u16  0;1;2;3;4;5;6;7 ... (1000 elements)", "a.text  str  " + "å" * 200 + " ... (201 characters)"])
+        self.assertTrue(self.host("db", "list", "l.odb", "--all").out.splitlines()[0].endswith(";998;999"))
+        self.assertTrue(self.host("db", "get", "l.odb", "a.many").out.strip().endswith(";998;999"))
+        self.assertIn("zz", self.refused(1, "db", "list", "l.odb", "zz"))
+
+    def test_files_of_other_editors(self):
+        text = "<?xml version='1.0'?>\n<!-- by hand -->\n<PROPERTYDB>\n<PROPERTY name='s'>Mätare</PROPERTY>\n</PROPERTYDB>\n"
+        (self.folder / "a.xml").write_text(text, encoding="utf-8")
+        self.assertEqual(self.host("db", "list", "a.xml").out.splitlines(), ["s  str  Mätare"])
+        (self.folder / "b.xml").write_text(text.replace("</PROPERTY>", "</PROP>"), encoding="utf-8")
+        for words in (["list", "b.xml"], ["set", "b.xml", "k", "v"]):
+            self.assertIn("line 4", self.refused(3, "db", *words))
+        self.assertIn("rad 4", self.refused(3, "db", "list", "b.xml", language="sv_SE.UTF-8"))
 
     def test_names_that_no_key_leads_to(self):
         node = b"\0\xff\xff\0\0\x0e\0CMapStringToOb\1\0\0\1\x80\0\0"  # a folder without a name, in it another
@@ -496,6 +534,10 @@ class Regional(HostTest):
         self.assertEqual(len(self.readings("s.odb")), 1 + 4)
         rows = self.host("show", "s.odb", "--picture", "###.#").out.splitlines()
         self.assertRegex(rows[1], r" 2\d\.\d ")
+        for language in ("en_US.UTF-8", "sv_SE.UTF-8"):  # a span reads the same for everybody
+            result = self.host("download", f"--port={port}", "--out=t.odb", "--interval", "0,05 sek", "--for", "0.2 s", language=language)
+            self.assertEqual(result.code, 0, result.err)
+            self.assertEqual(len(self.readings("t.odb")), 1 + 4)
         self.assertIn("--interval", self.refused(1, "download", "--port", port, "--out", "s.odb", "--interval", "5 parsec"))
         self.assertIn("--count", self.refused(1, "download", "--port", port, "--out", "s.odb", "--for", "1 s", "--count", "3"))
         self.assertIn("#x", self.refused(1, "show", "s.odb", "--picture", "#x"))

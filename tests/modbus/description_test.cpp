@@ -76,6 +76,10 @@ TEST_F(ModbusDescription, EveryMistakeNamesItsKey) {
         {"Channels.1.rScale", "number", nullptr, 0},
         {"Channels.1.rOffset", "number", nullptr, INFINITY},
         {"Channels.1.nRegister", "text", "ten", 0},
+        {"Channels.1.nRegister", "text", "10 x", 0},
+        {"Channels.1.nRegister", "text", "", 0},
+        {"Channels.1.rScale", "text", "0,1", 0},
+        {"Channels.1.rOffset", "text", "inf", 0},
     };
     for (const auto& mistake : mistakes) {
         CPropertyDB whole(db);
@@ -90,6 +94,28 @@ TEST_F(ModbusDescription, EveryMistakeNamesItsKey) {
     }
     db.Remove("Channels");
     EXPECT_EQ(Refusal().rfind("Channels", 0), 0u);
+}
+
+TEST_F(ModbusDescription, ANumberMayBeOfAnyKind) {
+    CByteArray byte;
+    byte.Add(247);
+    CInt32Array integer;
+    integer.Add(19200);
+    db.Remove("nSlave");
+    db.SetValue("nSlave", byte);
+    db.SetValue("Line.nBaud", integer);
+    db.SetValue("Line.nDataBits", static_cast<__int64>(7));
+    db.SetValue("Channels.1.rScale", " 0.1 ");
+    db.SetValue("Channels.1.rOffset", "-2.5e1");
+    const Description description = ReadDescription(db);
+    EXPECT_EQ(description.slave, 247);
+    EXPECT_EQ(description.line.baud, 19200u);
+    EXPECT_EQ(static_cast<int>(description.line.dataBits), 7);
+    EXPECT_EQ(description.channels[0].scale, 0.1);
+    EXPECT_EQ(description.channels[0].offset, -25);
+    // In text, decimals are told how they are to be written.
+    db.SetValue("Channels.1.rScale", "0,1");
+    EXPECT_NE(Refusal().find("point"), std::string::npos);
 }
 
 TEST(ModbusValues, DecodesEveryTypeAndOrder) {
