@@ -13,8 +13,8 @@
 class Arguments {
 public:
     // Takes the words after the command; "--option=value" is the same as "--option value". An option not listed, a missing or
-    // empty value, an option given twice, or more than `most` arguments is a Failure with the sentence for it. "--" ends the options. Options with a value that are `repeated` may be
-    // given any number of times; All has their values.
+    // empty value, an option given twice, or more than `most` arguments is a Failure with the sentence for it. "--" ends the
+    // options. Options with a value that are `repeated` may be given any number of times; All has their values.
     Arguments(const std::vector<std::string>& words, std::initializer_list<const char*> withValue,
               std::initializer_list<const char*> flags, size_t most, std::initializer_list<const char*> repeated = {});
 

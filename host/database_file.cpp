@@ -74,8 +74,8 @@ std::optional<XmlFault> LoadByLibrary(CFile& file, CPropertyDB& db) {
 }
 
 [[noreturn]] void FailAt(const std::string& path, const XmlFault& fault) {
-    throw Failure{kFileFailed, Say(Text::FileNotReadAt, {ToUtf8(path), std::to_string(fault.line), std::to_string(fault.column),
-                                                         fault.sentence})};
+    throw Failure{kFileFailed, Say(Text::FileNotReadAt,
+                                   {ToUtf8(path), std::to_string(fault.line), std::to_string(fault.column), fault.sentence})};
 }
 }  // namespace
 
@@ -107,9 +107,9 @@ void LoadDatabase(const std::string& path, CPropertyDB& db, WorkProgress* progre
             read = !fault;
             if (!read) db.RemoveAll();
         };
-        if (manner.kind == XmlManner::Standard) {
+        if (manner.kind == XmlManner::Letters || manner.kind == XmlManner::Foreign) {
             byLibrary();
-            if (!read && !fault->refused) byModule();
+            if (!read && !fault->refused && manner.kind == XmlManner::Letters) byModule();
         } else {
             byModule();
             if (!read && manner.kind == XmlManner::NotUtf8) fault = {manner.line, manner.column, Say(Text::XmlNotUtf8), false};

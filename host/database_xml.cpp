@@ -44,7 +44,8 @@ public:
     void Begin(const std::string& element, const std::vector<XmlAttribute>& attributes) override {
         const bool top = !m_inRoot;
         const bool folder = element == "PATH", value = element == "PROPERTY";
-        if (m_inValue || (top ? element != "PROPERTYDB" : !folder && !value)) throw XmlRefusal{Say(Said::XmlElement, {element}), {}};
+        if (m_inValue || (top ? element != "PROPERTYDB" : !folder && !value))
+            throw XmlRefusal{Say(Said::XmlElement, {element}), {}};
         if (top) {
             m_inRoot = true;
             return;  // its attributes mean nothing here: name spaces, where a schema lies
@@ -118,7 +119,8 @@ private:
             text = Trimmed(text);
             Element element{};
             const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), element);
-            if (error != std::errc() || end != text.data() + text.size()) throw XmlRefusal{Say(Said::XmlNumber, {ToUtf8(text), type}), {}};
+            if (error != std::errc() || end != text.data() + text.size())
+                throw XmlRefusal{Say(Said::XmlNumber, {ToUtf8(text), type}), {}};
             array.Add(element);
         });
         Set(array);
@@ -139,7 +141,8 @@ private:
         }
         // Texts with ";" in them were written as fewer than they are read as.
         size_t said = count;
-        const auto [end, error] = m_size ? std::from_chars(m_size->data(), m_size->data() + m_size->size(), said) : std::from_chars_result{};
+        const auto [end, error] =
+            m_size ? std::from_chars(m_size->data(), m_size->data() + m_size->size(), said) : std::from_chars_result{};
         const bool number = !m_size || (error == std::errc() && end == m_size->data() + m_size->size());
         const bool fits = m_type.value_or("str") == "str" ? said <= count : said == count;
         if (!number || !fits) throw XmlRefusal{Say(Said::XmlSize, {ToUtf8(*m_size), std::to_string(count)}), {}};

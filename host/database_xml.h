@@ -1,6 +1,6 @@
-// Property databases in XML that people and their editors wrote: the elements of the form that the module writes (docs/formats.md),
-// by the rules of XML itself. What the module's own reader takes for something else or passes over is read or refused here.
-// One thread. Files are borrowed.
+// Property databases in XML that people and their editors wrote: the elements of the form that the module writes
+// (docs/formats.md), by the rules of XML itself. What the module's own reader takes for something else or passes over is read or
+// refused here. One thread. Files are borrowed.
 #pragma once
 
 #include <string>
@@ -11,8 +11,9 @@
 // How a file is written. Its own dialect is the module's to read; see LoadDatabase for who reads what first.
 struct XmlManner {
     enum Kind {
-        Dialect,   // nothing in it that the module would not write
-        Standard,  // UTF-8 letters, or something that XML knows and the module does not
+        Dialect,  // nothing in it that the module would not write
+        Letters,  // the same, but for letters that are UTF-8: they may be the module's by chance
+        Foreign,  // UTF-8, with something that XML knows and the module does not
         NotUtf8
     };
     Kind kind = Dialect;

@@ -40,8 +40,7 @@ bool IsAny(const std::string& patternSegment) { return patternSegment == "*"; }
 // How many segments from the first on are those of the pattern but for the case of letters.
 size_t CountFitting(const Segments& key, const Segments& pattern) {
     size_t count = 0;
-    while (count < std::min(key.size(), pattern.size()) &&
-           (IsAny(pattern[count]) || Lower(key[count]) == Lower(pattern[count])))
+    while (count < std::min(key.size(), pattern.size()) && (IsAny(pattern[count]) || Lower(key[count]) == Lower(pattern[count])))
         ++count;
     return count;
 }

@@ -64,10 +64,11 @@ private:
         if (text.size() < kLongest) text += c;
     }
     void EndEscape() {
-        static constexpr std::string_view kInText[] = {"amp",  "lt",   "gt",   "#xe5", "#xe4",
-                                                       "#xf6", "#xc5", "#xc4", "#xd6", "#xb0"};
+        static constexpr std::string_view kInText[] = {"amp", "lt", "gt", "#xe5", "#xe4", "#xf6", "#xc5", "#xc4", "#xd6", "#xb0"};
         static constexpr std::string_view kInQuotes[] = {"amp", "apos", "quot"};
-        const auto among = [&](const auto& known) { return std::find(std::begin(known), std::end(known), m_escape) != std::end(known); };
+        const auto among = [&](const auto& known) {
+            return std::find(std::begin(known), std::end(known), m_escape) != std::end(known);
+        };
         m_foreign = m_foreign || !(m_place == InQuotes ? among(kInQuotes) : among(kInText));
         m_inEscape = false;
     }
@@ -106,6 +107,9 @@ XmlManner MannerOf(CFile& file) {
             if (c == '\n') ++manner.line, manner.column = 1;
         }
     }
-    manner.kind = !utf8.Complete() ? XmlManner::NotUtf8 : letters || markup.IsForeign() ? XmlManner::Standard : XmlManner::Dialect;
+    manner.kind = !utf8.Complete()     ? XmlManner::NotUtf8
+                  : markup.IsForeign() ? XmlManner::Foreign
+                  : letters            ? XmlManner::Letters
+                                       : XmlManner::Dialect;
     return manner;
 }

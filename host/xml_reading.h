@@ -9,12 +9,14 @@
 
 class XmlReading {
 public:
+    static constexpr unsigned kDeepest = 256;
+
     explicit XmlReading(XmlContent& content) : m_content(content) {}
 
     // Each is false when the reading is to end.
     bool Begin(const std::string& name, const std::vector<XmlAttribute>& attributes) {
         return Guard([&] {
-            constexpr unsigned kDeepest = 256;
+            m_begun = true;
             if (++m_depth > kDeepest) throw XmlRefusal{Say(Text::XmlTooDeep), {}};
             m_content.Begin(name, attributes);
         });
@@ -28,6 +30,9 @@ public:
             m_content.End();
         });
     }
+    // Whether there was an element, and its end.
+    bool IsComplete() const { return m_begun && m_depth == 0; }
+
     template <class Act>
     bool Guard(Act act) {
         if (m_thrown) return false;
@@ -57,5 +62,6 @@ public:
 private:
     XmlContent& m_content;
     unsigned m_depth = 0;
+    bool m_begun = false;
     std::exception_ptr m_thrown;
 };

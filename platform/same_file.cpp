@@ -19,7 +19,8 @@ BOOL OrvikSameFile(LPCSTR one, LPCSTR other) {
     if (first || second) return first == second;
     const std::string firstPath = FullPath(one), secondPath = FullPath(other);
     const size_t firstName = firstPath.find_last_of("\\/") + 1, secondName = secondPath.find_last_of("\\/") + 1;
-    const auto firstFolder = IdentityOf(firstPath.substr(0, firstName)), secondFolder = IdentityOf(secondPath.substr(0, secondName));
+    const auto firstFolder = IdentityOf(firstPath.substr(0, firstName)),
+               secondFolder = IdentityOf(secondPath.substr(0, secondName));
     if (!firstFolder || !secondFolder) return IsSameName(firstPath, secondPath);
     return firstFolder == secondFolder && IsSameName(firstPath.substr(firstName), secondPath.substr(secondName));
 }

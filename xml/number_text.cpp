@@ -88,7 +88,8 @@ NumberText ExactText(float value) {
     NumberText text;
     text.m_length =
         WriteReal(text.m_text, value, [](char* at, char* end, float number) { return std::to_chars(at, end, number).ptr; });
-    return std::isnan(value) || static_cast<float>(ParseReal(text.View())) == value ? text : ExactText(static_cast<double>(value));
+    return std::isnan(value) || static_cast<float>(ParseReal(text.View())) == value ? text
+                                                                                    : ExactText(static_cast<double>(value));
 }
 
 NumberText IntegerText(int64_t value) {

@@ -1,5 +1,6 @@
 #include "host/xml_document.h"
 
+#include <algorithm>
 #include <new>
 
 #include "afx/file.h"
@@ -123,18 +124,21 @@ void ReadXml(CFile& file, XmlContent& content) {
         FAILED(library.makeInput(&stream, nullptr, L"utf-8", FALSE, nullptr, &input.it)) || FAILED(reader.it->SetInput(input.it)))
         throw std::bad_alloc();
     reader.it->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);
+    reader.it->SetProperty(XmlReaderProperty_MaxElementDepth,
+                           2 * XmlReading::kDeepest);  // so that it is told as on the other home
     const auto fail = [&](Text fault) {
-        UINT line = 1, column = 1;
+        UINT line = 0, column = 0;
         reader.it->GetLineNumber(&line);
         reader.it->GetLinePosition(&column);
-        reading.Fail(line, column, fault);
+        reading.Fail(std::max(line, 1u), std::max(column, 1u), fault);  // an empty document has no place
     };
     for (;;) {
         XmlNodeType node = XmlNodeType_None;
         const HRESULT result = reader.it->Read(&node);
         if (result == E_OUTOFMEMORY) throw std::bad_alloc();
         if (FAILED(result)) fail(FaultOf(result));
-        if (result != S_OK) return;
+        if (result != S_OK && reading.IsComplete()) return;
+        if (result != S_OK) fail(Text::XmlCutShort);
         bool goOn = true;
         if (node == XmlNodeType_Element) {
             goOn = BeginElement(*reader.it, reading);
@@ -142,7 +146,10 @@ void ReadXml(CFile& file, XmlContent& content) {
             goOn = reading.End();
         } else if (node == XmlNodeType_Text || node == XmlNodeType_CDATA || node == XmlNodeType_Whitespace) {
             std::string text;
-            goOn = reading.Guard([&] { text = ValueOf(*reader.it); }) && reading.Text(text);
+            goOn = reading.Guard([&] { text = ValueOf(*reader.it); });
+            // Wine's library finds empty text for ever where a document breaks off.
+            if (goOn && text.empty() && node != XmlNodeType_CDATA) fail(Text::XmlCutShort);
+            goOn = goOn && reading.Text(text);
         } else if (node == XmlNodeType_DocumentType) {
             fail(Text::XmlDoctype);
         }

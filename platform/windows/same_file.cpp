@@ -4,7 +4,8 @@
 namespace orvik::detail {
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
     constexpr DWORD kQueryOnly = 0, kAnyShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE file = CreateFileA(path.c_str(), kQueryOnly, kAnyShare, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const HANDLE file =
+        CreateFileA(path.c_str(), kQueryOnly, kAnyShare, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (file == INVALID_HANDLE_VALUE) return std::nullopt;
     BY_HANDLE_FILE_INFORMATION info = {};
     const BOOL told = GetFileInformationByHandle(file, &info);

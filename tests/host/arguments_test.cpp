@@ -38,12 +38,20 @@ TEST(Arguments, MistakesNameTheirOption) {
         std::vector<std::string> words;
         const char* named;
     } table[] = {
-        {{"--out"}, "--out needs"},      {{"--out="}, "--out needs"},           {{"--out", ""}, "--out needs"},
-        {{"--out", "--all"}, "--out"},   {{"--out", "--for=1 s"}, "--out"},     {{"--all=1"}, "--all takes no"},
-        {{"--al"}, "--al"},              {{"--oot=x"}, "\"--oot\""},            {{"--out=a", "--out", "b"}, "twice"},
+        {{"--out"}, "--out needs"},
+        {{"--out="}, "--out needs"},
+        {{"--out", ""}, "--out needs"},
+        {{"--out", "--all"}, "--out"},
+        {{"--out", "--for=1 s"}, "--out"},
+        {{"--all=1"}, "--all takes no"},
+        {{"--al"}, "--al"},
+        {{"--oot=x"}, "\"--oot\""},
+        {{"--out=a", "--out", "b"}, "twice"},
     };
     for (const auto& row : table) EXPECT_NE(Refusal([&] { Read(row.words); }).find(row.named), std::string::npos) << row.words[0];
-    const auto span = [](const char* text) { return Refusal([&] { Read({"--for", text}).Milliseconds("--for", 1, 604'800'000, 0); }); };
+    const auto span = [](const char* text) {
+        return Refusal([&] { Read({"--for", text}).Milliseconds("--for", 1, 604'800'000, 0); });
+    };
     EXPECT_NE(span("1.5").find("such as"), std::string::npos);
     EXPECT_NE(span("2 weeks").find("1 ms to 7 d"), std::string::npos) << span("2 weeks");
     EXPECT_NE(span("250 us").find("1 ms to 7 d"), std::string::npos);

@@ -31,9 +31,10 @@ std::string Checked(const std::vector<const char*>& keys, const char* const* fam
 }  // namespace
 
 TEST(DescriptionCheck, KeysAreBroughtToTheirSpelling) {
-    EXPECT_EQ(Checked({"NSLAVE", "line.nbaud", "channels.Ab.nregister", "CHANNELS.aB.SNAME", "sfamily"}),
-              "Channels.Ab.nRegister=channels.Ab.nregister Channels.aB.sName=CHANNELS.aB.SNAME Line.nBaud=line.nbaud nSlave=NSLAVE "
-              "sFamily=sfamily");
+    EXPECT_EQ(
+        Checked({"NSLAVE", "line.nbaud", "channels.Ab.nregister", "CHANNELS.aB.SNAME", "sfamily"}),
+        "Channels.Ab.nRegister=channels.Ab.nregister Channels.aB.sName=CHANNELS.aB.SNAME Line.nBaud=line.nbaud nSlave=NSLAVE "
+        "sFamily=sfamily");
     // A family that tells no keys keeps its own as they are, but channels are found.
     EXPECT_EQ(Checked({"channels.a.extra", "channels.a.sunit", "Other.key"}, nullptr),
               "Channels.a.extra=channels.a.extra Channels.a.sUnit=channels.a.sunit Other.key=Other.key");

@@ -177,8 +177,9 @@ TEST_F(PropertyDbFiles, SpecialNumbersSurviveXml) {
 TEST_F(PropertyDbFiles, ExactRealsComeBackFromXmlBitByBit) {
     CDoubleArray doubles;
     CFloatArray floats;
-    for (const double value : {5e-324, 2.2250738585072011e-308, 2.2250738585072014e-308, 1.7976931348623157e308, -1.7976931348623157e308,
-                               0.1, 1.0 / 3, 9007199254740993.0, 123456789012345680000.0, 1e23, -0.0, 1e-7})
+    for (const double value :
+         {5e-324, 2.2250738585072011e-308, 2.2250738585072014e-308, 1.7976931348623157e308, -1.7976931348623157e308, 0.1, 1.0 / 3,
+          9007199254740993.0, 123456789012345680000.0, 1e23, -0.0, 1e-7})
         doubles.Add(value);
     // The shortest text of 7.038531e-26f, read as a double and rounded, is its neighbour.
     for (const float value : {1e-45f, 1.17549435e-38f, 3.40282347e38f, 0.1f, 1.0f / 3, -0.0f, 16777216.0f, 7.038531e-26f})
