@@ -97,12 +97,12 @@ TEST_F(ModbusDescription, EveryMistakeNamesItsKey) {
 }
 
 TEST_F(ModbusDescription, ANumberMayBeOfAnyKind) {
-    CByteArray byte;
-    byte.Add(247);
+    CByteArray slave;
+    slave.Add(247);
     CInt32Array integer;
     integer.Add(19200);
     db.Remove("nSlave");
-    db.SetValue("nSlave", byte);
+    db.SetValue("nSlave", slave);
     db.SetValue("Line.nBaud", integer);
     db.SetValue("Line.nDataBits", static_cast<__int64>(7));
     db.SetValue("Channels.1.rScale", " 0.1 ");
