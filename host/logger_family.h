@@ -9,8 +9,34 @@
 #include "frame/numeric_arrays.h"
 #include "propdb/property_db_interface.h"
 
+// What the host learns while a reading is made. Called on the thread of ReadSample, from within it; must not throw.
+class IReadingWatch {
+public:
+    // The first answer of this reading has arrived: the host stamps the reading with this moment. Later calls in the same reading
+    // count for nothing.
+    virtual void OnAnswer() = 0;
+    // A channel, counted from 0, could not be read: its value stays NaN. `code` is one of CCommException; `text` says more, or is
+    // null for the code's standard text, and is good for the call only.
+    virtual void OnChannelFailed(int channel, int code, const char* text) = 0;
+    // An answer came after its time-out, this long after its request: whether it could still be used or not. Where several
+    // requests may have been meant, after the oldest.
+    virtual void OnLateAnswer(DWORD milliseconds) = 0;
+
+protected:
+    ~IReadingWatch() = default;
+};
+
 // One logger, described by a property database (docs/formats.md). Destroying it closes its port.
-// Failures are CCommException objects, thrown by pointer; the catcher deletes them.
+//
+// Failures are CCommException objects, thrown by pointer; the catcher deletes them. Whatever else ReadSample lets out, of any
+// type, is this reading's failure too, with its text where it has one; so is a wrong number of values.
+//
+// The connection's state tells the host what goes on, and a logger enters: Connecting and Connected (or Disconnected) in Connect;
+// Working at the beginning of ReadSample and Connected at its end, whether or not there were answers; Disconnected, at any time,
+// when the line is lost and only a new Connect can help; Closing and Closed in Disconnect.
+//
+// The host closes a line that was lost and opens it again, time after time: Connect and ReadSample must work again after
+// Disconnect, and nothing may grow.
 class ILogger {
 public:
     virtual ~ILogger() = default;
@@ -19,11 +45,19 @@ public:
     virtual COrvikConnection& Connection() = 0;
     virtual CSerialOrvik& Port() = 0;
 
-    // Opens the port and sets the line up. `timeout` in milliseconds bounds every single answer.
+    // Opens the port and sets the line up. `timeout` in milliseconds bounds every single answer: after it the logger may ask
+    // again, and an answer that still comes must not be taken for another request's.
     virtual void Connect(const char* port, DWORD timeout) = 0;
-    // One reading of all channels: `values` gets as many elements as the description has channels, in the order of their keys.
+    // One reading of all channels, in the order of their keys. `values` comes with one NaN for every channel of the description.
+    // Channels that could not be read are left NaN and told to the watch; the others keep their values. When nothing at all could
+    // be read it throws the first failure, after the watch was told of every channel. A lost line or an abort ends the reading at
+    // once by its exception; what was read before stays in `values`, and the other channels are not told of.
     virtual void ReadSample(CDoubleArray& values) = 0;
     virtual void Disconnect() = 0;
+
+    // Who is told of readings from now on; null ends it. The watch outlives its task or is taken back. Without it a reading is
+    // stamped with the moment when ReadSample returns.
+    virtual void Watch(IReadingWatch* watch) { static_cast<void>(watch); }
 
     // Any thread: the exchange under way, or the next one, ends with code 9 (session aborted).
     virtual void Abort() = 0;

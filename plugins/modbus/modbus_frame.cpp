@@ -55,25 +55,27 @@ std::vector<BYTE> EncodeException(const Request& request, BYTE code) {
     return Closed({request.slave, static_cast<BYTE>(request.function | kExceptionFlag), code});
 }
 
-Reply FindReply(std::span<const BYTE> received, const Request& request) {
-    const size_t dataBytes = size_t{2} * request.count;
-    Reply reply;
-    for (size_t at = 0; at + 5 <= received.size(); ++at) {
+bool Answer::Fits(const Request& request) const {
+    return slave == request.slave && function == request.function && (exception != 0 || registers.size() == request.count);
+}
+
+std::optional<Answer> FindAnswer(std::span<const BYTE> received, size_t& begin, size_t& end) {
+    constexpr size_t kFrame = 5;  // slave, function, length or exception, CRC
+    for (size_t at = 0; at + kFrame <= received.size(); ++at) {
         const auto rest = received.subspan(at);
-        if (rest[0] != request.slave) continue;
-        if (rest[1] == (request.function | kExceptionFlag) && IsWhole(rest.first(5))) {
-            reply.found = Found::Exception;
-            reply.exception = rest[2];
-            return reply;
-        }
-        if (rest[1] != request.function || rest[2] != dataBytes || rest.size() < dataBytes + 5 ||
-            !IsWhole(rest.first(dataBytes + 5)))
-            continue;
-        reply.found = Found::Registers;
-        for (size_t i = 0; i < request.count; ++i) reply.registers.push_back(BigEndian(rest.subspan(3 + 2 * i)));
-        return reply;
+        const BYTE function = rest[1] & static_cast<BYTE>(~kExceptionFlag);
+        if (function != kReadHoldingRegisters && function != kReadInputRegisters) continue;
+        const bool refused = rest[1] != function;
+        const size_t data = refused ? 0 : rest[2];
+        if (refused ? rest[2] == 0 : data == 0 || data % 2 != 0 || data > size_t{2} * kMaxRegisters) continue;
+        if (rest.size() < kFrame + data || !IsWhole(rest.first(kFrame + data))) continue;
+        Answer answer = {rest[0], function, refused ? rest[2] : BYTE{0}, {}};
+        for (size_t i = 0; i < data; i += 2) answer.registers.push_back(BigEndian(rest.subspan(3 + i)));
+        begin = at;
+        end = at + kFrame + data;
+        return answer;
     }
-    return reply;
+    return std::nullopt;
 }
 
 bool FindRequest(std::span<const BYTE> received, Request& request, size_t& used) {

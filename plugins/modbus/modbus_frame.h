@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -22,6 +23,8 @@ inline constexpr BYTE kIllegalAddress = 2;
 inline constexpr BYTE kIllegalValue = 3;
 inline constexpr BYTE kAcknowledge = 5;  // worth asking again
 inline constexpr BYTE kBusy = 6;         // worth asking again
+inline constexpr BYTE kNoPath = 10;      // from a gateway: worth asking once more
+inline constexpr BYTE kNoTarget = 11;    // from a gateway that got no answer: worth asking once more
 
 struct Request {
     BYTE slave = 1;
@@ -36,15 +39,17 @@ std::vector<BYTE> Encode(const Request& request);
 std::vector<BYTE> EncodeReply(const Request& request, std::span<const WORD> registers);
 std::vector<BYTE> EncodeException(const Request& request, BYTE code);
 
-enum class Found { Nothing, Registers, Exception };
-struct Reply {
-    Found found = Found::Nothing;
-    std::vector<WORD> registers;  // as many as were asked for
-    BYTE exception = 0;
+// An answer as it stands on the line. It does not say which request it belongs to; any request of the same shape may be meant.
+struct Answer {
+    BYTE slave = 0;
+    BYTE function = 0;            // without the flag
+    BYTE exception = 0;           // 0: registers
+    std::vector<WORD> registers;  // empty in an exception
+    bool Fits(const Request& request) const;
 };
-// Looks for the answer to `request` anywhere in what was received: bytes before it (noise, a late answer to somebody else) are
-// passed over. Only a frame with the right slave, function, length and CRC counts.
-Reply FindReply(std::span<const BYTE> received, const Request& request);
+// Looks for the first whole answer (functions 3 and 4, right CRC), whoever it is for, and passes over the bytes before it. It
+// takes up the bytes from `begin` to `end`.
+std::optional<Answer> FindAnswer(std::span<const BYTE> received, size_t& begin, size_t& end);
 
 // Looks for a whole request; `used` gets the bytes up to its end. Function codes other than 3 and 4 are found as well (count 0).
 bool FindRequest(std::span<const BYTE> received, Request& request, size_t& used);

@@ -1,75 +1,87 @@
 #include "plugins/modbus/modbus_logger.h"
 
+#include <limits>
+
 #include "comm/comm_exception.h"
+#include "plugins/modbus/modbus_serial_wire.h"
 
 namespace modbus {
-namespace {
-// Room for several of the longest frames in either direction.
-constexpr DWORD kQueue = 4096;
-}  // namespace
 
-void Connection::OnSerialCommEvent(CSerial::EEvent event, CSerial::EError error) {
-    if (m_master != nullptr && m_master->OnLineEvent(event, error)) Enter(Disconnected, nullptr, FALSE);
-}
-
-Logger::Logger(Description description)
+Logger::Logger(Description description, std::unique_ptr<IWire> wire)
     : m_description(std::move(description)),
       m_blocks(PlanBlocks(m_description)),
-      m_master(m_port),
-      m_connection(new modbus::Connection(m_master)) {
+      m_connection(new modbus::Connection),
+      m_wire(wire ? std::move(wire) : std::make_unique<SerialWire>(m_port, *m_connection)),
+      m_master(*m_wire) {
     m_connection->AddRef();
+    for (const Block& block : m_blocks) m_requests.push_back(block.request);
 }
 
 Logger::~Logger() {
     Disconnect();
-    m_connection->Detach();
     m_connection->Release();
 }
 
 void Logger::Connect(const char* port, DWORD timeout) {
-    m_connection->Enter(COrvikConnection::Connecting, port, TRUE);
+    m_connection->Enter(COrvikConnection::Connecting, port);
+    try {
+        m_wire->Open(port, m_description.line);
+    } catch (CCommException*) {
+        m_connection->Enter(COrvikConnection::Disconnected);
+        throw;
+    }
     m_master.Configure(m_description.line, timeout);
-    const LONG error = m_port.Open(port, m_connection, kQueue, kQueue);
-    if (error != 0) {
-        m_connection->Enter(COrvikConnection::Disconnected, nullptr, FALSE);
-        OrvikThrowCommException(
-            error == static_cast<LONG>(ERROR_ACCESS_DENIED) ? CCommException::AccessDenied : CCommException::DeviceNotOpen,
-            nullptr);
-    }
-    const Line& line = m_description.line;
-    if (m_port.Setup(static_cast<CSerial::EBaudrate>(line.baud), line.dataBits, line.parity, line.stopBits) != 0 ||
-        m_port.SetupHandshaking(CSerial::HandshakeOff) != 0) {
-        m_port.Close();
-        m_connection->Enter(COrvikConnection::Disconnected, nullptr, FALSE);
-        OrvikThrowCommException(CCommException::HardwareError, nullptr);
-    }
-    m_connection->Enter(COrvikConnection::Connected, nullptr, FALSE);
+    m_connection->Enter(COrvikConnection::Connected);
+}
+
+void Logger::Watch(IReadingWatch* watch) {
+    m_watch = watch;
+    m_master.Watch(watch);
 }
 
 void Logger::ReadSample(CDoubleArray& values) {
     values.SetSize(static_cast<INT_PTR>(m_description.channels.size()));
-    m_connection->Enter(COrvikConnection::Working, nullptr, TRUE);
+    for (INT_PTR i = 0; i < values.GetSize(); ++i) values.SetAt(i, std::numeric_limits<double>::quiet_NaN());
+    m_connection->Enter(COrvikConnection::Working);
+    std::vector<Master::Outcome> outcomes;
     try {
-        for (const Block& block : m_blocks) {
-            const std::vector<WORD> registers = m_master.Read(block.request);
-            for (const Block::Part& part : block.parts) {
-                values.SetAt(static_cast<INT_PTR>(part.channel),
-                             Decode(m_description.channels[part.channel], registers.data() + part.offset));
-            }
-        }
+        m_master.Read(m_requests, outcomes);
     } catch (CCommException*) {
-        m_connection->Enter(COrvikConnection::Disconnected, nullptr, FALSE);
+        Deliver(outcomes, values, false);
+        m_connection->Enter(COrvikConnection::Disconnected);
         throw;
     }
-    m_connection->Enter(COrvikConnection::Connected, nullptr, FALSE);
+    m_connection->Enter(COrvikConnection::Connected);
+    const Master::Outcome* const failure = Deliver(outcomes, values, true);
+    if (failure != nullptr) OrvikThrowCommException(failure->code, failure->text.empty() ? nullptr : failure->text.c_str());
+}
+
+const Master::Outcome* Logger::Deliver(const std::vector<Master::Outcome>& outcomes, CDoubleArray& values, bool tell) const {
+    const Master::Outcome* failure = nullptr;
+    bool any = false;
+    for (size_t i = 0; i < m_blocks.size(); ++i) {
+        const Master::Outcome& outcome = outcomes[i];
+        const bool came = !outcome.registers.empty();
+        any |= came;
+        if (!came && failure == nullptr) failure = &outcome;
+        for (const Block::Part& part : m_blocks[i].parts) {
+            const Channel& channel = m_description.channels[part.channel];
+            if (came) {
+                values.SetAt(static_cast<INT_PTR>(part.channel), Decode(channel, outcome.registers.data() + part.offset));
+            } else if (tell && m_watch != nullptr) {
+                m_watch->OnChannelFailed(static_cast<int>(part.channel), outcome.code,
+                                         outcome.text.empty() ? nullptr : outcome.text.c_str());
+            }
+        }
+    }
+    return any ? nullptr : failure;
 }
 
 void Logger::Disconnect() {
-    if (!m_port.IsOpen()) return;
-    m_connection->Enter(COrvikConnection::Closing, nullptr, FALSE);
-    m_port.Close();
-    m_master.ClearAbort();
-    m_connection->Enter(COrvikConnection::Closed, nullptr, FALSE);
+    if (!m_wire->IsOpen()) return;
+    m_connection->Enter(COrvikConnection::Closing);
+    m_wire->Close();
+    m_connection->Enter(COrvikConnection::Closed);
 }
 
 }  // namespace modbus

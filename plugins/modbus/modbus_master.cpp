@@ -1,7 +1,7 @@
 #include "plugins/modbus/modbus_master.h"
 
 #include <algorithm>
-#include <thread>
+#include <utility>
 
 #include "afx/string.h"
 #include "comm/comm_exception.h"
@@ -11,9 +11,10 @@ namespace {
 // An answer comes in one piece; a pause this much longer than a frame gap within one means that the rest was lost. USB adapters
 // deliver in steps of 16 ms.
 constexpr std::chrono::milliseconds kBrokenOff{100};
-
-// No wait is longer, so that an abort from another thread is seen soon.
-constexpr std::chrono::milliseconds kSlice{50};
+// Fewer unreadable bytes than the shortest answer has are noise: its answer may still come.
+constexpr std::ptrdiff_t kShortestAnswer = 5;
+// Enough for the longest answer; a line that never falls silent must not grow the buffer.
+constexpr size_t kKept = 256;
 }  // namespace
 
 void Master::Configure(const Line& line, DWORD timeout) {
@@ -21,119 +22,153 @@ void Master::Configure(const Line& line, DWORD timeout) {
     m_character = std::chrono::microseconds(static_cast<long long>(1e6 * line.BitsPerCharacter() / line.baud) + 1);
     m_gap = line.baud > 19200 ? std::chrono::microseconds(1750) : m_character * 7 / 2;
     m_timeout = std::chrono::milliseconds(std::max<DWORD>(timeout, 1));
-    m_lineDied = false;
+    m_ledger.SetTimeout(m_timeout);
+    m_received.clear();
 }
 
-std::vector<WORD> Master::Read(const Request& request) {
-    bool anythingCame = false;
-    for (int attempt = 1; attempt <= kAttempts; ++attempt) {
-        const Reply reply = Exchange(request, anythingCame);
-        if (reply.found == Found::Registers) return reply.registers;
-        if (reply.found == Found::Nothing) continue;
-        const bool passing = reply.exception == kAcknowledge || reply.exception == kBusy;
-        if (!passing || attempt == kAttempts) {
-            CString standard, text;
-            standard.LoadString(832);  // "Illegal response"
-            text.Format("%s (Modbus %u)", static_cast<const char*>(standard), static_cast<unsigned>(reply.exception));
-            Fail(CCommException::IllegalResponse, text);
+void Master::Read(std::span<const Request> requests, std::vector<Outcome>& outcomes) {
+    outcomes.assign(requests.size(), {});
+    m_outcomes = &outcomes;
+    m_told = m_silent = false;
+    try {
+        // What came since the last reading, nobody knows when.
+        for (const TimePoint limit = m_wire.Now() + m_timeout; m_wire.Now() < limit && Receive({}, false);) continue;
+        for (size_t i = 0; i < requests.size(); ++i) Ask(requests[i], i);
+        Finish();
+    } catch (...) {
+        m_firstQuestion += requests.size();
+        throw;
+    }
+    m_firstQuestion += requests.size();
+}
+
+void Master::Ask(const Request& request, size_t index) {
+    bool damaged = false, silent = true;
+    const Outcome& outcome = (*m_outcomes)[index];
+    const Ledger::Question question = m_firstQuestion + index;
+    for (int attempts = 0;;) {
+        if (!m_silent) Clear(&request, question);
+        if (!outcome.registers.empty()) return;  // the answer to a former attempt
+        const End end = Exchange(request, question);
+        silent &= end == End::Silence;
+        damaged |= m_anythingCame && end != End::Doubtful;
+        // One that could be another's says nothing about this request. Each takes an older one off the books, so they come to an
+        // end.
+        if (end == End::Doubtful) continue;
+        ++attempts;
+        if (end == End::Answered) {
+            const bool passing = m_refusal == kAcknowledge || m_refusal == kBusy;
+            const bool gateway = m_refusal == kNoPath || m_refusal == kNoTarget;
+            if (attempts >= (passing ? kAttempts : gateway ? 2 : 1)) break;
+        } else if (attempts >= (m_silent ? 1 : kAttempts)) {
+            break;
         }
     }
-    Fail(anythingCame ? CCommException::BadProtocol : CCommException::ReceiveTimeout);
+    m_silent |= silent;
+    if (outcome.registers.empty()) Explain((*m_outcomes)[index], damaged);
 }
 
-Reply Master::Exchange(const Request& request, bool& anythingCame) {
+Master::End Master::Exchange(const Request& request, Ledger::Question question) {
     AwaitSilence();
+    const bool probe = question == Ledger::kProbe;
     const std::vector<BYTE> frame = Encode(request);
-    DWORD written = 0;
-    const LONG error = m_port.Write(frame.data(), frame.size(), &written, nullptr, static_cast<DWORD>(m_timeout.count()));
-    CheckLine();
-    if (error != 0 || written != frame.size()) Fail(CCommException::HardwareError);
     // The port takes the request at once; it is on the line for as long as its characters last.
-    const Clock::time_point deadline = Clock::now() + static_cast<int>(frame.size()) * m_character + m_timeout;
-    std::vector<BYTE> received;
+    const TimePoint sent = m_wire.Now() + static_cast<int>(frame.size()) * m_character;
+    m_asked = question;
+    m_ledger.Sent(request, question, sent);
+    m_refusal = 0;
+    m_answered = m_doubtful = m_anythingCame = false;
+    m_unread = 0;
+    m_wire.Send(frame, sent + m_timeout);
     for (;;) {
-        const Clock::time_point until = received.empty() ? deadline : std::min(deadline, m_lastByte + m_gap + kBrokenOff);
-        if (!Receive(received, until)) return {};
-        anythingCame = true;
-        Reply reply = FindReply(received, request);
-        if (reply.found != Found::Nothing) return reply;
-        // A line that never falls silent must not grow the buffer: only its end can still become an answer.
-        constexpr size_t kKept = 1024;
-        if (received.size() > 4 * kKept) received.erase(received.begin(), received.end() - static_cast<std::ptrdiff_t>(kKept));
-        if (Clock::now() >= deadline) return {};
+        // What is owed from before comes first, so a probe is waited for as long as anything comes.
+        const TimePoint deadline = probe ? m_ledger.SilentAt() : sent + m_ledger.Wait();
+        const bool brokenOff = m_unread >= kShortestAnswer;
+        const bool came = Receive(brokenOff ? std::min(deadline, m_lastByte + m_gap + kBrokenOff) : deadline);
+        if (m_answered) return End::Answered;
+        if (m_doubtful) return End::Doubtful;
+        if (came && m_wire.Now() < deadline) continue;
+        return m_anythingCame ? End::Damaged : End::Silence;
     }
+}
+
+void Master::Explain(Outcome& outcome, bool damaged) const {
+    outcome.code = m_refusal != 0 ? CCommException::IllegalResponse
+                   : damaged      ? CCommException::BadProtocol
+                                  : CCommException::ReceiveTimeout;
+    if (m_refusal == 0) return;
+    CString standard, text;
+    standard.LoadString(832);  // "Illegal response"
+    text.Format("%s (Modbus %u)", static_cast<const char*>(standard), static_cast<unsigned>(m_refusal));
+    outcome.text = text;
+}
+
+void Master::Clear(const Request* request, Ledger::Question question) {
+    while (const std::optional<Request> rival = m_ledger.Rival(request, question)) {
+        if (!m_ledger.ProbesHelp()) {
+            AwaitLongSilence();
+            m_ledger.Forget();
+            return;
+        }
+        if (m_probeInVain) return;
+        // No register at all, since one that no channel names might change by being read: every logger has to refuse that, and
+        // its refusal tells the function.
+        const BYTE other = rival->function == kReadInputRegisters ? kReadHoldingRegisters : kReadInputRegisters;
+        const End end = Exchange({rival->slave, other, 0, 0}, Ledger::kProbe);
+        m_probeInVain = end == End::Silence || end == End::Damaged;
+    }
+}
+
+void Master::Finish() {
+    if (!m_silent) Clear(nullptr, 0);
+    if (m_ledger.Rival(nullptr, 0)) AwaitLongSilence();
+}
+
+void Master::AwaitLongSilence() {
+    while (m_wire.Now() < m_ledger.SilentAt()) Receive(m_ledger.SilentAt());
 }
 
 void Master::AwaitSilence() {
-    // Late answers and noise are read away until the line has been silent for a frame gap; a line that chatters for ever gets its
-    // request all the same after one time-out.
-    const auto limit = Clock::now() + m_timeout;
-    std::vector<BYTE> discarded;
-    for (;;) {
-        CheckLine();
-        if (ReadAvailable(discarded) == 0) {
-            const auto silentSince = m_lastByte + m_gap;
-            const auto now = Clock::now();
-            if (now >= silentSince || now >= limit) return;
-            std::this_thread::sleep_for(silentSince - now);
-        } else if (Clock::now() >= limit) {
-            return;
-        }
-        discarded.clear();
+    // A line that chatters for ever gets its request all the same after one time-out.
+    const TimePoint limit = m_wire.Now() + m_timeout;
+    while (m_wire.Now() < limit && Receive(std::min(limit, m_lastByte + m_gap))) continue;
+}
+
+bool Master::Receive(TimePoint until, bool prompt) {
+    const size_t before = m_received.size();
+    if (!m_wire.Receive(m_received, until)) return false;
+    m_lastByte = m_wire.Now();
+    m_anythingCame = true;
+    m_unread += static_cast<std::ptrdiff_t>(m_received.size() - before);
+    size_t begin = 0, end = 0;
+    while (const std::optional<Answer> answer = FindAnswer(m_received, begin, end)) {
+        m_received.erase(m_received.begin(), m_received.begin() + static_cast<std::ptrdiff_t>(end));
+        m_unread -= static_cast<std::ptrdiff_t>(end - begin);
+        Take(*answer, prompt);
     }
+    if (m_received.size() > 4 * kKept)
+        m_received.erase(m_received.begin(), m_received.end() - static_cast<std::ptrdiff_t>(kKept));
+    return true;
 }
 
-bool Master::Receive(std::vector<BYTE>& received, Clock::time_point until) {
-    for (;;) {
-        CheckLine();
-        if (ReadAvailable(received) > 0) return true;
-        if (Clock::now() >= until) return false;
-        PumpMessages(std::min(until, Clock::now() + kSlice));
+void Master::Take(const Answer& answer, bool prompt) {
+    const Ledger::Verdict verdict = m_ledger.Answered(answer, m_lastByte, prompt);
+    if (!verdict.owed) return;
+    m_silent = m_probeInVain = false;
+    if (verdict.late != Duration{} && m_watch != nullptr)
+        m_watch->OnLateAnswer(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(verdict.late).count()));
+    m_answered |= verdict.owner == m_asked;
+    m_doubtful |= !verdict.owner && verdict.newest == m_asked;
+    if (!verdict.owner) return;
+    if (*verdict.owner < m_firstQuestion) return;  // an earlier reading's: right, but too late
+    Outcome& outcome = (*m_outcomes)[*verdict.owner - m_firstQuestion];
+    if (answer.exception != 0) {
+        if (*verdict.owner == m_asked) m_refusal = answer.exception;
+        return;
     }
+    if (!outcome.registers.empty()) return;  // the answer to a repetition
+    outcome = {answer.registers, 0, {}};
+    if (!std::exchange(m_told, true) && m_watch != nullptr) m_watch->OnAnswer();
 }
-
-size_t Master::ReadAvailable(std::vector<BYTE>& received) {
-    BYTE block[512];
-    DWORD got = 0;
-    // The port is in its non-blocking mode: an empty queue gives 0 bytes at once. A driver that lets such a read wait runs into
-    // the short time-out instead (1460), which means the same.
-    const LONG error = m_port.Read(block, sizeof block, &got, nullptr, 20);
-    if (error != 0 && error != static_cast<LONG>(ERROR_TIMEOUT)) {
-        CheckLine();
-        Fail(CCommException::HardwareError);
-    }
-    if (got == 0) return 0;
-    m_lastByte = Clock::now();
-    received.insert(received.end(), block, block + got);
-    return got;
-}
-
-void Master::PumpMessages(Clock::time_point until) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
-    if (left > 0) MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(left), QS_ALLINPUT);
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (message.message == WM_QUIT) {  // not ours to swallow: it ends this exchange and the loop outside
-            PostQuitMessage(static_cast<int>(message.wParam));
-            Fail(CCommException::SessionAborted);
-        }
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-}
-
-bool Master::OnLineEvent(CSerial::EEvent event, CSerial::EError error) {
-    const bool died = event == CSerialEx::ListenerDiedEvent && error == CSerialEx::ListenerDiedError;
-    m_lineDied |= died;
-    return died;
-}
-
-void Master::CheckLine() {
-    if (m_aborted) Fail(CCommException::SessionAborted);
-    if (!m_port.IsOpen()) Fail(CCommException::DeviceNotOpen);
-    if (m_lineDied) Fail(CCommException::HardwareError);
-}
-
-void Master::Fail(int code, const char* text) { OrvikThrowCommException(code, text); }
 
 }  // namespace modbus

@@ -1,57 +1,81 @@
-// The master's side of a Modbus RTU line: one request, one answer, with the line's silent gaps, time-outs and bounded retries.
-// Runs on the thread that opened the port: while it waits for an answer it handles that thread's messages, which is how the port
-// tells that bytes came (or that it died). Borrows the port.
+// The master's side of a Modbus RTU line: the requests of one reading and their answers, with the line's silent gaps, time-outs
+// and bounded repetitions. Whose an answer is, the ledger says; what is asked when, and what is waited for, stands here. Runs on
+// the wire's thread. Borrows the wire and the watch.
 #pragma once
 
-#include <atomic>
-#include <chrono>
+#include <string>
 #include <vector>
 
-#include "comm/serial_orvik.h"
-#include "plugins/modbus/modbus_description.h"
+#include "host/logger_family.h"
 #include "plugins/modbus/modbus_frame.h"
+#include "plugins/modbus/modbus_ledger.h"
+#include "plugins/modbus/modbus_wire.h"
 
 namespace modbus {
 
 class Master {
 public:
-    explicit Master(CSerialOrvik& port) : m_port(port) {}
+    explicit Master(IWire& wire) : m_wire(wire) {}
 
-    // `timeout`: milliseconds from the end of a request to the end of its answer.
+    // `timeout`: milliseconds from the end of a request to the end of its answer; then it is repeated, or, on a line that is
+    // known to be later, half as much again after the time at which answers come. What is still owed from before stays known: a
+    // line that was opened again has the same logger.
     void Configure(const Line& line, DWORD timeout);
+    // Told of the first value and of late answers; null for nobody.
+    void Watch(IReadingWatch* watch) { m_watch = watch; }
 
-    // The registers asked for. Throws CCommException: 8 no answer, 3 only unreadable bytes came, 4 the logger refused (the text
-    // has the Modbus exception code), 6 port not open, 7 port lost or line failure, 9 aborted. After a failure the next call
-    // starts afresh: what is still under way on the line is waited for and thrown away.
-    std::vector<WORD> Read(const Request& request);
-
-    // Told by the connection when the port's listener reports: on the thread of Read. True when this is the end of the line.
-    bool OnLineEvent(CSerial::EEvent event, CSerial::EError error);
-    // Any thread.
-    void Abort() { m_aborted = true; }
-    void ClearAbort() { m_aborted = false; }
+    struct Outcome {
+        std::vector<WORD> registers;  // those asked for; empty when there are none
+        int code = 0;      // why: 8 no answer that is surely its own, 3 only unreadable bytes came, 4 the logger refused
+        std::string text;  // with the Modbus exception code of a refusal; empty: the code's standard text
+    };
+    // One reading: an outcome for each request. Returns when nothing that was asked is waited for any more. Throws what the wire
+    // throws, which ends the reading; the outcomes hold what had come.
+    void Read(std::span<const Request> requests, std::vector<Outcome>& outcomes);
 
     static constexpr int kAttempts = 3;
 
 private:
-    using Clock = std::chrono::steady_clock;
+    enum class End { Answered, Doubtful, Damaged, Silence };
 
-    Reply Exchange(const Request& request, bool& anythingCame);
+    void Ask(const Request& request, size_t index);
+    End Exchange(const Request& request, Ledger::Question question);
+    void Explain(Outcome& outcome, bool damaged) const;
+    // Probes until nothing is owed that could be taken for the answer to `request`, or nothing at all without one. What is owed
+    // for `question` itself may be. Gives up when a probe was in vain, and sends no other before something has been answered.
+    void Clear(const Request* request, Ledger::Question question);
+    // Ends the reading: what is still owed is cleared, or listened for as long as it may come.
+    void Finish();
+    void AwaitLongSilence();
     void AwaitSilence();
-    // Appends what is there; waits until something is or `until` has passed. False when time ran out.
-    bool Receive(std::vector<BYTE>& received, Clock::time_point until);
-    size_t ReadAvailable(std::vector<BYTE>& received);
-    void PumpMessages(Clock::time_point until);
-    void CheckLine();
-    [[noreturn]] void Fail(int code, const char* text = nullptr);
+    // True when something came until then; whole answers among it have been dealt with.
+    bool Receive(TimePoint until, bool prompt = true);
+    void Take(const Answer& answer, bool prompt);
 
-    CSerialOrvik& m_port;
+    IWire& m_wire;
+    Ledger m_ledger;
+    IReadingWatch* m_watch = nullptr;
     std::chrono::microseconds m_character{1042};  // that one is on the line
     std::chrono::microseconds m_gap{1750};
-    std::chrono::milliseconds m_timeout{1000};
-    Clock::time_point m_lastByte{};
-    bool m_lineDied = false;
-    std::atomic<bool> m_aborted = false;
+    Duration m_timeout = std::chrono::seconds(1);
+
+    std::vector<BYTE> m_received;  // what may still become an answer; kept across requests, since answers come in pieces
+    TimePoint m_lastByte{};
+
+    bool m_probeInVain = false;  // the last probe was not answered, nor anything since
+
+    // Of the reading under way.
+    std::vector<Outcome>* m_outcomes = nullptr;
+    Ledger::Question m_firstQuestion = 1;
+    bool m_told = false;    // that the first value has come
+    bool m_silent = false;  // a request was in vain to the last attempt, without one byte, and nothing came since
+    // Of the attempt under way.
+    Ledger::Question m_asked = 0;
+    BYTE m_refusal = 0;
+    bool m_answered = false;      // surely
+    bool m_doubtful = false;      // it, or an older request
+    std::ptrdiff_t m_unread = 0;  // bytes that belong to no whole answer
+    bool m_anythingCame = false;
 };
 
 }  // namespace modbus

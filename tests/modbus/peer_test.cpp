@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <bit>
+#include <filesystem>
 #include <functional>
 #include <thread>
 
@@ -115,7 +116,10 @@ modbus::Description OneRegister() {
     return description;
 }
 
-std::vector<BYTE> Good(const modbus::Request& request) { return modbus::EncodeReply(request, std::vector<WORD>{4711}); }
+std::vector<BYTE> Good(const modbus::Request& request, WORD value = 4711) {
+    if (request.count == 0) return modbus::EncodeException(request, modbus::kIllegalValue);
+    return modbus::EncodeReply(request, std::vector<WORD>{value});
+}
 
 constexpr DWORD kTimeout = 300;
 
@@ -241,7 +245,8 @@ TEST(ModbusPeer, FailuresHaveTheirCodes) {
     mode = 2;
     asked = 0;
     EXPECT_EQ(Outcome(logger), 4);  // busy for ever: asked a bounded number of times
-    EXPECT_EQ(asked, modbus::Master::kAttempts);
+    // The first answer could be to one from before, and so could that to the first probe, since the one then came damaged.
+    EXPECT_EQ(asked, 1 + 2 + modbus::Master::kAttempts);
     mode = 3;
     EXPECT_EQ(Outcome(logger), 0);  // and well again
     logger.Abort();
@@ -259,4 +264,59 @@ TEST(ModbusPeer, APulledPlugIsAHardwareErrorAtOnce) {
     EXPECT_EQ(Outcome(logger), 0);
     EXPECT_EQ(Outcome(logger), 7);
     EXPECT_FALSE(logger.Connection().IsConnected());
+}
+
+// Three requests of one shape, whose answers cannot be told apart by their looks; each register holds its own number.
+TEST(ModbusPeer, LateAnswersStayWithTheirChannels) {
+    FarEnd far;
+    far.Serve([&](const modbus::Request& request, int) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(110));  // a little more than the time-out below
+        return Good(request, request.first);
+    });
+    modbus::Description description = OneRegister();
+    description.channels.clear();
+    for (const WORD first : {WORD{100}, WORD{200}, WORD{300}})
+        description.channels.push_back(Channel(3, first, modbus::ValueType::Uint16));
+    modbus::Logger logger(description);
+    logger.Connect(far.Name(), 100);
+    for (int reading = 0; reading < 2; ++reading) {
+        CDoubleArray values;
+        logger.ReadSample(values);
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(values.GetAt(i), 100 * (i + 1)) << reading;
+    }
+}
+
+// The port comes and goes under one name; what is left of a former line, its farewell too, counts for nothing on the next.
+TEST(ModbusPeer, ALineIsOpenedAgainAndAgain) {
+    modbus::Logger logger(OneRegister());
+    const auto openFiles = [] {
+        const std::filesystem::directory_iterator files("/proc/self/fd");
+        return std::distance(begin(files), end(files));
+    };
+    std::ptrdiff_t files = 0;
+    for (int cycle = 0; cycle < 10; ++cycle) {
+        std::string name;
+        {
+            FarEnd far;
+            name = far.Name();
+            far.PullAfter(4);
+            far.Serve(
+                [](const modbus::Request& request, int number) { return number < 4 ? Good(request) : std::vector<BYTE>(); });
+            logger.Connect(far.Name(), 100);
+            ASSERT_EQ(Outcome(logger), 0) << cycle;
+            int code = 0;
+            while ((code = Outcome(logger)) == 0) continue;
+            ASSERT_EQ(code, 7) << cycle;
+            logger.Disconnect();
+            EXPECT_EQ(Outcome(logger), 6);
+        }
+        try {
+            logger.Connect(name.c_str(), 100);
+            ADD_FAILURE() << "the port has gone";
+        } catch (CCommException* failure) {
+            failure->Delete();
+        }
+        if (cycle == 1) files = openFiles();
+    }
+    EXPECT_EQ(openFiles(), files);
 }

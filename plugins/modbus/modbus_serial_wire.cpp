@@ -1,0 +1,99 @@
+#include "plugins/modbus/modbus_serial_wire.h"
+
+#include <algorithm>
+
+#include "comm/comm_exception.h"
+
+namespace modbus {
+namespace {
+// Room for several of the longest frames in either direction.
+constexpr DWORD kQueue = 4096;
+
+// No wait is longer, so that an abort from another thread is seen soon.
+constexpr std::chrono::milliseconds kSlice{50};
+
+[[noreturn]] void Fail(int code) { OrvikThrowCommException(code, nullptr); }
+}  // namespace
+
+void SerialWire::Open(const char* port, const Line& line) {
+    const LONG error = m_port.Open(port, &m_connection, kQueue, kQueue);
+    if (error != 0)
+        Fail(error == static_cast<LONG>(ERROR_ACCESS_DENIED) ? CCommException::AccessDenied : CCommException::DeviceNotOpen);
+    m_connection.SetOnline(true);
+    if (m_port.Setup(static_cast<CSerial::EBaudrate>(line.baud), line.dataBits, line.parity, line.stopBits) != 0 ||
+        m_port.SetupHandshaking(CSerial::HandshakeOff) != 0) {
+        Close();
+        Fail(CCommException::HardwareError);
+    }
+}
+
+void SerialWire::Close() {
+    if (!m_port.IsOpen()) return;
+    m_port.Close();
+    m_connection.SetOnline(false);
+    m_aborted = false;
+    // The listener may have said farewell shortly before: left in the queue, it would be taken for the end of the next line.
+    MSG message;
+    while (PeekMessageA(&message, nullptr, COrvikComWnd::ComMsg, COrvikComWnd::ComMsg, PM_REMOVE)) {
+        if (message.message != COrvikComWnd::ComMsg) {  // WM_QUIT comes through every filter, and is not ours to swallow
+            PostQuitMessage(static_cast<int>(message.wParam));
+            break;
+        }
+        DispatchMessageA(&message);
+    }
+}
+
+void SerialWire::Send(std::span<const BYTE> bytes, TimePoint until) {
+    CheckLine();
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Now()).count();
+    DWORD written = 0;
+    const LONG error = m_port.Write(bytes.data(), bytes.size(), &written, nullptr,
+                                    static_cast<DWORD>(std::clamp<long long>(left, 1, 0x7FFFFFFF)));
+    CheckLine();
+    if (error != 0 || written != bytes.size()) Fail(CCommException::HardwareError);
+}
+
+bool SerialWire::Receive(std::vector<BYTE>& received, TimePoint until) {
+    for (;;) {
+        CheckLine();
+        if (ReadAvailable(received)) return true;
+        if (Now() >= until) return false;
+        PumpMessages(std::min(until, Now() + kSlice));
+    }
+}
+
+bool SerialWire::ReadAvailable(std::vector<BYTE>& received) {
+    BYTE block[512];
+    DWORD got = 0;
+    // The port is in its non-blocking mode: an empty queue gives 0 bytes at once. A driver that lets such a read wait runs into
+    // the short time-out instead (1460), which means the same.
+    const LONG error = m_port.Read(block, sizeof block, &got, nullptr, 20);
+    if (error != 0 && error != static_cast<LONG>(ERROR_TIMEOUT)) {
+        CheckLine();
+        Fail(CCommException::HardwareError);
+    }
+    received.insert(received.end(), block, block + got);
+    return got != 0;
+}
+
+void SerialWire::PumpMessages(TimePoint until) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Now()).count();
+    if (left > 0) MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(left), QS_ALLINPUT);
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) {  // not ours to swallow: it ends this exchange and the loop outside
+            PostQuitMessage(static_cast<int>(message.wParam));
+            Fail(CCommException::SessionAborted);
+        }
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+}
+
+void SerialWire::CheckLine() {
+    if (m_aborted) Fail(CCommException::SessionAborted);
+    if (!m_port.IsOpen()) Fail(CCommException::DeviceNotOpen);
+    if (m_connection.LineLost()) Fail(CCommException::HardwareError);
+}
+
+}  // namespace modbus

@@ -1,0 +1,35 @@
+// A serial port as a wire. While it waits it handles its thread's messages, which is how the port tells that the line is lost.
+// Borrows the port and the connection. The thread of the connection, but for Abort.
+#pragma once
+
+#include <atomic>
+
+#include "comm/serial_orvik.h"
+#include "plugins/modbus/modbus_connection.h"
+#include "plugins/modbus/modbus_wire.h"
+
+namespace modbus {
+
+class SerialWire : public IWire {
+public:
+    SerialWire(CSerialOrvik& port, Connection& connection) : m_port(port), m_connection(connection) {}
+
+    void Open(const char* port, const Line& line) override;
+    void Close() override;
+    bool IsOpen() const override { return m_port.IsOpen(); }
+    TimePoint Now() override { return std::chrono::steady_clock::now(); }
+    void Send(std::span<const BYTE> bytes, TimePoint until) override;
+    bool Receive(std::vector<BYTE>& received, TimePoint until) override;
+    void Abort() override { m_aborted = true; }
+
+private:
+    bool ReadAvailable(std::vector<BYTE>& received);
+    void PumpMessages(TimePoint until);
+    void CheckLine();
+
+    CSerialOrvik& m_port;
+    modbus::Connection& m_connection;
+    std::atomic<bool> m_aborted = false;
+};
+
+}  // namespace modbus

@@ -1,0 +1,259 @@
+// Whole readings on a simulated line: whatever the far end does, a cell is right or it is empty.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "plugins/modbus/modbus_logger.h"
+#include "tests/modbus/simulated_wire.h"
+
+namespace {
+using simulated::Faults;
+
+// Checks what a reading tells against what it leaves.
+class Watch : public IReadingWatch {
+public:
+    void OnAnswer() override { ++answers; }
+    void OnChannelFailed(int channel, int code, const char*) override {
+        failed.push_back(channel);
+        codes.push_back(code);
+    }
+    void OnLateAnswer(DWORD milliseconds) override {
+        ++late;
+        latest = std::max(latest, milliseconds);
+    }
+    void Begin() {
+        answers = 0;
+        failed.clear();
+        codes.clear();
+    }
+    int answers = 0, late = 0;
+    DWORD latest = 0;
+    std::vector<int> failed, codes;
+};
+
+// Three registers that only their order tells apart, and one of another function.
+modbus::Description FourChannels() {
+    modbus::Description description;
+    description.slave = 7;
+    for (const int first : {100, 200, 300, 400}) {
+        modbus::Channel channel;
+        channel.function = first == 400 ? modbus::kReadInputRegisters : modbus::kReadHoldingRegisters;
+        channel.first = static_cast<WORD>(first);
+        channel.type = modbus::ValueType::Uint16;
+        description.channels.push_back(channel);
+    }
+    return description;
+}
+
+struct Tally {
+    int wrong = 0, good = 0, lost = 0;
+    double seconds = 0, longest = 0;
+};
+
+class Line {
+public:
+    explicit Line(const Faults& faults, unsigned seed = 1)
+        : m_wire(new simulated::Wire(faults, seed)), m_logger(FourChannels(), std::unique_ptr<modbus::IWire>(m_wire)) {
+        m_logger.Watch(&watch);
+        Connect();
+    }
+
+    void Connect() {
+        try {
+            m_logger.Connect("", 1000);
+        } catch (CCommException* failure) {
+            failure->Delete();
+        }
+    }
+
+    // One reading: the code that it ended with, 0 for none.
+    int Read(Tally& tally) {
+        watch.Begin();
+        const modbus::TimePoint begun = m_wire->Now();
+        CDoubleArray values;
+        for (int i = 0; i < 4; ++i) values.Add(std::nan(""));
+        int code = 0;
+        try {
+            m_logger.ReadSample(values);
+        } catch (CCommException* failure) {
+            code = failure->m_nError;
+            failure->Delete();
+        }
+        const bool lineLost = code == 6 || code == 7 || code == 9;
+        tally.lost += lineLost;
+        const double seconds = std::chrono::duration<double>(m_wire->Now() - begun).count();
+        tally.seconds += seconds;
+        tally.longest = std::max(tally.longest, seconds);
+        int good = 0;
+        std::vector<int> empty;
+        for (int i = 0; i < 4; ++i) {
+            const double value = values[i];
+            if (std::isnan(value)) {
+                empty.push_back(i);
+            } else if (m_wire->IsTrue(static_cast<WORD>(value), static_cast<WORD>(100 * (i + 1)), begun)) {
+                ++good;
+            } else {
+                ++tally.wrong;
+            }
+        }
+        tally.good += good;
+        if (!lineLost) {
+            std::sort(watch.failed.begin(), watch.failed.end());
+            EXPECT_EQ(watch.failed, empty);
+            EXPECT_EQ(code != 0, empty.size() == 4);
+        }
+        EXPECT_EQ(watch.answers, empty.size() == 4 ? 0 : 1);
+        EXPECT_EQ(m_logger.Connection().IsConnected(), !lineLost);
+        if (lineLost) {
+            m_logger.Disconnect();
+            Connect();
+        }
+        return code;
+    }
+
+    simulated::Wire& Wire() { return *m_wire; }
+    modbus::Logger& Logger() { return m_logger; }
+    Watch watch;
+
+private:
+    simulated::Wire* m_wire;  // the logger's
+    modbus::Logger m_logger;
+};
+}  // namespace
+
+TEST(ModbusLateAnswers, NoCellIsEverAnothers) {
+    const struct {
+        const char* what;
+        Faults faults;
+        double good;     // of all cells, at least
+        double seconds;  // for a reading on average, at most
+        double longest;  // for any reading, at most
+    } rows[] = {
+        {"sound", {}, 1, 0.2, 0.2},
+        {"late once", {.lateOnce = 5, .lateBy = 1.2}, 1, 0.2, 2},
+        {"late now and then", {.lateBy = 1.2, .lateChance = 0.02}, 0.99, 0.4, 6},
+        {"always 1.05 s late", {.late = 1.05}, 0.999, 5, 8},
+        {"always 1.3 s late", {.late = 1.3}, 0.999, 6, 10},
+        {"always 2.5 s late", {.late = 2.5}, 0.999, 12, 20},
+        {"always 3.5 s late", {.late = 3.5}, 0.999, 16, 25},
+        {"always 6 s late", {.late = 6}, 0.99, 28, 50},
+        {"always 20 s late", {.late = 20}, 0.99, 90, 150},
+        {"now and then 15 s late", {.lateBy = 15, .lateChance = 0.02}, 0.9, 2, 60},
+        {"always 1.05 s for each", {.late = 1.05, .oneByOne = true}, 0.999, 5, 10},
+        {"0 to 0.9 s", {.late = 0.01, .spread = 0.9}, 1, 2.5, 5},
+        {"0 to 4 s for each", {.late = 0.01, .spread = 4, .oneByOne = true}, 0.99, 10, 50},
+        {"0 to 4 s side by side", {.late = 0.01, .spread = 4}, 0.99, 10, 25},
+        {"noise", {.noise = 0.2}, 0.99, 0.3, 5},
+        {"noise and now and then 3.2 s late", {.oneByOne = true, .lateBy = 3.2, .lateChance = 0.02, .noise = 0.07}, 0.98, 1, 25},
+        {"flipped bits", {.damaged = 0.2}, 0.98, 0.5, 15},
+        {"silences", {.silent = 0.05}, 0.99, 0.6, 15},
+        {"silences, and probes are ignored", {.silent = 0.05, .ignores = true}, 0.99, 1.2, 20},
+        {"probes are ignored, now and then 2 s late",
+         {.late = 0.5, .spread = 0.4, .oneByOne = true, .lateBy = 2, .lateChance = 0.02, .ignores = true},
+         0.97,
+         4,
+         25},
+        {"silences and late once", {.lateOnce = 5, .lateBy = 15, .silent = 0.05}, 0.99, 0.6, 40},
+        {"silences, noise and nearly late",
+         {.late = 0.4, .spread = 0.55, .oneByOne = true, .lateBy = 1.3, .lateChance = 0.01, .silent = 0.04, .noise = 0.07},
+         0.99,
+         5,
+         30},
+        // Asked faster than it answers: unless that is seen, what is owed grows without end.
+        {"2.5 to 4 s for each, noise and unplugged",
+         {.late = 2.5, .spread = 1.5, .oneByOne = true, .noise = 0.08, .unplugged = 0.002},
+         0.95,
+         20,
+         75},
+        {"split", {.split = 0.3, .pause = 0.5}, 0.999, 0.8, 8},
+        {"split for long", {.split = 0.1, .pause = 2.5}, 0.99, 1, 15},
+        {"other units", {.foreign = 0.3}, 1, 0.2, 0.2},
+        {"busy", {.refused = 0.1}, 0.99, 0.2, 0.5},
+        {"gateway without its target", {.refused = 0.1, .exception = modbus::kNoTarget}, 0.95, 0.2, 0.5},
+        {"unplugged", {.unplugged = 0.02}, 0.85, 0.2, 2},
+        {"unplugged and late", {.late = 1.05, .unplugged = 0.02}, 0.8, 5, 15},
+        {"noise and 0 to 0.9 s", {.late = 0.01, .spread = 0.9, .noise = 0.1, .damaged = 0.1}, 0.99, 3, 15},
+        {"silences and 0 to 2 s", {.late = 0.01, .spread = 2, .silent = 0.1}, 0.99, 8, 50},
+        {"everything",
+         {.late = 0.01,
+          .spread = 1.5,
+          .oneByOne = true,
+          .silent = 0.05,
+          .noise = 0.05,
+          .damaged = 0.05,
+          .split = 0.05,
+          .pause = 1.5,
+          .foreign = 0.05,
+          .refused = 0.05,
+          .unplugged = 0.005},
+         0.9,
+         7,
+         40},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        Line line(row.faults);
+        Tally tally;
+        constexpr int kReadings = 10'000;
+        std::mt19937 pauses(7);
+        for (int i = 0; i < kReadings; ++i) {
+            line.Read(tally);
+            if (i % 4 == 0) line.Wire().Idle(std::uniform_real_distribution<double>(0, 3)(pauses));
+        }
+        EXPECT_EQ(tally.wrong, 0);
+        EXPECT_GE(tally.good, 4 * kReadings * row.good);
+        EXPECT_LE(tally.seconds, kReadings * row.seconds);
+        EXPECT_LE(tally.longest, row.longest);
+    }
+}
+
+TEST(ModbusLateAnswers, FailuresAreToldByChannel) {
+    const struct {
+        const char* what;
+        Faults faults;
+        int code;  // of the reading
+        std::vector<int> failed, codes;
+        int requests;
+    } rows[] = {
+        {"nobody there", {.silent = 1}, 8, {0, 1, 2, 3}, {8, 8, 8, 8}, 3 + 1 + 1 + 1},
+        // Three answers may still be owed after that, or after noise, which a probe clears up; after silence once anything came.
+        {"one silent", {.only = 200, .silent = 1}, 0, {1}, {8}, 1 + 3 + 1 + 1 + 1 + 1},
+        {"one damaged", {.only = 200, .damaged = 1}, 0, {1}, {3}, 1 + 3 + 1 + 1 + 1},
+        {"one refused", {.only = 200, .refused = 1, .exception = modbus::kIllegalAddress}, 0, {1}, {4}, 4},
+        {"one busy", {.only = 200, .refused = 1}, 0, {1}, {4}, 1 + 3 + 1 + 1},
+        {"one behind a gateway", {.only = 200, .refused = 1, .exception = modbus::kNoTarget}, 0, {1}, {4}, 1 + 2 + 1 + 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        Line line(row.faults);
+        Tally tally;
+        EXPECT_EQ(line.Read(tally), row.code);
+        EXPECT_EQ(line.watch.failed, row.failed);
+        EXPECT_EQ(line.watch.codes, row.codes);
+        EXPECT_EQ(line.Wire().Requests(), row.requests);
+    }
+}
+
+// One that came while nobody listened was not measured; what a silent channel costs must not go by it.
+TEST(ModbusLateAnswers, AnAnswerBetweenReadingsTellsNothingOfTime) {
+    Line line({.lateOnce = 1, .lateBy = 20, .only = 200, .silent = 1});
+    Tally tally;
+    line.Read(tally);
+    line.Wire().Idle(1000);
+    line.Read(tally);
+    EXPECT_LT(tally.longest, 20);
+}
+
+// In an attempt, and while a late answer is waited for.
+TEST(ModbusLateAnswers, AnAbortEndsEveryWaitAtOnce) {
+    for (const double after : {0.5, 1.7, 4.2, 6.5}) {
+        Line line({.silent = 1});
+        const modbus::TimePoint begun = line.Wire().Now(), end = begun + simulated::Seconds(after);
+        line.Wire().AbortAt(end);
+        Tally tally;
+        EXPECT_EQ(line.Read(tally), 9);
+        EXPECT_EQ(line.Wire().Now(), end);
+        EXPECT_EQ(line.Read(tally), 8) << "works again on a line that was opened again";
+    }
+}
