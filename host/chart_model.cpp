@@ -58,8 +58,9 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
     // The times are to increase; a file may come from anywhere.
     const size_t count = session.Count();
     m_times = session.Times().GetData();
+    const bool recorded = session.Recorded() != nullptr;
     std::vector<size_t> order;
-    if (!std::is_sorted(m_times, m_times + count)) {
+    if (!recorded && !std::is_sorted(m_times, m_times + count)) {
         order.resize(count);
         std::iota(order.begin(), order.end(), size_t{0});
         std::stable_sort(order.begin(), order.end(), [this](size_t a, size_t b) { return m_times[a] < m_times[b]; });
@@ -67,7 +68,14 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
         m_times = m_sortedTimes.data();
         m_sortedValues.resize(all.size());
     }
-    if (count > 0) m_first = m_times[0], m_last = m_times[count - 1];
+    if (count > 0 && recorded) {
+        const std::vector<CRecordingSpan>& spans = session.Recorded()->Index().Spans();
+        const auto holds = [](const CRecordingSpan& span) { return span.readings > 0; };
+        m_first = std::find_if(spans.begin(), spans.end(), holds)->firstTime;
+        m_last = std::max(m_first, spans.back().lastTime);
+    } else if (count > 0) {
+        m_first = m_times[0], m_last = m_times[count - 1];
+    }
     constexpr __int64 kHalfSecond = 500'000, kFarthest = 9'000'000'000'000'000'000LL;
     m_from = m_first, m_to = m_last;
     if (m_from == m_to) {
@@ -93,6 +101,17 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
     ScaleUnits();
 }
 
+std::vector<ReducedSeries> ChartModel::Reduce(const std::vector<PlotMapping>& mappings) const {
+    std::vector<ReducedSeries> lines;
+    if (RecordedSeries* const recorded = m_session.Recorded()) {
+        std::vector<size_t> channels;
+        for (const Series& series : m_series) channels.push_back(series.number);
+        return recorded->Reduce(channels, mappings);
+    }
+    for (size_t i = 0; i < m_series.size(); ++i) lines.push_back(ReduceSeries(Data(m_series[i]), mappings[i]));
+    return lines;
+}
+
 void ChartModel::SetView(__int64 from, __int64 to) {
     if (from >= to) throw Failure{kWrongUse, Say(Text::ViewBackwards)};
     if (to < m_first || from > m_last || Count() == 0) throw Failure{kWrongUse, Say(Text::ViewEmpty)};
@@ -104,9 +123,9 @@ void ChartModel::ScaleUnits() {
     for (const Session::Channel& channel : m_session.Channels()) {
         if (m_contexts.GetContext(channel.unit.c_str()) != nullptr) continue;
         double low = HUGE_VAL, high = -HUGE_VAL;
-        for (const Session::Channel& other : m_session.Channels()) {
+        for (size_t i = 0; i < m_session.Channels().size(); ++i) {
             double from, to;
-            if (other.unit != channel.unit || !FiniteRange(other.values.GetData(), 0, Count(), from, to)) continue;
+            if (m_session.Channels()[i].unit != channel.unit || !m_session.Range(i, from, to)) continue;
             low = std::min(low, from), high = std::max(high, to);
         }
         CUnitContext context(channel.unit.c_str());

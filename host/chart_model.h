@@ -17,7 +17,7 @@ public:
         size_t unit;       // index of its unit
         size_t number;     // among all channels of the session
         COLORREF colour;
-        const double* values;
+        const double* values;  // null where they stay in a recording
     };
     struct Unit {
         std::string text;
@@ -32,7 +32,10 @@ public:
     const std::string& Title() const { return m_session.Logger(); }
     const std::vector<Series>& AllSeries() const { return m_series; }
     const std::vector<Unit>& Units() const { return m_units; }
+    // Of readings in memory.
     SeriesData Data(const Series& series) const { return {m_times, series.values, Count()}; }
+    // The lines of all series, wherever the readings are: a mapping for each, which differ in their values only.
+    std::vector<ReducedSeries> Reduce(const std::vector<PlotMapping>& mappings) const;
 
     // The times of the first and the last reading, and what is in view of them: all at first. 0 to 1 s without readings.
     __int64 First() const { return m_first; }

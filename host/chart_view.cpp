@@ -184,10 +184,13 @@ void ChartView::DrawTraces(CDC& dc) {
     const int saved = dc.SaveDC();
     dc.IntersectClipRect(&m_layout.plot);
     const float width = std::max(static_cast<float>(m_line) / 11, 1.2f);
+    std::vector<PlotMapping> mappings;
+    for (const ChartModel::Series& series : m_model.AllSeries()) mappings.push_back(MappingOf(*m_axes[series.unit]));
+    const std::vector<ReducedSeries> lines = m_model.Reduce(mappings);
     // The first channel last, so that it lies on top.
     for (size_t i = m_model.AllSeries().size(); i-- > 0;) {
         const ChartModel::Series& series = m_model.AllSeries()[i];
-        const ReducedSeries line = ReduceSeries(m_model.Data(series), MappingOf(*m_axes[series.unit]));
+        const ReducedSeries& line = lines[i];
         if (line.points.empty()) continue;
         const COLORREF colour = series.colour;
         OrvikSmoothPolyline(dc.m_hDC, line.points.data(), static_cast<int>(line.points.size()), colour, width);

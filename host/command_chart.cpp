@@ -6,7 +6,7 @@
 #include "host/chart_file.h"
 #include "host/commands.h"
 #include "host/database_file.h"
-#include "host/session.h"
+#include "host/session_file.h"
 #include "host/texts.h"
 #include "host/time_input.h"
 #include "host/value_text.h"
@@ -57,9 +57,10 @@ ExitCode RunChart(CHostApp&, const Words& words) {
     const SIZE size = SizeFrom(arguments.Get("--size", "1600x900"));
     RequireDifferentFiles({{"FILE", path}, {"--out", out}});
 
-    CPropertyDB db;
-    LoadDatabase(path, db);
-    const Session session(db, path, 0);
+    const SessionFile file = OpenSession(path);
+    if (!file.note.empty()) PrintError(file.note);
+    CPropertyDB& db = *file.db;
+    const Session& session = *file.session;
     ChartModel model(session, arguments.All("--channel"));
     model.Load(db);
     // An end that is not given is the session's, unless the other one lies beyond it: then there is nothing to show.
@@ -74,10 +75,10 @@ ExitCode RunChart(CHostApp&, const Words& words) {
     for (const std::string& tag : tags) AddTag(model, tag);
     const bool change = (arguments.Has("--clear-tags") || !tags.empty()) && model.Store(db);
 
-    if (change) RequireWritable(path);
+    if (change) RequireSavable(file.path, session);
     RequireWritable(out);
     WriteChart(model, out, size);
-    if (change) StoreDatabase(path, db);
-    Print(Say(change ? Text::ChartMadeTagsKept : Text::ChartMade, {ToUtf8(out), ToUtf8(path)}));
+    if (change) SaveSession(file.path, session, db);
+    Print(Say(change ? Text::ChartMadeTagsKept : Text::ChartMade, {ToUtf8(out), ToUtf8(file.path)}));
     return kDone;
 }

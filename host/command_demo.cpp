@@ -9,6 +9,8 @@
 #include "host/database_file.h"
 #include "host/download.h"
 #include "host/logger_file.h"
+#include "host/recording_files.h"
+#include "host/replaceable_file.h"
 #include "host/simulated_line.h"
 #include "host/texts.h"
 #include "host/value_text.h"
@@ -38,8 +40,9 @@ private:
     std::thread m_thread;
 };
 
-// A comment where the first channel is lowest, as somebody who looks at the chart might leave it: it hangs below the curve.
-void TagLowest(const Session& session, ChartModel& model) {
+// A comment where the first channel is lowest, as somebody who looks at the chart might leave it: it hangs below the curve. Its
+// text is kept, so that it is not taken for one of the user's.
+void TagLowest(const Session& session, ChartModel& model, CPropertyDB& db) {
     const Session::Channel& channel = session.Channels().front();
     const double* const values = channel.values.GetData();
     const double* const lowest = std::min_element(values, values + session.Count(),
@@ -48,6 +51,20 @@ void TagLowest(const Session& session, ChartModel& model) {
     std::string text;
     if (!FromUtf8(Say(Text::Lowest, {ShortTextOf(*lowest), ToUtf8(channel.unit)}), text)) return;
     model.AddTag(session.Times().GetAt(lowest - values), *lowest, text);
+    db.SetValue("Session.sOwnComment", text.c_str());
+}
+
+// What the demonstration made before may go, unless its user wrote comments into it. A file of one of its names that came there
+// otherwise stays: where there is no session of its own, nothing else is.
+void RequireOwnFolder(const std::string& session, const std::vector<std::string>& others, bool force) {
+    if (force) return;
+    RequireReplaceable(session);
+    if (FileExists(RecordingBeside(session)))
+        throw Failure{kFileFailed, Say(Text::LeftOverDemo, {ToUtf8(RecordingBeside(session)), ToUtf8(session)})};
+    if (FileExists(session)) return;
+    for (const std::string& file : others) {
+        if (FileExists(file)) throw Failure{kFileFailed, Say(Text::NotOurs, {ToUtf8(file)})};
+    }
 }
 
 // The heading and the first and last few lines of a long table.
@@ -69,13 +86,18 @@ std::string Shortened(const std::string& table) {
 }  // namespace
 
 ExitCode RunDemo(CHostApp& app, const Words& words) {
-    const Arguments arguments(words, {"--out", "--port"}, {}, 0);
+    const Arguments arguments(words, {"--out", "--port"}, {"--force"}, 0);
     const std::string folder = arguments.Has("--out") ? arguments.Require("--out") : "out";
     CPropertyDB description;
     LoadLoggerDescription("", description);
 
-    std::unique_ptr<Served> served;
+    const std::string session = folder + "/session.odb", copy = folder + "/session.xml", chart = folder + "/chart.png";
     DownloadPlan plan;
+    plan.traceFile = folder + "/trace.txt";
+    plan.traceHex = true;
+    RequireOwnFolder(session, {copy, chart, plan.traceFile}, arguments.Has("--force"));
+
+    std::unique_ptr<Served> served;
     plan.port = arguments.Get("--port");
     if (plan.port.empty()) {
         served = std::make_unique<Served>(MakeSimulator(app, description));
@@ -84,25 +106,32 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
     MakeFolder(folder);
     plan.count = 80;  // enough for curves, and done in a few seconds
     plan.interval = 40;
-    plan.traceFile = folder + "/trace.txt";
-    plan.traceHex = true;
+    plan.shifts = true;  // all of them, also on a machine that is busy
 
-    Session session(description, plan.port);
-    const std::optional<Failure> ended = Download(app, description, plan, session);
-    if (session.Count() > 0) {
-        ChartModel model(session, {});
-        TagLowest(session, model);
-        CPropertyDB db;
-        session.Store(db);
-        model.Store(db);
-        StoreDatabase(folder + "/session.odb", db);
-        StoreDatabase(folder + "/session.xml", db);
-        WriteChart(model, folder + "/chart.png", {1600, 900});
-    }
+    RecordingWriter::Plan record;
+    record.path = RecordingBeside(session);
+    record.target = session;
+    const DownloadResult result = Download(app, description, plan, record);
     const bool traced = app.StopTrace();
-    if (ended) throw *ended;
+    if (result.files.empty()) throw *result.failure;
+    FoldRecording(record.path, session);
+    DeleteFileA(record.path.c_str());
+
+    CPropertyDB db;
+    LoadDatabase(session, db);
+    const Session readings(db, session, 0);
+    ChartModel model(readings, {});
+    if (readings.Count() > 0) TagLowest(readings, model, db);
+    model.Store(db);
+    StoreDatabase(session, db);
+    StoreDatabase(copy, db);
+    WriteChart(model, chart, {1600, 900});
+    if (result.failure) throw *result.failure;
+    if (result.missing > 0)
+        throw Failure{kCommunicationFailed, Say(Text::Missing, {Say(Text::Saved, {std::to_string(result.made), std::to_string(readings.Channels().size()), ToUtf8(session)}),
+                                                               std::to_string(result.missing), CausesText(result.causes)})};
     if (!traced) throw Failure{kFileFailed, Say(Text::TraceNotWhole, {ToUtf8(plan.traceFile)})};
-    Print(Shortened(session.Table()));
+    Print(Shortened(readings.Table()));
     Print(Say(Text::FilesMade));
     for (const char* name : {"chart.png", "session.odb", "session.xml", "trace.txt"}) Print("  " + ToUtf8(folder) + "/" + name);
     Print("");

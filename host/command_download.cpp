@@ -1,14 +1,78 @@
-// download: read a logger on a port into a session file.
+// download: read a logger on a port into a session or a recording.
 #include "host/arguments.h"
 #include "host/commands.h"
 #include "host/database_file.h"
 #include "host/download.h"
 #include "host/logger_file.h"
+#include "host/recording_copy.h"
+#include "host/recording_files.h"
+#include "host/replaceable_file.h"
+#include "host/session_file.h"
+#include "host/span_words.h"
 #include "host/texts.h"
+#include "record/recording_reader.h"
+
+namespace {
+constexpr __int64 kLongest = 100ll * 366 * 86'400 * 1'000'000;  // us
+
+// A span ("1 day") or a size ("100 MiB"), whichever it says.
+void SetRotation(const Arguments& arguments, RecordingWriter::Plan& record) {
+    if (!arguments.Has("--rotate")) return;
+    constexpr unsigned __int64 kLeast = 64 * 1024;
+    constexpr __int64 kShortest = 1'000'000;
+    const std::string text = arguments.Get("--rotate");
+    if (const auto span = SpanFromWords(text)) {
+        record.rotateEvery = std::max(*span, kShortest);
+    } else if (const auto size = BytesFromWords(text)) {
+        record.rotateSize = std::max(*size, kLeast);
+    } else {
+        throw Failure{kWrongUse, Say(Text::NotARotation, {"--rotate"})};
+    }
+}
+
+// What an earlier run left under the recording's name, or under the session's that it becomes.
+void CheckEarlier(const RecordingWriter::Plan& record, bool force, CPropertyDB& description) {
+    if (record.rotateEvery != 0 || record.rotateSize != 0) return;  // names that nothing has yet
+    std::unique_ptr<IRecordingFile> held;
+    if (FileExists(record.path) && CRecordingFile::OpenToWrite(record.path, CRecordingFile::kForceEvery, held) == ERROR_SHARING_VIOLATION)
+        throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(record.path)})};
+    held.reset();
+    if (record.append && FileExists(record.path)) {
+        CRecordingReader reader;
+        if (const DWORD error = reader.Open(record.path)) throw Failure{kFileFailed, Say(Text::FileNotOpened, {ToUtf8(record.path), Reason(error)})};
+        return RequireSameLogger(record.path, reader.Facts(), description);
+    }
+    if (record.append && !record.target.empty() && FileExists(record.target)) {
+        // The session becomes a recording again, goes on, and takes its own place at the end.
+        const SessionFile session = OpenSession(record.target);
+        RequireSameLogger(record.target, *session.db, description);
+        StoreAsRecording(record.path, *session.session, *session.db);
+        return;
+    }
+    if (force) return;
+    if (!record.target.empty()) {
+        RequireReplaceable(record.target);
+        if (FileExists(record.path)) throw Failure{kFileFailed, Say(Text::LeftOver, {ToUtf8(record.path), ToUtf8(record.target)})};
+    } else {
+        RequireReplaceable(record.path);
+    }
+}
+// The session of a recording that has ended. Where there can be none, the recording keeps the readings, and its user is told so.
+void Fold(const RecordingWriter::File& file) {
+    try {
+        FoldRecording(file.recording, file.target);
+    } catch (const Failure& failure) {
+        throw Failure{failure.exitCode, Say(Text::NotFolded, {failure.sentence, ToUtf8(file.recording), ToUtf8(file.target)})};
+    }
+    DeleteFileA(file.recording.c_str());
+}
+}  // namespace
 
 ExitCode RunDownload(CHostApp& app, const Words& words) {
-    const Arguments arguments(words, {"--port", "--logger", "--count", "--interval", "--for", "--timeout", "--out", "--trace"},
-                              {"--hex"}, 0);
+    const Arguments arguments(words,
+                              {"--port", "--logger", "--count", "--interval", "--for", "--timeout", "--out", "--trace", "--give-up",
+                               "--rotate", "--csv"},
+                              {"--hex", "--append", "--force"}, 0);
     DownloadPlan plan;
     plan.port = arguments.Require("--port");
     const std::string out = arguments.Require("--out");
@@ -17,31 +81,62 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     plan.timeout = arguments.Milliseconds("--timeout", 1, 600'000, plan.timeout);
     if (arguments.Has("--for")) {
         if (arguments.Has("--count")) throw Failure{kWrongUse, Say(Text::OptionsExclude, {"--for", "--count"})};
-        if (plan.interval == 0) throw Failure{kWrongUse, Say(Text::NotASpan, {"--interval"})};
-        // Readings at 0, one interval, two intervals ... as long as that is before the end.
-        plan.count = (arguments.Milliseconds("--for", 1, 4 * kWeek, 1) + plan.interval - 1) / plan.interval;
+        plan.duration = arguments.Span("--for", 1, kLongest, 1);
     }
+    if (arguments.Has("--give-up")) plan.giveUp = arguments.Span("--give-up", 1, kLongest, 1);
     plan.traceFile = arguments.Get("--trace");
     plan.traceHex = arguments.Has("--hex");
     if (plan.traceHex && plan.traceFile.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};
-    if (!plan.traceFile.empty() && SameFile(plan.traceFile, out))
-        throw Failure{kWrongUse, Say(Text::OptionsSame, {"--out", "--trace"})};
+    plan.csvFile = arguments.Get("--csv");
+    const bool force = arguments.Has("--force");
+
+    RecordingWriter::Plan record;
+    record.append = arguments.Has("--append");
+    record.interval = static_cast<__int64>(plan.interval) * 1000;
+    record.target = EndsInRec(out) ? std::string() : out;
+    record.path = record.target.empty() ? out : RecordingBeside(out);
+    SetRotation(arguments, record);
+    if (record.append && force) throw Failure{kWrongUse, Say(Text::OptionsExclude, {"--append", "--force"})};
+    RequireDifferentFiles({{"--out", out},
+                           {"--out", record.path == out ? std::string() : record.path},
+                           {"--logger", arguments.Get("--logger")},
+                           {"--trace", plan.traceFile},
+                           {"--csv", plan.csvFile == "-" ? std::string() : plan.csvFile}});
 
     CPropertyDB description;
     LoadLoggerDescription(arguments.Get("--logger"), description);
     RequireWritable(out);
-    Session session(description, plan.port);
-    const std::optional<Failure> ended = Download(app, description, plan, session);
-    const std::string count = std::to_string(session.Count());
-    if (session.Count() > 0 || !ended) {
-        CPropertyDB db;
-        session.Store(db);
-        StoreDatabase(out, db);
+    if (!plan.csvFile.empty() && plan.csvFile != "-") {
+        RequireWritable(plan.csvFile);
+        if (!force && FileExists(plan.csvFile) && FileSize(plan.csvFile) > 0)
+            throw Failure{kFileFailed, Say(Text::NotOurs, {ToUtf8(plan.csvFile)})};
     }
+    CheckEarlier(record, force, description);
+    const DownloadResult result = Download(app, description, plan, record);
     const bool traced = app.StopTrace();
-    if (ended && session.Count() > 0) throw Failure{ended->exitCode, Say(Text::Partial, {ended->sentence, count, ToUtf8(out)})};
-    if (ended) throw *ended;
+
+    std::string names;
+    for (const RecordingWriter::File& file : result.files) {
+        if (!file.target.empty()) {
+            Fold(file);
+        }
+        names += (names.empty() ? "" : ", ") + ToUtf8(file.target.empty() ? file.recording : file.target);
+    }
+    const std::string made = std::to_string(result.made);
+    CPropertyDB facts;
+    CStringArray channels;
+    description.Enum("Channels", channels, FALSE, FALSE);
+    const std::string saved = Say(Text::Saved, {made, std::to_string(channels.GetSize()), names});
+    const std::string whole = result.missing > 0
+                                  ? Say(Text::Missing, {saved, std::to_string(result.missing), CausesText(result.causes)})
+                                  : saved;
+    if (result.failure) {
+        if (result.files.empty()) throw *result.failure;
+        throw Failure{result.failure->exitCode, Say(Text::Partial, {result.failure->sentence, whole})};
+    }
+    if (result.missing > 0) throw Failure{kCommunicationFailed, whole};
     if (!traced) throw Failure{kFileFailed, Say(Text::TraceNotWhole, {ToUtf8(plan.traceFile)})};
-    Print(Say(Text::Saved, {count, std::to_string(session.Channels().size()), ToUtf8(out)}));
+    if (!result.csvWhole) throw Failure{kFileFailed, Say(Text::CsvNotWhole, {ToUtf8(plan.csvFile)})};
+    if (plan.csvFile != "-") Print(whole);
     return kDone;
 }

@@ -42,7 +42,8 @@ ExitCode RunScript(CHostApp& app, const Words& words) {
     MainWindow window(app, MainWindow::Manner::Quiet);
     window.CreateWindowOf(kWindow, SW_SHOWNOACTIVATE);
     window.Open(sessionPath);
-    ScriptRunner(window, ToUtf8(path), std::move(steps)).Run(sessionPath);
+    if (!window.Document().Note().empty()) PrintError(window.Document().Note());
+    ScriptRunner(window, ToUtf8(path), std::move(steps)).Run(window.Document().Path());
     Print(Say(Text::ScriptDone, {std::to_string(count)}));
     return kDone;
 }

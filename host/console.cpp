@@ -26,13 +26,18 @@ ProgressLine::ProgressLine() {
     m_visible = GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
 }
 
-ProgressLine::~ProgressLine() {
+ProgressLine::~ProgressLine() { Clear(); }
+
+void ProgressLine::Clear() {
     if (m_visible && m_length > 0) std::fprintf(stderr, "\r%*s\r", static_cast<int>(m_length), "");
+    m_length = 0;
+    m_shown.clear();
     std::fflush(stderr);
 }
 
 void ProgressLine::Show(std::string_view text) {
-    if (!m_visible) return;
+    if (!m_visible || text == m_shown) return;
+    m_shown = text;
     const int padding = text.size() < m_length ? static_cast<int>(m_length - text.size()) : 0;
     std::fprintf(stderr, "\r%.*s%*s", static_cast<int>(text.size()), text.data(), padding, "");
     std::fflush(stderr);

@@ -27,8 +27,10 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
     void Show(std::string_view text);
+    void Clear();  // until the next Show, for a sentence in its place
 
 private:
     bool m_visible;
     size_t m_length = 0;
+    std::string m_shown;
 };

@@ -1,12 +1,14 @@
-// The main job: read a logger a number of times and keep what it said.
+// The main job: read a logger at even times and record what it said, whatever happens to the line meanwhile.
 #pragma once
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/console.h"
 #include "host/host_app.h"
-#include "host/session.h"
+#include "host/measurement/measurement.h"
+#include "host/measurement/recording_writer.h"
 
 // So many readings are never made: a download that goes on until it is stopped.
 constexpr DWORD kForEver = 0xFFFFFFFF;
@@ -15,13 +17,38 @@ constexpr DWORD kWeek = 7 * 86'400'000;        // ms, the longest interval
 
 struct DownloadPlan {
     std::string port;
-    DWORD count = 10;
-    DWORD interval = 1000;  // ms from the start of one reading to the start of the next
-    DWORD timeout = 1000;   // ms for every single answer
-    std::string traceFile;  // empty: no trace
+    DWORD count = 10;         // readings, made or missed
+    DWORD interval = 1000;    // ms from the start of one reading to the start of the next
+    bool shifts = false;      // see MeasurementPlan
+    __int64 duration = 0;     // us; instead of a count, if it is not 0
+    DWORD timeout = 1000;     // ms for every single answer
+    __int64 giveUp = 0;       // us without any value after which it ends; 0: never
+    std::string traceFile;    // empty: no trace
     bool traceHex = false;
+    std::string csvFile;      // readings as lines too; "-": to standard output; empty: none
+
+    MeasurementPlan Measure() const;
 };
 
-// Reads into `session`. What ends it early comes back as the Failure to report; the readings made before stand in the session.
-// A description that cannot be used, or a family without a plug-in, is thrown: then there is no session.
-std::optional<Failure> Download(CHostApp& app, CPropertyDB& description, const DownloadPlan& plan, Session& session);
+struct DownloadResult {
+    Measurement::Ended end = Measurement::Ended::AsPlanned;
+    std::optional<Failure> failure;  // what ended it, or kept something from being written
+    unsigned __int64 made = 0, missing = 0;
+    std::vector<GapKeeper::Count> causes;
+    std::vector<RecordingWriter::File> files;
+    bool csvWhole = true;
+    std::string advice;  // a sentence on answers that come later than the time-out; empty without
+};
+
+// What is known of a session before its first reading: where it comes from, its channels, and the logger's description.
+void DescribeSession(CPropertyDB& description, const std::string& port, CPropertyDB& facts);
+
+// Reads into `record`. A description that cannot be used, or a family without a plug-in, is thrown: then there is no recording.
+DownloadResult Download(CHostApp& app, CPropertyDB& description, const DownloadPlan& plan, const RecordingWriter::Plan& record);
+
+// "3 x Receive timeout, 1 x not read in time"
+std::string CausesText(const std::vector<GapKeeper::Count>& causes);
+// The sentence for a port that could not be opened, by the code and text of the failure: the most telling one first.
+std::string WhyNotOpened(const std::string& port, LONG code, const std::string& text);
+// The proposal for a logger that answers later than the time-out allows; empty when it does not do so again and again.
+std::string LateAdvice(DWORD lateAnswers, DWORD latest, DWORD timeout);

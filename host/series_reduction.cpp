@@ -65,21 +65,32 @@ private:
     bool m_open = false;
 };
 
-// One column's readings first to last - 1, at its middle.
-void AddColumn(Line& line, const double* values, size_t first, size_t last, double x) {
-    double low, high;
-    if (!FiniteRange(values, first, last, low, high)) return line.Part();
+// One column's readings first to last - 1.
+SeriesColumn ColumnOf(const double* values, size_t first, size_t last) {
+    SeriesColumn column;
+    column.readings = true;
+    column.finite = FiniteRange(values, first, last, column.low, column.high);
+    if (!column.finite) return column;
     while (!std::isfinite(values[first])) ++first;
     while (!std::isfinite(values[last - 1])) --last;
-    line.Add(x, values[first]);
-    if (low != high) {
+    column.first = values[first], column.last = values[last - 1];
+    if (column.low != column.high) {
         const double* const begin = values + first;
         const double* const end = values + last;
-        const bool lowFirst = std::find(begin, end, low) < std::find(begin, end, high);
-        line.Add(x, lowFirst ? low : high);
-        line.Add(x, lowFirst ? high : low);
+        column.lowFirst = std::find(begin, end, column.low) < std::find(begin, end, column.high);
     }
-    line.Add(x, values[last - 1]);
+    return column;
+}
+
+void AddColumn(Line& line, const SeriesColumn& column, double x) {
+    if (!column.readings) return;
+    if (!column.finite) return line.Part();
+    line.Add(x, column.first);
+    if (column.low != column.high) {
+        line.Add(x, column.lowFirst ? column.low : column.high);
+        line.Add(x, column.lowFirst ? column.high : column.low);
+    }
+    line.Add(x, column.last);
 }
 }  // namespace
 
@@ -97,38 +108,54 @@ bool FiniteRange(const double* values, size_t first, size_t last, double& low, d
     return low <= high;
 }
 
-ReducedSeries ReduceSeries(const SeriesData& series, const PlotMapping& mapping) {
+ColumnPlan::ColumnPlan(const PlotMapping& mapping) {
     const double span = mapping.toTime - mapping.fromTime, height = mapping.toValue - mapping.fromValue;
-    const LONG width = mapping.right - mapping.left;
-    if (series.count == 0 || width == 0 || !std::isfinite(span) || span == 0 || !std::isfinite(height) || height == 0) return {};
+    const LONG pixels = mapping.right - mapping.left;
+    if (pixels == 0 || !std::isfinite(span) || span == 0 || !std::isfinite(height) || height == 0) return;
+    earliest = std::min(mapping.fromTime, mapping.toTime), latest = std::max(mapping.fromTime, mapping.toTime);
+    columns = static_cast<size_t>(std::abs(pixels)) + 1;
+    width = std::abs(span) / std::abs(pixels);
+    firstX = span > 0 ? mapping.left : mapping.right;
+    step = (span > 0) == (pixels > 0) ? 1 : -1;
+}
+
+bool ColumnPlan::DrawsEach(size_t inView) const { return inView <= columns * kRawPerColumn; }
+
+ReducedSeries DrawColumns(const std::vector<SeriesColumn>& columns, const ColumnPlan& plan, const PlotMapping& mapping) {
+    Line line(mapping);
+    for (size_t i = 0; i < columns.size(); ++i) AddColumn(line, columns[i], plan.X(i));
+    return line.Take();
+}
+
+ReducedSeries ReduceSeries(const SeriesData& series, const PlotMapping& mapping) {
+    const ColumnPlan plan(mapping);
+    if (series.count == 0 || plan.columns == 0) return {};
     const __int64* const begin = series.times;
     const __int64* const end = begin + series.count;
     const auto at = [&](const __int64* from, double time) {
         return std::partition_point(from, end, [time](__int64 t) { return static_cast<double>(t) < time; });
     };
-    const double earliest = std::min(mapping.fromTime, mapping.toTime), latest = std::max(mapping.fromTime, mapping.toTime);
-    const __int64* first = at(begin, earliest);
-    const __int64* last = std::partition_point(first, end, [latest](__int64 t) { return static_cast<double>(t) <= latest; });
+    const __int64* first = at(begin, plan.earliest);
+    const __int64* last = std::partition_point(first, end, [&](__int64 t) { return static_cast<double>(t) <= plan.latest; });
     const auto inView = static_cast<size_t>(last - first);
-    const auto columns = static_cast<size_t>(std::abs(width)) + 1;
     if (first > begin) --first;
     if (last < end) ++last;
 
     Line line(mapping);
-    if (inView <= columns * kRawPerColumn) {
+    if (plan.DrawsEach(inView)) {
         for (const __int64* t = first; t < last; ++t) line.Reading(static_cast<double>(*t), series.values[t - begin]);
         ReducedSeries all = line.Take();
-        all.markers = inView * static_cast<size_t>(kPixelsPerMarker) <= columns;
+        all.markers = inView * static_cast<size_t>(kPixelsPerMarker) <= plan.columns;
         return all;
     }
     // Column by column in the order of time. What lies outside the plot belongs to the columns beside it.
-    const double column = std::abs(span) / std::abs(width), step = (span > 0) == (width > 0) ? 1 : -1;
-    double x = (span > 0) ? mapping.left : mapping.right;
     const __int64* from = first;
-    for (size_t i = 0; from < last; ++i, x += step) {
-        const double border = earliest + (static_cast<double>(i) + 0.5) * column;
-        const __int64* const to = i + 1 >= columns ? last : std::min(at(from, border), last);
-        if (to > from) AddColumn(line, series.values, static_cast<size_t>(from - begin), static_cast<size_t>(to - begin), x);
+    for (size_t i = 0; from < last; ++i) {
+        const __int64* const to = i + 1 >= plan.columns ? last : std::min(at(from, plan.Border(i)), last);
+        if (to > from) {
+            const auto place = [&](const __int64* t) { return static_cast<size_t>(t - begin); };
+            AddColumn(line, ColumnOf(series.values, place(from), place(to)), plan.X(i));
+        }
         from = to;
     }
     return line.Take();

@@ -36,8 +36,33 @@ struct ReducedSeries {
     bool markers = false;                   // so few that each reading deserves a mark of its own
 };
 
+// Which times a mapping shows, and where its pixel columns end; columns count in the order of time.
+struct ColumnPlan {
+    double earliest = 0, latest = 0;  // microseconds
+    size_t columns = 0;               // 0: nothing can be drawn
+    double width = 1;                 // of a column, in microseconds
+    double firstX = 0, step = 1;      // pixels
+
+    ColumnPlan() = default;
+    explicit ColumnPlan(const PlotMapping& mapping);
+    // What comes at or after it belongs to a later column.
+    double Border(size_t column) const { return earliest + (static_cast<double>(column) + 0.5) * width; }
+    double X(size_t column) const { return firstX + static_cast<double>(column) * step; }
+    // So few readings in view are drawn one by one.
+    bool DrawsEach(size_t inView) const;
+    bool operator==(const ColumnPlan&) const = default;
+};
+
+// What one column is drawn from. Without `finite` it parts the line, without `readings` it is passed over.
+struct SeriesColumn {
+    bool readings = false, finite = false, lowFirst = false;
+    double first = 0, low = 0, high = 0, last = 0;
+};
+
 // The readings in view, and one more at each side, so that the line reaches the plot's edges. Nothing for an empty mapping.
 ReducedSeries ReduceSeries(const SeriesData& series, const PlotMapping& mapping);
+// The same from columns that were filled elsewhere, with a plan made of this mapping.
+ReducedSeries DrawColumns(const std::vector<SeriesColumn>& columns, const ColumnPlan& plan, const PlotMapping& mapping);
 
 // The lowest and highest finite value of readings first to last - 1; false when there is none.
 bool FiniteRange(const double* values, size_t first, size_t last, double& low, double& high);

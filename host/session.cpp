@@ -1,44 +1,19 @@
 #include "host/session.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <limits>
 
 #include "afx/collections.h"
 #include "host/console.h"
+#include "host/reading_source.h"
+#include "host/reading_writer.h"
 #include "host/texts.h"
-#include "host/value_text.h"
 
 namespace {
 std::string ReadText(IPropertyDB& db, const std::string& key) {
     CString text;
     db.GetValue(key.c_str(), text);
     return static_cast<const char*>(text);
-}
-
-// The times of which calendar text can be made, microseconds since 1970: the years 1601 to 9999.
-constexpr __int64 kFirstTime = -11'644'473'600'000'000LL, kLastTime = 253'402'300'799'999'999LL;
-
-// 100 ns steps since 1601 for microseconds since 1970, from which the system knows the calendar.
-SYSTEMTIME UtcFields(__int64 microseconds) {
-    const auto ticks = static_cast<unsigned __int64>((microseconds - kFirstTime) * 10);
-    const FILETIME file = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
-    SYSTEMTIME fields = {};
-    FileTimeToSystemTime(&file, &fields);
-    return fields;
-}
-
-std::string Stamp(const SYSTEMTIME& t) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02u.%03u", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute,
-                  t.wSecond, t.wMilliseconds);
-    return text;
-}
-
-std::string CsvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (const char c : text) quoted.append(c == '"' ? 2 : 1, c);
-    return quoted + '"';
 }
 }  // namespace
 
@@ -63,18 +38,40 @@ Session::Session(IPropertyDB& description, const std::string& port)
 
 Session::Session(IPropertyDB& stored, const std::string& path, int) {
     const Failure none{kFileFailed, Say(Text::NoSession, {ToUtf8(path)})};
-    CStringArray keys;
-    if (!stored.Find("Session") || !stored.Enum("Channels", keys, FALSE, FALSE)) throw none;
+    if (!stored.Find("Session") || !stored.Find("Channels")) throw none;
+    TakeNames(stored);
+    stored.GetValue("Session.tTimes", m_times);
+    for (Channel& channel : m_channels) {
+        stored.GetValue(("Channels." + channel.key + ".rValues").c_str(), channel.values);
+        if (channel.values.GetSize() != m_times.GetSize()) throw none;
+    }
+}
+
+Session::Session(IPropertyDB& facts, std::unique_ptr<RecordedSeries> readings) : m_recorded(std::move(readings)) { TakeNames(facts); }
+
+void Session::TakeNames(IPropertyDB& stored) {
     m_family = ReadText(stored, "Session.sFamily");
     m_logger = ReadText(stored, "Session.sLogger");
     m_port = ReadText(stored, "Session.sPort");
-    stored.GetValue("Session.tTimes", m_times);
-    for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
-        const std::string key = static_cast<const char*>(keys.GetAt(i)), at = "Channels." + key;
-        Channel& channel = m_channels.emplace_back(key, ReadText(stored, at + ".sName"), ReadText(stored, at + ".sUnit"));
-        stored.GetValue((at + ".rValues").c_str(), channel.values);
-        if (channel.values.GetSize() != m_times.GetSize()) throw none;
+    for (const std::string& key : ChannelKeys(stored)) {
+        const std::string at = "Channels." + key;
+        m_channels.emplace_back(key, ReadText(stored, at + ".sName"), ReadText(stored, at + ".sUnit"));
     }
+}
+
+size_t Session::Count() const {
+    return m_recorded != nullptr ? static_cast<size_t>(m_recorded->Count()) : static_cast<size_t>(m_times.GetSize());
+}
+
+bool Session::Range(size_t channel, double& low, double& high) const {
+    if (m_recorded != nullptr) return m_recorded->Index().Range(channel, low, high);
+    return FiniteRange(m_channels[channel].values.GetData(), 0, Count(), low, high);
+}
+
+double Session::LastValue(size_t channel) const {
+    if (m_recorded != nullptr) return m_recorded->LastValue(channel);
+    const CDoubleArray& values = m_channels[channel].values;
+    return values.GetSize() > 0 ? values.GetAt(values.GetUpperBound()) : std::numeric_limits<double>::quiet_NaN();
 }
 
 void Session::Add(CVXTTime time, const CDoubleArray& values) {
@@ -85,60 +82,33 @@ void Session::Add(CVXTTime time, const CDoubleArray& values) {
 }
 
 void Session::Store(IPropertyDB& db) const {
+    CInt64Array times;
+    std::vector<CDoubleArray> values;
+    if (m_recorded != nullptr) m_recorded->ReadAll(times, values);
     db.BeginUsing("Session");
     db.SetValue("sFamily", m_family.c_str());
     db.SetValue("sLogger", m_logger.c_str());
     db.SetValue("sPort", m_port.c_str());
-    db.SetValue("tTimes", m_times);
+    db.SetValue("tTimes", m_recorded != nullptr ? times : m_times);
     db.EndUsing();
     db.SetPath("Channels");
-    for (const Channel& channel : m_channels) {
+    for (size_t i = 0; i < m_channels.size(); ++i) {
+        const Channel& channel = m_channels[i];
         db.BeginUsing(("Channels." + channel.key).c_str());
         db.SetValue("sName", channel.name.c_str());
         db.SetValue("sUnit", channel.unit.c_str());
-        db.SetValue("rValues", channel.values);
+        db.SetValue("rValues", m_recorded != nullptr ? values[i] : channel.values);
         db.EndUsing();
+        if (m_recorded != nullptr) values[i].RemoveAll();
     }
+    if (m_recorded != nullptr) m_recorded->Notes().Store(db, ChannelKeys(db));
 }
 
 std::string Session::Table(const std::string& picture) const {
-    std::vector<std::vector<std::string>> columns(1, {Say(Text::Time)});
-    for (INT_PTR row = 0; row < m_times.GetSize(); ++row) columns[0].push_back(TimeTextOf(m_times.GetAt(row)));
-    for (const Channel& channel : m_channels) {
-        auto& column = columns.emplace_back();
-        column.push_back(ToUtf8(channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]"));
-        for (INT_PTR row = 0; row < channel.values.GetSize(); ++row)
-            column.push_back(ShortTextOf(channel.values.GetAt(row), picture));
-    }
-    std::vector<size_t> widths;
-    for (const auto& column : columns) {
-        size_t& width = widths.emplace_back(0);
-        for (const std::string& cell : column) width = std::max(width, WidthOf(cell));
-    }
     std::string table;
-    for (size_t row = 0; row < columns[0].size(); ++row) {
-        for (size_t i = 0; i < columns.size(); ++i) {
-            const std::string& cell = columns[i][row];
-            const std::string padding(widths[i] - WidthOf(cell), ' ');
-            table += i == 0 ? cell + padding : "  " + padding + cell;  // times to the left, numbers to the right
-        }
-        table += '\n';
-    }
+    const std::unique_ptr<ReadingWriter> writer = MakeTableWriter(*this, ChannelsNamed(*this, {}), picture);
+    writer->Heading(table);
+    const std::unique_ptr<ReadingSource> readings = ReadingsOf(*this);
+    while (readings->Next()) writer->Row(table, readings->Time(), readings->Values());
     return table;
-}
-
-std::string Session::Csv() const {
-    std::string csv = "time";
-    for (const Channel& channel : m_channels)
-        csv += ',' + CsvField(ToUtf8(channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]"));
-    csv += '\n';
-    for (INT_PTR row = 0; row < m_times.GetSize(); ++row) {
-        const __int64 at = std::clamp(m_times.GetAt(row), kFirstTime, kLastTime);
-        char micro[8];
-        std::snprintf(micro, sizeof micro, "%03d", static_cast<int>(((at % 1000) + 1000) % 1000));
-        csv += Stamp(UtcFields(at)) + micro + 'Z';
-        for (const Channel& channel : m_channels) csv += ',' + TextOf(channel.values.GetAt(row));
-        csv += '\n';
-    }
-    return csv;
 }

@@ -26,6 +26,7 @@ int Run(CHostApp& app, const std::vector<std::string>& words) {
     MainWindow window(app, MainWindow::Manner::Interactive);
     window.CreateWindowOf(kWindow, SW_SHOWNORMAL);
     if (arguments.Count() > 0) window.Open(arguments.At(0, "FILE"));
+    if (arguments.Count() == 0 && !arguments.Has("--port")) window.OpenUnsaved();
     if (arguments.Has("--port")) {
         DownloadPlan plan;
         plan.port = arguments.Get("--port");

@@ -280,6 +280,7 @@ LRESULT MainWindow::OnCloseWish(WPARAM, LPARAM) {
     }
     m_closing = false;
     if (!MayLeave()) return 0;
+    DropUnsaved();
     DestroyWindow();
     return 0;
 }

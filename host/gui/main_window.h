@@ -33,6 +33,8 @@ public:
     // An empty size is the chart's own.
     bool SavePicture(const std::string& path, SIZE size = {});
     bool Connect(const std::string& loggerFile, const DownloadPlan& plan);
+    // What a window that was killed had downloaded, as if it had just been; nothing else is opened if there is none.
+    void OpenUnsaved();
     // With a logger that is there, of this description. A download of a known length stands under a progress dialog.
     bool Connect(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan);
     bool Command(UINT command);
@@ -78,7 +80,8 @@ private:
     void ShowContextMenu(POINT screen) override;
     void OnDragEnd() override;
     // LiveDownload::Listener
-    void OnReading(CVXTTime time, const CDoubleArray& values) override;
+    void OnReading(__int64 time, const std::vector<double>& values) override;
+    void OnDownloadState(const std::string& sentence) override;
     void OnDownloadEnd(const std::string& sentence) override;
 
     // While it lives a dialog stands over the window, and nothing else can be asked of it.
@@ -114,6 +117,7 @@ private:
     void FillChannels(HMENU menu);
     void UpdateTitle();
     void TakeReadings();
+    void DropUnsaved();
     bool MayLeave();  // what is not saved is saved, or given up by the user
     bool AskAndSave();
     void AskAndOpen();
@@ -136,8 +140,9 @@ private:
     ValueList m_list;
     std::unique_ptr<LiveDownload> m_download;
     std::unique_ptr<CProgressDialog> m_progress;  // of a download of a known length
+    std::string m_unsaved;  // the recording behind the download; empty without
     struct Reading {
-        CVXTTime time;
+        __int64 time;
         std::vector<double> values;
     };
     std::deque<Reading> m_readings;  // that a drag keeps waiting

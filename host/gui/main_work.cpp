@@ -7,6 +7,7 @@
 #include "host/database_file.h"
 #include "host/gui/dialog_progress.h"
 #include "host/gui/main_window.h"
+#include "host/gui/unsaved_recording.h"
 #include "host/logger_file.h"
 #include "platform/picture.h"
 
@@ -16,6 +17,14 @@ constexpr unsigned __int64 kLargeFile = 4 * 1024 * 1024;
 constexpr double kLargePicture = 8e6;  // pixels
 constexpr UINT_PTR kProgressTimer = 1;
 constexpr UINT kProgressPause = 100;  // ms
+}  // namespace
+
+namespace {
+CVXTTime TimeAt(__int64 microseconds) {
+    CVXTTime time;
+    time.SetBinaryTime(microseconds);
+    return time;
+}
 }  // namespace
 
 template <class Work>
@@ -65,8 +74,19 @@ bool MainWindow::Open(const std::string& path) {
     return Try([&] {
         WorkWith(Text::WorkOpen, Text::WorkReading, Text::OpenStopped, path, FileSize(path) >= kLargeFile,
                  [&](WorkProgress& progress) { m_document.Open(path, progress); });
+        if (path != m_unsaved) DropUnsaved();
+        if (!m_document.Note().empty()) m_status = ToHouse(m_document.Note());
         DocumentChanged();
     });
+}
+
+void MainWindow::OpenUnsaved() {
+    const std::vector<std::string> left = UnsavedRecordings();
+    if (left.empty() || !Open(left.front())) return;
+    m_unsaved = left.front();
+    m_document.MarkUnsaved();
+    UpdateTitle();
+    Tell(Say(Text::UnsavedFound, {std::to_string(m_document.GetSession()->Count())}));
 }
 
 bool MainWindow::SaveTo(const std::string& path) {
@@ -75,6 +95,7 @@ bool MainWindow::SaveTo(const std::string& path) {
         TakeReadings();
         WorkWith(Text::WorkSave, Text::WorkWriting, Text::WorkStopped, path, m_document.SizeAs(path) >= kLargeFile,
                  [&](WorkProgress& progress) { m_document.Save(path, progress); });
+        if (!IsDownloading()) DropUnsaved();
         m_status = HouseText(Text::SavedTo, {ToUtf8(path)});
         StateChanged();
     });
@@ -141,25 +162,33 @@ void MainWindow::Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description
     if (IsDownloading()) throw Failure{kWrongUse, Say(Text::DownloadRuns)};
     m_readings.clear();
     m_document.Begin(description, plan.port);
-    m_download.reset(new LiveDownload(std::move(logger), plan, *this));  // a listener in private
-    m_download->Begin();
+    DropUnsaved();
+    if (m_manner == Manner::Interactive) m_unsaved = NewUnsavedRecording();
+    m_download.reset(new LiveDownload(std::move(logger), description, plan, m_unsaved, *this));  // a listener in private
+    m_download->Go();
     m_status = HouseText(Text::Connecting, {ToUtf8(plan.port)});
     DocumentChanged();
     if (plan.count < kForEver) ShowDownload(plan);
     OrvikShedule();
 }
 
-void MainWindow::OnReading(CVXTTime time, const CDoubleArray& values) {
-    Reading reading{time, {}};
-    for (INT_PTR i = 0; i < values.GetSize(); ++i) reading.values.push_back(values.GetAt(i));
-    m_readings.push_back(std::move(reading));
-    m_status = HouseText(Text::LiveProgress, {std::to_string(m_download->Made() + 1), ToUtf8(m_download->Plan().port)});
+void MainWindow::OnReading(__int64 time, const std::vector<double>& values) {
+    m_readings.push_back({time, values});
+    const std::string made = std::to_string(m_download->Made() + 1);
+    m_status = HouseText(Text::LiveProgress, {made, ToUtf8(m_download->Plan().port)});
     if (m_progress != nullptr) {
-        const DWORD made = m_download->Made() + 1, count = m_download->Plan().count;
-        m_progress->SetPos(static_cast<LONG>(made));
-        m_progress->SetMessage2(HouseText(Text::WorkCount, {std::to_string(made), std::to_string(count)}).c_str());
+        m_progress->SetPos(static_cast<LONG>(m_download->Made() + 1));
+        m_progress->SetMessage2(HouseText(Text::WorkCount, {made, std::to_string(m_download->Plan().count)}).c_str());
     }
     if (!IsDragging()) TakeReadings();
+}
+
+void MainWindow::OnDownloadState(const std::string& sentence) { ShowStatus(ToHouse(sentence)); }
+
+// The recording behind a download has done its work: its readings are saved, or their user does not want them.
+void MainWindow::DropUnsaved() {
+    if (!m_unsaved.empty()) ::DeleteFileA(m_unsaved.c_str());
+    m_unsaved.clear();
 }
 
 // A download of a known length is shown over the window, which draws the readings as they come; cancelling keeps them.
@@ -187,7 +216,7 @@ void MainWindow::TakeReadings() {
     for (const Reading& reading : m_readings) {
         CDoubleArray values;
         for (const double value : reading.values) values.Add(value);
-        m_document.GetSession()->Add(reading.time, values);
+        m_document.GetSession()->Add(TimeAt(reading.time), values);
     }
     m_readings.clear();
     m_chart.AfterReadings();

@@ -101,7 +101,7 @@ const std::string& ValueList::CellText(size_t channel, size_t column) const {
         const auto same = [&](const ViewState::Axis& axis) { return axis.unit == shown.unit; };
         const auto axis = std::find_if(state.axes.begin(), state.axes.end(), same);
         const std::string& picture = axis != state.axes.end() ? axis->picture : std::string();
-        FromUtf8(ShortTextOf(shown.values.GetAt(shown.values.GetUpperBound()), picture), m_text);
+        FromUtf8(ShortTextOf(session.LastValue(channel), picture), m_text);
     }
     return m_text;
 }
@@ -109,8 +109,8 @@ const std::string& ValueList::CellText(size_t channel, size_t column) const {
 COLORREF ValueList::ColourOf(size_t channel) const {
     const ViewState& state = m_document.State();
     const Session::Channel& shown = m_document.GetSession()->Channels()[channel];
-    const INT_PTR last = shown.values.GetUpperBound();
-    if (last >= 0 && !std::isfinite(shown.values.GetAt(last))) return kNoNumber;
+    const Session& session = *m_document.GetSession();
+    if (session.Count() > 0 && !std::isfinite(session.LastValue(channel))) return kNoNumber;
     if (std::find(state.hidden.begin(), state.hidden.end(), shown.key) != state.hidden.end()) return kHidden;
     return channel < state.channels.size() ? state.channels[channel].colour : ChartModel::ColourOf(channel);
 }

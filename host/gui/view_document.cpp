@@ -2,13 +2,13 @@
 
 #include "host/database_file.h"
 #include "host/gui/chart_scene.h"
+#include "host/session_file.h"
 
 void ViewDocument::Open(const std::string& path, WorkProgress& progress) {
-    auto db = std::make_unique<CPropertyDB>();
-    LoadDatabase(path, *db, &progress);
-    auto session = std::make_unique<Session>(*db, path, 0);
-    Take(std::move(db), std::move(session), path);
+    SessionFile file = OpenSession(path, &progress);
+    Take(std::move(file.db), std::move(file.session), file.path);
     m_readings = m_session->Count();
+    m_note = file.note;
 }
 
 void ViewDocument::Begin(CPropertyDB& description, const std::string& port) {
@@ -21,6 +21,7 @@ void ViewDocument::Take(std::unique_ptr<CPropertyDB> db, std::unique_ptr<Session
     m_session = std::move(session);
     m_path = path;
     m_readings = 0;
+    m_note.clear();
     m_saved = state;
     m_history.Begin(std::move(state));
 }
@@ -34,15 +35,16 @@ unsigned __int64 ViewDocument::SizeAs(const std::string& path) const {
 
 // Readings may come while the file is written: it then holds those that were there before.
 void ViewDocument::Save(const std::string& path, WorkProgress& progress) {
-    RequireWritable(path);
+    RequireSavable(path, *m_session);
     const ViewState state = State();
     const size_t readings = m_session->Count();
     if (m_readings != m_session->Count()) m_session->Store(*m_db);
     ChartScene::Store(state, *m_session, *m_db);
-    StoreDatabase(path, *m_db, &progress, SizeAs(path));
+    SaveSession(path, *m_session, *m_db, &progress, SizeAs(path));
     m_path = path;
     m_saved = state;
     m_readings = readings;
+    m_note.clear();
 }
 
 std::string ViewDocument::Title() const {

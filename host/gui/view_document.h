@@ -20,6 +20,9 @@ public:
     // A new session, for a download, without a file.
     void Begin(CPropertyDB& description, const std::string& port);
 
+    // It is nowhere that its user knows of: Save asks where to.
+    void MarkUnsaved() { m_path.clear(), m_readings = static_cast<size_t>(-1); }
+
     bool HasSession() const { return m_session != nullptr; }
     Session* GetSession() { return m_session.get(); }
     CPropertyDB& Database() { return *m_db; }
@@ -28,6 +31,8 @@ public:
     const ViewState& State() const { return m_history.State(); }
     // Something that Save would keep.
     bool IsModified() const { return m_session != nullptr && (m_readings != m_session->Count() || State() != m_saved); }
+    // What the user should know of the file that was opened: one sentence in UTF-8, or nothing.
+    const std::string& Note() const { return m_note; }
     std::string Title() const;  // house text: the file's name, or the logger's
 
 private:
@@ -35,7 +40,7 @@ private:
 
     std::unique_ptr<CPropertyDB> m_db = std::make_unique<CPropertyDB>();
     std::unique_ptr<Session> m_session;
-    std::string m_path;
+    std::string m_path, m_note;
     ViewHistory m_history;
     ViewState m_saved;
     size_t m_readings = 0;  // that are in the file

@@ -171,3 +171,14 @@ void Sleep(DWORD milliseconds) {
 
 DWORD GetTickCount() { return static_cast<DWORD>(GetTickCount64()); }
 ULONGLONG GetTickCount64() { return static_cast<ULONGLONG>(NowNs() / kMillisecond); }
+
+BOOL QueryPerformanceCounter(LARGE_INTEGER* count) {
+    timespec now;
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    count->QuadPart = now.tv_sec * 1'000'000'000LL + now.tv_nsec;
+    return TRUE;
+}
+BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
+    frequency->QuadPart = 1'000'000'000;
+    return TRUE;
+}

@@ -29,3 +29,7 @@ ORVIK_API void WINAPI Sleep(DWORD milliseconds);
 // Milliseconds of the monotonic clock; the 32-bit form wraps after 49.7 days.
 ORVIK_API DWORD WINAPI GetTickCount();
 ORVIK_API ULONGLONG WINAPI GetTickCount64();
+
+// A clock for measuring: nanoseconds, going on while the machine sleeps, as it does on Windows. Never fail.
+ORVIK_API BOOL WINAPI QueryPerformanceCounter(LARGE_INTEGER* count);
+ORVIK_API BOOL WINAPI QueryPerformanceFrequency(LARGE_INTEGER* frequency);

@@ -8,6 +8,7 @@ import os
 import pathlib
 import pty
 import re
+import resource
 import shutil
 import signal
 import struct
@@ -110,7 +111,7 @@ class WrongUse(HostTest):
 
 class Download(HostTest):
     def download(self, port, *words, out="session.odb", count=4):
-        return self.host("download", "--port", port, "--out", out, "--count", count, "--interval", 20, *words)
+        return self.host("download", "--port", port, "--out", out, "--count", count, "--interval", 150, *words)
 
     def test_values_and_trace(self):
         port = self.simulate()
@@ -144,7 +145,7 @@ class Download(HostTest):
             return  # its consoles are no terminals here
         port = self.simulate()
         terminal, far = pty.openpty()
-        words = ["download", "--port", port, "--out", "session.odb", "--count", 3, "--interval", 20]
+        words = ["download", "--port", port, "--out", "session.odb", "--count", 3, "--interval", 150]
         done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(), stdout=subprocess.PIPE, stderr=far, timeout=120)
         os.close(far)
         said = os.read(terminal, 65536).decode()
@@ -176,21 +177,130 @@ class Download(HostTest):
         self.assertEqual(self.readings("session.odb"), self.readings("session.xml"))
 
     def test_noise_is_lived_with(self):
-        result = self.download(self.simulate("--fault", "noise"), count=12)
+        result = self.host("download", "--port", self.simulate("--fault", "noise"), "--out", "session.odb", "--count", 8, "--interval", 600)
         self.assertEqual(result.code, 0, result.err)
-        self.assertEqual(len(self.readings("session.odb")), 13)
+        self.assertEqual(len(self.readings("session.odb")), 9)
 
-    def test_a_silent_logger(self):
-        sentence = self.refused(2, "download", "--port", self.simulate("--fault", "silent"), "--out", "s.odb", "--timeout", 150)
-        self.assertIn("Receive timeout", sentence)
-        self.assertFalse((self.folder / "s.odb").exists())
-
-    def test_a_pulled_plug_keeps_what_came_before(self):
-        port = self.simulate("--fault", "unplug")
-        result = self.host("download", "--port", port, "--out", "s.odb", "--count", 50, "--interval", 20, "--timeout", 1000)
+    def test_a_silent_logger_is_a_gap(self):
+        result = self.host("download", "--port", self.simulate("--fault", "silent"), "--out", "s.rec", "--timeout", 100, "--for", "2 s", "--interval", 500)
         self.assertEqual(result.code, 2)
-        self.assertIn(f"{ANSWERS_BEFORE_UNPLUG} readings", result.sentences[0])
-        self.assertEqual(len(self.readings("s.odb")), 1 + ANSWERS_BEFORE_UNPLUG)
+        self.assertIn("Receive timeout; the download goes on", result.sentences[0])
+        self.assertRegex(result.sentences[-1], r"0 readings of 5 channels saved to s\.rec; 4 are missing: 4 x Receive timeout")
+        self.assertEqual(len(self.readings("s.rec")), 2, "the row that marks the hole")
+        self.assertIn("Receive timeout", self.host("show", "s.rec", "--gaps").out)
+        result = self.host("download", "--port", self.simulate("--fault", "silent"), "--out", "s.odb", "--timeout", 100, "--for", "1 h", "--give-up", "1 s")
+        self.assertEqual(result.code, 2)
+        self.assertIn("given up", result.sentences[-1])
+
+    def test_a_pulled_plug_costs_what_was_not_there(self):
+        port = self.simulate("--fault", "unplug")
+        result = self.host("download", "--port", port, "--out", "s.odb", "--for", "2 s", "--interval", 100, "--timeout", 1000)
+        self.assertEqual(result.code, 2)
+        self.assertIn(f"{ANSWERS_BEFORE_UNPLUG} readings", result.sentences[-1])
+        self.assertEqual(len(self.readings("s.odb")), 1 + ANSWERS_BEFORE_UNPLUG + 1, "and the row that marks the hole")
+
+    def test_a_plug_that_comes_back(self):
+        if options.wine:
+            return  # a link in a folder is no port's name there
+        link = self.folder / "line"
+        self.simulate("--fault", "unplug", "--link", link)
+        process = subprocess.Popen(self.command("download", "--port", link, "--out", "s.rec", "--for", "5 s", "--interval", 100), cwd=self.folder,
+                                   env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8")
+        time.sleep(1.5)
+        link.unlink(missing_ok=True)
+        self.simulate("--link", link)
+        _, said = process.communicate(timeout=20)
+        self.assertEqual(process.returncode, 2, said)
+        self.assertIn("there again", said)
+        self.assertGreater(len(self.readings("s.rec")), 20)
+
+    def test_a_killed_download_is_found(self):
+        if options.wine:
+            return  # killing Wine's loader says nothing of the program
+        def killed(name, *words):
+            process = subprocess.Popen(self.command("download", "--port", port, "--out", name, "--count", 1000, "--interval", 20, *words),
+                                       cwd=self.folder, env=self.environment(), stderr=subprocess.DEVNULL)
+            time.sleep(1)
+            process.kill()
+            process.wait()
+
+        port = self.simulate()
+        killed("s.odb")
+        self.assertFalse((self.folder / "s.odb").exists())
+        first = self.readings("s.odb")  # by way of s.odb.rec
+        self.assertGreater(len(first), 10)
+        self.assertIn("recover", self.refused(3, "download", "--port", port, "--out", "s.odb", "--count", 1))
+        result = self.download(port, "--append", out="s.odb", count=2)
+        self.assertEqual(result.code, 0, result.err)
+        again = self.readings("s.odb")
+        self.assertEqual(again[:len(first)], first)
+        self.assertEqual(len(again), len(first) + 1 + 2, "and the row that marks the time between")
+        self.assertIn("did not run", self.host("show", "s.odb", "--gaps").out)
+        self.assertFalse((self.folder / "s.odb.rec").exists())
+        # A session goes on as well, and with another description it does not.
+        self.assertEqual(self.download(port, "--append", out="s.odb", count=2).code, 0)
+        self.assertEqual(len(self.readings("s.odb")), len(again) + 1 + 2)
+        (self.folder / "other.xml").write_text("<PROPERTYDB><PROPERTY name='sFamily'>Modbus</PROPERTY><PROPERTY name='nSlave'>3</PROPERTY><PATH name='Channels'>"
+                                               "<PATH name='a'><PROPERTY name='nRegister'>7</PROPERTY><PROPERTY name='sType'>int16</PROPERTY></PATH></PATH></PROPERTYDB>")
+        self.assertIn("another description", self.refused(1, "download", "--port", port, "--logger", "other.xml", "--out", "s.odb", "--append"))
+        killed("k.odb")
+        kept = self.readings("k.odb")
+        self.assertEqual(self.host("recover", "k.odb").code, 0)
+        self.assertEqual(self.readings("k.odb"), kept)
+
+    def test_nothing_of_a_users_is_replaced(self):
+        port = self.simulate()
+        (self.folder / "precious.txt").write_text("precious")
+        self.assertIn("no session", self.refused(3, "download", "--port", port, "--out", "precious.txt", "--count", 1))
+        self.assertEqual(self.download(port, out="s.odb").code, 0)
+        self.assertEqual(self.download(port, out="s.odb", count=2).code, 0, "what a download made goes")
+        self.assertEqual(len(self.readings("s.odb")), 3)
+        self.host("db", "set", "s.odb", "Chart.Tags.Comment #0.sText", "mine")
+        self.assertIn("1 comments", self.refused(3, "download", "--port", port, "--out", "s.odb", "--count", 1))
+        self.assertEqual(self.download(port, "--force", out="s.odb", count=1).code, 0)
+        for one, other in [("--logger", "--out"), ("--csv", "--out"), ("--trace", "--csv")]:
+            words = {"--out": "a.odb", one: "same.xml", other: "same.xml"}
+            self.assertIn("same file", self.refused(1, "download", "--port", port, *[word for pair in words.items() for word in pair]))
+        self.assertEqual((self.folder / "precious.txt").read_text(), "precious")
+
+    def test_lines_as_they_come_and_files_by_size(self):
+        port = self.simulate()
+        result = self.download(port, "--csv", "-", out="s.rec", count=5)
+        self.assertEqual(result.code, 0, result.err)
+        self.assertEqual(list(csv.reader(io.StringIO(result.out))), self.readings("s.rec"))
+        self.assertEqual(self.download(port, "--csv", "lines.csv", out="t.odb").code, 0)
+        self.assertEqual(list(csv.reader(io.StringIO((self.folder / "lines.csv").read_text(encoding="utf-8")))), self.readings("t.odb"))
+        self.assertEqual(self.download(port, "--rotate", "1 s", out="r.odb", count=12).code, 0)
+        files = sorted(path.name for path in self.folder.glob("r-*"))
+        self.assertGreaterEqual(len(files), 2)
+        for name in files:
+            self.assertRegex(name, r"^r-\d{8}T\d{6}Z\.odb$")
+        self.assertEqual(sum(len(self.readings(name)) - 1 for name in files), 12)
+
+    def test_a_full_disk_is_told_and_keeps_what_was_recorded(self):
+        if options.wine:
+            return  # it has no limits on files
+        process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", "s.rec", "--count", 60, "--interval", 20), cwd=self.folder,
+                                   env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8", restore_signals=False,
+                                   preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (4000, 4000)))
+        _, said = process.communicate(timeout=20)
+        self.assertEqual(process.returncode, 3, said)
+        self.assertIn("cannot be written", said.splitlines()[0])
+        kept = len(self.readings("s.rec")) - 1
+        self.assertIn(f"{kept} readings of 5 channels saved", said.splitlines()[-1])
+        lost = int(re.search(r"(\d+) readings could not be written", said.splitlines()[-1]).group(1))
+        self.assertTrue(kept > 10 and lost > 10 and kept + lost <= 60, said)
+
+    def test_one_reading(self):
+        port = self.simulate()
+        result = self.host("read", "--port", port)
+        self.assertEqual(result.code, 0, result.err)
+        self.assertEqual(len(result.out.splitlines()), 6)
+        self.assertRegex(result.out, r"Air temperature +[\d.]+ °C")
+        self.assertEqual(len(list(csv.reader(io.StringIO(self.host("read", "--port", port, "--csv").out)))[1]), 6)
+        self.assertIsInstance(json.loads(self.host("read", "--port", port, "--json").out)["Air temperature"], float)
+        self.assertIn("Receive timeout", self.refused(2, "read", "--port", self.simulate("--fault", "silent"), "--timeout", 100))
+        self.assertIn("COM250", self.refused(2, "read", "--port", "COM250"))
 
     def test_ports_that_cannot_be_opened(self):
         self.assertIn("COM250", self.refused(2, "download", "--port", "COM250", "--out", "s.odb"))
@@ -290,18 +400,18 @@ class Download(HostTest):
     def test_a_download_outlives_its_terminal_when_told_to(self):
         if options.wine:
             return  # as above
-        process = subprocess.Popen(["nohup", *self.command("download", "--port", self.simulate(), "--out", "s.odb", "--count", 100, "--interval", 20)],
+        process = subprocess.Popen(["nohup", *self.command("download", "--port", self.simulate(), "--out", "s.odb", "--count", 30, "--interval", 100)],
                                    cwd=self.folder, env=self.environment(), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         time.sleep(1)
         process.send_signal(signal.SIGHUP)
-        self.assertEqual(process.wait(timeout=20), 0)
-        self.assertEqual(len(self.readings("s.odb")), 101)
+        self.assertIn(process.wait(timeout=20), (0, 2))  # 2 where this machine was too busy for all of them
+        self.assertGreater(len(self.readings("s.odb")), 20)
 
     def test_closed_streams_leave_the_files_alone(self):
         if options.wine:
             return  # Wine opens the streams again by itself
         port = self.simulate()
-        call = self.command("download", "--port", port, "--out", "s.odb", "--count", 3, "--interval", 20, "--trace", "t.txt", "--hex")
+        call = self.command("download", "--port", port, "--out", "s.odb", "--count", 3, "--interval", 150, "--trace", "t.txt", "--hex")
         script = 'exec "$@" <&- >&- 2>&-'
         done = subprocess.run(["sh", "-c", script, "sh", *call], cwd=self.folder, env=self.environment())
         self.assertEqual(done.returncode, 0)
@@ -340,6 +450,143 @@ class Peer(HostTest):
         self.assertEqual([row[0] for row in rows], sorted({row[0] for row in rows}))
         for row in rows:
             self.assertEqual([float(value) for value in row[1:]], [float(value) for *_, value in channels] + [60000.0])
+
+
+class Recordings(HostTest):
+    def make(self, name, *words):
+        done = subprocess.run([*([options.wine] if options.wine else []), options.maker, name, *map(str, words)], cwd=self.folder, env=self.environment(), timeout=120)
+        self.assertEqual(done.returncode, 0)
+
+    def keep_open(self, name, *words):
+        """A recording that grows by a reading for every line written to the process that this gives."""
+        maker = subprocess.Popen([*([options.wine] if options.wine else []), options.maker, name, *map(str, words), "more"], cwd=self.folder,
+                                 env=self.environment(), stdin=subprocess.PIPE, stdout=subprocess.PIPE, encoding="utf-8")
+        self.addCleanup(maker.stdout.close)
+        self.addCleanup(maker.communicate, "end\n")
+        self.grow(maker)
+        return maker
+
+    def grow(self, maker):
+        maker.stdin.write("one\n")
+        maker.stdin.flush()
+        self.assertEqual(maker.stdout.readline().strip(), "made")
+
+    def done(self, *words, **more):
+        result = self.host(*words, **more)
+        self.assertEqual(result.code, 0, result.err)
+        return result
+
+    def test_every_form_holds_the_same(self):
+        self.make("a.rec", 120, 3, "gap", 60, 20, "ended")
+        rows, gaps = self.readings("a.rec"), self.done("show", "a.rec", "--gaps").out
+        self.assertEqual(rows[0], ["time", "Channel 0 [°C]", "Channel 1 [%]", "Channel 2 [°C]"])
+        self.assertEqual(len(rows), 102)  # the gap's row stands for 20
+        self.assertEqual([row[1:] for row in rows if row[0].endswith("20:27:40.000000Z")], [["", "", ""]])
+        self.assertEqual(rows[1][2], "")
+        self.assertEqual(len(gaps.splitlines()), 3)
+        self.assertRegex(gaps, r"missing: 20 readings, attempts: 60, Receive timeout \(no answer; none\)")
+        # By way of each other; a ";" would part a text of the XML form.
+        for origin, target in [("a.rec", "b.odb"), ("b.odb", "c.xml"), ("c.xml", "d.rec"), ("d.rec", "e.xml"), ("e.xml", "f.odb"), ("a.rec", "g.rec")]:
+            self.done("convert", origin, target)
+            self.assertEqual(self.readings(target), rows, target)
+            self.assertEqual(self.done("show", target, "--gaps").out, gaps if target == "g.rec" else gaps.replace("; none", ", none"))
+        self.assertEqual(self.host("db", "list", "b.odb").out, self.host("db", "list", "f.odb").out)
+        self.done("convert", "d.rec", "h.csv")
+        self.done("convert", "h.csv", "i.odb")
+        self.assertEqual(self.readings("i.odb"), rows)
+        local = self.done("show", "a.rec", "--csv", "--local", language="sv_SE.UTF-8").out
+        self.assertEqual(local.splitlines()[3].split(";")[1:], ["0,25", "0,375", "0,5"])
+        (self.folder / "l.csv").write_text(local, encoding="utf-8")
+        self.done("convert", "l.csv", "m.odb")
+        self.assertEqual(self.readings("m.odb"), rows)
+        before = (self.folder / "b.odb").read_bytes()
+        self.assertIn("--force", self.refused(3, "convert", "a.rec", "b.odb"))
+        self.assertIn("same file", self.refused(1, "convert", "a.rec", "./a.rec"))
+        self.assertIn(".xml", self.refused(1, "convert", "a.rec", "a.txt"))
+        self.assertEqual((self.folder / "b.odb").read_bytes(), before)
+        self.done("convert", "h.csv", "b.odb", "--force")
+
+    def test_faults_in_text_have_their_line(self):
+        head = "time,a [b]\n2026-05-28T20:26:40.000000Z,1\n"
+        for text, line in [("", 0), ("x,y\n", 1), (head + "2026-05-28T20:26:41Z,1,2\n", 3), (head + "2026-05-28,1\n", 3), (head + "2026-05-28T20:26:39Z,1\n", 3),
+                           (head + "\n2026-05-28T20:26:41Z,1;2\n", 4), (head + '2026-05-28T20:26:41Z,"1\n', 3), ("time,\u0394\n", 1)]:
+            (self.folder / "a.csv").write_text(text, encoding="utf-8")
+            self.assertIn(f"line {line}:", self.refused(3, "convert", "a.csv", "a.odb"))
+            self.assertFalse((self.folder / "a.odb").exists())
+
+    def test_recover_folds_what_a_killed_download_left(self):
+        self.make("a.odb.rec", 50, 2, "gap", 20, 5)
+        with open(self.folder / "a.odb.rec", "ab") as file:
+            file.write(b"\xD7\x4F\x02\0\x1A")  # a block that was being written
+        result = self.done("show", "a.odb", "--csv")
+        self.assertIn("opened a.odb.rec", result.err)
+        self.make("b.rec", 10, 2)
+        said = self.done("recover", "a.odb").out
+        self.assertIn("45 readings and 1 gaps", said)
+        self.assertIn("5 bytes", said)
+        self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["a.odb", "b.rec"])
+        self.assertEqual(self.done("show", "a.odb", "--csv").out, result.out)
+        self.assertIn("no recording", self.refused(3, "recover", "a.odb"))
+        self.done("recover", "b.rec")
+        self.assertTrue((self.folder / "b.rec").exists())
+        self.assertIn("--force", self.refused(3, "recover", "b.rec"))
+        self.make("a.odb.rec", 3, 2)
+        self.assertIn("orvikhost recover", self.done("show", "a.odb").err)
+        self.done("recover", "a.odb.rec", "--force")
+        self.assertEqual(len(self.readings("a.odb")), 4)
+        maker = self.keep_open("c.odb.rec", 2, 1)
+        self.assertIn("stop it", self.refused(3, "recover", "c.odb"))
+        self.assertIn("another name", self.host("chart", "c.odb", "--out", "c.svg", "--clear-tags", "--tag", "2026-05-28T20:26:41Z;0.1;x").err)
+        self.grow(maker)
+        self.assertFalse((self.folder / "c.odb").exists())
+
+    def test_parts_of_a_session(self):
+        self.make("a.rec", 100, 2, "gap", 90, 5)
+        self.done("convert", "a.rec", "a.odb")
+        for name in ("a.rec", "a.odb"):
+            def rows(*words):
+                return self.done("show", name, "--csv", *words).out.splitlines()[1:]
+            self.assertEqual(len(rows("--from", "2026-05-28T20:27:00Z")), 76)
+            self.assertEqual(len(rows("--from", "2026-05-28T20:27:00Z", "--to", "2026-05-28T20:27:09Z")), 10)
+            self.assertEqual(len(rows("--last", "9.5 s")), 6)
+            self.assertEqual([row.count(",") for row in rows("--channel", "c1", "--every", "40")][0], 1)
+            self.assertEqual(len(rows("--every", "40", "--to", "2026-05-28T20:28:00Z")), 3)
+            self.assertIn("5 readings are missing", self.host("show", name).err)
+            lines = [json.loads(line) for line in self.done("show", name, "--json").out.splitlines()]
+            self.assertEqual(lines[0], {"time": "2026-05-28T20:26:40.000000Z", "Channel 0": 0, "Channel 1": None})
+            self.assertEqual(self.done("show", name, "--csv", "--separator", "tab").out.splitlines()[0], "time\tChannel 0 [°C]\tChannel 1 [%]")
+            table = self.done("show", name).out.splitlines()
+            self.assertEqual({len(cell.split(".")[1]) for line in table[2:80] for cell in line.split()[3:]}, {4})
+        for words in [("--csv", "--json"), ("--gaps", "--picture", "#"), ("--last", "1 s", "--to", "2026-05-28T20:28:00Z"), ("--separator", ";"), ("--local",),
+                      ("--csv", "--separator", "ab"), ("--csv", "--separator", "."), ("--last", "soon"), ("--every", "0"), ("--channel", "x"), ("--follow", "--gaps")]:
+            self.refused(1, "show", "a.rec", *words)
+        self.assertIn("does not grow", self.refused(1, "show", "a.odb", "--follow"))
+
+    def test_following_goes_on_into_the_next_file(self):
+        self.make("a.rec", 2, 1, "next", "b.rec")
+        maker = self.keep_open("b.rec", 2, 1)
+        follower = subprocess.Popen(self.command("show", "a.rec", "--csv", "--follow"), cwd=self.folder, env=self.environment(), stdout=subprocess.PIPE, encoding="utf-8")
+        self.addCleanup(follower.stdout.close)
+        lines = [follower.stdout.readline() for _ in range(6)]
+        self.grow(maker)
+        lines.append(follower.stdout.readline())
+        self.assertEqual([line.split(",")[1].strip() for line in lines[1:]], ["0", "0.125", "0", "0.125", "0.25", "0.375"])
+        maker.stdin.write("end\n")
+        maker.stdin.flush()
+        self.assertEqual(follower.wait(timeout=20), 0)
+
+    def test_damage_is_told_and_costs_no_more(self):
+        self.make("a.rec", 5000, 2)
+        data = bytearray((self.folder / "a.rec").read_bytes())
+        for at in (2000, 60000):
+            data[at] ^= 1
+        (self.folder / "a.rec").write_bytes(data)
+        for words in (("show", "a.rec", "--csv"), ("convert", "a.rec", "a.odb")):
+            self.assertIn("bytes of a.rec are damaged", self.done(*words).err)
+        self.assertEqual(len(self.readings("a.odb")), 4999)
+        (self.folder / "b.rec").write_bytes(b"ORVIKREC" + bytes(100))
+        for words in (("show", "b.rec"), ("convert", "b.rec", "c.odb"), ("recover", "b.rec"), ("chart", "b.rec", "--out", "b.png")):
+            self.assertIn("b.rec", self.refused(3, *words))
 
 
 class Plugins(HostTest):
@@ -532,13 +779,13 @@ class Regional(HostTest):
 
     def test_spans_and_pictures(self):
         port = self.simulate()
-        result = self.host("download", "--port", port, "--out", "s.odb", "--interval", "0.05 s", "--for", "200 ms", "--timeout", "1 s")
+        result = self.host("download", "--port", port, "--out", "s.odb", "--interval", "0.2 s", "--for", "800 ms", "--timeout", "1 s")
         self.assertEqual(result.code, 0, result.err)
         self.assertEqual(len(self.readings("s.odb")), 1 + 4)
         rows = self.host("show", "s.odb", "--picture", "###.#").out.splitlines()
         self.assertRegex(rows[1], r" 2\d\.\d ")
         for language in ("en_US.UTF-8", "sv_SE.UTF-8"):  # a span reads the same for everybody
-            result = self.host("download", f"--port={port}", "--out=t.odb", "--interval", "0,05 sek", "--for", "0.2 s", language=language)
+            result = self.host("download", f"--port={port}", "--out=t.odb", "--interval", "0,2 sek", "--for", "0.8 s", language=language)
             self.assertEqual(result.code, 0, result.err)
             self.assertEqual(len(self.readings("t.odb")), 1 + 4)
         self.assertIn("--interval", self.refused(1, "download", "--port", port, "--out", "s.odb", "--interval", "5 parsec"))
@@ -596,8 +843,16 @@ class Demo(HostTest):
         rows = self.readings("out/session.odb")
         self.assertEqual(len(rows), 81)
         # The comment where the first channel is lowest, as the chart shows it and the session keeps it.
-        comments = [line for line in self.host("db", "list", "out/session.odb").out.splitlines() if "Lowest: " in line]
+        comments = [line for line in self.host("db", "list", "out/session.odb").out.splitlines() if "Lowest: " in line and "Tags" in line]
         self.assertEqual(len(comments), 1)
+        # It may be done again, but not over what a user wrote, or over what came there otherwise.
+        words = ["demo"] + (["--port", self.simulate()] if options.wine else [])
+        self.assertEqual(self.host(*words).code, 0)
+        self.assertEqual(self.host("db", "set", "out/session.odb", "Chart.Tags.Comment #7.sText", "mine").code, 0)
+        self.assertIn("1 comments", self.refused(3, *words))
+        self.assertEqual(self.host(*words, "--force").code, 0)
+        (self.folder / "out" / "session.odb").unlink()
+        self.assertIn("session.xml is there already", self.refused(3, *words).replace("\\", "/"))
         self.assertIn("Lowest: %.6g °C" % min(float(row[1]) for row in rows[1:]), comments[0])
         ElementTree.parse(io.StringIO((self.folder / "out" / "session.xml").read_bytes().decode("cp1252").replace("encoding=\"UTF-8\"", "")))
 
@@ -609,6 +864,7 @@ if __name__ == "__main__":
     parser.add_argument("--wine")
     parser.add_argument("--preload")
     parser.add_argument("--server")
+    parser.add_argument("--maker")
     options, rest = parser.parse_known_args()
     options.host, options.simulator = os.path.abspath(options.host), os.path.abspath(options.simulator)
     with tempfile.TemporaryDirectory(prefix="orvik-records-") as options.records:

@@ -8,6 +8,8 @@
 
 #include "frame/app_stock.h"
 #include "host/database_file.h"
+#include "host/gui/unsaved_recording.h"
+#include "record/recorder.h"
 #include "tests/host/gui/hands.h"
 
 void Hands::WriteSession(const std::string& path, int readings) {
@@ -472,3 +474,40 @@ TEST_F(WindowTest, AThousandGesturesUndoneGiveTheFirstPictureBack) {
     EXPECT_EQ(hands.Difference(hands.Settled(), lastPicture), "");
 }
 }  // namespace
+
+// What a window that was killed had downloaded is found by the next one, until it is saved.
+TEST_F(WindowTest, AnUnsavedDownloadIsFoundAgain) {
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::path(testing::TempDir()) / "orvik-unsaved";
+    fs::remove_all(folder);
+    static std::string setting;
+    setting = "ORVIK_UNSAVED=" + folder.string();
+    ::putenv(setting.data());
+    Hands second;
+    second.window->OpenUnsaved();
+    EXPECT_FALSE(second.window->Document().HasSession());
+    {
+        CPropertyDB facts;
+        facts.SetValue("Session.sLogger", "Inlet");
+        facts.SetValue("Channels.1.sName", "Level");
+        CRecorder recorder;
+        ASSERT_EQ(recorder.Create(NewUnsavedRecording(), facts), 0u);
+        for (int i = 0; i < 3; ++i) {
+            const double value = i;
+            recorder.AddReading(1'000'000 * (i + 1), &value);
+        }
+        EXPECT_TRUE(UnsavedRecordings().empty()) << "somebody records into it";
+    }
+    ASSERT_EQ(UnsavedRecordings().size(), 1u);
+    second.window->OpenUnsaved();
+    ASSERT_TRUE(second.window->Document().HasSession());
+    EXPECT_EQ(second.window->Document().GetSession()->Count(), 3u);
+    EXPECT_TRUE(second.window->Document().IsModified());
+    EXPECT_TRUE(second.window->Document().Path().empty());
+    const std::string file = (folder / "kept.odb").string();
+    ASSERT_TRUE(second.window->SaveTo(file));
+    EXPECT_FALSE(second.window->Document().IsModified());
+    EXPECT_TRUE(UnsavedRecordings().empty());
+    ASSERT_TRUE(second.window->Open(file));
+    EXPECT_EQ(second.window->Document().GetSession()->Count(), 3u);
+}

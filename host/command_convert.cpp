@@ -1,0 +1,79 @@
+// convert: a session in another form: recording, archive, XML or text.
+#include "host/arguments.h"
+#include "host/commands.h"
+#include "host/csv_file.h"
+#include "host/database_file.h"
+#include "host/reading_source.h"
+#include "host/reading_writer.h"
+#include "host/recording_copy.h"
+#include "host/recording_files.h"
+#include "host/session_file.h"
+#include "host/texts.h"
+#include "platform/file_replacement.h"
+
+namespace {
+bool EndsIn(const std::string& path, const char* wanted) {
+    CString end = path.size() < 4 ? "" : path.substr(path.size() - 4).c_str();
+    end.MakeLower();
+    return end == wanted;
+}
+
+SessionFile OpenAny(const std::string& path) {
+    if (!EndsInCsv(path) || IsRecording(path)) return OpenSession(path);
+    SessionFile file;
+    file.path = path;
+    LoadCsv(path, *file.db);
+    file.session = std::make_unique<Session>(*file.db, path, 0);
+    return file;
+}
+
+void StoreCsv(const std::string& path, const Session& session) {
+    constexpr size_t kBlock = 1 << 20;
+    const auto check = [&](DWORD error) {
+        if (error != ERROR_SUCCESS) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})};
+    };
+    orvik::detail::FileReplacement replacement;
+    check(replacement.Begin(path));
+    std::string text;
+    const auto write = [&] {
+        DWORD written = 0;
+        if (!WriteFile(replacement.File(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr)) check(GetLastError());
+        if (written != text.size()) check(ERROR_DISK_FULL);
+        text.clear();
+    };
+    const std::unique_ptr<ReadingWriter> writer = MakeCsvWriter(session, ChannelsNamed(session, {}), {});
+    writer->Heading(text);
+    const std::unique_ptr<ReadingSource> readings = ReadingsOf(session);
+    while (readings->Next()) {
+        writer->Row(text, readings->Time(), readings->Values());
+        if (text.size() >= kBlock) write();
+    }
+    write();
+    check(replacement.Commit());
+}
+}  // namespace
+
+ExitCode RunConvert(CHostApp&, const Words& words) {
+    const Arguments arguments(words, {}, {"--force"}, 2);
+    const std::string &from = arguments.At(0, "FROM"), &to = arguments.At(1, "TO");
+    if (!EndsIn(to, ".rec") && !EndsIn(to, ".odb") && !EndsIn(to, ".xml") && !EndsIn(to, ".csv"))
+        throw Failure{kWrongUse, Say(Text::NotAFormName, {ToUtf8(to)})};
+    if (SameFile(from, to)) throw Failure{kWrongUse, Say(Text::OptionsSame, {"FROM", "TO"})};
+    if (FileExists(to) && !arguments.Has("--force")) throw Failure{kFileFailed, Say(Text::FileThere, {ToUtf8(to)})};
+    RequireWritable(to);
+    if (IsRecording(to)) RequireNobodyRecords(to);
+    const SessionFile file = OpenAny(from);
+    if (SameFile(file.path, to)) throw Failure{kWrongUse, Say(Text::OptionsSame, {"FROM", "TO"})};
+    if (!file.note.empty()) PrintError(file.note);
+    if (EndsIn(to, ".rec")) {
+        StoreAsRecording(to, *file.session, *file.db);
+    } else if (EndsIn(to, ".csv")) {
+        StoreCsv(to, *file.session);
+    } else if (file.session->Recorded() != nullptr) {
+        FoldRecording(file.path, to);
+    } else {
+        StoreDatabase(to, *file.db, nullptr, FileSize(file.path));
+    }
+    Print(Say(Text::Converted, {ToUtf8(to)}));
+    return kDone;
+}

@@ -1,0 +1,102 @@
+#include "host/gap_list.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <vector>
+
+#include "comm/comm_exception.h"
+#include "host/texts.h"
+#include "host/value_text.h"
+#include "time/span_text.h"
+
+namespace {
+std::string KindInWords(unsigned kind) {
+    switch (kind) {
+        case RE_STARTED:
+            return Say(Text::EventStarted);
+        case RE_CONNECTED:
+            return Say(Text::EventConnected);
+        case RE_LOST:
+            return Say(Text::EventLost);
+        case RE_CLOCK_STEPPED:
+            return Say(Text::EventClockStepped);
+        case RE_CLOCK_AGREES:
+            return Say(Text::EventClockAgrees);
+        case RE_TAG:
+            return Say(Text::EventTag);
+        case RE_CONTINUED:
+            return Say(Text::EventContinued);
+        case RE_ENDED:
+            return Say(Text::EventEnded);
+        default:
+            return {};  // of a kind that later versions know
+    }
+}
+
+// With its sign: the clock was set on or back by so much.
+std::string StepInWords(__int64 microseconds) {
+    constexpr __int64 kLongest = std::numeric_limits<__int64>::max();
+    const CVXTTimeSpan span(microseconds < -kLongest ? kLongest : std::abs(microseconds), TST_MICROSECONDS);
+    CString text;
+    _NlsSetShortTimeSpan(text, span, nullptr, -1);
+    return (microseconds < 0 ? "-" : "+") + ToUtf8(text.GetString());
+}
+
+std::string GapLine(const CRecordedGap& gap, const Session& session) {
+    std::string channels;
+    for (const WORD place : gap.channels) {
+        if (place < session.Channels().size()) channels += (channels.empty() ? "" : ", ") + ToUtf8(session.Channels()[place].name);
+    }
+    std::string line = TimeTextOf(gap.from) + "  " + TimeTextOf(gap.until) + "  ";
+    line += Say(Text::GapLine, {std::to_string(gap.missed), std::to_string(gap.attempts), CauseInWords(gap.cause)});
+    if (!gap.text.empty()) line += " (" + ToUtf8(gap.text) + ")";
+    if (!channels.empty()) line += ": " + channels;
+    return line;
+}
+
+std::string EventLine(const CRecordedEvent& event) {
+    std::string line = TimeTextOf(event.time) + "  " + KindInWords(event.kind);
+    if (event.kind == RE_CLOCK_STEPPED) line += " " + StepInWords(event.amount);
+    if (!event.text.empty()) line += " (" + ToUtf8(event.text) + ")";
+    return line;
+}
+}  // namespace
+
+std::string CauseInWords(unsigned cause) {
+    switch (cause) {
+        case GC_STALLED:
+            return Say(Text::GapStalled);
+        case GC_DISK:
+            return Say(Text::GapDisk);
+        case GC_NOT_RUNNING:
+            return Say(Text::GapNotRunning);
+        case GC_PLUGIN:
+            return Say(Text::GapPlugin);
+        default:
+            break;
+    }
+    // The module's own words for a failed exchange, and the ones for a code that has none.
+    constexpr unsigned kFirst = 828, kOther = 838;
+    CString text;
+    text.LoadString(cause <= CCommException::SessionAborted ? kFirst + cause : kOther);
+    return ToUtf8(text.GetString());
+}
+
+std::string GapList(const RecordedNotes& notes, const Session& session, TimeRange range) {
+    struct Line {
+        __int64 time;
+        std::string text;
+    };
+    std::vector<Line> lines;
+    for (const CRecordedGap& gap : notes.Gaps()) {
+        if (gap.until >= range.from && gap.from <= range.to) lines.push_back({gap.from, GapLine(gap, session)});
+    }
+    for (const CRecordedEvent& event : notes.Events()) {
+        if (event.time >= range.from && event.time <= range.to && !KindInWords(event.kind).empty()) lines.push_back({event.time, EventLine(event)});
+    }
+    std::stable_sort(lines.begin(), lines.end(), [](const Line& a, const Line& b) { return a.time < b.time; });
+    std::string text;
+    for (const Line& line : lines) text += line.text + '\n';
+    return text;
+}

@@ -1,0 +1,225 @@
+#include "host/measurement/recording_writer.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "host/console.h"
+#include "host/texts.h"
+
+namespace {
+// "20261122T011234Z", which sorts by time and can stand in any file's name.
+std::string NameOf(__int64 time) {
+    constexpr __int64 k1601 = 11'644'473'600'000'000;
+    const auto ticks = static_cast<unsigned __int64>((time + k1601) * 10);
+    const FILETIME file = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+    SYSTEMTIME t = {};
+    FileTimeToSystemTime(&file, &t);
+    char text[64];
+    std::snprintf(text, sizeof text, "%04u%02u%02uT%02u%02u%02uZ", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond);
+    return text;
+}
+
+// In front of the last ending, or of the last two of "x.odb.rec".
+std::string WithTime(const std::string& path, const std::string& time, const std::string& target) {
+    const std::string& base = target.empty() ? path : target;
+    const size_t slash = base.find_last_of("/\\"), dot = base.find_last_of('.');
+    const bool ending = dot != std::string::npos && (slash == std::string::npos || dot > slash + 1);
+    const size_t at = ending ? dot : base.size();
+    return base.substr(0, at) + "-" + time + base.substr(at);
+}
+
+class SystemStore : public IRecordingStore {
+public:
+    bool Exists(const std::string& path) override { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+    DWORD Create(const std::string& path, CPropertyDB& facts, CRecorder& recorder) override {
+        if (!Exists(path)) return recorder.Create(path, facts);
+        // Whoever records into the one that is to be replaced must not go on into nothing; and it stays until the new one is whole.
+        std::unique_ptr<IRecordingFile> held;
+        DWORD error = CRecordingFile::OpenToWrite(path, CRecordingFile::kForceEvery, held);
+        held.reset();
+        if (error == ERROR_SHARING_VIOLATION) return error;
+        const std::string fresh = path + ".new";
+        DeleteFileA(fresh.c_str());
+        error = recorder.Create(fresh, facts);
+        if (error == ERROR_SUCCESS) error = recorder.Close();
+        if (error == ERROR_SUCCESS && !MoveFileExA(fresh.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            error = GetLastError();
+        if (error == ERROR_SUCCESS) return recorder.Resume(path);
+        DeleteFileA(fresh.c_str());
+        return error;
+    }
+    DWORD Resume(const std::string& path, CRecorder& recorder) override { return recorder.Resume(path); }
+};
+}  // namespace
+
+IRecordingStore& IRecordingStore::System() {
+    static SystemStore store;
+    return store;
+}
+
+RecordingWriter::RecordingWriter(CPropertyDB& facts, Plan plan, Listener& listener, IRecordingStore& store)
+    : m_facts(facts), m_plan(std::move(plan)), m_listener(listener), m_store(store) {}
+
+RecordingWriter::File RecordingWriter::NameFor(__int64 time) const {
+    if (m_plan.rotateEvery == 0 && m_plan.rotateSize == 0) return {m_plan.path, m_plan.target};
+    for (int number = 1;; ++number) {
+        const std::string name = NameOf(time) + (number > 1 ? "-" + std::to_string(number) : "");
+        const std::string timed = WithTime(m_plan.path, name, m_plan.target);
+        const File file = m_plan.target.empty() ? File{timed, {}} : File{timed + ".rec", timed};
+        if (!m_store.Exists(file.recording) && (file.target.empty() || !m_store.Exists(file.target))) return file;
+    }
+}
+
+DWORD RecordingWriter::Create(const File& file, __int64 time) {
+    const bool resumes = m_plan.append && m_store.Exists(file.recording);
+    const DWORD error = resumes ? m_store.Resume(file.recording, *m_recorder) : m_store.Create(file.recording, m_facts, *m_recorder);
+    if (error != ERROR_SUCCESS) return error;
+    m_files.push_back(file);
+    m_fileBegan = time;
+    m_listener.OnFile(file.recording);
+    return ERROR_SUCCESS;
+}
+
+IMeasurementSink::Begin RecordingWriter::OnBegin(__int64 time) {
+    const File file = NameFor(time);
+    if (const DWORD error = Create(file, time)) {
+        if (error == ERROR_SHARING_VIOLATION) throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(file.recording)})};
+        throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(file.recording), Reason(error)})};
+    }
+    m_begun = true;
+    Begin begin;
+    begin.nextGap = m_recorder->LastGap() + 1;
+    begin.lastTime = m_recorder->LastTime();
+    begin.resumed = m_recorder->ReadingCount() > 0;
+    if (m_recorder->ReadingCount() > 0) {
+        // What lies between the earlier run and this one, with the row that parts them.
+        CRecordedGap gap;
+        gap.number = begin.nextGap++;
+        gap.from = begin.lastTime + 1;
+        gap.until = std::max(time, gap.from + 1);
+        gap.cause = GC_NOT_RUNNING;
+        if (m_plan.interval > 0 && time > begin.lastTime) gap.missed = static_cast<DWORD>((time - begin.lastTime - 1) / m_plan.interval);
+        gap.text = HouseText(Text::GapNotRunning);
+        OnGap(gap);
+        Record row;
+        row.time = gap.from;
+        row.values.assign(m_recorder->ChannelCount(), std::numeric_limits<double>::quiet_NaN());
+        row.flags.assign(m_recorder->ChannelCount(), RF_MISSING);
+        begin.lastTime = gap.from;
+        Put(std::move(row));
+    }
+    OnEvent({std::max(time, begin.lastTime), RE_STARTED, 0, m_plan.version});
+    return begin;
+}
+
+void RecordingWriter::OnReading(__int64 time, const std::vector<double>& values, const std::vector<BYTE>& flags) {
+    RotateIfDue(time);
+    Record record;
+    record.time = time;
+    record.values = values;
+    record.flags = flags;
+    Put(std::move(record));
+}
+
+void RecordingWriter::OnGap(const CRecordedGap& gap) {
+    Record record;
+    record.kind = Record::Gap;
+    record.gap = gap;
+    Put(std::move(record));
+}
+
+void RecordingWriter::OnEvent(const CRecordedEvent& event) {
+    Record record;
+    record.kind = Record::Event;
+    record.event = event;
+    Put(std::move(record));
+}
+
+void RecordingWriter::Put(Record record) {
+    if (!Drain() || Write(record) != ERROR_SUCCESS) Hold(std::move(record));
+}
+
+DWORD RecordingWriter::Write(const Record& record) {
+    DWORD error = ERROR_SUCCESS;
+    switch (record.kind) {
+        case Record::Reading:
+            error = m_recorder->AddReading(record.time, record.values.data(), record.flags.data());
+            if (error == ERROR_SUCCESS &&
+                std::any_of(record.flags.begin(), record.flags.end(), [](BYTE flag) { return flag != RF_MISSING; }))
+                ++m_written;
+            break;
+        case Record::Gap:
+            error = m_recorder->AddGap(record.gap);
+            break;
+        case Record::Event:
+            error = m_recorder->AddEvent(record.event);
+            break;
+    }
+    Tell(error);
+    return error;
+}
+
+void RecordingWriter::Hold(Record record) {
+    // Gaps and events are few, and kept in any case as long as there is memory at all.
+    if (record.kind == Record::Reading && m_waitingBytes + record.Size() > kMostWaiting) {
+        if (m_dropped.missed++ == 0) m_dropped.from = record.time;
+        m_dropped.until = record.time;
+        return;
+    }
+    m_waitingBytes += record.Size();
+    m_waitingReadings += record.kind == Record::Reading ? 1 : 0;
+    m_waiting.push_back(std::move(record));
+}
+
+bool RecordingWriter::Drain() {
+    while (!m_waiting.empty()) {
+        const Record& record = m_waiting.front();
+        if (Write(record) != ERROR_SUCCESS) return false;
+        m_waitingBytes -= record.Size();
+        m_waitingReadings -= record.kind == Record::Reading ? 1 : 0;
+        m_waiting.pop_front();
+    }
+    if (m_dropped.missed > 0) {
+        CRecordedGap gap = std::exchange(m_dropped, {});
+        gap.cause = GC_DISK;
+        gap.text = HouseText(Text::GapDisk);
+        m_listener.OnDropped(std::move(gap));
+    }
+    return true;
+}
+
+void RecordingWriter::Tell(DWORD error) {
+    if ((error != ERROR_SUCCESS) != (m_error != ERROR_SUCCESS)) m_listener.OnWriting(m_files.back().recording, error);
+    m_error = error;
+}
+
+void RecordingWriter::Tick() {
+    if (!m_begun) return;
+    Drain();
+    // Written, but not on the disk: nothing is to be written again, and somebody has to know.
+    if (const DWORD error = m_recorder->Forced()) m_listener.OnWriting(m_files.back().recording, error);
+}
+
+void RecordingWriter::RotateIfDue(__int64 time) {
+    const bool old = m_plan.rotateEvery != 0 && time - m_fileBegan >= m_plan.rotateEvery;
+    const bool large = m_plan.rotateSize != 0 && m_recorder->Size() >= m_plan.rotateSize;
+    if ((!old && !large) || !Drain()) return;
+    const File file = NameFor(time);
+    auto next = std::make_unique<CRecorder>();
+    if (const DWORD error = m_store.Create(file.recording, m_facts, *next)) return Tell(error);  // goes on in the old one, and tries again
+    const size_t slash = file.recording.find_last_of("/\\");
+    m_recorder->AddEvent({time, RE_CONTINUED, 0, slash == std::string::npos ? file.recording : file.recording.substr(slash + 1)});
+    m_recorder->Close();
+    m_recorder = std::move(next);
+    m_files.push_back(file);
+    m_fileBegan = time;
+    OnEvent({time, RE_STARTED, 0, m_plan.version});
+    m_listener.OnFile(file.recording);
+}
+
+DWORD RecordingWriter::Close() {
+    if (!m_begun) return ERROR_SUCCESS;
+    const bool all = Drain();
+    const DWORD error = m_recorder->Close();
+    return all ? error : m_error;
+}

@@ -1,0 +1,109 @@
+// Where a measurement's readings go: into a recording, or a row of them. What cannot be written at the moment (a full disk) waits
+// in memory and is written in its order as soon as it can be; beyond a bound, readings are dropped and become a gap.
+// One thread.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/measurement/measurement.h"
+#include "record/recorder.h"
+
+// Where recordings are made and found again; a test gives its own.
+class IRecordingStore {
+public:
+    virtual bool Exists(const std::string& path) = 0;
+    // In the place of what may be there, unless somebody records into that (error 32). Win32 codes.
+    virtual DWORD Create(const std::string& path, CPropertyDB& facts, CRecorder& recorder) = 0;
+    virtual DWORD Resume(const std::string& path, CRecorder& recorder) = 0;
+    static IRecordingStore& System();
+
+protected:
+    ~IRecordingStore() = default;
+};
+
+class RecordingWriter : public IMeasurementSink {
+public:
+    struct Plan {
+        std::string path;                  // of the recording; with rotation, the time is put into its name
+        std::string target;                // the session that is made of it at the end; empty: it stays a recording
+        bool append = false;               // goes on with what is there, else takes its place
+        __int64 rotateEvery = 0;           // us after which a new file begins; 0: never
+        unsigned __int64 rotateSize = 0;   // bytes likewise
+        __int64 interval = 0;              // us between readings, to tell how many are missing since an earlier run
+        std::string version;               // of this program
+    };
+    class Listener {
+    public:
+        // Writing has failed, or does again as it should (error 0).
+        virtual void OnWriting(const std::string& path, DWORD error) = 0;
+        // Readings that were not kept: a gap without a number.
+        virtual void OnDropped(CRecordedGap gap) = 0;
+        // The next file has begun.
+        virtual void OnFile(const std::string& path) = 0;
+
+    protected:
+        ~Listener() = default;
+    };
+
+    // `facts` say what is known of the session and its channels (docs/formats.md); they and the listener outlive the writer.
+    RecordingWriter(CPropertyDB& facts, Plan plan, Listener& listener, IRecordingStore& store = IRecordingStore::System());
+
+    Begin OnBegin(__int64 time) override;  // a Failure if no file can be made
+    void OnReading(__int64 time, const std::vector<double>& values, const std::vector<BYTE>& flags) override;
+    void OnGap(const CRecordedGap& gap) override;
+    void OnEvent(const CRecordedEvent& event) override;
+
+    // Tries again what could not be written; to be called every second or so.
+    void Tick();
+    // The end: what can be written is, and forced to the disk. Gives the error; what waits is then lost, and counted by Waiting.
+    DWORD Close();
+
+    bool HasBegun() const { return m_begun; }
+    size_t Waiting() const { return m_waitingReadings; }
+    // Readings in all files of this run, those of an earlier one not counted.
+    unsigned __int64 Written() const { return m_written; }
+    // The files of this run in their order, and what each becomes ("": what it is).
+    struct File {
+        std::string recording, target;
+    };
+    const std::vector<File>& Files() const { return m_files; }
+
+    static constexpr size_t kMostWaiting = 8u << 20;  // bytes
+
+private:
+    struct Record {
+        enum { Reading, Gap, Event } kind = Reading;
+        __int64 time = 0;
+        std::vector<double> values;
+        std::vector<BYTE> flags;
+        CRecordedGap gap;
+        CRecordedEvent event;
+        size_t Size() const { return sizeof *this + values.size() * 9 + gap.text.size() + event.text.size(); }
+    };
+    void Put(Record record);
+    DWORD Write(const Record& record);
+    void Hold(Record record);
+    bool Drain();
+    void Tell(DWORD error);
+    File NameFor(__int64 time) const;
+    DWORD Create(const File& file, __int64 time);
+    void RotateIfDue(__int64 time);
+
+    CPropertyDB& m_facts;
+    const Plan m_plan;
+    Listener& m_listener;
+    IRecordingStore& m_store;
+    std::unique_ptr<CRecorder> m_recorder = std::make_unique<CRecorder>();
+    std::vector<File> m_files;
+    bool m_begun = false;
+    __int64 m_fileBegan = 0;
+    unsigned __int64 m_written = 0;
+    DWORD m_error = 0;
+
+    std::deque<Record> m_waiting;
+    size_t m_waitingBytes = 0, m_waitingReadings = 0;
+    CRecordedGap m_dropped;
+};

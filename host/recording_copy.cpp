@@ -1,0 +1,158 @@
+#include "host/recording_copy.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/console.h"
+#include "host/reading_source.h"
+#include "host/recording_files.h"
+#include "host/texts.h"
+#include "platform/file_replacement.h"
+#include "record/recorder.h"
+
+namespace {
+// A recording that is written beside its place, in large pieces.
+class RecordingBeingMade : public IRecordingFile {
+public:
+    explicit RecordingBeingMade(HANDLE file) : m_file(file) {}
+    // What could not be written is known from Flush.
+    ~RecordingBeingMade() override = default;
+
+    DWORD Read(unsigned __int64 at, void* bytes, DWORD size, DWORD& got) override {
+        got = 0;
+        if (const DWORD error = Force()) return error;
+        if (const DWORD error = GoTo(at)) return error;
+        return ReadFile(m_file, bytes, size, &got, nullptr) ? DWORD{ERROR_SUCCESS} : GetLastError();
+    }
+    DWORD Write(unsigned __int64 at, const void* bytes, DWORD size) override {
+        if (at != m_written + m_pending.size()) return ERROR_INVALID_PARAMETER;  // a recorder only ever adds
+        m_pending.append(static_cast<const char*>(bytes), size);
+        return m_pending.size() >= kPiece ? Force() : DWORD{ERROR_SUCCESS};
+    }
+    DWORD Cut(unsigned __int64) override { return ERROR_NOT_SUPPORTED; }
+    // To the system; the replacement forces it to the disk.
+    DWORD Force() override {
+        if (m_pending.empty()) return ERROR_SUCCESS;
+        if (const DWORD error = GoTo(m_written)) return error;
+        DWORD written = 0;
+        if (!WriteFile(m_file, m_pending.data(), static_cast<DWORD>(m_pending.size()), &written, nullptr)) return GetLastError();
+        if (written != m_pending.size()) return ERROR_DISK_FULL;
+        m_written += m_pending.size();
+        m_pending.clear();
+        return ERROR_SUCCESS;
+    }
+    DWORD Size(unsigned __int64& size) override {
+        size = m_written + m_pending.size();
+        return ERROR_SUCCESS;
+    }
+
+private:
+    static constexpr size_t kPiece = 1 << 20;
+    DWORD GoTo(unsigned __int64 at) {
+        LARGE_INTEGER place;
+        place.QuadPart = static_cast<LONGLONG>(at);
+        return SetFilePointerEx(m_file, place, nullptr, FILE_BEGIN) ? DWORD{ERROR_SUCCESS} : GetLastError();
+    }
+
+    const HANDLE m_file;
+    std::string m_pending;
+    unsigned __int64 m_written = 0;
+};
+
+// All but readings, gaps and events.
+void CopyFacts(CPropertyDB& db, CPropertyDB& facts) {
+    CStringArray keys;
+    db.EnumAll(keys);
+    const auto begins = [](const std::string& key, const std::string& start) { return key.compare(0, start.size(), start) == 0; };
+    for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
+        const std::string key = keys.GetAt(i).GetString();
+        const bool values = begins(key, "Channels.") && key.size() > 8 && key.compare(key.size() - 8, 8, ".rValues") == 0;
+        const bool notes = begins(key, std::string(RecordedNotes::kGaps) + ".") || begins(key, std::string(RecordedNotes::kEvents) + ".");
+        if (values || notes || key == "Session.tTimes") continue;
+        if (const CObject* const value = db.GetValueObject(key.c_str(), TRUE)) facts.SetValue(key.c_str(), value, TRUE);
+    }
+}
+
+// What a NaN means: that it is missing, where a gap says so, or that the logger had no value.
+class Flags {
+public:
+    explicit Flags(const std::vector<CRecordedGap>& gaps) : m_gaps(gaps) {
+        std::sort(m_gaps.begin(), m_gaps.end(), [](const CRecordedGap& a, const CRecordedGap& b) { return a.from < b.from; });
+    }
+    const BYTE* Of(__int64 time, const double* values, size_t count) {
+        m_flags.assign(count, RF_GOOD);
+        for (size_t i = 0; i < count; ++i) {
+            if (std::isnan(values[i])) m_flags[i] = RF_NO_VALUE;
+        }
+        // Gaps may lie within others, so those that have begun are looked at until they are over.
+        for (; m_next < m_gaps.size() && m_gaps[m_next].from <= time; ++m_next) m_open.push_back(m_next);
+        std::erase_if(m_open, [&](size_t gap) { return m_gaps[gap].until < time; });
+        for (const size_t gap : m_open) {
+            for (size_t i = 0; i < count; ++i) {
+                const std::vector<WORD>& channels = m_gaps[gap].channels;
+                const bool meant = channels.empty() || std::find(channels.begin(), channels.end(), i) != channels.end();
+                if (m_flags[i] == RF_NO_VALUE && meant) m_flags[i] = RF_MISSING;
+            }
+        }
+        return m_flags.data();
+    }
+
+private:
+    std::vector<CRecordedGap> m_gaps;
+    std::vector<size_t> m_open;
+    size_t m_next = 0;
+    std::vector<BYTE> m_flags;
+};
+
+// Gaps and events in the order of time, up to where a reading comes.
+class Notes {
+public:
+    explicit Notes(const RecordedNotes& notes) : m_gaps(notes.Gaps()), m_events(notes.Events()) {}
+    DWORD AddUntil(CRecorder& recorder, __int64 time, bool all) {
+        for (; m_nextEvent < m_events.size() && (all || m_events[m_nextEvent].time <= time); ++m_nextEvent) {
+            if (const DWORD error = recorder.AddEvent(m_events[m_nextEvent])) return error;
+        }
+        for (; m_nextGap < m_gaps.size() && (all || m_gaps[m_nextGap].from <= time); ++m_nextGap) {
+            if (const DWORD error = recorder.AddGap(m_gaps[m_nextGap])) return error;
+        }
+        return ERROR_SUCCESS;
+    }
+
+private:
+    const std::vector<CRecordedGap>& m_gaps;
+    const std::vector<CRecordedEvent>& m_events;
+    size_t m_nextGap = 0, m_nextEvent = 0;
+};
+}  // namespace
+
+void StoreAsRecording(const std::string& path, const Session& session, CPropertyDB& db) {
+    const auto check = [&](DWORD error) {
+        if (error != ERROR_SUCCESS) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})};
+    };
+    if (IsRecording(path)) RequireNobodyRecords(path);
+    RecordedNotes told;
+    if (session.Recorded() != nullptr) {
+        told = session.Recorded()->Notes();
+    } else {
+        told.Load(db, ChannelKeys(db));
+    }
+    CPropertyDB facts;
+    facts.SetPath("Channels");
+    CopyFacts(db, facts);
+
+    orvik::detail::FileReplacement replacement;
+    check(replacement.Begin(path));
+    CRecorder recorder;
+    check(recorder.Create(std::make_unique<RecordingBeingMade>(replacement.File()), facts));
+    Notes notes(told);
+    Flags flags(told.Gaps());
+    const std::unique_ptr<ReadingSource> readings = ReadingsOf(session);
+    while (readings->Next()) {
+        check(notes.AddUntil(recorder, readings->Time(), false));
+        check(recorder.AddReading(readings->Time(), readings->Values(),
+                                  flags.Of(readings->Time(), readings->Values(), recorder.ChannelCount())));
+    }
+    check(notes.AddUntil(recorder, 0, true));
+    check(recorder.Close());
+    check(replacement.Commit());
+}

@@ -1,0 +1,223 @@
+// Charts of recordings that are read where they are, beside those of the sessions that are made of them.
+#include "host/recorded_series.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "host/chart_file.h"
+#include "host/column_format.h"
+#include "host/database_file.h"
+#include "host/recording_files.h"
+#include "host/session_file.h"
+#include "host/time_stamp.h"
+#include "record/recorder.h"
+#include "time/locale_cache.h"
+
+namespace {
+namespace fs = std::filesystem;
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr __int64 kBegin = 1'780'000'000'000'000;
+
+class Recorded : public testing::Test {
+protected:
+    const fs::path folder = fs::temp_directory_path() / ("orvik-recorded-" + std::to_string(GetCurrentThreadId()));
+    const std::string recording = (folder / "r.rec").string(), session = (folder / "s.odb").string();
+    CRecorder recorder;
+
+    void SetUp() override {
+        NlsToolsRegister();
+        fs::create_directory(folder);
+    }
+    void TearDown() override {
+        recorder.Close();
+        fs::remove_all(folder);
+    }
+    void Begin(size_t channels) {
+        CPropertyDB facts;
+        facts.SetValue("Session.sLogger", "Inlet");
+        for (size_t i = 0; i < channels; ++i) {
+            const std::string at = "Channels.c" + std::to_string(i);
+            facts.SetValue((at + ".sName").c_str(), ("channel " + std::to_string(i)).c_str());
+            facts.SetValue((at + ".sUnit").c_str(), i == 0 ? "" : "u");
+        }
+        ASSERT_EQ(recorder.Create(recording, facts), 0u);
+    }
+    // Waves with noise, values that are no numbers one by one and in long stretches, times at uneven distances.
+    void Add(unsigned count) {
+        std::mt19937 random(3);
+        __int64 time = kBegin;
+        std::vector<double> values(recorder.ChannelCount());
+        for (unsigned n = 0; n < count; ++n) {
+            time += 1 + random() % 2'000'000 + (n % 40'000 == 0 ? 10'000'000'000 : 0);
+            for (size_t k = 0; k < values.size(); ++k) {
+                values[k] = std::sin(n * 1e-4 * static_cast<double>(k + 1)) * 20 + static_cast<double>(random() % 1000) / 200;
+                if (random() % 30 == 0) values[k] = kNan;
+                if (k == 1 && n % 30'000 > 22'000) values[k] = kNan;
+                if (k == 2) values[k] = std::floor(n / 5'000.0);
+                if (random() % 5'000 == 0) values[k] = HUGE_VAL;
+            }
+            ASSERT_EQ(recorder.AddReading(time, values.data()), 0u);
+        }
+    }
+    static std::string Bytes(const fs::path& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+};
+
+bool Same(const ReducedSeries& a, const ReducedSeries& b) {
+    const auto same = [](const ORVIK_CURVE_POINT& p, const ORVIK_CURVE_POINT& q) {
+        return std::isnan(p.x) ? std::isnan(q.x) : p.x == q.x && p.y == q.y;
+    };
+    return a.markers == b.markers && std::equal(a.points.begin(), a.points.end(), b.points.begin(), b.points.end(), same);
+}
+}  // namespace
+
+// Whatever is looked at: the same points, from the index of the file and from all readings.
+TEST_F(Recorded, LinesAreThoseOfTheSession) {
+    constexpr unsigned kCount = 150'000;
+    Begin(3);
+    Add(kCount);
+    for (const bool closed : {false, true}) {
+        if (closed) recorder.Close();
+        FoldRecording(recording, session);
+        const SessionFile folded = OpenSession(session), where = OpenSession(recording);
+        const CInt64Array& times = folded.session->Times();
+        ASSERT_EQ(where.session->Count(), kCount);
+        const auto first = static_cast<double>(times.GetAt(0)), length = static_cast<double>(times.GetAt(kCount - 1)) - first;
+        std::mt19937 random(4);
+        std::uniform_real_distribution<double> part(0, 1);
+        for (int round = 0; round < 60; ++round) {
+            PlotMapping mapping = {first, first + length, 10, 700, -20, 25, 400, 0};
+            if (round > 0) {
+                mapping.fromTime = first + length * (part(random) * 1.2 - 0.1);
+                mapping.toTime = mapping.fromTime + length * std::pow(10, -4 * part(random));
+                mapping.right = static_cast<LONG>(20 + random() % 2000);
+            }
+            if (round % 5 == 4) std::swap(mapping.fromTime, mapping.toTime);
+            const auto lines = where.session->Recorded()->Reduce({2, 0, 1}, {mapping, mapping, mapping});
+            for (size_t i = 0; i < 3; ++i) {
+                const CDoubleArray& values = folded.session->Channels()[(i + 2) % 3].values;
+                const ReducedSeries line = ReduceSeries({times.GetData(), values.GetData(), kCount}, mapping);
+                ASSERT_TRUE(Same(lines[i], line)) << round << " " << i << " " << lines[i].points.size() << " " << line.points.size();
+            }
+        }
+        fs::remove(session);
+    }
+}
+
+TEST_F(Recorded, ThePictureIsTheSame) {
+    Begin(3);
+    Add(40'000);
+    recorder.Close();
+    SessionFile file = OpenSession(recording);
+    ChartModel tagged(*file.session, {});
+    tagged.AddTag(tagged.First() + 1'000'000, 1, "here");
+    ASSERT_TRUE(tagged.Store(*file.db));
+    SaveSession(recording, *file.session, *file.db);
+    FoldRecording(recording, session);
+    std::vector<std::string> pictures;
+    for (const std::string& path : {recording, session}) {
+        const SessionFile one = OpenSession(path);
+        EXPECT_EQ(one.session->Channels()[2].key, "c2");
+        for (const char* kind : {"a.png", "a.svg"}) {
+            ChartModel model(*one.session, {});
+            model.Load(*one.db);
+            EXPECT_EQ(model.Tags().GetTagCount(), 1);
+            WriteChart(model, (folder / kind).string(), {900, 500});
+            pictures.push_back(Bytes(folder / kind));
+        }
+        EXPECT_TRUE(std::isnan(one.session->LastValue(1)) || one.session->LastValue(1) < 30);
+    }
+    EXPECT_EQ(pictures[0], pictures[2]);
+    EXPECT_EQ(pictures[1], pictures[3]);
+    EXPECT_THROW(SaveSession(recording, *OpenSession(session).session, *file.db), Failure);  // no archive in its place
+    std::unique_ptr<IRecordingFile> held;
+    ASSERT_EQ(CRecordingFile::OpenToWrite(recording, 2000, held), 0u);
+    EXPECT_THROW(SaveSession(recording, *file.session, *file.db), Failure);
+}
+
+// Any bytes changed: what is drawn ends, and what cannot be read is told.
+TEST_F(Recorded, DamageLeavesTheRest) {
+    Begin(2);
+    Add(20'000);
+    recorder.Close();
+    const std::string whole = Bytes(recording);
+    std::mt19937 random(6);
+    for (int round = 0; round < 12; ++round) {
+        std::string bytes = whole;
+        for (int i = 0; i < 3; ++i) bytes[200 + random() % (bytes.size() - 200)] ^= 0x40;
+        if (round > 8) bytes.resize(bytes.size() / 2);
+        std::ofstream(recording, std::ios::binary) << bytes;
+        const FoldedRecording folded = FoldRecording(recording, session);
+        EXPECT_GE(folded.readings, round > 8 ? 9'000u : 19'990u);
+        EXPECT_GT(folded.damaged + folded.torn, 0u);
+        const SessionFile file = OpenSession(recording);
+        ChartModel model(*file.session, {});
+        WriteChart(model, (folder / "a.svg").string(), {900, 500});
+    }
+    // Without its first block a recording has lost its names, and nothing else.
+    std::string bytes = whole;
+    bytes[60] ^= 1;
+    std::ofstream(recording, std::ios::binary) << bytes;
+    const SessionFile file = OpenSession(recording);
+    EXPECT_EQ(file.session->Count(), 20'000u);
+    EXPECT_EQ(file.session->Channels()[1].name, "#2");
+}
+
+// The example of docs/formats.md.
+TEST_F(Recorded, TheLayoutIsAsDescribed) {
+    const unsigned char bytes[] = {0x4F, 0x52, 0x56, 0x49, 0x4B, 0x52, 0x45, 0x43, 0x01, 0,    0x01, 0,    0x07, 0,    0,    0,    0xD3, 0x7E,
+                                   0xC5, 0x39, 0xD7, 0x4F, 0x02, 0,    0x11, 0,    0,    0,    0x09, 0x28, 0xCB, 0xC7, 0xAE, 0x06, 0x3E, 0x0B,
+                                   0x01, 0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0xF8, 0x3F, 0};
+    std::ofstream(recording, std::ios::binary).write(reinterpret_cast<const char*>(bytes), sizeof bytes);
+    CRecordingReader reader;
+    ASSERT_EQ(reader.Open(recording), 0u);
+    ASSERT_EQ(reader.Next(), RI_READING);
+    EXPECT_TRUE(reader.Time() == 1 && reader.Values()[0] == 1.5 && reader.Flags()[0] == RF_GOOD);
+    EXPECT_EQ(reader.Next(), RI_END);
+}
+
+TEST(ColumnFormat, OneNotationForAColumn) {
+    const struct {
+        double low, high, value;
+        const char* text;
+    } cases[] = {{0, 100, 20.5, "20.500"},           {-3, 21.25, 1, "1.0000"},      {1000.001, 1000.0035, 1000.002, "1000.00200"},
+                 {0, 0, 0, "0.00000"},               {0, 1e6, 12, "12"},            {1e20, 2e20, 1.5e20, "1.50000e+20"},
+                 {1e-9, 5e-8, 1e-9, "1.00000e-09"},  {-1, 1, -0.0000001, "0.00000"}, {0, 100, kNan, ""},
+                 {0, 100, -HUGE_VAL, "-inf"},        {5, 5, 5, "5.00000"},          {0, 123456789, 1, "1"}};
+    for (const auto& one : cases) EXPECT_EQ(ColumnFormat(one.low, one.high).Text(one.value), one.text) << one.low << " " << one.high;
+}
+
+TEST(TimeStamp, BothWays) {
+    const auto utc = [](__int64 time) {
+        std::string text;
+        AppendUtcStamp(text, time);
+        return text;
+    };
+    EXPECT_EQ(utc(0), "1970-01-01T00:00:00.000000Z");
+    EXPECT_EQ(utc(-1), "1969-12-31T23:59:59.999999Z");
+    EXPECT_EQ(utc(951'782'400'123'456), "2000-02-29T00:00:00.123456Z");
+    EXPECT_EQ(utc(std::numeric_limits<__int64>::min()), "1601-01-01T00:00:00.000000Z");
+    EXPECT_EQ(utc(std::numeric_limits<__int64>::max()), "9999-12-31T23:59:59.999999Z");
+    // The zone's summer time ends on the first Sunday of November at two.
+    const struct {
+        const char* text;
+        LocalStamp result;
+    } cases[] = {{"2026-07-01 12:00:00,250", LocalStamp::Read},      {"2026-11-01 01:30:00.000", LocalStamp::Ambiguous},
+                 {"2026-11-01 03:30:00.000", LocalStamp::Read},      {"2026-03-08 02:30:00.000", LocalStamp::Wrong},
+                 {"2026-02-30 12:00:00.000", LocalStamp::Wrong},     {"2026-07-01T12:00:00.000", LocalStamp::Wrong},
+                 {"2026-07-01 12:00:00.", LocalStamp::Wrong},        {"", LocalStamp::Wrong}};
+    for (const auto& one : cases) {
+        __int64 time = 0;
+        ASSERT_EQ(FromLocalStamp(one.text, time), one.result) << one.text;
+        std::string again;
+        AppendLocalStamp(again, time, ".");
+        EXPECT_EQ(one.result == LocalStamp::Read ? again.substr(0, 19) : "", one.result == LocalStamp::Read ? std::string(one.text).substr(0, 19) : "");
+    }
+}
