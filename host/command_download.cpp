@@ -58,8 +58,10 @@ void CheckEarlier(const RecordingWriter::Plan& record, bool force, CPropertyDB& 
     }
 }
 // The session of a recording that has ended. Where there can be none, the recording keeps the readings, and its user is told so.
-void Fold(const RecordingWriter::File& file) {
+void Fold(const RecordingWriter::File& file, bool mayReplace) {
     try {
+        // What came there meanwhile is not this download's.
+        if (!mayReplace) RequireReplaceable(file.target);
         FoldRecording(file.recording, file.target);
     } catch (const Failure& failure) {
         throw Failure{failure.exitCode, Say(Text::NotFolded, {failure.sentence, ToUtf8(file.recording), ToUtf8(file.target)})};
@@ -108,17 +110,29 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     RequireWritable(out);
     if (!plan.csvFile.empty() && plan.csvFile != "-") {
         RequireWritable(plan.csvFile);
-        if (!force && FileExists(plan.csvFile) && FileSize(plan.csvFile) > 0)
+        if (!force && !record.append && FileExists(plan.csvFile) && FileSize(plan.csvFile) > 0)
             throw Failure{kFileFailed, Say(Text::NotOurs, {ToUtf8(plan.csvFile)})};
     }
     CheckEarlier(record, force, description);
+    plan.csvAppend = record.append;
     const DownloadResult result = Download(app, description, plan, record);
     const bool traced = app.StopTrace();
 
     std::string names;
     for (const RecordingWriter::File& file : result.files) {
         if (!file.target.empty()) {
-            Fold(file);
+            if (result.made == 0 && !record.append && FileExists(file.target)) {
+                // Nothing was read: what stands there is worth more.
+                DeleteFileA(file.recording.c_str());
+                const std::string why = result.failure ? result.failure->sentence : CausesText(result.causes);
+                throw Failure{kCommunicationFailed, Say(Text::NothingRead, {why, ToUtf8(file.target)})};
+            }
+            try {
+                Fold(file, force || record.append);
+            } catch (Failure& failure) {
+                if (result.failure) failure.sentence = result.failure->sentence + " " + failure.sentence;
+                throw;
+            }
         }
         names += (names.empty() ? "" : ", ") + ToUtf8(file.target.empty() ? file.recording : file.target);
     }

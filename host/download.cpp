@@ -21,7 +21,7 @@ public:
     DownloadRun(ILogger& logger, CPropertyDB& facts, const DownloadPlan& plan, const RecordingWriter::Plan& record)
         : m_plan(plan),
           m_writer(facts, record, *this),
-          m_csv(plan.csvFile, facts),
+          m_csv(plan.csvFile, plan.csvAppend, facts),
           m_measurement(logger, m_csv.ChannelCount(), *this, m_clock, plan.Measure()) {
         const unsigned __int64 planned = m_measurement.Planned();
         m_bar.Start(static_cast<LONG>(std::min<unsigned __int64>(planned, kBarEnd)), nullptr, nullptr, nullptr, TRUE, nullptr, TRUE);
@@ -76,7 +76,7 @@ private:
     DownloadResult Result() {
         DownloadResult result;
         result.end = m_measurement.End();
-        const bool waits = m_writer.HasBegun() && m_writer.Close() != ERROR_SUCCESS && m_writer.Waiting() > 0;
+        const bool waits = m_writer.HasBegun() && m_writer.Close() != ERROR_SUCCESS;
         result.made = m_writer.Written();
         result.missing = m_measurement.Missing();
         if (m_measurement.Gaps() != nullptr) result.causes = m_measurement.Gaps()->Counts();
@@ -99,7 +99,6 @@ private:
                 break;
         }
         if (waits) {
-            result.missing += m_writer.Waiting();
             result.failure = Failure{kFileFailed, Say(Text::NotAllWritten, {std::to_string(m_writer.Waiting()), m_diskReason})};
         }
         return result;

@@ -27,6 +27,8 @@ struct DownloadPlan {
     bool traceHex = false;
     std::string csvFile;      // readings as lines too; "-": to standard output; empty: none
 
+    bool csvAppend = false;   // behind what the file holds
+
     MeasurementPlan Measure() const;
 };
 

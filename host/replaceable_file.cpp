@@ -52,7 +52,13 @@ void RequireReplaceable(const std::string& path) {
     if (IsRecording(path)) {
         CRecordingReader reader;
         reader.Open(path);
-        for (ERecordItem item; (item = reader.Next()) != RI_END && item != RI_FAILED;) {}
+        bool ended = true, any = false;
+        for (ERecordItem item; (item = reader.Next()) != RI_END && item != RI_FAILED;) {
+            any |= item == RI_READING;
+            if (item == RI_EVENT) ended = reader.Event().kind == RE_ENDED || reader.Event().kind == RE_CONTINUED;
+            if (item == RI_READING) ended = false;
+        }
+        if (any && !ended) throw Failure{kFileFailed, Say(Text::NotEnded, {ToUtf8(path)})};
         session = reader.Facts();
     } else {
         try {

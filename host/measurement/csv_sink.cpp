@@ -7,16 +7,19 @@
 #include "afx/exception.h"
 #include "record/recording_types.h"
 
-CsvSink::CsvSink(std::string path, CPropertyDB& facts)
-    : m_path(std::move(path)), m_session(facts, std::string()), m_lines(MakeCsvWriter(m_session, ChannelsNamed(m_session, {}), {})) {}
+CsvSink::CsvSink(std::string path, bool append, CPropertyDB& facts)
+    : m_path(std::move(path)),
+      m_append(append), m_session(facts, std::string()), m_lines(MakeCsvWriter(m_session, ChannelsNamed(m_session, {}), {})) {}
 
 bool CsvSink::Write(__int64 time, const std::vector<double>& values, const std::vector<BYTE>& flags) {
     if (m_path.empty()) return true;
     if (!m_whole) return false;
     if (!m_begun) {
         m_begun = true;
-        if (m_path != "-" && !m_file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite)) m_whole = false;
-        m_lines->Heading(m_text);
+        const UINT keep = m_append ? CFile::modeNoTruncate : 0u;
+        if (m_path != "-") m_whole = m_file.Open(m_path.c_str(), CFile::modeCreate | keep | CFile::modeWrite | CFile::shareDenyWrite) != 0;
+        const bool goesOn = m_whole && m_path != "-" && m_append && m_file.SeekToEnd() > 0;
+        if (!goesOn) m_lines->Heading(m_text);
     }
     // The mark of a stretch without readings is none itself.
     if (!flags.empty() && std::all_of(flags.begin(), flags.end(), [](BYTE flag) { return flag == RF_MISSING; })) return m_whole;

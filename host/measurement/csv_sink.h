@@ -12,8 +12,8 @@
 class CsvSink {
 public:
     // "-": standard output; empty: nowhere. The file is made with the first reading, after the connection stands; `facts` has the
-    // session's channels.
-    CsvSink(std::string path, CPropertyDB& facts);
+    // session's channels. `append`: behind what a file of this name holds.
+    CsvSink(std::string path, bool append, CPropertyDB& facts);
     size_t ChannelCount() const { return m_session.Channels().size(); }
 
     // False once something could not be written; what comes later is not tried any more.
@@ -25,6 +25,7 @@ private:
     bool Put();
 
     const std::string m_path;
+    const bool m_append;
     const Session m_session;  // without readings, for the lines' form
     std::unique_ptr<ReadingWriter> m_lines;
     std::string m_text;

@@ -11,7 +11,6 @@
 namespace {
 constexpr __int64 kSecond = 1'000'000;
 constexpr __int64 kShortestPause = kSecond, kLongestPause = 30 * kSecond;
-constexpr __int64 kForgotten = 3'000;  // us for each ms of the time-out
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 }  // namespace
 
@@ -200,8 +199,6 @@ bool Measurement::Connect() {
             Event(RE_CLOCK_STEPPED, m_lastTime, {}, time - m_lastTime);
         }
         Event(RE_CONNECTED, Stamp(now), m_plan.port);
-        // What a program that was killed had asked for must not answer the questions of this one.
-        if (begin.resumed) m_started += kForgotten * m_plan.timeout;
     }
     return true;
 }

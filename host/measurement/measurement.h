@@ -27,7 +27,6 @@ public:
     struct Begin {
         DWORD nextGap = 1;                                             // the number that the next gap gets
         __int64 lastTime = std::numeric_limits<__int64>::min();  // of what is there already; later times follow
-        bool resumed = false;  // an earlier run's requests may still be answered
     };
     // The first connection stands: now is the time to make files. `time` is now.
     virtual Begin OnBegin(__int64 time) = 0;

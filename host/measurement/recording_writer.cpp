@@ -90,7 +90,6 @@ IMeasurementSink::Begin RecordingWriter::OnBegin(__int64 time) {
     Begin begin;
     begin.nextGap = m_recorder->LastGap() + 1;
     begin.lastTime = m_recorder->LastTime();
-    begin.resumed = m_recorder->ReadingCount() > 0;
     if (m_recorder->ReadingCount() > 0) {
         // What lies between the earlier run and this one, with the row that parts them.
         CRecordedGap gap;

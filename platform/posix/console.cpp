@@ -129,6 +129,9 @@ DWORD GetEnvironmentVariableA(LPCSTR name, LPSTR out, DWORD size) {
 }
 
 BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE handler, BOOL add) {
+    // Who wants to end in an orderly way is not to be ended by a pipe whose reader has gone; writing into it then fails, as on
+    // Windows.
+    if (add) signal(SIGPIPE, SIG_IGN);
     if (handler != nullptr && (add ? StopRequests::The().Add(handler) : StopRequests::The().Remove(handler))) return TRUE;
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;

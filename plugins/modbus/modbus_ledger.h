@@ -28,7 +28,8 @@ namespace modbus {
 class Ledger {
 public:
     using Question = uint64_t;
-    static constexpr Question kProbe = 0;  // nobody's question
+    static constexpr Question kProbe = 0;           // nobody's question
+    static constexpr Question kUnknown = ~Question{0};  // what somebody else may have asked
 
     void SetTimeout(Duration timeout) { m_timeout = timeout; }
 

@@ -23,6 +23,7 @@ void Master::Configure(const Line& line, DWORD timeout) {
     m_gap = line.baud > 19200 ? std::chrono::microseconds(1750) : m_character * 7 / 2;
     m_timeout = std::chrono::milliseconds(std::max<DWORD>(timeout, 1));
     m_ledger.SetTimeout(m_timeout);
+    m_strange = m_wire.IsShared();
     m_received.clear();
 }
 
@@ -33,6 +34,7 @@ void Master::Read(std::span<const Request> requests, std::vector<Outcome>& outco
     try {
         // What came since the last reading, nobody knows when.
         for (const TimePoint limit = m_wire.Now() + m_timeout; m_wire.Now() < limit && Receive({}, false);) continue;
+        if (std::exchange(m_strange, false)) Suspect(requests);
         for (size_t i = 0; i < requests.size(); ++i) Ask(requests[i], i);
         Finish();
     } catch (...) {
@@ -40,6 +42,17 @@ void Master::Read(std::span<const Request> requests, std::vector<Outcome>& outco
         throw;
     }
     m_firstQuestion += requests.size();
+}
+
+// As if each of these had been asked for before, by somebody whose answers are still to come.
+void Master::Suspect(std::span<const Request> requests) {
+    for (size_t i = 0; i < requests.size(); ++i) {
+        const auto alike = [&](const Request& other) {
+            return other.function == requests[i].function && other.count == requests[i].count;
+        };
+        if (std::none_of(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(i), alike))
+            m_ledger.Sent(requests[i], Ledger::kUnknown, m_wire.Now());
+    }
 }
 
 void Master::Ask(const Request& request, size_t index) {
@@ -160,7 +173,7 @@ void Master::Take(const Answer& answer, bool prompt) {
     m_answered |= verdict.owner == m_asked;
     m_doubtful |= !verdict.owner && verdict.newest == m_asked;
     if (!verdict.owner) return;
-    if (*verdict.owner < m_firstQuestion) return;  // an earlier reading's: right, but too late
+    if (*verdict.owner < m_firstQuestion || *verdict.owner == Ledger::kUnknown) return;  // an earlier reading's: right, but too late
     Outcome& outcome = (*m_outcomes)[*verdict.owner - m_firstQuestion];
     if (answer.exception != 0) {
         if (*verdict.owner == m_asked) m_refusal = answer.exception;

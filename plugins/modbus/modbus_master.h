@@ -38,6 +38,7 @@ public:
 private:
     enum class End { Answered, Doubtful, Damaged, Silence };
 
+    void Suspect(std::span<const Request> requests);
     void Ask(const Request& request, size_t index);
     End Exchange(const Request& request, Ledger::Question question);
     void Explain(Outcome& outcome, bool damaged) const;
@@ -68,6 +69,7 @@ private:
     std::vector<Outcome>* m_outcomes = nullptr;
     Ledger::Question m_firstQuestion = 1;
     bool m_told = false;    // that the first value has come
+    bool m_strange = false;  // since the line was opened nothing is known of it
     bool m_silent = false;  // a request was in vain to the last attempt, without one byte, and nothing came since
     // Of the attempt under way.
     Ledger::Question m_asked = 0;

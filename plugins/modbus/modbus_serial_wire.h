@@ -16,6 +16,7 @@ public:
 
     void Open(const char* port, const Line& line) override;
     void Close() override;
+    bool IsShared() const override { return true; }
     bool IsOpen() const override { return m_port.IsOpen(); }
     TimePoint Now() override { return std::chrono::steady_clock::now(); }
     void Send(std::span<const BYTE> bytes, TimePoint until) override;

@@ -23,6 +23,9 @@ public:
     // Allowed on a closed wire, and on one whose port has vanished. Takes back an abort.
     virtual void Close() = 0;
     virtual bool IsOpen() const = 0;
+    // Whether somebody else may have asked on this line just before, another program or this one's former life: then answers may
+    // come that nobody here asked for.
+    virtual bool IsShared() const { return false; }
 
     // A clock that only goes forward.
     virtual TimePoint Now() = 0;

@@ -109,6 +109,7 @@ private:
             return came;
         }
         TimePoint Now() override { return Wire::Now(); }
+        bool IsShared() const override { return true; }
 
     private:
         void Check() {
@@ -247,9 +248,9 @@ private:
             if (measurement.End() == Measurement::Ended::NeverConnected) {
                 killed = true;  // started again, as a service is
             } else {
-                writer.Close();
+                const DWORD closed = writer.Close();
                 Written(writer.Waiting());
-                if (writer.Waiting() == 0) m_slots = measurement.Slot();
+                if (closed == ERROR_SUCCESS) m_slots = measurement.Slot();
                 if (writer.Waiting() > 0 && !In(m_plan.full)) Wrong("rows wait although there is room");
             }
         } catch (const Killed&) {
