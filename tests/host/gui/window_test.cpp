@@ -507,7 +507,7 @@ TEST_F(WindowTest, AnUnsavedDownloadIsFoundAgain) {
     const std::string file = (folder / "kept.odb").string();
     ASSERT_TRUE(second.window->SaveTo(file));
     EXPECT_FALSE(second.window->Document().IsModified());
-    EXPECT_TRUE(UnsavedRecordings().empty());
     ASSERT_TRUE(second.window->Open(file));
     EXPECT_EQ(second.window->Document().GetSession()->Count(), 3u);
+    EXPECT_TRUE(UnsavedRecordings().empty()) << "it goes when nobody reads it any more";
 }
