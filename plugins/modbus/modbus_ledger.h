@@ -58,7 +58,6 @@ public:
     Duration Wait() const;
     // When a line that stays silent after the last request and answer counts as silent for good.
     TimePoint SilentAt() const;
-    size_t Size() const { return m_open.size(); }
 
 private:
     struct Open {
