@@ -7,7 +7,7 @@ namespace {
 constexpr std::chrono::milliseconds kMargin{50};
 constexpr std::chrono::seconds kLongest{60};  // no silence is waited for longer
 constexpr size_t kMost = 128;                 // of requests on the books
-constexpr int kInVain = 3;                    // probes, until they are given up; any could have been lost
+constexpr int kInVain = 8;                    // probes, until they are given up; bad lines lose several one after the other
 }  // namespace
 
 void Ledger::Sent(const Request& request, Question question, TimePoint sent) {
