@@ -27,7 +27,8 @@ SessionFile OpenAny(const std::string& path) {
     return file;
 }
 
-void StoreCsv(const std::string& path, const Session& session) {
+// False where damage kept some of it from being there.
+bool StoreCsv(const std::string& path, const Session& session) {
     constexpr size_t kBlock = 1 << 20;
     const auto check = [&](DWORD error) {
         if (error != ERROR_SUCCESS) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})};
@@ -44,12 +45,15 @@ void StoreCsv(const std::string& path, const Session& session) {
     const std::unique_ptr<ReadingWriter> writer = MakeCsvWriter(session, ChannelsNamed(session, {}), {});
     writer->Heading(text);
     const std::unique_ptr<ReadingSource> readings = ReadingsOf(session);
+    bool whole = true;
     while (readings->Next()) {
+        whole = whole && !readings->Damage();
         writer->Row(text, readings->Time(), readings->Values());
         if (text.size() >= kBlock) write();
     }
     write();
     check(replacement.Commit());
+    return whole && !readings->Damage();
 }
 }  // namespace
 
@@ -65,15 +69,16 @@ ExitCode RunConvert(CHostApp&, const Words& words) {
     const SessionFile file = OpenAny(from);
     if (SameFile(file.path, to)) throw Failure{kWrongUse, Say(Text::OptionsSame, {"FROM", "TO"})};
     if (!file.note.empty()) PrintError(file.note);
+    bool whole = true;
     if (EndsIn(to, ".rec")) {
-        StoreAsRecording(to, *file.session, *file.db);
+        whole = StoreAsRecording(to, *file.session, *file.db);
     } else if (EndsIn(to, ".csv")) {
-        StoreCsv(to, *file.session);
+        whole = StoreCsv(to, *file.session);
     } else if (file.session->Recorded() != nullptr) {
-        FoldRecording(file.path, to);
+        whole = FoldRecording(file.path, to).damaged == 0;
     } else {
         StoreDatabase(to, *file.db, nullptr, FileSize(file.path));
     }
     Print(Say(Text::Converted, {ToUtf8(to)}));
-    return kDone;
+    return whole ? kDone : kFileFailed;
 }

@@ -114,8 +114,7 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
     const DownloadResult result = Download(app, description, plan, record);
     const bool traced = app.StopTrace();
     if (result.files.empty()) throw *result.failure;
-    FoldRecording(record.path, session);
-    DeleteFileA(record.path.c_str());
+    LayAside(record.path, session, FoldRecording(record.path, session));
 
     CPropertyDB db;
     LoadDatabase(session, db);
@@ -127,9 +126,10 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
     StoreDatabase(copy, db);
     WriteChart(model, chart, {1600, 900});
     if (result.failure) throw *result.failure;
+    if (result.end == Measurement::Ended::Stopped) throw Failure{kCommunicationFailed, Say(Text::Stopped, {std::to_string(result.made)})};
     if (result.missing > 0)
         throw Failure{kCommunicationFailed, Say(Text::Missing, {Say(Text::Saved, {std::to_string(result.made), std::to_string(readings.Channels().size()), ToUtf8(session)}),
-                                                               std::to_string(result.missing), CausesText(result.causes)})};
+                                                               std::to_string(result.missing), CausesText(result.causes, description)})};
     if (!traced) throw Failure{kFileFailed, Say(Text::TraceNotWhole, {ToUtf8(plan.traceFile)})};
     Print(Shortened(readings.Table()));
     Print(Say(Text::FilesMade));

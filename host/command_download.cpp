@@ -1,6 +1,7 @@
 // download: read a logger on a port into a session or a recording.
 #include "host/arguments.h"
 #include "host/commands.h"
+#include "host/csv_file.h"
 #include "host/database_file.h"
 #include "host/download.h"
 #include "host/logger_file.h"
@@ -18,13 +19,13 @@ constexpr __int64 kLongest = 100ll * 366 * 86'400 * 1'000'000;  // us
 // A span ("1 day") or a size ("100 MiB"), whichever it says.
 void SetRotation(const Arguments& arguments, RecordingWriter::Plan& record) {
     if (!arguments.Has("--rotate")) return;
-    constexpr unsigned __int64 kLeast = 64 * 1024;
+    constexpr unsigned __int64 kLeast = 64 * 1024, kLargest = 1ull << 50;
     constexpr __int64 kShortest = 1'000'000;
     const std::string text = arguments.Get("--rotate");
-    if (const auto span = SpanFromWords(text)) {
-        record.rotateEvery = std::max(*span, kShortest);
-    } else if (const auto size = BytesFromWords(text)) {
-        record.rotateSize = std::max(*size, kLeast);
+    if (SpanFromWords(text)) {
+        record.rotateEvery = arguments.Span("--rotate", kShortest, kLongest, 0);
+    } else if (BytesFromWords(text)) {
+        record.rotateSize = arguments.Bytes("--rotate", kLeast, kLargest, 0);
     } else {
         throw Failure{kWrongUse, Say(Text::NotARotation, {"--rotate"})};
     }
@@ -57,16 +58,20 @@ void CheckEarlier(const RecordingWriter::Plan& record, bool force, CPropertyDB& 
         RequireReplaceable(record.path);
     }
 }
+
 // The session of a recording that has ended. Where there can be none, the recording keeps the readings, and its user is told so.
-void Fold(const RecordingWriter::File& file, bool mayReplace) {
+// False where the recording turned out to be damaged.
+bool Fold(const RecordingWriter::File& file, bool mayReplace) {
+    FoldedRecording folded;
     try {
         // What came there meanwhile is not this download's.
         if (!mayReplace) RequireReplaceable(file.target);
-        FoldRecording(file.recording, file.target);
+        folded = FoldRecording(file.recording, file.target);
     } catch (const Failure& failure) {
         throw Failure{failure.exitCode, Say(Text::NotFolded, {failure.sentence, ToUtf8(file.recording), ToUtf8(file.target)})};
     }
-    DeleteFileA(file.recording.c_str());
+    LayAside(file.recording, file.target, folded);
+    return folded.damaged == 0;
 }
 }  // namespace
 
@@ -91,6 +96,7 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     if (plan.traceHex && plan.traceFile.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};
     plan.csvFile = arguments.Get("--csv");
     const bool force = arguments.Has("--force");
+    if (out == "-" || EndsInCsv(out)) throw Failure{kWrongUse, Say(Text::NotASessionName, {ToUtf8(out)})};
 
     RecordingWriter::Plan record;
     record.append = arguments.Has("--append");
@@ -118,17 +124,24 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     const DownloadResult result = Download(app, description, plan, record);
     const bool traced = app.StopTrace();
 
+    const std::string causes = CausesText(result.causes, description);
+    const bool stopped = result.end == Measurement::Ended::Stopped;
     std::string names;
+    bool damaged = false;
+    // Where nothing was read, what stands there is worth more.
+    const bool nothing = result.made == 0 && !record.append;
+    const auto nothingRead = [&](const std::string& kept) {
+        const std::string why = result.failure ? result.failure->sentence : stopped ? Say(Text::Stopped, {"0"}) : causes;
+        return Failure{kCommunicationFailed, Say(Text::NothingRead, {why, ToUtf8(kept)})};
+    };
     for (const RecordingWriter::File& file : result.files) {
         if (!file.target.empty()) {
-            if (result.made == 0 && !record.append && FileExists(file.target)) {
-                // Nothing was read: what stands there is worth more.
+            if (nothing && FileExists(file.target)) {
                 DeleteFileA(file.recording.c_str());
-                const std::string why = result.failure ? result.failure->sentence : CausesText(result.causes);
-                throw Failure{kCommunicationFailed, Say(Text::NothingRead, {why, ToUtf8(file.target)})};
+                throw nothingRead(file.target);
             }
             try {
-                Fold(file, force || record.append);
+                damaged = !Fold(file, force || record.append) || damaged;
             } catch (Failure& failure) {
                 if (result.failure) failure.sentence = result.failure->sentence + " " + failure.sentence;
                 throw;
@@ -136,19 +149,19 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
         }
         names += (names.empty() ? "" : ", ") + ToUtf8(file.target.empty() ? file.recording : file.target);
     }
-    const std::string made = std::to_string(result.made);
-    CPropertyDB facts;
+    if (result.files.empty()) {
+        if (result.end == Measurement::Ended::NeverConnected) throw *result.failure;
+        throw nothingRead(record.path);
+    }
     CStringArray channels;
     description.Enum("Channels", channels, FALSE, FALSE);
-    const std::string saved = Say(Text::Saved, {made, std::to_string(channels.GetSize()), names});
-    const std::string whole = result.missing > 0
-                                  ? Say(Text::Missing, {saved, std::to_string(result.missing), CausesText(result.causes)})
-                                  : saved;
-    if (result.failure) {
-        if (result.files.empty()) throw *result.failure;
-        throw Failure{result.failure->exitCode, Say(Text::Partial, {result.failure->sentence, whole})};
-    }
-    if (result.missing > 0) throw Failure{kCommunicationFailed, whole};
+    std::string whole = Say(Text::Saved, {std::to_string(result.made), std::to_string(channels.GetSize()), names});
+    if (!arguments.Has("--logger")) whole += Say(Text::DefaultLogger);
+    if (stopped) whole = Say(Text::StoppedSaved, {whole});
+    if (result.missing > 0) whole = Say(Text::Missing, {whole, std::to_string(result.missing), causes});
+    if (result.failure) throw Failure{result.failure->exitCode, Say(Text::Partial, {result.failure->sentence, whole})};
+    if (result.missing > 0 || (stopped && result.made == 0)) throw Failure{kCommunicationFailed, whole};
+    if (damaged) throw Failure{kFileFailed, whole};
     if (!traced) throw Failure{kFileFailed, Say(Text::TraceNotWhole, {ToUtf8(plan.traceFile)})};
     if (!result.csvWhole) throw Failure{kFileFailed, Say(Text::CsvNotWhole, {ToUtf8(plan.csvFile)})};
     if (plan.csvFile != "-") Print(whole);

@@ -41,7 +41,7 @@ std::string Lines(const Session& session, const OneReading& reading) {
     size_t names = 0, numbers = 0;
     std::vector<std::string> texts;
     for (size_t i = 0; i < session.Channels().size(); ++i) {
-        texts.push_back(ShortTextOf(reading.values[i]));
+        texts.push_back(WholeTextOf(reading.values[i]));
         names = std::max(names, WidthOf(ToUtf8(session.Channels()[i].name)));
         if (reading.WhyNot(i).empty()) numbers = std::max(numbers, WidthOf(texts[i]));
     }
@@ -92,6 +92,7 @@ ExitCode RunRead(CHostApp& app, const Words& words) {
         writer->Row(text, reading.time, reading.values.data());
     } else {
         text = Lines(session, reading);
+        if (!arguments.Has("--logger")) text += Say(Text::ReadAsDefault) + "\n";
     }
     std::fwrite(text.data(), 1, text.size(), stdout);
     if (measurement.Missing() > 0)

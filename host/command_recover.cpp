@@ -41,7 +41,6 @@ ExitCode RunRecover(CHostApp&, const Words& words) {
     Print(Say(Text::Recovered, {std::to_string(folded.readings), std::to_string(folded.gaps), ToUtf8(target)}));
     if (folded.torn > 0 || folded.damaged > 0)
         Print(Say(Text::RecoveredBytes, {std::to_string(folded.torn), std::to_string(folded.damaged)}));
-    if (left && !DeleteFileA(recording.c_str()))
-        throw Failure{kFileFailed, Say(Text::NotRemoved, {ToUtf8(recording), Reason(GetLastError())})};
-    return kDone;
+    if (left) LayAside(recording, target, folded);
+    return folded.damaged > 0 ? kFileFailed : kDone;
 }

@@ -63,16 +63,22 @@ class Show {
 public:
     explicit Show(const ShowOptions& options) : m_options(options) {}
 
-    void All(const SessionFile& file) {
+    // False where damage kept some of it from being shown.
+    bool All(const SessionFile& file) {
         const Session& session = *file.session;
         const TimeRange range = m_options.Range(LastTime(session));
         Begin(session);
         const std::unique_ptr<ReadingSource> readings = ReadingsOf(session, range);
         while (readings->Next()) Take(*readings);
         m_output.Write();
-        if (const auto* recorded = dynamic_cast<const RecordedReadings*>(readings.get()); recorded != nullptr && recorded->Damaged() > 0)
-            PrintError(Say(Text::RecordingDamaged, {ToUtf8(file.path), std::to_string(recorded->Damaged())}));
+        const auto* const recorded = dynamic_cast<const RecordedReadings*>(readings.get());
+        const bool damaged = recorded != nullptr && recorded->DamagedBytes() > 0;
+        if (damaged) {
+            const std::string told = Say(Text::RecordingDamaged, {ToUtf8(file.path), std::to_string(recorded->DamagedBytes())});
+            if (told != file.note) PrintError(told);
+        }
         TellMissing(NotesOf(file), range);
+        return !damaged;
     }
 
     // As long as it grows, and on into the file that goes on with it.
@@ -153,10 +159,7 @@ ExitCode RunShow(CHostApp&, const Words& words) {
         return kDone;
     }
     Show show(options);
-    if (options.follow) {
-        show.Follow(std::move(file));
-    } else {
-        show.All(file);
-    }
+    if (!options.follow) return show.All(file) ? kDone : kFileFailed;
+    show.Follow(std::move(file));
     return kDone;
 }

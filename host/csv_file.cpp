@@ -10,6 +10,7 @@
 #include "frame/numeric_arrays.h"
 #include "host/console.h"
 #include "host/database_file.h"
+#include "host/recorded_notes.h"
 #include "host/texts.h"
 #include "host/time_input.h"
 #include "host/time_stamp.h"
@@ -87,7 +88,7 @@ public:
         }
         m_db.SetValue("Session.tTimes", m_times);
         for (size_t i = 0; i < m_values.size(); ++i) {
-            m_db.SetValue(("Channels." + std::to_string(i + 1) + ".rValues").c_str(), m_values[i]);
+            m_db.SetValue(("Channels." + NumberedKey(i + 1, m_values.size()) + ".rValues").c_str(), m_values[i]);
             m_values[i].RemoveAll();
         }
     }
@@ -118,7 +119,7 @@ private:
                 unit = name.substr(bracket + 2, name.size() - bracket - 3);
                 name.resize(bracket);
             }
-            const std::string at = "Channels." + std::to_string(i);
+            const std::string at = "Channels." + NumberedKey(i, m_values.size());
             m_db.SetValue((at + ".sName").c_str(), name.c_str());
             m_db.SetValue((at + ".sUnit").c_str(), unit.c_str());
         }

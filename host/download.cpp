@@ -1,6 +1,7 @@
 #include "host/download.h"
 
 #include <algorithm>
+#include <set>
 
 #include "comm/comm_exception.h"
 #include "comm/task.h"
@@ -22,7 +23,8 @@ public:
         : m_plan(plan),
           m_writer(facts, record, *this),
           m_csv(plan.csvFile, plan.csvAppend, facts),
-          m_measurement(logger, m_csv.ChannelCount(), *this, m_clock, plan.Measure()) {
+          m_measurement(logger, m_csv.ChannelCount(), *this, m_clock, plan.Measure()),
+          m_session(facts, std::string()) {
         const unsigned __int64 planned = m_measurement.Planned();
         m_bar.Start(static_cast<LONG>(std::min<unsigned __int64>(planned, kBarEnd)), nullptr, nullptr, nullptr, TRUE, nullptr, TRUE);
     }
@@ -70,6 +72,7 @@ private:
     void Advise() {
         if (!m_advice.empty()) return;
         m_advice = LateAdvice(m_measurement.LateAnswers(), m_measurement.Latest(), m_plan.timeout);
+        if (m_advice.empty() && !m_plan.shifts) m_advice = SlowAdvice(m_measurement.SlowReadings(), m_measurement.Slowest(), m_plan.interval);
         if (!m_advice.empty()) Tell(m_advice);
     }
 
@@ -93,8 +96,6 @@ private:
                 result.failure = Failure{kCommunicationFailed, Say(Text::GivenUp, {port, failure})};
                 break;
             case Measurement::Ended::Stopped:
-                result.failure = Failure{kCommunicationFailed, Say(Text::Stopped, {std::to_string(result.made)})};
-                break;
             case Measurement::Ended::AsPlanned:
                 break;
         }
@@ -116,7 +117,12 @@ private:
         if (!m_csv.Write(time, values, flags) && !std::exchange(m_csvTold, true))
             Tell(Say(Text::CsvNotWhole, {ToUtf8(m_plan.csvFile)}));
     }
-    void OnGap(const CRecordedGap& gap) override { m_writer.OnGap(gap); }
+    void OnGap(const CRecordedGap& gap) override {
+        m_writer.OnGap(gap);
+        // A channel that never works is seen at once; one that fails now and then is told once.
+        if (gap.channels.empty() || !m_told.insert({gap.channels, gap.text}).second) return;
+        Tell(Say(Text::ChannelsFail, {ChannelNames(gap.channels, m_session), ToUtf8(gap.text)}));
+    }
     void OnEvent(const CRecordedEvent& event) override {
         m_writer.OnEvent(event);
         const std::string port = ToUtf8(m_plan.port);
@@ -133,9 +139,8 @@ private:
     }
 
     void OnWriting(const std::string& path, DWORD error) override {
-        if (error == ERROR_SUCCESS) return Tell(Say(Text::WritingAgain, {ToUtf8(path)}));
-        m_diskReason = Reason(error);
-        Tell(Say(Text::WritingFailed, {ToUtf8(path), m_diskReason}));
+        if (error != ERROR_SUCCESS) m_diskReason = Reason(error);
+        Tell(WritingSentence(path, error));
     }
     void OnDropped(CRecordedGap gap) override { m_measurement.Dropped(std::move(gap)); }
     void OnFile(const std::string&) override {}
@@ -150,6 +155,8 @@ private:
     __int64 m_ticked = 0;
     bool m_lost = false, m_csvTold = false;
     std::string m_advice, m_diskReason;
+    const Session m_session;  // its channels' names
+    std::set<std::pair<std::vector<WORD>, std::string>> m_told;
 };
 
 std::string TextAt(CPropertyDB& db, const char* key) {
@@ -214,10 +221,29 @@ std::string LateAdvice(DWORD lateAnswers, DWORD latest, DWORD timeout) {
     return Say(Text::LateAnswers, {std::to_string(latest), std::to_string(timeout), std::to_string(std::max(proposal, timeout + kStep))});
 }
 
-std::string CausesText(const std::vector<GapKeeper::Count>& causes) {
+std::string SlowAdvice(DWORD slowReadings, DWORD longest, DWORD interval) {
+    constexpr DWORD kAgain = 3, kStep = 100;  // ms
+    if (slowReadings < kAgain) return {};
+    const DWORD proposal = (longest + longest / 4 + kStep - 1) / kStep * kStep;
+    return Say(Text::ReadingsTooSlow, {std::to_string(longest), std::to_string(interval), std::to_string(proposal)});
+}
+
+std::string ChannelNames(const std::vector<WORD>& places, const Session& session) {
+    std::string names;
+    for (const WORD place : places) {
+        if (place < session.Channels().size()) names += (names.empty() ? "" : ", ") + ToUtf8(session.Channels()[place].name);
+    }
+    return names;
+}
+
+std::string CausesText(const std::vector<GapKeeper::Count>& causes, CPropertyDB& description) {
+    const Session session(description, std::string());
     std::string text;
-    for (const GapKeeper::Count& cause : causes)
+    for (const GapKeeper::Count& cause : causes) {
         text += (text.empty() ? "" : ", ") + std::to_string(cause.missed) + " x " + ToUtf8(cause.text);
+        const std::string names = ChannelNames(cause.channels, session);
+        if (!names.empty()) text += " (" + names + ")";
+    }
     return text;
 }
 

@@ -9,6 +9,7 @@
 #include "host/host_app.h"
 #include "host/measurement/measurement.h"
 #include "host/measurement/recording_writer.h"
+#include "host/session.h"
 
 // So many readings are never made: a download that goes on until it is stopped.
 constexpr DWORD kForEver = 0xFFFFFFFF;
@@ -39,7 +40,7 @@ struct DownloadResult {
     std::vector<GapKeeper::Count> causes;
     std::vector<RecordingWriter::File> files;
     bool csvWhole = true;
-    std::string advice;  // a sentence on answers that come later than the time-out; empty without
+    std::string advice;  // a sentence on answers that come later than the time-out or readings longer than the interval; or empty
 };
 
 // What is known of a session before its first reading: where it comes from, its channels, and the logger's description.
@@ -48,9 +49,13 @@ void DescribeSession(CPropertyDB& description, const std::string& port, CPropert
 // Reads into `record`. A description that cannot be used, or a family without a plug-in, is thrown: then there is no recording.
 DownloadResult Download(CHostApp& app, CPropertyDB& description, const DownloadPlan& plan, const RecordingWriter::Plan& record);
 
-// "3 x Receive timeout, 1 x not read in time"
-std::string CausesText(const std::vector<GapKeeper::Count>& causes);
+// "3 x Receive timeout (Flow, Level), 1 x not read in time", by the names of the description's channels.
+std::string CausesText(const std::vector<GapKeeper::Count>& causes, CPropertyDB& description);
+// "Flow, Level"
+std::string ChannelNames(const std::vector<WORD>& places, const Session& session);
 // The sentence for a port that could not be opened, by the code and text of the failure: the most telling one first.
 std::string WhyNotOpened(const std::string& port, LONG code, const std::string& text);
 // The proposal for a logger that answers later than the time-out allows; empty when it does not do so again and again.
 std::string LateAdvice(DWORD lateAnswers, DWORD latest, DWORD timeout);
+// The same for readings that take longer than the interval.
+std::string SlowAdvice(DWORD slowReadings, DWORD longest, DWORD interval);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "comm/comm_exception.h"
+#include "host/download.h"
 #include "host/texts.h"
 #include "host/value_text.h"
 #include "time/span_text.h"
@@ -44,13 +45,11 @@ std::string StepInWords(__int64 microseconds) {
 }
 
 std::string GapLine(const CRecordedGap& gap, const Session& session) {
-    std::string channels;
-    for (const WORD place : gap.channels) {
-        if (place < session.Channels().size()) channels += (channels.empty() ? "" : ", ") + ToUtf8(session.Channels()[place].name);
-    }
+    const std::string channels = ChannelNames(gap.channels, session);
     std::string line = TimeTextOf(gap.from) + "  " + TimeTextOf(gap.until) + "  ";
-    line += Say(Text::GapLine, {std::to_string(gap.missed), std::to_string(gap.attempts), CauseInWords(gap.cause)});
-    if (!gap.text.empty()) line += " (" + ToUtf8(gap.text) + ")";
+    std::string cause = CauseInWords(gap.cause);
+    if (const std::string told = ToUtf8(gap.text); !told.empty() && told != cause) cause += " (" + told + ")";
+    line += Say(Text::GapLine, {std::to_string(gap.missed), std::to_string(gap.attempts), cause});
     if (!channels.empty()) line += ": " + channels;
     return line;
 }
@@ -73,6 +72,8 @@ std::string CauseInWords(unsigned cause) {
             return Say(Text::GapNotRunning);
         case GC_PLUGIN:
             return Say(Text::GapPlugin);
+        case GC_DAMAGED:
+            return Say(Text::GapDamaged);
         default:
             break;
     }

@@ -17,7 +17,7 @@ bool MemoryReadings::Next() {
     return false;
 }
 
-RecordedReadings::RecordedReadings(const RecordedSeries& series, TimeRange range) : m_path(series.Path()), m_range(range) {
+RecordedReadings::RecordedReadings(const RecordedSeries& series, TimeRange range) : m_path(series.Path()), m_range(range), m_damages(series.ChannelCount(), series.Index().LastGap() + 1) {
     const DWORD error = m_reader.Open(m_path);
     if (error != ERROR_SUCCESS) throw Failure{kFileFailed, Say(Text::FileNotOpened, {ToUtf8(m_path), Reason(error)})};
     const std::vector<CRecordingSpan>& spans = series.Index().Spans();
@@ -35,6 +35,7 @@ bool RecordedReadings::Next() {
         switch (m_reader.Next()) {
             case RI_READING:
                 m_time = m_reader.Time();
+                m_damage = m_damages.Before(m_time);
                 if (m_time < m_range.from) break;
                 if (m_time > m_range.to) {
                     m_ended = true;
@@ -51,9 +52,11 @@ bool RecordedReadings::Next() {
                 break;
             }
             case RI_DAMAGE:
-                m_damaged += m_reader.Damage().size;
+                m_damagedBytes += m_reader.Damage().size;
+                m_damages.Damaged(m_reader.Damage().size);
                 break;
             case RI_END:
+                m_damage = m_damages.AtEnd();
                 return false;
             case RI_FAILED:
                 throw Failure{kFileFailed, Say(Text::FileNotOpened, {ToUtf8(m_path), Reason(m_reader.Error())})};

@@ -3,9 +3,11 @@
 
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "host/damage_gaps.h"
 #include "host/session.h"
 
 class ReadingSource {
@@ -17,8 +19,11 @@ public:
     const double* Values() const { return m_values; }  // of all channels
     // No reading was made here: the row marks where a stretch without readings begins.
     bool MarksGap() const { return m_marksGap; }
+    // What is missing between the reading before and this one, or behind the last one, because the file is damaged there.
+    const std::optional<CRecordedGap>& Damage() const { return m_damage; }
 
 protected:
+    std::optional<CRecordedGap> m_damage;
     __int64 m_time = 0;
     const double* m_values = nullptr;
     bool m_marksGap = false;
@@ -51,7 +56,7 @@ public:
     // Nothing more is to be expected; what follows, if anything, is in the file of that name.
     bool HasEnded() const { return m_ended || !m_continued.empty(); }
     const std::string& ContinuedIn() const { return m_continued; }
-    unsigned __int64 Damaged() const { return m_damaged; }  // bytes, on the way so far
+    unsigned __int64 DamagedBytes() const { return m_damagedBytes; }  // bytes, on the way so far
 
 private:
     const std::string m_path;
@@ -59,7 +64,8 @@ private:
     CRecordingReader m_reader;
     bool m_ended = false;
     std::string m_continued;
-    unsigned __int64 m_damaged = 0;
+    unsigned __int64 m_damagedBytes = 0;
+    DamageGaps m_damages;
 };
 
 std::unique_ptr<ReadingSource> ReadingsOf(const Session& session, TimeRange range = {});

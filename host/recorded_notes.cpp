@@ -142,6 +142,11 @@ void RecordedNotes::Load(IPropertyDB& db, const std::vector<std::string>& channe
         Add(CRecordedEvent{times.GetAt(i), static_cast<WORD>(kinds.GetAt(i)), amounts.GetAt(i), text(texts, i)});
 }
 
+std::string NumberedKey(size_t number, size_t count) {
+    const std::string text = std::to_string(number);
+    return std::string(std::to_string(count).size() - text.size(), '0') + text;
+}
+
 std::vector<std::string> ChannelKeys(IPropertyDB& db) {
     CStringArray found;
     db.Enum("Channels", found, FALSE, FALSE);

@@ -34,5 +34,7 @@ private:
     std::map<DWORD, size_t> m_places;  // of gaps, by their numbers
 };
 
+// A key for the channel of this number, from 1 on, where it has none of its own: their order is that of the numbers.
+std::string NumberedKey(size_t number, size_t count);
 // The keys of the folder "Channels", in the order in which a reading has their values.
 std::vector<std::string> ChannelKeys(IPropertyDB& db);

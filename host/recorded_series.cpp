@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "host/console.h"
+#include "host/damage_gaps.h"
 #include "host/texts.h"
 
 namespace {
@@ -90,7 +91,7 @@ void RecordedSeries::CompleteFacts() {
     m_facts.Remove("Channels");
     m_facts.SetPath("Channels");
     for (size_t i = 1; i <= ChannelCount(); ++i) {
-        const std::string number = std::to_string(i), at = "Channels." + number;
+        const std::string number = std::to_string(i), at = "Channels." + NumberedKey(i, ChannelCount());
         m_facts.SetValue((at + ".sName").c_str(), ("#" + number).c_str());
         m_facts.SetValue((at + ".sUnit").c_str(), "");
     }
@@ -99,18 +100,32 @@ void RecordedSeries::CompleteFacts() {
 void RecordedSeries::ReadAll(CInt64Array& times, std::vector<CDoubleArray>& values) {
     values = std::vector<CDoubleArray>(ChannelCount());
     m_made = m_unread = 0;
+    DamageGaps damage(ChannelCount(), m_index.LastGap() + 1);
     CRecordingReader reader;
     Check(m_path, reader.Open(m_path));
+    const auto row = [&](__int64 time, auto value) {
+        times.Add(time);
+        for (size_t i = 0; i < values.size(); ++i) values[i].Add(value(i));
+    };
     while (reader.Position() < m_end) {
         const ERecordItem item = reader.Next();
         if (item == RI_FAILED) Check(m_path, reader.Error());
-        if (item == RI_END) return;
-        if (item == RI_DAMAGE) m_unread += reader.Damage().size;
+        if (item == RI_END) break;
+        if (item == RI_DAMAGE) {
+            m_unread += reader.Damage().size;
+            damage.Damaged(reader.Damage().size);
+        }
         if (item != RI_READING) continue;
-        times.Add(reader.Time());
-        for (size_t i = 0; i < values.size(); ++i) values[i].Add(reader.Values()[i]);
+        if (const auto gap = damage.Before(reader.Time())) {
+            m_notes.Add(*gap);
+            // The row that parts what stands before and after.
+            if (times.GetSize() > 0 && gap->from < reader.Time())
+                row(gap->from, [](size_t) { return std::numeric_limits<double>::quiet_NaN(); });
+        }
+        row(reader.Time(), [&](size_t i) { return reader.Values()[i]; });
         m_made += MarksGap(reader.Flags(), ChannelCount()) ? 0 : 1;
     }
+    if (const auto gap = damage.AtEnd()) m_notes.Add(*gap);
 }
 
 std::shared_ptr<const RecordedSeries::Decoded> RecordedSeries::Decode(size_t number) {

@@ -43,7 +43,8 @@ public:
     // The lines of these channels, as ReduceSeries makes them. The mappings, one for each, differ in their values only.
     std::vector<ReducedSeries> Reduce(const std::vector<size_t>& channels, const std::vector<PlotMapping>& mappings);
 
-    // What every reading needs: all times and values, each of the arrays one a reading, as a session keeps them.
+    // What every reading needs: all times and values, each of the arrays one a reading, as a session keeps them. The notes then have
+    // a gap for each damaged place.
     void ReadAll(CInt64Array& times, std::vector<CDoubleArray>& values);
     // Of what ReadAll has found: readings that were made, which those rows that mark the begin of a gap are not.
     unsigned __int64 Made() const { return m_made; }

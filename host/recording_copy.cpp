@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "host/console.h"
 #include "host/reading_source.h"
@@ -125,7 +126,7 @@ private:
 };
 }  // namespace
 
-void StoreAsRecording(const std::string& path, const Session& session, CPropertyDB& db) {
+bool StoreAsRecording(const std::string& path, const Session& session, CPropertyDB& db) {
     const auto check = [&](DWORD error) {
         if (error != ERROR_SUCCESS) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})};
     };
@@ -147,12 +148,23 @@ void StoreAsRecording(const std::string& path, const Session& session, CProperty
     Notes notes(told);
     Flags flags(told.Gaps());
     const std::unique_ptr<ReadingSource> readings = ReadingsOf(session);
+    bool whole = true;
+    const auto addDamage = [&](const CRecordedGap& gap) {
+        whole = false;
+        check(recorder.AddGap(gap));
+        if (recorder.ReadingCount() == 0) return;
+        const std::vector<double> none(recorder.ChannelCount(), std::numeric_limits<double>::quiet_NaN());
+        check(recorder.AddReading(gap.from, none.data(), std::vector<BYTE>(none.size(), RF_MISSING).data()));
+    };
     while (readings->Next()) {
         check(notes.AddUntil(recorder, readings->Time(), false));
+        if (readings->Damage()) addDamage(*readings->Damage());
         check(recorder.AddReading(readings->Time(), readings->Values(),
                                   flags.Of(readings->Time(), readings->Values(), recorder.ChannelCount())));
     }
     check(notes.AddUntil(recorder, 0, true));
+    if (readings->Damage()) addDamage(*readings->Damage());
     check(recorder.Close());
     check(replacement.Commit());
+    return whole;
 }

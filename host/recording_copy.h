@@ -7,5 +7,6 @@
 #include "host/session.h"
 
 // Written as a whole or not at all; what stands at `path` is replaced. The facts are what the database holds besides readings,
-// gaps and events; these stand between the readings by their times. A Failure with a sentence.
-void StoreAsRecording(const std::string& path, const Session& session, CPropertyDB& db);
+// gaps and events; these stand between the readings by their times. False where readings are damaged: they are gaps in what is
+// written. A Failure with a sentence.
+bool StoreAsRecording(const std::string& path, const Session& session, CPropertyDB& db);

@@ -47,6 +47,18 @@ FoldedRecording FoldRecording(const std::string& recording, const std::string& t
     return {series.Made(), series.Torn(), series.Unread(), series.Notes().Gaps().size()};
 }
 
+void LayAside(const std::string& recording, const std::string& target, const FoldedRecording& folded) {
+    const auto check = [&](BOOL done) {
+        if (!done) throw Failure{kFileFailed, Say(Text::NotRemoved, {ToUtf8(recording), Reason(GetLastError())})};
+    };
+    if (folded.damaged == 0) return check(DeleteFileA(recording.c_str()));
+    std::string kept;
+    for (int number = 1; kept.empty() || GetFileAttributesA(kept.c_str()) != INVALID_FILE_ATTRIBUTES; ++number)
+        kept = target + (number > 1 ? ".damaged-" + std::to_string(number) : ".damaged") + ".rec";
+    check(MoveFileExA(recording.c_str(), kept.c_str(), 0));
+    PrintError(Say(Text::DamagedKept, {ToUtf8(kept)}));
+}
+
 void SaveIntoRecording(const std::string& path, CPropertyDB& db) {
     CRecorder recorder;
     if (const DWORD error = recorder.Resume(path)) Fail(path, error);
@@ -58,6 +70,11 @@ void SaveIntoRecording(const std::string& path, CPropertyDB& db) {
     const DWORD closed = recorder.Close();
     if (error == ERROR_SUCCESS) error = closed;
     if (error != ERROR_SUCCESS) Fail(path, error);
+}
+
+bool IsRecordedInto(const std::string& path) {
+    std::unique_ptr<IRecordingFile> file;
+    return CRecordingFile::OpenToWrite(path, CRecordingFile::kForceEvery, file) == ERROR_SHARING_VIOLATION;
 }
 
 void RequireNobodyRecords(const std::string& path) {

@@ -18,10 +18,15 @@ struct FoldedRecording {
     size_t gaps = 0;
 };
 // Makes a session of a recording, an archive or the XML form by its name, in one step. The recording stays. What is damaged in it
-// is told on the error stream; a file that cannot be read is a Failure, and the target as it was.
+// is a gap in the session, and told on the error stream; a file that cannot be read is a Failure, and the target as it was.
 FoldedRecording FoldRecording(const std::string& recording, const std::string& target);
+// What has become a session is not needed any more, and is removed; a damaged one gets another name ("x.damaged.rec"), which is
+// told: somebody may get more out of it. A Failure when that cannot be done.
+void LayAside(const std::string& recording, const std::string& target, const FoldedRecording& folded);
 
 // Adds what is kept of comments and of a view to a recording that nobody records into at the moment.
 void SaveIntoRecording(const std::string& path, CPropertyDB& db);
-// A Failure while somebody records into the file.
+// Whether somebody records into the file at the moment.
+bool IsRecordedInto(const std::string& path);
+// A Failure if so.
 void RequireNobodyRecords(const std::string& path);

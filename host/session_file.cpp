@@ -14,7 +14,9 @@ std::string FileOfSession(const std::string& path, std::string& note) {
     const std::string beside = RecordingBeside(path);
     const bool there = FileExists(path);
     if ((there && IsRecording(path)) || !IsRecording(beside)) return path;
-    note = Say(there ? Text::RecordingIsBeside : Text::RecordingOpened, {ToUtf8(path), ToUtf8(beside)});
+    const bool grows = IsRecordedInto(beside);
+    const Text open = grows ? Text::RecordingOpenedGrows : Text::RecordingOpened, left = grows ? Text::RecordingGrows : Text::RecordingIsBeside;
+    note = Say(there ? left : open, {ToUtf8(path), ToUtf8(beside)});
     return there ? path : beside;
 }
 

@@ -22,20 +22,6 @@ __int64 TimeOf(const std::string& text) {
     throw Failure{kWrongUse, Say(Text::NotATime, {ToUtf8(text)})};
 }
 
-// A span in the user's words, or milliseconds.
-__int64 SpanOf(const std::string& option, const std::string& text) {
-    constexpr size_t kDigits = 15;
-    CVXTTimeSpan span;
-    const bool digits = !text.empty() && text.size() <= kDigits && text.find_first_not_of("0123456789") == std::string::npos;
-    if (digits) {
-        span.Set(std::stoll(text), TST_MILLISECONDS);
-    } else if (!_NlsGetShortTimeSpan(text.c_str(), span, TRUE)) {
-        throw Failure{kWrongUse, Say(Text::NotASpan, {option})};
-    }
-    if (span.CvtToInt64() <= 0) throw Failure{kWrongUse, Say(Text::NotASpan, {option})};
-    return span.CvtToInt64();
-}
-
 // What stands in numbers, times and quoted texts parts no columns.
 char SeparatorOf(const std::string& text) {
     if (text == "tab" || text == "\t") return '\t';
@@ -60,6 +46,7 @@ public:
 private:
     const Arguments& m_arguments;
 };
+constexpr __int64 kLongest = 1000ll * 366 * 86'400 * 1'000'000;  // us
 }  // namespace
 
 ShowOptions::ShowOptions(const Words& words) {
@@ -89,7 +76,7 @@ ShowOptions::ShowOptions(const Words& words) {
     if (arguments.Has("--to")) m_range.to = TimeOf(arguments.Get("--to"));
     if (arguments.Has("--from") && arguments.Has("--to") && m_range.from >= m_range.to)
         throw Failure{kWrongUse, Say(Text::ViewBackwards)};
-    if (arguments.Has("--last")) m_last = SpanOf("--last", arguments.Get("--last"));
+    if (arguments.Has("--last")) m_last = arguments.Span("--last", 1, kLongest, 0);
 }
 
 TimeRange ShowOptions::Range(__int64 last) const {

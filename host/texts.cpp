@@ -22,6 +22,16 @@ bool IsSwedish() {
 }
 
 std::wstring::size_type Size(int count) { return count > 0 ? static_cast<size_t>(count) : 0; }
+
+// The word that a "{1:one|many}" at `at` stands for, and its length; 0 where there is none.
+size_t Plural(std::string_view pattern, size_t at, std::initializer_list<std::string_view> arguments, std::string_view& word) {
+    const size_t end = pattern.find('}', at), bar = pattern.find('|', at);
+    if (pattern[at] != '{' || end == std::string_view::npos || bar > end || pattern[at + 2] != ':') return 0;
+    const auto place = static_cast<size_t>(pattern[at + 1] - '1');
+    if (place >= arguments.size()) return 0;
+    word = arguments.begin()[place] == "1" ? pattern.substr(at + 3, bar - at - 3) : pattern.substr(bar + 1, end - bar - 1);
+    return end - at + 1;
+}
 }  // namespace
 
 std::string Say(Text text, std::initializer_list<std::string_view> arguments) {
@@ -29,6 +39,12 @@ std::string Say(Text text, std::initializer_list<std::string_view> arguments) {
     const std::string_view pattern = IsSwedish() ? pair.swedish : pair.english;
     std::string out;
     for (size_t i = 0; i < pattern.size(); ++i) {
+        std::string_view word;
+        if (const size_t length = Plural(pattern, i, arguments, word)) {
+            out += word;
+            i += length - 1;
+            continue;
+        }
         const size_t place = i + 1 < pattern.size() ? static_cast<size_t>(pattern[i + 1] - '1') : arguments.size();
         if (pattern[i] == '%' && place < arguments.size()) {
             out += arguments.begin()[place];

@@ -9,6 +9,7 @@
 
 #include "afx/collections.h"
 #include "frame/numeric_arrays.h"
+#include "host/column_format.h"
 #include "host/console.h"
 #include "host/texts.h"
 #include "time/clock_text.h"
@@ -125,6 +126,23 @@ std::string ShortTextOf(double value, const std::string& picture) {
     CString text;
     _NlsSetReal(text, value, picture.empty() ? "@@@@@@" : picture.c_str());
     return ToUtf8(text.GetString());
+}
+
+std::string WholeTextOf(double value) {
+    constexpr double kLeast = 1e-5, kMost = 1e15;
+    const double size = std::fabs(value);
+    const bool plain = size == 0 || (size >= kLeast && size < kMost);
+    const auto narrow = static_cast<float>(value);
+    char text[64];
+    std::to_chars_result end;
+    if (static_cast<double>(narrow) == value) {
+        end = std::to_chars(text, std::end(text), narrow, plain ? std::chars_format::fixed : std::chars_format::scientific);
+    } else {
+        end = std::to_chars(text, std::end(text), value, std::chars_format::general, 15);
+    }
+    std::string said(text, end.ptr);
+    if (const size_t point = said.find('.'); point != std::string::npos) said.replace(point, 1, DecimalSign());
+    return said;
 }
 
 std::string TimeTextOf(__int64 time) {

@@ -18,6 +18,9 @@ std::string BriefTextOf(const CObject* value);
 // 1970 in the user's format, milliseconds behind the seconds. UTF-8.
 std::string ShortTextOf(double value, const std::string& picture = {});
 std::string TimeTextOf(__int64 time);
+// All digits that a value has for people: those that tell a 32-bit real from its neighbours where it is one, else fifteen. With the
+// user's decimal separator. UTF-8.
+std::string WholeTextOf(double value);
 
 // A real number as TextOf writes it or, where that is none, in the user's format. UTF-8; false for other texts.
 bool RealFromText(const std::string& text, double& value);

@@ -117,6 +117,18 @@ DWORD CRecorder::Close() {
 
 DWORD CRecorder::Force() { return m_file != nullptr ? m_file->Force() : DWORD{ERROR_INVALID_HANDLE}; }
 
+DWORD CRecorder::CheckLength() {
+    if (m_file == nullptr) return ERROR_INVALID_HANDLE;
+    unsigned __int64 size = 0;
+    if (const DWORD error = m_file->Size(size)) return error;
+    return size < m_end ? DWORD{ERROR_HANDLE_EOF} : DWORD{ERROR_SUCCESS};
+}
+
+DWORD CRecorder::CheckPlace() {
+    if (m_file == nullptr) return ERROR_INVALID_HANDLE;
+    return m_file->IsInPlace() ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_FILE_NOT_FOUND};
+}
+
 void CRecorder::StartSpan() {
     static_cast<CRecordingSpan&>(*m_span) = {};
     m_span->begin = m_end;

@@ -39,6 +39,10 @@ public:
     // What else is to be known; it replaces what was known under the same first names of keys.
     DWORD AddFacts(CPropertyDB& facts);
     DWORD Force();
+    // Whether the file is still what was written, as far as that is quickly seen: error 38 for one that is shorter (what is added still
+    // takes its place, and leaves a hole that readers pass over), error 2 where its name leads elsewhere.
+    DWORD CheckLength();
+    DWORD CheckPlace();
     // What forcing to the disk in the background came to since this was last asked: a failure means that the latest records may
     // not outlive a power cut.
     DWORD Forced() { return m_file != nullptr ? m_file->Forced() : DWORD{ERROR_SUCCESS}; }

@@ -3,8 +3,11 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
+
+#include "platform/same_file_internal.h"
 
 namespace {
 OVERLAPPED PlaceOf(unsigned __int64 at) {
@@ -82,7 +85,14 @@ private:
     std::thread m_thread;
 };
 
-CRecordingFile::CRecordingFile(HANDLE file) : m_file(file) {}
+// The name under which it was opened, and the file that it led to.
+struct CRecordingFile::Place {
+    std::string path;
+    std::optional<orvik::detail::FileIdentity> identity;
+};
+
+CRecordingFile::CRecordingFile(HANDLE file, const std::string& path)
+    : m_file(file), m_place(std::make_unique<Place>(Place{path, orvik::detail::IdentityOf(path)})) {}
 
 CRecordingFile::~CRecordingFile() {
     m_forcing.reset();
@@ -93,7 +103,7 @@ DWORD CRecordingFile::OpenToRead(const std::string& path, std::unique_ptr<IRecor
     const HANDLE handle =
         CreateFileA(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return GetLastError();
-    file.reset(new CRecordingFile(handle));
+    file.reset(new CRecordingFile(handle, path));
     return ERROR_SUCCESS;
 }
 
@@ -103,7 +113,7 @@ DWORD CRecordingFile::OpenToWrite(const std::string& path, DWORD forceEvery, std
     };
     const HANDLE handle = open(GENERIC_READ | GENERIC_WRITE);
     if (handle == INVALID_HANDLE_VALUE) return GetLastError();
-    std::unique_ptr<CRecordingFile> opened(new CRecordingFile(handle));
+    std::unique_ptr<CRecordingFile> opened(new CRecordingFile(handle, path));
     OVERLAPPED place = PlaceOf(kLockPlace);
     if (!LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place))
         return GetLastError() == ERROR_LOCK_VIOLATION ? DWORD{ERROR_SHARING_VIOLATION} : GetLastError();
@@ -137,6 +147,8 @@ DWORD CRecordingFile::Cut(unsigned __int64 size) {
     m_forcing->Written();
     return ERROR_SUCCESS;
 }
+
+bool CRecordingFile::IsInPlace() { return orvik::detail::IdentityOf(m_place->path) == m_place->identity; }
 
 DWORD CRecordingFile::Force() { return m_forcing->Now(); }
 

@@ -19,6 +19,8 @@ public:
     // Returns when all that was written is on the disk.
     virtual DWORD Force() = 0;
     virtual DWORD Size(unsigned __int64& size) = 0;
+    // Whether the name under which it was opened still leads to it: a file may be moved or removed while it is open.
+    virtual bool IsInPlace() { return true; }
     // What forcing it in the background came to since this was last asked.
     virtual DWORD Forced() { return ERROR_SUCCESS; }
 };
@@ -41,12 +43,15 @@ public:
     DWORD Cut(unsigned __int64 size) override;
     DWORD Force() override;
     DWORD Size(unsigned __int64& size) override;
+    bool IsInPlace() override;
     DWORD Forced() override;
 
 private:
     class Forcing;
-    explicit CRecordingFile(HANDLE file);
+    CRecordingFile(HANDLE file, const std::string& path);
 
     HANDLE m_file;
+    struct Place;
+    std::unique_ptr<Place> m_place;
     std::unique_ptr<Forcing> m_forcing;  // null for reading
 };

@@ -11,6 +11,17 @@ using namespace orvik::detail;
 
 namespace {
 constexpr size_t kReadAhead = 256 * 1024;
+
+// Whether a whole block stands here that was written for another place: bytes before it were lost, or came in. `budget`: how many
+// bytes of payload may still be looked at, so that bytes which claim much cost little.
+bool IsDisplaced(const unsigned char* bytes, size_t left, size_t& budget) {
+    if (bytes[1] != kBlockMark[1] || bytes[2] < kFactsBlock || bytes[2] > kIndexBlock || bytes[3] != 0) return false;
+    uint32_t length = 0, crc = 0;
+    Unpacker(bytes + 4, 8) >> length >> crc;
+    if (length < 8 || length > left - kBlockHeader || length > budget) return false;
+    budget -= length;
+    return Crc32c(bytes + kBlockHeader, length) == crc;
+}
 }
 
 CRecordingReader::CRecordingReader() = default;
@@ -26,7 +37,7 @@ DWORD CRecordingReader::Open(std::unique_ptr<IRecordingFile> file) {
     m_file = std::move(file);
     m_facts.RemoveAll();
     m_buffered = 0;
-    m_position = m_searched = kRecordHead;
+    Seek(kRecordHead);
     unsigned char head[kRecordHead];
     DWORD got = 0;
     if (const DWORD error = m_file->Read(0, head, sizeof head, got)) return error;
@@ -46,7 +57,10 @@ DWORD CRecordingReader::Open(std::unique_ptr<IRecordingFile> file) {
     return ERROR_SUCCESS;
 }
 
-void CRecordingReader::Seek(unsigned __int64 position) { m_position = m_searched = position; }
+void CRecordingReader::Seek(unsigned __int64 position) {
+    m_position = m_searched = position;
+    m_displaced = false;
+}
 
 // Bytes from `at` on into the buffer, `size` of them if the file has so many. False when it has not, or fails (m_error).
 bool CRecordingReader::Fetch(unsigned __int64 at, size_t size) {
@@ -88,6 +102,7 @@ bool CRecordingReader::FindBlock(unsigned __int64& at) {
     while (Fetch(at, kBlockHeader)) {
         const unsigned char* const begin = At(at);
         const unsigned char* const end = m_buffer.data() + m_buffered - kBlockHeader + 1;
+        size_t budget = 2 * static_cast<size_t>(end - begin);
         for (const unsigned char* place = begin; place < end; ++place) {
             place = static_cast<const unsigned char*>(std::memchr(place, kBlockMark[0], static_cast<size_t>(end - place)));
             if (place == nullptr) break;
@@ -97,6 +112,8 @@ bool CRecordingReader::FindBlock(unsigned __int64& at) {
                 at = offset;
                 return true;
             }
+            const auto left = static_cast<size_t>(end - place) + kBlockHeader - 1;
+            m_displaced = m_displaced || IsDisplaced(place, left, budget);
         }
         at += static_cast<size_t>(end - begin);
     }
@@ -127,10 +144,14 @@ ERecordItem CRecordingReader::Next() {
         more = FindBlock(next);
         if (m_error != ERROR_SUCCESS) return RI_FAILED;
         m_searched = next;
+        if (!more && m_displaced) {
+            next = size;
+            more = true;
+        }
     }
     if (more) {
         m_damage = {m_position, next - m_position};
-        m_position = m_searched = next;
+        Seek(next);
         return RI_DAMAGE;
     }
     m_torn = size > m_position ? size - m_position : 0;
@@ -143,8 +164,7 @@ ERecordItem CRecordingReader::Take() {
     const unsigned char* const payload = At(m_position) + kBlockHeader;
     const unsigned __int64 begin = m_position;
     Unpacker in(payload, m_length);
-    m_position += kBlockHeader + m_length;
-    m_searched = m_position;
+    Seek(m_position + kBlockHeader + m_length);
     const auto damaged = [&] {  // its CRC is right, and yet it is not what its type says
         m_damage = {begin, m_position - begin};
         return RI_DAMAGE;

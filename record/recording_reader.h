@@ -1,5 +1,6 @@
 // Walks through a recording, block by block, in the order in which it was written; also while it grows. What it gives was written
-// so, or is not given: every block has a CRC that takes in its place and its file. What is damaged is passed over and told.
+// so, or is not given: every block has a CRC that takes in its place and its file. What is damaged is passed over and told; where
+// bytes were taken out of the file or put into it, that is all that follows.
 // One thread for one reader, any number of readers for one file. Memory is that of the largest block met, whatever the length.
 // Failures are Win32 codes; a file that is no recording is error 11, one of a later layout error 1306.
 #pragma once
@@ -54,7 +55,8 @@ public:
     // Goes on at a place where a block begins. Another place counts as damage up to the next block.
     void Seek(unsigned __int64 position);
 
-    // Bytes behind the last whole block, at RI_END: a block that is being written, or one that was cut off.
+    // Bytes behind the last whole block, at RI_END: a block that is being written, or one that was cut off. Where whole blocks stand
+    // among them, only not at their places, they are RI_DAMAGE before.
     unsigned __int64 TornBytes() const { return m_torn; }
 
 private:
@@ -82,6 +84,7 @@ private:
 
     unsigned __int64 m_position = 0, m_item = 0, m_torn = 0;
     unsigned __int64 m_searched = 0;  // up to here no block begins behind m_position
+    bool m_displaced = false;         // but one that belongs elsewhere does
     unsigned char m_type = 0;         // of the block at m_position
     DWORD m_length = 0;
     DWORD m_error = 0;

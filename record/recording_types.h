@@ -20,6 +20,7 @@ enum EGapCause : WORD {
     GC_DISK = 101,         // they were read, and could not be written
     GC_NOT_RUNNING = 102,  // the program did not run
     GC_PLUGIN = 103,       // the plug-in failed otherwise than by a communication error
+    GC_DAMAGED = 104,      // they were recorded, and the recording is damaged there
 };
 
 // A stretch in which readings, or single channels of them, are missing.

@@ -49,7 +49,7 @@ BOOL LiveDownload::End() {
             break;
         default:
             if (m_measurement->Missing() > 0 && !m_stopped)
-                sentence = Say(Text::MissingHere, {std::to_string(m_measurement->Missing()), CausesText(m_measurement->Gaps()->Counts())});
+                sentence = Say(Text::MissingHere, {std::to_string(m_measurement->Missing()), CausesText(m_measurement->Gaps()->Counts(), m_facts)});
             break;
     }
     m_listener.OnDownloadEnd(m_stopped ? std::string() : sentence);
@@ -103,8 +103,7 @@ void LiveDownload::OnEvent(const CRecordedEvent& event) {
 }
 
 void LiveDownload::OnWriting(const std::string& path, DWORD error) {
-    m_listener.OnDownloadState(error == ERROR_SUCCESS ? Say(Text::WritingAgain, {ToUtf8(path)})
-                                                      : Say(Text::WritingFailed, {ToUtf8(path), Reason(error)}));
+    m_listener.OnDownloadState(WritingSentence(path, error));
 }
 
 void LiveDownload::OnDropped(CRecordedGap gap) { m_measurement->Dropped(std::move(gap)); }

@@ -19,13 +19,15 @@ void GapKeeper::TellNow(Open& open) {
     m_tell(open.gap);
 }
 
-void GapKeeper::CountMissed(const std::string& text, DWORD missed) {
+void GapKeeper::CountMissed(const CRecordedGap& gap, DWORD missed) {
     if (missed == 0) return;
-    const auto found = std::find_if(m_counts.begin(), m_counts.end(), [&](const Count& count) { return count.text == text; });
+    const auto found = std::find_if(m_counts.begin(), m_counts.end(), [&](const Count& count) {
+        return count.text == gap.text && count.channels == gap.channels;
+    });
     if (found != m_counts.end()) {
         found->missed += missed;
     } else {
-        m_counts.push_back({text, missed});
+        m_counts.push_back({gap.text, gap.channels, missed});
     }
 }
 
@@ -35,7 +37,7 @@ void GapKeeper::Grow(Open& open, __int64 time, DWORD missed) {
     gap.until = std::max(gap.until, time);
     gap.missed += missed;
     open.changed = true;
-    CountMissed(gap.text, missed);
+    CountMissed(gap, missed);
     if (first || gap.missed >= 2 * std::max<DWORD>(open.told, 1) || gap.until - open.toldAt >= kTellAgain) TellNow(open);
 }
 
@@ -60,7 +62,7 @@ void GapKeeper::Failed(__int64 time, const std::vector<Failure>& failures, DWORD
             gap.text = failure.text;
             m_open.push_back({std::move(gap)});
             ++m_gaps;
-            CountMissed(failure.text, missed);
+            CountMissed(m_open.back().gap, missed);
             TellNow(m_open.back());
         } else {
             ++open->gap.attempts;
@@ -81,6 +83,6 @@ bool GapKeeper::Missed(__int64 time, DWORD count) {
 void GapKeeper::Single(CRecordedGap gap) {
     gap.number = m_next++;
     ++m_gaps;
-    CountMissed(gap.text, gap.missed);
+    CountMissed(gap, gap.missed);
     m_tell(gap);
 }

@@ -29,9 +29,10 @@ public:
     void Single(CRecordedGap gap);
     void EndAll() { Failed(0, {}, 0); }
 
-    // Since the beginning: readings of which something is missing count once for each cause.
+    // Since the beginning: readings of which something is missing count once for each cause in the same channels (none: all).
     struct Count {
         std::string text;
+        std::vector<WORD> channels;
         DWORD missed = 0;
     };
     const std::vector<Count>& Counts() const { return m_counts; }
@@ -46,7 +47,7 @@ private:
     };
     void TellNow(Open& open);
     void Grow(Open& open, __int64 time, DWORD missed);
-    void CountMissed(const std::string& text, DWORD missed);
+    void CountMissed(const CRecordedGap& gap, DWORD missed);
 
     DWORD m_next;
     Tell m_tell;

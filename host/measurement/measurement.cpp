@@ -204,6 +204,7 @@ bool Measurement::Connect() {
 }
 
 void Measurement::Read() {
+    const __int64 began = m_clock.Steady();
     m_answered.reset();
     m_troubles.assign(m_channels, {});
     CDoubleArray got;
@@ -242,6 +243,10 @@ void Measurement::Read() {
         return Lost(trouble, true);
     }
     const __int64 now = m_clock.Steady();
+    if (failures.empty() && m_plan.interval != 0 && now - began > m_plan.interval) {
+        ++m_slowReadings;
+        m_slowest = std::max(m_slowest, static_cast<DWORD>((now - began) / 1000));
+    }
     const __int64 time = std::max(Stamp(m_answered.value_or(now)), m_lastTime + 1);
     if (m_lost) Event(RE_CONNECTED, time, m_plan.port);
     m_lost = m_rowMissing = false;
@@ -283,7 +288,9 @@ void Measurement::Lost(const Trouble& trouble, bool reading) {
             ++m_missing;
             ++m_slot;
         } else {
-            m_gaps->Failed(time, {{trouble.cause, trouble.text, {}}}, 0);
+            // Missing since the reading was due, not since it was given up.
+            const __int64 due = m_calendar.At(DueOf(m_slot));
+            m_gaps->Failed(m_plan.interval == 0 ? time : std::clamp(due, m_lastTime + 1, time), {{trouble.cause, trouble.text, {}}}, 0);
             m_slotFailed = true;
         }
     }

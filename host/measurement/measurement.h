@@ -86,6 +86,9 @@ public:
     // How late answers come: how many did, and the longest, in ms.
     DWORD LateAnswers() const { return m_lateAnswers; }
     DWORD Latest() const { return m_latest; }
+    // Readings that were whole and yet took longer than the interval, and the longest, in ms.
+    DWORD SlowReadings() const { return m_slowReadings; }
+    DWORD Slowest() const { return m_slowest; }
 
 private:
     void OnAnswer() override;
@@ -139,5 +142,5 @@ private:
     // Of the reading that is being made.
     std::optional<__int64> m_answered;  // steady
     std::vector<Trouble> m_troubles;    // by channel
-    DWORD m_lateAnswers = 0, m_latest = 0;
+    DWORD m_lateAnswers = 0, m_latest = 0, m_slowReadings = 0, m_slowest = 0;
 };

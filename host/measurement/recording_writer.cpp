@@ -80,14 +80,26 @@ DWORD RecordingWriter::Create(const File& file, __int64 time) {
     return ERROR_SUCCESS;
 }
 
+void RecordingWriter::CreateNow(const File& file, __int64 time) {
+    const DWORD error = Create(file, time);
+    if (error == ERROR_SUCCESS) return;
+    if (error == ERROR_SHARING_VIOLATION) throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(file.recording)})};
+    throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(file.recording), Reason(error)})};
+}
+
 IMeasurementSink::Begin RecordingWriter::OnBegin(__int64 time) {
     const File file = NameFor(time);
-    if (const DWORD error = Create(file, time)) {
-        if (error == ERROR_SHARING_VIOLATION) throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(file.recording)})};
-        throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(file.recording), Reason(error)})};
+    if (!m_plan.append && m_store.Exists(file.recording)) {
+        m_replaces = file;
+    } else {
+        CreateNow(file, time);
     }
     m_begun = true;
     Begin begin;
+    if (m_replaces) {
+        OnEvent({time, RE_STARTED, 0, m_plan.version});
+        return begin;
+    }
     begin.nextGap = m_recorder->LastGap() + 1;
     begin.lastTime = m_recorder->LastTime();
     if (m_recorder->ReadingCount() > 0) {
@@ -135,6 +147,16 @@ void RecordingWriter::OnEvent(const CRecordedEvent& event) {
 }
 
 void RecordingWriter::Put(Record record) {
+    if (m_replaces) {
+        const __int64 time = record.time;
+        const bool value = record.HasValue();
+        Hold(std::move(record));
+        if (!value) return;
+        CreateNow(*m_replaces, time);
+        m_replaces.reset();
+        Drain();
+        return;
+    }
     if (!Drain() || Write(record) != ERROR_SUCCESS) Hold(std::move(record));
 }
 
@@ -142,10 +164,9 @@ DWORD RecordingWriter::Write(const Record& record) {
     DWORD error = ERROR_SUCCESS;
     switch (record.kind) {
         case Record::Reading:
+            if (const DWORD shorter = m_recorder->CheckLength(); shorter == ERROR_HANDLE_EOF) m_listener.OnWriting(m_files.back().recording, shorter);
             error = m_recorder->AddReading(record.time, record.values.data(), record.flags.data());
-            if (error == ERROR_SUCCESS &&
-                std::any_of(record.flags.begin(), record.flags.end(), [](BYTE flag) { return flag != RF_MISSING; }))
-                ++m_written;
+            if (error == ERROR_SUCCESS && record.HasValue()) ++m_written;
             break;
         case Record::Gap:
             error = m_recorder->AddGap(record.gap);
@@ -193,13 +214,26 @@ void RecordingWriter::Tell(DWORD error) {
 }
 
 void RecordingWriter::Tick() {
-    if (!m_begun) return;
+    if (!m_begun || m_replaces) return;
     Drain();
+    if (m_recorder->CheckPlace() != ERROR_SUCCESS) KeepPlace();
     // Written, but not on the disk: nothing is to be written again, and somebody has to know.
     if (const DWORD error = m_recorder->Forced()) m_listener.OnWriting(m_files.back().recording, error);
 }
 
+// Somebody has moved or removed the file: what he took is his, and what comes now has its place again.
+void RecordingWriter::KeepPlace() {
+    const std::string& path = m_files.back().recording;
+    auto next = std::make_unique<CRecorder>();
+    // As long as there can be none, the old one is written, wherever it is.
+    if (m_store.Exists(path) || m_store.Create(path, m_facts, *next) != ERROR_SUCCESS) return;
+    m_recorder->Close();
+    m_recorder = std::move(next);
+    m_listener.OnWriting(path, ERROR_FILE_NOT_FOUND);
+}
+
 void RecordingWriter::RotateIfDue(__int64 time) {
+    if (m_replaces) return;
     const bool old = m_plan.rotateEvery != 0 && time - m_fileBegan >= m_plan.rotateEvery;
     const bool large = m_plan.rotateSize != 0 && m_recorder->Size() >= m_plan.rotateSize;
     if ((!old && !large) || !Drain()) return;
@@ -217,8 +251,22 @@ void RecordingWriter::RotateIfDue(__int64 time) {
 }
 
 DWORD RecordingWriter::Close() {
-    if (!m_begun) return ERROR_SUCCESS;
+    if (!m_begun || m_replaces) return ERROR_SUCCESS;
     const bool all = Drain();
     const DWORD error = m_recorder->Close();
     return all ? error : m_error;
+}
+
+std::string WritingSentence(const std::string& path, DWORD error) {
+    const std::string name = ToUtf8(path);
+    switch (error) {
+        case ERROR_SUCCESS:
+            return Say(Text::WritingAgain, {name});
+        case ERROR_FILE_NOT_FOUND:
+            return Say(Text::RecordingGone, {name});
+        case ERROR_HANDLE_EOF:
+            return Say(Text::RecordingShortened, {name});
+        default:
+            return Say(Text::WritingFailed, {name, Reason(error)});
+    }
 }

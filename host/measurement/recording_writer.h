@@ -1,10 +1,13 @@
 // Where a measurement's readings go: into a recording, or a row of them. What cannot be written at the moment (a full disk) waits
-// in memory and is written in its order as soon as it can be; beyond a bound, readings are dropped and become a gap.
+// in memory and is written in its order as soon as it can be; beyond a bound, readings are dropped and become a gap. A file that is
+// to take another one's place is made with the first value, so that a logger that gives none costs nothing.
 // One thread.
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,7 +40,8 @@ public:
     };
     class Listener {
     public:
-        // Writing has failed, or does again as it should (error 0).
+        // Writing has failed, or does again as it should (error 0). Errors 2 and 38: the file was moved or removed, and a new one is
+        // written in its place; or it was cut short. WritingSentence has the words.
         virtual void OnWriting(const std::string& path, DWORD error) = 0;
         // Readings that were not kept: a gap without a number.
         virtual void OnDropped(CRecordedGap gap) = 0;
@@ -62,7 +66,7 @@ public:
     DWORD Close();
 
     bool HasBegun() const { return m_begun; }
-    size_t Waiting() const { return m_waitingReadings; }
+    size_t Waiting() const { return m_replaces ? 0 : m_waitingReadings; }
     // Readings in all files of this run, those of an earlier one not counted.
     unsigned __int64 Written() const { return m_written; }
     // The files of this run in their order, and what each becomes ("": what it is).
@@ -81,6 +85,9 @@ private:
         std::vector<BYTE> flags;
         CRecordedGap gap;
         CRecordedEvent event;
+        bool HasValue() const {
+            return kind == Reading && std::any_of(flags.begin(), flags.end(), [](BYTE flag) { return flag != RF_MISSING; });
+        }
         size_t Size() const { return sizeof *this + values.size() * 9 + gap.text.size() + event.text.size(); }
     };
     void Put(Record record);
@@ -90,6 +97,8 @@ private:
     void Tell(DWORD error);
     File NameFor(__int64 time) const;
     DWORD Create(const File& file, __int64 time);
+    void CreateNow(const File& file, __int64 time);
+    void KeepPlace();
     void RotateIfDue(__int64 time);
 
     CPropertyDB& m_facts;
@@ -98,6 +107,7 @@ private:
     IRecordingStore& m_store;
     std::unique_ptr<CRecorder> m_recorder = std::make_unique<CRecorder>();
     std::vector<File> m_files;
+    std::optional<File> m_replaces;  // the file that is made with the first value, in the place of one that is there
     bool m_begun = false;
     __int64 m_fileBegan = 0;
     unsigned __int64 m_written = 0;
@@ -107,3 +117,6 @@ private:
     size_t m_waitingBytes = 0, m_waitingReadings = 0;
     CRecordedGap m_dropped;
 };
+
+// What OnWriting tells, in words. UTF-8.
+std::string WritingSentence(const std::string& path, DWORD error);

@@ -26,7 +26,7 @@ def crc(frame):
 
 
 def serve(line, answers):
-    """Answers so many requests for registers; gives the time of the first."""
+    """Answers so many requests for registers; gives the time of the first request of any kind."""
     received, first = b"", None
     end = time.monotonic() + 10
     while answers and time.monotonic() < end:
@@ -40,6 +40,10 @@ def serve(line, answers):
             request, received = received[:8], received[8:]
             first = first or time.monotonic()
             count = request[4] << 8 | request[5]
+            if count == 0:  # refused, as by every logger: it shows the host that the line is clear
+                refusal = bytes((request[0], request[1] | 0x80, 3))
+                os.write(line, refusal + crc(refusal))
+                continue
             reply = request[:2] + bytes((2 * count,)) + bytes(range(2 * count))
             os.write(line, reply + crc(reply))
             answers -= 1
@@ -71,6 +75,8 @@ def main():
                                            stderr=subprocess.DEVNULL)
             first = serve(line, random.randint(1, 8))
             delays.append(first - plugged if first else float("inf"))
+            if first is None:
+                print(f"cycle {cycle}: nothing was asked", flush=True)
             states.append(state(process))
             link.unlink()
             os.close(line)

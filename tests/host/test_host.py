@@ -186,7 +186,7 @@ class Download(HostTest):
         result = self.host("download", "--port", self.simulate("--fault", "silent"), "--out", "s.rec", "--timeout", 100, "--for", "2 s", "--interval", 500)
         self.assertEqual(result.code, 2)
         self.assertIn("Receive timeout; the download goes on", result.sentences[0])
-        self.assertRegex(result.sentences[-1], r"0 readings of 5 channels saved to s\.rec; 4 are missing: 4 x Receive timeout")
+        self.assertRegex(result.sentences[-1], r"0 readings of 5 channels saved to s\.rec.*; 4 are missing: 4 x Receive timeout")
         self.assertEqual(len(self.readings("s.rec")), 2, "the row that marks the hole")
         self.assertIn("Receive timeout", self.host("show", "s.rec", "--gaps").out)
         result = self.host("download", "--port", self.simulate("--fault", "silent"), "--out", "s.odb", "--timeout", 100, "--for", "1 h", "--give-up", "1 s")
@@ -214,6 +214,21 @@ class Download(HostTest):
         self.assertEqual(process.returncode, 2, said)
         self.assertIn("there again", said)
         self.assertGreater(len(self.readings("s.rec")), 20)
+
+    def test_a_recording_that_is_taken_away_is_told(self):
+        if options.wine:
+            return  # a file that is open keeps its name there until it is closed
+        process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", "s.rec", "--for", "6 s", "--interval", 100), cwd=self.folder,
+                                   env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8")
+        time.sleep(1.5)
+        (self.folder / "s.rec").rename(self.folder / "taken.rec")
+        time.sleep(2.5)
+        os.truncate(self.folder / "s.rec", 700)
+        _, said = process.communicate(timeout=20)
+        self.assertIn("s.rec was moved or removed", said)
+        self.assertIn("s.rec was cut short", said)
+        self.assertGreater(len(self.readings("taken.rec")), 5)
+        self.assertEqual(self.host("show", "s.rec").code, 3)
 
     def test_a_killed_download_is_found(self):
         if options.wine:
@@ -257,7 +272,7 @@ class Download(HostTest):
         self.assertEqual(self.download(port, out="s.odb", count=2).code, 0, "what a download made goes")
         self.assertEqual(len(self.readings("s.odb")), 3)
         self.host("db", "set", "s.odb", "Chart.Tags.Comment #0.sText", "mine")
-        self.assertIn("1 comments", self.refused(3, "download", "--port", port, "--out", "s.odb", "--count", 1))
+        self.assertIn("1 comment", self.refused(3, "download", "--port", port, "--out", "s.odb", "--count", 1))
         self.assertEqual(self.download(port, "--force", out="s.odb", count=1).code, 0)
         for one, other in [("--logger", "--out"), ("--csv", "--out"), ("--trace", "--csv")]:
             words = {"--out": "a.odb", one: "same.xml", other: "same.xml"}
@@ -296,7 +311,7 @@ class Download(HostTest):
         port = self.simulate()
         result = self.host("read", "--port", port)
         self.assertEqual(result.code, 0, result.err)
-        self.assertEqual(len(result.out.splitlines()), 6)
+        self.assertEqual(len(result.out.splitlines()), 7)
         self.assertRegex(result.out, r"Air temperature +[\d.]+ °C")
         self.assertEqual(len(list(csv.reader(io.StringIO(self.host("read", "--port", port, "--csv").out)))[1]), 6)
         self.assertIsInstance(json.loads(self.host("read", "--port", port, "--json").out)["Air temperature"], float)
@@ -381,7 +396,7 @@ class Download(HostTest):
             time.sleep(1)
             process.send_signal(wish)
             _, said = process.communicate(timeout=8)  # at once, and not after the time that a closing terminal is given
-            self.assertEqual(process.returncode, 2, said)
+            self.assertIn(process.returncode, (0, 2), said)  # 2 where this machine was too busy for all of them
             self.assertGreater(len(self.readings(name)), 2)
 
     def test_asking_again_does_not_interrupt_the_saving(self):
@@ -393,7 +408,7 @@ class Download(HostTest):
         while process.poll() is None:
             process.send_signal(signal.SIGINT)
             time.sleep(0.002)
-        self.assertEqual(process.returncode, 2, process.stderr.read())
+        self.assertEqual(process.returncode, 0, process.stderr.read())
         process.stderr.close()
         self.assertGreater(len(self.readings("s.odb")), 2)
         self.assertEqual([path.name for path in self.folder.iterdir()], ["s.odb"])
@@ -523,7 +538,7 @@ class Recordings(HostTest):
         self.assertIn("opened a.odb.rec", result.err)
         self.make("b.rec", 10, 2)
         said = self.done("recover", "a.odb").out
-        self.assertIn("45 readings and 1 gaps", said)
+        self.assertIn("45 readings and 1 gap ", said)
         self.assertIn("5 bytes", said)
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["a.odb", "b.rec"])
         self.assertEqual(self.done("show", "a.odb", "--csv").out, result.out)
@@ -583,8 +598,19 @@ class Recordings(HostTest):
             data[at] ^= 1
         (self.folder / "a.rec").write_bytes(data)
         for words in (("show", "a.rec", "--csv"), ("convert", "a.rec", "a.odb")):
-            self.assertIn("bytes of a.rec are damaged", self.done(*words).err)
-        self.assertEqual(len(self.readings("a.odb")), 4999)
+            result = self.host(*words)
+            self.assertEqual(result.code, 3)
+            self.assertIn("bytes of a.rec are damaged", result.err)
+        self.assertEqual(len(self.readings("a.odb")), 1 + 5000, "two are lost, and rows mark their places")
+        self.assertRegex(self.done("show", "a.odb", "--gaps").out, "(missing: 1 reading, .*damaged.*\n.*){2}")
+        # Bytes that were taken out: the rest is kept, and told, also by who goes on behind it.
+        self.make("c.rec", 500, 2)
+        data = (self.folder / "c.rec").read_bytes()
+        (self.folder / "d.odb.rec").write_bytes(data[:9000] + data[9003:])
+        result = self.host("recover", "d.odb")
+        self.assertEqual(result.code, 3)
+        self.assertIn("d.odb.damaged.rec", result.err)
+        self.assertEqual((self.folder / "d.odb.damaged.rec").read_bytes(), data[:9000] + data[9003:])
         (self.folder / "b.rec").write_bytes(b"ORVIKREC" + bytes(100))
         for words in (("show", "b.rec"), ("convert", "b.rec", "c.odb"), ("recover", "b.rec"), ("chart", "b.rec", "--out", "b.png")):
             self.assertIn("b.rec", self.refused(3, *words))
@@ -622,7 +648,7 @@ class Databases(HostTest):
             self.assertIn("Text.s  str  mätvärde °C", listed)
             self.assertIn("6 values in 2 folders", self.host("db", "check", name).out)
             self.assertEqual(self.host("db", "remove", name, "n").code, 0)
-            self.assertIn("1 values in 1 folders", self.host("db", "check", name).out)
+            self.assertIn("1 value in 1 folder", self.host("db", "check", name).out)
 
     def test_reals_may_be_typed_in_the_users_format(self):
         for typed, stored in [("1,5;-2,5e3;1.5", "1.5;-2500;1.5"), ("1.234,5", "1234.5"), ("12.34,5", None), ("1,5x", None), ("-", None)]:
@@ -850,7 +876,7 @@ class Demo(HostTest):
         words = ["demo"] + (["--port", self.simulate()] if options.wine else [])
         self.assertEqual(self.host(*words).code, 0)
         self.assertEqual(self.host("db", "set", "out/session.odb", "Chart.Tags.Comment #7.sText", "mine").code, 0)
-        self.assertIn("1 comments", self.refused(3, *words))
+        self.assertIn("1 comment", self.refused(3, *words))
         self.assertEqual(self.host(*words, "--force").code, 0)
         (self.folder / "out" / "session.odb").unlink()
         self.assertIn("session.xml is there already", self.refused(3, *words).replace("\\", "/"))

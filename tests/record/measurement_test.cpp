@@ -477,6 +477,7 @@ TEST_F(WriterTest, WhatMemoryCannotHoldIsAGap) {
     EXPECT_LT(waiting, static_cast<size_t>(many));
     EXPECT_NE(writer->Close(), 0u);
     EXPECT_EQ(writer->Waiting(), waiting);
+    store.files.clear();
     Begin(kBegun);
     const auto again = store.files["x.rec"];
     again->room = again->bytes.size();
@@ -486,6 +487,22 @@ TEST_F(WriterTest, WhatMemoryCannotHoldIsAGap) {
     EXPECT_EQ(dropped.missed, static_cast<DWORD>(many) - waiting);
     EXPECT_EQ(dropped.cause, GC_DISK);
     EXPECT_EQ(dropped.from, kBegun + static_cast<__int64>(waiting) * kSecond);
+}
+
+// What is to be replaced stays until there is something in its place.
+TEST_F(WriterTest, ALoggerThatGivesNothingCostsNothing) {
+    Begin(kBegun);
+    Add(kBegun, 3);
+    EXPECT_EQ(writer->Close(), 0u);
+    const auto earlier = store.files["x.rec"]->bytes;
+    Begin(kBegun + 100 * kSecond);
+    writer->OnReading(kBegun + 100 * kSecond, {std::nan(""), std::nan("")}, {RF_MISSING, RF_MISSING});
+    writer->Tick();
+    EXPECT_EQ(store.files["x.rec"]->bytes, earlier);
+    EXPECT_TRUE(writer->Files().empty());
+    Add(kBegun + 101 * kSecond, 2);
+    EXPECT_EQ(Times("x.rec"), (std::vector<__int64>{kBegun + 100 * kSecond, kBegun + 101 * kSecond, kBegun + 102 * kSecond}));
+    EXPECT_EQ(writer->Files().size(), 1u);
 }
 
 TEST_F(WriterTest, GoesOnWithWhatIsThere) {

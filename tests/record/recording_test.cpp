@@ -217,6 +217,35 @@ TEST_F(Recording, DamageCostsItsBlockAlone) {
     for (const unsigned n : ReadAll(disk).readings) EXPECT_LT(n, 100u);
 }
 
+// Bytes taken out or put in: what follows is not where it was written. It is told, and stays when somebody goes on behind it.
+TEST_F(Recording, WhatStandsElsewhereIsToldAndKept) {
+    Begin(2);
+    const size_t head = disk->bytes.size();
+    Add(0, 40);
+    recorder.Close();
+    const faulty::Bytes whole = disk->bytes;
+    std::mt19937 random(3);
+    for (int round = 0; round < 300; ++round) {
+        disk->bytes = whole;
+        const auto at = static_cast<std::ptrdiff_t>(head + random() % (whole.size() / 2));
+        const auto size = static_cast<std::ptrdiff_t>(1 + random() % 300);
+        const auto begin = disk->bytes.begin() + at;
+        if (round % 2) disk->bytes.erase(begin, begin + size);
+        if (round % 2 == 0) disk->bytes.insert(begin, whole.begin() + at / 2, whole.begin() + at / 2 + size);
+        const faulty::Bytes changed = disk->bytes;
+        const Read read = ReadAll(disk);
+        EXPECT_FALSE(read.wrong);
+        EXPECT_GT(read.damaged, 0u);
+        EXPECT_EQ(read.torn, 0u);
+        CRecorder again;
+        ASSERT_EQ(again.Resume(File()), 0u);
+        ASSERT_EQ(AddOne(again, 50), 0u);
+        EXPECT_TRUE(std::equal(changed.begin(), changed.end(), disk->bytes.begin()));
+        const Read after = ReadAll(disk);
+        EXPECT_TRUE(!after.wrong && after.readings.size() == read.readings.size() + 1 && after.readings.back() == 50) << round;
+    }
+}
+
 TEST_F(Recording, AFailedWriteLeavesNoTrace) {
     Begin(2);
     Add(0, 3);
