@@ -32,6 +32,8 @@ DWORD ErrorFromErrno(int error) {
             return ERROR_INVALID_HANDLE;
         case ENOMEM:
             return ERROR_NOT_ENOUGH_MEMORY;
+        case EXDEV:
+            return ERROR_NOT_SAME_DEVICE;
         case EROFS:
             return ERROR_WRITE_PROTECT;
         case EIO:

@@ -94,6 +94,14 @@ ORVIK_API BOOL WINAPI FindClose(HANDLE find);
 ORVIK_API BOOL WINAPI SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD method);
 ORVIK_API BOOL WINAPI GetFileSizeEx(HANDLE file, LARGE_INTEGER* size);
 ORVIK_API BOOL WINAPI SetEndOfFile(HANDLE file);
+// Which file it is: the same serial number and index for every handle of one file. The number of links is 0 once the file has no name
+// any more. Attributes and times are 0 here.
+struct BY_HANDLE_FILE_INFORMATION {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime, ftLastAccessTime, ftLastWriteTime;
+    DWORD dwVolumeSerialNumber, nFileSizeHigh, nFileSizeLow, nNumberOfLinks, nFileIndexHigh, nFileIndexLow;
+};
+ORVIK_API BOOL WINAPI GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* info);
 ORVIK_API BOOL WINAPI FlushFileBuffers(HANDLE file);  // to the disk, not only to the system
 // A lock for one program against others, on a stretch of bytes that need not be there; it ends with the handle. Only exclusive ones
 // that do not wait (both flags, 50 otherwise); error 33 where somebody has it. Reading and writing do not heed it here.

@@ -56,6 +56,18 @@ public:
         size = info.st_size;
         return ERROR_SUCCESS;
     }
+    DWORD Identify(BY_HANDLE_FILE_INFORMATION& out) {
+        struct stat info;
+        if (fstat(m_fd, &info) != 0) return ErrorFromErrno(errno);
+        out = {};
+        out.nFileSizeHigh = static_cast<DWORD>(static_cast<ULONGLONG>(info.st_size) >> 32);
+        out.nFileSizeLow = static_cast<DWORD>(info.st_size);
+        out.dwVolumeSerialNumber = static_cast<DWORD>(info.st_dev ^ info.st_dev >> 32);
+        out.nNumberOfLinks = static_cast<DWORD>(info.st_nlink);
+        out.nFileIndexHigh = static_cast<DWORD>(static_cast<ULONGLONG>(info.st_ino) >> 32);
+        out.nFileIndexLow = static_cast<DWORD>(info.st_ino);
+        return ERROR_SUCCESS;
+    }
     DWORD CutHere() {
         const off_t at = lseek(m_fd, 0, SEEK_CUR);
         if (at >= 0 && ftruncate(m_fd, at) == 0) return ERROR_SUCCESS;
@@ -173,6 +185,13 @@ BOOL GetFileSizeEx(HANDLE file, LARGE_INTEGER* size) {
     if (!pinned) return Finish(ERROR_INVALID_HANDLE);
     if (size == nullptr) return Finish(ERROR_INVALID_PARAMETER);
     return Finish(pinned->Size(size->QuadPart));
+}
+
+BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* info) {
+    const Pinned<RegularFile> pinned(file);
+    if (!pinned) return Finish(ERROR_INVALID_HANDLE);
+    if (info == nullptr) return Finish(ERROR_INVALID_PARAMETER);
+    return Finish(pinned->Identify(*info));
 }
 
 BOOL SetEndOfFile(HANDLE file) {

@@ -171,8 +171,10 @@ link_map* MapOf(const void* address) {
     return dladdr1(address, &info, &map, RTLD_DL_LINKMAP) ? static_cast<link_map*>(map) : nullptr;
 }
 HMODULE ThisModule() {
+    // Once: the linker's answer takes microseconds, and every loaded text asks.
     static const int here = 0;
-    return reinterpret_cast<HMODULE>(MapOf(&here));
+    static const auto module = reinterpret_cast<HMODULE>(MapOf(&here));
+    return module;
 }
 
 template <class T>
