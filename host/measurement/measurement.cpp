@@ -277,10 +277,12 @@ void Measurement::Lost(const Trouble& trouble, bool reading) {
     if (!m_lost) Event(RE_LOST, time, trouble.text);
     m_lost = true;
     m_connected = false;
-    // A port that cannot be opened is looked for every second, however long it is away; only a logger that is there and silent is
-    // left in peace for longer and longer.
-    m_retryAt = now + (reading ? m_pause : kShortestPause);
-    if (reading) m_pause = std::min(2 * m_pause, kLongestPause);
+    // A port that is gone is looked for every second, however long it is away, and what comes back is asked at once; only a logger
+    // that is there and silent is left in peace for longer and longer.
+    const bool gone = !reading || trouble.cause == CCommException::DeviceNotOpen || trouble.cause == CCommException::HardwareError;
+    if (gone) m_pause = kShortestPause;
+    m_retryAt = now + m_pause;
+    if (!gone) m_pause = std::min(2 * m_pause, kLongestPause);
     if (reading || m_slotFailed || now >= DueOf(m_slot)) {
         if (m_plan.interval == 0 && reading) {
             m_gaps->Failed(time, {{trouble.cause, trouble.text, {}}}, 1);

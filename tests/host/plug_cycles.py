@@ -86,6 +86,9 @@ def main():
         shown = subprocess.run([options.host, "show", str(folder / "s.rec"), "--csv"], capture_output=True, text=True, check=True).stdout
     early = states[min(10, len(states) - 1)]
     print(f"{options.cycles} cycles, {len(shown.splitlines()) - 1} rows, exit code {code}")
+    late = [(cycle, round(delay, 1)) for cycle, delay in enumerate(delays) if cycle and delay > 2]
+    if late:
+        print(f"later than 2 s: {late}")
     print(f"went on after at most {max(delays[1:]):.2f} s, on average {sum(delays[1:]) / len(delays[1:]):.2f} s")
     print(f"handles {early[0]} then {states[-1][0]}, threads {early[1]} then {states[-1][1]}, resident {early[2] >> 10} KiB then {states[-1][2] >> 10} KiB")
     return 0 if max(delays[1:]) <= 2 and states[-1][:2] <= early[:2] else 1
