@@ -17,8 +17,8 @@ struct ChartTag {
 // What a session keeps of a tag's place: parts of the times of all readings, and of the range that an axis has when it follows
 // the data, from the upper left corner (docs/formats.md).
 struct TagFrame {
-    static constexpr LONG kGrid = 1 << 20;  // places are whole parts of this one
-    static constexpr LONG kFarthest = 60;   // frames from the corner; places beyond are not kept apart
+    static constexpr LONG kGrid = 1 << 22;  // places are whole parts of this one
+    static constexpr LONG kFarthest = 24;   // frames from the corner; places beyond are not kept apart
 
     __int64 first = 0, last = 1;       // of the readings
     double origin = 0, extent = 100;  // of the axis

@@ -19,7 +19,7 @@ LONG WidthOfText(const CDC& dc, const std::string& text) {
 LONG LineOf(const CDC& dc) { return dc.GetTextExtent("0", 1).cy; }
 
 // From the axis's line to its labels.
-LONG LabelDistance(LONG line) { return CAxis::nLargeDiv + std::max<LONG>(line / 3, 3); }
+LONG LabelDistance(LONG line) { return CAxis::nLargeDiv + std::max<LONG>(line / 2, 3); }
 
 ValueTicks TicksOf(const CUnitAxis& axis, LONG pixels, LONG line) {
     return DivideValues(std::min(axis.GetOrigin(), axis.GetExtent()), std::max(axis.GetOrigin(), axis.GetExtent()), pixels, line,

@@ -19,6 +19,7 @@ constexpr double kSmallTick = 3;                 // pixels between small ticks
 constexpr double kSamePixel = 0.25;              // a tick so many pixels outside stands at the end
 constexpr double kExact = 9'007'199'254'740'992;  // whole numbers up to here are doubles
 constexpr int kLongForUnit = 4, kLong = 6;       // digits that a label may have where the unit has prefixes, and at all
+constexpr int kLongOnce = 7;                     // digits of what labels have in common
 
 // mantissa * 10^exponent, the mantissa without zeros at its end.
 struct Step {
@@ -126,6 +127,7 @@ public:
         return text.GetString();
     }
     const std::string& Unit() const { return m_unit; }
+    int DigitsOf(__int64 number) const { return DigitsAt(DecadeOf(static_cast<double>(number)) + m_exponent, m_power); }
 
 private:
     // Of the largest number, when 10^power is the unit.
@@ -150,15 +152,15 @@ __int64 CommonPart(__int64 first, __int64 last) {
     return (first / unit - (first % unit < 0 ? 1 : 0)) * unit;
 }
 
-// "Wh + 1,234,500".
+// "Wh + 1,234,500"; in a unit of its own where that would be a very long number, "nA + 0.5 A".
 std::string HeadText(const Scale& scale, __int64 common, int exponent, const std::string& unit) {
     if (common == 0) return scale.Unit();
+    const std::string begin = scale.Unit() + (scale.Unit().empty() ? "" : " ") + (common < 0 ? "- " : "+ ");
+    if (scale.DigitsOf(std::abs(common)) <= kLongOnce) return begin + scale.Text(std::abs(common));
     __int64 size = std::abs(common);
     for (; size % 10 == 0; size /= 10) ++exponent;
     const Scale itself(size, exponent, unit);
-    std::string head = scale.Unit() + (scale.Unit().empty() ? "" : " ") + (common < 0 ? "- " : "+ ") + itself.Text(size);
-    if (itself.Unit() != scale.Unit()) head += " " + itself.Unit();
-    return head;
+    return begin + itself.Text(size) + (itself.Unit() == scale.Unit() ? "" : " " + itself.Unit());
 }
 
 void AddSmall(ValueTicks& ticks, const Range& range, const Step& step, const Multiples& large) {
