@@ -39,6 +39,11 @@ void Write(CDC& dc, const std::string& text, RECT rect) {
     dc.DrawText(text.c_str(), static_cast<int>(text.size()), &rect, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
+COLORREF Pale(COLORREF colour) {
+    const auto half = [](int part) { return (part + 255) / 2; };
+    return RGB(half(GetRValue(colour)), half(GetGValue(colour)), half(GetBValue(colour)));
+}
+
 float DistanceTo(POINT point, const ORVIK_CURVE_POINT& a, const ORVIK_CURVE_POINT& b) {
     const float dx = b.x - a.x, dy = b.y - a.y, length = dx * dx + dy * dy;
     const float x = static_cast<float>(point.x) - a.x, y = static_cast<float>(point.y) - a.y;
@@ -213,8 +218,13 @@ void ChartView::DrawTraces(CDC& dc) {
         const ChartModel::Series& series = m_model.AllSeries()[i];
         const ReducedSeries& line = m_lines[i];
         if (line.points.empty()) continue;
-        const auto points = DashedLine(line.points, series.pattern, width, m_layout.plot);
-        OrvikSmoothPolyline(dc.m_hDC, points.data(), static_cast<int>(points.size()), series.colour, width);
+        const auto draw = [&](const std::vector<ORVIK_CURVE_POINT>& points, COLORREF colour) {
+            OrvikSmoothPolyline(dc.m_hDC, points.data(), static_cast<int>(points.size()), colour, width);
+        };
+        const double crowding = series.pattern > 0 ? CrowdingOf(line.points, m_layout.plot) : 0;
+        // Where it fills an area, long gaps would hide readings: they are pale instead.
+        if (crowding > 1) draw(line.points, Pale(series.colour));
+        draw(DashedLine(line.points, series.pattern, width * static_cast<float>(std::max(crowding, 1.0)), m_layout.plot), series.colour);
         if (!line.markers) continue;
         std::vector<ORVIK_CURVE_POINT> dots;
         constexpr float kNan = std::numeric_limits<float>::quiet_NaN();

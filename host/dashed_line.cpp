@@ -127,3 +127,18 @@ std::vector<ORVIK_CURVE_POINT> DashedLine(const std::vector<ORVIK_CURVE_POINT>& 
     dashes.End();
     return std::move(dashes.points);
 }
+
+double CrowdingOf(const std::vector<ORVIK_CURVE_POINT>& line, const RECT& clip) {
+    constexpr double kWidths = 20;  // of the area, that an eye follows
+    const auto within = [&](const ORVIK_CURVE_POINT& point) {
+        return ORVIK_CURVE_POINT{std::clamp(point.x, static_cast<float>(clip.left), static_cast<float>(clip.right)),
+                                 std::clamp(point.y, static_cast<float>(clip.top), static_cast<float>(clip.bottom))};
+    };
+    double length = 0;
+    for (size_t i = 1; i < line.size(); ++i) {
+        if (std::isnan(line[i - 1].x) || std::isnan(line[i].x)) continue;
+        const ORVIK_CURVE_POINT a = within(line[i - 1]), b = within(line[i]);
+        length += std::hypot(static_cast<double>(b.x) - a.x, static_cast<double>(b.y) - a.y);
+    }
+    return length / (kWidths * std::max<LONG>(clip.right - clip.left, 1));
+}

@@ -11,3 +11,7 @@
 // A NaN parts pieces, as OrvikSmoothPolyline takes them; each piece begins with a dash.
 std::vector<ORVIK_CURVE_POINT> DashedLine(const std::vector<ORVIK_CURVE_POINT>& line, size_t pattern, float width,
                                           const RECT& clip);
+
+// How many times longer than can be followed a line's way through `clip` is: above 1 it fills an area rather than leading through
+// it, and dashes are to be so many times longer.
+double CrowdingOf(const std::vector<ORVIK_CURVE_POINT>& line, const RECT& clip);

@@ -215,6 +215,48 @@ class Mistakes(ChartTest):
         self.chart()
 
 
+class Words(ChartTest):
+    """What a chart says of what it does not show, by the texts in it."""
+
+    def test_nothing_is_left_out_without_a_word(self):
+        times, wave = waves(50, 60 * SECOND, utc(2026, 6, 15, 6), (5, 3, 20))
+        units = ("V", "A", "W", "m", "s", "l", "K", "%", "dB", "pH", "N", "J", "lx", "g", "B", "T")
+        many = [(f"Sensor {i}", units[i % 16], wave[0]) for i in range(40)]
+        self.session(times, many)
+        said = texts(self.chart("--size", "800x450"))
+        named = sum(text.startswith("Sensor") for text in said)
+        self.assertIn(f"and {40 - named} more", said)
+        left_out = next(text for text in said if text.startswith("No room for axes of: "))
+        self.assertEqual(len(left_out.split(": ")[1].split(", ")) + sum(unit in said for unit in units), 16, said)
+        self.assertIn("och", " ".join(texts(self.chart("--size", "800x450", language="sv_SE.UTF-8"))))
+        # A colour comes again with gaps in it: more pieces than the first channel's one.
+        lines = [e.attrib["stroke"] for e in self.chart().iter() if e.tag.endswith("polyline") and e.attrib["stroke"] == "#0072b2"]
+        self.assertGreater(len(lines), 20)
+
+    def test_sessions_that_show_little(self):
+        noon = utc(2026, 6, 15, 10)
+        for times, values, wanted, unwanted in (([], [], "There are no readings.", "12:00:00 AM"),
+                                                ([noon, noon + SECOND], [math.nan] * 2, "None of the readings has a value.", "There are no readings."),
+                                                ([noon], [1.0], "6/15/2026 12:00:00 PM", "There are no readings.")):
+            self.session(times, [("Air", "°C", values)])
+            said = texts(self.chart())
+            self.assertIn(wanted, said)
+            self.assertNotIn(unwanted, said)
+
+    def test_the_calendar_before_1972(self):
+        times, wave = waves(100, HOUR, utc(1960, 2, 27), (5, 3, 20))
+        self.session(times, [("Level", "m", wave[0])])
+        said = texts(self.chart())
+        self.assertIn("2/29/1960", said)
+        self.assertNotIn("s", said)
+
+    def test_a_constant_counter_has_labels(self):
+        self.session([utc(2026, 6, 15) + i * SECOND for i in range(9)], [("Counter", "Wh", [1234567.0] * 9), ("Leak", "A", [2.4e-6] * 9)])
+        said = texts(self.chart())
+        for wanted in ("MWh", "\u00b5A", "1.250", "2.4"):
+            self.assertIn(wanted, said)
+
+
 class Files(ChartTest):
     def test_each_kind(self):
         times, (values,) = waves(500, SECOND, utc(2026, 6, 15, 6), (50, 30, 40))
