@@ -2,8 +2,8 @@
 // so that it can be asked without a drawing context; any thread. Pixels, right and bottom edges outside.
 //
 // One axis a unit, the first to the left of the plot, the next to the right, and so on outwards. What does not fit is left out,
-// the least important first: the second title, the legend's last entries, the title, the axes from the last one on, the time axis.
-// There is a place to tell of entries and axes that are left out. A chart of one pixel is all plot.
+// the least important first: the second title, the legend's last entries, the title, the axes from the last one on, the time
+// axis. There is a place to tell of entries and axes that are left out. A chart of one pixel is all plot.
 #pragma once
 
 #include <vector>

@@ -1,5 +1,5 @@
-// A comment on a chart. It stands at a time, and at a value on the axis of one channel, whatever is shown of both and whether that
-// axis is shown at all; its upper left corner lies there. Values; any thread.
+// A comment on a chart. It stands at a time, and at a value on the axis of one channel, whatever is shown of both and whether
+// that axis is shown at all; its upper left corner lies there. Values; any thread.
 #pragma once
 
 #include <string>
@@ -20,7 +20,7 @@ struct TagFrame {
     static constexpr LONG kGrid = 1 << 22;  // places are whole parts of this one
     static constexpr LONG kFarthest = 24;   // frames from the corner; places beyond are not kept apart
 
-    __int64 first = 0, last = 1;       // of the readings
+    __int64 first = 0, last = 1;      // of the readings
     double origin = 0, extent = 100;  // of the axis
 
     double Left(__int64 time) const;

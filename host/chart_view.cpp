@@ -14,8 +14,8 @@
 namespace {
 constexpr char kFace[] = "DejaVu Sans";
 constexpr COLORREF kWhite = RGB(255, 255, 255), kBlack = RGB(0, 0, 0), kGrey = RGB(90, 90, 90), kRaster = RGB(224, 224, 224);
-constexpr SIZE kTagRoom = {12, 8};   // what a tag's text has around it
-constexpr LONG kBrokenSwatch = 4;    // lines of text that a legend's line is long where some are broken
+constexpr SIZE kTagRoom = {12, 8};  // what a tag's text has around it
+constexpr LONG kBrokenSwatch = 4;   // lines of text that a legend's line is long where some are broken
 
 void MakeFont(CFont& font, LONG height, bool bold) {
     LOGFONTA description = {};
@@ -141,7 +141,8 @@ void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
         if (Empty(entry)) continue;
         const ChartModel::Series& series = m_model.AllSeries()[i];
         const float y = static_cast<float>(entry.top + entry.bottom - 1) / 2, line = static_cast<float>(m_line);
-        const float left = static_cast<float>(entry.left) + 2, right = static_cast<float>(entry.left + m_layout.swatch) - line / 2;
+        const float left = static_cast<float>(entry.left) + 2,
+                    right = static_cast<float>(entry.left + m_layout.swatch) - line / 2;
         const float width = std::max(line / (series.pattern > 0 ? 8 : 5), 2.0f);
         const std::vector<ORVIK_CURVE_POINT> swatch = DashedLine({{left, y}, {right, y}}, series.pattern, width, entry);
         OrvikSmoothPolyline(dc.m_hDC, swatch.data(), static_cast<int>(swatch.size()), series.colour, width);
@@ -224,7 +225,8 @@ void ChartView::DrawTraces(CDC& dc) {
         const double crowding = series.pattern > 0 ? CrowdingOf(line.points, m_layout.plot) : 0;
         // Where it fills an area, long gaps would hide readings: they are pale instead.
         if (crowding > 1) draw(line.points, Pale(series.colour));
-        draw(DashedLine(line.points, series.pattern, width * static_cast<float>(std::max(crowding, 1.0)), m_layout.plot), series.colour);
+        draw(DashedLine(line.points, series.pattern, width * static_cast<float>(std::max(crowding, 1.0)), m_layout.plot),
+             series.colour);
         if (!line.markers) continue;
         std::vector<ORVIK_CURVE_POINT> dots;
         constexpr float kNan = std::numeric_limits<float>::quiet_NaN();

@@ -34,8 +34,8 @@ public:
     const ChartLayout& Layout() const { return m_layout; }  // as last drawn; its axes by their places
     // How the plot maps a unit's values, whether its axis is shown or not.
     orvik::AxisMapping MappingOf(size_t unit) const;
-    // Where the tags were last drawn, within the plot as far as they fit; empty, at the nearest place of the plot, for those whose
-    // time or value is not in view. One of them, or none (-1), has the focus.
+    // Where the tags were last drawn, within the plot as far as they fit; empty, at the nearest place of the plot, for those
+    // whose time or value is not in view. One of them, or none (-1), has the focus.
     const std::vector<RECT>& TagRects() const { return m_tagRects; }
     void SetFocusedTag(int tag) { m_focusedTag = tag; }
     // The series whose line, as last drawn, is the nearest to a point of the plot; null without series.

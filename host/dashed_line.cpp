@@ -79,7 +79,9 @@ private:
         m_left -= length;
     }
     void Draw(ORVIK_CURVE_POINT from, double x, double y, double at, double end) {
-        const auto point = [&] { return ORVIK_CURVE_POINT{static_cast<float>(from.x + x * at), static_cast<float>(from.y + y * at)}; };
+        const auto point = [&] {
+            return ORVIK_CURVE_POINT{static_cast<float>(from.x + x * at), static_cast<float>(from.y + y * at)};
+        };
         if (Drawn() && !m_open) Put(point());
         while (at < end) {
             const double step = std::min(m_left, end - at);

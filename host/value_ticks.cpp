@@ -13,13 +13,13 @@ namespace {
 using orvik::DecadeOf;
 using orvik::PowerOfTen;
 
-constexpr size_t kEnough = 3;                    // labels
-constexpr double kAiry = 1.5, kTight = 1.1;      // a step is so many labels long, or at least so many
-constexpr double kSmallTick = 3;                 // pixels between small ticks
-constexpr double kSamePixel = 0.25;              // a tick so many pixels outside stands at the end
+constexpr size_t kEnough = 3;                     // labels
+constexpr double kAiry = 1.5, kTight = 1.1;       // a step is so many labels long, or at least so many
+constexpr double kSmallTick = 3;                  // pixels between small ticks
+constexpr double kSamePixel = 0.25;               // a tick so many pixels outside stands at the end
 constexpr double kExact = 9'007'199'254'740'992;  // whole numbers up to here are doubles
-constexpr int kLongForUnit = 4, kLong = 6;       // digits that a label may have where the unit has prefixes, and at all
-constexpr int kLongOnce = 7;                     // digits of what labels have in common
+constexpr int kLongForUnit = 4, kLong = 6;        // digits that a label may have where the unit has prefixes, and at all
+constexpr int kLongOnce = 7;                      // digits of what labels have in common
 
 // mantissa * 10^exponent, the mantissa without zeros at its end.
 struct Step {
@@ -63,9 +63,7 @@ private:
 
 constexpr int kNatural[] = {10, 20, 50}, kRound[] = {10, 15, 20, 25, 30, 40, 50, 75};
 
-Step Normal(int tenths, int exponent) {
-    return tenths % 10 == 0 ? Step{tenths / 10, exponent} : Step{tenths, exponent - 1};
-}
+Step Normal(int tenths, int exponent) { return tenths % 10 == 0 ? Step{tenths / 10, exponent} : Step{tenths, exponent - 1}; }
 
 // The smallest step of a family that is at least so large.
 Step SmallestFrom(std::span<const int> family, double size) {
@@ -114,7 +112,7 @@ public:
         if (DigitsAt(decade, m_power) <= kLong) return;
         m_power = decade - ((decade % 3) + 3) % 3;
         m_unit = unit;
-        if (m_power != 0) m_unit = "\xD7" "10^" + std::to_string(m_power) + (unit.empty() ? "" : " " + unit);
+        if (m_power != 0) m_unit = "\32710^" + std::to_string(m_power) + (unit.empty() ? "" : " " + unit);
     }
 
     std::string Text(__int64 number) const {

@@ -1,5 +1,5 @@
-// Ticks of a value axis: which values they stand at, and what is written at them and at the axis's head. Decided without a drawing
-// context. User-interface thread only, since numbers are written in the user's regional format; texts are Windows-1252.
+// Ticks of a value axis: which values they stand at, and what is written at them and at the axis's head. Decided without a
+// drawing context. User-interface thread only, since numbers are written in the user's regional format; texts are Windows-1252.
 //
 // Ticks stand at multiples of 1, 2 or 5 times a power of ten, as close as labels stay readable. Where that would leave fewer than
 // three, steps of other round numbers are taken and labels may stand closer: three there are wherever the room is five labels
@@ -22,6 +22,6 @@ struct ValueTicks {
     std::string head;                 // the unit, and what else the labels leave out
 };
 
-// From `low` to `high`, on `room` pixels, with labels that take `label` pixels along the axis. No ticks, and the unit as head, where
-// there is nothing between the ends or they are not finite.
+// From `low` to `high`, on `room` pixels, with labels that take `label` pixels along the axis. No ticks, and the unit as head,
+// where there is nothing between the ends or they are not finite.
 ValueTicks DivideValues(double low, double high, LONG room, LONG label, const std::string& unit);

@@ -135,7 +135,8 @@ void ChartScene::FindParts() {
     m_parts = {};
     m_parts.plot = plot;
     for (const Session::Channel& channel : m_session->Channels())
-        m_parts.channels.push_back({channel.key, m_view->MappingOf(*m_model->UnitOf(channel.key)), m_model->FrameOf(channel.key)});
+        m_parts.channels.push_back(
+            {channel.key, m_view->MappingOf(*m_model->UnitOf(channel.key)), m_model->FrameOf(channel.key)});
 
     CTimeAxis& time = m_view->TimeAxis();
     if (layout.timeArea.bottom > layout.timeArea.top) {

@@ -43,7 +43,7 @@ TEST(DashedLine, PatternsAreDashesAndDots) {
         {3, {{0, 5}, {22, 5}}, "0-6 9.5 13-19"},
         {4, {{0, 5}, {24, 5}}, "0-6 9.5 13 16.5-22.5"},
         {1, {{0, 5}, {3, 5}, {kNan, kNan}, {20, 5}, {24, 5}}, "0-3 20-24"},  // each piece begins with a dash
-        {1, {{7, 5}, {kNan, kNan}, {9, 5}}, "7 9"},                         // and a reading alone is a dot
+        {1, {{7, 5}, {kNan, kNan}, {9, 5}}, "7 9"},                          // and a reading alone is a dot
         {1, {{5, -1000}, {6, -2000}, {1e6f, -3000}}, ""},
         // A million pixels before the plot: 105,263 patterns and 1.5 pixels of the next. A line is drawn to 2 pixels outside.
         {1, {{-1'000'000, 5}, {10, 5}}, "-1.5-4.5 8-10"},

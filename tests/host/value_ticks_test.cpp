@@ -32,7 +32,7 @@ double NumberOf(std::string text) {
     return number;
 }
 double FactorOf(const std::string& text, const std::string& unit) {
-    if (text.starts_with("\xD7" "10^")) return std::pow(10, std::stoi(text.substr(4)));
+    if (text.starts_with("\32710^")) return std::pow(10, std::stoi(text.substr(4)));
     if (text == unit) return 1;
     const std::string prefixes = "pn\xB5m kMGT";
     const auto power = [&](const std::string& one) {
@@ -58,11 +58,11 @@ TEST_F(ValueTicksTest, LabelsAreShortAndTheHeadHasTheRest) {
         {-1'234'577, -1'234'567, "Wh", {"4", "6", "8", "10", "12"}, "Wh - 1,234,580"},
         {101'250, 101'350, "Pa", {"101.26", "101.28", "101.30", "101.32", "101.34"}, "kPa"},
         {1012.5, 1013.5, "hPa", {"1,012.6", "1,012.8", "1,013.0", "1,013.2", "1,013.4"}, "hPa"},
-        {0.0005, 0.0006, "A", {"500", "520", "540", "560", "580", "600"}, "\xB5" "A"},
-        {2.4e-6, 2.6e-6, "A", {"2.40", "2.45", "2.50", "2.55", "2.60"}, "\xB5" "A"},
+        {0.0005, 0.0006, "A", {"500", "520", "540", "560", "580", "600"}, "\265A"},
+        {2.4e-6, 2.6e-6, "A", {"2.40", "2.45", "2.50", "2.55", "2.60"}, "\265A"},
         {2.4e-6, 2.6e-6, "uA", {"2.40", "2.45", "2.50", "2.55", "2.60"}, "pA"},
-        {0, 1e6, "\xB0" "C", {"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}, "\xD7" "10^6 \xB0" "C"},
-        {0, 1e-5, "pH", {"0", "2", "4", "6", "8", "10"}, "\xD7" "10^-6 pH"},
+        {0, 1e6, "\260C", {"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}, "\32710^6 \260C"},
+        {0, 1e-5, "pH", {"0", "2", "4", "6", "8", "10"}, "\32710^-6 pH"},
         {850'000, 1'550'000, "W", {"1.0", "1.2", "1.4"}, "MW"},
         {0.5, 0.5000003, "A", {"0", "100", "200", "300"}, "nA + 0.5 A"},
         {2e9, 2'000'000'001, "W", {"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}, "W + 2 GW"},
@@ -84,11 +84,14 @@ TEST_F(ValueTicksTest, OnlyUnitsThatAreWrittenWithPrefixesTakeThem) {
         const char* unit;
         int power;
         const char* wanted;  // null: none
-    } cases[] = {{"Wh", 6, "MWh"},     {"kWh", 3, "MWh"},  {"mA", -3, "\xB5" "A"}, {"\xB5S/cm", 3, "mS/cm"}, {"nm", 6, "mm"},  {"Nm", 3, "kNm"},
-                 {"mg/l", -3, "\xB5g/l"}, {"m", 6, nullptr}, {"s", 3, nullptr},      {"\xB0" "C", 3, nullptr},     {"%", -3, nullptr}, {"dB", 3, nullptr},
-                 {"pH", 3, nullptr},   {"hPa", 3, nullptr}, {"m\xB2", 3, nullptr},  {"m\xB3/h", 3, nullptr},    {"", 3, nullptr},  {"min", 3, nullptr},
-                 {"TW", 3, nullptr},   {"bar", -3, "mbar"}, {"\xB0" "C", 0, "\xB0" "C"}};
-    for (const auto& c : cases) EXPECT_EQ(PrefixedUnit(c.unit, c.power), c.wanted ? std::optional<std::string>(c.wanted) : std::nullopt) << c.unit;
+    } cases[] = {{"Wh", 6, "MWh"},     {"kWh", 3, "MWh"},     {"mA", -3, "\265A"},     {"\xB5S/cm", 3, "mS/cm"},
+                 {"nm", 6, "mm"},      {"Nm", 3, "kNm"},      {"mg/l", -3, "\xB5g/l"}, {"m", 6, nullptr},
+                 {"s", 3, nullptr},    {"\260C", 3, nullptr}, {"%", -3, nullptr},      {"dB", 3, nullptr},
+                 {"pH", 3, nullptr},   {"hPa", 3, nullptr},   {"m\xB2", 3, nullptr},   {"m\xB3/h", 3, nullptr},
+                 {"", 3, nullptr},     {"min", 3, nullptr},   {"TW", 3, nullptr},      {"bar", -3, "mbar"},
+                 {"\260C", 0, "\260C"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(PrefixedUnit(c.unit, c.power), c.wanted ? std::optional<std::string>(c.wanted) : std::nullopt) << c.unit;
 }
 
 // Whatever the range: three labels that can be told apart and are no longer than they need to be, each telling its tick's value.
@@ -99,7 +102,8 @@ TEST_F(ValueTicksTest, HoldsForAnyRange) {
         const LONG room = kLabel * (5 + static_cast<LONG>(i++ % 60));
         const double span = range.high - range.low;
         const ValueTicks ticks = DivideValues(range.low, range.high, room, kLabel, range.unit);
-        SCOPED_TRACE(testing::Message() << range.low << " + " << span << " " << range.unit << " on " << room << ": " << ticks.head);
+        SCOPED_TRACE(testing::Message() << range.low << " + " << span << " " << range.unit << " on " << room << ": "
+                                        << ticks.head);
         ASSERT_GE(ticks.labels.size(), 3u);
         ASSERT_EQ(ticks.labels.size(), ticks.values.size());
         ASSERT_EQ(std::set<std::string>(ticks.labels.begin(), ticks.labels.end()).size(), ticks.labels.size());
@@ -110,7 +114,8 @@ TEST_F(ValueTicksTest, HoldsForAnyRange) {
             unit = ticks.head.substr(0, sign > 0 ? sign - 1 : 0);
             const std::string rest = ticks.head.substr(sign + 2);
             const size_t blank = rest.find(' ');
-            common = NumberOf(rest.substr(0, blank)) * FactorOf(blank == std::string::npos ? unit : rest.substr(blank + 1), range.unit);
+            common = NumberOf(rest.substr(0, blank)) *
+                     FactorOf(blank == std::string::npos ? unit : rest.substr(blank + 1), range.unit);
             if (ticks.head[sign] == '-') common = -common;
         }
         const double factor = FactorOf(unit, range.unit);

@@ -395,8 +395,8 @@ TEST_F(WindowTest, ACommentStaysAtItsChannelsValue) {
     const auto stands = [&](size_t number, const char* step) {
         const ViewParts& parts = hands.Parts();
         const ChartTag& tag = hands.State().tags[number];
-        const auto channel = std::find_if(parts.channels.begin(), parts.channels.end(),
-                                          [&](const auto& one) { return one.key == tag.channel; });
+        const auto channel =
+            std::find_if(parts.channels.begin(), parts.channels.end(), [&](const auto& one) { return one.key == tag.channel; });
         ASSERT_NE(channel, parts.channels.end());
         const RECT &plot = parts.plot, &at = parts.tags[number];
         // An axis that is shown shows what the tag is placed by.
@@ -407,7 +407,8 @@ TEST_F(WindowTest, ACommentStaysAtItsChannelsValue) {
         }
         const auto& values = channel->mapping;
         const auto& times = parts.time.mapping;
-        const double y = plot.bottom - 1 - (tag.value - values.origin) / (values.extent - values.origin) * (plot.bottom - 1 - plot.top);
+        const double y =
+            plot.bottom - 1 - (tag.value - values.origin) / (values.extent - values.origin) * (plot.bottom - 1 - plot.top);
         const double seconds = static_cast<double>(tag.time) / 1e6 - 1'767'260'000;
         const double x = plot.left + (seconds - times.origin) / (times.extent - times.origin) * (plot.right - 1 - plot.left);
         if (x < plot.left || x > plot.right - 1 || y < plot.top || y > plot.bottom - 1) {
