@@ -444,9 +444,12 @@ TEST_F(WindowTest, ACommentStaysAtItsChannelsValue) {
     both("reset");
     hands.Point(WM_MOUSEWHEEL, Hands::Middle(plot), -2 * WHEEL_DELTA);
     hands.Pump();
+    const auto before = hands.Parts().channels;
     for (const UINT channel : {0u, 2u, 1u}) {
         choose(kCommandChannels + channel);
         both("hidden");
+        for (size_t i = 0; i < before.size(); ++i)
+            EXPECT_EQ(hands.Parts().channels[i].mapping.extent, before[i].mapping.extent) << "a hidden axis keeps its range";
     }
     EXPECT_EQ(hands.State().tags, tags);
     ASSERT_TRUE(hands.window->SaveTo(path));
