@@ -19,6 +19,7 @@ constexpr double kSmallTick = 3;                  // pixels between small ticks
 constexpr double kSamePixel = 0.25;               // a tick so many pixels outside stands at the end
 constexpr double kExact = 9'007'199'254'740'992;  // whole numbers up to here are doubles
 constexpr int kLongForUnit = 4, kLong = 6;        // digits that a label may have where the unit has prefixes, and at all
+constexpr int kHundredThousands = 5;              // their power of ten
 constexpr int kLongOnce = 7;                      // digits of what labels have in common
 
 // mantissa * 10^exponent, the mantissa without zeros at its end.
@@ -105,7 +106,8 @@ public:
         const int plain = DigitsAt(decade, 0);
         for (int power = decade - ((decade % 3) + 3) % 3; power != 0 && plain > kLongForUnit; power += power > 0 ? -3 : 3) {
             const auto named = PrefixedUnit(unit, power);
-            if (!named || DigitsAt(decade, power) >= plain) continue;
+            // Hundred thousands and more, whatever their number of digits, so that a closer look does not change the unit.
+            if (!named || DigitsAt(decade, power) >= plain + (decade >= kHundredThousands ? 1 : 0)) continue;
             m_power = power, m_unit = *named;
             break;
         }
