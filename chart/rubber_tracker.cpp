@@ -65,8 +65,8 @@ void CRubberTracker::OnTrack(CDC* pDC, UINT code, CPoint point) {
     if ((code & TRACK_CANCEL) != 0) {
         if (auto* axis = dynamic_cast<CUnitAxis*>(m_pAxis)) {
             axis->RestoreRange();
-            // The drag may have left the labels a format of its own; the range's own one is derived again.
-            if (axis->GetFormat() != m_format) axis->SetRange(axis->GetOrigin(), axis->GetExtent());
+            // Not derived again: drawing may have snapped the range after its format was chosen.
+            axis->m_format = m_format;
         }
         ShowAxis(pDC, 0, 0);
         return;

@@ -75,6 +75,8 @@ protected:
     void SetSnappedRange(double origin, double extent) { m_origin = origin, m_extent = extent; }
 
 private:
+    friend class CRubberTracker;  // gives back the format that a cancelled drag found
+
     void DeriveFormat();
 
     DWORD m_nRefCount = 0;

@@ -11,6 +11,15 @@ void RequirePictureName(const std::string& path) {
     CString end = path.size() < 4 ? "" : path.substr(path.size() - 4).c_str();
     end.MakeLower();
     if (end != ".png" && end != ".svg" && end != ".pdf") throw Failure{kWrongUse, Say(Text::NotAPictureName, {ToUtf8(path)})};
+    const std::string name = path.substr(path.find_last_of("/\\") + 1);  // from the beginning where there is none
+    if (name.size() == 4) throw Failure{kWrongUse, Say(Text::NamelessPicture, {ToUtf8(name)})};
+}
+
+void RequirePictureSize(const std::string& path, SIZE size) {
+    CString end = path.substr(path.size() - 4).c_str();
+    end.MakeLower();
+    if (end == ".png" && static_cast<__int64>(size.cx) * size.cy > kOrvikPicturePixels)
+        throw Failure{kWrongUse, Say(Text::PictureTooLarge, {std::to_string(kOrvikPicturePixels)})};
 }
 
 void WriteChart(ChartModel& model, const std::string& path, SIZE size) {
@@ -18,7 +27,7 @@ void WriteChart(ChartModel& model, const std::string& path, SIZE size) {
     const HDC picture = OrvikBeginPicture(path.c_str(), size.cx, size.cy);
     if (picture == nullptr) {
         const DWORD error = GetLastError();
-        if (error == ERROR_NOT_ENOUGH_MEMORY) throw Failure{kFileFailed, Say(Text::PictureTooLarge)};
+        if (error == ERROR_NOT_ENOUGH_MEMORY) throw Failure{kFileFailed, Say(Text::NoMemory)};
         fail(error);
     }
     {

@@ -5,7 +5,9 @@
 
 #include "host/chart_model.h"
 
-// The name must end in ".png", ".svg" or ".pdf".
+// The name must be one with ".png", ".svg" or ".pdf" at its end.
 void RequirePictureName(const std::string& path);
+// A PNG has no more pixels than kOrvikPicturePixels.
+void RequirePictureSize(const std::string& path, SIZE size);
 // Replaces what is there, as a whole.
 void WriteChart(ChartModel& model, const std::string& path, SIZE size);

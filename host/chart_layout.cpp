@@ -9,18 +9,41 @@ constexpr LONG kSmallestFont = 9, kLargestFont = 26;
 
 LONG Width(const RECT& rect) { return rect.right - rect.left; }
 
-// Entries in rows from the left; how many rows that takes. The rectangles lie relative to (0, 0).
-LONG FlowLegend(const std::vector<LONG>& widths, LONG swatch, LONG gap, LONG line, LONG room, std::vector<RECT>& entries) {
-    LONG x = 0, row = 0;
-    entries.clear();
-    for (const LONG text : widths) {
-        const LONG width = std::min(swatch + text, room);
-        if (x > 0 && x + width > room) x = 0, ++row;
-        entries.push_back({x, row * line, x + width, (row + 1) * line});
-        x += width + gap;
+// Entries in rows from the left, at most so many rows: as many as fit, and behind them the place that tells of more where not all
+// do. The rectangles lie relative to (0, 0).
+class Legend {
+public:
+    Legend(const ChartTextSizes& sizes, LONG swatch, LONG line, LONG room) : m_gap(sizes.line), m_line(line), m_room(room) {
+        for (const LONG text : sizes.legend) entries.push_back(Next(swatch + text));
+        m_more = sizes.more;
     }
-    return widths.empty() ? 0 : row + 1;
-}
+    LONG Rows() const { return entries.empty() ? 0 : m_row + 1; }
+    void CutTo(LONG rows) {
+        if (Rows() <= rows) return;
+        while (!entries.empty() && rows > 0) {
+            entries.pop_back();
+            m_row = entries.empty() ? 0 : entries.back().top / m_line;
+            m_x = entries.empty() ? 0 : entries.back().right + m_gap;
+            more = Next(m_more);
+            if (m_row < rows) return;
+        }
+        entries.clear();
+        more = {};
+    }
+    std::vector<RECT> entries;
+    RECT more = {};
+
+private:
+    RECT Next(LONG width) {
+        width = std::min(width, m_room);
+        if (m_x > 0 && m_x + width > m_room) m_x = 0, ++m_row;
+        const RECT entry = {m_x, m_row * m_line, m_x + width, (m_row + 1) * m_line};
+        m_x += width + m_gap;
+        return entry;
+    }
+
+    LONG m_gap, m_line, m_room, m_more = 0, m_x = 0, m_row = 0;
+};
 }  // namespace
 
 LONG ChartFontHeight(LONG width, LONG height) {
@@ -34,14 +57,13 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
     layout.axes.resize(sizes.axes.size());
     layout.legend.resize(sizes.legend.size());
     const LONG line = std::max<LONG>(sizes.line, 1), margin = std::max<LONG>(line / 2, 2);
-    layout.swatch = 2 * line;
+    layout.swatch = sizes.swatch * line;
     const LONG width = Width(bounds) - 2 * margin, height = bounds.bottom - bounds.top - 2 * margin;
     if (width <= 0 || height <= 0) return layout;
 
     // From top to bottom: what is shown is decided by the height that is left for the plot.
-    const LONG legendLine = line + line / 3, timeHeight = kAxisMargin + 2 * line, unitHeight = line + 2 * kAxisMargin;
-    std::vector<RECT> entries;
-    const LONG legendRows = FlowLegend(sizes.legend, layout.swatch, line, legendLine, width, entries);
+    const LONG legendLine = line + line / 3, timeHeight = kAxisMargin + 2 * line, unitHeight = sizes.axisHead + kAxisMargin;
+    Legend legend(sizes, layout.swatch, legendLine, width);
     LONG left = height - kLeastPlotLines * line;
     const auto take = [&left](LONG wanted) {
         if (wanted <= 0 || wanted > left) return false;
@@ -50,7 +72,9 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
     };
     const bool timeShown = take(timeHeight), axesShown = take(unitHeight),
                titleShown = sizes.titleLine > 0 && take(sizes.titleLine + margin / 2);
-    const bool legendShown = legendRows * legendLine * 4 <= height && take(legendRows * legendLine + margin / 2);
+    legend.CutTo(std::min(height / 4, left - margin / 2) / legendLine);
+    const LONG legendRows = std::max(legend.Rows(), legend.more.bottom / legendLine);
+    const bool legendShown = legendRows > 0 && take(legendRows * legendLine + margin / 2);
     const bool subtitleShown = sizes.subtitle && titleShown && take(line);
 
     LONG y = bounds.top + margin;
@@ -65,8 +89,12 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
         y += margin / 2;
     }
     if (legendShown) {
-        for (size_t i = 0; i < entries.size(); ++i)
-            layout.legend[i] = {x + entries[i].left, y + entries[i].top, x + entries[i].right, y + entries[i].bottom};
+        for (size_t i = 0; i < legend.entries.size(); ++i) {
+            layout.legend[i] = legend.entries[i];
+            OffsetRect(&layout.legend[i], x, y);
+        }
+        layout.more = legend.more;
+        OffsetRect(&layout.more, x, y);
         y += legendRows * legendLine + margin / 2;
     }
     if (axesShown) y += unitHeight;
@@ -97,6 +125,8 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
                      axis.left ? place + kAxisMargin : place + reach, bottom + line / 2};
         place += axis.left ? -reach : reach;
     }
+    if (axesShown && !layout.axes.empty() && !layout.axes.back().shown)
+        layout.leftOut = {layout.plot.left + margin, y - unitHeight, layout.plot.right - margin, y - unitHeight + line};
     // Beside value axes, whose lowest labels reach below the plot, the time axis keeps to its own width.
     const auto shown = [&](size_t i) { return i < layout.axes.size() && layout.axes[i].shown; };
     if (timeShown) {

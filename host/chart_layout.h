@@ -2,8 +2,8 @@
 // so that it can be asked without a drawing context; any thread. Pixels, right and bottom edges outside.
 //
 // One axis a unit, the first to the left of the plot, the next to the right, and so on outwards. What does not fit is left out,
-// the least important first: the second title, the legend, the title, the axes from the last one on, the time axis. A chart of
-// one pixel is all plot.
+// the least important first: the second title, the legend's last entries, the title, the axes from the last one on, the time
+// axis. There is a place to tell of entries and axes that are left out. A chart of one pixel is all plot.
 #pragma once
 
 #include <vector>
@@ -14,8 +14,11 @@ struct ChartTextSizes {
     LONG line = 0;             // height of a line of ordinary text
     LONG titleLine = 0;        // of the title; 0 without one
     bool subtitle = false;     // a line of ordinary text below the title
-    std::vector<LONG> axes;    // widths of the widest label or unit of each value axis
+    std::vector<LONG> axes;    // of each value axis: its labels and unit, from its line outwards
+    LONG axisHead = 0;         // height of the units above the axes
     std::vector<LONG> legend;  // widths of the entries' texts
+    LONG more = 0;             // width of what tells that there are more entries
+    LONG swatch = 2;           // of an entry's line, in heights of a line of text
     LONG timeLabel = 0;        // width of a label of the time axis
 };
 
@@ -31,6 +34,8 @@ struct ChartLayout {
     RECT timeArea = {};              // empty when left out
     std::vector<Axis> axes;
     std::vector<RECT> legend;  // an entry's swatch and text; empty for what is left out
+    RECT more = {};            // behind the last entry, when some are left out
+    RECT leftOut = {};         // above the plot, when axes are left out
     LONG swatch = 0;           // width of the swatch at an entry's left, its gap included
 };
 

@@ -3,19 +3,23 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <map>
 #include <numeric>
 
+#include "chart/floating_tag.h"
 #include "chart/unit_axis.h"
 #include "host/console.h"
 #include "host/texts.h"
 #include "host/value_text.h"
 
 namespace {
-constexpr char kFolder[] = "Chart", kTagFolder[] = "Tags";
+constexpr char kFolder[] = "Chart", kTagFolder[] = "Tags", kTagChannels[] = "sTagChannels";
 // Chosen to be told apart with any kind of colour vision, on white paper.
 constexpr COLORREF kColours[] = {RGB(0, 114, 178), RGB(213, 94, 0),   RGB(0, 140, 105), RGB(190, 90, 155),
                                  RGB(215, 145, 0), RGB(70, 165, 220), RGB(85, 85, 85),  RGB(120, 110, 20)};
-constexpr LONG kFrame = 1 << 20;  // sides of the frame in which a new tag's place is told
+// The frame that stored tags are read and written in, so far from 0 that rounding goes one way.
+constexpr LONG kAway = TagFrame::kFarthest * TagFrame::kGrid;
+constexpr RECT kStored = {kAway, kAway, kAway + TagFrame::kGrid, kAway + TagFrame::kGrid};
 
 // The range of an axis for data between these values. Data that hardly differ get a range in which their line lies in the middle.
 void ScaleFor(double low, double high, double& origin, double& extent) {
@@ -79,12 +83,16 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
     constexpr __int64 kHalfSecond = 500'000, kFarthest = 9'000'000'000'000'000'000LL;
     m_from = m_first, m_to = m_last;
     if (m_from == m_to) {
+        m_onlyTime = m_first;
         m_from = std::max(m_from, -kFarthest) - kHalfSecond, m_to = std::min(m_to, kFarthest) + kHalfSecond;
         m_first = m_from, m_last = m_to;
     }
 
     for (size_t i = 0; i < all.size(); ++i) {
         const Session::Channel& channel = all[i];
+        m_colours.push_back(ColourOf(i));
+        auto unit = std::find_if(m_units.begin(), m_units.end(), [&](const Unit& one) { return one.text == channel.unit; });
+        if (unit == m_units.end()) unit = m_units.insert(m_units.end(), Unit{channel.unit, {}});
         const double* values = channel.values.GetData();
         if (!order.empty()) {
             for (const size_t k : order) m_sortedValues[i].push_back(values[k]);
@@ -92,13 +100,24 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
         }
         const auto named = [&](const std::string& wanted) { return wanted == channel.name || wanted == channel.key; };
         if (!channels.empty() && std::none_of(channels.begin(), channels.end(), named)) continue;
-        auto unit = std::find_if(m_units.begin(), m_units.end(), [&](const Unit& one) { return one.text == channel.unit; });
-        if (unit == m_units.end()) unit = m_units.insert(m_units.end(), Unit{channel.unit, {}});
         unit->series.push_back(m_series.size());
         m_series.push_back({channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]",
                             static_cast<size_t>(unit - m_units.begin()), i, ColourOf(i), values});
     }
     ScaleUnits();
+    ChoosePatterns();
+}
+
+bool ChartModel::HasValues() const {
+    return std::any_of(m_series.begin(), m_series.end(), [this](const Series& series) { return m_hasValues[series.number]; });
+}
+
+// Counted over all channels, so that a channel keeps its pattern whatever else is shown.
+void ChartModel::ChoosePatterns() {
+    std::map<COLORREF, size_t> used;
+    std::vector<size_t> patterns;
+    for (const COLORREF colour : m_colours) patterns.push_back(used[colour]++);
+    for (Series& series : m_series) series.colour = m_colours[series.number], series.pattern = patterns[series.number];
 }
 
 std::vector<ReducedSeries> ChartModel::Reduce(const std::vector<PlotMapping>& mappings) const {
@@ -120,6 +139,7 @@ void ChartModel::SetView(__int64 from, __int64 to) {
 
 // One range for a unit whatever is shown of it, so that charts of parts of a session can be compared.
 void ChartModel::ScaleUnits() {
+    m_hasValues.resize(m_session.Channels().size());
     for (const Session::Channel& channel : m_session.Channels()) {
         if (m_contexts.GetContext(channel.unit.c_str()) != nullptr) continue;
         double low = HUGE_VAL, high = -HUGE_VAL;
@@ -127,6 +147,7 @@ void ChartModel::ScaleUnits() {
             double from, to;
             if (m_session.Channels()[i].unit != channel.unit || !m_session.Range(i, from, to)) continue;
             low = std::min(low, from), high = std::max(high, to);
+            m_hasValues[i] = true;
         }
         CUnitContext context(channel.unit.c_str());
         if (low <= high) {
@@ -155,12 +176,73 @@ void ChartModel::Load(IPropertyDB& db) {
             std::isfinite(context->m_origin) && std::isfinite(context->m_extent) && context->m_origin != context->m_extent;
         if (usable) m_contexts.SetContext(context);
     }
-    db.BeginUsing(kTagFolder);
-    m_tags.OnDBGet(&db);
     db.EndUsing();
-    db.EndUsing();
-    for (Series& series : m_series) series.colour = ColourIn(db, m_session.Channels()[series.number].key, series.number);
+    for (size_t i = 0; i < m_colours.size(); ++i) m_colours[i] = ColourIn(db, m_session.Channels()[i].key, i);
+    ChoosePatterns();
     ScaleUnits();
+    db.BeginUsing(kFolder);
+    LoadTags(db);
+    db.EndUsing();
+}
+
+std::optional<size_t> ChartModel::UnitOf(const std::string& channel) const {
+    const auto& all = m_session.Channels();
+    if (all.empty()) return std::nullopt;
+    const auto found = std::find_if(all.begin(), all.end(), [&](const Session::Channel& one) { return one.key == channel; });
+    const std::string& text = (found != all.end() ? *found : all.front()).unit;
+    const auto unit = std::find_if(m_units.begin(), m_units.end(), [&](const Unit& one) { return one.text == text; });
+    return static_cast<size_t>(unit - m_units.begin());
+}
+
+TagFrame ChartModel::FrameOf(const std::string& channel) const {
+    const auto unit = UnitOf(channel);
+    if (!unit) return {m_first, m_last};
+    return {m_first, m_last, m_units[*unit].origin, m_units[*unit].extent};
+}
+
+// A tag whose channel is not told, or is gone, is the first channel's.
+void ChartModel::LoadTags(IPropertyDB& db) {
+    CStringArray channels;
+    if (db.Find(kTagChannels)) db.GetValue(kTagChannels, channels);
+    CFloatingTagManager stored;
+    db.BeginUsing(kTagFolder);
+    stored.OnDBGet(&db);
+    db.EndUsing();
+    m_tags.clear();
+    const auto& all = m_session.Channels();
+    for (INT_PTR i = 0; i < stored.GetTagCount(); ++i) {
+        const CFloatingTag& tag = *stored.GetTag(i);
+        const std::string key = i < channels.GetSize() ? channels.GetAt(i).GetString() : "";
+        const bool known = std::any_of(all.begin(), all.end(), [&](const Session::Channel& one) { return one.key == key; });
+        m_tags.push_back({tag.GetText().GetString(), 0, 0, known || all.empty() ? key : all.front().key});
+        RECT rect = {};
+        tag.GetRect(kStored, rect);
+        const auto part = [](LONG at) { return static_cast<double>(at - kAway) / TagFrame::kGrid; };
+        FrameOf(m_tags.back().channel).Place(m_tags.back(), part(rect.left), part(rect.top));
+    }
+}
+
+void ChartModel::StoreTags(IPropertyDB& db) const {
+    CStringArray channels;
+    CFloatingTagManager stored;
+    bool others = false;
+    const auto& all = m_session.Channels();
+    for (const ChartTag& tag : m_tags) {
+        const TagFrame frame = FrameOf(tag.channel);
+        const auto at = [](double part) {
+            constexpr double kFarthest = TagFrame::kFarthest;
+            return kAway + static_cast<LONG>(std::lround(std::clamp(part, -kFarthest, kFarthest) * TagFrame::kGrid));
+        };
+        const POINT corner = {at(frame.Left(tag.time)), at(frame.Top(tag.value))};
+        stored.CreateTag(kStored, {corner.x, corner.y, corner.x, corner.y})->SetText(tag.text.c_str());
+        channels.Add(tag.channel.c_str());
+        others |= !all.empty() && tag.channel != all.front().key;
+    }
+    // Left out where it tells nothing new; what is there is not taken away, since recordings only grow.
+    if (others || db.Find(kTagChannels)) db.SetValue(kTagChannels, channels);
+    db.BeginUsing(kTagFolder);
+    stored.OnDBSet(&db);
+    db.EndUsing();
 }
 
 COLORREF ChartModel::ColourOf(size_t channel) { return kColours[channel % std::size(kColours)]; }
@@ -172,34 +254,30 @@ COLORREF ChartModel::ColourIn(IPropertyDB& db, const std::string& key, size_t ch
 }
 
 void ChartModel::SetLook(size_t channel, const std::string& name, COLORREF colour) {
+    if (channel < m_colours.size()) m_colours[channel] = colour;
     for (Series& series : m_series) {
         if (series.number != channel) continue;
         const std::string& unit = m_units[series.unit].text;
         series.name = unit.empty() ? name : name + " [" + unit + "]";
-        series.colour = colour;
     }
+    ChoosePatterns();
 }
 
 bool ChartModel::Store(IPropertyDB& db) {
     const auto before = Snapshot(db);
     db.BeginUsing(kFolder);
     m_contexts.OnDBSet(&db);
-    db.BeginUsing(kTagFolder);
-    m_tags.OnDBSet(&db);
-    db.EndUsing();
+    StoreTags(db);
     db.EndUsing();
     return Snapshot(db) != before;
 }
 
 void ChartModel::AddTag(__int64 time, double value, const std::string& text) {
-    if (m_units.empty()) throw Failure{kWrongUse, Say(Text::NothingToTag)};
-    const Unit& unit = m_units[m_series.front().unit];
-    const double x =
-        (static_cast<double>(time) - static_cast<double>(m_first)) / (static_cast<double>(m_last) - static_cast<double>(m_first));
-    const double y = (value - unit.extent) / (unit.origin - unit.extent);
-    if (!(x >= 0 && x <= 1 && y >= 0 && y <= 1)) throw Failure{kWrongUse, Say(Text::TagOutside, {ToUtf8(text)})};
-    const LONG left = static_cast<LONG>(std::lround(x * kFrame)), top = static_cast<LONG>(std::lround(y * kFrame));
-    m_tags.CreateTag({0, 0, kFrame, kFrame}, {left, top, left, top})->SetText(text.c_str());
+    if (m_series.empty()) throw Failure{kWrongUse, Say(Text::NothingToTag)};
+    ChartTag tag{text, time, value, KeyOf(m_series.front())};
+    const TagFrame frame = FrameOf(tag.channel);
+    const double left = frame.Left(time), top = frame.Top(value);
+    if (!(left >= 0 && left <= 1 && top >= 0 && top <= 1)) throw Failure{kWrongUse, Say(Text::TagOutside, {ToUtf8(text)})};
+    frame.Snap(tag);
+    m_tags.push_back(std::move(tag));
 }
-
-void ChartModel::ClearTags() { m_tags.RemoveAllTags(); }

@@ -2,11 +2,12 @@
 // nothing of pixels. User-interface thread. The session is the caller's and must outlive the model.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "chart/floating_tag.h"
 #include "chart/unit_context.h"
+#include "host/chart_tag.h"
 #include "host/series_reduction.h"
 #include "host/session.h"
 
@@ -18,7 +19,10 @@ public:
         size_t number;     // among all channels of the session
         COLORREF colour;
         const double* values;  // null where they stay in a recording
+        // How many channels before it have its colour; it has a dash pattern of its own then.
+        size_t pattern = 0;
     };
+    // All units of the session, those without a series in view too.
     struct Unit {
         std::string text;
         std::vector<size_t> series;
@@ -42,6 +46,10 @@ public:
     __int64 Last() const { return m_last; }
     __int64 From() const { return m_from; }
     __int64 To() const { return m_to; }
+    // Of all readings, when there is but one.
+    std::optional<__int64> OnlyTime() const { return m_onlyTime; }
+    // Whether there is a finite value in any series.
+    bool HasValues() const;
     // A Failure if nothing lies between.
     void SetView(__int64 from, __int64 to);
 
@@ -50,11 +58,17 @@ public:
     void Load(IPropertyDB& db);
     bool Store(IPropertyDB& db);
 
-    // Tags lie in the frame of all times and of the whole height of the plot. A new one has its upper left corner at a time, and
-    // at a value on the axis of the first channel shown; a Failure when that is not within the frame.
+    // In the order of drawing. A new one stands at a value on the axis of the first channel shown; a Failure when that is not
+    // within the times of all readings and the axis's range.
+    const std::vector<ChartTag>& Tags() const { return m_tags; }
+    void SetTags(std::vector<ChartTag> tags) { m_tags = std::move(tags); }
     void AddTag(__int64 time, double value, const std::string& text);
-    void ClearTags();
-    CFloatingTagManager& Tags() { return m_tags; }
+    void ClearTags() { m_tags.clear(); }
+    // Of a channel's tags; the first channel's for a key that there is not.
+    TagFrame FrameOf(const std::string& channel) const;
+    // The unit of a channel, by its key, among all units; nothing without channels.
+    std::optional<size_t> UnitOf(const std::string& channel) const;
+    const std::string& KeyOf(const Series& series) const { return m_session.Channels()[series.number].key; }
 
     // What the channel with this number is called and drawn with, if it is shown.
     void SetLook(size_t channel, const std::string& name, COLORREF colour);
@@ -65,6 +79,9 @@ public:
 
 private:
     void ScaleUnits();
+    void ChoosePatterns();
+    void LoadTags(IPropertyDB& db);
+    void StoreTags(IPropertyDB& db) const;
 
     const Session& m_session;
     std::vector<Series> m_series;
@@ -74,6 +91,9 @@ private:
     std::vector<std::vector<double>> m_sortedValues;
     const __int64* m_times = nullptr;
     __int64 m_first = 0, m_last = 1'000'000, m_from = 0, m_to = 1'000'000;
+    std::optional<__int64> m_onlyTime;
+    std::vector<COLORREF> m_colours;  // of all channels
+    std::vector<bool> m_hasValues;    // the same
     CUnitContextList m_contexts;
-    CFloatingTagManager m_tags;
+    std::vector<ChartTag> m_tags;
 };

@@ -5,15 +5,17 @@
 #include <cstring>
 #include <limits>
 
+#include "chart/floating_tag.h"
+#include "host/dashed_line.h"
+#include "host/texts.h"
 #include "host/time_ticks.h"
 #include "platform/picture.h"
-#include "time/number_text.h"
 
 namespace {
 constexpr char kFace[] = "DejaVu Sans";
 constexpr COLORREF kWhite = RGB(255, 255, 255), kBlack = RGB(0, 0, 0), kGrey = RGB(90, 90, 90), kRaster = RGB(224, 224, 224);
 constexpr SIZE kTagRoom = {12, 8};  // what a tag's text has around it
-constexpr LONG kUnitLetters = 16;   // a longer unit is cut in front of its axis; the legend has it whole
+constexpr LONG kBrokenSwatch = 4;   // lines of text that a legend's line is long where some are broken
 
 void MakeFont(CFont& font, LONG height, bool bold) {
     LOGFONTA description = {};
@@ -37,20 +39,16 @@ void Write(CDC& dc, const std::string& text, RECT rect) {
     dc.DrawText(text.c_str(), static_cast<int>(text.size()), &rect, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
-std::string ShortUnit(const std::string& unit) {
-    return unit.size() > kUnitLetters ? unit.substr(0, kUnitLetters - 1) + "\x85" : unit;
+COLORREF Pale(COLORREF colour) {
+    const auto half = [](int part) { return (part + 255) / 2; };
+    return RGB(half(GetRValue(colour)), half(GetGValue(colour)), half(GetBValue(colour)));
 }
 
-// The widest label that an axis may show: its values have their format's decimals.
-LONG WidestLabel(const CDC& dc, const CUnitAxis& axis) {
-    constexpr int kSamples = 20;
-    LONG widest = 0;
-    for (int i = -1; i <= kSamples + 1; ++i) {
-        CString text;
-        _NlsSetReal(text, axis.GetOrigin() + (axis.GetExtent() - axis.GetOrigin()) * i / kSamples, axis.GetFormat());
-        widest = std::max<LONG>(widest, dc.GetTextExtent(text).cx);
-    }
-    return widest;
+float DistanceTo(POINT point, const ORVIK_CURVE_POINT& a, const ORVIK_CURVE_POINT& b) {
+    const float dx = b.x - a.x, dy = b.y - a.y, length = dx * dx + dy * dy;
+    const float x = static_cast<float>(point.x) - a.x, y = static_cast<float>(point.y) - a.y;
+    const float part = length > 0 ? std::clamp((x * dx + y * dy) / length, 0.0f, 1.0f) : 0.0f;
+    return std::hypot(x - part * dx, y - part * dy);
 }
 }  // namespace
 
@@ -58,18 +56,17 @@ ChartView::ChartView(ChartModel& model) : m_model(model), m_time(new CTimeAxis(m
     m_time->AddRef();
     m_time->SetRange(m_time->SecondsOf(model.From()), m_time->SecondsOf(model.To()));
     for (const ChartModel::Unit& unit : model.Units()) {
-        CUnitAxis* const axis = new CUnitAxis(FALSE);
+        CValueAxis* const axis = new CValueAxis(unit.text);
         axis->AddRef();
-        axis->SetUnit(ShortUnit(unit.text).c_str());
         axis->SetRange(unit.origin, unit.extent);
-        m_places.push_back(m_axes.size());
+        if (!unit.series.empty()) m_places.push_back(m_axes.size());
         m_axes.push_back(axis);
     }
 }
 
 ChartView::~ChartView() {
     m_time->Release();
-    for (CUnitAxis* const axis : m_axes) axis->Release();
+    for (CValueAxis* const axis : m_axes) axis->Release();
 }
 
 void ChartView::Draw(CDC& dc, const RECT& bounds) {
@@ -98,13 +95,19 @@ void ChartView::MeasureAndPlace(CDC& dc, const RECT& bounds) {
     sizes.line = m_line;
     sizes.titleLine = m_model.Title().empty() ? 0 : m_line * 4 / 3;
     sizes.subtitle = !TimeRange().empty();
-    for (size_t i = 0; i < m_places.size(); ++i) {
-        const CUnitAxis* const axis = &AxisAt(i);
-        sizes.axes.push_back(std::max<LONG>(WidestLabel(dc, *axis), dc.GetTextExtent(axis->GetUnit()).cx));
+    sizes.axisHead = CValueAxis::HeadHeight(m_line);
+    const auto& all = m_model.AllSeries();
+    for (const auto& series : all) {
+        sizes.legend.push_back(WidthOfText(dc, series.name));
+        if (series.pattern > 0) sizes.swatch = kBrokenSwatch;
     }
-    for (const auto& series : m_model.AllSeries()) sizes.legend.push_back(WidthOfText(dc, series.name));
+    sizes.more = WidthOfText(dc, HouseText(Text::LegendMore, {std::to_string(all.size())}));
     sizes.timeLabel = WidthOfText(dc, "00:00:00");
+    // How wide the axes are follows from the plot's height, which does not depend on them.
+    const RECT bare = LayoutChart(bounds, sizes).plot;
+    for (size_t i = 0; i < m_places.size(); ++i) sizes.axes.push_back(AxisAt(i).WidthFor(dc, bare.bottom - 1 - bare.top));
     m_layout = LayoutChart(bounds, sizes);
+    if (m_model.Count() == 0) m_layout.timeArea = {};  // there are no times to tell
 
     const RECT& plot = m_layout.plot;
     for (size_t i = 0; i < m_places.size(); ++i) {
@@ -120,6 +123,8 @@ void ChartView::MeasureAndPlace(CDC& dc, const RECT& bounds) {
 std::string ChartView::TimeRange() const {
     const __int64 from = m_time->TimeOf(m_time->GetOrigin()), to = m_time->TimeOf(m_time->GetExtent());
     if (!InCalendar(from, to) || m_model.Count() == 0) return {};
+    const auto only = m_model.OnlyTime();
+    if (only && *only >= from && *only <= to) return DateText(*only) + " " + ClockText(*only, true);
     const std::string begin = DateText(from), end = DateText(to);
     return begin + " " + ClockText(from, true) + " \x96 " + (begin == end ? "" : end + " ") + ClockText(to, true);
 }
@@ -136,12 +141,30 @@ void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
         if (Empty(entry)) continue;
         const ChartModel::Series& series = m_model.AllSeries()[i];
         const float y = static_cast<float>(entry.top + entry.bottom - 1) / 2, line = static_cast<float>(m_line);
-        const ORVIK_CURVE_POINT swatch[] = {{static_cast<float>(entry.left) + 2, y},
-                                            {static_cast<float>(entry.left) + line * 1.5f, y}};
-        OrvikSmoothPolyline(dc.m_hDC, swatch, 2, series.colour, std::max(line / 5, 2.0f));
+        const float left = static_cast<float>(entry.left) + 2,
+                    right = static_cast<float>(entry.left + m_layout.swatch) - line / 2;
+        const float width = std::max(line / (series.pattern > 0 ? 8 : 5), 2.0f);
+        const std::vector<ORVIK_CURVE_POINT> swatch = DashedLine({{left, y}, {right, y}}, series.pattern, width, entry);
+        OrvikSmoothPolyline(dc.m_hDC, swatch.data(), static_cast<int>(swatch.size()), series.colour, width);
         entry.left += m_layout.swatch;
         Write(dc, series.name, entry);
     }
+    TellWhatIsMissing(dc);
+}
+
+// Nothing is left out without a word.
+void ChartView::TellWhatIsMissing(CDC& dc) const {
+    dc.SetTextColor(kGrey);
+    const auto entries = std::count_if(m_layout.legend.begin(), m_layout.legend.end(), Empty);
+    if (!Empty(m_layout.more)) Write(dc, HouseText(Text::LegendMore, {std::to_string(entries)}), m_layout.more);
+    std::string units;
+    for (size_t i = 0; i < m_places.size(); ++i) {
+        const std::string& unit = m_model.Units()[m_places[i]].text;
+        if (m_layout.axes[i].shown) continue;
+        units += (units.empty() ? "" : ", ") + (unit.empty() ? HouseText(Text::NoUnit) : unit);
+    }
+    if (!units.empty()) Write(dc, HouseText(Text::AxesLeftOut, {ToUtf8(units)}), m_layout.leftOut);
+    dc.SetTextColor(kBlack);
 }
 
 void ChartView::DrawAxes(CDC& dc) {
@@ -168,14 +191,18 @@ void ChartView::DrawAxes(CDC& dc) {
     if (time) m_time->DrawRaster(&dc, inside, pen);
 }
 
-PlotMapping ChartView::MappingOf(const CUnitAxis& axis) const {
+orvik::AxisMapping ChartView::MappingOf(size_t unit) const {
+    return {m_axes[unit]->GetOrigin(), m_axes[unit]->GetExtent(), m_layout.plot.top, m_layout.plot.bottom - 1, true};
+}
+
+PlotMapping ChartView::PlotOf(size_t unit) const {
     const RECT& plot = m_layout.plot;
     return {static_cast<double>(m_time->TimeOf(m_time->GetOrigin())),
             static_cast<double>(m_time->TimeOf(m_time->GetExtent())),
             plot.left,
             plot.right - 1,
-            axis.GetOrigin(),
-            axis.GetExtent(),
+            m_axes[unit]->GetOrigin(),
+            m_axes[unit]->GetExtent(),
             plot.bottom - 1,
             plot.top};
 }
@@ -185,67 +212,83 @@ void ChartView::DrawTraces(CDC& dc) {
     dc.IntersectClipRect(&m_layout.plot);
     const float width = std::max(static_cast<float>(m_line) / 11, 1.2f);
     std::vector<PlotMapping> mappings;
-    for (const ChartModel::Series& series : m_model.AllSeries()) mappings.push_back(MappingOf(*m_axes[series.unit]));
-    const std::vector<ReducedSeries> lines = m_model.Reduce(mappings);
+    for (const ChartModel::Series& series : m_model.AllSeries()) mappings.push_back(PlotOf(series.unit));
+    m_lines = m_model.Reduce(mappings);
     // The first channel last, so that it lies on top.
     for (size_t i = m_model.AllSeries().size(); i-- > 0;) {
         const ChartModel::Series& series = m_model.AllSeries()[i];
-        const ReducedSeries& line = lines[i];
+        const ReducedSeries& line = m_lines[i];
         if (line.points.empty()) continue;
-        const COLORREF colour = series.colour;
-        OrvikSmoothPolyline(dc.m_hDC, line.points.data(), static_cast<int>(line.points.size()), colour, width);
+        const auto draw = [&](const std::vector<ORVIK_CURVE_POINT>& points, COLORREF colour) {
+            OrvikSmoothPolyline(dc.m_hDC, points.data(), static_cast<int>(points.size()), colour, width);
+        };
+        const double crowding = series.pattern > 0 ? CrowdingOf(line.points, m_layout.plot) : 0;
+        // Where it fills an area, long gaps would hide readings: they are pale instead.
+        if (crowding > 1) draw(line.points, Pale(series.colour));
+        draw(DashedLine(line.points, series.pattern, width * static_cast<float>(std::max(crowding, 1.0)), m_layout.plot),
+             series.colour);
         if (!line.markers) continue;
         std::vector<ORVIK_CURVE_POINT> dots;
         constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
         for (const ORVIK_CURVE_POINT& point : line.points) {
             if (!std::isnan(point.x)) dots.push_back(point), dots.push_back({kNan, kNan});
         }
-        OrvikSmoothPolyline(dc.m_hDC, dots.data(), static_cast<int>(dots.size()), colour, width * 3);
+        OrvikSmoothPolyline(dc.m_hDC, dots.data(), static_cast<int>(dots.size()), series.colour, width * 3);
     }
     dc.RestoreDC(saved);
+    if (m_model.HasValues()) return;
+    dc.SetTextColor(kGrey);
+    const std::string text = HouseText(m_model.Count() == 0 ? Text::NoReadings : Text::NoValues);
+    RECT middle = m_layout.plot;
+    dc.DrawText(text.c_str(), static_cast<int>(text.size()), &middle,
+                DT_SINGLELINE | DT_CENTER | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+    dc.SetTextColor(kBlack);
 }
 
-RECT ChartView::TagFrame() const {
-    // Where all times and the whole height lie, of which the plot may show a part.
-    constexpr double kFarthest = orvik::AxisMapping::kFarthest;
-    const PlotMapping mapping = {static_cast<double>(m_time->TimeOf(m_time->GetOrigin())),
-                                 static_cast<double>(m_time->TimeOf(m_time->GetExtent())), m_layout.plot.left,
-                                 m_layout.plot.right - 1};
-    const auto pixel = [&](__int64 time) {
-        const double x = mapping.X(static_cast<double>(time));
-        return std::isfinite(x) ? static_cast<LONG>(std::lround(std::clamp(x, -kFarthest, kFarthest))) : 0;
-    };
-    return {pixel(m_model.First()), m_layout.plot.top, pixel(m_model.Last()), m_layout.plot.bottom - 1};
-}
-
-RECT ChartView::TagRect(const CFloatingTag& tag) const {
-    RECT rect = {};
-    tag.GetRect(TagFrame(), rect);
-    const LONG x = std::min<LONG>(0, m_layout.plot.right - 1 - rect.right),
-               y = std::min<LONG>(0, m_layout.plot.bottom - 1 - rect.bottom);
-    OffsetRect(&rect, x, y);
-    return rect;
+const ChartModel::Series* ChartView::NearestSeries(POINT point) const {
+    const auto& all = m_model.AllSeries();
+    size_t nearest = 0;
+    float least = std::numeric_limits<float>::max();
+    for (size_t i = 0; i < m_lines.size(); ++i) {
+        const auto& points = m_lines[i].points;
+        for (size_t k = 0; k < points.size(); ++k) {
+            if (std::isnan(points[k].x)) continue;
+            const bool alone = k + 1 == points.size() || std::isnan(points[k + 1].x);
+            const float distance = DistanceTo(point, points[k], points[alone ? k : k + 1]);
+            if (distance < least) least = distance, nearest = i;
+        }
+    }
+    return all.empty() ? nullptr : &all[nearest];
 }
 
 void ChartView::DrawTags(CDC& dc) {
-    const RECT frame = TagFrame(), &plot = m_layout.plot;
+    m_tagRects.clear();
+    if (m_axes.empty()) return;
+    const RECT& plot = m_layout.plot;
     const int saved = dc.SaveDC();
     dc.IntersectClipRect(&plot);
-    CFloatingTagManager& tags = m_model.Tags();
-    for (INT_PTR i = 0; i < tags.GetTagCount(); ++i) {
-        CFloatingTag& tag = *tags.GetTag(i);
-        RECT rect = {};
-        tag.GetRect(frame, rect);
-        if (rect.left < plot.left - 1 || rect.left > plot.right) continue;  // its time is not in view
+    for (const ChartTag& tag : m_model.Tags()) {
+        const int number = static_cast<int>(m_tagRects.size());
+        const PlotMapping mapping = PlotOf(m_model.UnitOf(tag.channel).value_or(0));
+        const double x = mapping.X(static_cast<double>(tag.time)), y = mapping.Y(tag.value);
+        const auto within = [](double at, LONG least, LONG most) {
+            return static_cast<LONG>(std::lround(std::isnan(at) ? least : std::clamp<double>(at, least, std::max(least, most))));
+        };
+        const POINT corner = {within(x, plot.left, plot.right - 1), within(y, plot.top, plot.bottom - 1)};
+        m_tagRects.push_back({corner.x, corner.y, corner.x, corner.y});
+        // A pixel beyond the plot's edge rounding may have put it.
+        if (!(x > plot.left - 1 && x < plot.right && y > plot.top - 1 && y < plot.bottom)) continue;
         // As wide as its text, at most a third of the plot; lines enough for that.
         RECT text = {0, 0, std::max<LONG>((plot.right - plot.left) / 3, m_line), m_line};
-        dc.DrawText(tag.GetText(), tag.GetText().GetLength(), &text, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
-        tag.SetRect(frame, {rect.left, rect.top, rect.left + text.right + kTagRoom.cx, rect.top + text.bottom + kTagRoom.cy});
-        const RECT drawn = TagRect(tag);
-        RECT moved = frame;
-        OffsetRect(&moved, drawn.left - rect.left, drawn.top - rect.top);
-        tag.Render(moved, &dc);
-        const ORVIK_CURVE_POINT point = {static_cast<float>(rect.left), static_cast<float>(rect.top)};
+        dc.DrawText(tag.text.c_str(), static_cast<int>(tag.text.size()), &text, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+        RECT& rect = m_tagRects.back();
+        rect.right += text.right + kTagRoom.cx, rect.bottom += text.bottom + kTagRoom.cy;
+        OffsetRect(&rect, std::min<LONG>(0, plot.right - 1 - rect.right), std::min<LONG>(0, plot.bottom - 1 - rect.bottom));
+        CFloatingTag label(nullptr, plot, rect);
+        label.SetText(tag.text.c_str());
+        label.SetFocus(number == m_focusedTag);
+        label.Render(plot, &dc);
+        const ORVIK_CURVE_POINT point = {static_cast<float>(corner.x), static_cast<float>(corner.y)};
         OrvikSmoothPolyline(dc.m_hDC, &point, 1, kBlack, static_cast<float>(m_line) / 3);
     }
     dc.RestoreDC(saved);

@@ -13,6 +13,7 @@
 #include "host/chart_layout.h"
 #include "host/chart_model.h"
 #include "host/time_axis.h"
+#include "host/value_axis.h"
 
 class ChartView {
 public:
@@ -21,8 +22,8 @@ public:
     ChartView(const ChartView&) = delete;
     ChartView& operator=(const ChartView&) = delete;
 
-    // The units in the order of their places, the first and the next to the plot's sides, and outwards: each once. As the model
-    // has them at first.
+    // The units in the order of their places, the first and the next to the plot's sides, and outwards: each once. At first those
+    // with a series in view, as the model has them.
     void SetPlaces(const std::vector<size_t>& units) { m_places = units; }
 
     // The DC's objects and modes come back as they were. Without a title where `bounds` is small, and so on: see ChartLayout.
@@ -31,9 +32,14 @@ public:
     CTimeAxis& TimeAxis() { return *m_time; }
     CUnitAxis& UnitAxis(size_t unit) { return *m_axes[unit]; }
     const ChartLayout& Layout() const { return m_layout; }  // as last drawn; its axes by their places
-    // The frame of the tags, in which their places are told, and where one is drawn: within the plot as far as it fits.
-    RECT TagFrame() const;
-    RECT TagRect(const CFloatingTag& tag) const;
+    // How the plot maps a unit's values, whether its axis is shown or not.
+    orvik::AxisMapping MappingOf(size_t unit) const;
+    // Where the tags were last drawn, within the plot as far as they fit; empty, at the nearest place of the plot, for those
+    // whose time or value is not in view. One of them, or none (-1), has the focus.
+    const std::vector<RECT>& TagRects() const { return m_tagRects; }
+    void SetFocusedTag(int tag) { m_focusedTag = tag; }
+    // The series whose line, as last drawn, is the nearest to a point of the plot; null without series.
+    const ChartModel::Series* NearestSeries(POINT point) const;
 
 private:
     void MeasureAndPlace(CDC& dc, const RECT& bounds);
@@ -41,14 +47,18 @@ private:
     void DrawAxes(CDC& dc);
     void DrawTraces(CDC& dc);
     void DrawTags(CDC& dc);
-    PlotMapping MappingOf(const CUnitAxis& axis) const;
+    void TellWhatIsMissing(CDC& dc) const;
+    PlotMapping PlotOf(size_t unit) const;
     std::string TimeRange() const;
 
     ChartModel& m_model;
-    CUnitAxis& AxisAt(size_t place) const { return *m_axes[m_places[place]]; }
-    std::vector<CUnitAxis*> m_axes;
+    CValueAxis& AxisAt(size_t place) const { return *m_axes[m_places[place]]; }
+    std::vector<CValueAxis*> m_axes;  // of all units
     std::vector<size_t> m_places;
     CTimeAxis* m_time;
     ChartLayout m_layout;
+    std::vector<ReducedSeries> m_lines;
+    std::vector<RECT> m_tagRects;
+    int m_focusedTag = -1;
     LONG m_line = 0;
 };

@@ -41,7 +41,7 @@ void AddTag(ChartModel& model, const std::string& argument) {
     const __int64 time = TimeOf(argument.substr(0, first));
     const std::string number = argument.substr(first + 1, second - first - 1);
     double value = 0;
-    if (!RealFromText(ToUtf8(number), value)) throw Failure{kWrongUse, Say(Text::BadValue, {ToUtf8(number), "r64"})};
+    if (!RealFromText(ToUtf8(number), value)) throw Failure{kWrongUse, Say(Text::TagValue, {ToUtf8(number)})};
     std::string text;
     if (!FromUtf8(ToUtf8(argument.substr(second + 1)), text))
         throw Failure{kWrongUse, Say(Text::TextNotHeld, {argument.substr(second + 1)})};
@@ -55,6 +55,7 @@ ExitCode RunChart(CHostApp&, const Words& words) {
     const std::string out = arguments.Require("--out");
     RequirePictureName(out);
     const SIZE size = SizeFrom(arguments.Get("--size", "1600x900"));
+    RequirePictureSize(out, size);
     RequireDifferentFiles({{"FILE", path}, {"--out", out}});
 
     const SessionFile file = OpenSession(path);

@@ -10,7 +10,6 @@
 namespace {
 constexpr double kMicro = 1e6;
 constexpr double kLabelsPerStep = 1.5;  // a step is at least so many labels long
-constexpr LONG kLabelGap = 4;           // pixels between two labels
 
 LONG WidthOfText(const CDC& dc, const std::string& text) {
     return dc.GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx;
@@ -84,6 +83,7 @@ void CTimeAxis::RenderCalendar(CDC& dc, __int64 from, __int64 to) {
     const bool bounded = GetAreaRect().right > GetAreaRect().left;
     const LONG least = bounded ? GetAreaRect().left : -orvik::AxisMapping::kFarthest;
     const LONG most = bounded ? GetAreaRect().right : orvik::AxisMapping::kFarthest;
+    const LONG line = dc.GetTextExtent("0", 1).cy, gap = std::max<LONG>(line * 2 / 3, 4);
     LONG free = least;
     for (size_t i = 0; i < inOrder.size(); ++i) {
         const std::string text = TimeLabel(step, inOrder[i]);
@@ -98,10 +98,10 @@ void CTimeAxis::RenderCalendar(CDC& dc, __int64 from, __int64 to) {
         }
         if (middle - half < free || middle + half > most) continue;
         if (middle > at && i + 1 < inOrder.size() &&
-            middle + half + kLabelGap > pixel(inOrder[i + 1]) - WidthOfText(dc, TimeLabel(step, inOrder[i + 1])) / 2)
+            middle + half + gap > pixel(inOrder[i + 1]) - WidthOfText(dc, TimeLabel(step, inOrder[i + 1])) / 2)
             continue;
         layout.labels.push_back({middle, width, SecondsOf(inOrder[i]), text.c_str()});
-        free = middle + half + kLabelGap;
+        free = middle + half + gap;
         layout.labelEnd = free;
     }
 
@@ -111,31 +111,34 @@ void CTimeAxis::RenderCalendar(CDC& dc, __int64 from, __int64 to) {
     for (size_t i = 0; i < inOrder.size(); ++i) SetDivisionOffset(static_cast<int>(i), pixel(inOrder[i]) - m_start);
     SetAlignments(inOrder.empty() ? 0 : m_start - pixel(inOrder.front()), inOrder.empty() ? 0 : m_end - pixel(inOrder.back()));
 
-    const LONG line = dc.GetTextExtent("0", 1).cy;
     if (!dc.IsPrinting()) dc.FillSolidRect(&GetAreaRect(), GetSysColor(COLOR_WINDOW));
     const COLORREF color = dc.IsPrinting() ? RGB(0, 0, 0) : GetSysColor(COLOR_WINDOWTEXT);
     orvik::DrawAxis(&dc, {m_position, m_start, m_end, false, 1, line}, layout, "", color);
 
-    // The second line. What stands at the axis's beginning gives way to a change right behind it.
+    // The second line. What stands at the axis's beginning is shortened, or gives way, where a change comes right behind it. What
+    // was not told the next label tells.
     const auto contexts = TimeContexts(step, from, to, ticks);
     const UINT align = dc.SetTextAlign(TA_LEFT | TA_TOP);
     const int mode = dc.SetBkMode(TRANSPARENT);
     const LONG y = m_position + nAxisMargin + line, right = std::max(GetAreaRect().right, m_end);
     LONG behind = m_start - m_end;
+    ContextLabel told;
     for (size_t i = 0; i < contexts.size(); ++i) {
-        const auto place = [&](const ContextLabel& label, LONG width) {
-            const LONG middle = pixel(label.time);
-            return std::min(label.time == from && i == 0 ? middle : middle - width / 2, right - width);
-        };
-        const std::string& text = contexts[i].text;
-        const LONG width = WidthOfText(dc, text), x = place(contexts[i], width);
-        if (x < behind || text.empty()) continue;
-        if (i == 0 && contexts.size() > 1 && mapping.extent > mapping.origin) {
-            const LONG next = WidthOfText(dc, contexts[1].text);
-            if (x + width + kLabelGap > pixel(contexts[1].time) - next / 2) continue;
+        ContextLabel label = contexts[i];
+        std::string text = ContextText(label, told);
+        const LONG middle = pixel(label.time);
+        const bool beginning = i == 0 && label.time == from;
+        if (beginning && contexts.size() > 1 && mapping.extent > mapping.origin) {
+            const LONG next = pixel(contexts[1].time) - WidthOfText(dc, ContextText(contexts[1], label)) / 2;
+            const auto fits = [&] { return middle + WidthOfText(dc, text) + gap <= next; };
+            if (!fits()) label.offset.clear(), text = ContextText(label, told);
+            if (!fits()) continue;
         }
+        const LONG width = WidthOfText(dc, text), x = std::min(beginning ? middle : middle - width / 2, right - width);
+        if (x < behind || text.empty()) continue;
         dc.TextOut(x, y, text.c_str(), static_cast<int>(text.size()));
-        behind = x + width + kLabelGap;
+        behind = x + width + gap;
+        told = label;
     }
     dc.SetBkMode(mode);
     dc.SetTextAlign(align);

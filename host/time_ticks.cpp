@@ -91,16 +91,38 @@ const Row kRows[] = {
     {TimeUnit::Day, kDay, {1, 2}},
     {TimeUnit::Week, 7.0 * kDay, {1, 2}},
     {TimeUnit::Month, kYear / 12, {1, 2, 3, 6}},
-    {TimeUnit::Year, kYear, {1, 2, 5, 10, 20, 50}},
+    {TimeUnit::Year, kYear, {1, 2, 5, 10, 20, 50, 100, 200, 500, 1'000}},
 };
 
 // "Nov 21" rather than "21 Nov", as the user's dates go.
 bool MonthFirst() { return NlsGetShortDateSpec().Find('M') == 0; }
 
+constexpr int kFirstYear = 1601, kLastYear = 9999;  // four digits, and the calendar of today
+
 CVXTTime PointOf(__int64 time) {
     CVXTTime point;
     point.SetBinaryTime(time);
     return point;
+}
+
+bool IsPoint(__int64 time) { return time >= CVXTTime::GetMinTime() && time <= CVXTTime::GetMaxTime(); }
+
+// A year that points of time have and whose days are those of the given one. Its last two digits are no day's and no month's.
+__int64 YearLike(__int64 year) {
+    const auto shape = [](__int64 one) {
+        const __int64 days = DaysOf(one, 1, 1);
+        return std::pair(FloorDiv(days, 7) * 7 - days, DaysOf(one + 1, 1, 1) - days);
+    };
+    __int64 like = 1972;
+    while (shape(like) != shape(year)) ++like;  // within 28 years
+    return like;
+}
+
+// The same clock on a day on which no zone sets it.
+CVXTTime ClockPointOf(__int64 time) {
+    if (IsPoint(time)) return PointOf(time);
+    const __int64 local = LocalOf(time);
+    return PointOf(InstantOf(DaysOf(1973, 1, 10) * kDay + local - FloorDiv(local, kDay) * kDay));
 }
 
 // Behind the seconds, in front of a designator.
@@ -172,7 +194,9 @@ TimeStep Subdivide(const TimeStep& step) {
     return best;
 }
 
-bool InCalendar(__int64 from, __int64 to) { return from >= CVXTTime::GetMinTime() && to <= CVXTTime::GetMaxTime() && from <= to; }
+bool InCalendar(__int64 from, __int64 to) {
+    return from >= DaysOf(kFirstYear, 1, 2) * kDay && to <= DaysOf(kLastYear, 12, 30) * kDay && from <= to;
+}
 
 std::vector<__int64> TimeTicks(const TimeStep& step, __int64 from, __int64 to, size_t most) {
     std::vector<__int64> ticks;
@@ -221,7 +245,7 @@ std::vector<__int64> TimeTicks(const TimeStep& step, __int64 from, __int64 to, s
 
 std::string ClockText(__int64 time, bool seconds) {
     CString text;
-    _NlsSetTime(text, PointOf(time), 0);
+    _NlsSetTime(text, ClockPointOf(time), 0);
     const char separator = NlsGetTimeSep();
     if (seconds || separator == 0) return text.GetString();
     // Hours and minutes are what stands in front of the second separator.
@@ -235,8 +259,22 @@ std::string ClockText(__int64 time, bool seconds) {
 
 std::string DateText(__int64 time) {
     CString text;
-    _NlsSetShortDate(text, PointOf(time));
-    return text.GetString();
+    if (IsPoint(time)) {
+        _NlsSetShortDate(text, PointOf(time));
+        return text.GetString();
+    }
+    // The date of another year, with this one in its place.
+    const Date date = DateOf(FloorDiv(LocalOf(time), kDay));
+    const __int64 like = YearLike(date.year);
+    _NlsSetShortDate(text, PointOf(InstantOf(DaysOf(like, date.month, date.day) * kDay + kDay / 2)));
+    std::string whole = text.GetString();
+    for (const size_t digits : {4, 2}) {
+        const std::string year = std::to_string(like).substr(4 - digits);
+        const size_t at = whole.rfind(year);
+        if (at == std::string::npos) continue;
+        return whole.replace(at, digits, std::to_string(date.year).substr(4 - digits));
+    }
+    return whole;
 }
 
 std::string OffsetText(__int64 time) {
@@ -247,7 +285,6 @@ std::string OffsetText(__int64 time) {
 }
 
 std::string TimeLabel(const TimeStep& step, __int64 time) {
-    const CVXTTime point = PointOf(time);
     const Date date = DateOf(FloorDiv(LocalOf(time), kDay));
     CString text;
     switch (step.unit) {
@@ -296,16 +333,16 @@ std::vector<ContextLabel> TimeContexts(const TimeStep& step, __int64 from, __int
             offsets = OffsetAt(std::min(probe + kDay, to)) != OffsetAt(from);
     }
     std::vector<ContextLabel> labels;
-    std::string date, offset;
     const auto look = [&](__int64 time) {
-        const std::string nowDate = TimeContext(step, time), nowOffset = offsets ? OffsetText(time) : "";
-        if (nowDate == date && nowOffset == offset) return;
-        std::string text = nowDate == date ? nowOffset : nowDate;
-        if (nowDate != date && !nowOffset.empty()) text += " " + nowOffset;
-        labels.push_back({time, text});
-        date = nowDate, offset = nowOffset;
+        const ContextLabel now{time, TimeContext(step, time), offsets ? OffsetText(time) : ""};
+        if (labels.empty() || now.date != labels.back().date || now.offset != labels.back().offset) labels.push_back(now);
     };
     look(from);
     for (const __int64 tick : ticks) look(tick);
     return labels;
+}
+
+std::string ContextText(const ContextLabel& label, const ContextLabel& told) {
+    if (label.date == told.date) return label.offset == told.offset ? "" : label.offset;
+    return label.offset.empty() ? label.date : label.date + " " + label.offset;
 }

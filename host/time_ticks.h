@@ -22,7 +22,7 @@ struct TimeStep {
 };
 
 // The smallest step that is at least so many microseconds long. The unit is the one in whose row of CAxis::tstsVector that length
-// falls; from weeks on by way of months to years. No step is above 50 years: then the count is 0.
+// falls; from weeks on by way of months to years. No step is above 1000 years: then the count is 0.
 TimeStep ChooseTimeStep(double microseconds);
 
 // A smaller step that divides this one evenly, for small ticks; 0 when there is none.
@@ -32,7 +32,8 @@ TimeStep Subdivide(const TimeStep& step);
 // nothing.
 std::vector<__int64> TimeTicks(const TimeStep& step, __int64 from, __int64 to, size_t most = 4096);
 
-// True as long as both lie where calendar text can be made of them.
+// True as long as both lie where calendar text can be made of them, in the years 1601 to 9999. Outside the years of CVXTTime the
+// clock is that of the zone at their nearest end.
 bool InCalendar(__int64 from, __int64 to);
 
 // Texts in the house's character set. The label of a tick is as long as its step demands: "12:00:00.250", "12:15", "21 Nov",
@@ -47,8 +48,10 @@ std::string OffsetText(__int64 time);
 
 // A label on the second line, under the tick at `time`.
 struct ContextLabel {
-    __int64 time;
-    std::string text;
+    __int64 time = 0;
+    std::string date, offset;  // what holds there; the offset is empty where it stays the same all along the axis
 };
 // What the second line says: at `from` (no tick), and at every tick at which it changes.
 std::vector<ContextLabel> TimeContexts(const TimeStep& step, __int64 from, __int64 to, const std::vector<__int64>& ticks);
+// Its text behind one that has told so much: what differs, and with a date its offset too. With nothing told, all.
+std::string ContextText(const ContextLabel& label, const ContextLabel& told = {});

@@ -6,23 +6,9 @@
 #include "host/gui/pane_font.h"
 
 namespace {
-constexpr LONG kGrid = ViewState::kTagGrid;
 constexpr LONG kZoomBand = 10;  // pixels from an axis's line outwards in which a drag selects an interval
 
 RECT Rect(LONG left, LONG top, LONG right, LONG bottom) { return {left, top, std::max(left, right), std::max(top, bottom)}; }
-
-RECT GridRect(const ViewState::Tag& tag) {
-    const LONG x = static_cast<LONG>(std::lround(static_cast<double>(tag.left) * kGrid)),
-               y = static_cast<LONG>(std::lround(static_cast<double>(tag.top) * kGrid));
-    return {x, y, x, y};
-}
-
-constexpr RECT kGridFrame = {0, 0, kGrid, kGrid};
-
-void SetTags(ChartModel& model, const ViewState& state) {
-    model.ClearTags();
-    for (const ViewState::Tag& tag : state.tags) model.Tags().CreateTag(kGridFrame, GridRect(tag))->SetText(tag.text.c_str());
-}
 
 }  // namespace
 
@@ -38,13 +24,7 @@ ViewState ChartScene::StateOf(const Session& session, IPropertyDB& db) {
     }
     ChartModel model(session, {});
     model.Load(db);
-    for (INT_PTR i = 0; i < model.Tags().GetTagCount(); ++i) {
-        const CFloatingTag& tag = *model.Tags().GetTag(i);
-        RECT rect = {};
-        tag.GetRect(kGridFrame, rect);
-        state.tags.push_back({static_cast<const char*>(tag.GetText()), static_cast<float>(rect.left) / kGrid,
-                              static_cast<float>(rect.top) / kGrid});
-    }
+    state.tags = model.Tags();
     state.Load(db);
     return state;
 }
@@ -52,7 +32,7 @@ ViewState ChartScene::StateOf(const Session& session, IPropertyDB& db) {
 void ChartScene::Store(const ViewState& state, const Session& session, IPropertyDB& db) {
     ChartModel model(session, {});
     model.Load(db);
-    SetTags(model, state);
+    model.SetTags(state.tags);
     model.Store(db);
     state.Store(db);
     for (size_t i = 0; i < state.channels.size(); ++i) {
@@ -87,8 +67,8 @@ void ChartScene::Drop() {
     for (INT_PTR i = 0; i < m_shown.GetSize(); ++i) m_shown[i]->Release();
     m_shown.RemoveAll();
     if (m_view != nullptr) m_view->TimeAxis().Release();
-    m_unitAt.clear();
-    m_stateAt.clear();
+    m_shownAt.clear();
+    m_hiddenAt.clear();
     m_parts = {};
     m_view.reset();
     m_model.reset();
@@ -112,13 +92,16 @@ void ChartScene::Rebuild() {
     const auto& units = m_model->Units();
     for (size_t i = 0; i < m_state.axes.size(); ++i) {
         for (size_t unit = 0; unit < units.size(); ++unit) {
-            if (units[unit].text == m_state.axes[i].unit) m_unitAt.push_back(unit), m_stateAt.push_back(i);
+            if (units[unit].text != m_state.axes[i].unit) continue;
+            // Hidden ones have a range too, by which their tags are placed.
+            auto& place = units[unit].series.empty() ? m_hiddenAt : m_shownAt;
+            place.push_back({unit, i});
         }
     }
-    m_view->SetPlaces(m_unitAt);
+    std::vector<size_t> places;
+    for (const Place& place : m_shownAt) places.push_back(place.unit);
+    m_view->SetPlaces(places);
 }
-
-void ChartScene::ApplyTags() { SetTags(*m_model, m_state); }
 
 void ChartScene::ApplyRanges() {
     const auto set = [](CUnitAxis& axis, const std::optional<ViewRange>& range, double origin, double extent) {
@@ -126,9 +109,11 @@ void ChartScene::ApplyRanges() {
     };
     CTimeAxis& time = m_view->TimeAxis();
     set(time, m_state.time, time.SecondsOf(m_model->From()), time.SecondsOf(m_model->To()));
-    for (size_t i = 0; i < m_unitAt.size(); ++i) {
-        const ChartModel::Unit& unit = m_model->Units()[m_unitAt[i]];
-        set(m_view->UnitAxis(m_unitAt[i]), m_state.axes[m_stateAt[i]].range, unit.origin, unit.extent);
+    for (const auto* places : {&m_shownAt, &m_hiddenAt}) {
+        for (const Place& place : *places) {
+            const ChartModel::Unit& unit = m_model->Units()[place.unit];
+            set(m_view->UnitAxis(place.unit), m_state.axes[place.state].range, unit.origin, unit.extent);
+        }
     }
 }
 
@@ -136,9 +121,8 @@ void ChartScene::Draw(CDC& dc, const RECT& bounds, Focus focus) {
     if (m_view == nullptr) return;
     m_bounds = bounds;
     if (!m_live) ApplyRanges();
-    ApplyTags();  // drawing rounds their places to pixels
-    for (INT_PTR i = 0; i < m_model->Tags().GetTagCount(); ++i)
-        m_model->Tags().GetTag(i)->SetFocus(focus == Focus{Focus::Tag, static_cast<int>(i)});
+    m_model->SetTags(m_state.tags);
+    m_view->SetFocusedTag(focus.kind == Focus::Tag ? focus.index : -1);
     m_view->Draw(dc, bounds);
     FindParts();
     if (m_parts.selected) m_parts.selection.Draw(&dc);
@@ -150,7 +134,9 @@ void ChartScene::FindParts() {
     const RECT& plot = layout.plot;
     m_parts = {};
     m_parts.plot = plot;
-    m_parts.frame = m_view->TagFrame();
+    for (const Session::Channel& channel : m_session->Channels())
+        m_parts.channels.push_back(
+            {channel.key, m_view->MappingOf(*m_model->UnitOf(channel.key)), m_model->FrameOf(channel.key)});
 
     CTimeAxis& time = m_view->TimeAxis();
     if (layout.timeArea.bottom > layout.timeArea.top) {
@@ -162,12 +148,12 @@ void ChartScene::FindParts() {
     time.SetRubberRect(m_parts.time.rubber);
 
     CTypedPtrArray<CPtrArray, CUnitAxis*> shown;
-    for (size_t i = 0; i < m_unitAt.size(); ++i) {
+    for (size_t i = 0; i < m_shownAt.size(); ++i) {
         const ChartLayout::Axis& place = layout.axes[i];
         if (!place.shown) continue;
-        CUnitAxis& axis = m_view->UnitAxis(m_unitAt[i]);
+        CUnitAxis& axis = m_view->UnitAxis(m_shownAt[i].unit);
         ViewParts::Axis part;
-        part.place = m_stateAt[i];
+        part.place = m_shownAt[i].state;
         part.mapping = axis.GetMapping();
         const RECT& area = place.area;
         const LONG line = place.position;
@@ -187,8 +173,7 @@ void ChartScene::FindParts() {
     for (INT_PTR i = 0; i < m_shown.GetSize(); ++i) m_shown[i]->Release();
     m_shown.Copy(shown);
 
-    for (INT_PTR i = 0; i < m_model->Tags().GetTagCount(); ++i)
-        m_parts.tags.push_back(m_view->TagRect(*m_model->Tags().GetTag(i)));
+    m_parts.tags = m_view->TagRects();
     m_parts.selected = m_state.selection.has_value();
     if (m_parts.selected) m_parts.selection.SetPosition(SelectionOf(*m_state.selection, plot));
 }
@@ -212,6 +197,11 @@ void ChartScene::DrawFocus(CDC& dc, Focus focus) const {
 CUnitAxis& ChartScene::Axis(int index) const {
     if (index == kTimeAxis) return m_view->TimeAxis();
     return *m_shown[index];
+}
+
+std::string ChartScene::ChannelAt(POINT point) const {
+    const ChartModel::Series* const series = m_view->NearestSeries(point);
+    return series != nullptr ? m_model->KeyOf(*series) : std::string();
 }
 
 LOGFONTA ChartScene::LabelFont() const {

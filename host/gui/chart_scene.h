@@ -41,13 +41,14 @@ public:
     CUnitAxis& Axis(int index) const;  // among the parts; kTimeAxis
     CTimeAxis& TimeAxis() const { return m_view->TimeAxis(); }
     ViewRange RangeOf(int index) const { return {Axis(index).GetOrigin(), Axis(index).GetExtent()}; }
+    // The key of the channel whose line is the nearest to a point of the plot.
+    std::string ChannelAt(POINT point) const;
     size_t PlaceOf(int index) const { return m_parts.axes[static_cast<size_t>(index)].place; }
 
 private:
     void Rebuild();
     void Drop();
     void ApplyRanges();
-    void ApplyTags();
     void FindParts();
     void DrawFocus(CDC& dc, Focus focus) const;
 
@@ -56,8 +57,10 @@ private:
     ViewState m_state;
     std::unique_ptr<ChartModel> m_model;
     std::unique_ptr<ChartView> m_view;
-    std::vector<size_t> m_unitAt;  // of the view, by its place; and where that stands in the state
-    std::vector<size_t> m_stateAt;
+    struct Place {
+        size_t unit, state;  // of the view; and where that stands in the state
+    };
+    std::vector<Place> m_shownAt, m_hiddenAt;
     CTypedPtrArray<CPtrArray, CUnitAxis*> m_shown;
     ViewParts m_parts;
     RECT m_bounds = {};

@@ -34,7 +34,7 @@ void ChartWindow::EndWriting(bool keep) {
     const std::string& text = m_edit.text;
     const bool empty = text.find_first_not_of(' ') == std::string::npos;
     if (m_writtenTag < 0) {
-        if (!empty) Do(Text::StepAddTag, TagAdded(state, m_scene.Parts(), m_writtenAt, text));
+        if (!empty) Do(Text::StepAddTag, TagAdded(state, m_scene.Parts(), m_writtenAt, text, m_scene.ChannelAt(m_writtenAt)));
     } else if (empty) {
         Do(Text::StepRemoveTag, TagRemoved(state, static_cast<size_t>(m_writtenTag)));
     } else {

@@ -46,15 +46,18 @@ ViewState EachAxis(const ViewState& state, const ViewParts& parts, Change change
     return next;
 }
 
-void Place(ViewState::Tag& tag, const ViewParts& parts, POINT corner) {
-    if (Width(parts.frame) <= 0 || Height(parts.frame) <= 0) return;
+// False where the tag's channel, or the plot, has no place for it.
+bool Place(ViewState::Tag& tag, const ViewParts& parts, POINT corner) {
+    const auto channel = std::find_if(parts.channels.begin(), parts.channels.end(),
+                                      [&](const ViewParts::Channel& one) { return one.key == tag.channel; });
+    if (channel == parts.channels.end() || Width(parts.plot) <= 1 || Height(parts.plot) <= 1) return false;
     corner.x = std::max(std::min(corner.x, parts.plot.right - kGrip), parts.plot.left);
     corner.y = std::max(std::min(corner.y, parts.plot.bottom - kGrip), parts.plot.top);
-    const auto part = [](LONG from, LONG at, LONG whole) {
-        return static_cast<float>(std::round(static_cast<double>(at - from) / whole * ViewState::kTagGrid) / ViewState::kTagGrid);
-    };
-    tag.left = part(parts.frame.left, corner.x, Width(parts.frame));
-    tag.top = part(parts.frame.top, corner.y, Height(parts.frame));
+    const TagFrame& frame = channel->frame;
+    const double seconds = parts.time.mapping.ToValue(corner.x), value = channel->mapping.ToValue(corner.y);
+    const double all = (static_cast<double>(frame.last) - static_cast<double>(frame.first)) * 1e-6;
+    frame.Place(tag, seconds / all, frame.Top(value));
+    return true;
 }
 }  // namespace
 
@@ -166,12 +169,11 @@ ViewState TagMoved(const ViewState& state, const ViewParts& parts, size_t tag, P
     return next;
 }
 
-ViewState TagAdded(const ViewState& state, const ViewParts& parts, POINT corner, const std::string& text) {
+ViewState TagAdded(const ViewState& state, const ViewParts& parts, POINT corner, const std::string& text,
+                   const std::string& channel) {
     ViewState next = state;
-    if (Width(parts.frame) <= 0 || Height(parts.frame) <= 0) return next;
-    next.tags.push_back({text});
-    Place(next.tags.back(), parts, corner);
-    return next;
+    next.tags.push_back({text, 0, 0, channel});
+    return Place(next.tags.back(), parts, corner) ? next : state;
 }
 
 ViewState TagRemoved(const ViewState& state, size_t tag) {

@@ -20,7 +20,13 @@ struct ViewParts {
     RECT plot = {};
     std::vector<Axis> axes;  // those shown
     Axis time;
-    RECT frame = {};         // what the tags' places are parts of
+    // What a channel's tags are placed by, whether it is shown or not.
+    struct Channel {
+        std::string key;
+        orvik::AxisMapping mapping;
+        TagFrame frame;
+    };
+    std::vector<Channel> channels;
     std::vector<RECT> tags;  // as many as the state has, in the order of drawing
     CZoomSelection selection;
     bool selected = false;
@@ -62,7 +68,9 @@ ViewState WithSelection(const ViewState& state, const ViewParts& parts, const RE
 RECT SelectionOf(const ViewState::Selection& selection, const RECT& plot);
 // The tag's upper left corner at a pixel, kept so far inside the plot that it can be seen and grabbed.
 ViewState TagMoved(const ViewState& state, const ViewParts& parts, size_t tag, POINT corner);
-ViewState TagAdded(const ViewState& state, const ViewParts& parts, POINT corner, const std::string& text);
+// A new one stands on the axis of a channel, named by its key.
+ViewState TagAdded(const ViewState& state, const ViewParts& parts, POINT corner, const std::string& text,
+                   const std::string& channel);
 ViewState TagRemoved(const ViewState& state, size_t tag);
 ViewState TagWritten(const ViewState& state, size_t tag, const std::string& text);
 

@@ -106,6 +106,7 @@ bool MainWindow::SavePicture(const std::string& path, SIZE size) {
     return Try([&] {
         RequirePictureName(path);
         if (size.cx <= 0 || size.cy <= 0) size = ChartSize();
+        RequirePictureSize(path, size);
         WorkWith(Text::WorkPicture, Text::WorkDrawing, Text::WorkStopped, path,
                  static_cast<double>(size.cx) * size.cy >= kLargePicture,
                  [&](WorkProgress& progress) { WritePicture(path, size, progress); });

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/chart_tag.h"
 #include "platform/win32.h"
 #include "propdb/property_db_interface.h"
 
@@ -30,12 +31,7 @@ struct ViewState {
         COLORREF colour = 0;
         bool operator==(const Channel&) const = default;
     };
-    // A comment; its place in parts of the frame that all times and the plot's height make (see ChartModel).
-    struct Tag {
-        std::string text;
-        float left = 0, top = 0;
-        bool operator==(const Tag&) const = default;
-    };
+    using Tag = ChartTag;
     // The selection that stays, in parts of the plot.
     struct Selection {
         double left = 0, top = 0, right = 0, bottom = 0;
@@ -44,13 +40,11 @@ struct ViewState {
 
     static constexpr LONG kStandardPane = 290;
     static constexpr size_t kLongestPicture = 64;
-    // Tags' places are whole parts of this one, so that they are the same before and after they were stored.
-    static constexpr LONG kTagGrid = 1 << 20;
 
     std::vector<Axis> axes;         // value axes, in their places from the plot outwards
     std::vector<Channel> channels;  // all of the session's, in its order
     std::optional<ViewRange> time;  // seconds since the first reading; none: follows the data
-    std::vector<Tag> tags;
+    std::vector<Tag> tags;          // their places are such that a file gives them back as they are
     std::optional<Selection> selection;
     std::vector<std::string> hidden;  // names of channels that are not drawn
     LONG pane = kStandardPane;        // pixels of the value list's width

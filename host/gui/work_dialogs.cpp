@@ -77,7 +77,7 @@ void PictureDialog::DoDataExchange(CDataExchange* exchange) {
     if (down == 0 || down > kMost) Refuse(exchange, IDC_HOST_HEIGHT, sides);
     if (!KindOf(name)) name += kKinds[m_kind];
     if (*KindOf(name) == 0 && across * down > UINT{kOrvikPicturePixels})
-        Refuse(exchange, IDC_HOST_WIDTH, HouseText(Text::PictureTooLarge));
+        Refuse(exchange, IDC_HOST_WIDTH, HouseText(Text::PictureTooLarge, {std::to_string(kOrvikPicturePixels)}));
     path = name;
     width = across;
     height = down;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -14,7 +15,9 @@ bool Apart(const RECT& a, const RECT& b) {
 }
 
 ChartTextSizes Sizes(LONG line, size_t axes, size_t channels) {
-    ChartTextSizes sizes{line, line * 4 / 3, true, {}, {}, line * 5};
+    ChartTextSizes sizes;
+    sizes.line = line, sizes.titleLine = line * 4 / 3, sizes.subtitle = true;
+    sizes.timeLabel = line * 5, sizes.more = line * 5, sizes.axisHead = line * 3 / 2;
     for (size_t i = 0; i < axes; ++i) sizes.axes.push_back(line * (2 + static_cast<LONG>(i % 3)));
     for (size_t i = 0; i < channels; ++i) sizes.legend.push_back(line * (6 + static_cast<LONG>(i % 5)));
     return sizes;
@@ -48,7 +51,17 @@ TEST(ChartLayout, HoldsForAnySize) {
                     const ChartLayout layout = LayoutChart(bounds, sizes);
                     ASSERT_FALSE(Empty(layout.plot)) << width << "x" << height;
                     ASSERT_TRUE(Inside(bounds, layout.plot)) << width << "x" << height;
-                    std::vector<RECT> parts = {layout.title, layout.subtitle};
+                    std::vector<RECT> parts = {layout.title, layout.subtitle, layout.more, layout.leftOut};
+                    // As many entries as fit, the first ones; and what is missing is told wherever some are there.
+                    const auto gone = std::find_if(layout.legend.begin(), layout.legend.end(), Empty);
+                    ASSERT_TRUE(std::all_of(gone, layout.legend.end(), Empty));
+                    ASSERT_TRUE(Empty(layout.more) || gone != layout.legend.end());
+                    ASSERT_TRUE(!Empty(layout.more) || gone == layout.legend.end() || gone == layout.legend.begin());
+                    if (width >= 500 && height >= 30 * line) {
+                        ASSERT_TRUE(!Empty(layout.more) || gone == layout.legend.end()) << width << "x" << height;
+                        const bool all = layout.axes.empty() || layout.axes.back().shown;
+                        ASSERT_EQ(Empty(layout.leftOut), all) << width << "x" << height;
+                    }
                     parts.insert(parts.end(), layout.legend.begin(), layout.legend.end());
                     for (size_t i = 0; i < parts.size(); ++i) {
                         if (Empty(parts[i])) continue;

@@ -128,7 +128,7 @@ TEST_F(Recorded, ThePictureIsTheSame) {
         for (const char* kind : {"a.png", "a.svg"}) {
             ChartModel model(*one.session, {});
             model.Load(*one.db);
-            EXPECT_EQ(model.Tags().GetTagCount(), 1);
+            EXPECT_EQ(model.Tags().size(), 1u);
             WriteChart(model, (folder / kind).string(), {900, 500});
             pictures.push_back(Bytes(folder / kind));
         }

@@ -183,7 +183,8 @@ class Mistakes(ChartTest):
         self.assertIn("c.bmp", self.refused("s.odb", "--out", "c.bmp"))
         for size in ("0x5", "5", "5x", "x5", "5x5x5", "-5x5", "20000x5", "99999999999999999999x1"):
             self.assertIn("no size", self.refused(*good, "--size", size))
-        self.assertIn("memory", self.refused(*good, "--size", "16384x16384", code=3))
+        self.assertIn("67108864", self.refused(*good, "--size", "16384x16384"))
+        self.assertIn("name", self.refused("s.odb", "--out", ".png"))
         self.assertIn("Water", self.refused(*good, "--channel", "Air", "--channel", "Water"))
         self.assertIn("yesterday", self.refused(*good, "--from", "yesterday"))
         self.assertIn("before", self.refused(*good, "--from", "6/16/2026", "--to", "6/15/2026"))
@@ -191,7 +192,7 @@ class Mistakes(ChartTest):
             self.assertIn("no readings", self.refused(*good, *span))
         for tag in ("x", "2026-06-15T00:00:01Z;1", "2026-06-15T00:00:01Z;1;"):
             self.assertIn("TIME;VALUE;text", self.refused(*good, "--tag", tag))
-        self.assertIn("no value", self.refused(*good, "--tag", "2026-06-15T00:00:01Z;high;text"))
+        self.assertIn("no number", self.refused(*good, "--tag", "2026-06-15T00:00:01Z;high;text"))
         self.assertIn("outside", self.refused(*good, "--tag", "2026-06-15T00:00:01Z;77;text"))
         self.assertIn("outside", self.refused(*good, "--tag", "2026-06-16T00:00:01Z;2;text"))
         if not options.wine:  # the command line of Windows brings nothing else
@@ -212,6 +213,48 @@ class Mistakes(ChartTest):
                 self.chart("--size", size)
         self.session([0, 1], [], logger="No channels")
         self.chart()
+
+
+class Words(ChartTest):
+    """What a chart says of what it does not show, by the texts in it."""
+
+    def test_nothing_is_left_out_without_a_word(self):
+        times, wave = waves(50, 60 * SECOND, utc(2026, 6, 15, 6), (5, 3, 20))
+        units = ("V", "A", "W", "m", "s", "l", "K", "%", "dB", "pH", "N", "J", "lx", "g", "B", "T")
+        many = [(f"Sensor {i}", units[i % 16], wave[0]) for i in range(40)]
+        self.session(times, many)
+        said = texts(self.chart("--size", "800x450"))
+        named = sum(text.startswith("Sensor") for text in said)
+        self.assertIn(f"and {40 - named} more", said)
+        left_out = next(text for text in said if text.startswith("No room for axes of: "))
+        self.assertEqual(len(left_out.split(": ")[1].split(", ")) + sum(unit in said for unit in units), 16, said)
+        self.assertIn("och", " ".join(texts(self.chart("--size", "800x450", language="sv_SE.UTF-8"))))
+        # A colour comes again with gaps in it: more pieces than the first channel's one.
+        lines = [e.attrib["stroke"] for e in self.chart().iter() if e.tag.endswith("polyline") and e.attrib["stroke"] == "#0072b2"]
+        self.assertGreater(len(lines), 20)
+
+    def test_sessions_that_show_little(self):
+        noon = utc(2026, 6, 15, 10)
+        for times, values, wanted, unwanted in (([], [], "There are no readings.", "12:00:00 AM"),
+                                                ([noon, noon + SECOND], [math.nan] * 2, "None of the readings has a value.", "There are no readings."),
+                                                ([noon], [1.0], "6/15/2026 12:00:00 PM", "There are no readings.")):
+            self.session(times, [("Air", "°C", values)])
+            said = texts(self.chart())
+            self.assertIn(wanted, said)
+            self.assertNotIn(unwanted, said)
+
+    def test_the_calendar_before_1972(self):
+        times, wave = waves(100, HOUR, utc(1960, 2, 27), (5, 3, 20))
+        self.session(times, [("Level", "m", wave[0])])
+        said = texts(self.chart())
+        self.assertIn("2/29/1960", said)
+        self.assertNotIn("s", said)
+
+    def test_a_constant_counter_has_labels(self):
+        self.session([utc(2026, 6, 15) + i * SECOND for i in range(9)], [("Counter", "Wh", [1234567.0] * 9), ("Leak", "A", [2.4e-6] * 9)])
+        said = texts(self.chart())
+        for wanted in ("MWh", "\u00b5A", "1.250", "2.4"):
+            self.assertIn(wanted, said)
 
 
 class Files(ChartTest):

@@ -105,15 +105,38 @@ TEST_F(TimeTicksTest, LabelsAreTheLocalClock) {
     EXPECT_EQ(DateText(noon), "6/15/2026");
 }
 
+// Years that points of time do not have are told like any other.
+TEST_F(TimeTicksTest, TheCalendarReachesBackAndFar) {
+    const struct {
+        __int64 days;
+        const char *swedish, *american;
+    } cases[] = {
+        {-1, "1969-12-31", "12/31/1969"},     {0, "1970-01-01", "1/1/1970"},        {-3'653, "1960-01-01", "1/1/1960"},
+        {-3'594, "1960-02-29", "2/29/1960"},  {-25'509, "1900-02-28", "2/28/1900"}, {-25'508, "1900-03-01", "3/1/1900"},
+        {-134'773, "1601-01-02", "1/2/1601"}, {47'541, "2100-03-01", "3/1/2100"},   {2'932'894, "9999-12-29", "12/29/9999"}};
+    for (const bool american : {false, true}) {
+        if (american) American();
+        for (const auto& c : cases) {
+            const __int64 noon = c.days * kDay + 12 * kHour;
+            EXPECT_TRUE(InCalendar(noon, noon + 1)) << c.days;
+            EXPECT_EQ(DateText(noon), american ? c.american : c.swedish) << c.days;
+        }
+    }
+    // The hour is that of the zone at the beginning of 1972, in winter.
+    const TimeStep hours{TimeUnit::Hour, 6};
+    EXPECT_EQ(Labels(hours, TimeTicks(hours, -20 * kDay, -19 * kDay)).size(), 4u);
+    EXPECT_FALSE(InCalendar(-200'000 * kDay, 0));
+}
+
 TEST_F(TimeTicksTest, ADayChangeIsToldOnce) {
     const __int64 evening = Local(2026, 6, 15, 21, 30, 0);
     const TimeStep step{TimeUnit::Hour, 1};
     const auto ticks = TimeTicks(step, evening, evening + 5 * kHour);
     const auto contexts = TimeContexts(step, evening, evening + 5 * kHour, ticks);
     ASSERT_EQ(contexts.size(), 2u);
-    EXPECT_EQ(contexts[0].text, "2026-06-15");
+    EXPECT_EQ(ContextText(contexts[0]), "2026-06-15");
     EXPECT_EQ(contexts[0].time, evening);
-    EXPECT_EQ(contexts[1].text, "2026-06-16");
+    EXPECT_EQ(ContextText(contexts[1], contexts[0]), "2026-06-16");
     EXPECT_EQ(contexts[1].time, Local(2026, 6, 16));
 }
 
@@ -128,8 +151,11 @@ TEST_F(TimeTicksTest, TheAutumnNightHasItsHourTwice) {
     EXPECT_EQ(labels[1], labels[2]);
     const auto contexts = TimeContexts(step, from, to, ticks);
     ASSERT_EQ(contexts.size(), 2u);
-    EXPECT_NE(contexts[0].text.find(" UTC+2"), std::string::npos) << contexts[0].text;
-    EXPECT_EQ(contexts[1].text, "UTC+1");
+    const std::string date = contexts[0].date;
+    EXPECT_EQ(ContextText(contexts[0]), date + " UTC+2");
+    EXPECT_EQ(ContextText(contexts[1], contexts[0]), "UTC+1");
+    EXPECT_EQ(ContextText(contexts[1], {change, date, ""}), "UTC+1");
+    EXPECT_EQ(ContextText(contexts[1]), date + " UTC+1");
     EXPECT_EQ(contexts[1].time, change);
 }
 
@@ -150,8 +176,10 @@ TEST_F(TimeTicksTest, TheSpringNightLeapsOverAnHour) {
 // Whatever the range and the step: increasing, inside, at the step's multiples on the local clock, and no gap between them.
 TEST_F(TimeTicksTest, HoldsForAnyRange) {
     std::mt19937_64 random(7);
-    const __int64 low = CVXTTime::GetMinTime(), high = CVXTTime::GetMaxTime();
     for (int i = 0; i < 3'000; ++i) {
+        // Half of them beyond the years of CVXTTime.
+        const __int64 low = i % 2 == 0 ? CVXTTime::GetMinTime() : -130'000 * kDay,
+                      high = i % 2 == 0 ? CVXTTime::GetMaxTime() : 2'900'000 * kDay;
         const double length = std::pow(10.0, static_cast<double>(random() % 14'500) / 1000.0);
         const TimeStep step = ChooseTimeStep(length);
         const auto span = static_cast<__int64>(length * 12);

@@ -14,7 +14,9 @@ namespace {
 ViewParts Parts() {
     ViewParts parts;
     parts.plot = {100, 50, 501, 251};
-    parts.frame = {100, 50, 500, 250};
+    // Tags of a channel on the first axis, and of one on another, hidden axis, which is zoomed to a tenth of its range.
+    const TagFrame frame = {1'000'000, 4'001'000'000, 0, 100};
+    parts.channels = {{"one", {0, 100, 50, 250, true}, frame}, {"hidden", {40, 50, 50, 250, true}, frame}};
     parts.axes.resize(2);
     parts.axes[0] = {{90, 50, 101, 251}, {60, 50, 90, 251}, {60, 30, 101, 50}, {0, 100, 50, 250, true}, 1};
     parts.axes[1] = {{500, 50, 511, 251}, {511, 50, 540, 251}, {500, 30, 540, 50}, {20, -20, 50, 250, true}, 0};
@@ -27,7 +29,7 @@ ViewParts Parts() {
 ViewState State() {
     ViewState state;
     state.axes = {{"%", std::nullopt}, {"C", std::nullopt}};
-    state.tags = {{"one", 0.125f, 0.15f}, {"two", 0.2f, 0.2f}};
+    state.tags = {{"one", 500'000'000, 85, "one"}, {"two", 800'000'000, 80, "hidden"}};
     return state;
 }
 
@@ -105,15 +107,17 @@ TEST(GestureTest, RangesKeepWhatTheyAreHeldAt) {
 
 TEST(GestureTest, TagsAndSelectionsStayWithinThePlot) {
     const ViewState moved = TagMoved(State(), Parts(), 0, {300, 150});
-    EXPECT_FLOAT_EQ(moved.tags[0].left, 0.5f);
-    EXPECT_FLOAT_EQ(moved.tags[0].top, 0.5f);
+    EXPECT_EQ(moved.tags[0], (ChartTag{"one", 2'001'000'000, 50, "one"}));
     for (const POINT away : {POINT{-30000, -30000}, POINT{30000, 30000}}) {
-        const ViewState::Tag tag = TagMoved(State(), Parts(), 1, away).tags[1];
-        EXPECT_TRUE(tag.left >= 0 && tag.left < 1 && tag.top >= 0 && tag.top < 1) << tag.left << " " << tag.top;
+        const ChartTag tag = TagMoved(State(), Parts(), 1, away).tags[1];
+        EXPECT_TRUE(tag.time >= 1'000'000 && tag.time < 4'001'000'000 && tag.value > 40 && tag.value <= 50.0001) << tag.value;
     }
+    const ChartTag added = TagAdded(State(), Parts(), {300, 150}, "x", "hidden").tags.back();
+    EXPECT_NEAR(added.value, 45, 1e-4);
+    EXPECT_EQ(added, (ChartTag{"x", 2'001'000'000, added.value, "hidden"}));
     EXPECT_EQ(TagMoved(State(), Parts(), 2, {300, 150}), State());
     EXPECT_EQ(TagRemoved(State(), 2), State());
-    EXPECT_EQ(TagAdded(State(), ViewParts(), {1, 1}, "x"), State());  // no plot, no place
+    EXPECT_EQ(TagAdded(State(), ViewParts(), {1, 1}, "x", "one"), State());  // no plot, no place
     EXPECT_EQ(WithSelection(State(), ViewParts(), {1, 1, 9, 9}), State());
     const ViewState selected = WithSelection(State(), Parts(), {150, 60, 450, 200});
     ASSERT_TRUE(selected.selection);

@@ -169,7 +169,7 @@ TEST(ViewHistoryTest, LeadsBackToTheBeginningHoweverLongItWas) {
                 if (below(2) == 0) axis.range = ViewRange{0, value};
             }
             if (below(5) == 0) std::swap(next.axes[0], next.axes[2]);
-            if (below(5) == 0) next.tags.push_back({"tag", 0.5f, static_cast<float>(value)});
+            if (below(5) == 0) next.tags.push_back({"tag", 500, value, "1"});
             if (!history.Do(Text::StepZoom, next)) continue;
             states.resize(at + 1);
             states.push_back(next);

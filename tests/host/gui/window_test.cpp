@@ -390,6 +390,76 @@ TEST_F(WindowTest, ThePointerTellsWhatADragWouldDo) {
     }
 }
 
+// However it is zoomed, and whatever is hidden: a comment stands at its time, and at its value on its channel's axis.
+TEST_F(WindowTest, ACommentStaysAtItsChannelsValue) {
+    const auto stands = [&](size_t number, const char* step) {
+        const ViewParts& parts = hands.Parts();
+        const ChartTag& tag = hands.State().tags[number];
+        const auto channel =
+            std::find_if(parts.channels.begin(), parts.channels.end(), [&](const auto& one) { return one.key == tag.channel; });
+        ASSERT_NE(channel, parts.channels.end());
+        const RECT &plot = parts.plot, &at = parts.tags[number];
+        // An axis that is shown shows what the tag is placed by.
+        const auto axis = std::find_if(parts.axes.begin(), parts.axes.end(),
+                                       [&](const auto& one) { return one.mapping.origin == channel->mapping.origin; });
+        if (axis != parts.axes.end()) {
+            EXPECT_EQ(axis->mapping.extent, channel->mapping.extent);
+        }
+        const auto& values = channel->mapping;
+        const auto& times = parts.time.mapping;
+        const double y =
+            plot.bottom - 1 - (tag.value - values.origin) / (values.extent - values.origin) * (plot.bottom - 1 - plot.top);
+        const double seconds = static_cast<double>(tag.time) / 1e6 - 1'767'260'000;
+        const double x = plot.left + (seconds - times.origin) / (times.extent - times.origin) * (plot.right - 1 - plot.left);
+        if (x < plot.left || x > plot.right - 1 || y < plot.top || y > plot.bottom - 1) {
+            EXPECT_TRUE(::IsRectEmpty(&at)) << step;
+        } else {
+            EXPECT_FALSE(::IsRectEmpty(&at)) << step;
+            EXPECT_NEAR(at.left, std::min<double>(x, plot.right - 1 - (at.right - at.left)), 1) << step;
+            EXPECT_NEAR(at.top, std::min<double>(y, plot.bottom - 1 - (at.bottom - at.top)), 1) << step;
+        }
+    };
+    const auto both = [&](const char* step) {
+        hands.Pixels();
+        stands(0, step), stands(1, step);
+    };
+    const auto choose = [&](UINT command) {
+        ::SendMessageA(hands.window->m_hWnd, WM_COMMAND, command, 0);
+        hands.Pump();
+    };
+    const RECT plot = hands.Parts().plot;
+    EXPECT_EQ(hands.State().tags[0].channel, "1");
+    hands.Drag({plot.left + 5, plot.top + 10}, {plot.right - 40, plot.bottom - 10});
+    hands.DoubleClick(Hands::Middle(plot));
+    hands.Type("here");
+    hands.Key(VK_RETURN);
+    ASSERT_EQ(hands.State().tags.size(), 2u);
+    const std::vector<ChartTag> tags = hands.State().tags;
+    EXPECT_NEAR(hands.Parts().tags[1].top, Hands::Middle(plot).y, 1);
+    both("placed while zoomed");
+    hands.Point(WM_MOUSEWHEEL, Hands::Middle(plot), 3 * WHEEL_DELTA);
+    hands.Pump();
+    both("zoomed values");
+    choose(kCommandResetAll);
+    both("reset");
+    hands.Point(WM_MOUSEWHEEL, Hands::Middle(plot), -2 * WHEEL_DELTA);
+    hands.Pump();
+    const auto before = hands.Parts().channels;
+    for (const UINT channel : {0u, 2u, 1u}) {
+        choose(kCommandChannels + channel);
+        both("hidden");
+        for (size_t i = 0; i < before.size(); ++i)
+            EXPECT_EQ(hands.Parts().channels[i].mapping.extent, before[i].mapping.extent) << "a hidden axis keeps its range";
+    }
+    EXPECT_EQ(hands.State().tags, tags);
+    ASSERT_TRUE(hands.window->SaveTo(path));
+    hands.window.reset();
+    hands = Hands();
+    hands.window->Open(path);
+    EXPECT_EQ(hands.State().tags, tags);
+    both("opened again");
+}
+
 TEST_F(WindowTest, KeepsItsViewInTheSession) {
     const ViewParts parts = hands.Parts();
     hands.Drag(Hands::Middle(parts.plot), {parts.plot.right - 5, parts.plot.bottom - 5});
