@@ -244,6 +244,17 @@ TEST_F(MeasurementTest, EndsWhenItsTimeIsOver) {
     }
 }
 
+// However often it broke off before: what was away and is back is not a silent logger.
+TEST_F(MeasurementTest, APortThatWasGoneIsAskedAtOnce) {
+    plan.duration = kMinute;
+    plan.interval = kSecond;
+    logger.read = [&](int number, CDoubleArray&) {
+        if (number > 1 && clock.now < 40 * kSecond) OrvikThrowCommException(CCommException::HardwareError, nullptr);
+    };
+    Run();
+    for (size_t i = 2; i < logger.connects.size(); ++i) EXPECT_EQ(logger.connects[i] - logger.connects[i - 1], kSecond) << i;
+}
+
 TEST_F(MeasurementTest, ASilentLoggerIsAskedLessAndLessOften) {
     plan.duration = 10 * kMinute;
     plan.interval = kSecond;
