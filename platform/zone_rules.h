@@ -1,6 +1,6 @@
 // The rules of a time zone over a stretch of time, and the way from local calendar fields to the time they mean. Internal.
-// Immutable once made; any thread. Times are seconds since 1970-01-01 00:00:00 UTC; "local" seconds are local fields counted as if
-// they were UTC.
+// Immutable once made; any thread. Times are seconds since 1970-01-01 00:00:00 UTC; "local" seconds are local fields counted as
+// if they were UTC.
 #pragma once
 
 #include <algorithm>

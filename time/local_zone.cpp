@@ -88,8 +88,7 @@ tm LocalFields(__int64 seconds) {
 int LocalOffset(__int64 seconds) { return TheZone().Rules().At(seconds).offset; }
 
 __int64 LocalSeconds(tm* fields, int offset) {
-    const __int64 seconds =
-        TheZone().Rules().FromLocal(LocalSecondsOf(*fields), std::clamp(fields->tm_isdst, -1, 1), offset);
+    const __int64 seconds = TheZone().Rules().FromLocal(LocalSecondsOf(*fields), std::clamp(fields->tm_isdst, -1, 1), offset);
     if (seconds < First() || seconds > Last()) return _mktime64(fields);  // of which the table knows nothing
     *fields = LocalFields(seconds);
     return seconds;

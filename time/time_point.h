@@ -79,8 +79,8 @@ public:
     // week of the year before, 53 or 52 by this year's first weekday alone. Any other selector gives 0.
     int Get(CVXTTimeType type) const;
     // 1, or 0 with the value unchanged when the C library cannot represent the result. Fields are put right (31 April is 1 May).
-    // In the hour of autumn that comes twice the result is standard time; a time that the clock skips moves on by what is skipped,
-    // which may be into the next day, but never back.
+    // In the hour of autumn that comes twice the result is standard time; a time that the clock skips moves on by what is
+    // skipped, which may be into the next day, but never back.
     int SetDate(int year, int month, int day);  // keeps the local time of day, drops the part of a second
     int SetTime(int hour, int minute, int second, int millisecond);
 

@@ -74,8 +74,8 @@ ZoneRule RuleAt(long long seconds) {
     return {static_cast<int>(fields.tm_gmtoff), fields.tm_isdst};
 }
 
-// What the fields mean by the rules around them. The C library's own mktime takes what it was asked last for a first guess, and in
-// the hour that comes twice, or never, its answer is the one that lies nearest.
+// What the fields mean by the rules around them. The C library's own mktime takes what it was asked last for a first guess, and
+// in the hour that comes twice, or never, its answer is the one that lies nearest.
 long long FromLocal(long long local, int flag) {
     constexpr long long kYear = 366 * 86'400;
     for (const long long around : {ZoneRules::kFarthest, kYear}) {

@@ -28,8 +28,9 @@ CVXTTime At(__int64 seconds) {
 constexpr __int64 kEpoch = 11'644'473'600;  // 1601 to 1970, in seconds
 __int64 Count(const tm& fields) {
     const auto word = [](int value) { return static_cast<WORD>(value); };
-    const SYSTEMTIME system = {word(fields.tm_year + 1900), word(fields.tm_mon + 1), 0, word(fields.tm_mday),
-                               word(fields.tm_hour),        word(fields.tm_min),     word(fields.tm_sec), 0};
+    const SYSTEMTIME system = {
+        word(fields.tm_year + 1900), word(fields.tm_mon + 1), 0, word(fields.tm_mday), word(fields.tm_hour),
+        word(fields.tm_min),         word(fields.tm_sec),     0};
     FILETIME file{};
     EXPECT_TRUE(SystemTimeToFileTime(&system, &file));
     return ((static_cast<__int64>(file.dwHighDateTime) << 32) | file.dwLowDateTime) / 10'000'000 - kEpoch;
@@ -87,8 +88,8 @@ ZoneChecks::ZoneChecks() {
 // The time that local fields mean; with a flag only where a time has it.
 __int64 ZoneChecks::Meant(__int64 local, int flag) const {
     __int64 standard = -1, any = -1;
-    auto change = std::partition_point(m_changes.begin(), m_changes.end(),
-                                       [local](const Change& c) { return c.at < local - 2 * kDay; });
+    auto change =
+        std::partition_point(m_changes.begin(), m_changes.end(), [local](const Change& c) { return c.at < local - 2 * kDay; });
     for (; change != m_changes.end() && change->at <= local + 2 * kDay; ++change) {
         for (const Side& side : {change->before, change->after}) {
             const __int64 t = local - side.offset;
@@ -109,8 +110,9 @@ void ZoneChecks::Around(const std::vector<Change>& changes, Check check) {
     for (const Change& change : changes) {
         const __int64 before = change.at + change.before.offset, after = change.at + change.after.offset;
         const __int64 midnight = after - after % kDay, middle = (before + after) / 2;
-        for (const __int64 local : {before - kHour, before - 1, before, std::min(before, after) - 1, middle, std::max(before, after) - 1,
-                                    std::max(before, after), after, after + kHour, midnight - kDay, midnight, midnight + kDay})
+        for (const __int64 local :
+             {before - kHour, before - 1, before, std::min(before, after) - 1, middle, std::max(before, after) - 1,
+              std::max(before, after), after, after + kHour, midnight - kDay, midnight, midnight + kDay})
             if (!check(local, change)) return;
     }
 }
