@@ -87,11 +87,11 @@ tm LocalFields(__int64 seconds) {
 
 int LocalOffset(__int64 seconds) { return TheZone().Rules().At(seconds).offset; }
 
-__int64 LocalSeconds(tm* fields, int offset) {
-    const __int64 seconds = TheZone().Rules().FromLocal(LocalSecondsOf(*fields), std::clamp(fields->tm_isdst, -1, 1), offset);
-    if (seconds < First() || seconds > Last()) return _mktime64(fields);  // of which the table knows nothing
-    *fields = LocalFields(seconds);
-    return seconds;
+__int64 LocalSeconds(const tm& fields, int offset) {
+    const __int64 seconds = TheZone().Rules().FromLocal(LocalSecondsOf(fields), std::clamp(fields.tm_isdst, -1, 1), offset);
+    if (seconds >= First() && seconds <= Last()) return seconds;
+    tm copy = fields;  // of a time that the table knows nothing of
+    return _mktime64(&copy);
 }
 
 void RefreshLocalZone() { TheZone().Publish(); }

@@ -17,14 +17,13 @@ ORVIK_API tm LocalFields(__int64 seconds);
 // Seconds east of UTC at that time, by the same table.
 ORVIK_API int LocalOffset(__int64 seconds);
 
-// The time that local fields mean, in seconds, and the fields put right. -1 with the fields untouched where the C library cannot
-// represent it; within the time range it always can. With the daylight flag at -1 an hour that comes twice is standard time, and
-// in one that is skipped the time moves on by what is skipped. Otherwise the flag is kept, literally: fields that have the other
-// one come out an hour beside, as a rule. `offset` is LocalOffset of the time that the fields were made from: of two times with
-// the same fields and flag, the one with this offset is meant.
-// This is the rule of _mktime64 on Linux; here it holds on both homes.
+// The time that local fields mean, in seconds; the fields may lie outside their ranges. -1 where the C library cannot represent
+// it; within the time range it always can. With the daylight flag at -1 an hour that comes twice is standard time, and in one
+// that is skipped the time moves on by what is skipped. Otherwise the flag is kept, literally: fields that have the other one
+// come out an hour beside, as a rule. `offset` is LocalOffset of the time that the fields were made from: of two times with the
+// same fields and flag, the one with this offset is meant. This is the rule of _mktime64 on Linux; here it holds on both homes.
 constexpr int kAnyOffset = INT32_MIN;
-ORVIK_API __int64 LocalSeconds(tm* fields, int offset = kAnyOffset);
+ORVIK_API __int64 LocalSeconds(const tm& fields, int offset = kAnyOffset);
 
 // Probes the zone again. Call it after the zone changed (and, where the C library reads it from TZ, after _tzset);
 // NlsToolsUpdate does.

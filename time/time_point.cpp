@@ -40,7 +40,7 @@ __int64 FromFields(int year, int month, int day, int hour, int minute, int secon
     tm fields{};
     fields.tm_year = LibraryYear(year), fields.tm_mon = LibraryMonth(month), fields.tm_mday = day;
     fields.tm_hour = hour, fields.tm_min = minute, fields.tm_sec = second, fields.tm_isdst = dst;
-    const __int64 seconds = LocalSeconds(&fields);
+    const __int64 seconds = LocalSeconds(fields);
     if (seconds == -1) AtlThrow(E_INVALIDARG);
     return seconds * kSecond;
 }
@@ -141,9 +141,13 @@ int CVXTTime::GetLocalTime(tm* fields) const {
     return 0;
 }
 
-int CVXTTime::SetLocalTime(tm* fields) { return SetLocalTime(fields, kAnyOffset); }
+int CVXTTime::SetLocalTime(tm* fields) {
+    if (!SetFields(*fields, kAnyOffset)) return 0;
+    const __time64_t seconds = m_time / kSecond;
+    return _localtime64_s(fields, &seconds) == 0;
+}
 
-int CVXTTime::SetLocalTime(tm* fields, int offset) {
+int CVXTTime::SetFields(const tm& fields, int offset) {
     const __int64 seconds = LocalSeconds(fields, offset);
     if (seconds == -1) return 0;
     m_time = seconds * kSecond;
@@ -204,7 +208,7 @@ int CVXTTime::SetDate(int year, int month, int day) {
     GetLocalTime(&fields);
     fields.tm_year = LibraryYear(year), fields.tm_mon = LibraryMonth(month), fields.tm_mday = day;
     fields.tm_isdst = -1;
-    return SetLocalTime(&fields);
+    return SetFields(fields, kAnyOffset);
 }
 
 int CVXTTime::SetTime(int hour, int minute, int second, int millisecond) {
@@ -212,7 +216,7 @@ int CVXTTime::SetTime(int hour, int minute, int second, int millisecond) {
     GetLocalTime(&fields);
     fields.tm_hour = hour, fields.tm_min = minute, fields.tm_sec = second;
     fields.tm_isdst = -1;
-    if (!SetLocalTime(&fields)) return 0;
+    if (!SetFields(fields, kAnyOffset)) return 0;
     m_time += millisecond * kMillisecond;
     return 1;
 }
@@ -287,7 +291,7 @@ void CVXTTime::SeekFloor(CVXTTimeType type) {
         default:
             break;
     }
-    if (!SetLocalTime(&fields, offset) || type != TT_WEEK) return;
+    if (!SetFields(fields, offset) || type != TT_WEEK) return;
     while (Get(TT_WEEKDAY) != kMonday && m_time > GetMinTime()) {
         m_time -= 1;
         SeekFloor(TT_WEEKDAY);
@@ -338,7 +342,7 @@ void CVXTTime::SeekNext(CVXTTimeType type) {
         default:
             break;
     }
-    SetLocalTime(&fields, offset);
+    SetFields(fields, offset);
 }
 
 CString CVXTTime::Format() const {

@@ -93,8 +93,9 @@ public:
     void SetLocalFileTime(const FILETIME* time);  // a time that has no date leaves the value unchanged
 
     // To the start of the calendar unit that holds the value, or of the next one. Units from the hour down step on the epoch's
-    // grid. The daylight flag of the value is kept, literally. SeekNext by milliseconds and microseconds only drops the part of a
-    // second, on purpose; a value that the C library cannot represent stays unchanged.
+    // grid. The daylight flag of the value is kept, literally: midnight of the other half of the year is an hour beside, and one
+    // that the clock skips into summer is the evening before. SeekFloor never goes up, and SeekNext always does within the time
+    // range, whatever the clock does; but by milliseconds and microseconds it only drops the part of a second, on purpose.
     void SeekFloor(CVXTTimeType type);
     void SeekNext(CVXTTimeType type);
 
@@ -106,11 +107,11 @@ public:
 protected:
     explicit CVXTTime(__int64 count) : m_time(count) {}
     int GetLocalTime(tm* fields) const;  // 0, as _localtime64_s
-    int SetLocalTime(tm* fields);        // 1; 0 when the C library cannot represent the fields
+    int SetLocalTime(tm* fields);        // 1, with the fields put right; 0 when the C library cannot represent them
 
 private:
     __int64 Clamped() const;
-    int SetLocalTime(tm* fields, int offset);  // with the offset of the time that the fields were made from
+    int SetFields(const tm& fields, int offset);  // as LocalSeconds of local_zone.h
 
     __int64 m_time;
 };

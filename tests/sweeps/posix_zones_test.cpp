@@ -33,7 +33,7 @@ void Check(const std::string& zone) {
     _tzset();
     orvik::detail::RefreshLocalZone();
     const ZoneChecks checks;
-    checks.FieldsMeanTheTimeThatHasThem();
+    checks.FieldsMeanTheTimeThatHasThem(ZoneChecks::Library::Ours);
     checks.SeeksGetOnAndEnd();
     checks.DatesLandOnTheirDay();
 }

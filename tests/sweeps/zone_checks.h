@@ -12,7 +12,9 @@ public:
     ZoneChecks();  // finds the changes of the zone in force
 
     size_t Changes() const { return m_changes.size(); }
-    void FieldsMeanTheTimeThatHasThem() const;
+    // The run-time of Windows sets a skipped time back where ours moves it on: it is not asked for those.
+    enum class Library { OfWindows, Ours };
+    void FieldsMeanTheTimeThatHasThem(Library library = Library::OfWindows) const;
     void SeeksGetOnAndEnd() const;
     void DatesLandOnTheirDay() const;
 
