@@ -130,13 +130,14 @@ void ZoneChecks::FieldsMeanTheTimeThatHasThem(Library home) const {
         }
         return !testing::Test::HasFailure();
     };
-    Around(m_changes, [&](__int64 local, const Change& change) {
+    Around(m_kinds, [&](__int64 local, const Change& change) {
         for (const Side& side : {change.before, change.after})
             if (SideAt(local - side.offset) == side && !agree(local, side.daylight)) return false;
         return agree(local, -1);
     });
     for (size_t i = m_changes.size(); i-- > 0;)
-        if (!agree(m_changes[i].at + m_changes[i].after.offset, -1)) return;
+        for (const int offset : {m_changes[i].after.offset, (m_changes[i].before.offset + m_changes[i].after.offset) / 2})
+            if (!agree(m_changes[i].at + offset, -1)) return;
     for (__int64 day = First() + kDay; day < Last() - kDay; day += 37 * kDay + 5 * kHour)
         if (!agree(day, -1)) return;
 }
