@@ -1,4 +1,4 @@
-// Local calendar fields of times: ours beside the C library's.
+// Local calendar fields of times, and times of local fields: ours beside the C library's.
 // Workload: a million stamps, one a minute from 2015 with jitter ("increasing"), or anywhere from 1972 to 2034 ("random").
 #include <cstring>
 #include <ctime>
@@ -66,6 +66,39 @@ void ToLocalLibrary(benchmark::State& state, bool random) {
     bench::PerItem(state, static_cast<double>(stamps.size()));
 }
 
+const std::vector<tm>& LocalStamps(bool random) {
+    static const auto make = [](bool anywhere) {
+        std::vector<tm> fields;
+        for (const CVXTTime& stamp : Stamps(anywhere)) {
+            const time_t seconds = static_cast<time_t>(stamp.GetAnsiTime());
+            localtime_r(&seconds, &fields.emplace_back());
+            fields.back().tm_isdst = -1;
+        }
+        return fields;
+    };
+    static const std::vector<tm> increasing = make(false), scattered = make(true);
+    return random ? scattered : increasing;
+}
+
+template <class Convert>
+void FromLocal(benchmark::State& state, bool random, Convert convert) {
+    const auto& stamps = LocalStamps(random);
+    for (auto _ : state)
+        for (tm fields : stamps) {
+            auto seconds = convert(fields);
+            benchmark::DoNotOptimize(seconds);
+        }
+    bench::PerItem(state, static_cast<double>(stamps.size()));
+}
+void FromLocalOurs(benchmark::State& state, bool random) {
+    FromLocal(state, random, [](const tm& f) {
+        return CVXTTime(f.tm_year + 1900, f.tm_mon + 1, f.tm_mday, f.tm_hour, f.tm_min, f.tm_sec, -1).GetAnsiTime();
+    });
+}
+void FromLocalLibrary(benchmark::State& state, bool random) {
+    FromLocal(state, random, [](tm& fields) { return mktime(&fields); });
+}
+
 void Sum(benchmark::State& state) {
     const auto& stamps = Stamps(false);
     const CVXTTimeSpan step(90, TST_SECONDS);
@@ -81,6 +114,10 @@ BENCHMARK_CAPTURE(ToLocal, increasing, false)->Name("time/to_local/ours/increasi
 BENCHMARK_CAPTURE(ToLocalLibrary, increasing, false)->Name("time/to_local/localtime_r/increasing")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ToLocal, random, true)->Name("time/to_local/ours/random")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ToLocalLibrary, random, true)->Name("time/to_local/localtime_r/random")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FromLocalOurs, increasing, false)->Name("time/from_local/ours/increasing")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FromLocalLibrary, increasing, false)->Name("time/from_local/mktime/increasing")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FromLocalOurs, random, true)->Name("time/from_local/ours/random")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FromLocalLibrary, random, true)->Name("time/from_local/mktime/random")->Unit(benchmark::kMillisecond);
 BENCHMARK(Sum)->Name("time/add_span/ours")->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -33,11 +33,8 @@ double PowerOfTen(int exponent) {
 }
 
 int DecadeOf(double value) {
-    // From the power of two below the value, which is at most one decade too low.
-    constexpr double kLog10Of2 = 0.30102999566398119521;
-    int decade = static_cast<int>(std::floor(std::ilogb(value) * kLog10Of2));
-    while (value >= PowerOfTen(decade + 1)) ++decade;
-    return decade;
+    const int decade = static_cast<int>(std::floor(std::log10(value)));
+    return value >= PowerOfTen(decade + 1) ? decade + 1 : decade;
 }
 
 double AxisStep::Times(double count) const {

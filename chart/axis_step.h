@@ -9,8 +9,9 @@ namespace orvik {
 // 10 to a power, the nearest double; 0 below -324, infinite above 308.
 ORVIK_API double PowerOfTen(int exponent);
 
-// The power of ten that a value reaches: floor(log10(value)), exactly, so that a power of ten is its own decade. The value is
-// above 0 and finite.
+// The power of ten that a value reaches: floor(log10(value)), raised where the logarithm of a power of ten comes out too low, so
+// that it is its own decade. Never lowered: 0.3 - 0.1, halved, lies a hair below 0.1 and is meant as 0.1. The value is above 0
+// and finite.
 ORVIK_API int DecadeOf(double value);
 
 class ORVIK_API AxisStep {

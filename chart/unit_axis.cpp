@@ -128,8 +128,9 @@ void CUnitAxis::DeriveFormat() {
 
 void CUnitAxis::AutoScale(double lowest, double highest) {
     if (std::isnan(lowest) || std::isnan(highest)) return;
-    if (std::isinf(lowest)) lowest = std::copysign(kMost, lowest);
-    if (std::isinf(highest)) highest = std::copysign(kMost, highest);
+    // With both ends, or an end beyond what an infinite one is taken as would turn the axis round.
+    if (std::isinf(lowest) || std::isinf(highest))
+        lowest = std::clamp(lowest, -kMost, kMost), highest = std::clamp(highest, -kMost, kMost);
     const double d = std::max(kLeastSpan, std::max(std::fabs(lowest), std::fabs(highest)) * kEpsilon);
     const double span = std::fabs(highest - lowest);
     if (span >= d) {

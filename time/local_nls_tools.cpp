@@ -91,9 +91,13 @@ int CLocalNlsTools::StringToTime(const char* text, CVXTTime& time) {
     for (const CString* picture : {&TheLocaleCache().shortDate, &TheLocaleCache().longDate}) {
         const char* cursor = start;
         CalendarDate date;
-        CVXTTime read = time;
-        if (!ReadDatePicture(cursor, picture->GetView(), date) || !read.SetDate(date.year, date.month, date.day)) continue;
+        if (!ReadDatePicture(cursor, picture->GetView(), date)) continue;
         eatWhite(cursor);
+        CVXTTime read = time;
+        // With a time of day to come the date goes to noon, which no change of the clock skips: by the old time of day it could
+        // come out as the day after.
+        if (*cursor) read.SetTime(12, 0, 0, 0);
+        if (!read.SetDate(date.year, date.month, date.day)) continue;
         if (*cursor && !GetTime(cursor, read)) continue;
         time = read;
         return 1;

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <vector>
 
 #include "afx/exception.h"
+#include "platform/zone_rules.h"
 #include "time/time_point.h"
 
 namespace orvik::detail {
@@ -15,90 +15,37 @@ namespace {
 
 constexpr __int64 kDay = 86'400;
 constexpr __int64 kDaysTo1970 = 719'468;  // from 1 March of the year 0, where the leap day ends a year
-// Closer than any two transitions that a zone has had since 1972.
-constexpr __int64 kProbeStep = kDay / 2;
 
-// Seconds from 1970 to calendar fields, as if they were UTC.
-__int64 SecondsFromFields(const tm& fields) {
-    const __int64 year = fields.tm_year + 1900 - (fields.tm_mon < 2), marchMonth = (fields.tm_mon + 10) % 12;
-    const __int64 era = year / 400, ofEra = year % 400;
-    const __int64 ofYear = (153 * marchMonth + 2) / 5 + fields.tm_mday - 1;
-    const __int64 days = era * 146'097 + ofEra * 365 + ofEra / 4 - ofEra / 100 + ofYear - kDaysTo1970;
-    return days * kDay + fields.tm_hour * 3'600 + fields.tm_min * 60 + fields.tm_sec;
-}
-
-struct Rule {
-    int offset;    // seconds east of UTC
-    int daylight;  // the C library's flag
-    bool operator==(const Rule&) const = default;
-};
-
-// The time range in slices so short that few hold more than one transition: a look-up starts at its slice's first rule.
-constexpr int kSliceBits = 22;  // 48 days
-
-struct ZoneTable {
-    __int64 first = 0, last = 0;   // seconds
-    std::vector<__int64> starts;   // ascending; the last one is beyond every time
-    std::vector<Rule> rules;       // rules[i] holds from starts[i]
-    std::vector<uint16_t> slices;  // the rule at the start of each slice from `first`
-    bool operator==(const ZoneTable&) const = default;
-
-    const Rule& At(__int64 seconds) const {
-        size_t i = slices[static_cast<size_t>(std::clamp(seconds, first, last) - first) >> kSliceBits];
-        while (seconds >= starts[i + 1]) ++i;
-        return rules[i];
-    }
-};
-
-Rule Probe(__int64 seconds) {
+ZoneRule Probe(long long seconds) {
     tm fields{};
     const __time64_t t = seconds;
     if (_localtime64_s(&fields, &t) != 0) return {0, 0};
-    return {static_cast<int>(SecondsFromFields(fields) - seconds), fields.tm_isdst};
+    return {static_cast<int>(LocalSecondsOf(fields) - seconds), fields.tm_isdst};
 }
 
-std::unique_ptr<const ZoneTable> ProbeZone(__int64 first, __int64 last) {
-    auto table = std::make_unique<ZoneTable>();
-    Rule rule = Probe(first);
-    table->starts.push_back(INT64_MIN), table->rules.push_back(rule);
-    for (__int64 at = first; at < last;) {
-        const __int64 next = std::min(at + kProbeStep, last);
-        const Rule there = Probe(next);
-        while (rule != there) {
-            __int64 before = at, after = next;  // the rule changes in between
-            while (after - before > 1) {
-                const __int64 middle = before + (after - before) / 2;
-                (Probe(middle) == rule ? before : after) = middle;
-            }
-            at = after, rule = Probe(after);
-            table->starts.push_back(at), table->rules.push_back(rule);
-        }
-        at = next;
-    }
-    table->starts.push_back(INT64_MAX);
-    table->first = first, table->last = last;
-    uint16_t inForce = 0;
-    for (__int64 slice = first; slice <= last; slice += 1LL << kSliceBits) {
-        while (slice >= table->starts[inForce + 1u]) ++inForce;
-        table->slices.push_back(inForce);
-    }
-    return table;
-}
+static_assert(kAnyOffset == ZoneRules::kAnyOffset);
+
+__int64 First() { return CVXTTime::GetMinTime() / 1'000'000; }
+__int64 Last() { return CVXTTime::GetMaxTime() / 1'000'000; }
 
 // Tables are never changed once published, and all that were published are kept, since a reader may still hold one: one for each
 // zone that the program has been in.
 struct Zone {
-    std::atomic<const ZoneTable*> table = nullptr;
+    std::atomic<const ZoneRules*> table = nullptr;
     std::mutex lock;
-    std::vector<std::unique_ptr<const ZoneTable>> published;
+    std::vector<std::unique_ptr<const ZoneRules>> published;
 
-    const ZoneTable& Publish() {
-        auto fresh = ProbeZone(CVXTTime::GetMinTime() / 1'000'000, CVXTTime::GetMaxTime() / 1'000'000);
+    const ZoneRules& Rules() {
+        const ZoneRules* current = table.load(std::memory_order_acquire);
+        return current ? *current : Publish();
+    }
+    const ZoneRules& Publish() {
+        auto fresh = std::make_unique<const ZoneRules>(First(), Last(), Probe);
         const std::lock_guard guard(lock);
         auto known =
             std::find_if(published.begin(), published.end(), [&fresh](const auto& earlier) { return *earlier == *fresh; });
         if (known == published.end()) known = published.insert(known, std::move(fresh));
-        const ZoneTable* current = known->get();
+        const ZoneRules* current = known->get();
         table.store(current, std::memory_order_release);
         return *current;
     }
@@ -111,11 +58,7 @@ Zone& TheZone() {
 }  // namespace
 
 tm LocalFields(__int64 seconds) {
-    Zone& zone = TheZone();
-    const ZoneTable* table = zone.table.load(std::memory_order_acquire);
-    if (!table) [[unlikely]]
-        table = &zone.Publish();
-    const Rule& rule = table->At(seconds);
+    const ZoneRule& rule = TheZone().Rules().At(seconds);
 
     const __int64 local = seconds + rule.offset;
     __int64 days = local / kDay, rest = local % kDay;
@@ -140,6 +83,15 @@ tm LocalFields(__int64 seconds) {
     fields.tm_yday = static_cast<int>(early ? ofMarchYear - 306 : ofMarchYear + 59 + leap);
     fields.tm_isdst = rule.daylight;
     return fields;
+}
+
+int LocalOffset(__int64 seconds) { return TheZone().Rules().At(seconds).offset; }
+
+__int64 LocalSeconds(const tm& fields, int offset) {
+    const __int64 seconds = TheZone().Rules().FromLocal(LocalSecondsOf(fields), std::clamp(fields.tm_isdst, -1, 1), offset);
+    if (seconds >= First() && seconds <= Last()) return seconds;
+    tm copy = fields;  // of a time that the table knows nothing of
+    return _mktime64(&copy);
 }
 
 void RefreshLocalZone() { TheZone().Publish(); }

@@ -40,7 +40,7 @@ __int64 FromFields(int year, int month, int day, int hour, int minute, int secon
     tm fields{};
     fields.tm_year = LibraryYear(year), fields.tm_mon = LibraryMonth(month), fields.tm_mday = day;
     fields.tm_hour = hour, fields.tm_min = minute, fields.tm_sec = second, fields.tm_isdst = dst;
-    const __int64 seconds = _mktime64(&fields);
+    const __int64 seconds = LocalSeconds(fields);
     if (seconds == -1) AtlThrow(E_INVALIDARG);
     return seconds * kSecond;
 }
@@ -142,7 +142,13 @@ int CVXTTime::GetLocalTime(tm* fields) const {
 }
 
 int CVXTTime::SetLocalTime(tm* fields) {
-    const __int64 seconds = _mktime64(fields);
+    if (!SetFields(*fields, kAnyOffset)) return 0;
+    const __time64_t seconds = m_time / kSecond;
+    return _localtime64_s(fields, &seconds) == 0;
+}
+
+int CVXTTime::SetFields(const tm& fields, int offset) {
+    const __int64 seconds = LocalSeconds(fields, offset);
     if (seconds == -1) return 0;
     m_time = seconds * kSecond;
     return 1;
@@ -202,7 +208,7 @@ int CVXTTime::SetDate(int year, int month, int day) {
     GetLocalTime(&fields);
     fields.tm_year = LibraryYear(year), fields.tm_mon = LibraryMonth(month), fields.tm_mday = day;
     fields.tm_isdst = -1;
-    return SetLocalTime(&fields);
+    return SetFields(fields, kAnyOffset);
 }
 
 int CVXTTime::SetTime(int hour, int minute, int second, int millisecond) {
@@ -210,7 +216,7 @@ int CVXTTime::SetTime(int hour, int minute, int second, int millisecond) {
     GetLocalTime(&fields);
     fields.tm_hour = hour, fields.tm_min = minute, fields.tm_sec = second;
     fields.tm_isdst = -1;
-    if (!SetLocalTime(&fields)) return 0;
+    if (!SetFields(fields, kAnyOffset)) return 0;
     m_time += millisecond * kMillisecond;
     return 1;
 }
@@ -226,8 +232,12 @@ void CVXTTime::GetSystemTime(SYSTEMTIME* time) const {
 }
 
 int CVXTTime::SetSystemTime(const SYSTEMTIME* time) {
-    const int date = SetDate(time->wYear, time->wMonth, time->wDay);
-    return SetTime(time->wHour, time->wMinute, time->wSecond, time->wMilliseconds) && date;
+    // The date goes to noon, which no change of the clock skips: by the old time of day it could come out as the day after.
+    CVXTTime set = *this;
+    const int date = set.SetTime(12, 0, 0, 0) && set.SetDate(time->wYear, time->wMonth, time->wDay);
+    if (!set.SetTime(time->wHour, time->wMinute, time->wSecond, time->wMilliseconds)) return 0;
+    *this = set;
+    return date;
 }
 
 void CVXTTime::GetLocalFileTime(FILETIME* time) const {
@@ -261,6 +271,7 @@ void CVXTTime::SeekFloor(CVXTTimeType type) {
     }
     tm fields;
     GetLocalTime(&fields);
+    const int offset = LocalOffset(Clamped() / kSecond);
     switch (type) {
         case TT_YEAR:
             fields.tm_mon = 0, fields.tm_mday = 1, ToMidnight(fields);
@@ -280,7 +291,7 @@ void CVXTTime::SeekFloor(CVXTTimeType type) {
         default:
             break;
     }
-    if (!SetLocalTime(&fields) || type != TT_WEEK) return;
+    if (!SetFields(fields, offset) || type != TT_WEEK) return;
     while (Get(TT_WEEKDAY) != kMonday && m_time > GetMinTime()) {
         m_time -= 1;
         SeekFloor(TT_WEEKDAY);
@@ -309,6 +320,7 @@ void CVXTTime::SeekNext(CVXTTimeType type) {
     }
     tm fields;
     GetLocalTime(&fields);
+    const int offset = LocalOffset(Clamped() / kSecond);
     switch (type) {
         case TT_YEAR:
             ++fields.tm_year, fields.tm_mon = 0, fields.tm_mday = 1, ToMidnight(fields);
@@ -330,7 +342,7 @@ void CVXTTime::SeekNext(CVXTTimeType type) {
         default:
             break;
     }
-    SetLocalTime(&fields);
+    SetFields(fields, offset);
 }
 
 CString CVXTTime::Format() const {

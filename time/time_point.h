@@ -79,6 +79,8 @@ public:
     // week of the year before, 53 or 52 by this year's first weekday alone. Any other selector gives 0.
     int Get(CVXTTimeType type) const;
     // 1, or 0 with the value unchanged when the C library cannot represent the result. Fields are put right (31 April is 1 May).
+    // In the hour of autumn that comes twice the result is standard time; a time that the clock skips moves on by what is
+    // skipped, which may be into the next day, but never back.
     int SetDate(int year, int month, int day);  // keeps the local time of day, drops the part of a second
     int SetTime(int hour, int minute, int second, int millisecond);
 
@@ -91,8 +93,9 @@ public:
     void SetLocalFileTime(const FILETIME* time);  // a time that has no date leaves the value unchanged
 
     // To the start of the calendar unit that holds the value, or of the next one. Units from the hour down step on the epoch's
-    // grid. The daylight flag of the value is kept, literally. SeekNext by milliseconds and microseconds only drops the part of a
-    // second, on purpose; a value that the C library cannot represent stays unchanged.
+    // grid. The daylight flag of the value is kept, literally: midnight of the other half of the year is an hour beside, and one
+    // that the clock skips into summer is the evening before. SeekFloor never goes up, and SeekNext always does within the time
+    // range, whatever the clock does; but by milliseconds and microseconds it only drops the part of a second, on purpose.
     void SeekFloor(CVXTTimeType type);
     void SeekNext(CVXTTimeType type);
 
@@ -104,10 +107,11 @@ public:
 protected:
     explicit CVXTTime(__int64 count) : m_time(count) {}
     int GetLocalTime(tm* fields) const;  // 0, as _localtime64_s
-    int SetLocalTime(tm* fields);        // 1; 0 when the C library cannot represent the fields
+    int SetLocalTime(tm* fields);        // 1, with the fields put right; 0 when the C library cannot represent them
 
 private:
     __int64 Clamped() const;
+    int SetFields(const tm& fields, int offset);  // as LocalSeconds of local_zone.h
 
     __int64 m_time;
 };

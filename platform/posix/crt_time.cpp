@@ -1,10 +1,14 @@
 #include "platform/posix/crt_time.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
 
 #include "platform/posix/errors.h"
+#include "platform/zone_rules.h"
+
+using namespace orvik::detail;
 
 namespace {
 
@@ -63,6 +67,24 @@ long BiasNow() {
     return localtime_r(&now, &fields) ? fields.tm_gmtoff : 0;
 }
 
+ZoneRule RuleAt(long long seconds) {
+    const time_t asked = static_cast<time_t>(seconds);
+    tm fields{};
+    if (!localtime_r(&asked, &fields)) return {0, 0};
+    return {static_cast<int>(fields.tm_gmtoff), fields.tm_isdst};
+}
+
+// What the fields mean by the rules around them. The C library's own mktime takes what it was asked last for a first guess, and
+// in the hour that comes twice, or never, its answer is the one that lies nearest.
+long long FromLocal(long long local, int flag) {
+    constexpr long long kYear = 366 * 86'400;
+    for (const long long around : {ZoneRules::kFarthest, kYear}) {
+        const ZoneRules rules(local - around, local + around, RuleAt);
+        if (flag < 0 || rules.HasFlag(flag)) return rules.FromLocal(local, flag);
+    }
+    return ZoneRules(local - ZoneRules::kReach, local + ZoneRules::kReach, RuleAt).FromLocal(local, flag);
+}
+
 errno_t Refuse(tm* fields) {
     if (fields) {
         *fields = tm{};
@@ -112,14 +134,17 @@ __time64_t _mktime64(tm* fields) {
         return -1;
     }
     ReadZoneOnce();
-    tm copy = *fields;
-    const __time64_t seconds = mktime(&copy);
-    if (seconds < 0 || seconds > kLastSecond) {
-        errno = EINVAL;
-        return -1;
+    const long long local = LocalSecondsOf(*fields);
+    if (local >= -ZoneRules::kFarthest && local <= kLastSecond + ZoneRules::kFarthest) {
+        const __time64_t seconds = FromLocal(local, std::clamp(fields->tm_isdst, -1, 1));
+        tm right{};
+        if (_localtime64_s(&right, &seconds) == 0) {
+            *fields = right;
+            return seconds;
+        }
     }
-    *fields = copy;
-    return seconds;
+    errno = EINVAL;
+    return -1;
 }
 
 errno_t _localtime64_s(tm* fields, const __time64_t* timer) {

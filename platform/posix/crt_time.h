@@ -21,7 +21,9 @@ struct __timeb64 {
 ORVIK_API __time64_t _time64(__time64_t* timer);
 ORVIK_API errno_t _ftime64_s(__timeb64* now);
 // Local calendar fields to seconds, putting the fields right. -1, with the fields untouched, when the result would lie before
-// 1970 or after the year 3000.
+// 1970 or after the year 3000. The same fields always mean the same time, whatever was converted before: with the flag at -1
+// standard time in an hour that comes twice, and in one that is skipped the time moves on by what is skipped. A flag that the
+// fields' time does not have is taken at its word: an hour beside, as a rule (platform/zone_rules.h has it in full).
 ORVIK_API __time64_t _mktime64(tm* fields);
 // 0, or EINVAL for a null pointer and for a time before 1970 or after the year 3000; the fields are then all -1.
 ORVIK_API errno_t _localtime64_s(tm* fields, const __time64_t* timer);

@@ -20,70 +20,13 @@
 #include <mutex>
 #include <string_view>
 
+#include "platform/posix/locale_pictures_internal.h"
 #include "platform/posix/regional_text.h"
 
 namespace orvik::detail {
 namespace {
 
 using icu::UnicodeString;
-
-// A date or clock pattern as Windows spells it. ICU's weekday letters become d runs, its single y the four-digit year, its AM/PM
-// mark tt; spaces are plain. Two-digit years do not occur, since the patterns are made from skeletons with the full year.
-std::string WindowsPicture(const UnicodeString& pattern) {
-    std::string out;
-    bool quoted = false;
-    for (int32_t i = 0; i < pattern.length();) {
-        const char16_t c = pattern[i];
-        int32_t run = 1;
-        while (i + run < pattern.length() && pattern[i + run] == c) ++run;
-        if (quoted || c == u'\'') {
-            out += AnsiFromUnicode(UnicodeString(c));
-            if (c == u'\'') quoted = !quoted;
-            ++i;
-            continue;
-        }
-        const auto repeat = static_cast<size_t>(run);
-        switch (c) {
-            case u'E':
-            case u'c':
-                out.append(run >= 4 ? 4 : 3, 'd');
-                break;
-            case u'L':
-            case u'M':
-                out.append(std::min<size_t>(repeat, 4), 'M');
-                break;
-            case u'y':
-            case u'u':
-                out += "yyyy";
-                break;
-            case u'a':
-            case u'b':
-            case u'B':
-                out += "tt";
-                break;
-            case u'k':
-                out.append(repeat, 'H');
-                break;
-            case u'K':
-                out.append(repeat, 'h');
-                break;
-            case u'G':
-                out += "gg";
-                break;
-            case u'\u202F':
-            case u'\u00A0':
-                out.append(repeat, ' ');
-                break;
-            case u'\u200E':
-            case u'\u200F':
-                break;  // direction marks
-            default:
-                for (int32_t k = 0; k < run; ++k) out += AnsiFromUnicode(UnicodeString(c));
-        }
-        i += run;
-    }
-    return out;
-}
 
 // Windows numbers the places of a currency symbol 0 to 3 and the negative amounts 0 to 15, as its documentation lists them.
 void CurrencyOrders(const icu::Locale& locale, LocaleData& to) {
@@ -163,32 +106,50 @@ void Names(const icu::Locale& locale, LocaleData& to) {
     fill(symbols.getMonths(count, Symbols::STANDALONE, Symbols::ABBREVIATED), to.shortMonths, 0);
     fill(symbols.getMonths(count, Symbols::FORMAT, Symbols::WIDE), to.monthsInDates, 0);
     fill(symbols.getEras(count), to.eras, 0);
+    // Designators that cannot be said are those that most languages without own ones use.
+    to.morning = "AM", to.afternoon = "PM";
     const UnicodeString* marks = symbols.getAmPmStrings(count);
-    if (count >= 2) to.morning = AnsiFromUnicode(marks[0]), to.afternoon = AnsiFromUnicode(marks[1]);
+    to.ownDesignators = count >= 2 && CanBeSaid(marks[0]) && CanBeSaid(marks[1]) && marks[0] != marks[1];
+    if (to.ownDesignators) to.morning = AnsiFromUnicode(marks[0]), to.afternoon = AnsiFromUnicode(marks[1]);
 }
 
-void Pictures(const icu::Locale& locale, LocaleData& to) {
+// What the reader of times of day asks of designators: it moves on by the length of the other one, and keeps eight characters.
+bool AreReadable(const std::string& morning, const std::string& afternoon) {
+    constexpr size_t kMost = 8;
+    return !morning.empty() && morning.size() == afternoon.size() && morning.size() <= kMost;
+}
+
+// Of the Gregorian calendar, whose years and months are what is written.
+void Pictures(icu::Locale locale, LocaleData& to) {
     UErrorCode status = U_ZERO_ERROR;
+    locale.setKeywordValue("calendar", "gregorian", status);
     std::unique_ptr<icu::DateTimePatternGenerator> generator(icu::DateTimePatternGenerator::createInstance(locale, status));
-    if (U_SUCCESS(status)) to.shortDate = WindowsPicture(generator->getBestPattern(u"yMd", status));
+    if (U_SUCCESS(status)) to.shortDate = DatePicture(generator->getBestPattern(u"yMd", status), "-");
     const auto pattern = [](icu::DateFormat* made) {
         const std::unique_ptr<icu::DateFormat> format(made);
         UnicodeString text;
         if (const auto* simple = dynamic_cast<const icu::SimpleDateFormat*>(format.get())) simple->toPattern(text);
-        return WindowsPicture(text);
+        return text;
     };
-    to.longDate = pattern(icu::DateFormat::createDateInstance(icu::DateFormat::kFull, locale));
-    to.timePicture = pattern(icu::DateFormat::createTimeInstance(icu::DateFormat::kMedium, locale));
-    const size_t mark = to.timePicture.find('t');
-    to.timeMarkPosition = mark != std::string::npos && mark < to.timePicture.find_first_of("hH") ? "1" : "0";
+    to.longDate = DatePicture(pattern(icu::DateFormat::createDateInstance(icu::DateFormat::kFull, locale)), " ");
+    to.timePicture = ClockPicture(pattern(icu::DateFormat::createTimeInstance(icu::DateFormat::kMedium, locale)),
+                                  to.ownDesignators && AreReadable(to.morning, to.afternoon));
 }
 
-void Numbers(const icu::Locale& locale, LocaleData& to) {
+// The first character of a separator is what readers look at: one of several characters, or one that cannot be said, is replaced.
+std::string Separator(const UnicodeString& text, const char* otherwise) {
+    return text.length() == 1 && CanBeSaid(text) ? AnsiFromUnicode(text) : otherwise;
+}
+
+// Of Latin digits, which are those that are written.
+void Numbers(icu::Locale locale, LocaleData& to) {
     UErrorCode status = U_ZERO_ERROR;
+    locale.setKeywordValue("numbers", "latn", status);
     const icu::DecimalFormatSymbols symbols(locale, status);
     using Symbols = icu::DecimalFormatSymbols;
-    to.decimal = AnsiFromUnicode(symbols.getSymbol(Symbols::kDecimalSeparatorSymbol));
-    to.thousand = AnsiFromUnicode(symbols.getSymbol(Symbols::kGroupingSeparatorSymbol));
+    to.decimal = Separator(symbols.getSymbol(Symbols::kDecimalSeparatorSymbol), ".");
+    to.thousand = Separator(symbols.getSymbol(Symbols::kGroupingSeparatorSymbol), to.decimal == "," ? "." : ",");
+    if (to.thousand == to.decimal) to.thousand = to.decimal == "," ? "." : ",";
     to.currency = AnsiFromUnicode(symbols.getSymbol(Symbols::kCurrencySymbol));
     // Windows separates list items by a semicolon where the comma is the decimal separator.
     to.list = to.decimal == "," ? ";" : ",";
@@ -265,47 +226,6 @@ const LocaleData* LocaleById(LCID lcid) {
     const int32_t length = uloc_getLocaleForLCID(lcid, name, sizeof name, &status);
     if (U_FAILURE(status) || length <= 0 || length >= static_cast<int32_t>(sizeof name)) return nullptr;
     return &LocaleByName(name);
-}
-
-namespace {
-// Start and end of the text between the first two runs of field letters; npos for a picture with fewer fields.
-std::pair<size_t, size_t> SeparatorAfter(const std::string& picture, const char* letters, size_t from) {
-    const size_t first = picture.find_first_of(letters, from);
-    const size_t start = first == std::string::npos ? first : picture.find_first_not_of(picture[first], first);
-    const size_t end = start == std::string::npos ? start : picture.find_first_of(letters, start);
-    return {start, end};
-}
-}  // namespace
-
-std::string PictureSeparator(const std::string& picture, const char* letters) {
-    const auto [start, end] = SeparatorAfter(picture, letters, 0);
-    return end == std::string::npos ? std::string() : picture.substr(start, end - start);
-}
-
-std::string ReplacePictureSeparator(const std::string& picture, const char* letters, const std::string& separator) {
-    const std::string old = PictureSeparator(picture, letters);
-    if (old.empty()) return picture;
-    std::string out = picture;
-    for (size_t from = 0;;) {
-        const auto [start, end] = SeparatorAfter(out, letters, from);
-        if (end == std::string::npos) return out;
-        const bool same = out.compare(start, end - start, old) == 0;
-        if (same) out.replace(start, end - start, separator);
-        from = same ? start + separator.size() : end;
-    }
-}
-
-char FirstPictureLetter(const std::string& picture, const char* letters) {
-    const size_t at = picture.find_first_of(letters);
-    return at == std::string::npos ? '\0' : picture[at];
-}
-
-int PictureRun(const std::string& picture, const char* letters) {
-    const size_t at = picture.find_first_of(letters);
-    if (at == std::string::npos) return 0;
-    size_t end = at;
-    while (end < picture.size() && picture[end] == picture[at]) ++end;
-    return static_cast<int>(end - at);
 }
 
 }  // namespace orvik::detail

@@ -1,4 +1,5 @@
 // One locale's settings, spelled as Windows spells them: what ICU knows, put into pictures, groupings and order numbers.
+// Whatever the language, numbers, short dates and times of day can be said in Windows-1252 and read back as they are written.
 // Immutable once made.
 #pragma once
 
@@ -15,7 +16,8 @@ struct LocaleData {
     std::string languageName, countryName, fullName;  // English: "Swedish", "Sweden", "Swedish (Sweden)"
     std::string decimal, thousand, grouping, list;
     std::string currency, currencyDigits, currencyOrder, negativeCurrency;
-    std::string timePicture, morning, afternoon, timeMarkPosition;
+    std::string timePicture, morning, afternoon;
+    bool ownDesignators;  // not those put in place of designators that cannot be said
     std::string shortDate, longDate;
     std::string countryCode, measure;
     std::array<std::string, 7> days, shortDays;  // from Monday
@@ -27,11 +29,5 @@ struct LocaleData {
 const LocaleData& LocaleByName(const char* name);
 // The settings of a Windows locale id, null if there is none.
 const LocaleData* LocaleById(LCID lcid);
-
-// What a picture implies: the text between its first two fields, and whether a letter stands in it outside quotes.
-std::string PictureSeparator(const std::string& picture, const char* letters);
-std::string ReplacePictureSeparator(const std::string& picture, const char* letters, const std::string& separator);
-char FirstPictureLetter(const std::string& picture, const char* letters);
-int PictureRun(const std::string& picture, const char* letters);  // length of the first run of any of the letters
 
 }  // namespace orvik::detail

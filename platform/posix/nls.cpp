@@ -12,6 +12,7 @@
 #include "platform/posix/crt_time.h"
 #include "platform/posix/errors.h"
 #include "platform/posix/locale_data_internal.h"
+#include "platform/posix/locale_pictures_internal.h"
 
 using namespace orvik::detail;
 
@@ -139,13 +140,13 @@ std::optional<std::string> Value(const UserSettings& s, LCTYPE item) {
             return s.clock->morning;
         case LOCALE_S2359:
             return s.clock->afternoon;
-        case LOCALE_ITIMEMARKPOSN:
-            return s.clock->timeMarkPosition;
         // These follow the pictures, also when the pictures were changed.
         case LOCALE_STIME:
             return PictureSeparator(*Value(s, LOCALE_STIMEFORMAT), kClockLetters);
         case LOCALE_ITIME:
             return flag(FirstPictureLetter(*Value(s, LOCALE_STIMEFORMAT), "hH") == 'H');
+        case LOCALE_ITIMEMARKPOSN:
+            return flag(FirstPictureLetter(*Value(s, LOCALE_STIMEFORMAT), "hHt") == 't');
         case LOCALE_ITLZERO:
             return flag(PictureRun(*Value(s, LOCALE_STIMEFORMAT), "hH") > 1);
         case LOCALE_SDATE:
@@ -389,8 +390,11 @@ BOOL SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text) {
             break;
         case LOCALE_ITIME: {
             std::string picture = *Value(s, LOCALE_STIMEFORMAT);
-            for (char& c : picture)
-                if (c == 'h' || c == 'H') c = *text == '1' ? 'H' : 'h';
+            bool quoted = false;
+            for (char& c : picture) {
+                if (c == '\'') quoted = !quoted;
+                if (!quoted && (c == 'h' || c == 'H')) c = *text == '1' ? 'H' : 'h';
+            }
             s.changed[LOCALE_STIMEFORMAT] = picture;
             break;
         }

@@ -10,4 +10,6 @@ namespace orvik::detail {
 // Characters that Windows-1252 lacks become "?"; the narrow no-break space of modern locale data becomes the no-break space 0xA0,
 // and the mathematical minus the hyphen, as regional settings on Windows have them.
 std::string AnsiFromUnicode(const icu::UnicodeString& text);
+// Whether none of them becomes "?" there.
+bool CanBeSaid(const icu::UnicodeString& text);
 }  // namespace orvik::detail

@@ -109,7 +109,7 @@ TEST_F(UnitAxis, DerivesItsFormatFromTheRange) {
         {0, 999999, "#######"},        {999990, 999999, "#######.#"},
         {-1e6, -1e6 + 1, "@@@@@@@@@"}, {0, 0.0009, "@@"},
         {100, 0, "#######"},           {0, 0.002, "#######.####"},
-        {-0.0005, 0.0005, "@@"},
+        {-0.0005, 0.0005, "@@"},       {0.1, 0.3, "#######.##"},
     };
     for (const auto& c : cases) EXPECT_EQ(Format(c.origin, c.extent), c.format) << c.origin << " to " << c.extent;
     const std::string before = Format(-5, 0);
@@ -133,6 +133,8 @@ TEST_F(UnitAxis, ScalesToData) {
         axis.AutoScale(0, bad);
         EXPECT_EQ(axis.GetExtent(), bad > 0 ? kMax : -kMax);
     }
+    axis.AutoScale(1e300, kInfinity);
+    EXPECT_GT(axis.GetExtent(), axis.GetOrigin());
     axis.AutoScale(1, 2);
     axis.AutoScale(NAN, 5);
     Expect(0.98, 2.02);

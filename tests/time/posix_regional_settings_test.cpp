@@ -180,6 +180,37 @@ TEST_F(Environment, CountriesAsWindowsSpellsThem) {
     }
 }
 
+// Languages whose own separators, designators or pictures Windows-1252 or the readers cannot say.
+TEST_F(Environment, OtherLanguagesAreSaidWithWhatThereIs) {
+    const LCTYPE items[] = {LOCALE_SDECIMAL, LOCALE_STHOUSAND, LOCALE_SSHORTDATE, LOCALE_STIMEFORMAT, LOCALE_S1159, LOCALE_STIME};
+    const struct {
+        const char *name, *values[6];
+    } languages[] = {{"ar_EG", {".", ",", "d/M/yyyy", "H:mm:ss", "AM", ":"}},
+                     {"fa_IR", {".", ",", "yyyy/M/d", "H:mm:ss", "AM", ":"}},  // not of its own calendar
+                     {"el_GR", {",", ".", "d/M/yyyy", "H:mm:ss", "AM", ":"}},
+                     {"ko_KR", {".", ",", "yyyy. M. d.", "H:mm:ss", "AM", ":"}},  // its designator comes first
+                     {"ms_MY", {".", ",", "d/M/yyyy", "H:mm:ss", "PG", ":"}},     // of other length than "PTG"
+                     {"bg_BG", {",", "\xA0", "d.MM.yyyy", "H:mm:ss", "AM", ":"}},
+                     {"zh_SG", {".", ",", "yyyy-M-d", "H:mm:ss", "AM", ":"}},
+                     {"fr_CA", {",", "\xA0", "yyyy-MM-dd", "HH:mm:ss", "a.m.", ":"}},
+                     {"es_CO", {",", ".", "d/M/yyyy", "h:mm:ss tt", "a.\xA0m.", ":"}}};
+    for (const auto& language : languages) {
+        Use("LC_ALL", language.name);
+        for (size_t i = 0; i < std::size(items); ++i)
+            EXPECT_EQ(Item(items[i]), language.values[i]) << language.name << " item " << items[i];
+    }
+    Use("LC_ALL", "ca_ES");
+    EXPECT_EQ(Item(LOCALE_SLONGDATE), "dddd, d MMMM 'de' yyyy");
+    Use("LC_ALL", "lo_LA");
+    EXPECT_EQ(Item(LOCALE_SLONGDATE), "dddd d MMMM yyyy");  // its era left out, and a word that cannot be said
+    EXPECT_TRUE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_STIMEFORMAT, "'h' hh 'h' mm 'h' ss"));
+    EXPECT_EQ(Item(LOCALE_STIME), " h ");
+    EXPECT_EQ(Item(LOCALE_ITLZERO), "1");
+    EXPECT_TRUE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_ITIME, "1"));
+    EXPECT_TRUE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_STIME, "."));
+    EXPECT_EQ(Item(LOCALE_STIMEFORMAT), "'h' HH.mm.ss");
+}
+
 TEST_F(Environment, CategoriesAndTheirOrder) {
     Use("LANG", "sv_SE.UTF-8");
     EXPECT_EQ(GetUserDefaultLCID(), 0x41Du);
