@@ -1,4 +1,4 @@
-// What moves of a rubber drag come to. Worked out by hand from the rules, mostly for an axis from pixel 100 (origin) to 300.
+// What moves of a rubber drag come to, worked out by hand, mostly for an axis from pixel 100 (origin) to 300.
 #include "chart/rubber_step_internal.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The modal loop: what a script of messages makes of a drag, hook by hook. Expected logs are worked out by hand from the rules.
+// The modal loop: what a script of messages makes of a drag, hook by hook. Expected logs are worked out by hand.
 #include "chart/tracker.h"
 
 #include <stdexcept>

@@ -37,18 +37,6 @@ protected:
 
 }  // namespace
 
-TEST_F(UnitAxis, BeginsAsSpecified) {
-    Expect(0, 100);
-    EXPECT_STREQ(axis.GetUnit(), "?");
-    EXPECT_EQ(axis.GetFormat().GetLength(), 9);
-    EXPECT_EQ(axis.GetOrientation(), CAxis::AX_HORIZONTAL);
-    EXPECT_EQ(CUnitAxis(0).GetOrientation(), CAxis::AX_VERTICAL);
-    EXPECT_EQ(axis.GetDivisions(), 10);
-    EXPECT_EQ(axis.GetTotalDivisions(), 50);
-    EXPECT_FALSE(axis.IsValid());
-    EXPECT_EQ(axis.HitTest(CPoint(0, 0)), CAxis::HIT_NONE);
-}
-
 TEST_F(UnitAxis, WidensARangeThatIsTooNarrow) {
     const double d5 = 5 * kEps;
     axis.SetRange(5, 10);
@@ -172,30 +160,6 @@ TEST_F(UnitAxis, KnowsWhetherItWasZoomed) {
     EXPECT_EQ(value, 62.5);
     EXPECT_TRUE(vertical.Value2Coord(1e300, coordinate));
     EXPECT_EQ(coordinate, 100 - 268435456);
-}
-
-TEST_F(UnitAxis, IsSharedByReferenceCount) {
-    struct Counted : CUnitAxis {
-        explicit Counted(int& deleted) : CUnitAxis(1), m_deleted(deleted) {}
-        ~Counted() override { ++m_deleted; }
-        int& m_deleted;
-    };
-    int deleted = 0;
-    auto* const shared = new Counted(deleted);
-    CRefCount* const asCount = shared;
-    EXPECT_EQ(asCount->AddRef(), 1u);
-    EXPECT_FALSE(shared->IsVisible());
-    EXPECT_EQ(shared->AddRef(), 2u);
-    EXPECT_TRUE(shared->IsVisible());
-    {
-        Counted copy(*shared);  // with its count
-        EXPECT_TRUE(copy.IsVisible());
-        EXPECT_EQ(asCount->Release(), 1u);
-        EXPECT_TRUE(copy.IsVisible());
-    }
-    deleted = 0;
-    EXPECT_EQ(shared->Release(), 0u);
-    EXPECT_EQ(deleted, 1);
 }
 
 TEST_F(UnitAxis, ItsRectanglesAreHitInTheirOrder) {

@@ -79,12 +79,4 @@ TEST(CommException, ATextThatIsGivenIsTheText) {
         EXPECT_EQ(text, caught.text);
     }
 }
-
-TEST(CommException, HasItsRunTimeClassAndNoMessageOfItsOwn) {
-    CCommException failure(8, "x");
-    EXPECT_STREQ("CCommException", failure.GetRuntimeClass()->m_lpszClassName);
-    EXPECT_TRUE(failure.IsKindOf(RUNTIME_CLASS(CException)));
-    char text[16] = "before";
-    EXPECT_FALSE(failure.GetErrorMessage(text, sizeof(text)));
-}
 }  // namespace

@@ -47,12 +47,4 @@ TEST(Layout, MembersStandInTheirOrder) {
     const List members = Connection::Members(connection);
     EXPECT_TRUE(std::is_sorted(members.begin(), members.end()));
 }
-
-TEST(Layout, SizesAreThoseOfTheirMembers) {
-    EXPECT_EQ(sizeof(CSerial), kWord == 8 ? 40u : 24u);
-    EXPECT_EQ(sizeof(CSerialEx), kWord == 8 ? 64u : 36u);
-    EXPECT_EQ(sizeof(CSerialWnd), kWord == 8 ? 88u : 48u);
-    EXPECT_EQ(sizeof(CSerialDevice), 2 * sizeof(CString));
-    EXPECT_EQ(sizeof(COrvikConnection::StateChangedDelegate), 2 * sizeof(void*));
-}
 }  // namespace

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/win32.h"
+#include "tests/support/time_limit.h"
 
 class Mailbox {
 public:
@@ -28,6 +29,7 @@ public:
 
     // The next message, waiting for it up to `milliseconds`; none if nothing came.
     std::optional<MSG> Next(DWORD milliseconds = 5000) {
+        const Awaiting post("a message to be posted to the window");
         MSG message{};
         const DWORD start = ::GetTickCount();
         for (;;) {

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "platform/win32.h"
+#include "tests/support/time_limit.h"
 
 // Handles messages until `done()` holds; false if it does not within five seconds.
 template <class Done>
 bool PumpUntil(Done done) {
+    const Awaiting handled("messages of the main thread to be handled");
     const DWORD start = ::GetTickCount();
     for (;;) {
         MSG message{};

@@ -7,6 +7,7 @@
 
 #include "comm/serial.h"
 #include "tests/support/ports/serial_peer.h"
+#include "tests/support/time_limit.h"
 
 // Opens what CSerial keeps to itself and its heirs.
 class OpenSerial : public CSerial {
@@ -26,12 +27,14 @@ protected:
 
     // Waits until bytes have come in, through the port's own event.
     void AwaitArrival() {
+        const Awaiting arrival("bytes to arrive at the port");
         ASSERT_EQ(0, port.WaitEvent(nullptr, kSoon));
         ASSERT_EQ(CSerial::EventReceived, port.GetEventType() & CSerial::EventReceived);
     }
 
     // One read of at most `count` bytes.
     std::string Read(size_t count, DWORD timeout = kSoon) {
+        const Awaiting end("a read of the port to end");
         std::string bytes(count, '?');
         DWORD got = 99;
         EXPECT_EQ(0, port.Read(bytes.data(), count, &got, nullptr, port.m_hevtOverlapped ? timeout : INFINITE));
@@ -52,6 +55,7 @@ protected:
         return timeouts;
     }
 
+    const Awaiting m_call{"a call of the port to end"};
     SerialPeer peer;
     OpenSerial port;
 };

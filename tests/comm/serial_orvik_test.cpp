@@ -94,6 +94,7 @@ protected:
     }
 
     using Text = std::vector<std::string>;
+    const Awaiting m_call{"a call of the port, or its listener, to end"};
     Host host;
     SerialPeer peer;
     Connection connection;

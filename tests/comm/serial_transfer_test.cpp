@@ -166,14 +166,6 @@ TEST_F(CallersOverlapped, OneThreadWaitsForEventsWhileItReadsAndWrites) {
     EXPECT_EQ("answer", Read(6));
 }
 
-TEST_F(SerialTest, EventTypeIsToldOnce) {
-    Open();
-    peer.Send("1");
-    EXPECT_EQ(0, port.WaitEvent(nullptr, kSoon));
-    EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
-    EXPECT_EQ(CSerial::EventNone, port.GetEventType());
-}
-
 TEST_F(SerialTest, EventTypeIsCutToTheMask) {
     Open();
     port.m_eEvent = static_cast<CSerial::EEvent>(CSerial::EventReceived | CSerial::EventCts);
@@ -228,19 +220,6 @@ TEST_F(SerialTest, PurgeEmptiesTheQueue) {
     EXPECT_EQ(0, port.Purge());
     peer.Send("new");
     EXPECT_EQ("new", Read(3));
-}
-
-TEST_F(SerialTest, LongTransfersArriveWhole) {
-    Open();
-    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-    std::string sent;
-    for (int i = 0; i < 3000; ++i) sent += static_cast<char>(i * 7);
-    DWORD written = 0;
-    EXPECT_EQ(0, port.Write(sent.data(), sent.size(), &written, nullptr, kSoon));
-    EXPECT_EQ(3000u, written);
-    EXPECT_EQ(sent, peer.Receive(3000));
-    peer.Send(sent);
-    EXPECT_EQ(sent, Read(3000));
 }
 
 TEST_F(SerialTest, SentIsAnEvent) {

@@ -66,37 +66,6 @@ TEST(NumericArrays, RawLittleEndianElements) {
     EXPECT_EQ(Stored(floats), (std::vector<unsigned char>{1, 0, 0, 0, 0x80, 0x3F}));
 }
 
-TEST(NumericArrays, EmptyAndLarge) {
-    CFloatArray empty;
-    EXPECT_EQ(Stored(empty), (std::vector<unsigned char>{0, 0}));
-    empty.Add(1);
-    EXPECT_EQ(Load(empty, {0, 0}), 0);
-    EXPECT_TRUE(empty.IsEmpty());
-
-    CInt32Array large;
-    large.SetSize(70'000);
-    large[69'999] = -5;
-    const auto bytes = Stored(large);
-    ASSERT_EQ(bytes.size(), 6u + 280'000u);
-    EXPECT_EQ((std::vector<unsigned char>(bytes.begin(), bytes.begin() + 6)),
-              (std::vector<unsigned char>{0xFF, 0xFF, 0x70, 0x11, 1, 0}));
-    CInt32Array back;
-    EXPECT_EQ(Load(back, bytes), 0);
-    ASSERT_EQ(back.GetSize(), 70'000);
-    EXPECT_EQ(back[69'999], -5);
-}
-
-TEST(NumericArrays, EndOfFileIsTheArchiveException) {
-    CDoubleArray doubles;
-    EXPECT_EQ(Load(doubles, {3, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F, 9}), CArchiveException::endOfFile);
-    ASSERT_EQ(doubles.GetSize(), 3);  // the announced count, with what could be read
-    EXPECT_EQ(doubles[0], 1.0);
-    CInt32Array ints;
-    EXPECT_EQ(Load(ints, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 1, 2, 3, 4}),
-              CArchiveException::endOfFile);  // two thousand million announced
-    EXPECT_EQ(Load(ints, {1}), CArchiveException::endOfFile);
-}
-
 TEST(NumericArrays, MadeByName) {
     for (const char* name : {"CFloatArray", "CDoubleArray", "CInt32Array", "CInt64Array"}) {
         const std::unique_ptr<CObject> made(CRuntimeClass::CreateObject(name));

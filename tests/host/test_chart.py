@@ -19,6 +19,7 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 
 from session_writer import context, write_session
+from time_limit import limit
 
 options = None
 GOLDEN = pathlib.Path(__file__).resolve().parent.parent / "chart" / "golden"
@@ -33,6 +34,7 @@ def utc(*fields):
 
 class ChartTest(unittest.TestCase):
     def setUp(self):
+        limit(self)
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="orvik-chart-"))
         self.addCleanup(shutil.rmtree, self.folder)
 

@@ -2,6 +2,7 @@
 import argparse
 import csv
 import fcntl
+import functools
 import io
 import json
 import os
@@ -11,7 +12,6 @@ import re
 import resource
 import shutil
 import signal
-import struct
 import subprocess
 import sys
 import tempfile
@@ -21,6 +21,7 @@ import xml.etree.ElementTree as ElementTree
 
 import simulated_line
 from simulated_line import SimulatedLine
+from time_limit import limit
 
 options = None
 
@@ -36,8 +37,21 @@ class Result:
         self.sentences = [line for line in self.err.splitlines() if line.startswith("orvikhost:")]
 
 
+def native(reason):
+    """A test of what Wine has not, or has otherwise."""
+    def only(test):
+        @functools.wraps(test)
+        def run(self):
+            if options.wine:
+                self.skipTest(reason)
+            test(self)
+        return run
+    return only
+
+
 class HostTest(unittest.TestCase):
     def setUp(self):
+        limit(self)
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="orvik-host-"))
         self.addCleanup(shutil.rmtree, self.folder)
 
@@ -94,9 +108,8 @@ class WrongUse(HostTest):
         if options.wine:  # elsewhere arguments are UTF-8 and lose nothing
             self.assertIn("code page", self.refused(1, "show", "\u4e2d.odb"))
 
+    @native("Windows has no device that is always full")
     def test_output_that_cannot_be_written_is_no_success(self):
-        if options.wine:
-            return  # Windows has no device that is always full
         with open("/dev/full", "w") as full:
             done = subprocess.run(self.command("--help"), env=self.environment(), stdout=full, stderr=subprocess.PIPE, encoding="utf-8")
         self.assertEqual(done.returncode, 3, done.stderr)
@@ -141,9 +154,8 @@ class Download(HostTest):
         answers = [match.group(1).split() for match in got if match and match.group(1)]
         self.assertEqual([len(answer) for answer in answers], [5] + [21] * 4)
 
+    @native("Wine's consoles are no terminals")
     def test_a_terminal_sees_the_progress_and_loses_it_again(self):
-        if options.wine:
-            return  # its consoles are no terminals here
         port = self.simulate()
         terminal, far = pty.openpty()
         words = ["download", "--port", port, "--out", "session.odb", "--count", 3, "--interval", 150]
@@ -200,9 +212,8 @@ class Download(HostTest):
         self.assertIn(f"{ANSWERS_BEFORE_UNPLUG - 1} readings", result.sentences[-1])
         self.assertEqual(len(self.readings("s.odb")), 1 + ANSWERS_BEFORE_UNPLUG - 1 + 1, "and the row that marks the hole")
 
+    @native("a link in a folder is no port's name on Windows")
     def test_a_plug_that_comes_back(self):
-        if options.wine:
-            return  # a link in a folder is no port's name there
         link = self.folder / "line"
         self.simulate("--fault", "unplug", "--link", link)
         process = subprocess.Popen(self.command("download", "--port", link, "--out", "s.rec", "--for", "5 s", "--interval", 100), cwd=self.folder,
@@ -215,9 +226,8 @@ class Download(HostTest):
         self.assertIn("there again", said)
         self.assertGreater(len(self.readings("s.rec")), 20)
 
+    @native("a file that is open keeps its name on Windows until it is closed")
     def test_a_recording_that_is_taken_away_is_told(self):
-        if options.wine:
-            return  # a file that is open keeps its name there until it is closed
         process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", "s.rec", "--for", "6 s", "--interval", 100), cwd=self.folder,
                                    env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8")
         time.sleep(1.5)
@@ -230,9 +240,8 @@ class Download(HostTest):
         self.assertGreater(len(self.readings("taken.rec")), 5)
         self.assertEqual(self.host("show", "s.rec").code, 3)
 
+    @native("killing Wine's loader says nothing of the program")
     def test_a_killed_download_is_found(self):
-        if options.wine:
-            return  # killing Wine's loader says nothing of the program
         def killed(name, *words):
             process = subprocess.Popen(self.command("download", "--port", port, "--out", name, "--count", 1000, "--interval", 20, *words),
                                        cwd=self.folder, env=self.environment(), stderr=subprocess.DEVNULL)
@@ -293,9 +302,8 @@ class Download(HostTest):
             self.assertRegex(name, r"^r-\d{8}T\d{6}Z\.odb$")
         self.assertEqual(sum(len(self.readings(name)) - 1 for name in files), 12)
 
+    @native("Wine has no limits on files")
     def test_a_full_disk_is_told_and_keeps_what_was_recorded(self):
-        if options.wine:
-            return  # it has no limits on files
         process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", "s.rec", "--count", 60, "--interval", 20), cwd=self.folder,
                                    env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8", restore_signals=False,
                                    preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (4000, 4000)))
@@ -327,9 +335,8 @@ class Download(HostTest):
             fcntl.flock(holder, fcntl.LOCK_EX)
             self.assertIn("in use", self.refused(2, "download", "--port", port, "--out", "s.odb"))
 
+    @native("a path of a file is no port's name on Windows")
     def test_what_is_no_port(self):
-        if options.wine:
-            return  # a path of a file is no port's name there
         plain = self.folder / "plain"
         plain.write_text("a file")
         for name in (plain, self.folder, "/dev/null"):
@@ -386,9 +393,8 @@ class Download(HostTest):
         self.assertIn("rScal", self.refused(1, "download", "--port", port, "--logger", "logger.xml", "--out", "s.odb"))
         self.assertFalse((self.folder / "s.odb").exists())
 
+    @native("a signal ends Wine's process from outside; the console's Ctrl+C is what reaches the handler")
     def test_stopping_keeps_what_came_before(self):
-        if options.wine:
-            return  # a signal ends Wine's process from outside; the console's Ctrl+C is what reaches the handler there
         for wish in (signal.SIGINT, signal.SIGTERM):
             name = f"{wish.name}.odb"
             process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", name, "--count", 1000, "--interval", 20),
@@ -399,9 +405,8 @@ class Download(HostTest):
             self.assertIn(process.returncode, (0, 2), said)  # 2 where this machine was too busy for all of them
             self.assertGreater(len(self.readings(name)), 2)
 
+    @native("a signal ends Wine's process from outside")
     def test_asking_again_does_not_interrupt_the_saving(self):
-        if options.wine:
-            return  # as above
         process = subprocess.Popen(self.command("download", "--port", self.simulate(), "--out", "s.odb", "--count", 100000, "--interval", 0),
                                    cwd=self.folder, env=self.environment(), stderr=subprocess.PIPE, encoding="utf-8")
         time.sleep(1)
@@ -413,9 +418,8 @@ class Download(HostTest):
         self.assertGreater(len(self.readings("s.odb")), 2)
         self.assertEqual([path.name for path in self.folder.iterdir()], ["s.odb"])
 
+    @native("a signal ends Wine's process from outside")
     def test_a_download_outlives_its_terminal_when_told_to(self):
-        if options.wine:
-            return  # as above
         process = subprocess.Popen(["nohup", *self.command("download", "--port", self.simulate(), "--out", "s.odb", "--count", 30, "--interval", 100)],
                                    cwd=self.folder, env=self.environment(), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         time.sleep(1)
@@ -423,9 +427,8 @@ class Download(HostTest):
         self.assertIn(process.wait(timeout=20), (0, 2))  # 2 where this machine was too busy for all of them
         self.assertGreater(len(self.readings("s.odb")), 20)
 
+    @native("Wine opens the streams again by itself")
     def test_closed_streams_leave_the_files_alone(self):
-        if options.wine:
-            return  # Wine opens the streams again by itself
         port = self.simulate()
         call = self.command("download", "--port", port, "--out", "s.odb", "--count", 3, "--interval", 150, "--trace", "t.txt", "--hex")
         script = 'exec "$@" <&- >&- 2>&-'
@@ -433,39 +436,6 @@ class Download(HostTest):
         self.assertEqual(done.returncode, 0)
         self.assertNotIn("saved", (self.folder / "t.txt").read_text(encoding="cp1252"))
         self.assertEqual(len(self.readings("s.odb")), 4)
-
-
-class Peer(HostTest):
-    """A logger that is not ours: libmodbus on the far end of the line."""
-
-    def test_every_type_and_order_reaches_the_archive_to_the_last_bit(self):
-        if not options.server:
-            return  # a native program; the plug-in is the same source on Windows
-        real = -1234.5678901
-        high, low = struct.unpack(">HH", struct.pack(">f", real))
-        real = struct.unpack(">f", struct.pack(">f", real))[0]
-        holding = [0x8001, 0x1234, 0x5678, 0xFFFF, 0xFFFE, high, low, low, high]
-        channels = [("int16", "high", 0, -32767), ("uint16", "high", 0, 32769), ("uint32", "high", 1, 0x12345678), ("uint32", "low", 1, 0x56781234),
-                    ("int32", "high", 3, -2), ("int32", "low", 3, -65537), ("float32", "high", 5, real), ("float32", "low", 7, real)]
-        server = subprocess.Popen([options.server, "9", ",".join(map(str, holding)), "60000,1"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                  encoding="utf-8")
-        self.addCleanup(server.communicate)
-        port = server.stdout.readline().strip()
-        pairs = [("sFamily", "str", "Modbus"), ("nSlave", "u16", 9), ("Channels.9.nRegister", "u16", 0), ("Channels.9.nFunction", "u16", 4),
-                 ("Channels.9.sType", "str", "uint16")]
-        for index, (kind, order, number, _) in enumerate(channels):
-            at = f"Channels.{index}."
-            pairs += [(at + "nRegister", "u16", number), (at + "sType", "str", kind), (at + "sOrder", "str", order)]
-        lines = [f'set {key} {value} {kind}' for key, kind, value in pairs] + ["save"]
-        subprocess.run(self.command("db", "edit", "logger.xml"), cwd=self.folder, input="\n".join(lines) + "\n", encoding="utf-8", check=True)
-
-        result = self.host("download", "--port", port, "--logger", "logger.xml", "--out", "s.odb", "--count", 20, "--interval", 0)
-        self.assertEqual(result.code, 0, result.err)
-        rows = self.readings("s.odb")[1:]
-        self.assertEqual(len(rows), 20)
-        self.assertEqual([row[0] for row in rows], sorted({row[0] for row in rows}))
-        for row in rows:
-            self.assertEqual([float(value) for value in row[1:]], [float(value) for *_, value in channels] + [60000.0])
 
 
 class Recordings(HostTest):
@@ -836,9 +806,8 @@ class Ports(HostTest):
         for port in json.loads(result.out):
             self.assertEqual(set(port), {"name", "description", "holder"})
 
+    @native("Windows does not tell who holds a port")
     def test_a_held_port_names_its_holder(self):
-        if options.wine:
-            return  # Windows does not tell who holds a port
         ports = self.folder / "ports"
         ports.mkdir()
         line = SimulatedLine(options, self.folder, ["--link", str(ports / "com44")])
@@ -890,7 +859,6 @@ if __name__ == "__main__":
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--wine")
     parser.add_argument("--preload")
-    parser.add_argument("--server")
     parser.add_argument("--maker")
     options, rest = parser.parse_known_args()
     options.host, options.simulator = os.path.abspath(options.host), os.path.abspath(options.simulator)

@@ -1,6 +1,8 @@
 // Sizes by which modules built elsewhere lay out and hand over this module's objects.
 #include "comm/com_wnd.h"
+#include "comm/orvik_connection.h"
 #include "comm/serial.h"
+#include "comm/serial_device.h"
 #include "comm/serial_ex.h"
 #include "comm/serial_wnd.h"
 #include "comm/task.h"
@@ -23,6 +25,8 @@ constexpr size_t kPointer = sizeof(void*);
 static_assert(sizeof(CSerial) == (kPointer == 4 ? 24 : 40));
 static_assert(sizeof(CSerialEx) == sizeof(CSerial) + 3 * kPointer);
 static_assert(sizeof(CSerialWnd) == sizeof(CSerialEx) + 3 * kPointer);
+static_assert(sizeof(CSerialDevice) == 2 * sizeof(CString));
+static_assert(sizeof(COrvikConnection::StateChangedDelegate) == 2 * kPointer);
 
 // A count-down: deadline and duration. A task: its virtual operations, the armed flag, the due time.
 static_assert(sizeof(CTimer) == 8);

@@ -165,34 +165,6 @@ TEST(ModbusPeer, EveryTypeAndOrderArrivesExactly) {
     EXPECT_TRUE(logger.Connection().IsConnected());
 }
 
-TEST(ModbusPeer, ARefusalIsAnIllegalResponse) {
-    FarEnd far;
-    far.ServeLibmodbus(7, {1}, {});
-    modbus::Description description = OneRegister();
-    description.channels[0].first = 50;
-    modbus::Logger logger(description);
-    logger.Connect(far.Name(), 2000);
-    EXPECT_EQ(Outcome(logger), 4);
-}
-
-TEST(ModbusPeer, ResynchronisesAfterNoise) {
-    FarEnd far;
-    far.Serve([](const modbus::Request& request, int number) {
-        std::vector<BYTE> reply = Good(request);
-        if (number == 1) reply[4] ^= 0x20;                                       // a flipped bit: asked again
-        if (number == 2) reply.insert(reply.begin(), {0x07, 0x03, 0xFF, 0x00});  // stray bytes that look like a beginning
-        if (number == 4) reply.resize(4);                                        // broken off
-        return reply;
-    });
-    modbus::Logger logger(OneRegister());
-    logger.Connect(far.Name(), kTimeout);
-    for (int round = 0; round < 3; ++round) {
-        double value = 0;
-        ASSERT_EQ(Outcome(logger, &value), 0) << round;
-        EXPECT_EQ(value, 4711);
-    }
-}
-
 // At 50 bits a second a character lasts 200 ms, so an answer is no more broken off after 150 than the line is silent.
 TEST(ModbusPeer, ASlowLineMayPauseBetweenCharacters) {
     FarEnd far;
@@ -266,26 +238,6 @@ TEST(ModbusPeer, APulledPlugIsAHardwareErrorAtOnce) {
     EXPECT_EQ(Outcome(logger), 0);
     EXPECT_EQ(Outcome(logger), 7);
     EXPECT_FALSE(logger.Connection().IsConnected());
-}
-
-// Three requests of one shape, whose answers cannot be told apart by their looks; each register holds its own number.
-TEST(ModbusPeer, LateAnswersStayWithTheirChannels) {
-    FarEnd far;
-    far.Serve([&](const modbus::Request& request, int) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(110));  // a little more than the time-out below
-        return Good(request, request.first);
-    });
-    modbus::Description description = OneRegister();
-    description.channels.clear();
-    for (const WORD first : {WORD{100}, WORD{200}, WORD{300}})
-        description.channels.push_back(Channel(3, first, modbus::ValueType::Uint16));
-    modbus::Logger logger(description);
-    logger.Connect(far.Name(), 100);
-    for (int reading = 0; reading < 2; ++reading) {
-        CDoubleArray values;
-        logger.ReadSample(values);
-        for (int i = 0; i < 3; ++i) EXPECT_EQ(values.GetAt(i), 100 * (i + 1)) << reading;
-    }
 }
 
 // The port comes and goes under one name; what is left of a former line, its farewell too, counts for nothing on the next.

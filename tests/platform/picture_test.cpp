@@ -251,19 +251,6 @@ TEST_F(Picture, BadNamesAndSizesAreRefused) {
     EXPECT_EQ(FileCount(), 0u);
 }
 
-TEST_F(Picture, FilesAreReplacedWholeOrNotAtAll) {
-    for (const std::string name : {"a.png", "a.svg", "a.pdf"}) {
-        std::ofstream(Path(name)) << "previous";
-        HDC dc = OrvikBeginPicture(Path(name).c_str(), 20, 10);
-        ASSERT_NE(dc, nullptr);
-        EXPECT_TRUE(OrvikEndPicture(dc, FALSE));
-        EXPECT_EQ(FileBytes(Path(name)), "previous");
-        EXPECT_FALSE(OrvikEndPicture(dc, TRUE)) << "ended before";
-        EXPECT_GT(Draw(name, 20, 10, [](HDC) {}).size(), 50u);
-    }
-    EXPECT_EQ(FileCount(), 3u) << "nothing else is left in the folder";
-}
-
 // What a page cannot hold is told, and the previous file stays.
 TEST_F(Picture, PagesRefuseBitmapsInSvg) {
     std::ofstream(Path("a.svg")) << "previous";

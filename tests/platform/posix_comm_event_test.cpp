@@ -8,67 +8,6 @@
 
 #include "tests/platform/posix_port_fixture.h"
 
-TEST_F(PortTest, ReceivedBytesAreTheEventOnce) {
-    Open();
-    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));
-    Overlapped ov;
-    DWORD events = 0;
-    ASSERT_FALSE(WaitCommEvent(port, &events, &ov));
-    ASSERT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
-    FarSends("a");
-    ASSERT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
-    EXPECT_EQ(events, DWORD{EV_RXCHAR});
-    // The byte is still unread, and no event any more.
-    ResetEvent(ov.hEvent);
-    ASSERT_FALSE(WaitCommEvent(port, &events, &ov));
-    EXPECT_EQ(WaitForSingleObject(ov.hEvent, 20), WAIT_TIMEOUT);
-    FarSends("b");
-    EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
-}
-
-TEST_F(PortTest, BytesThatComeBetweenWaitsAreRemembered) {
-    Open();
-    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));
-    SetReading(MAXDWORD, 0, 0);
-    FarSends("a");
-    Arrive(1);
-    char byte;
-    DWORD count, events = 0;
-    Overlapped ov;
-    ASSERT_TRUE(ReadFile(port, &byte, 1, &count, &ov));
-    EXPECT_TRUE(WaitCommEvent(port, &events, &ov));
-    EXPECT_EQ(events, DWORD{EV_RXCHAR});
-}
-
-TEST_F(PortTest, EventCharacterIsFoundAmongOthers) {
-    Open();
-    DCB dcb{};
-    ASSERT_TRUE(GetCommState(port, &dcb));
-    dcb.EvtChar = '\n';
-    ASSERT_TRUE(SetCommState(port, &dcb));
-    ASSERT_TRUE(SetCommMask(port, EV_RXFLAG));
-    Overlapped ov;
-    DWORD events = 0;
-    ASSERT_FALSE(WaitCommEvent(port, &events, &ov));
-    FarSends("no");
-    EXPECT_EQ(WaitForSingleObject(ov.hEvent, 20), WAIT_TIMEOUT);
-    FarSends("yes\nand more");
-    EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
-    EXPECT_EQ(events, DWORD{EV_RXFLAG});
-}
-
-TEST_F(PortTest, SentBytesEmptyTheTransmitter) {
-    Open();
-    ASSERT_TRUE(SetCommMask(port, EV_TXEMPTY));
-    Overlapped waiting, writing;
-    DWORD events = 0, count;
-    ASSERT_FALSE(WaitCommEvent(port, &events, &waiting));
-    EXPECT_EQ(WaitForSingleObject(waiting.hEvent, 20), WAIT_TIMEOUT);  // nothing was sent
-    ASSERT_TRUE(WriteFile(port, "x", 1, &count, &writing));
-    EXPECT_EQ(WaitForSingleObject(waiting.hEvent, kLong), WAIT_OBJECT_0);
-    EXPECT_EQ(events, DWORD{EV_TXEMPTY});
-}
-
 TEST_F(PortTest, SettingTheMaskEndsAPendingWait) {
     Open();
     ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));

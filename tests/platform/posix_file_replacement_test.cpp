@@ -1,6 +1,6 @@
-// What becomes of a file that is replaced when writing fails or is cut short, when several write it at once, and where nothing can
-// stand beside it. The limit on the size of files plays the full disk and, with its signal left alone, whoever kills the program in
-// the middle of a write.
+// What becomes of a file that is replaced when writing fails or is cut short, when several write it at once, and where nothing
+// can stand beside it. The limit on the size of files plays the full disk and, with its signal left alone, whoever kills the
+// program in the middle of a write.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -87,6 +87,9 @@ TEST_F(WholeFile, LinksAndPermissionsAreKept) {
     EXPECT_NE(ReplaceWholeFile((m_folder / "dangling.xml").string(), "never"), static_cast<DWORD>(ERROR_SUCCESS));
     EXPECT_TRUE(fs::is_symlink(m_folder / "dangling.xml"));
     EXPECT_EQ(FileBytes(Target()), "next");
+    ASSERT_EQ(mkfifo((m_folder / "pipe").c_str(), 0600), 0);
+    EXPECT_NE(ReplaceWholeFile((m_folder / "pipe").string(), "never"), static_cast<DWORD>(ERROR_SUCCESS));
+    EXPECT_TRUE(fs::is_fifo(m_folder / "pipe"));
 }
 
 // A folder that is not ours holds a file that is; the same for a file that is mounted alone, which rename refuses likewise.
@@ -148,8 +151,8 @@ TEST_F(WholeFile, FoldersOfAnyNameAreReached) {
     EXPECT_EQ(FileCount(), 4u);
 }
 
-// Two programs store one file again and again, a third is killed now and then: it is always one of them, whole, and nothing else is
-// left. $ORVIK_STORES says how often (500).
+// Two programs store one file again and again, a third is killed now and then: it is always one of them, whole, and nothing else
+// is left. $ORVIK_STORES says how often (500).
 TEST_F(WholeFile, OfSeveralWritersTheLastOneWins) {
     const char* const setting = std::getenv("ORVIK_STORES");
     const int stores = setting != nullptr ? std::atoi(setting) : 500;
@@ -159,7 +162,9 @@ TEST_F(WholeFile, OfSeveralWritersTheLastOneWins) {
         const pid_t child = fork();
         if (child == 0) {
             for (int i = 0; i < stores; ++i) {
-                if (ReplaceWholeFile(Target().string(), std::string(static_cast<size_t>(1000 + i % 7 * 3000), letter)) != ERROR_SUCCESS) _exit(1);
+                if (ReplaceWholeFile(Target().string(), std::string(static_cast<size_t>(1000 + i % 7 * 3000), letter)) !=
+                    ERROR_SUCCESS)
+                    _exit(1);
             }
             _exit(0);
         }

@@ -9,6 +9,7 @@
 
 #include "platform/virtual_port.h"
 #include "platform/win32.h"
+#include "tests/support/time_limit.h"
 
 class PortTest : public testing::Test {
 protected:
@@ -37,6 +38,7 @@ protected:
     }
     void FarSends(std::string_view text) { ASSERT_EQ(far.Write(text.data(), static_cast<DWORD>(text.size())), DWORD{0}); }
     std::string FarGets(size_t count) {
+        const Awaiting arrival("bytes at the far end");
         std::string all;
         while (all.size() < count) {
             char bytes[4096];
@@ -49,6 +51,7 @@ protected:
     }
     // Waits until that many bytes lie ready for reading.
     void Arrive(DWORD count) {
+        const Awaiting arrival("bytes to arrive at the port");
         COMSTAT status{};
         for (ULONGLONG start = GetTickCount64(); status.cbInQue < count && GetTickCount64() - start < kLong;) {
             ASSERT_TRUE(ClearCommError(port, nullptr, &status));
@@ -56,6 +59,7 @@ protected:
         ASSERT_GE(status.cbInQue, count);
     }
 
+    const Awaiting m_call{"a call of the port to end"};
     VirtualPort far;
     HANDLE port = INVALID_HANDLE_VALUE;
 };

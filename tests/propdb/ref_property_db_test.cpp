@@ -27,22 +27,6 @@ struct RefPropertyDB : testing::Test {
     }
 };
 
-TEST_F(RefPropertyDB, DiesWithItsLastHolder) {
-    EXPECT_EQ(db->AddRef(), 1u);
-    EXPECT_EQ(db->AddRef(), 2u);
-    EXPECT_EQ(db->Release(), 1u);
-    EXPECT_TRUE(alive);
-    EXPECT_EQ(db->Release(), 0u);
-    EXPECT_FALSE(alive);
-}
-
-TEST_F(RefPropertyDB, ReleasingAtZeroWrapsAndDeletesNothing) {
-    EXPECT_EQ(db->Release(), 4'294'967'295u);
-    EXPECT_TRUE(alive);
-    EXPECT_EQ(db->AddRef(), 0u);
-    EXPECT_TRUE(alive);
-}
-
 TEST_F(RefPropertyDB, IsOneDatabaseOnEveryPath) {
     EXPECT_EQ(static_cast<IPropertyDB*>(static_cast<CPropertyDB*>(db)),
               static_cast<IPropertyDB*>(static_cast<IRefPropertyDB*>(db)));

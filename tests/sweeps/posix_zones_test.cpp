@@ -34,6 +34,8 @@ void Check(const std::string& zone) {
     orvik::detail::RefreshLocalZone();
     const ZoneChecks checks;
     checks.FieldsMeanTheTimeThatHasThem(ZoneChecks::Library::Ours);
+    checks.TheTableHasTheLibrarysFields();
+    checks.FileTimesAtEitherEndLeaveTheDateAlone();
     checks.SeeksGetOnAndEnd();
     checks.DatesLandOnTheirDay();
 }

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr __int64 kSecond = 1'000'000, kMinute = 60, kHour = 3'600, kDay = 24 * kHour;
+constexpr __int64 kSecond = 1'000'000, kTick = 1, kMinute = 60, kHour = 3'600, kDay = 24 * kHour;
 
 __int64 First() { return CVXTTime::GetMinTime() / kSecond; }
 __int64 Last() { return CVXTTime::GetMaxTime() / kSecond; }
@@ -140,6 +140,34 @@ void ZoneChecks::FieldsMeanTheTimeThatHasThem(Library home) const {
             if (!agree(m_changes[i].at + offset, -1)) return;
     for (__int64 day = First() + kDay; day < Last() - kDay; day += 37 * kDay + 5 * kHour)
         if (!agree(day, -1)) return;
+}
+
+// Of the seconds beside each change, and of days between.
+void ZoneChecks::TheTableHasTheLibrarysFields() const {
+    const auto agree = [](__int64 time) {
+        const tm ours = orvik::detail::LocalFields(time), theirs = Local(time);
+        const auto all = [](const tm& t) {
+            return std::tuple(t.tm_year, t.tm_mon, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, t.tm_wday, t.tm_yday, t.tm_isdst);
+        };
+        EXPECT_EQ(all(ours), all(theirs)) << time;
+        return !testing::Test::HasFailure();
+    };
+    for (const Change& change : m_changes)
+        for (const __int64 beside : {-kDay, -kHour, -kTick, 0 * kTick, kHour, kDay})
+            if (!agree(std::clamp(change.at + beside, First(), Last()))) return;
+    for (__int64 time = First(); time < Last(); time += 3 * kDay + 5 * kHour + 7)
+        if (!agree(time)) return;
+}
+
+// Their local form may lie outside what a file time can count, and is no date then.
+void ZoneChecks::FileTimesAtEitherEndLeaveTheDateAlone() const {
+    for (const FILETIME file : {FILETIME{0xFFFFFFFF, 0x7FFFFFFF}, FILETIME{0, 0}, FILETIME{0, 0x80000000}}) {
+        CVXTTime time(2023, 4, 5, 6, 7, 8, -1);
+        time.SetFileTime(&file);
+        int date[3] = {};
+        time.GetDate(&date[0], &date[1], &date[2]);
+        EXPECT_TRUE(date[0] == 2023 && date[1] == 4 && date[2] == 5) << file.dwHighDateTime;
+    }
 }
 
 void ZoneChecks::SeeksGetOnAndEnd() const {

@@ -15,6 +15,8 @@ public:
     // The run-time of Windows sets a skipped time back where ours moves it on: it is not asked for those.
     enum class Library { OfWindows, Ours };
     void FieldsMeanTheTimeThatHasThem(Library library = Library::OfWindows) const;
+    void TheTableHasTheLibrarysFields() const;
+    void FileTimesAtEitherEndLeaveTheDateAlone() const;
     void SeeksGetOnAndEnd() const;
     void DatesLandOnTheirDay() const;
 

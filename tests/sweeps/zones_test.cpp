@@ -26,6 +26,7 @@ TEST_F(OwnZone, FieldsMeanTheTimeThatHasThem) {
     EXPECT_GT(m_checks.Changes(), 80u);
     m_checks.FieldsMeanTheTimeThatHasThem();
 }
+TEST_F(OwnZone, TheTableHasTheLibrarysFields) { m_checks.TheTableHasTheLibrarysFields(); }
 TEST_F(OwnZone, SeeksGetOnAndEnd) { m_checks.SeeksGetOnAndEnd(); }
 TEST_F(OwnZone, DatesLandOnTheirDay) { m_checks.DatesLandOnTheirDay(); }
 

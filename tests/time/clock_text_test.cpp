@@ -31,8 +31,6 @@ protected:
     }
     RegionalText m_text;
 };
-class Clocks : public RegionTest {};
-FOR_EVERY_REGION(Clocks);
 
 }  // namespace
 
@@ -131,28 +129,5 @@ TEST_F(ClockText, Writes) {
         CString text("before");
         EXPECT_EQ(_NlsSetTime(text, time, c.milliseconds), 1);
         EXPECT_STREQ(text, c.text);
-    }
-}
-
-TEST_P(Clocks, ReadBackWhatIsWritten) {
-    const __int64 midnight = CVXTTime(2020, 2, 1, 0, 0, 0, -1).GetBinaryTime();
-    CString text;
-    for (int second = 0; second < 86'400; second += 7) {
-        CVXTTime written = kBefore, read(2020, 2, 1, 3, 4, 5, -1);
-        written.SetBinaryTime(midnight + second * 1'000'000LL);
-        ASSERT_EQ(_NlsSetTime(text, written, 0), 1);
-        // Of a separator of two characters the reader takes the first.
-        ASSERT_EQ(_NlsGetTime(text, read), !Is("Strange")) << text.GetString();
-        if (!Is("Strange")) {
-            ASSERT_EQ(read, written) << text.GetString();
-        }
-        written.SetBinaryTime(written.GetBinaryTime() + second % 1'000 * 1'000);
-        ASSERT_EQ(_NlsSetTime(text, written, 1), 1);
-        // Milliseconds stand behind the designator, where they are not looked for.
-        const bool readable = !Is("Strange") && !Is("American") && !Is("Indian");
-        ASSERT_EQ(_NlsGetTime(text, read), readable) << text.GetString();
-        if (readable) {
-            ASSERT_EQ(read, written) << text.GetString();
-        }
     }
 }

@@ -12,8 +12,6 @@ class DateText : public testing::Test {
 protected:
     RegionalText m_text;
 };
-class Dates : public RegionTest {};
-FOR_EVERY_REGION(Dates);
 
 CVXTTime Noon(int year, int month, int day) { return CVXTTime(year, month, day, 12, 0, 0, -1); }
 
@@ -118,42 +116,6 @@ TEST_F(DateText, WritesBothPictures) {
     EXPECT_STREQ(text, "Saturday den 1 February 2020 ");
     EXPECT_EQ(_NlsSetShortDate(text, CVXTTime(1970, 1, 2, 0, 0, 0, -1)), 1);
     EXPECT_STREQ(text, "01.01.72");  // clamped, as every calendar field is
-}
-
-TEST_P(Dates, EveryShortDateComesBack) {
-    for (const char* picture : {"", "dd.MM.yy"}) {  // first the region's own
-        if (*picture) m_text.Set(LOCALE_SSHORTDATE, picture);
-        CString text;
-        for (CVXTTime day = Noon(1972, 1, 1); day < Noon(2034, 1, 1); day.SeekNext(TT_DAYOFMONTH), day.SetTime(12, 0, 0, 0)) {
-            CVXTTime read = Noon(2001, 2, 3);
-            ASSERT_EQ(_NlsSetShortDate(text, day), 1);
-            ASSERT_EQ(_NlsGetShortDate(text, read), 1) << text.GetString();
-            ASSERT_EQ(read, day) << text.GetString();
-        }
-    }
-}
-
-// A name in the middle of a picture keeps the reader from going on, so of these long dates only the strange one, whose name comes
-// last, is read back.
-TEST_P(Dates, LongDatesThatEndWithTheirNameComeBack) {
-    CString text;
-    for (CVXTTime day = Noon(1972, 1, 1); day < Noon(2034, 1, 1); day.SeekNext(TT_DAYOFMONTH), day.SetTime(12, 0, 0, 0)) {
-        CVXTTime time = Noon(2001, 2, 3);
-        ASSERT_EQ(_NlsSetLongDate(text, day), 1);
-        ASSERT_EQ(_NlsGetLongDate(text, time), Is("Strange")) << text.GetString();
-        ASSERT_EQ(time, Is("Strange") ? day : Noon(2001, 2, 3)) << text.GetString();
-    }
-}
-
-TEST_P(Dates, FormattedTimesAreReadBack) {
-    CLocalNlsTools tools;
-    for (const auto& written :
-         {CVXTTime(1999, 12, 31, 23, 59, 58, -1), CVXTTime(2024, 2, 29, 0, 0, 1, -1), CVXTTime(2033, 6, 1, 12, 34, 56, -1)}) {
-        CVXTTime read = kBefore;
-        const bool readable = !Is("Strange");  // its time separators have two characters
-        EXPECT_EQ(tools.StringToTime(written.Format(), read), readable) << written.Format().GetString();
-        EXPECT_EQ(read, readable ? written : kBefore) << written.Format().GetString();
-    }
 }
 
 TEST_F(DateText, ReadsDateAndTime) {

@@ -403,18 +403,3 @@ TEST_F(NumberText, DoesNotReadBack) {
     EXPECT_STREQ(Written(1234.5, "#.#"), "1.234.5");
     EXPECT_EQ(_NlsGetReal("1.234.5", value), 0);
 }
-
-TEST_P(Reals, GroupByThreesWhateverTheUsersGroups) {
-    CString text;
-    _NlsSetReal(text, 12345678.25, "#.##");
-    const char* const expected = Is("Swedish")   ? "12\xA0"
-                                                   "345\xA0"
-                                                   "678,25"
-                                 : Is("German")  ? "12.345.678,25"
-                                 : Is("Strange") ? "12345678:25"
-                                                 : "12,345,678.25";
-    EXPECT_STREQ(text, expected);
-    double value = 0;
-    EXPECT_EQ(_NlsGetReal(text, value), 1);
-    EXPECT_EQ(value, 12345678.25);
-}

@@ -343,19 +343,3 @@ TEST_P(Spans, ShortFormReadsBackWithEnoughDecimals) {
         ASSERT_EQ(read.CvtToInt64(), span) << text.GetString();
     }
 }
-
-TEST_P(Spans, LongFormReadsBackUpTo999Days) {
-    CString text;
-    for (const __int64 magnitude : SampleSpans()) {
-        for (const int fields : {30, 28, 14, 12}) {
-            const __int64 shown = magnitude - magnitude % (fields & 2 ? kSecond : kMinute);
-            const __int64 span = magnitude % 2 ? -shown : shown;
-            _NlsSetLongTimeSpan(text, Micro(magnitude % 2 ? -magnitude : magnitude), fields);
-            CVXTTimeSpan read = Micro(kUntouched);
-            // The reader takes no fourth digit of days; of separators of two characters one is written and read.
-            const bool readable = !(fields & 16) || magnitude < 1'000 * kDay;
-            ASSERT_EQ(_NlsGetLongTimeSpan(text, read), readable) << text.GetString();
-            ASSERT_EQ(read.CvtToInt64(), readable ? span : kUntouched) << text.GetString();
-        }
-    }
-}

@@ -341,32 +341,6 @@ TEST_F(PropList, ChoicesAreTakenByKeyMouseAndTurn) {
     EXPECT_STREQ(unit->FormatProperty(), "kbar");
 }
 
-// Whoever is told of a change may fill the grid anew, or end it, in the midst of the keys and clicks that brought the change.
-TEST_F(PropList, AChangeMayTakeTheGridAway) {
-    parent.then = [&] { grid.RemoveAll(), Fill(); };
-    Fill();
-    Type(count, "7", VK_DOWN);
-    Type(name, "Attic", VK_TAB);
-    grid.SetCurSel(unit);
-    Press(grid, VK_SPACE);
-    grid.SetCurSel(unit);
-    ASSERT_TRUE(grid.EditItem());
-    Press(Choices(), VK_DOWN), Press(Choices(), VK_RETURN);
-    count->SetValue(8), name->SetValue("Roof");
-    grid.ResetOriginalValues();
-    EXPECT_EQ(parent.changed.size(), 5u) << "the second one was gone";
-    EXPECT_EQ(grid.GetRowCount(), 6);
-    grid.SetCurSel(name);
-    ASSERT_TRUE(grid.EditItem());
-    SetWindowTextA(Editor(), "Cellar");
-    ClickAt(grid, MiddleOf(grid.GetValueRect(count)));
-    EXPECT_EQ(parent.changed.size(), 6u);
-    parent.then = [&] { parent.DestroyWindow(); };
-    Type(count, "9", VK_DOWN);
-    EXPECT_EQ(grid.m_hWnd, nullptr);
-    EXPECT_EQ(parent.changed.size(), 7u);
-}
-
 TEST_F(PropList, TheMouseSelectsExpandsAndDragsTheDivider) {
     Fill();
     ClickAt(grid, {grid.GetPropertyRect(count).left + 40, grid.GetPropertyRect(count).top + 3});

@@ -3,7 +3,6 @@
 
 #include "afx/controls.h"
 #include "afx/exception.h"
-#include "tests/support/corpus.h"
 #include "tests/support/dialog_fixture.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
@@ -202,58 +201,4 @@ TEST_F(DataExchange, AControlThatIsNotThereEndsTheExchangeBeforeAnything) {
         },
         int);
     EXPECT_TRUE(app.told.empty());
-}
-
-// Whatever a file may hold, typed into every field: taken exactly when the reader takes it, told exactly once otherwise, and then
-// the value is what its reader leaves.
-TEST_F(DataExchange, EveryFieldStandsUpToTheReadersCorpora) {
-    const std::vector<std::string> texts = CorpusTexts(20'000);
-    ASSERT_GT(texts.size(), 20u);
-    int taken = 0;
-    for (const std::string& text : texts) {
-        CVXTTime time = noon, direct = noon;
-        CVXTTimeSpan span(1, TST_MICROSECONDS), directSpan(1, TST_MICROSECONDS);
-        double real = 7, directReal = 7;
-        CString picture = "@@";
-        field.SetWindowText(text.c_str());
-        const std::string held = TextOf(field);  // what the control makes of it
-        const auto date = [&](auto read) {
-            direct = noon;
-            CVXTTime clamped;
-            const bool good = read(held.c_str(), direct) != 0;
-            clamped = direct;
-            clamped.Clamp();
-            return good && clamped == direct;
-        };
-        bool good = date(&_NlsGetShortDate);
-        EXPECT_EQ(Save(text, [&](CDataExchange* pDX) { DDX_NlsShortDate(pDX, kField, time); }), good);
-        EXPECT_EQ(time, good ? direct : noon);
-        taken += good;
-        time = noon;
-        good = date(&_NlsGetLongDate);
-        EXPECT_EQ(Save(text, [&](CDataExchange* pDX) { DDX_NlsLongDate(pDX, kField, time); }), good);
-        EXPECT_EQ(time, good ? direct : noon);
-        taken += good;
-        time = direct = noon;
-        good = _NlsGetTime(held.c_str(), direct) != 0;
-        EXPECT_EQ(Save(text, [&](CDataExchange* pDX) { DDX_NlsTime(pDX, kField, time); }), good);
-        EXPECT_EQ(time, direct);
-        taken += good;
-        good = _NlsGetShortTimeSpan(held.c_str(), directSpan, 0) != 0;
-        EXPECT_EQ(Save(text, [&](CDataExchange* pDX) { DDX_NlsShortTimeSpan(pDX, kField, span, nullptr); }), good);
-        EXPECT_EQ(span.GetTotal(TST_MICROSECONDS), directSpan.GetTotal(TST_MICROSECONDS));
-        taken += good;
-        good = _NlsGetLongTimeSpan(held.c_str(), directSpan) != 0;
-        EXPECT_EQ(Save(text, [&](CDataExchange* pDX) { DDX_NlsLongTimeSpan(pDX, kField, span); }), good);
-        EXPECT_EQ(span.GetTotal(TST_MICROSECONDS), directSpan.GetTotal(TST_MICROSECONDS));
-        taken += good;
-        good = _NlsGetReal(held.c_str(), directReal) != 0;
-        EXPECT_EQ(Save(text, [&](CDataExchange* pDX) { DDX_NlsReal(pDX, kField, real, nullptr); }), good);
-        EXPECT_TRUE(real == directReal || (real != real && directReal != directReal));
-        taken += good;
-        if (!Save(text, [&](CDataExchange* pDX) { DDX_NlsRealFmt(pDX, kField, picture); })) {
-            EXPECT_STREQ(picture, "@@");
-        }
-    }
-    EXPECT_GT(taken, 0) << "some of it is good";
 }

@@ -4,7 +4,6 @@
 #include <set>
 
 #include "res/ids.h"
-#include "tests/support/corpus.h"
 #include "tests/support/dialog_fixture.h"
 
 namespace {
@@ -216,45 +215,6 @@ TEST_F(PropListDialog, OkWaitsForATextThatCanBeRead) {
     EXPECT_FALSE(dialog.IsWindowVisible());
     EXPECT_EQ(prop->GetValue().Integer(), 6);
     EXPECT_TRUE(app.told.empty());
-}
-
-// Whatever a file may hold, typed into a property of each kind: taken exactly when the property can read it; told exactly once
-// otherwise, the field with the focus and the value as it was.
-TEST_F(PropListDialog, EveryKindOfPropertyStandsUpToTheReadersCorpora) {
-    ASSERT_TRUE(dialog.Create(IDD_ORVIK_PROPERTIES, &owner));
-    CBCGPPropList& grid = dialog.GetPropList();
-    grid.AddProperty(new CBCGPProp("Text", "x"));
-    grid.AddProperty(new CBCGPProp("Whole", 5));
-    grid.AddProperty(new CBCGPProp("Real", 0.5));
-    grid.AddProperty(new CBCGPColorProp("Colour", RGB(1, 2, 3)));
-    auto* choice = new CBCGPProp("Choice", "bar");
-    choice->AddOption("bar"), choice->AllowEdit();
-    grid.AddProperty(choice);
-    std::vector<int> taken(5), refused(5);
-    for (const std::string& text : CorpusTexts(20'000)) {
-        for (int i = 0; i < grid.GetPropertyCount(); ++i) {
-            CBCGPProp& prop = *grid.GetProperty(i);
-            prop.ResetOriginalValue();
-            grid.SetCurSel(&prop);
-            ASSERT_TRUE(grid.EditItem());
-            const HWND field = ::GetFocus();
-            SetWindowTextA(field, text.c_str());
-            CBCGPPropValue read = prop.GetValue();
-            const bool good = prop.StringToValue(TextOf(field).c_str(), read) != FALSE;
-            Press(field, VK_RETURN);
-            EXPECT_EQ(app.told.size(), good ? 0u : 1u) << text;
-            EXPECT_TRUE(good || app.types == std::vector<UINT>{MB_ICONEXCLAMATION});
-            EXPECT_EQ(grid.IsEditing(), !good);
-            EXPECT_EQ(::GetFocus(), good ? grid.m_hWnd : field);
-            EXPECT_TRUE(prop.GetValue() == read) << text;
-            ++(good ? taken : refused)[static_cast<size_t>(i)];
-            if (!good) Press(field, VK_ESCAPE);
-            app.told.clear(), app.types.clear();
-        }
-    }
-    EXPECT_EQ(refused[0] + refused[4], 0) << "a text is any text";
-    for (const size_t kind : {1u, 2u, 3u}) EXPECT_GT(refused[kind], 50);
-    EXPECT_GT(taken[1], 0);
 }
 
 // A modeless dialog that is told of a change may destroy itself at once, and its object; so may it remove all properties.

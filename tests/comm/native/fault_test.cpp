@@ -79,6 +79,7 @@ protected:
         fault::g_events = 0;
         fault::g_queues = fault::g_threads = fault::g_windows = fault::g_masks = false;
     }
+    const Awaiting m_call{"a call of the port, or its listener, to end"};
     SerialPeer peer;
 };
 

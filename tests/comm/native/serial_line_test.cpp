@@ -69,12 +69,6 @@ TEST_F(SerialTest, EveryHandshakeSetsItsLines) {
     }
 }
 
-TEST_F(SerialTest, AnyBaudRateReadsBack) {
-    Open();
-    EXPECT_EQ(0, port.Setup(static_cast<CSerial::EBaudrate>(12345), CSerial::DataBits8, CSerial::ParityNone, CSerial::StopBits1));
-    EXPECT_EQ(12345, port.GetBaudrate());
-}
-
 TEST_F(SerialTest, EventCharReadsBackAndTellsWhenItComes) {
     Open();
     EXPECT_EQ(0, port.SetEventChar('\r', true));
@@ -125,14 +119,6 @@ TEST_F(SerialTest, ReceivedIsToldForNewBytesOnly) {
     peer.Send("2");
     AwaitArrival();
     EXPECT_EQ("12", Read(10));
-}
-
-TEST_F(SerialTest, PurgeLeavesNothingToRead) {
-    Open();
-    peer.Send("old");
-    AwaitArrival();
-    EXPECT_EQ(0, port.Purge());
-    EXPECT_EQ("", Read(10));
 }
 
 TEST_F(SerialTest, WhatHappenedBetweenTwoWaitsIsTold) {

@@ -1,4 +1,4 @@
-// Storing over an existing file: links, permissions, and every way in which the system can fail on the way.
+// Storing over an existing file: every way in which the system can fail on the way.
 #include "platform/win32.h"
 #include "tests/propdb/property_db_fixture.h"
 
@@ -49,7 +49,7 @@ BOOL WrapFlushFileBuffers(HANDLE file) {
 }
 BOOL WrapMoveFileExA(LPCSTR from, LPCSTR to, DWORD flags) {
     if (!Struck()) return RealMoveFileExA(from, to, flags);
-    SetLastError(ERROR_ACCESS_DENIED);
+    SetLastError(ERROR_DISK_FULL);  // where nothing may stand beside the file it would be written over
     return FALSE;
 }
 
@@ -77,11 +77,6 @@ protected:
     static std::string BytesOf(const std::string& path) {
         std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
-    }
-    static mode_t ModeOf(const std::string& path) {
-        struct stat info {};
-        stat(path.c_str(), &info);
-        return info.st_mode & 07777;
     }
 };
 }  // namespace
@@ -111,7 +106,7 @@ TEST_F(Replacement, EveryFailingCallLeavesTheOldFileAndNothingElse) {
                 EXPECT_FALSE(stored) << at;
                 EXPECT_TRUE(changed.IsModified());
                 EXPECT_EQ(changed.GetLoadFilePath(), "");
-                ASSERT_EQ(BytesOf(path), old) << at;
+                ASSERT_TRUE(BytesOf(path) == old) << at;
                 ASSERT_EQ(FilesThere(), files) << at;
             }
             CPropertyDB read;
@@ -147,42 +142,6 @@ TEST_F(Replacement, DyingAtAnyCallLeavesTheOldFileOrTheNew) {
         }
         EXPECT_GT(at, 4);
     }
-}
-
-TEST_F(Replacement, LinksStayAndTheirTargetIsReplaced) {
-    fs::create_directory(folder / "elsewhere");
-    const std::string target = Path("elsewhere/real.odb");
-    std::ofstream(target) << "old";
-    fs::create_symlink("elsewhere/real.odb", folder / "link.odb");
-    fs::create_symlink("link.odb", folder / "second.odb");
-    ASSERT_TRUE(db.StoreToFile(Path("second.odb").c_str(), 0));
-    EXPECT_TRUE(fs::is_symlink(folder / "link.odb") && fs::is_symlink(folder / "second.odb"));
-    EXPECT_FALSE(fs::is_symlink(target));
-    CPropertyDB read;
-    EXPECT_TRUE(read.LoadFromFile(target.c_str()));
-    EXPECT_EQ(std::string(db.GetLoadFilePath()), Path("second.odb"));
-    // A link that leads nowhere is not replaced by a file.
-    fs::create_symlink("nowhere.odb", folder / "dangling.odb");
-    EXPECT_FALSE(db.StoreToFile(Path("dangling.odb").c_str(), 0));
-    EXPECT_TRUE(fs::is_symlink(folder / "dangling.odb"));
-    EXPECT_EQ(FilesThere(), 4u);
-}
-
-TEST_F(Replacement, PermissionsStay) {
-    const std::string path = Path("a.odb");
-    ASSERT_TRUE(db.StoreToFile(path.c_str(), 0));
-    for (const mode_t mode : {0600u, 0664u, 0640u}) {
-        ASSERT_EQ(chmod(path.c_str(), mode), 0);
-        ASSERT_TRUE(db.StoreToFile(path.c_str(), 0));
-        EXPECT_EQ(ModeOf(path), mode);
-    }
-}
-
-TEST_F(Replacement, DevicesAreNotReplaced) {
-    const std::string path = Path("pipe.odb");
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_FALSE(db.StoreToFile(path.c_str(), 0));
-    EXPECT_TRUE(fs::is_fifo(path));
 }
 
 TEST_F(Replacement, NamesOutsideAsciiAreFound) {

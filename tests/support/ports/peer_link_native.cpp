@@ -6,6 +6,7 @@
 
 #include "pty_peer.h"
 #include "tests/support/ports/serial_peer.h"
+#include "tests/support/time_limit.h"
 
 namespace {
 // One folder a process for the ports and their records, gone with it.
@@ -29,6 +30,7 @@ PtyPeer g_peer(g_folder.path, g_folder.path);
 }  // namespace
 
 std::string AskPeer(const std::string& command) {
+    const Awaiting farEnd("the far end to answer");
     const std::string answer = g_peer.Execute(command);
     if (answer.compare(0, 2, "ok") == 0) return answer.size() > 3 ? answer.substr(3) : std::string();
     std::fprintf(stderr, "far end: %s: %s\n", command.c_str(), answer.c_str());

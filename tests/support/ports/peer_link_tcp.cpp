@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "tests/support/ports/serial_peer.h"
+#include "tests/support/time_limit.h"
 
 namespace {
 [[noreturn]] void Give(const char* why, const std::string& what) {
@@ -30,6 +31,7 @@ SOCKET Connect() {
 }  // namespace
 
 std::string AskPeer(const std::string& command) {
+    const Awaiting farEnd("the far end to answer");
     static const SOCKET link = Connect();
     const std::string line = command + "\n";
     for (size_t done = 0; done < line.size();) {
