@@ -7,6 +7,7 @@
 #include <string>
 
 #include "commands/group_commands.h"
+#include "tests/support/time_limit.h"
 
 namespace {
 // Tells what becomes of it: "+a" done again, "-a" undone, "!a" destroyed, "~a" deleted.
@@ -79,6 +80,7 @@ protected:
         return all + (manager.CanUndo() ? "undo" : "") + (manager.CanRedo() ? "redo" : "");
     }
 
+    const Awaiting m_walk{"an undo or a redo to end"};
     std::string log;
     COrvikCommandManager manager;
 };

@@ -6,6 +6,7 @@
 
 #include "plugins/modbus/modbus_logger.h"
 #include "tests/modbus/simulated_wire.h"
+#include "tests/support/time_limit.h"
 
 namespace {
 using simulated::Faults;
@@ -191,6 +192,7 @@ TEST(ModbusLateAnswers, NoCellIsEverAnothers) {
          7,
          40},
     };
+    LimitTest(240);
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Line line(row.faults);

@@ -12,6 +12,7 @@
 
 #include "record/recorder.h"
 #include "record/recording_reader.h"
+#include "tests/support/time_limit.h"
 
 namespace {
 constexpr __int64 kBegun = 1'795'000'000'000'000;
@@ -37,6 +38,7 @@ double ValueOf(uint64_t n, int channel) { return static_cast<double>(n) * 8 + ch
 TEST(Killed, LosesNothingThatItWasToldIsWritten) {
     const char* const setting = std::getenv("ORVIK_KILLS");
     const int kills = setting != nullptr ? std::atoi(setting) : 200;
+    LimitTest(60 + static_cast<unsigned>(kills));
     const std::string path = testing::TempDir() + "orvik-killed-" + std::to_string(getpid()) + ".rec";
     auto* const told = new (mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) std::atomic<uint64_t>(0);
     std::mt19937 random(1);

@@ -11,6 +11,7 @@
 #include "host/measurement/recording_writer.h"
 #include "record/recording_reader.h"
 #include "tests/record/faulty_disk.h"
+#include "tests/support/time_limit.h"
 
 namespace {
 constexpr __int64 kSecond = 1'000'000, kMinute = 60 * kSecond, kHour = 60 * kMinute;
@@ -364,6 +365,7 @@ static size_t Allocated() { return 0; }
 // A week with a reading every 0.6 s, a silence now and then, into a real file.
 TEST_F(MeasurementTest, MemoryStaysWhatItWas) {
     constexpr __int64 kReadings = 1'000'000;
+    LimitTest(240);
     const std::string path = testing::TempDir() + "orvik-week-" + std::to_string(GetCurrentThreadId()) + ".rec";
     class Told : public RecordingWriter::Listener {
         void OnWriting(const std::string&, DWORD error) override { EXPECT_EQ(error, 0u); }

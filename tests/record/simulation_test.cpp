@@ -1,10 +1,11 @@
-// A day of measurement in about a second, in as many worlds as there are seeds: nothing wrong, nothing lost that was promised, every
-// hole with its cause, times in order. $ORVIK_SEEDS says how many (200), $ORVIK_SEED the first one (1).
+// A day of measurement in about a second, in as many worlds as there are seeds: nothing wrong, nothing lost that was promised,
+// every hole with its cause, times in order. $ORVIK_SEEDS says how many (200), $ORVIK_SEED the first one (1).
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
 #include "tests/record/simulated_world.h"
+#include "tests/support/time_limit.h"
 
 namespace {
 using simulated::Faults;
@@ -73,12 +74,14 @@ unsigned Setting(const char* name, unsigned standard) {
 
 TEST(Simulation, NothingWrongNothingLostEveryHoleWithItsCause) {
     const unsigned first = Setting("ORVIK_SEED", 1), count = Setting("ORVIK_SEEDS", 200);
+    LimitTest(60 + 2 * count);
     size_t rows = 0;
     unsigned __int64 cells = 0;
     for (unsigned seed = first; seed < first + count; ++seed) {
         World world(Draw(seed), seed);
         const std::vector<std::string> wrong = world.Run();
-        for (const std::string& what : wrong) ADD_FAILURE() << "seed " << seed << ": " << what << " (ORVIK_SEED=" << seed << " ORVIK_SEEDS=1)";
+        for (const std::string& what : wrong)
+            ADD_FAILURE() << "seed " << seed << ": " << what << " (ORVIK_SEED=" << seed << " ORVIK_SEEDS=1)";
         rows += world.RowsKept();
         cells += world.CellsGood();
         if (testing::Test::HasFailure()) return;

@@ -14,8 +14,10 @@ private:
     const char* m_before;
 };
 
-// Limits every test of this program; once, before they run.
+// Limits every test of this program to a minute; once, before they run.
 void LimitTests();
+// From within a test that may take longer: gives it so much from now on.
+void LimitTest(unsigned seconds);
 
 // The home's part: starts the time of a test anew, or stops it with 0. When it has run out, `expired` is called, which may only
 // write through `put`, and the program ends with 1.

@@ -9,6 +9,7 @@
 
 #include "platform/win32.h"
 #include "tests/support/regional_settings.h"
+#include "tests/support/time_limit.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
 #include "time/local_nls_tools.h"
@@ -133,6 +134,7 @@ TEST(AllLocales, WhatIsWrittenReadsBack) {
     const char* const set = std::getenv("LC_ALL");
     const std::string own = set ? set : "";
     std::set<std::string> seen;
+    LimitTest(240);
     for (const std::string& name : Locales()) {
         SCOPED_TRACE(name);
         setenv("LC_ALL", name.c_str(), 1);

@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "tests/support/regional_settings.h"
+#include "tests/support/time_limit.h"
 #include "tests/sweeps/zone_checks.h"
 #include "time/local_zone.h"
 #include "time/locale_cache.h"
@@ -46,6 +47,7 @@ void Check(const std::string& zone) {
 // has been in, and compares them all at each conversion.
 TEST(AllZones, KeepTheRulesOfLocalTime) {
     constexpr size_t kZones = 12;
+    LimitTest(240);
     const std::vector<std::string> zones = Zones();
     ASSERT_GT(zones.size(), 300u);
     RegionalSettings settings;
