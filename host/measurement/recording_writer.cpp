@@ -80,19 +80,24 @@ DWORD RecordingWriter::Create(const File& file, __int64 time) {
     return ERROR_SUCCESS;
 }
 
-void RecordingWriter::CreateNow(const File& file, __int64 time) {
-    const DWORD error = Create(file, time);
-    if (error == ERROR_SUCCESS) return;
-    if (error == ERROR_SHARING_VIOLATION) throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(file.recording)})};
-    throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(file.recording), Reason(error)})};
+// As long as it cannot be, everything waits.
+bool RecordingWriter::ReplaceNow() {
+    const File file = *m_replaces;
+    const DWORD error = Create(file, m_fileBegan);
+    Tell(error, file.recording);
+    if (error != ERROR_SUCCESS) return false;
+    m_replaces.reset();
+    return Drain();
 }
 
 IMeasurementSink::Begin RecordingWriter::OnBegin(__int64 time) {
     const File file = NameFor(time);
     if (!m_plan.append && m_store.Exists(file.recording)) {
         m_replaces = file;
-    } else {
-        CreateNow(file, time);
+        m_fileBegan = time;
+    } else if (const DWORD error = Create(file, time)) {
+        if (error == ERROR_SHARING_VIOLATION) throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(file.recording)})};
+        throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(file.recording), Reason(error)})};
     }
     m_begun = true;
     Begin begin;
@@ -148,13 +153,9 @@ void RecordingWriter::OnEvent(const CRecordedEvent& event) {
 
 void RecordingWriter::Put(Record record) {
     if (m_replaces) {
-        const __int64 time = record.time;
-        const bool value = record.HasValue();
+        m_valueCame = m_valueCame || record.HasValue();
         Hold(std::move(record));
-        if (!value) return;
-        CreateNow(*m_replaces, time);
-        m_replaces.reset();
-        Drain();
+        if (m_valueCame) ReplaceNow();
         return;
     }
     if (!Drain() || Write(record) != ERROR_SUCCESS) Hold(std::move(record));
@@ -175,7 +176,7 @@ DWORD RecordingWriter::Write(const Record& record) {
             error = m_recorder->AddEvent(record.event);
             break;
     }
-    Tell(error);
+    Tell(error, m_files.back().recording);
     return error;
 }
 
@@ -208,13 +209,13 @@ bool RecordingWriter::Drain() {
     return true;
 }
 
-void RecordingWriter::Tell(DWORD error) {
-    if ((error != ERROR_SUCCESS) != (m_error != ERROR_SUCCESS)) m_listener.OnWriting(m_files.back().recording, error);
+void RecordingWriter::Tell(DWORD error, const std::string& path) {
+    if ((error != ERROR_SUCCESS) != (m_error != ERROR_SUCCESS)) m_listener.OnWriting(path, error);
     m_error = error;
 }
 
 void RecordingWriter::Tick() {
-    if (!m_begun || m_replaces) return;
+    if (!m_begun || (m_replaces && (!m_valueCame || !ReplaceNow()))) return;
     Drain();
     if (m_recorder->CheckPlace() != ERROR_SUCCESS) KeepPlace();
     // Written, but not on the disk: nothing is to be written again, and somebody has to know.
@@ -239,7 +240,7 @@ void RecordingWriter::RotateIfDue(__int64 time) {
     if ((!old && !large) || !Drain()) return;
     const File file = NameFor(time);
     auto next = std::make_unique<CRecorder>();
-    if (const DWORD error = m_store.Create(file.recording, m_facts, *next)) return Tell(error);  // goes on in the old one, and tries again
+    if (const DWORD error = m_store.Create(file.recording, m_facts, *next)) return Tell(error, file.recording);  // goes on in the old one, and tries again
     const size_t slash = file.recording.find_last_of("/\\");
     m_recorder->AddEvent({time, RE_CONTINUED, 0, slash == std::string::npos ? file.recording : file.recording.substr(slash + 1)});
     m_recorder->Close();
@@ -251,7 +252,8 @@ void RecordingWriter::RotateIfDue(__int64 time) {
 }
 
 DWORD RecordingWriter::Close() {
-    if (!m_begun || m_replaces) return ERROR_SUCCESS;
+    if (!m_begun || (m_replaces && !m_valueCame)) return ERROR_SUCCESS;
+    if (m_replaces && !ReplaceNow()) return m_error;
     const bool all = Drain();
     const DWORD error = m_recorder->Close();
     return all ? error : m_error;

@@ -66,7 +66,7 @@ public:
     DWORD Close();
 
     bool HasBegun() const { return m_begun; }
-    size_t Waiting() const { return m_replaces ? 0 : m_waitingReadings; }
+    size_t Waiting() const { return m_replaces && !m_valueCame ? 0 : m_waitingReadings; }
     // Readings in all files of this run, those of an earlier one not counted.
     unsigned __int64 Written() const { return m_written; }
     // The files of this run in their order, and what each becomes ("": what it is).
@@ -94,10 +94,10 @@ private:
     DWORD Write(const Record& record);
     void Hold(Record record);
     bool Drain();
-    void Tell(DWORD error);
+    void Tell(DWORD error, const std::string& path);
     File NameFor(__int64 time) const;
     DWORD Create(const File& file, __int64 time);
-    void CreateNow(const File& file, __int64 time);
+    bool ReplaceNow();
     void KeepPlace();
     void RotateIfDue(__int64 time);
 
@@ -108,6 +108,7 @@ private:
     std::unique_ptr<CRecorder> m_recorder = std::make_unique<CRecorder>();
     std::vector<File> m_files;
     std::optional<File> m_replaces;  // the file that is made with the first value, in the place of one that is there
+    bool m_valueCame = false;
     bool m_begun = false;
     __int64 m_fileBegan = 0;
     unsigned __int64 m_written = 0;

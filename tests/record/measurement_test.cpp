@@ -513,7 +513,13 @@ TEST_F(WriterTest, ALoggerThatGivesNothingCostsNothing) {
     writer->Tick();
     EXPECT_EQ(store.files["x.rec"]->bytes, earlier);
     EXPECT_TRUE(writer->Files().empty());
-    Add(kBegun + 101 * kSecond, 2);
+    // Nor does one whose first values find no room.
+    store.room = 0;
+    Add(kBegun + 101 * kSecond, 1);
+    EXPECT_EQ(store.files["x.rec"]->bytes, earlier);
+    EXPECT_EQ(writer->Waiting(), 2u);
+    store.room = ~0ull;
+    Add(kBegun + 102 * kSecond, 1);
     EXPECT_EQ(Times("x.rec"), (std::vector<__int64>{kBegun + 100 * kSecond, kBegun + 101 * kSecond, kBegun + 102 * kSecond}));
     EXPECT_EQ(writer->Files().size(), 1u);
 }
