@@ -9,7 +9,7 @@ void (*g_expired)(void (*)(const char*));
 
 void Put(const char* text) {
     DWORD written = 0;
-    WriteFile(GetStdHandle(STD_ERROR_HANDLE), text, static_cast<DWORD>(std::strlen(text)), &written, nullptr);
+    WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), text, static_cast<DWORD>(std::strlen(text)), &written, nullptr);
 }
 void CALLBACK OnTimer(PVOID, BOOLEAN) {
     g_expired(Put);
