@@ -20,7 +20,7 @@
 #include <mutex>
 #include <string_view>
 
-#include "platform/posix/regional_text.h"
+#include "platform/posix/regional_text_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -138,6 +138,38 @@ TEST_F(ListenerTest, StopsAndStartsAgain) {
     EXPECT_TRUE(box.Next());
 }
 
+TEST_F(ListenerTest, AStopWhoseTimeRanOutStillStops) {
+    struct Slow : Opened<CSerialEx> {
+        ~Slow() override { Close(); }
+        void OnEvent(EEvent, EError) override {
+            ++calls;
+            ::SetEvent(inside);
+            ::WaitForSingleObject(goOn, kSoon);
+            ::SetEvent(returned);
+        }
+        const HANDLE inside = ::CreateEventA(nullptr, FALSE, FALSE, nullptr), goOn = ::CreateEventA(nullptr, FALSE, FALSE, nullptr),
+                     returned = ::CreateEventA(nullptr, FALSE, FALSE, nullptr);
+        std::atomic<int> calls{0};
+    } slow;
+    ASSERT_EQ(0, slow.Open(peer.Name(), 0, 0, true));
+    peer.Send("x");
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(slow.inside, kSoon));
+    EXPECT_EQ(0, slow.StopListener(1));
+    EXPECT_FALSE(slow.m_fStopping);
+    ASSERT_EQ(0, slow.StartListener());
+    ::SetEvent(slow.goOn);
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(slow.returned, kSoon));
+    // The new listener alone tells of what comes now.
+    peer.Send("y");
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(slow.inside, kSoon)) << "the new listener listens";
+    peer.Send("z");
+    EXPECT_EQ(WAIT_TIMEOUT, ::WaitForSingleObject(slow.inside, 100)) << "the stopped one does not";
+    EXPECT_EQ(2, slow.calls);
+    ::SetEvent(slow.goOn);
+    EXPECT_EQ(0, slow.Close());
+    for (const HANDLE event : {slow.inside, slow.goOn, slow.returned}) ::CloseHandle(event);
+}
+
 TEST_F(ListenerTest, CloseClearsTheWindowAndKeepsTheParameter) {
     Open();
     EXPECT_EQ(0, port.Close());

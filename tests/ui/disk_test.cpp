@@ -3,24 +3,11 @@
 
 #include <vector>
 
-#include "afx/app.h"
 #include "tests/support/regional_settings.h"
 #include "tests/ui/scratch_folder.h"
+#include "tests/ui/telling_app.h"
 
 namespace {
-
-// An application that keeps what its user would have been told.
-class TellingApp : public CWinApp {
-public:
-    TellingApp() : CWinApp("Disk test") {}
-    int DoMessageBox(LPCSTR prompt, UINT type, UINT) override {
-        told.emplace_back(prompt);
-        types.push_back(type);
-        return IDOK;
-    }
-    std::vector<std::string> told;
-    std::vector<UINT> types;
-};
 
 class Disk : public testing::Test {
 protected:
@@ -37,14 +24,7 @@ protected:
         EXPECT_EQ(CDisk::GetDir(dir), 1);
         return dir.GetString();
     }
-    // The one message since the last call.
-    std::string Told() {
-        EXPECT_EQ(app.told.size(), 1u);
-        const std::string text = app.told.empty() ? "" : app.told.back();
-        for (const UINT type : app.types) EXPECT_EQ(type, UINT{MB_ICONHAND});
-        app.told.clear(), app.types.clear();
-        return text;
-    }
+    std::string Told() { return app.Told(); }
 
     TellingApp app;
     TextLanguage english{LANG_ENGLISH};
