@@ -3,9 +3,8 @@
 
 #include <vector>
 
-#include "tests/support/regional_settings.h"
+#include "tests/support/dialog_fixture.h"
 #include "tests/ui/scratch_folder.h"
-#include "tests/ui/telling_app.h"
 
 namespace {
 
@@ -24,7 +23,11 @@ protected:
         EXPECT_EQ(CDisk::GetDir(dir), 1);
         return dir.GetString();
     }
-    std::string Told() { return app.Told(); }
+    // The one message since the last call.
+    std::string Told() {
+        for (const UINT type : app.types) EXPECT_EQ(type, UINT{MB_ICONHAND});
+        return app.Told();
+    }
 
     TellingApp app;
     TextLanguage english{LANG_ENGLISH};

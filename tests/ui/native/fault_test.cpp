@@ -2,9 +2,8 @@
 #include <cerrno>
 
 #include "platform/win32.h"
-#include "tests/support/regional_settings.h"
+#include "tests/support/dialog_fixture.h"
 #include "tests/ui/scratch_folder.h"
-#include "tests/ui/telling_app.h"
 
 namespace {
 struct Space {
