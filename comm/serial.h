@@ -129,8 +129,8 @@ public:
     // `written` may be null. The rules for `ov` and `timeout` are those of WaitEvent. After a time-out (1460) the write has
     // been cancelled and `written` is 0; a part may have gone out.
     virtual LONG Write(const void* data, size_t len, DWORD* written, OVERLAPPED* ov, DWORD timeout);
-    // As Write. How much must arrive is the read time-out mode's business. After a time-out `read` is 0, and what had come by then
-    // is what the next read begins with; one with an OVERLAPPED of the caller's then ends at once with those bytes alone.
+    // As Write. How much must arrive is the read time-out mode's business. After a time-out `read` is 0, and what had come by
+    // then is what the next read begins with; one with an OVERLAPPED of the caller's then ends at once with those bytes alone.
     virtual LONG Read(void* buf, size_t len, DWORD* read, OVERLAPPED* ov, DWORD timeout);
 
     // Empties both queues; reads and writes under way go on.

@@ -29,8 +29,8 @@ public:
 
     // One thread a port: starting a second time changes nothing and succeeds.
     virtual LONG StartListener();
-    // Always 0. A thread that cannot be woken is terminated. One that is still in OnEvent after `timeout` ms ends when that returns,
-    // calls nothing any more, and nobody waits for it: until then the object must live.
+    // Always 0. A thread that cannot be woken is terminated. One that is still in OnEvent after `timeout` ms ends when that
+    // returns, calls nothing any more, and nobody waits for it: until then the object must live.
     virtual LONG StopListener(DWORD timeout);
     // Called on the listener's thread, never with an empty event.
     virtual void OnEvent(EEvent event, EError error) = 0;

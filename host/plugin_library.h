@@ -14,7 +14,8 @@ public:
     PluginLibrary(const PluginLibrary&) = delete;
     PluginLibrary& operator=(const PluginLibrary&) = delete;
 
-    // Where plug-ins are looked for, the first one first: $ORVIK_PLUGINS, "plugins" beside the program, and where they are installed.
+    // Where plug-ins are looked for, the first one first: $ORVIK_PLUGINS, "plugins" beside the program, and where they are
+    // installed.
     static std::vector<std::string> Folders();
     // The families whose plug-ins are there and fit, by name.
     static std::vector<std::string> Families();

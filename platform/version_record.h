@@ -4,9 +4,9 @@
 //
 //   ORVIK_VERSION_RECORD(kind, numbers, version, product, name, windowsFile, otherFile, english, swedish)
 //
-// kind: VFT_APP or VFT_DLL; numbers: four, as 1, 0, 0, 0; version: the same as text; product, name: of the product, and of this part
-// of it; the files' names on the two homes; english, swedish: what it is, in UTF-8; English is taken for every language but Swedish. All
-// texts are literals.
+// kind: VFT_APP or VFT_DLL; numbers: four, as 1, 0, 0, 0; version: the same as text; product, name: of the product, and of this
+// part of it; the files' names on the two homes; english, swedish: what it is, in UTF-8; English is taken for every language but
+// Swedish. All texts are literals.
 //
 // In a CMake project that file is a source with the language RC on Windows, and CXX elsewhere.
 #pragma once
@@ -16,6 +16,7 @@
 #include <winresrc.h>
 #pragma code_page(65001)
 
+// clang-format off
 #define ORVIK_RECORD_TEXTS(description, version, product, name, file)                                                  \
     BEGIN VALUE "FileDescription", description VALUE "FileVersion", version VALUE "InternalName", name                 \
     VALUE "OriginalFilename", file VALUE "ProductName", product VALUE "ProductVersion", version END
@@ -32,6 +33,7 @@
       END                                                                                                              \
       BLOCK "VarFileInfo" BEGIN VALUE "Translation", 0x0409, 1200, 0x041D, 1200 END                                    \
     END
+// clang-format on
 
 #elif !defined(_WIN32)
 
@@ -132,13 +134,14 @@ struct VersionNote {
 
 }  // namespace orvik::detail
 
-#define ORVIK_VERSION_RECORD(kind, numbers, version, product, name, windowsFile, otherFile, english, swedish)                      \
-    namespace {                                                                                                                    \
-    constexpr orvik::detail::VersionBlock kVersionBlock(kind, {numbers},                                                           \
-                                                        {u"" english, u"" version, u"" product, u"" name, u"" otherFile},          \
-                                                        {u"" swedish, u"" version, u"" product, u"" name, u"" otherFile});         \
-    [[gnu::used, gnu::aligned(4), gnu::section(".note.orvik.version")]]                                                            \
-    constexpr orvik::detail::VersionNote<kVersionBlock.Size()> kVersionNote(kVersionBlock);                                        \
+#define ORVIK_VERSION_RECORD(kind, numbers, version, product, name, windowsFile, otherFile, english, swedish)              \
+    namespace {                                                                                                            \
+    constexpr orvik::detail::VersionBlock kVersionBlock(kind, {numbers},                                                   \
+                                                        {u"" english, u"" version, u"" product, u"" name, u"" otherFile},  \
+                                                        {u"" swedish, u"" version, u"" product, u"" name, u"" otherFile}); \
+    [[gnu::used, gnu::aligned(4),                                                                                          \
+      gnu::section(".note.orvik.version")]] constexpr orvik::detail::VersionNote<kVersionBlock.Size()>                     \
+        kVersionNote(kVersionBlock);                                                                                       \
     }
 
 #endif

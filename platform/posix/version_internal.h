@@ -1,5 +1,5 @@
-// Where version.cpp gets its bytes from: a file's version record, whichever home the file is for. Offsets and counts come from the
-// file, so each read is checked against the file's length, and nothing is read twice on the file's word.
+// Where version.cpp gets its bytes from: a file's version record, whichever home the file is for. Offsets and counts come from
+// the file, so each read is checked against the file's length, and nothing is read twice on the file's word.
 #pragma once
 
 #include <string>

@@ -112,7 +112,7 @@ TEST(Exceptions, SpeakTheUsersLanguage) {
     const struct {
         const CException& failure;
         const char *english, *swedish;
-    } cases[] = {{memory, "Out of memory.", "Minnet r\xE4" "cker inte."},
+    } cases[] = {{memory, "Out of memory.", "Slut p\xE5 minne."},
                  {ole, "The operation failed (0x80070057).", "\xC5tg\xE4rden misslyckades (0x80070057)."},
                  {archive, "a.odb: The file cannot be read or stored.", "a.odb: Filen kan inte l\xE4sas eller lagras."},
                  {last, "The file does not fit its buffer.", "Filen ryms inte i sin buffert."},

@@ -147,7 +147,8 @@ TEST_F(ListenerTest, AStopWhoseTimeRanOutStillStops) {
             ::WaitForSingleObject(goOn, kSoon);
             ::SetEvent(returned);
         }
-        const HANDLE inside = ::CreateEventA(nullptr, FALSE, FALSE, nullptr), goOn = ::CreateEventA(nullptr, FALSE, FALSE, nullptr),
+        const HANDLE inside = ::CreateEventA(nullptr, FALSE, FALSE, nullptr),
+                     goOn = ::CreateEventA(nullptr, FALSE, FALSE, nullptr),
                      returned = ::CreateEventA(nullptr, FALSE, FALSE, nullptr);
         std::atomic<int> calls{0};
     } slow;
