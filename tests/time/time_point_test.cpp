@@ -11,6 +11,7 @@
 #include "afx/exception.h"
 #include "afx/file.h"
 #include "tests/support/regional_settings.h"
+#include "time/local_zone.h"
 #include "time/local_zone_internal.h"
 #include "time/locale_cache.h"
 
