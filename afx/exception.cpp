@@ -1,10 +1,11 @@
 #include "afx/exception.h"
 
 #include "afx/message_box.h"
+#include "afx/module.h"
+#include "res/ids.h"
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <new>
 
 IMPLEMENT_DYNAMIC(CException, CObject)
@@ -16,6 +17,20 @@ IMPLEMENT_DYNAMIC(CResourceException, CException)
 IMPLEMENT_DYNAMIC(COleException, CException)
 IMPLEMENT_DYNAMIC(CArchiveException, CException)
 IMPLEMENT_DYNAMIC(CFileException, CException)
+
+namespace {
+CString Loaded(UINT id) {
+    CString text;
+    text.LoadString(id);
+    return text;
+}
+
+// One of the texts that stand in a row for the causes 0 to `last`; 1 is the cause without a better name.
+CString OfCause(UINT first, int cause, int last, const CString& file) {
+    const CString text = Loaded(first + static_cast<UINT>(cause >= 0 && cause <= last ? cause : 1));
+    return file.IsEmpty() ? text : file + ": " + text;
+}
+}  // namespace
 
 void CException::Delete() {
     if (m_bAutoDelete) delete this;
@@ -39,73 +54,49 @@ int CException::ReportError(UINT nType, UINT nMessageID) {
     char message[512];
     if (GetErrorMessage(message, sizeof message)) return AfxMessageBox(message, nType);
     CString text;
-    if (nMessageID == 0 || !text.LoadString(nMessageID)) text = "The operation failed.";
+    if (nMessageID == 0 || !text.LoadString(nMessageID)) text.LoadString(IDS_OPERATION_FAILED);
     return AfxMessageBox(text, nType, nMessageID);
 }
 
 BOOL CMemoryException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
-    return CopyMessage("Out of memory.", lpszError, nMaxError, pnHelpContext);
+    // Where there is not even memory to find the text in the user's language, it is said in English.
+    char text[128] = "";
+    try {
+        AfxLoadString(IDS_OUT_OF_MEMORY, text, sizeof text);
+    } catch (const std::bad_alloc&) {
+    }
+    return CopyMessage(text[0] != 0 ? text : "Out of memory.", lpszError, nMaxError, pnHelpContext);
 }
 
 BOOL CNotSupportedException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
-    return CopyMessage("The operation is not supported.", lpszError, nMaxError, pnHelpContext);
+    return CopyMessage(Loaded(IDS_NOT_SUPPORTED), lpszError, nMaxError, pnHelpContext);
 }
 
 BOOL CInvalidArgException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
-    return CopyMessage("An argument is not valid.", lpszError, nMaxError, pnHelpContext);
+    return CopyMessage(Loaded(IDS_BAD_ARGUMENT), lpszError, nMaxError, pnHelpContext);
 }
 
 BOOL CResourceException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
-    return CopyMessage("A resource was not found.", lpszError, nMaxError, pnHelpContext);
+    return CopyMessage(Loaded(IDS_NO_RESOURCE), lpszError, nMaxError, pnHelpContext);
 }
 
 BOOL COleException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
     CString text;
-    text.Format("The operation failed (0x%08X).", static_cast<unsigned>(m_sc));
+    text.Format(Loaded(IDS_OPERATION_FAILED_WITH), static_cast<unsigned>(m_sc));
     return CopyMessage(text, lpszError, nMaxError, pnHelpContext);
 }
 
 CArchiveException::CArchiveException(int cause, LPCSTR lpszArchiveName) : m_cause(cause), m_strFileName(lpszArchiveName) {}
 
 BOOL CArchiveException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
-    static constexpr const char* kTexts[] = {"No error occurred.",
-                                             "The file cannot be read.",
-                                             "The file was opened for reading and cannot be written.",
-                                             "The file ends too early.",
-                                             "The file was opened for writing and cannot be read.",
-                                             "The file refers to something that it does not hold.",
-                                             "The file holds an object of an unexpected kind.",
-                                             "The file was written by another version.",
-                                             "The file does not fit its buffer."};
-    const bool known = m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts));
-    CString text = kTexts[known ? m_cause : genericException];
-    if (!m_strFileName.IsEmpty()) text = m_strFileName + ": " + text;
-    return CopyMessage(text, lpszError, nMaxError, pnHelpContext);
+    return CopyMessage(OfCause(IDS_ARCHIVE_CAUSES, m_cause, bufferFull, m_strFileName), lpszError, nMaxError, pnHelpContext);
 }
 
 CFileException::CFileException(int cause, LONG lOsError, LPCSTR lpszArchiveName)
     : m_cause(cause), m_lOsError(lOsError), m_strFileName(lpszArchiveName) {}
 
 BOOL CFileException::GetErrorMessage(LPSTR lpszError, UINT nMaxError, UINT* pnHelpContext) const {
-    static constexpr const char* kTexts[] = {"No error occurred.",
-                                             "The file operation failed.",
-                                             "The file was not found.",
-                                             "The folder was not found.",
-                                             "Too many files are open.",
-                                             "Access to the file was denied.",
-                                             "The file is not open.",
-                                             "The current folder cannot be removed.",
-                                             "The folder is full.",
-                                             "The position in the file is not valid.",
-                                             "The device failed.",
-                                             "The file is in use.",
-                                             "A part of the file is locked.",
-                                             "The disk is full.",
-                                             "The file ends too early."};
-    const bool known = m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts));
-    CString text = kTexts[known ? m_cause : genericException];
-    if (!m_strFileName.IsEmpty()) text = m_strFileName + ": " + text;
-    return CopyMessage(text, lpszError, nMaxError, pnHelpContext);
+    return CopyMessage(OfCause(IDS_FILE_CAUSES, m_cause, endOfFile, m_strFileName), lpszError, nMaxError, pnHelpContext);
 }
 
 int CFileException::OsErrorToException(LONG lOsError) {

@@ -24,10 +24,10 @@ struct AxisMapping {
 
     // The pixel of a value: its distance from the origin's pixel truncated, all clamped to kFarthest. Values beyond twice the
     // single-precision range are clamped first. What is not a number lies as far before the origin as it can.
-    LONG ToCoordinate(double value) const;
+    ORVIK_API LONG ToCoordinate(double value) const;
 
     // The same without clamping, for ticks that may lie far outside the axis. Saturates at 2 to the power 60.
-    __int64 ToFarCoordinate(double value) const;
+    ORVIK_API __int64 ToFarCoordinate(double value) const;
 
 private:
     static double Distance(LONG from, LONG to) { return static_cast<double>(to) - static_cast<double>(from); }

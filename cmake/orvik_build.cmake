@@ -104,7 +104,9 @@ function(orvik_shared_library)
   if(WIN32)
     set_target_properties(OrvikShared PROPERTIES PREFIX "")  # OrvikShared.dll: stock icons are found by this name
   else()
-    set_target_properties(OrvikShared PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    set_target_properties(OrvikShared PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+                                                 LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/exports.map)
+    target_link_options(OrvikShared PRIVATE -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map)
   endif()
 endfunction()
 

@@ -21,25 +21,29 @@ foreach(folder IN ITEMS platform afx toolkit frame time xml commands propdb reco
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/${folder} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvik
           FILES_MATCHING PATTERN "*.h" REGEX "${ORVIK_INTERNAL}|${ORVIK_OTHER_HOME}" EXCLUDE)
 endforeach()
-# What the host offers its plug-ins is public as well.
+# The numbers of the texts and cursors that a host may load, and what the host offers its plug-ins.
+install(FILES ${CMAKE_SOURCE_DIR}/res/ids.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvik/res)
 install(FILES ${CMAKE_SOURCE_DIR}/host/logger_family.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvik/host)
 
 install(TARGETS OrvikShared EXPORT OrvikShared
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT OrvikShared FILE OrvikSharedTargets.cmake NAMESPACE OrvikShared:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvikShared)
 file(WRITE ${CMAKE_BINARY_DIR}/OrvikSharedConfig.cmake "include(\${CMAKE_CURRENT_LIST_DIR}/OrvikSharedTargets.cmake)\n")
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/OrvikSharedConfigVersion.cmake COMPATIBILITY ExactVersion)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/OrvikSharedConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/OrvikSharedConfig.cmake ${CMAKE_BINARY_DIR}/OrvikSharedConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvikShared)
 
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
-# Placed by its own folder, so that a moved tree still works.
+# Placed by its own folder, so that a moved tree still works, however deep the libraries lie in it.
+set(folder ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${folder} OUTPUT_VARIABLE prefix)
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_INCLUDEDIR BASE_DIRECTORY ${folder} OUTPUT_VARIABLE includes)
 file(WRITE ${CMAKE_BINARY_DIR}/orvikshared.pc
-"prefix=\${pcfiledir}/../..
-libdir=\${prefix}/${CMAKE_INSTALL_LIBDIR}
-includedir=\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}/orvik
+"prefix=\${pcfiledir}/${prefix}
+libdir=\${pcfiledir}/..
+includedir=\${pcfiledir}/${includes}/orvik
 
 Name: OrvikShared
 Description: ${PROJECT_DESCRIPTION}
@@ -54,6 +58,6 @@ if(TARGET orvikhost AND TARGET orvik_modbus)
   if(WIN32)
     install(TARGETS orvik_modbus LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR}/plugins)
   else()
-    install(TARGETS orvik_modbus LIBRARY DESTINATION lib/orvik/plugins)
+    install(TARGETS orvik_modbus LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/orvik/plugins)
   endif()
 endif()

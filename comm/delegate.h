@@ -6,6 +6,8 @@
 // both words are equal: the same object and the same function.
 #pragma once
 
+#include "platform/api.h"
+
 template <class R, class... Args>
 class delegate {
 public:

@@ -1,5 +1,7 @@
 #include "comm/serial.h"
 
+#include "comm/held_bytes_internal.h"
+
 #include <cstring>
 #include <string>
 
@@ -108,6 +110,7 @@ void CSerial::CloseHandles() {
         ::CloseHandle(m_hevtOverlapped);
         m_hevtOverlapped = nullptr;
     }
+    orvik::detail::DropHeldBytes(m_hFile);
     ::CloseHandle(m_hFile);
     m_hFile = nullptr;
 }
@@ -226,6 +229,7 @@ BYTE CSerial::GetEventChar() {
 LONG CSerial::Purge() {
     Result(ERROR_SUCCESS);
     if (!m_hFile) return Result(ERROR_INVALID_HANDLE);
+    orvik::detail::DropHeldBytes(m_hFile);
     return ::PurgeComm(m_hFile, PURGE_TXCLEAR | PURGE_RXCLEAR) ? ERROR_SUCCESS : Failed();
 }
 

@@ -127,9 +127,10 @@ public:
     // The text without its terminator, through the form for bytes.
     virtual LONG Write(const char* text, DWORD* written, OVERLAPPED* ov, DWORD timeout);
     // `written` may be null. The rules for `ov` and `timeout` are those of WaitEvent. After a time-out (1460) the write has
-    // been cancelled and `written` is 0.
+    // been cancelled and `written` is 0; a part may have gone out.
     virtual LONG Write(const void* data, size_t len, DWORD* written, OVERLAPPED* ov, DWORD timeout);
-    // As Write. How much must arrive is the read time-out mode's business.
+    // As Write. How much must arrive is the read time-out mode's business. After a time-out `read` is 0, and what had come by
+    // then is what the next read begins with; one with an OVERLAPPED of the caller's then ends at once with those bytes alone.
     virtual LONG Read(void* buf, size_t len, DWORD* read, OVERLAPPED* ov, DWORD timeout);
 
     // Empties both queues; reads and writes under way go on.
@@ -179,6 +180,7 @@ private:
     LONG GetState(DCB& dcb);
     LONG SetState(DCB& dcb);
     bool ModemLine(DWORD bit);
+    bool IsNonBlocking();
     void CloseHandles();
     template <class Start>
     LONG Perform(OVERLAPPED* ov, DWORD timeout, DWORD* count, bool unlinked, Start start);

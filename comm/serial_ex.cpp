@@ -1,18 +1,29 @@
 #include "comm/serial_ex.h"
 
+#include <memory>
+
 static_assert(sizeof(CSerialEx) == (sizeof(void*) == 4 ? 36 : 64), "the layout that modules built apart rely on");
+
+namespace {
+struct Start {
+    CSerialEx* port;
+    WORD number;
+};
+}  // namespace
 
 CSerialEx::CSerialEx() = default;
 
 CSerialEx::CSerialEx(const CSerialEx& other)
     : CSerial(other),
       m_fStopping(other.m_fStopping.load()),
+      m_nStops(other.m_nStops.load()),
       m_hThread(other.m_hThread),
       m_hevtOverlappedWorkerThread(other.m_hevtOverlappedWorkerThread) {}
 
 CSerialEx& CSerialEx::operator=(const CSerialEx& other) {
     CSerial::operator=(other);
     m_fStopping = other.m_fStopping.load();
+    m_nStops = other.m_nStops.load();
     m_hThread = other.m_hThread;
     m_hevtOverlappedWorkerThread = other.m_hevtOverlappedWorkerThread;
     return *this;
@@ -49,13 +60,17 @@ void CSerialEx::CloseListenerEvent() {
 LONG CSerialEx::StartListener() {
     if (m_hThread) return Result(ERROR_SUCCESS);
     DWORD id = 0;
-    m_hThread = ::CreateThread(nullptr, 0, ListenerEntry, this, 0, &id);
-    return Result(m_hThread ? ERROR_SUCCESS : ::GetLastError());
+    auto start = std::make_unique<Start>(this, m_nStops.load());
+    m_hThread = ::CreateThread(nullptr, 0, ListenerEntry, start.get(), 0, &id);
+    if (!m_hThread) return Result(::GetLastError());
+    start.release();  // the thread's
+    return Result(ERROR_SUCCESS);
 }
 
 LONG CSerialEx::StopListener(DWORD timeout) {
     if (!m_hThread) return Result(ERROR_SUCCESS);
     m_fStopping = true;
+    ++m_nStops;
     if (SetMask(GetEventMask()) == ERROR_SUCCESS) {
         ::WaitForSingleObject(m_hThread, timeout);
     } else if (constexpr DWORD grace = 50; ::WaitForSingleObject(m_hThread, grace) != WAIT_OBJECT_0) {
@@ -69,12 +84,16 @@ LONG CSerialEx::StopListener(DWORD timeout) {
     return Result(ERROR_SUCCESS);
 }
 
-DWORD WINAPI CSerialEx::ListenerEntry(LPVOID self) { return static_cast<CSerialEx*>(self)->Listen(); }
+DWORD WINAPI CSerialEx::ListenerEntry(LPVOID start) {
+    const std::unique_ptr<Start> mine(static_cast<Start*>(start));
+    return mine->port->Listen(mine->number);
+}
 
 // The thread's exit code: 0 after a stop, else the error that ended it.
-DWORD CSerialEx::Listen() {
-    const auto died = [this](DWORD code) {
-        OnEvent(ListenerDiedEvent, ListenerDiedError);
+DWORD CSerialEx::Listen(WORD number) {
+    const auto stopped = [this, number] { return m_nStops != number; };
+    const auto died = [this, stopped](DWORD code) {
+        if (!stopped()) OnEvent(ListenerDiedEvent, ListenerDiedError);
         return code;
     };
     for (;;) {
@@ -85,12 +104,12 @@ DWORD CSerialEx::Listen() {
 
         // A stop that came after the last check has set the mask while no wait was under way. Setting it once more ends
         // this one, so no stop is ever missed.
-        if (m_fStopping) ::SetCommMask(m_hFile, m_dwEventMask);
+        if (stopped()) ::SetCommMask(m_hFile, m_dwEventMask);
 
         if (::WaitForSingleObject(m_hevtOverlappedWorkerThread, INFINITE) != WAIT_OBJECT_0) {
             return died(static_cast<DWORD>(Result(::GetLastError())));
         }
-        if (m_fStopping) return 0;
+        if (stopped()) return 0;
 
         const DWORD event = m_eEvent & m_dwEventMask;
         m_eEvent = EventNone;
@@ -98,6 +117,6 @@ DWORD CSerialEx::Listen() {
         COMSTAT queues{};
         if (!::ClearCommError(m_hFile, &errors, &queues)) return died(static_cast<DWORD>(Result(::GetLastError())));
         if (event) OnEvent(static_cast<EEvent>(event), static_cast<EError>(errors));
-        if (m_fStopping) return 0;
+        if (stopped()) return 0;
     }
 }

@@ -29,7 +29,8 @@ public:
 
     // One thread a port: starting a second time changes nothing and succeeds.
     virtual LONG StartListener();
-    // Always 0. After `timeout` ms the thread may still be on its way out; a thread that cannot be woken is terminated.
+    // Always 0. A thread that cannot be woken is terminated. One that is still in OnEvent after `timeout` ms ends when that
+    // returns, calls nothing any more, and nobody waits for it: until then the object must live.
     virtual LONG StopListener(DWORD timeout);
     // Called on the listener's thread, never with an empty event.
     virtual void OnEvent(EEvent event, EError error) = 0;
@@ -40,10 +41,11 @@ protected:
     void CloseListenerEvent();
 
     std::atomic<bool> m_fStopping{false};
+    std::atomic<WORD> m_nStops{0};  // a listener that was there at an earlier count has been stopped
     HANDLE m_hThread = nullptr;
     HANDLE m_hevtOverlappedWorkerThread = nullptr;  // manual reset
 
 private:
-    static DWORD WINAPI ListenerEntry(LPVOID self);
-    DWORD Listen();
+    static DWORD WINAPI ListenerEntry(LPVOID start);
+    DWORD Listen(WORD number);
 };

@@ -38,7 +38,9 @@ LONG CSerialOrvik::Open(const char* name, COrvikConnection* connection, DWORD dw
 }
 
 LONG CSerialOrvik::Close() {
-    if (!m_strPort.IsEmpty()) {
+    // A second Close finds the name taken by whoever opened it since.
+    CSerialOrvik* holder = nullptr;
+    if (m_mapPorts.Lookup(m_strPort, holder) && holder == this) {
         CSerialDevice::RemoveBusyPort(m_strPort);
         m_mapPorts.RemoveKey(m_strPort);
         if (m_mapPorts.IsEmpty()) m_mapPorts.RemoveAll();

@@ -28,7 +28,7 @@ public:
     // The first call makes the notification window, and so decides on which thread that is. 1400 if that failed; a port
     // that another holds is 5. Whatever fails, the records keep what they had.
     virtual LONG Open(const char* name, COrvikConnection* connection, DWORD dwInQueue, DWORD dwOutQueue);
-    // Takes the port off the records. A trace line that is being collected stays.
+    // Takes the port off the records, where they still name this one. A trace line that is being collected stays.
     LONG Close() override;
     LONG Write(const void* data, size_t len, DWORD* written, OVERLAPPED* ov, DWORD timeout) override;
     LONG Read(void* buf, size_t len, DWORD* read, OVERLAPPED* ov, DWORD timeout) override;

@@ -11,14 +11,14 @@ class CArchive;
 inline constexpr int kGroupMarkerReached = -2;
 
 // Stands at the beginning; see COrvikCommandManager::BeginGroup.
-class ORVIK_API CRedoGroupCommand : public CDoCommand {
+class CRedoGroupCommand : public CDoCommand {
 public:
     int OnUndo() override;  // kGroupMarkerReached
     int OnRedo() override;  // does the commands up to the end marker again; 1, whatever they answer
 };
 
 // Stands at the end; see COrvikCommandManager::EndGroup.
-class ORVIK_API CUndoGroupCommand : public CDoCommand {
+class CUndoGroupCommand : public CDoCommand {
 public:
     int OnUndo() override;  // undoes the commands back to the begin marker; 1, whatever they answer
     int OnRedo() override;  // kGroupMarkerReached

@@ -1,4 +1,4 @@
-// The version resource of a PE file, through everything that reads it.
+// The version resource of a PE or ELF file, through everything that reads it.
 #include <sys/mman.h>
 #include <unistd.h>
 

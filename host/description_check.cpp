@@ -9,7 +9,7 @@
 #include "host/console.h"
 #include "host/texts.h"
 #include "host/value_text.h"
-#include "propdb/property_key.h"
+#include "propdb/key_segments.h"
 
 namespace {
 using Segments = std::vector<std::string>;

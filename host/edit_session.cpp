@@ -5,7 +5,7 @@
 #include "host/console.h"
 #include "host/texts.h"
 #include "host/value_text.h"
-#include "propdb/property_key.h"
+#include "propdb/key_segments.h"
 
 using orvik::detail::FindSeparator;
 using orvik::detail::TakeSegment;

@@ -45,6 +45,13 @@ void DescribeEmbeddedLogger(CPropertyDB& db) {
     AddChannel(db, "5", "Level", "mm", 106, "int32", "high", 0.001, 0);
 }
 
+// House texts in a sentence.
+std::string Listed(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + ToUtf8(name);
+    return text;
+}
+
 // The family that a description is for, and that knows all of its keys.
 ILoggerFamily& FamilyOf(CHostApp& app, CPropertyDB& description) {
     CString name;
@@ -54,7 +61,9 @@ ILoggerFamily& FamilyOf(CHostApp& app, CPropertyDB& description) {
         CheckKeys(description, plugin->DescriptionKeys());
         return *plugin;
     }
-    throw Failure{kWrongUse, Say(Text::NoFamily, {ToUtf8(family), ToUtf8(PluginLibrary::Folders().front())})};
+    const std::string families = Listed(PluginLibrary::Families());
+    throw Failure{kWrongUse, Say(Text::NoFamily, {ToUtf8(family), Listed(PluginLibrary::Folders()),
+                                                  families.empty() ? Say(Text::NoPlugin) : families})};
 }
 
 // What `make` makes of the description, whose mistakes are the user's.

@@ -1,5 +1,7 @@
 #include "host/plugin_library.h"
 
+#include <set>
+
 #include "frame/plugin_stamp.h"
 #include "host/console.h"
 #include "host/texts.h"
@@ -16,6 +18,13 @@ std::string ProgramFolder() {
     const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
     const std::string name(path, length < sizeof path ? length : 0);
     return name.substr(0, name.find_last_of("/\\"));
+}
+
+// The path without detours.
+std::string Whole(const std::string& path) {
+    char text[4096];
+    const DWORD length = GetFullPathNameA(path.c_str(), sizeof text, text, nullptr);
+    return length > 0 && length < sizeof text ? std::string(text, length) : path;
 }
 
 // The files of a folder, in the order of their names.
@@ -38,10 +47,11 @@ PluginLibrary::~PluginLibrary() {
 }
 
 std::vector<std::string> PluginLibrary::Folders() {
-    const std::string chosen = Environment("ORVIK_PLUGINS");
-    if (!chosen.empty()) return {chosen};
     const std::string program = ProgramFolder();
-    return {program + "/plugins", program + "/../plugins", program + "/../lib/orvik/plugins"};
+    std::vector<std::string> folders = {Whole(program + "/plugins"), Whole(program + "/" ORVIK_PLUGIN_FOLDER)};
+    const std::string chosen = Environment("ORVIK_PLUGINS");
+    if (!chosen.empty()) folders.insert(folders.begin(), Whole(chosen));
+    return folders;
 }
 
 ILoggerFamily* PluginLibrary::Find(const std::string& family) {
@@ -61,6 +71,17 @@ ILoggerFamily* PluginLibrary::Find(const std::string& family) {
     }
     if (!otherVersion.empty()) throw Failure{kWrongUse, otherVersion};
     return nullptr;
+}
+
+std::vector<std::string> PluginLibrary::Families() {
+    std::set<std::string> families;
+    for (const std::string& folder : Folders()) {
+        for (const std::string& path : FilesIn(folder)) {
+            CString name, version;
+            if (OrvikCheckPlugin(path.c_str(), name, version) == PF_FITS) families.insert(static_cast<const char*>(name));
+        }
+    }
+    return {families.begin(), families.end()};
 }
 
 ILoggerFamily* PluginLibrary::Load(const std::string& path) {

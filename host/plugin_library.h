@@ -14,8 +14,11 @@ public:
     PluginLibrary(const PluginLibrary&) = delete;
     PluginLibrary& operator=(const PluginLibrary&) = delete;
 
-    // $ORVIK_PLUGINS, else "plugins" beside the program, else lib/orvik/plugins beside the program's folder.
+    // Where plug-ins are looked for, the first one first: $ORVIK_PLUGINS, "plugins" beside the program, and where they are
+    // installed.
     static std::vector<std::string> Folders();
+    // The families whose plug-ins are there and fit, by name.
+    static std::vector<std::string> Families();
 
     // The family of this name, its plug-in loaded if it was not. Null when no plug-in is of that family. A plug-in of that family
     // which was built for another module version, or which cannot be loaded, is a Failure; no code of it has run in the first

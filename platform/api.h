@@ -2,6 +2,10 @@
 // ORVIK_BUILD is defined while the library itself is compiled, ORVIK_STATIC by programs that link its objects directly.
 #pragma once
 
+#if __cplusplus <= 201703L
+#error "OrvikShared needs C++20: compile with -std=c++20"
+#endif
+
 #if defined(_WIN32)
 #if defined(ORVIK_STATIC)
 #define ORVIK_API

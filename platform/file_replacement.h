@@ -44,6 +44,6 @@ private:
 };
 
 // The whole of it for contents that are at hand.
-DWORD ReplaceWholeFile(const std::string& path, std::string_view content);
+ORVIK_API DWORD ReplaceWholeFile(const std::string& path, std::string_view content);
 
 }  // namespace orvik::detail

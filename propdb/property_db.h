@@ -126,7 +126,6 @@ private:
     static void DeleteObject(CObject* object);
     static void DeleteChildren(CMapStringToOb& node);
 
-    bool IsOverridden() const;
     template <class Array>
     BOOL SetMoving(const char* key, Array& value);
     template <class Array, class Value>

@@ -6,12 +6,14 @@
 #include <typeinfo>
 
 // A derived class may look at what passes through the virtual functions; without one, nobody can tell which way a value takes.
-inline bool CPropertyDB::IsOverridden() const { return typeid(*this) != typeid(CPropertyDB); }
+namespace orvik::detail {
+inline bool IsOverridden(const CPropertyDB& database) { return typeid(database) != typeid(CPropertyDB); }
+}  // namespace orvik::detail
 
 // Sets a value that nobody needs afterwards, by taking its contents over. Not where a derived class may look at it on the way.
 template <class Array>
 BOOL CPropertyDB::SetMoving(const char* key, Array& value) {
-    if (IsOverridden()) return SetValue(key, value);
+    if (orvik::detail::IsOverridden(*this)) return SetValue(key, value);
     struct Movable {
         CPropertyDB& database;
         const CObject* const before;

@@ -4,6 +4,7 @@
 #include "propdb/property_xml_reader.h"
 #include "xml/number_text.h"
 #include "xml/short_text.h"
+#include "xml/xml_escapes.h"
 #include "xml/xml_writer.h"
 
 #include <vector>

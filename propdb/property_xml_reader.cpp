@@ -179,7 +179,7 @@ bool PropertyXmlReader::AffordNodes(const char* name) {
 void PropertyXmlReader::FindNode() {
     const std::string_view path = m_database.m_strUsing.GetView();
     CObject* found = nullptr;
-    if (m_database.IsOverridden() || path.find_first_of("'\"") != path.npos) return;
+    if (IsOverridden(m_database) || path.find_first_of("'\"") != path.npos) return;
     if (m_database.Walk(path.substr(0, path.empty() ? 0 : path.size() - 1), found)) m_node = AsNode(found);
 }
 

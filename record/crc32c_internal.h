@@ -10,9 +10,9 @@
 namespace orvik::detail {
 
 // The CRC of `size` bytes that follow those whose CRC is `before` (0 for none).
-ORVIK_API uint32_t Crc32c(const void* bytes, size_t size, uint32_t before = 0);
+uint32_t Crc32c(const void* bytes, size_t size, uint32_t before = 0);
 
 // The same by tables alone, as processors without an instruction for it do.
-ORVIK_API uint32_t Crc32cByTables(const void* bytes, size_t size, uint32_t before = 0);
+uint32_t Crc32cByTables(const void* bytes, size_t size, uint32_t before = 0);
 
 }  // namespace orvik::detail

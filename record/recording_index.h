@@ -20,7 +20,7 @@ struct CRecordingSpan {
     std::vector<Extremes> channels;
 
     // One more reading of `count` channels.
-    void Add(__int64 time, const double* values, size_t count);
+    ORVIK_API void Add(__int64 time, const double* values, size_t count);
 };
 
 class ORVIK_API CRecordingIndex {

@@ -70,7 +70,8 @@
 #define IDC_HOST_WHAT 1232
 #define IDC_HOST_PURPOSE 1233
 
-/* Texts: 823 to 827 file copying, 828 to 838 protocol failures, 840 to 849 property list and data exchange, 8083 floating tag. */
+/* Texts: 823 to 827 file copying, 828 to 838 protocol failures, 840 to 849 property list and data exchange, 870 to 904
+   framework exceptions, 8083 floating tag. */
 #define IDS_FILE_SAME 823
 #define IDS_FILE_NOT_COPIED 824
 #define IDS_FILE_ACCESS_DENIED 825
@@ -89,6 +90,14 @@
 #define IDS_EXPAND_ALL 847
 #define IDS_COLLAPSE_ALL 848
 #define IDS_BAD_COLOR 849
+#define IDS_OPERATION_FAILED 870
+#define IDS_OUT_OF_MEMORY 871
+#define IDS_NOT_SUPPORTED 872
+#define IDS_BAD_ARGUMENT 873
+#define IDS_NO_RESOURCE 874
+#define IDS_OPERATION_FAILED_WITH 875
+#define IDS_ARCHIVE_CAUSES 880
+#define IDS_FILE_CAUSES 890
 #define IDS_LONG_MONTH 8000
 #define IDS_SHORT_MONTH 8012
 #define IDS_LONG_DAY 8024

@@ -1,4 +1,5 @@
 #include "time/local_zone.h"
+#include "time/local_zone_internal.h"
 
 #include <algorithm>
 #include <atomic>

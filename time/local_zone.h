@@ -29,8 +29,4 @@ ORVIK_API __int64 LocalSeconds(const tm& fields, int offset = kAnyOffset);
 // NlsToolsUpdate does.
 ORVIK_API void RefreshLocalZone();
 
-// Local midnight of 1 January of a year, in seconds since 1970; raises the framework's exception for E_INVALIDARG if `makeTime`
-// (the C library's _mktime64 but for tests) cannot tell.
-ORVIK_API __int64 LocalNewYear(int year, __time64_t (*makeTime)(tm*) = &_mktime64);
-
 }  // namespace orvik::detail

@@ -7,6 +7,7 @@
 #include "time/date_picture_internal.h"
 #include "time/integer_internal.h"
 #include "time/local_zone.h"
+#include "time/local_zone_internal.h"
 #include "time/locale_cache.h"
 
 using namespace orvik::detail;

@@ -1,6 +1,8 @@
 // The toolkit's rectangle of doubles. A value type; any thread.
 #pragma once
 
+#include "platform/api.h"
+
 // The members in memory order. A rectangle of charts: top may lie above or below bottom, as the axis has it.
 class CBCGPRect {
 public:

@@ -13,19 +13,19 @@ struct ProgressLook {
 };
 
 // Moves, hides and shortens, once after the dialog was made from its template. The height of the client area that is left.
-ORVIK_API int LayOutProgress(CWnd& dialog, const ProgressLook& look);
+int LayOutProgress(CWnd& dialog, const ProgressLook& look);
 
 // Whole percents, truncated. Beyond 100 it counts again from 0, on purpose; 100 itself stays. A range without length is 0.
-ORVIK_API int ProgressPercent(LONG position, LONG least, LONG most);
+int ProgressPercent(LONG position, LONG least, LONG most);
 
 // Shows the percentage as "42 %", and only when that is not shown already.
-ORVIK_API void ShowPercent(CWnd& text, int percent);
+void ShowPercent(CWnd& text, int percent);
 
 // Handles every message that waits. FALSE when the dialog is gone, before or after, and at the quit message, which is posted
 // again.
-ORVIK_API BOOL PumpProgressMessages(CWnd& dialog);
+BOOL PumpProgressMessages(CWnd& dialog);
 
 // Shows a hidden dialog whose owner can be seen.
-ORVIK_API void ShowWithOwner(CWnd& dialog);
+void ShowWithOwner(CWnd& dialog);
 
 }  // namespace orvik::detail

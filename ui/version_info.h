@@ -1,5 +1,6 @@
 // What a program or library says of itself in its version resource: version numbers, flags, kind, and texts in the language of
-// the system. On Linux too, of Windows files (PE); a file of another kind has no version information. One thread at a time for
+// the system. On Linux of Windows files (PE) and of ELF files that carry a record (platform/version_record.h), which the module,
+// the host and its plug-ins do; any other file has no version information. One thread at a time for
 // one object. The object owns its copy of the resource; texts that it returns live as long as that. No errors are reported: a
 // file that cannot be read or has no version information gives an object that is not valid and whose texts are empty.
 #pragma once

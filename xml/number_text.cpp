@@ -119,7 +119,7 @@ double ParseReal(std::string_view text) {
     std::from_chars_result result =
         std::from_chars(hex ? at + 2 : at, end, value, hex ? std::chars_format::hex : std::chars_format::general);
     if (result.ec == std::errc::result_out_of_range) value = OutOfRange(hex ? at + 2 : at, result.ptr, hex);
-    if (result.ec == std::errc::invalid_argument) value = 0.0;
+    if (result.ec == std::errc::invalid_argument) return 0.0;  // a sign alone is no number, and leaves none
     return negative ? -value : value;
 }
 

@@ -1,5 +1,7 @@
 #include "xml/xml_scanner.h"
 
+#include "xml/xml_escapes.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>

@@ -2,6 +2,7 @@
 
 #include "afx/exception.h"
 #include "xml/number_text.h"
+#include "xml/xml_escapes.h"
 
 using orvik::detail::GeneralText;
 using orvik::detail::IntegerText;

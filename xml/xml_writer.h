@@ -9,6 +9,7 @@
 #include "afx/array.h"
 #include "afx/file.h"
 #include "afx/string.h"
+#include "xml/short_text.h"
 #include "xml/xml_text.h"
 
 #include <initializer_list>

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <string>
 
+#include "platform/posix/text_internal.h"
+
 DWORD OrvikArgumentText(const char* word, char* out, DWORD size) {
     const std::string text = orvik::detail::HousePath(word);
     if (text.size() >= size) return static_cast<DWORD>(text.size()) + 1;

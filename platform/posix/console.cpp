@@ -12,7 +12,7 @@
 #include <unistd.h>
 
 #include "platform/posix/errors.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace {
 int StreamNumber(HANDLE stream) {

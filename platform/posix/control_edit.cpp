@@ -8,7 +8,7 @@
 #include "platform/posix/control_internal.h"
 #include "platform/posix/edit_text_internal.h"
 #include "platform/posix/scroll_part_internal.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "platform/posix/dialog_internal.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "platform/posix/drives_internal.h"
 #include "platform/posix/files.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -1,5 +1,5 @@
 // The C run-time's calls for the working directory, drives and access to a file, as on Windows. Names are this house's
-// (SystemPath in text.h). The working directory is told with its drive and backslashes, so that _chdir, _chdrive and CDisk can
+// (docs/files.md). The working directory is told with its drive and backslashes, so that _chdir, _chdrive and CDisk can
 // take it back. Any thread; the working directory and the current drive are the process's. Failures set errno.
 #pragma once
 

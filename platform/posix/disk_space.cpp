@@ -4,9 +4,9 @@
 #include <string>
 
 #include "platform/posix/drives_internal.h"
-#include "platform/posix/errors.h"
+#include "platform/posix/errors_internal.h"
 #include "platform/posix/files.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 using namespace orvik::detail;
 

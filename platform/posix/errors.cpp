@@ -1,4 +1,4 @@
-#include "platform/posix/errors.h"
+#include "platform/posix/errors_internal.h"
 
 #include <cerrno>
 

@@ -1,4 +1,4 @@
-// Win32 error codes, the calling thread's last error, and the one translator from errno.
+// Win32 error codes, and the calling thread's last error.
 #pragma once
 
 #include "platform/api.h"
@@ -77,8 +77,3 @@
 
 ORVIK_API DWORD WINAPI GetLastError();
 ORVIK_API void WINAPI SetLastError(DWORD code);
-
-namespace orvik::detail {
-// The Win32 code for an errno value; 31 (general failure) for one that has no better.
-DWORD ErrorFromErrno(int error);
-}  // namespace orvik::detail

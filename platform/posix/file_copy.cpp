@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/posix/errors.h"
+#include "platform/posix/errors_internal.h"
 #include "platform/posix/files.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace {
 using orvik::detail::ErrorFromErrno;

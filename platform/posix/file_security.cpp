@@ -7,8 +7,8 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/errors.h"
-#include "platform/posix/text.h"
+#include "platform/posix/errors_internal.h"
+#include "platform/posix/text_internal.h"
 
 namespace {
 struct Descriptor {

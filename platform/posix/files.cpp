@@ -17,7 +17,7 @@
 #include <string_view>
 
 #include "platform/posix/handle_table_internal.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 using namespace orvik::detail;
 

@@ -1,4 +1,4 @@
-// Files, folders and disks under their Win32 calls. Names are this house's text (see SystemPath in text.h): "/" and backslash
+// Files, folders and disks under their Win32 calls. Names are this house's text: "/" and backslash
 // separate folders, drive letters are understood (docs/files.md). Names that are given back are the system's own, with "/".
 // CreateFileA, ReadFile and WriteFile serve ports and files alike and stand in io.h. Any thread.
 #pragma once

@@ -10,7 +10,7 @@
 #include <list>
 #include <numbers>
 
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik::detail {
 namespace {

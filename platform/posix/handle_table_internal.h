@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/posix/errors.h"
+#include "platform/posix/errors_internal.h"
 #include "platform/posix/handles.h"
 
 namespace orvik::detail {

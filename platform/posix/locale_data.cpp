@@ -21,7 +21,7 @@
 #include <string_view>
 
 #include "platform/posix/locale_pictures_internal.h"
-#include "platform/posix/regional_text.h"
+#include "platform/posix/regional_text_internal.h"
 
 namespace orvik::detail {
 namespace {

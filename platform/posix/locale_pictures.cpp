@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "platform/posix/locale_pictures_internal.h"
-#include "platform/posix/regional_text.h"
+#include "platform/posix/regional_text_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -1,25 +1,11 @@
 #include "platform/posix/message_box.h"
 
 #include "platform/posix/errors.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 #include <cstdio>
 #include <iterator>
-#include <mutex>
-#include <utility>
-
-namespace {
-constexpr size_t kKept = 64;
-std::mutex g_lock;
-std::vector<orvik::detail::ShownMessage> g_shown;
-}  // namespace
-
-namespace orvik::detail {
-std::vector<ShownMessage> TakeShownMessages() {
-    const std::lock_guard lock(g_lock);
-    return std::exchange(g_shown, {});
-}
-}  // namespace orvik::detail
+#include <string>
 
 int MessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT type) {
     static constexpr int kButtons[][3] = {
@@ -35,9 +21,5 @@ int MessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT type) {
     std::fputs(line.c_str(), stderr);
     const UINT wanted = (type & MB_DEFMASK) >> 8;
     const bool there = wanted < 3 && kButtons[set][wanted] != 0;
-    const int answer = kButtons[set][there ? wanted : 0];
-    const std::lock_guard lock(g_lock);
-    if (g_shown.size() == kKept) g_shown.erase(g_shown.begin());
-    g_shown.push_back({text != nullptr ? text : "", caption != nullptr ? caption : "Error", type, answer});
-    return answer;
+    return kButtons[set][there ? wanted : 0];
 }

@@ -1,9 +1,6 @@
-// Message boxes where there is no screen: the text goes to the standard error stream, and the default button is the answer. The
-// last ones are kept, so that a program without a user can look up what it was told. Any thread.
+// Message boxes where there is no screen: the text goes to the standard error stream, and the default button is the answer.
+// Any thread.
 #pragma once
-
-#include <string>
-#include <vector>
 
 #include "platform/api.h"
 #include "platform/posix/types.h"
@@ -37,13 +34,3 @@
 // A program without a user never waits here: the answer is the button that Enter would press. 0 and error 87 for an unknown set
 // of buttons.
 ORVIK_API int WINAPI MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
-
-namespace orvik::detail {
-struct ShownMessage {
-    std::string text, caption;  // Windows-1252
-    UINT type;
-    int answer;
-};
-// The last messages shown since the last call, oldest first, 64 at most. Any thread.
-ORVIK_API std::vector<ShownMessage> TakeShownMessages();
-}  // namespace orvik::detail

@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/errors.h"
-#include "platform/posix/text.h"
+#include "platform/posix/errors_internal.h"
+#include "platform/posix/text_internal.h"
 
 using namespace orvik::detail;
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/posix/port_names_internal.h"
+#include "platform/posix/text_internal.h"
 
 namespace fs = std::filesystem;
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "platform/posix/port_names_internal.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik::detail {
 namespace {

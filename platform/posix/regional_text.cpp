@@ -1,6 +1,6 @@
-#include "platform/posix/regional_text.h"
+#include "platform/posix/regional_text_internal.h"
 
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -12,7 +12,7 @@
 
 #include "platform/posix/files.h"
 #include "platform/posix/io_internal.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik::detail {
 namespace {

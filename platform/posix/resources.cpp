@@ -17,7 +17,7 @@
 #include "platform/posix/errors.h"
 #include "platform/posix/images_internal.h"
 #include "platform/posix/locale_data_internal.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 #include "res/embedded.h"
 
 using namespace orvik::detail;

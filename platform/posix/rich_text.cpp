@@ -5,7 +5,7 @@
 #include <charconv>
 #include <utility>
 
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik {
 namespace {

@@ -1,5 +1,6 @@
 #include <sys/stat.h>
 
+#include "platform/posix/text_internal.h"
 #include "platform/same_file_internal.h"
 #include "platform/win32.h"
 

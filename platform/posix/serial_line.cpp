@@ -10,7 +10,7 @@
 #include <cerrno>
 
 #include "platform/posix/clock_internal.h"
-#include "platform/posix/errors.h"
+#include "platform/posix/errors_internal.h"
 #include "platform/posix/serial_line_internal.h"
 
 namespace orvik::detail {

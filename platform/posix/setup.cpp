@@ -16,7 +16,7 @@
 
 #include "platform/posix/handle_table_internal.h"
 #include "platform/posix/port_names_internal.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 #include <algorithm>
 #include <optional>

@@ -5,7 +5,7 @@
 
 #include "platform/posix/dc_internal.h"
 #include "platform/posix/handle_table_internal.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 
 using namespace orvik::detail;
 

@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "platform/posix/errors.h"
-#include "platform/posix/text.h"
+#include "platform/posix/text_internal.h"
 #include "platform/posix/version_internal.h"
 
 using namespace orvik::detail;

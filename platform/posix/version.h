@@ -1,6 +1,7 @@
-// The version resource of Windows programs and libraries (PE files, 32 and 64 bits), read from the file: a gateway can tell what
-// plug-in it was given. Nothing of the file is loaded or run, and nothing it says is believed: a damaged file gives an error or a
-// missing value. Any thread; a block is the caller's memory and may be read by many threads.
+// The version resource of programs and libraries, read from the file: of Windows' (PE files, 32 and 64 bits), and of this
+// system's that carry a record (platform/version_record.h). A gateway can tell what plug-in it was given. Nothing of the file is
+// loaded or run, and nothing it says is believed: a damaged file gives an error or a missing value. Any thread; a block is the
+// caller's memory and may be read by many threads.
 #pragma once
 
 #include "platform/api.h"
@@ -57,9 +58,9 @@ struct VS_FIXEDFILEINFO {
     DWORD dwFileDateMS, dwFileDateLS;
 };
 
-// The size of the block that GetFileVersionInfoA fills, 0 on failure: 2, 3 or 5 as for any file, 11 not a PE file, 1812 it has no
-// resources or damaged ones, 1813 no version resource. Of several languages the calling thread's is taken, else neutral, else
-// American English, else the first. `zero` receives 0.
+// The size of the block that GetFileVersionInfoA fills, 0 on failure: 2, 3 or 5 as for any file, 11 neither a PE nor an ELF file,
+// 1812 it has no resources or damaged ones, 1813 no version resource. Of several languages the calling thread's is taken, else
+// neutral, else American English, else the first. `zero` receives 0.
 ORVIK_API DWORD WINAPI GetFileVersionInfoSizeA(LPCSTR file, LPDWORD zero);
 // A block that is too small for the whole is refused with error 122.
 ORVIK_API BOOL WINAPI GetFileVersionInfoA(LPCSTR file, DWORD unused, DWORD size, LPVOID block);

@@ -1,162 +1,47 @@
-// From a PE file to its version resource. Offsets and counts come from the file, so each read is checked against the file's
-// length, nothing is read twice on the file's word, and the three levels of the resource directory are walked as three steps.
+// A file of either home, told by its first bytes.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <optional>
-#include <string>
+#include <cstring>
 
-#include "platform/posix/errors.h"
-#include "platform/posix/resources.h"
-#include "platform/posix/text.h"
+#include "platform/posix/errors_internal.h"
+#include "platform/posix/text_internal.h"
 #include "platform/posix/version_internal.h"
 
 namespace orvik::detail {
-namespace {
 
-constexpr DWORD kVersionType = 16;
-constexpr size_t kMaxSections = 96;      // what the system's loader accepts
-constexpr size_t kMaxResource = 0xFFFF;  // a version block tells its own length in 16 bits
-
-DWORD Word(const unsigned char* at) { return static_cast<DWORD>(at[0] | at[1] << 8); }
-DWORD DWord(const unsigned char* at) { return Word(at) | Word(at + 2) << 16; }
-
-class File {
-public:
-    explicit File(const std::string& path) : m_fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
-    ~File() {
-        if (m_fd >= 0) close(m_fd);
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    DWORD Check() const {
-        struct stat info;
-        if (m_fd < 0 || fstat(m_fd, &info) != 0) return ErrorFromErrno(errno);
-        return S_ISREG(info.st_mode) ? ERROR_SUCCESS : S_ISDIR(info.st_mode) ? ERROR_ACCESS_DENIED : ERROR_BAD_FORMAT;
-    }
-    // All the bytes or failure.
-    bool Read(ULONGLONG at, unsigned char* out, size_t size) const {
-        while (size > 0) {
-            const ssize_t got = pread(m_fd, out, size, static_cast<off_t>(at));
-            if (got < 0 && errno == EINTR) continue;
-            if (got <= 0) return false;
-            out += got, size -= static_cast<size_t>(got), at += static_cast<ULONGLONG>(got);
-        }
-        return true;
-    }
-
-private:
-    const int m_fd;
-};
-
-struct Section {
-    DWORD address, size, fileOffset;  // `size` as far as the file holds it
-};
-
-class Image {
-public:
-    explicit Image(const File& file) : m_file(file) {}
-
-    DWORD ReadHeaders() {
-        unsigned char dos[64], coff[24], magic[2];
-        if (!m_file.Read(0, dos, sizeof dos) || dos[0] != 'M' || dos[1] != 'Z') return ERROR_BAD_FORMAT;
-        const ULONGLONG header = DWord(dos + 0x3C);
-        if (!m_file.Read(header, coff, sizeof coff) || DWord(coff) != 0x4550) return ERROR_BAD_FORMAT;  // "PE"
-        const size_t sections = Word(coff + 6), optionalSize = Word(coff + 20);
-        const ULONGLONG optional = header + sizeof coff;
-        if (sections > kMaxSections || !m_file.Read(optional, magic, sizeof magic)) return ERROR_BAD_FORMAT;
-        const bool wide = Word(magic) == 0x20B;
-        if (!wide && Word(magic) != 0x10B) return ERROR_BAD_FORMAT;
-
-        // The third data directory; the number of directories stands in front of the first.
-        const size_t directories = wide ? 112 : 96, entry = directories + 2 * 8;
-        unsigned char count[4], place[8];
-        if (optionalSize < entry + sizeof place || !m_file.Read(optional + directories - 4, count, sizeof count) ||
-            DWord(count) < 3 || !m_file.Read(optional + entry, place, sizeof place))
-            return ERROR_RESOURCE_DATA_NOT_FOUND;
-        m_resources = DWord(place);
-        if (m_resources == 0) return ERROR_RESOURCE_DATA_NOT_FOUND;
-        for (size_t i = 0; i < sections; ++i) {
-            unsigned char row[40];
-            if (!m_file.Read(optional + optionalSize + i * sizeof row, row, sizeof row)) return ERROR_BAD_FORMAT;
-            m_sections[m_count++] = {DWord(row + 12), DWord(row + 16), DWord(row + 20)};
-        }
-        return ERROR_SUCCESS;
-    }
-
-    // Bytes by their address in memory, in one section.
-    bool Read(ULONGLONG address, unsigned char* out, size_t size) const {
-        for (size_t i = 0; i < m_count; ++i) {
-            const Section& section = m_sections[i];
-            if (address < section.address || address - section.address >= section.size) continue;
-            const ULONGLONG offset = address - section.address;
-            return size <= section.size - offset && m_file.Read(section.fileOffset + offset, out, size);
-        }
-        return false;
-    }
-
-    // One entry of the resource directory at `offset`: what it points to, the number with the least rank first. A rank of -1 is
-    // no match.
-    template <class Rank>
-    std::optional<DWORD> FindEntry(DWORD offset, Rank rank) const {
-        unsigned char table[16], row[8];
-        const ULONGLONG at = static_cast<ULONGLONG>(m_resources) + offset;
-        if (!Read(at, table, sizeof table)) return std::nullopt;
-        const DWORD named = Word(table + 12), numbered = Word(table + 14);
-        std::optional<DWORD> found;
-        int best = -1;
-        for (DWORD i = named; i < named + numbered && best != 0; ++i) {
-            if (!Read(at + sizeof table + static_cast<ULONGLONG>(i) * sizeof row, row, sizeof row)) break;
-            const int value = rank(DWord(row));
-            if (value < 0 || (best >= 0 && value >= best)) continue;
-            best = value;
-            found = DWord(row + 4);
-        }
-        return found;
-    }
-
-    ULONGLONG Resources() const { return m_resources; }
-
-private:
-    const File& m_file;
-    DWORD m_resources = 0;
-    size_t m_count = 0;
-    Section m_sections[kMaxSections] = {};
-};
-
-int RankOfLanguage(DWORD language) {
-    if (language == GetThreadUILanguage()) return 0;
-    return language == LANG_NEUTRAL ? 1 : language == MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US) ? 2 : 3;
+VersionSource::VersionSource(const std::string& path) : m_fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
+VersionSource::~VersionSource() {
+    if (m_fd >= 0) close(m_fd);
 }
 
-}  // namespace
+DWORD VersionSource::Check() const {
+    struct stat info;
+    if (m_fd < 0 || fstat(m_fd, &info) != 0) return ErrorFromErrno(errno);
+    return S_ISREG(info.st_mode) ? ERROR_SUCCESS : S_ISDIR(info.st_mode) ? ERROR_ACCESS_DENIED : ERROR_BAD_FORMAT;
+}
+
+bool VersionSource::Read(ULONGLONG at, unsigned char* out, size_t size) const {
+    while (size > 0) {
+        const ssize_t got = pread(m_fd, out, size, static_cast<off_t>(at));
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) return false;
+        out += got, size -= static_cast<size_t>(got), at += static_cast<ULONGLONG>(got);
+    }
+    return true;
+}
 
 DWORD ReadVersionResource(LPCSTR name, std::vector<unsigned char>& bytes) {
-    const std::string path = SystemPath(name);
-    const File file(path);
-    DWORD error = file.Check();
-    if (error != ERROR_SUCCESS) return error;
-    Image image(file);
-    error = image.ReadHeaders();
-    if (error != ERROR_SUCCESS) return error;
-
-    constexpr DWORD kFolder = 0x80000000;  // the entry leads to another directory
-    const auto type = image.FindEntry(0, [](DWORD id) { return id == kVersionType ? 0 : -1; });
-    if (!type) return ERROR_RESOURCE_TYPE_NOT_FOUND;
-    if (!(*type & kFolder)) return ERROR_RESOURCE_DATA_NOT_FOUND;
-    const auto number = image.FindEntry(*type & ~kFolder, [](DWORD id) { return id == VS_VERSION_INFO ? 0 : -1; });
-    if (!number) return ERROR_RESOURCE_NAME_NOT_FOUND;
-    if (!(*number & kFolder)) return ERROR_RESOURCE_DATA_NOT_FOUND;
-    const auto language = image.FindEntry(*number & ~kFolder, RankOfLanguage);
-    unsigned char data[16];
-    if (!language || *language & kFolder || !image.Read(image.Resources() + *language, data, sizeof data))
-        return ERROR_RESOURCE_DATA_NOT_FOUND;
-    bytes.resize(std::min<size_t>(DWord(data + 4), kMaxResource));
-    return image.Read(DWord(data), bytes.data(), bytes.size()) ? ERROR_SUCCESS : ERROR_RESOURCE_DATA_NOT_FOUND;
+    const VersionSource file(SystemPath(name));
+    if (const DWORD error = file.Check()) return error;
+    unsigned char magic[4];
+    const bool elf = file.Read(0, magic, sizeof magic) && std::memcmp(magic,
+                                                                      "\x7F"
+                                                                      "ELF",
+                                                                      sizeof magic) == 0;
+    return elf ? ReadElfVersion(file, bytes) : ReadPeVersion(file, bytes);
 }
 
 }  // namespace orvik::detail

@@ -10,8 +10,8 @@
 #include <cstdlib>
 
 #include "platform/posix/clock_internal.h"
-#include "platform/posix/errors.h"
-#include "platform/posix/text.h"
+#include "platform/posix/errors_internal.h"
+#include "platform/posix/text_internal.h"
 
 using namespace orvik::detail;
 

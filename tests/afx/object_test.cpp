@@ -10,6 +10,7 @@
 #include "afx/module.h"
 #include "afx/time.h"
 #include "tests/afx/bytes.h"
+#include "tests/support/regional_settings.h"
 
 using namespace afx_test;
 
@@ -101,6 +102,30 @@ TEST(Exceptions, AreCaughtByBaseAndTellTheirText) {
     CException plain;
     EXPECT_FALSE(plain.GetErrorMessage(text, sizeof text));
     EXPECT_STREQ(text, "");
+}
+
+TEST(Exceptions, SpeakTheUsersLanguage) {
+    const CMemoryException memory(FALSE);
+    const COleException ole(E_INVALIDARG);
+    const CArchiveException archive(CArchiveException::genericException, "a.odb"), last(CArchiveException::bufferFull), other(99);
+    const CFileException file(CFileException::accessDenied), end(CFileException::endOfFile);
+    const struct {
+        const CException& failure;
+        const char *english, *swedish;
+    } cases[] = {{memory, "Out of memory.", "Slut p\xE5 minne."},
+                 {ole, "The operation failed (0x80070057).", "\xC5tg\xE4rden misslyckades (0x80070057)."},
+                 {archive, "a.odb: The file cannot be read or stored.", "a.odb: Filen kan inte l\xE4sas eller lagras."},
+                 {last, "The file does not fit its buffer.", "Filen ryms inte i sin buffert."},
+                 {other, "The file cannot be read or stored.", "Filen kan inte l\xE4sas eller lagras."},
+                 {file, "Access to the file was denied.", "\xC5tkomst till filen nekades."},
+                 {end, "The file ends too early.", "Filen slutar f\xF6r tidigt."}};
+    for (const auto& one : cases)
+        for (const bool swedish : {false, true}) {
+            const TextLanguage language(swedish ? LANG_SWEDISH : LANG_ENGLISH);
+            char text[80];
+            EXPECT_TRUE(one.failure.GetErrorMessage(text, sizeof text));
+            EXPECT_STREQ(text, swedish ? one.swedish : one.english);
+        }
 }
 
 TEST(Exceptions, SystemCodesHaveCauses) {

@@ -130,6 +130,37 @@ TEST_F(ListenerTest, StopsAndStartsAgain) {
     EXPECT_TRUE(box.Next());
 }
 
+TEST_F(ListenerTest, AStopWhoseTimeRanOutStillStops) {
+    struct Slow : Opened<CSerialEx> {
+        ~Slow() override { Close(); }
+        void OnEvent(EEvent, EError) override {
+            struct AtThreadsEnd {
+                const HANDLE tell;
+                ~AtThreadsEnd() { ::SetEvent(tell); }
+            };
+            const thread_local AtThreadsEnd end{ended};
+            ::SetEvent(inside);
+            ::WaitForSingleObject(goOn, kSoon);
+        }
+        const HANDLE inside = ::CreateEventA(nullptr, FALSE, FALSE, nullptr),
+                     goOn = ::CreateEventA(nullptr, FALSE, FALSE, nullptr),
+                     ended = ::CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    } slow;
+    ASSERT_EQ(0, slow.Open(peer.Name(), 0, 0, true));
+    peer.Send("x");
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(slow.inside, kSoon));
+    EXPECT_EQ(0, slow.StopListener(1));
+    EXPECT_FALSE(slow.m_fStopping);
+    ASSERT_EQ(0, slow.StartListener());
+    ::SetEvent(slow.goOn);
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(slow.ended, kSoon)) << "the stopped listener goes";
+    peer.Send("y");
+    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(slow.inside, kSoon)) << "the new one listens";
+    ::SetEvent(slow.goOn);
+    EXPECT_EQ(0, slow.Close());
+    for (const HANDLE event : {slow.inside, slow.goOn, slow.ended}) ::CloseHandle(event);
+}
+
 TEST_F(ListenerTest, CloseClearsTheWindowAndKeepsTheParameter) {
     Open();
     EXPECT_EQ(0, port.Close());

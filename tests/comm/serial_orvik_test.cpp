@@ -132,6 +132,19 @@ TEST_F(SerialOrvikTest, ClosingANeverOpenedPortTouchesNoRecord) {
     EXPECT_EQ(&port, PortOf("COM7"));
 }
 
+TEST_F(SerialOrvikTest, ASecondCloseLeavesTheNextHolderOnRecord) {
+    Open();
+    EXPECT_EQ(0, port.Close());
+    Port next;
+    Connection other;
+    ASSERT_EQ(0, next.Open(peer.Name(), &other, 0, 0));
+    EXPECT_EQ(0, port.Close());
+    EXPECT_EQ(&next, PortOf("COM7"));
+    EXPECT_EQ(&other, HolderOf("COM7"));
+    EXPECT_EQ(0, next.Close());
+    EXPECT_EQ(nullptr, HolderOf("COM7"));
+}
+
 TEST_F(SerialOrvikTest, TheOtherWaysToOpenBypassTheRecords) {
     Port other;
     EXPECT_EQ(0, other.Open(peer.Name(), 0, 0, false));

@@ -98,6 +98,40 @@ TEST_F(SerialTest, BlockingReadGivesUpAfterItsTimeAndLosesNothing) {
     EXPECT_EQ("later", Read(5)) << "a cancelled read must not swallow what comes afterwards";
 }
 
+TEST_F(SerialTest, WhatCameBeforeAReadsTimeRanOutIsReadNext) {
+    Open();
+    const auto runOut = [&](const char* sent) {
+        ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+        peer.Send(sent);
+        AwaitArrival();
+        char bytes[8];
+        DWORD count = 99;
+        EXPECT_EQ(1460, port.Read(bytes, sizeof bytes, &count, nullptr, 20));
+        EXPECT_EQ(0u, count);
+    };
+    runOut("ab");
+    runOut("cd");
+    EXPECT_EQ("a", Read(1));
+    peer.Send("e");
+    EXPECT_EQ("bcde", Read(4));
+
+    runOut("f");
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadNonBlocking));
+    EXPECT_EQ("f", Read(4));
+
+    runOut("g");
+    EXPECT_EQ(0, port.Purge());
+    peer.Send("h");
+    EXPECT_EQ("h", Read(1));
+
+    runOut("i");
+    ASSERT_EQ(0, port.Close());
+    Open();
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
+    peer.Send("j");
+    EXPECT_EQ("j", Read(1));
+}
+
 TEST_F(SerialTest, WithoutOverlappedModeNeitherOverlappedNorTimeOut) {
     Open(false);
     peer.Send("x");

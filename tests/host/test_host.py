@@ -594,16 +594,21 @@ class Plugins(HostTest):
         data = source.read_bytes()
         at = data.index(b"\x7fOrvikPlugin\x01\n") + 16
         self.assertTrue(data[at:].startswith(b"1.0.0\0"))
-        (folder / source.name).write_bytes(data[:at] + b"0.9.7" + data[at + 5:])
+        # Of another family too, since the host finds its own plug-in of this one.
+        (folder / source.name).write_bytes(data[:at] + b"0.9.7" + data[at + 5:at + 16] + b"Modbux" + data[at + 22:])
         name = "Z:" + str(folder) if options.wine else str(folder)
-        sentence = self.refused(1, "download", "--port", "COM9", "--out", "s.odb", ORVIK_PLUGINS=name)
+        self.host("db", "set", "modbux.xml", "sFamily", "Modbux")
+        sentence = self.refused(1, "check", "modbux.xml", ORVIK_PLUGINS=name)
         for word in (source.name, "0.9.7", "1.0.0"):
             self.assertIn(word, sentence)
         # One that is cut short behind its stamp is damaged, whatever the loader would make of it.
         (folder / source.name).write_bytes(data[:max(at + 64, len(data) // 2)])
         self.assertIn("cannot be loaded", self.refused(1, "download", "--port", "COM9", "--out", "s.odb", ORVIK_PLUGINS=name))
+        # One that is missing is told with all folders and the families that are there.
         (folder / source.name).write_bytes(b"no plug-in at all")
-        self.assertIn("Modbus", self.refused(1, "download", "--port", "COM9", "--out", "s.odb", ORVIK_PLUGINS=name))
+        sentence = self.refused(1, "check", "modbux.xml", ORVIK_PLUGINS=name)
+        for word in ("Modbux", self.folder.name, pathlib.Path(options.host).parent.name, "found Modbus"):
+            self.assertIn(word, sentence)
 
 
 class Databases(HostTest):
@@ -791,10 +796,20 @@ class Regional(HostTest):
 
 
 class Version(HostTest):
-    def test_of_a_windows_library(self):
-        if options.wine:
-            out = self.host("version", "Z:" + str(pathlib.Path(options.host).parent / "OrvikShared.dll")).out
-            self.assertIn("FileVersion: 1.0.0.0", out)
+    def test_of_its_own_files_in_both_languages(self):
+        home = pathlib.Path(options.host).parent
+        ending = "dll" if options.wine else "so"
+        for file, name, english, swedish in [
+                (options.host, "orvikhost", "Reference host", "Referensvärd"),
+                (home / ("OrvikShared.dll" if options.wine else "libOrvikShared.so"), "OrvikShared", "System module", "Systemmodul"),
+                (home / "plugins" / f"orvik_modbus.{ending}", "Modbus", "Loggers", "Loggrar")]:
+            for language, what in [("en_US.UTF-8", english), ("sv_SE.UTF-8", swedish)]:
+                out = self.host("version", ("Z:" if options.wine else "") + str(file), language=language).out
+                self.assertIn("FileVersion: 1.0.0.0", out)
+                self.assertIn(f"InternalName: {name}", out)
+                self.assertIn(f"FileDescription: {what}", out)
+
+    def test_of_other_files(self):
         self.assertIn("no version", self.refused(3, "version", "Z:/etc/passwd" if options.wine else "/etc/passwd"))
         self.assertIn("nothing.dll", self.refused(3, "version", "nothing.dll"))
 

@@ -12,6 +12,7 @@
 #include "afx/file.h"
 #include "tests/support/regional_settings.h"
 #include "time/local_zone.h"
+#include "time/local_zone_internal.h"
 #include "time/locale_cache.h"
 
 namespace {

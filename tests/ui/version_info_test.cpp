@@ -21,7 +21,7 @@ unsigned long SystemLanguage() {
 
 constexpr unsigned long kSwedish = 0x041D, kAmerican = 0x0409;
 
-void ExpectModule(const CVersionInfo& info) {
+void ExpectModule(const CVersionInfo& info, bool windows) {
     ASSERT_TRUE(info.IsValid());
     // "a.b.c" as numbers; samples/make brings the samples up to date.
     DWORD ms = 0, ls = 0;
@@ -36,12 +36,12 @@ void ExpectModule(const CVersionInfo& info) {
     EXPECT_STREQ(info.GetFileVersion(), ORVIK_MODULE_VERSION);
     EXPECT_STREQ(info.GetProductVersion(), ORVIK_MODULE_VERSION);
     EXPECT_STREQ(info.GetInternalName(), "OrvikShared");
-    EXPECT_STREQ(info.GetOriginalFilename(), "OrvikShared.dll");
+    EXPECT_STREQ(info.GetOriginalFilename(), windows ? "OrvikShared.dll" : "libOrvikShared.so");
     EXPECT_STREQ(info.GetProductName(), "Orvik");
     EXPECT_STREQ(info.GetFileDescription(),
                  SystemLanguage() == kSwedish ? "Systemmodul f\xF6r dataloggrar" : "System module for data loggers");
     EXPECT_STREQ(info.GetLegalCopyright(), "");
-    EXPECT_EQ(info.GetFileOS(), DWORD{VOS_NT_WINDOWS32});
+    EXPECT_EQ(info.GetFileOS(), DWORD{windows ? VOS_NT_WINDOWS32 : VOS_UNKNOWN});
     EXPECT_EQ(info.GetFileType(), CVersionInfo::typeDll);
     EXPECT_EQ(info.GetSubType(), CVersionInfo::subTypeUnknown);
     EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagDebug), 0);
@@ -50,9 +50,9 @@ void ExpectModule(const CVersionInfo& info) {
 }  // namespace
 
 TEST(VersionInfo, TheModuleTellsItsVersionInBothLanguages) {
-    ExpectModule(CVersionInfo(MODULE_FILE));
-    ExpectModule(CVersionInfo(Sample("module-x64.dll").c_str()));
-    ExpectModule(CVersionInfo(Sample("module-x86.dll").c_str()));
+    ExpectModule(CVersionInfo(MODULE_FILE), MODULE_IS_WINDOWS);
+    ExpectModule(CVersionInfo(Sample("module-x64.dll").c_str()), true);
+    ExpectModule(CVersionInfo(Sample("module-x86.dll").c_str()), true);
 }
 
 TEST(VersionInfo, FixedInformationComesAsItStands) {
@@ -131,13 +131,7 @@ TEST(VersionInfo, FilesWithoutAVersionAreNotValid) {
 }
 
 TEST(VersionInfo, AModuleIsReadFromItsFile) {
-    // This program holds the module's resources on Windows; elsewhere it is no file with a version.
-    char path[MAX_PATH] = "";
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    const CVersionInfo byModule(static_cast<HINSTANCE>(nullptr)), byName(path);
-    EXPECT_EQ(byModule.IsValid(), byName.IsValid());
-    EXPECT_STREQ(byModule.GetProductName(), byName.GetProductName());
-    EXPECT_STREQ(byModule.GetProductName(), byModule.IsValid() ? "Orvik" : "");
+    ExpectModule(CVersionInfo(static_cast<HINSTANCE>(nullptr)), MODULE_IS_WINDOWS);  // this program holds the module's record
 }
 
 TEST(VersionInfo, EmptiedItIsNotValid) {

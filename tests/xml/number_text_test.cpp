@@ -81,6 +81,8 @@ TEST(NumberText, ParseRealTable) {
     };
     for (const auto& c : cases) EXPECT_EQ(ParseReal(c.text), c.value) << c.text;
     EXPECT_TRUE(std::isnan(ParseReal("NAN")));
+    EXPECT_TRUE(std::signbit(ParseReal("-0")));
+    EXPECT_FALSE(std::signbit(ParseReal("-x"))) << "a sign alone is no number";
 }
 
 TEST(NumberText, ParseRealReadsWhatTheCLibraryReads) {

@@ -8,8 +8,10 @@
 #include "frame/app_stock.h"
 #include "frame/module.h"
 #include "frame/numeric_arrays.h"
+#include "frame/version.h"
 #include "platform/win32.h"
 #include "time/time_point.h"
+#include "ui/version_info.h"
 
 namespace {
 
@@ -33,6 +35,12 @@ TEST(Module, TextsAndClassesAreReachedThroughTheEntry) {
     ASSERT_TRUE(made);
     EXPECT_TRUE(made->IsKindOf(RUNTIME_CLASS(CInt64Array)));
     EXPECT_TRUE(CRuntimeClass::FromName("CVXTTime"));
+}
+
+TEST(Module, ALoadedModuleTellsItsVersion) {
+    const CVersionInfo info(GetModuleHandleA("OrvikShared"));
+    EXPECT_STREQ(info.GetInternalName(), "OrvikShared");
+    EXPECT_STREQ(info.GetFileVersion(), ORVIK_MODULE_VERSION);
 }
 
 TEST(Module, InitModuleSharesTheApplicationsSetting) {

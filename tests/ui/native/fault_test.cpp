@@ -1,9 +1,8 @@
 // Disks that fail or are larger than the numbers that tell of them.
 #include <cerrno>
 
-#include "afx/app.h"
 #include "platform/win32.h"
-#include "tests/support/regional_settings.h"
+#include "tests/support/dialog_fixture.h"
 #include "tests/ui/scratch_folder.h"
 
 namespace {
@@ -78,17 +77,13 @@ TEST_F(DiskFaults, ADirectoryOnAnUnreadableDriveIsEnteredAndFails) {
 
 TEST_F(DiskFaults, AFullDiskIsToldAndLeavesNothing) {
     folder.Write("a.bin", std::string(400000, 'x'));
-    orvik::detail::TakeShownMessages();
+    TellingApp app;
     for (const long fits : {0L, 1L, 131072L, 399999L}) {
         g_writes = fits;
         EXPECT_EQ(CDisk::CopyFileA("a.bin", "b.bin"), 0) << fits;
         g_writes = -1;
         EXPECT_EQ(folder.Count(), 1) << fits;
-        const auto shown = orvik::detail::TakeShownMessages();
-        ASSERT_EQ(shown.size(), 1u);
-        EXPECT_EQ(shown[0].text, "Could not copy file.\n\nThe disk is full.");
-        EXPECT_EQ(shown[0].type, UINT{MB_ICONHAND});
-        EXPECT_EQ(shown[0].caption, "test_ui");
+        EXPECT_EQ(app.Told(), "Could not copy file.\n\nThe disk is full.");
     }
 }
 

@@ -1,4 +1,4 @@
-#include "xml/xml_text.h"
+#include "xml/xml_escapes.h"
 
 #include <array>
 #include <cstring>
