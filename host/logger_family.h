@@ -3,6 +3,7 @@
 // Everything here runs on the host's user-interface thread, but for ILogger::Abort.
 #pragma once
 
+#include "comm/comm_exception.h"
 #include "comm/orvik_connection.h"
 #include "comm/serial_orvik.h"
 #include "frame/app_link.h"
@@ -45,8 +46,9 @@ public:
     virtual COrvikConnection& Connection() = 0;
     virtual CSerialOrvik& Port() = 0;
 
-    // Opens the port and sets the line up. `timeout` in milliseconds bounds every single answer: after it the logger may ask
-    // again, and an answer that still comes must not be taken for another request's.
+    // Opens the port, a serial one or one of the network (comm/line_address.h), and sets the line up. `timeout` in milliseconds
+    // bounds every single answer, and the opening: after it the logger may ask again, and an answer that still comes must not be
+    // taken for another request's.
     virtual void Connect(const char* port, DWORD timeout) = 0;
     // One reading of all channels, in the order of their keys. `values` comes with one NaN for every channel of the description.
     // Channels that could not be read are left NaN and told to the watch; the others keep their values. When nothing at all could
@@ -54,6 +56,17 @@ public:
     // once by its exception; what was read before stays in `values`, and the other channels are not told of.
     virtual void ReadSample(CDoubleArray& values) = 0;
     virtual void Disconnect() = 0;
+
+    // Which channels the following readings are to have, a byte for each in the order of their keys: 0 leaves it out. It is then
+    // not asked for where that saves time, stays NaN, and is not told of. At first, all of them.
+    virtual void Select(const CByteArray& due) { static_cast<void>(due); }
+
+    // Sets a channel, counted from 0, and reads it back: returns what it then holds. A channel that the description does not
+    // allow to be written is a CCommException with code 5. Outside of readings, while connected.
+    virtual double Write(int channel, double value) {
+        static_cast<void>(channel), static_cast<void>(value);
+        OrvikThrowCommException(CCommException::AccessDenied, nullptr);
+    }
 
     // Who is told of readings from now on; null ends it. The watch outlives its task or is taken back. Without it a reading is
     // stamped with the moment when ReadSample returns.
@@ -69,6 +82,23 @@ public:
     virtual ~ILoggerSimulator() = default;
     // `reply` is emptied and gets the answer, or stays empty while a request is not complete (or not for this logger).
     virtual void Receive(const BYTE* data, size_t size, CByteArray& reply) = 0;
+
+    // The address of the line that it will be on, before anything else: a family may have another form on a network.
+    virtual void SetLine(const char* address) { static_cast<void>(address); }
+    // The line was opened anew: what was half received is forgotten.
+    virtual void Reset() {}
+    // A fault of its protocol, by name, for so many of 100 answers: "crc", "exception", "unit" ... What can befall any line,
+    // noise and silence and the like, is not its affair. False: it has none of that name.
+    virtual bool SetFault(const char* name, int percent) {
+        static_cast<void>(name), static_cast<void>(percent);
+        return false;
+    }
+    // What a logger that talks by itself says now, in place of what `out` held. Returns the milliseconds after which it wants to
+    // be asked again; INFINITE: it only answers.
+    virtual DWORD Speak(CByteArray& out) {
+        out.RemoveAll();
+        return INFINITE;
+    }
 };
 
 class ILoggerFamily : public IDeviceFamily {
@@ -83,6 +113,14 @@ public:
     // differ in the case of letters to this spelling before the family sees them, and refuses all others. Null: the host leaves
     // the family's keys alone.
     virtual const char* const* DescriptionKeys() { return nullptr; }
+
+    // How sure this family is, from 0 (not mine) to 100, that a device of its kind said this by itself on a line. If it is, it
+    // describes the device in `description`, all but the line's settings, and `shown` gets the lines with what it takes for their
+    // fields, for a person to read.
+    virtual int Learn(const BYTE* heard, size_t size, IPropertyDB& description, CString& shown) {
+        static_cast<void>(heard), static_cast<void>(size), static_cast<void>(description), static_cast<void>(shown);
+        return 0;
+    }
 
 protected:
     ~ILoggerFamily() = default;

@@ -113,11 +113,6 @@ Channel ReadChannel(IPropertyDB& db, const char* key) {
 
 }  // namespace
 
-double Line::BitsPerCharacter() const {
-    const double stop = static_cast<int>(stopBits) == 0 ? 1 : static_cast<int>(stopBits) == 1 ? 1.5 : 2;
-    return 1 + static_cast<int>(dataBits) + (static_cast<int>(parity) != 0 ? 1 : 0) + stop;
-}
-
 const char* const* DescriptionKeys() {
     static const char* const keys[] = {"nSlave",
                                        "Line.nBaud",

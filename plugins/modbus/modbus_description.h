@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "comm/serial.h"
+#include "comm/transport.h"
 #include "plugins/modbus/modbus_frame.h"
 #include "propdb/property_db_interface.h"
 
@@ -26,17 +26,9 @@ struct Channel {
     WORD RegisterCount() const { return type == ValueType::Int16 || type == ValueType::Uint16 ? 1 : 2; }
 };
 
-struct Line {
-    DWORD baud = 9600;
-    CSerial::EDataBits dataBits = CSerial::DataBits8;
-    CSerial::EParity parity = CSerial::ParityNone;
-    CSerial::EStopBits stopBits = CSerial::StopBits1;
-    double BitsPerCharacter() const;  // start, data, parity and stop bits
-};
-
 struct Description {
     BYTE slave = 1;
-    Line line;
+    CLineSettings line;
     std::vector<Channel> channels;  // in the order of their keys
 };
 

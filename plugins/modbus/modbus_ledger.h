@@ -20,15 +20,18 @@
 #include <optional>
 #include <vector>
 
+#include "comm/transport.h"
 #include "plugins/modbus/modbus_frame.h"
-#include "plugins/modbus/modbus_wire.h"
 
 namespace modbus {
+
+using Duration = ITransport::Duration;
+using TimePoint = ITransport::TimePoint;
 
 class Ledger {
 public:
     using Question = uint64_t;
-    static constexpr Question kProbe = 0;           // nobody's question
+    static constexpr Question kProbe = 0;               // nobody's question
     static constexpr Question kUnknown = ~Question{0};  // what somebody else may have asked
 
     void SetTimeout(Duration timeout) { m_timeout = timeout; }

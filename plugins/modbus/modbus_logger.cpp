@@ -3,16 +3,15 @@
 #include <limits>
 
 #include "comm/comm_exception.h"
-#include "plugins/modbus/modbus_serial_wire.h"
 
 namespace modbus {
 
-Logger::Logger(Description description, std::unique_ptr<IWire> wire)
+Logger::Logger(Description description, std::unique_ptr<ITransport> transport)
     : m_description(std::move(description)),
       m_blocks(PlanBlocks(m_description)),
-      m_connection(new modbus::Connection),
-      m_wire(wire ? std::move(wire) : std::make_unique<SerialWire>(m_port, *m_connection)),
-      m_master(*m_wire) {
+      m_connection(new CLineConnection),
+      m_transport(transport ? std::move(transport) : OrvikMakeTransport(m_port, *m_connection)),
+      m_master(*m_transport) {
     m_connection->AddRef();
     for (const Block& block : m_blocks) m_requests.push_back(block.request);
 }
@@ -25,7 +24,7 @@ Logger::~Logger() {
 void Logger::Connect(const char* port, DWORD timeout) {
     m_connection->Enter(COrvikConnection::Connecting, port);
     try {
-        m_wire->Open(port, m_description.line);
+        m_transport->Open(port, m_description.line, m_transport->Now() + std::chrono::milliseconds(timeout));
     } catch (CCommException*) {
         m_connection->Enter(COrvikConnection::Disconnected);
         throw;
@@ -78,9 +77,9 @@ const Master::Outcome* Logger::Deliver(const std::vector<Master::Outcome>& outco
 }
 
 void Logger::Disconnect() {
-    if (!m_wire->IsOpen()) return;
+    if (!m_transport->IsOpen()) return;
     m_connection->Enter(COrvikConnection::Closing);
-    m_wire->Close();
+    m_transport->Close();
     m_connection->Enter(COrvikConnection::Closed);
 }
 

@@ -1,19 +1,20 @@
 // A Modbus logger on a serial port: the connection that the host sees, its port, and the reading of all channels. Line and clock
-// may be others' (modbus_wire.h); its port then stays closed.
+// may be others' (a transport); its port then stays closed.
 #pragma once
 
 #include <memory>
 
+#include "comm/line_connection.h"
 #include "host/logger_family.h"
-#include "plugins/modbus/modbus_connection.h"
+#include "plugins/modbus/modbus_description.h"
 #include "plugins/modbus/modbus_master.h"
 
 namespace modbus {
 
 class Logger : public ILogger {
 public:
-    // Without a wire: on its serial port.
-    explicit Logger(Description description, std::unique_ptr<IWire> wire = nullptr);
+    // Without a transport: on its serial port.
+    explicit Logger(Description description, std::unique_ptr<ITransport> transport = nullptr);
     ~Logger() override;
 
     COrvikConnection& Connection() override { return *m_connection; }
@@ -22,7 +23,7 @@ public:
     void ReadSample(CDoubleArray& values) override;
     void Watch(IReadingWatch* watch) override;
     void Disconnect() override;
-    void Abort() override { m_wire->Abort(); }
+    void Abort() override { m_transport->Abort(); }
 
 private:
     // The values that came, and to the watch those that did not. The first failure if there is no value at all, else null.
@@ -32,8 +33,8 @@ private:
     const std::vector<Block> m_blocks;
     std::vector<Request> m_requests;  // those of the blocks
     CSerialOrvik m_port;
-    modbus::Connection* const m_connection;  // one reference held
-    const std::unique_ptr<IWire> m_wire;
+    CLineConnection* const m_connection;  // one reference held
+    const std::unique_ptr<ITransport> m_transport;
     Master m_master;
     IReadingWatch* m_watch = nullptr;
 };

@@ -17,13 +17,13 @@ constexpr std::ptrdiff_t kShortestAnswer = 5;
 constexpr size_t kKept = 256;
 }  // namespace
 
-void Master::Configure(const Line& line, DWORD timeout) {
+void Master::Configure(const CLineSettings& line, DWORD timeout) {
     // 3.5 characters of silence separate frames; above 19,200 bit/s a fixed 1.75 ms (the serial line guide, 2.5.1.1).
     m_character = std::chrono::microseconds(static_cast<long long>(1e6 * line.BitsPerCharacter() / line.baud) + 1);
     m_gap = line.baud > 19200 ? std::chrono::microseconds(1750) : m_character * 7 / 2;
     m_timeout = std::chrono::milliseconds(std::max<DWORD>(timeout, 1));
     m_ledger.SetTimeout(m_timeout);
-    m_strange = m_wire.IsShared();
+    m_strange = m_transport.IsShared();
     m_received.clear();
 }
 
@@ -33,7 +33,7 @@ void Master::Read(std::span<const Request> requests, std::vector<Outcome>& outco
     m_told = m_silent = false;
     try {
         // What came since the last reading, nobody knows when.
-        for (const TimePoint limit = m_wire.Now() + m_timeout; m_wire.Now() < limit && Receive({}, false);) continue;
+        for (const TimePoint limit = m_transport.Now() + m_timeout; m_transport.Now() < limit && Receive({}, false);) continue;
         if (std::exchange(m_strange, false)) Suspect(requests);
         for (size_t i = 0; i < requests.size(); ++i) Ask(requests[i], i);
         Finish();
@@ -51,7 +51,7 @@ void Master::Suspect(std::span<const Request> requests) {
             return other.function == requests[i].function && other.count == requests[i].count;
         };
         if (std::none_of(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(i), alike))
-            m_ledger.Sent(requests[i], Ledger::kUnknown, m_wire.Now());
+            m_ledger.Sent(requests[i], Ledger::kUnknown, m_transport.Now());
     }
 }
 
@@ -86,13 +86,13 @@ Master::End Master::Exchange(const Request& request, Ledger::Question question) 
     const bool probe = question == Ledger::kProbe;
     const std::vector<BYTE> frame = Encode(request);
     // The port takes the request at once; it is on the line for as long as its characters last.
-    const TimePoint sent = m_wire.Now() + static_cast<int>(frame.size()) * m_character;
+    const TimePoint sent = m_transport.Now() + static_cast<int>(frame.size()) * m_character;
     m_asked = question;
     m_ledger.Sent(request, question, sent);
     m_refusal = 0;
     m_answered = m_doubtful = m_anythingCame = false;
     m_unread = 0;
-    m_wire.Send(frame, sent + m_timeout);
+    m_transport.Send(frame, sent + m_timeout);
     for (;;) {
         // What is owed from before comes first, so a probe is waited for as long as anything comes.
         const TimePoint deadline = probe ? m_ledger.SilentAt() : sent + m_ledger.Wait();
@@ -100,7 +100,7 @@ Master::End Master::Exchange(const Request& request, Ledger::Question question) 
         const bool came = Receive(brokenOff ? std::min(deadline, m_lastByte + m_gap + kBrokenOff) : deadline);
         if (m_answered) return End::Answered;
         if (m_doubtful) return End::Doubtful;
-        if (came && m_wire.Now() < deadline) continue;
+        if (came && m_transport.Now() < deadline) continue;
         return m_anythingCame ? End::Damaged : End::Silence;
     }
 }
@@ -138,19 +138,19 @@ void Master::Finish() {
 }
 
 void Master::AwaitLongSilence() {
-    while (m_wire.Now() < m_ledger.SilentAt()) Receive(m_ledger.SilentAt());
+    while (m_transport.Now() < m_ledger.SilentAt()) Receive(m_ledger.SilentAt());
 }
 
 void Master::AwaitSilence() {
     // A line that chatters for ever gets its request all the same after one time-out.
-    const TimePoint limit = m_wire.Now() + m_timeout;
-    while (m_wire.Now() < limit && Receive(std::min(limit, m_lastByte + m_gap))) continue;
+    const TimePoint limit = m_transport.Now() + m_timeout;
+    while (m_transport.Now() < limit && Receive(std::min(limit, m_lastByte + m_gap))) continue;
 }
 
 bool Master::Receive(TimePoint until, bool prompt) {
     const size_t before = m_received.size();
-    if (!m_wire.Receive(m_received, until)) return false;
-    m_lastByte = m_wire.Now();
+    if (!m_transport.Receive(m_received, until)) return false;
+    m_lastByte = m_transport.Now();
     m_anythingCame = true;
     m_unread += static_cast<std::ptrdiff_t>(m_received.size() - before);
     size_t begin = 0, end = 0;
@@ -173,7 +173,8 @@ void Master::Take(const Answer& answer, bool prompt) {
     m_answered |= verdict.owner == m_asked;
     m_doubtful |= !verdict.owner && verdict.newest == m_asked;
     if (!verdict.owner) return;
-    if (*verdict.owner < m_firstQuestion || *verdict.owner == Ledger::kUnknown) return;  // an earlier reading's: right, but too late
+    if (*verdict.owner < m_firstQuestion || *verdict.owner == Ledger::kUnknown)
+        return;  // an earlier reading's: right, but too late
     Outcome& outcome = (*m_outcomes)[*verdict.owner - m_firstQuestion];
     if (answer.exception != 0) {
         if (*verdict.owner == m_asked) m_refusal = answer.exception;

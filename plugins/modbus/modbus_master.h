@@ -1,26 +1,26 @@
 // The master's side of a Modbus RTU line: the requests of one reading and their answers, with the line's silent gaps, time-outs
 // and bounded repetitions. Whose an answer is, the ledger says; what is asked when, and what is waited for, stands here. Runs on
-// the wire's thread. Borrows the wire and the watch.
+// the transport's thread. Borrows the transport and the watch.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "comm/transport.h"
 #include "host/logger_family.h"
 #include "plugins/modbus/modbus_frame.h"
 #include "plugins/modbus/modbus_ledger.h"
-#include "plugins/modbus/modbus_wire.h"
 
 namespace modbus {
 
 class Master {
 public:
-    explicit Master(IWire& wire) : m_wire(wire) {}
+    explicit Master(ITransport& transport) : m_transport(transport) {}
 
     // `timeout`: milliseconds from the end of a request to the end of its answer; then it is repeated, or, on a line that is
     // known to be later, half as much again after the time at which answers come. What is still owed from before stays known: a
     // line that was opened again has the same logger.
-    void Configure(const Line& line, DWORD timeout);
+    void Configure(const CLineSettings& line, DWORD timeout);
     // Told of the first value and of late answers; null for nobody.
     void Watch(IReadingWatch* watch) { m_watch = watch; }
 
@@ -29,8 +29,8 @@ public:
         int code = 0;      // why: 8 no answer that is surely its own, 3 only unreadable bytes came, 4 the logger refused
         std::string text;  // with the Modbus exception code of a refusal; empty: the code's standard text
     };
-    // One reading: an outcome for each request. Returns when nothing that was asked is waited for any more. Throws what the wire
-    // throws, which ends the reading; the outcomes hold what had come.
+    // One reading: an outcome for each request. Returns when nothing that was asked is waited for any more. Throws what the
+    // transport throws, which ends the reading; the outcomes hold what had come.
     void Read(std::span<const Request> requests, std::vector<Outcome>& outcomes);
 
     static constexpr int kAttempts = 3;
@@ -53,7 +53,7 @@ private:
     bool Receive(TimePoint until, bool prompt = true);
     void Take(const Answer& answer, bool prompt);
 
-    IWire& m_wire;
+    ITransport& m_transport;
     Ledger m_ledger;
     IReadingWatch* m_watch = nullptr;
     std::chrono::microseconds m_character{1042};  // that one is on the line
@@ -68,9 +68,9 @@ private:
     // Of the reading under way.
     std::vector<Outcome>* m_outcomes = nullptr;
     Ledger::Question m_firstQuestion = 1;
-    bool m_told = false;    // that the first value has come
+    bool m_told = false;     // that the first value has come
     bool m_strange = false;  // since the line was opened nothing is known of it
-    bool m_silent = false;  // a request was in vain to the last attempt, without one byte, and nothing came since
+    bool m_silent = false;   // a request was in vain to the last attempt, without one byte, and nothing came since
     // Of the attempt under way.
     Ledger::Question m_asked = 0;
     BYTE m_refusal = 0;

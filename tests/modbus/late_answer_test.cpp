@@ -55,7 +55,7 @@ struct Tally {
 class Line {
 public:
     explicit Line(const Faults& faults, unsigned seed = 1)
-        : m_wire(new simulated::Wire(faults, seed)), m_logger(FourChannels(), std::unique_ptr<modbus::IWire>(m_wire)) {
+        : m_wire(new simulated::Wire(faults, seed)), m_logger(FourChannels(), std::unique_ptr<ITransport>(m_wire)) {
         m_logger.Watch(&watch);
         Connect();
     }

@@ -8,12 +8,13 @@
 #include <random>
 
 #include "comm/comm_exception.h"
-#include "plugins/modbus/modbus_wire.h"
+#include "comm/transport.h"
+#include "plugins/modbus/modbus_frame.h"
 
 namespace simulated {
 
-using modbus::Duration;
-using modbus::TimePoint;
+using Duration = ITransport::Duration;
+using TimePoint = ITransport::TimePoint;
 
 inline Duration Seconds(double seconds) { return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds)); }
 
@@ -38,7 +39,7 @@ struct Faults {
     double unplugged = 0;  // the port vanishes within a second, and cannot be opened the first time
 };
 
-class Wire : public modbus::IWire {
+class Wire : public ITransport {
 public:
     Wire(const Faults& faults, unsigned seed, TimePoint start = TimePoint(std::chrono::hours(1)))
         : m_faults(faults), m_random(seed), m_now(start) {}
@@ -58,7 +59,7 @@ public:
     void AbortAt(TimePoint time) { m_abortAt = time; }
     int Requests() const { return m_requests; }
 
-    void Open(const char*, const modbus::Line& line) override {
+    void Open(const char*, const CLineSettings& line, TimePoint) override {
         if (m_missing) {
             m_missing = false;
             OrvikThrowCommException(CCommException::DeviceNotOpen, nullptr);

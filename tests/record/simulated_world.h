@@ -92,10 +92,10 @@ private:
     class Line : public Wire {
     public:
         Line(World& world, unsigned seed) : Wire(world.m_plan.faults, seed, world.m_now), m_world(world) {}
-        void Open(const char* port, const modbus::Line& line) override {
+        void Open(const char* port, const CLineSettings& line, TimePoint until) override {
             m_world.Call();
             if (m_world.In(m_world.m_plan.unplugged)) OrvikThrowCommException(CCommException::DeviceNotOpen, nullptr);
-            Wire::Open(port, line);
+            Wire::Open(port, line, until);
         }
         void Send(std::span<const BYTE> bytes, TimePoint until) override {
             Check();
@@ -218,7 +218,7 @@ private:
         ++m_lives;
         m_slots = 0;
         Line* const line = new Line(*this, static_cast<unsigned>(m_random()));
-        modbus::Logger logger(m_description, std::unique_ptr<modbus::IWire>(line));
+        modbus::Logger logger(m_description, std::unique_ptr<ITransport>(line));
         Witness witness(*this, logger, *line);
         RecordingWriter::Plan record;
         record.path = "r.rec";

@@ -1,20 +1,20 @@
-// A serial port as a wire. While it waits it handles its thread's messages, which is how the port tells that the line is lost.
-// Borrows the port and the connection. The thread of the connection, but for Abort.
+// A serial port as a transport. While it waits it handles its thread's messages, which is how the port tells that the line is
+// lost. Borrows the port and the connection. The thread of the connection, but for Abort.
 #pragma once
 
 #include <atomic>
 
+#include "comm/line_connection.h"
 #include "comm/serial_orvik.h"
-#include "plugins/modbus/modbus_connection.h"
-#include "plugins/modbus/modbus_wire.h"
+#include "comm/transport.h"
 
-namespace modbus {
+namespace orvik::detail {
 
-class SerialWire : public IWire {
+class SerialTransport : public ITransport {
 public:
-    SerialWire(CSerialOrvik& port, Connection& connection) : m_port(port), m_connection(connection) {}
+    SerialTransport(CSerialOrvik& port, CLineConnection& connection) : m_port(port), m_connection(connection) {}
 
-    void Open(const char* port, const Line& line) override;
+    void Open(const char* port, const CLineSettings& line, TimePoint until) override;
     void Close() override;
     bool IsShared() const override { return true; }
     bool IsOpen() const override { return m_port.IsOpen(); }
@@ -29,8 +29,8 @@ private:
     void CheckLine();
 
     CSerialOrvik& m_port;
-    modbus::Connection& m_connection;
+    CLineConnection& m_connection;
     std::atomic<bool> m_aborted = false;
 };
 
-}  // namespace modbus
+}  // namespace orvik::detail

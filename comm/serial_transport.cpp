@@ -1,10 +1,10 @@
-#include "plugins/modbus/modbus_serial_wire.h"
+#include "comm/serial_transport_internal.h"
 
 #include <algorithm>
 
 #include "comm/comm_exception.h"
 
-namespace modbus {
+namespace orvik::detail {
 namespace {
 // Room for several of the longest frames in either direction.
 constexpr DWORD kQueue = 4096;
@@ -15,7 +15,7 @@ constexpr std::chrono::milliseconds kSlice{50};
 [[noreturn]] void Fail(int code) { OrvikThrowCommException(code, nullptr); }
 }  // namespace
 
-void SerialWire::Open(const char* port, const Line& line) {
+void SerialTransport::Open(const char* port, const CLineSettings& line, TimePoint) {
     const LONG error = m_port.Open(port, &m_connection, kQueue, kQueue);
     if (error != 0)
         Fail(error == static_cast<LONG>(ERROR_ACCESS_DENIED) ? CCommException::AccessDenied : CCommException::DeviceNotOpen);
@@ -27,7 +27,7 @@ void SerialWire::Open(const char* port, const Line& line) {
     }
 }
 
-void SerialWire::Close() {
+void SerialTransport::Close() {
     if (!m_port.IsOpen()) return;
     m_port.Close();
     m_connection.SetOnline(false);
@@ -43,7 +43,7 @@ void SerialWire::Close() {
     }
 }
 
-void SerialWire::Send(std::span<const BYTE> bytes, TimePoint until) {
+void SerialTransport::Send(std::span<const BYTE> bytes, TimePoint until) {
     CheckLine();
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Now()).count();
     DWORD written = 0;
@@ -53,7 +53,7 @@ void SerialWire::Send(std::span<const BYTE> bytes, TimePoint until) {
     if (error != 0 || written != bytes.size()) Fail(CCommException::HardwareError);
 }
 
-bool SerialWire::Receive(std::vector<BYTE>& received, TimePoint until) {
+bool SerialTransport::Receive(std::vector<BYTE>& received, TimePoint until) {
     for (;;) {
         CheckLine();
         if (ReadAvailable(received)) return true;
@@ -62,7 +62,7 @@ bool SerialWire::Receive(std::vector<BYTE>& received, TimePoint until) {
     }
 }
 
-bool SerialWire::ReadAvailable(std::vector<BYTE>& received) {
+bool SerialTransport::ReadAvailable(std::vector<BYTE>& received) {
     BYTE block[512];
     DWORD got = 0;
     // The port is in its non-blocking mode: an empty queue gives 0 bytes at once. A driver that lets such a read wait runs into
@@ -76,7 +76,7 @@ bool SerialWire::ReadAvailable(std::vector<BYTE>& received) {
     return got != 0;
 }
 
-void SerialWire::PumpMessages(TimePoint until) {
+void SerialTransport::PumpMessages(TimePoint until) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Now()).count();
     if (left > 0) MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(left), QS_ALLINPUT);
     MSG message;
@@ -90,10 +90,10 @@ void SerialWire::PumpMessages(TimePoint until) {
     }
 }
 
-void SerialWire::CheckLine() {
+void SerialTransport::CheckLine() {
     if (m_aborted) Fail(CCommException::SessionAborted);
     if (!m_port.IsOpen()) Fail(CCommException::DeviceNotOpen);
     if (m_connection.LineLost()) Fail(CCommException::HardwareError);
 }
 
-}  // namespace modbus
+}  // namespace orvik::detail
