@@ -22,7 +22,7 @@ void RequirePictureSize(const std::string& path, SIZE size) {
         throw Failure{kWrongUse, Say(Text::PictureTooLarge, {std::to_string(kOrvikPicturePixels)})};
 }
 
-void WriteChart(ChartModel& model, const std::string& path, SIZE size) {
+bool WriteChart(ChartModel& model, const std::string& path, SIZE size) {
     const auto fail = [&](DWORD error) { throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})}; };
     const HDC picture = OrvikBeginPicture(path.c_str(), size.cx, size.cy);
     if (picture == nullptr) {
@@ -30,12 +30,16 @@ void WriteChart(ChartModel& model, const std::string& path, SIZE size) {
         if (error == ERROR_NOT_ENOUGH_MEMORY) throw Failure{kFileFailed, Say(Text::NoMemory)};
         fail(error);
     }
+    bool tells = true;
     {
         CDC dc;
         dc.Attach(picture);
         dc.m_bPrinting = OrvikIsPrinting(picture);
-        ChartView(model).Draw(dc, {0, 0, size.cx, size.cy});
+        ChartView view(model);
+        view.Draw(dc, {0, 0, size.cx, size.cy});
+        tells = view.TellsWhatIsMissing();
         dc.Detach();
     }
     if (!OrvikEndPicture(picture, TRUE)) fail(GetLastError());
+    return tells;
 }

@@ -9,5 +9,5 @@
 void RequirePictureName(const std::string& path);
 // A PNG has no more pixels than kOrvikPicturePixels.
 void RequirePictureSize(const std::string& path, SIZE size);
-// Replaces what is there, as a whole.
-void WriteChart(ChartModel& model, const std::string& path, SIZE size);
+// Replaces what is there, as a whole. False: the picture is so small that it lacks something without saying so.
+bool WriteChart(ChartModel& model, const std::string& path, SIZE size);

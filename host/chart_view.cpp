@@ -149,11 +149,19 @@ void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
         entry.left += m_layout.swatch;
         Write(dc, series.name, entry);
     }
-    TellWhatIsMissing(dc);
+    DrawWhatIsMissing(dc);
+}
+
+bool ChartView::TellsWhatIsMissing() const {
+    const auto& legend = m_layout.legend;
+    const auto& axes = m_layout.axes;
+    const bool legendTold = !Empty(m_layout.more) || std::none_of(legend.begin(), legend.end(), Empty);
+    const bool axesTold = !Empty(m_layout.leftOut) || axes.empty() || axes.back().shown;
+    return legendTold && axesTold && (!Empty(m_layout.timeArea) || m_model.Count() == 0);
 }
 
 // Nothing is left out without a word.
-void ChartView::TellWhatIsMissing(CDC& dc) const {
+void ChartView::DrawWhatIsMissing(CDC& dc) const {
     dc.SetTextColor(kGrey);
     const auto entries = std::count_if(m_layout.legend.begin(), m_layout.legend.end(), Empty);
     if (!Empty(m_layout.more)) Write(dc, HouseText(Text::LegendMore, {std::to_string(entries)}), m_layout.more);

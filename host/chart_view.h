@@ -32,6 +32,8 @@ public:
     CTimeAxis& TimeAxis() { return *m_time; }
     CUnitAxis& UnitAxis(size_t unit) { return *m_axes[unit]; }
     const ChartLayout& Layout() const { return m_layout; }  // as last drawn; its axes by their places
+    // Legend, axes and times are there as last drawn, or the chart says what of them is not.
+    bool TellsWhatIsMissing() const;
     // How the plot maps a unit's values, whether its axis is shown or not.
     orvik::AxisMapping MappingOf(size_t unit) const;
     // Where the tags were last drawn, within the plot as far as they fit; empty, at the nearest place of the plot, for those
@@ -47,7 +49,7 @@ private:
     void DrawAxes(CDC& dc);
     void DrawTraces(CDC& dc);
     void DrawTags(CDC& dc);
-    void TellWhatIsMissing(CDC& dc) const;
+    void DrawWhatIsMissing(CDC& dc) const;
     PlotMapping PlotOf(size_t unit) const;
     std::string TimeRange() const;
 

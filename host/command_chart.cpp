@@ -78,8 +78,9 @@ ExitCode RunChart(CHostApp&, const Words& words) {
 
     if (change) RequireSavable(file.path, session);
     RequireWritable(out);
-    WriteChart(model, out, size);
+    const bool tells = WriteChart(model, out, size);
     if (change) SaveSession(file.path, session, db);
     Print(Say(change ? Text::ChartMadeTagsKept : Text::ChartMade, {ToUtf8(out), ToUtf8(file.path)}));
+    if (!tells) Print(Say(Text::PictureTooSmall));
     return kDone;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <span>
 #include <vector>
 
 #include "comm/comm_exception.h"
@@ -12,28 +13,29 @@
 #include "time/span_text.h"
 
 namespace {
-std::string KindInWords(unsigned kind) {
-    switch (kind) {
-        case RE_STARTED:
-            return Say(Text::EventStarted);
-        case RE_CONNECTED:
-            return Say(Text::EventConnected);
-        case RE_LOST:
-            return Say(Text::EventLost);
-        case RE_CLOCK_STEPPED:
-            return Say(Text::EventClockStepped);
-        case RE_CLOCK_AGREES:
-            return Say(Text::EventClockAgrees);
-        case RE_TAG:
-            return Say(Text::EventTag);
-        case RE_CONTINUED:
-            return Say(Text::EventContinued);
-        case RE_ENDED:
-            return Say(Text::EventEnded);
-        default:
-            return {};  // of a kind that later versions know
-    }
+// What a number of a recording is called; empty for one that later versions may know.
+struct Word {
+    unsigned number;
+    Text text;
+};
+std::string InWords(std::span<const Word> words, unsigned number) {
+    const auto found = std::find_if(words.begin(), words.end(), [&](const Word& word) { return word.number == number; });
+    return found == words.end() ? std::string() : Say(found->text);
 }
+
+constexpr Word kEvents[] = {{RE_STARTED, Text::EventStarted},
+                            {RE_CONNECTED, Text::EventConnected},
+                            {RE_LOST, Text::EventLost},
+                            {RE_CLOCK_STEPPED, Text::EventClockStepped},
+                            {RE_CLOCK_AGREES, Text::EventClockAgrees},
+                            {RE_TAG, Text::EventTag},
+                            {RE_CONTINUED, Text::EventContinued},
+                            {RE_ENDED, Text::EventEnded}};
+constexpr Word kCauses[] = {{GC_STALLED, Text::GapStalled},
+                            {GC_DISK, Text::GapDisk},
+                            {GC_NOT_RUNNING, Text::GapNotRunning},
+                            {GC_PLUGIN, Text::GapPlugin},
+                            {GC_DAMAGED, Text::GapDamaged}};
 
 // With its sign: the clock was set on or back by so much.
 std::string StepInWords(__int64 microseconds) {
@@ -55,7 +57,7 @@ std::string GapLine(const CRecordedGap& gap, const Session& session) {
 }
 
 std::string EventLine(const CRecordedEvent& event) {
-    std::string line = TimeTextOf(event.time) + "  " + KindInWords(event.kind);
+    std::string line = TimeTextOf(event.time) + "  " + InWords(kEvents, event.kind);
     if (event.kind == RE_CLOCK_STEPPED) line += " " + StepInWords(event.amount);
     if (!event.text.empty()) line += " (" + ToUtf8(event.text) + ")";
     return line;
@@ -63,20 +65,7 @@ std::string EventLine(const CRecordedEvent& event) {
 }  // namespace
 
 std::string CauseInWords(unsigned cause) {
-    switch (cause) {
-        case GC_STALLED:
-            return Say(Text::GapStalled);
-        case GC_DISK:
-            return Say(Text::GapDisk);
-        case GC_NOT_RUNNING:
-            return Say(Text::GapNotRunning);
-        case GC_PLUGIN:
-            return Say(Text::GapPlugin);
-        case GC_DAMAGED:
-            return Say(Text::GapDamaged);
-        default:
-            break;
-    }
+    if (const std::string words = InWords(kCauses, cause); !words.empty()) return words;
     // The module's own words for a failed exchange, and the ones for a code that has none.
     constexpr unsigned kFirst = 828, kOther = 838;
     CString text;
@@ -94,7 +83,8 @@ std::string GapList(const RecordedNotes& notes, const Session& session, TimeRang
         if (gap.until >= range.from && gap.from <= range.to) lines.push_back({gap.from, GapLine(gap, session)});
     }
     for (const CRecordedEvent& event : notes.Events()) {
-        if (event.time >= range.from && event.time <= range.to && !KindInWords(event.kind).empty()) lines.push_back({event.time, EventLine(event)});
+        if (event.time >= range.from && event.time <= range.to && !InWords(kEvents, event.kind).empty())
+            lines.push_back({event.time, EventLine(event)});
     }
     std::stable_sort(lines.begin(), lines.end(), [](const Line& a, const Line& b) { return a.time < b.time; });
     std::string text;

@@ -17,7 +17,8 @@ bool MemoryReadings::Next() {
     return false;
 }
 
-RecordedReadings::RecordedReadings(const RecordedSeries& series, TimeRange range) : m_path(series.Path()), m_range(range), m_damages(series.ChannelCount(), series.Index().LastGap() + 1) {
+RecordedReadings::RecordedReadings(const RecordedSeries& series, TimeRange range)
+    : m_path(series.Path()), m_range(range), m_damages(series.ChannelCount(), series.Index().LastGap() + 1) {
     const DWORD error = m_reader.Open(m_path);
     if (error != ERROR_SUCCESS) throw Failure{kFileFailed, Say(Text::FileNotOpened, {ToUtf8(m_path), Reason(error)})};
     const std::vector<CRecordingSpan>& spans = series.Index().Spans();

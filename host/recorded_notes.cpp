@@ -36,6 +36,38 @@ std::vector<WORD> Parted(const std::string& text, const std::vector<std::string>
     }
     return places;
 }
+
+// How gaps and events stand in a database: a column for each thing that is known of them.
+struct GapColumns {
+    CInt64Array from, until;
+    CDWordArray missed, attempts, causes;
+    CStringArray texts, channels;
+
+    template <class Do>
+    void Each(Do column) {
+        column("tFrom", from);
+        column("tUntil", until);
+        column("nMissed", missed);
+        column("nAttempts", attempts);
+        column("nCause", causes);
+        column("sCause", texts);
+        column("sChannels", channels);
+    }
+};
+
+struct EventColumns {
+    CInt64Array times, amounts;
+    CDWordArray kinds;
+    CStringArray texts;
+
+    template <class Do>
+    void Each(Do column) {
+        column("tTime", times);
+        column("nKind", kinds);
+        column("nAmount", amounts);
+        column("sText", texts);
+    }
+};
 }  // namespace
 
 void RecordedNotes::Add(const CRecordedGap& gap) {
@@ -62,84 +94,66 @@ bool RecordedNotes::Ended() const {
 void RecordedNotes::Store(IPropertyDB& db, const std::vector<std::string>& channels) const {
     db.Remove(kGaps);
     db.Remove(kEvents);
+    const auto set = [&](const char* key, const auto& column) { db.SetValue(key, column); };
     if (!m_gaps.empty()) {
-        CInt64Array from, until;
-        CDWordArray missed, attempts, causes;
-        CStringArray texts, keys;
+        GapColumns columns;
         for (const CRecordedGap& gap : m_gaps) {
-            from.Add(gap.from);
-            until.Add(gap.until);
-            missed.Add(gap.missed);
-            attempts.Add(gap.attempts);
-            causes.Add(gap.cause);
-            texts.Add(WithoutSemicolons(gap.text).c_str());
-            keys.Add(Joined(gap.channels, channels).c_str());
+            columns.from.Add(gap.from);
+            columns.until.Add(gap.until);
+            columns.missed.Add(gap.missed);
+            columns.attempts.Add(gap.attempts);
+            columns.causes.Add(gap.cause);
+            columns.texts.Add(WithoutSemicolons(gap.text).c_str());
+            columns.channels.Add(Joined(gap.channels, channels).c_str());
         }
         db.BeginUsing(kGaps);
-        db.SetValue("tFrom", from);
-        db.SetValue("tUntil", until);
-        db.SetValue("nMissed", missed);
-        db.SetValue("nAttempts", attempts);
-        db.SetValue("nCause", causes);
-        db.SetValue("sCause", texts);
-        db.SetValue("sChannels", keys);
+        columns.Each(set);
         db.EndUsing();
     }
     if (!m_events.empty()) {
-        CInt64Array times, amounts;
-        CDWordArray kinds;
-        CStringArray texts;
+        EventColumns columns;
         for (const CRecordedEvent& event : m_events) {
-            times.Add(event.time);
-            kinds.Add(event.kind);
-            amounts.Add(event.amount);
-            texts.Add(WithoutSemicolons(event.text).c_str());
+            columns.times.Add(event.time);
+            columns.kinds.Add(event.kind);
+            columns.amounts.Add(event.amount);
+            columns.texts.Add(WithoutSemicolons(event.text).c_str());
         }
         db.BeginUsing(kEvents);
-        db.SetValue("tTime", times);
-        db.SetValue("nKind", kinds);
-        db.SetValue("nAmount", amounts);
-        db.SetValue("sText", texts);
+        columns.Each(set);
         db.EndUsing();
     }
 }
 
 void RecordedNotes::Load(IPropertyDB& db, const std::vector<std::string>& channels) {
-    CInt64Array from, until, times, amounts;
-    CDWordArray missed, attempts, causes, kinds;
-    CStringArray causeTexts, keys, texts;
+    const auto get = [&](const char* key, auto& column) { db.GetValue(key, column); };
+    GapColumns gaps;
     db.BeginUsing(kGaps);
-    db.GetValue("tFrom", from);
-    db.GetValue("tUntil", until);
-    db.GetValue("nMissed", missed);
-    db.GetValue("nAttempts", attempts);
-    db.GetValue("nCause", causes);
-    db.GetValue("sCause", causeTexts);
-    db.GetValue("sChannels", keys);
+    gaps.Each(get);
     db.EndUsing();
+    EventColumns events;
     db.BeginUsing(kEvents);
-    db.GetValue("tTime", times);
-    db.GetValue("nKind", kinds);
-    db.GetValue("nAmount", amounts);
-    db.GetValue("sText", texts);
+    events.Each(get);
     db.EndUsing();
+
     const auto text = [](const CStringArray& array, INT_PTR i) {
         return i < array.GetSize() ? std::string(array.GetAt(i).GetString()) : std::string();
     };
-    const INT_PTR gaps = std::min({from.GetSize(), until.GetSize(), missed.GetSize(), attempts.GetSize(), causes.GetSize()});
-    for (INT_PTR i = 0; i < gaps; ++i) {
+    const INT_PTR gapCount = std::min(
+        {gaps.from.GetSize(), gaps.until.GetSize(), gaps.missed.GetSize(), gaps.attempts.GetSize(), gaps.causes.GetSize()});
+    for (INT_PTR i = 0; i < gapCount; ++i) {
         CRecordedGap gap;
         gap.number = static_cast<DWORD>(i + 1);
-        gap.from = from.GetAt(i), gap.until = until.GetAt(i);
-        gap.missed = missed.GetAt(i), gap.attempts = attempts.GetAt(i);
-        gap.cause = static_cast<WORD>(causes.GetAt(i));
-        gap.text = text(causeTexts, i);
-        gap.channels = Parted(text(keys, i), channels);
+        gap.from = gaps.from.GetAt(i), gap.until = gaps.until.GetAt(i);
+        gap.missed = gaps.missed.GetAt(i), gap.attempts = gaps.attempts.GetAt(i);
+        gap.cause = static_cast<WORD>(gaps.causes.GetAt(i));
+        gap.text = text(gaps.texts, i);
+        gap.channels = Parted(text(gaps.channels, i), channels);
         Add(gap);
     }
-    const INT_PTR events = std::min({times.GetSize(), kinds.GetSize(), amounts.GetSize()});
-    for (INT_PTR i = 0; i < events; ++i)
-        Add(CRecordedEvent{times.GetAt(i), static_cast<WORD>(kinds.GetAt(i)), amounts.GetAt(i), text(texts, i)});
+    const INT_PTR eventCount = std::min({events.times.GetSize(), events.kinds.GetSize(), events.amounts.GetSize()});
+    for (INT_PTR i = 0; i < eventCount; ++i)
+        Add(CRecordedEvent{events.times.GetAt(i), static_cast<WORD>(events.kinds.GetAt(i)), events.amounts.GetAt(i),
+                           text(events.texts, i)});
 }
 
 std::string NumberedKey(size_t number, size_t count) {

@@ -231,6 +231,9 @@ class Words(ChartTest):
         left_out = next(text for text in said if text.startswith("No room for axes of: "))
         self.assertEqual(len(left_out.split(": ")[1].split(", ")) + sum(unit in said for unit in units), 16, said)
         self.assertIn("och", " ".join(texts(self.chart("--size", "800x450", language="sv_SE.UTF-8"))))
+        # Too small for that, it is the command that says so.
+        for size, small in (("800x450", False), ("200x100", True), ("1x1", True)):
+            self.assertEqual("too small" in self.host("chart", "s.odb", "--out", "chart.svg", "--size", size), small, size)
         # A colour comes again with gaps in it: more pieces than the first channel's one.
         lines = [e.attrib["stroke"] for e in self.chart().iter() if e.tag.endswith("polyline") and e.attrib["stroke"] == "#0072b2"]
         self.assertGreater(len(lines), 20)

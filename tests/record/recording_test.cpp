@@ -94,6 +94,14 @@ protected:
     void Add(unsigned from, unsigned to) {
         for (unsigned n = from; n < to; ++n) ASSERT_EQ(AddOne(recorder, n), 0u);
     }
+    // Whole, with two channels. Returns where the readings begin.
+    size_t Record(unsigned readings) {
+        Begin(2);
+        const size_t head = disk->bytes.size();
+        Add(0, readings);
+        recorder.Close();
+        return head;
+    }
 };
 }  // namespace
 
@@ -186,10 +194,7 @@ TEST_F(Recording, EveryPrefixHoldsItsReadings) {
 
 // Any byte changed: at most the block it lies in is lost, nothing is made up, and the loss is told.
 TEST_F(Recording, DamageCostsItsBlockAlone) {
-    Begin(2);
-    const size_t head = disk->bytes.size();
-    Add(0, 12);
-    recorder.Close();
+    const size_t head = Record(12);
     const faulty::Bytes whole = disk->bytes;
     std::mt19937 random(1);
     for (size_t at = head; at < whole.size(); ++at) {
@@ -219,10 +224,7 @@ TEST_F(Recording, DamageCostsItsBlockAlone) {
 
 // Bytes taken out or put in: what follows is not where it was written. It is told, and stays when somebody goes on behind it.
 TEST_F(Recording, WhatStandsElsewhereIsToldAndKept) {
-    Begin(2);
-    const size_t head = disk->bytes.size();
-    Add(0, 40);
-    recorder.Close();
+    const size_t head = Record(40);
     const faulty::Bytes whole = disk->bytes;
     std::mt19937 random(3);
     for (int round = 0; round < 300; ++round) {

@@ -1,6 +1,6 @@
 // A world in simulated time, drawn from a seed: a Modbus line with faults, outages and unplugged adapters, a disk that fills up,
-// fails, tears and forgets, a clock that somebody sets, and a program that is killed and started again. A measurement runs in it as
-// it would anywhere; every value it got is known, and what it left behind is held against that.
+// fails, tears and forgets, a clock that somebody sets, and a program that is killed and started again. A measurement runs in it
+// as it would anywhere; every value it got is known, and what it left behind is held against that.
 #pragma once
 
 #include <cmath>
@@ -43,7 +43,7 @@ public:
     struct Plan {
         Faults faults;
         double seconds = 86'400, interval = 10;
-        std::vector<Span> silent, unplugged, full;  // the logger is off, the adapter is away, the disk is full
+        std::vector<Span> silent, unplugged, full;     // the logger is off, the adapter is away, the disk is full
         std::vector<std::pair<double, double>> steps;  // when somebody sets the clock, and by how much
         std::vector<double> kills;                     // when the program is killed
         double powerCuts = 0;                          // chance that it is the power that goes
@@ -134,7 +134,8 @@ private:
                     if (std::isnan(value)) continue;
                     ++m_world.m_cells;
                     if (!m_line.IsTrue(static_cast<WORD>(value), static_cast<WORD>(100 * (i + 1)), begun))
-                        m_world.Wrong("the value " + std::to_string(value) + " of channel " + std::to_string(i) + " is another's");
+                        m_world.Wrong("the value " + std::to_string(value) + " of channel " + std::to_string(i) +
+                                      " is another's");
                 }
             };
             try {
@@ -288,7 +289,9 @@ private:
     }
 
     static Row RowOf(const CRecordingReader& reader) {
-        return {reader.Time(), {reader.Values(), reader.Values() + reader.ChannelCount()}, {reader.Flags(), reader.Flags() + reader.ChannelCount()}};
+        return {reader.Time(),
+                {reader.Values(), reader.Values() + reader.ChannelCount()},
+                {reader.Flags(), reader.Flags() + reader.ChannelCount()}};
     }
 
     // What the file holds, against what is known.
@@ -340,22 +343,27 @@ private:
         }
         m_written = m_handed.size();
         // Every missing cell has its gap, and so has every hole.
+        // A gap that goes on is told every minute: a program that is killed leaves the rest of it to be understood.
+        const __int64 untold = m_lives > 1 || !m_plan.kills.empty() ? 60'000'000 : 0;
         const auto covered = [&](__int64 from, __int64 to, int channel) {
             return std::any_of(gaps.begin(), gaps.end(), [&](const auto& entry) {
                 const CRecordedGap& gap = entry.second;
-                const bool has = gap.channels.empty() || (channel >= 0 && std::find(gap.channels.begin(), gap.channels.end(), channel) != gap.channels.end());
-                return has && !gap.text.empty() && gap.from <= to && gap.until >= from;
+                const bool has = gap.channels.empty() || (channel >= 0 && std::find(gap.channels.begin(), gap.channels.end(),
+                                                                                    channel) != gap.channels.end());
+                return has && !gap.text.empty() && gap.from <= to && gap.until + (channel >= 0 ? untold : 0) >= from;
             });
         };
         const Row* last = nullptr;
         for (const Row& row : rows) {
             if (row.IsMark()) continue;
             const __int64 interval = static_cast<__int64>(m_plan.interval * 1e6);
-            if (last != nullptr && row.time - last->time > 2 * interval + kSlack && !covered(last->time - interval, row.time + interval, -1) && !m_lostByPower)
+            if (last != nullptr && row.time - last->time > 2 * interval + kSlack &&
+                !covered(last->time - interval, row.time + interval, -1) && !m_lostByPower)
                 Wrong("a hole of " + std::to_string((row.time - last->time) / 1'000'000) + " s without a cause");
             for (size_t i = 0; i < row.flags.size(); ++i) {
                 if ((row.flags[i] == RF_MISSING) != std::isnan(row.values[i])) Wrong("flag and value differ");
-                if (row.flags[i] == RF_MISSING && !covered(row.time, row.time, static_cast<int>(i))) Wrong("a missing cell without a cause");
+                if (row.flags[i] == RF_MISSING && !covered(row.time, row.time, static_cast<int>(i)))
+                    Wrong("a missing cell without a cause");
             }
             last = &row;
         }
@@ -363,11 +371,13 @@ private:
         if (m_lives == 1 && m_slots > 0) {
             unsigned __int64 counted = m_kept;
             for (const auto& [number, gap] : gaps) counted += gap.channels.empty() ? gap.missed : 0;
-            if (counted != m_slots) Wrong(std::to_string(m_slots) + " readings were due, " + std::to_string(counted) + " are told of");
+            if (counted != m_slots)
+                Wrong(std::to_string(m_slots) + " readings were due, " + std::to_string(counted) + " are told of");
         }
         // What the follower saw is what stands there.
         if (m_followed) {
-            if (m_seen.size() > rows.size() || !std::equal(m_seen.begin(), m_seen.end(), rows.begin())) Wrong("a follower saw something else");
+            if (m_seen.size() > rows.size() || !std::equal(m_seen.begin(), m_seen.end(), rows.begin()))
+                Wrong("a follower saw something else");
         } else {
             m_follower.reset();
             m_seen.clear();
@@ -383,14 +393,19 @@ private:
         // One step, as on a real disk.
         const auto onCall = std::exchange(m_disk->onCall, {});
         const bool full = In(m_plan.full);
-        const DWORD error = full ? static_cast<DWORD>(ERROR_DISK_FULL) : recorder.Create(std::make_unique<faulty::File>(m_disk), facts);
+        const DWORD error =
+            full ? static_cast<DWORD>(ERROR_DISK_FULL) : recorder.Create(std::make_unique<faulty::File>(m_disk), facts);
         m_made = error == ERROR_SUCCESS;
         m_disk->Force();
         m_disk->onCall = onCall;
-        if (full) throw Killed{};  // the download ends with a sentence, and is started again
+        if (!m_made) throw Killed{};  // the download ends with a sentence, and is started again
         return error;
     }
-    DWORD Resume(const std::string&, CRecorder& recorder) override { return recorder.Resume(std::make_unique<faulty::File>(m_disk)); }
+    DWORD Resume(const std::string&, CRecorder& recorder) override {
+        const DWORD error = recorder.Resume(std::make_unique<faulty::File>(m_disk));
+        if (error != ERROR_SUCCESS) throw Killed{};  // likewise
+        return error;
+    }
 
     // RecordingWriter::Listener
     void OnWriting(const std::string&, DWORD) override {}
@@ -413,10 +428,10 @@ private:
     double m_forced = 0;
     Measurement* m_measurement = nullptr;
 
-    std::vector<Row> m_handed;       // in all lives
-    size_t m_written = 0;            // of them, promised to be kept
-    size_t m_forcedRows = 0;         // of them, when the disk was last forced
-    std::set<size_t> m_excused;      // that a life or the power took with it
+    std::vector<Row> m_handed;   // in all lives
+    size_t m_written = 0;        // of them, promised to be kept
+    size_t m_forcedRows = 0;     // of them, when the disk was last forced
+    std::set<size_t> m_excused;  // that a life or the power took with it
     std::unique_ptr<CRecordingReader> m_follower;
     std::vector<Row> m_seen;
     size_t m_kept = 0;

@@ -41,7 +41,7 @@ void ExpectModule(const CVersionInfo& info, bool windows) {
     EXPECT_STREQ(info.GetFileDescription(),
                  SystemLanguage() == kSwedish ? "Systemmodul f\xF6r dataloggrar" : "System module for data loggers");
     EXPECT_STREQ(info.GetLegalCopyright(), "");
-    EXPECT_EQ(info.GetFileOS(), DWORD{windows ? VOS_NT_WINDOWS32 : VOS_UNKNOWN});
+    EXPECT_EQ(info.GetFileOS(), static_cast<DWORD>(windows ? VOS_NT_WINDOWS32 : VOS_UNKNOWN));
     EXPECT_EQ(info.GetFileType(), CVersionInfo::typeDll);
     EXPECT_EQ(info.GetSubType(), CVersionInfo::subTypeUnknown);
     EXPECT_EQ(info.GetFileFlag(CVersionInfo::flagDebug), 0);
