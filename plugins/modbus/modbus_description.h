@@ -1,34 +1,30 @@
-// The description of a Modbus logger: line settings and channels, read from a property database (docs/formats.md has the keys).
-// Also how a channel's registers become a value and back. Plain data for any thread.
+// The description of Modbus loggers on one line: its settings, the slaves and the channels, read from a property database
+// (docs/modbus.md has the keys). Plain data for any thread.
 #pragma once
 
 #include <string>
 #include <vector>
 
 #include "comm/transport.h"
-#include "plugins/modbus/modbus_frame.h"
+#include "plugins/modbus/modbus_channel.h"
 #include "propdb/property_db_interface.h"
 
 namespace modbus {
 
-enum class ValueType { Int16, Uint16, Int32, Uint32, Float32 };
-enum class WordOrder { HighFirst, LowFirst };  // which register of a 32-bit value comes first
-
-struct Channel {
-    std::string key;  // the node's name in the description
-    std::string name;
-    BYTE function = kReadHoldingRegisters;
-    WORD first = 0;
-    ValueType type = ValueType::Int16;
-    WordOrder order = WordOrder::HighFirst;
-    double scale = 1, offset = 0;  // value = registers as a number * scale + offset
-
-    WORD RegisterCount() const { return type == ValueType::Int16 || type == ValueType::Uint16 ? 1 : 2; }
+struct Slave {
+    BYTE address = 1;
+    std::string key = {}, name = {};  // both empty for one that is known by its number alone
+    DWORD timeout = 0;                // ms for an answer; 0: the host's
+    int attempts = 3;                 // for a request that is not answered
+    WORD most = kMaxRegisters;        // registers in a request
+    WORD gap = 0;                     // registers, or coils, that may be read along between channels
+    DWORD pause = 0;                  // ms between its last answer and the next request to it
 };
 
 struct Description {
-    BYTE slave = 1;
+    std::vector<Slave> slaves = {Slave{}};  // those that channels are of, at least one
     CLineSettings line;
+    DWORD pauseOpen = 0;            // ms between opening the line and the first request
     std::vector<Channel> channels;  // in the order of their keys
 };
 
@@ -37,22 +33,5 @@ struct Description {
 Description ReadDescription(IPropertyDB& db);
 // The keys that it reads; see ILoggerFamily.
 const char* const* DescriptionKeys();
-
-// The registers of a channel as a value; exact for every type (32 bits fit a double) before scale and offset.
-double Decode(const Channel& channel, const WORD* registers);
-// The nearest registers for a value, limited to the type's range: what the simulated logger holds.
-void Encode(const Channel& channel, double value, WORD* registers);
-
-// One request for neighbouring channels.
-struct Block {
-    Request request;
-    struct Part {
-        size_t channel;  // index into the description's channels
-        WORD offset;     // of its first register within the block
-    };
-    std::vector<Part> parts;
-};
-// As few requests as possible without asking for a register that no channel names: a logger may refuse those.
-std::vector<Block> PlanBlocks(const Description& description);
 
 }  // namespace modbus

@@ -40,7 +40,7 @@ TEST(ModbusFrame, FindsTheAnswerAmongNoise) {
         size_t begin = 0, end = 0;
         const std::optional<Answer> answer = FindAnswer(received, begin, end);
         ASSERT_TRUE(answer) << before.size();
-        EXPECT_EQ(answer->registers, (std::vector<WORD>{0xAE41, 0x5652}));
+        EXPECT_EQ(answer->data, (Bytes{0xAE, 0x41, 0x56, 0x52}));
         EXPECT_EQ(begin, before.size());
         EXPECT_EQ(end, received.size() - 1);
     }

@@ -36,7 +36,7 @@ public:
 // Three registers that only their order tells apart, and one of another function.
 modbus::Description FourChannels() {
     modbus::Description description;
-    description.slave = 7;
+    description.slaves[0].address = 7;
     for (const int first : {100, 200, 300, 400}) {
         modbus::Channel channel;
         channel.function = first == 400 ? modbus::kReadInputRegisters : modbus::kReadHoldingRegisters;

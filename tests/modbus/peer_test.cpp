@@ -98,8 +98,7 @@ private:
     std::atomic<bool> m_stopping = false;
 };
 
-modbus::Channel Channel(BYTE function, WORD first, modbus::ValueType type,
-                        modbus::WordOrder order = modbus::WordOrder::HighFirst) {
+modbus::Channel Channel(BYTE function, WORD first, modbus::ValueType type, modbus::ByteOrder order = modbus::kHighFirst) {
     modbus::Channel channel;
     channel.function = function;
     channel.first = first;
@@ -110,7 +109,7 @@ modbus::Channel Channel(BYTE function, WORD first, modbus::ValueType type,
 
 modbus::Description OneRegister() {
     modbus::Description description;
-    description.slave = 7;
+    description.slaves[0].address = 7;
     description.line.baud = 115200;
     description.channels = {Channel(3, 0, modbus::ValueType::Uint16)};
     return description;
@@ -122,6 +121,7 @@ std::vector<BYTE> Good(const modbus::Request& request, WORD value = 4711) {
 }
 
 constexpr DWORD kTimeout = 300;
+constexpr int kAttempts = 3;  // of a request, where a description says nothing
 
 // The code of the failure, or 0 and the first value.
 int Outcome(modbus::Logger& logger, double* value = nullptr) {
@@ -146,11 +146,11 @@ TEST(ModbusPeer, EveryTypeAndOrderArrivesExactly) {
     far.ServeLibmodbus(17, {0x8001, 0x1234, 0x5678, 0xFFFF, 0xFFFE, HIWORD(bits), LOWORD(bits), LOWORD(bits), HIWORD(bits)},
                        {60000, 1});
     modbus::Description description;
-    description.slave = 17;
+    description.slaves[0].address = 17;
     description.line.baud = 19200;
     description.channels = {
-        Channel(3, 0, Int16),  Channel(3, 1, Uint32),  Channel(3, 1, Uint32, modbus::WordOrder::LowFirst),
-        Channel(3, 3, Int32),  Channel(3, 5, Float32), Channel(3, 7, Float32, modbus::WordOrder::LowFirst),
+        Channel(3, 0, Int16),  Channel(3, 1, Uint32),  Channel(3, 1, Uint32, modbus::kLowFirst),
+        Channel(3, 3, Int32),  Channel(3, 5, Float32), Channel(3, 7, Float32, modbus::kLowFirst),
         Channel(4, 0, Uint16),
     };
     modbus::Logger logger(description);
@@ -211,14 +211,14 @@ TEST(ModbusPeer, FailuresHaveTheirCodes) {
     EXPECT_EQ(Outcome(logger), 6);  // not open
     logger.Connect(far.Name(), kTimeout);
     EXPECT_EQ(Outcome(logger), 8);  // silent; a line that was just opened is probed first
-    EXPECT_EQ(asked, 1 + modbus::Master::kAttempts);
+    EXPECT_EQ(asked, 1 + kAttempts);
     mode = 1;
     EXPECT_EQ(Outcome(logger), 3);  // never a good CRC
     mode = 2;
     asked = 0;
     EXPECT_EQ(Outcome(logger), 4);  // busy for ever: asked a bounded number of times
     // The first answer could be to one from before, and so could that to the first probe, since the one then came damaged.
-    EXPECT_EQ(asked, 1 + 2 + modbus::Master::kAttempts);
+    EXPECT_EQ(asked, 1 + 2 + kAttempts);
     mode = 3;
     EXPECT_EQ(Outcome(logger), 0);  // and well again
     logger.Abort();
@@ -231,7 +231,9 @@ TEST(ModbusPeer, APulledPlugIsAHardwareErrorAtOnce) {
     FarEnd far;
     far.PullAfter(3);
     far.Serve([](const modbus::Request& request, int number) {
-        return number == 1 ? modbus::EncodeException(request, modbus::kIllegalValue) : number == 2 ? Good(request) : std::vector<BYTE>();
+        return number == 1   ? modbus::EncodeException(request, modbus::kIllegalValue)
+               : number == 2 ? Good(request)
+                             : std::vector<BYTE>();
     });
     modbus::Logger logger(OneRegister());
     logger.Connect(far.Name(), 60'000);  // the failure must not wait for this

@@ -60,7 +60,7 @@ public:
             m_description.channels.push_back(channel);
             m_facts.SetValue(("Channels." + channel.key + ".sName").c_str(), channel.name.c_str());
         }
-        m_description.slave = 7;
+        m_description.slaves[0].address = 7;
         m_disk->onCall = [this] { Call(); };
     }
 

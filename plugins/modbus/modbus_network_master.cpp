@@ -1,0 +1,70 @@
+#include "plugins/modbus/modbus_network_master.h"
+
+#include <algorithm>
+
+#include "afx/string.h"
+#include "comm/comm_exception.h"
+#include "plugins/modbus/modbus_mbap.h"
+
+namespace modbus {
+namespace {
+constexpr size_t kMostOpen = 128;  // an answer that is as many requests late is nobody's any more
+constexpr UINT kNoModbusText = 8333;
+}  // namespace
+
+void NetworkMaster::Configure(const CLineSettings& line, DWORD timeout) {
+    Master::Configure(line, timeout);
+    m_open.clear();
+    m_received.clear();
+}
+
+void NetworkMaster::Begin(std::span<const Request>) {
+    // What came since the last reading.
+    constexpr std::chrono::seconds kAtMost{1};
+    for (const TimePoint limit = m_transport.Now() + kAtMost; m_transport.Now() < limit && Receive({});) continue;
+}
+
+Master::End NetworkMaster::Exchange(const Request& request, Question question) {
+    const TimePoint sent = m_transport.Now(), deadline = sent + StateOf(request.slave).timeout;
+    if (m_open.size() == kMostOpen) m_open.erase(m_open.begin());
+    m_open.push_back({++m_transaction, question, request, sent});
+    m_transport.Send(NetworkFrame(m_transaction, request.slave, RequestMessage(request)), deadline);
+    while (!m_answered && m_transport.Now() < deadline && Receive(deadline)) continue;
+    return m_answered ? End::Answered : m_anythingCame || !m_received.empty() ? End::Damaged : End::Silence;
+}
+
+bool NetworkMaster::Receive(TimePoint until) {
+    if (!m_transport.Receive(m_received, until)) return false;
+    for (;;) {
+        WORD transaction = 0;
+        Answer answer;
+        size_t used = 0;
+        const NetworkEnd end = FirstAnswer(m_received, transaction, answer, used);
+        if (end == NetworkEnd::More) return true;
+        if (end == NetworkEnd::Broken) {
+            m_transport.Close();
+            CString text;
+            text.LoadString(kNoModbusText);
+            OrvikThrowCommException(CCommException::BadProtocol, text);
+        }
+        m_received.erase(m_received.begin(), m_received.begin() + static_cast<std::ptrdiff_t>(used));
+        Take(transaction, answer);
+    }
+}
+
+void NetworkMaster::Take(WORD transaction, const Answer& answer) {
+    const auto open =
+        std::find_if(m_open.begin(), m_open.end(), [&](const Open& each) { return each.transaction == transaction; });
+    if (open == m_open.end() || !answer.Fits(open->request)) {
+        m_anythingCame = true;  // with the number of no request, or of one that it does not answer
+        return;
+    }
+    const Open answered = *open;
+    m_open.erase(open);
+    Hear(answer);
+    const Duration took = m_transport.Now() - answered.sent;
+    if (took > StateOf(answer.slave).timeout) TellLate(took);
+    Deliver(answered.question, answer);
+}
+
+}  // namespace modbus

@@ -1,0 +1,34 @@
+// The master of a Modbus TCP connection. Transaction numbers tell whose an answer is, however late it comes; one request is under
+// way at a time. A frame whose lengths contradict each other leaves no place to go on from: the connection is closed, and the
+// reading fails with code 3.
+#pragma once
+
+#include "plugins/modbus/modbus_master.h"
+
+namespace modbus {
+
+class NetworkMaster final : public Master {
+public:
+    using Master::Master;
+    void Configure(const CLineSettings& line, DWORD timeout) override;
+
+private:
+    // A request that may still be answered.
+    struct Open {
+        WORD transaction;
+        Question question;
+        Request request;
+        TimePoint sent;
+    };
+
+    void Begin(std::span<const Request> requests) override;
+    End Exchange(const Request& request, Question question) override;
+    bool Receive(TimePoint until) override;
+    void Take(WORD transaction, const Answer& answer);
+
+    std::vector<Open> m_open;  // in the order of sending
+    std::vector<BYTE> m_received;
+    WORD m_transaction = 0;
+};
+
+}  // namespace modbus
