@@ -11,6 +11,8 @@ namespace {
 constexpr UINT kNoSuchHost = 8210, kNameUnknownYet = 8211, kRefused = 8212, kNoAnswer = 8213, kNoRoute = 8214, kClosed = 8215,
                kBrokenOff = 8216, kSilent = 8217, kOther = 8218;
 
+constexpr std::chrono::milliseconds kSoon{50}, kPrompt{1};
+
 UINT TextFor(DWORD error, bool connected) {
     switch (error) {
         case kSocketNoSuchHost:
@@ -44,8 +46,8 @@ DWORD MillisecondsUntil(ITransport::TimePoint until) {
 
 void NetworkStream::Open(const CLineAddress& address, TimePoint until) {
     Close();
-    const bool bracketed = address.host.find(':') != std::string::npos;
-    m_address = (bracketed ? "[" + address.host + "]" : address.host) + ":" + std::to_string(address.port);
+    m_address = address.Text();
+    m_address.erase(0, m_address.find("://") + 3);
     if (m_abort.IsRaised()) OrvikThrowCommException(CCommException::SessionAborted, nullptr);
     SocketConnect connecting(address.host.c_str(), address.port, MillisecondsUntil(until));
     Socket socket;
@@ -77,7 +79,8 @@ void NetworkStream::Send(std::span<const BYTE> bytes, TimePoint until) {
         DWORD sent = 0;
         if (const DWORD error = m_socket.Send(bytes.data(), static_cast<DWORD>(bytes.size()), sent)) Lose(error);
         bytes = bytes.subspan(sent);
-        if (bytes.empty()) return;
+        m_asked = bytes.empty();
+        if (m_asked) return;
         if (sent != 0) continue;
         // Half a request is worse than none: what follows would be taken for the rest of it.
         if (std::chrono::steady_clock::now() >= until) Lose(kSocketTimeOut);
@@ -88,22 +91,37 @@ void NetworkStream::Send(std::span<const BYTE> bytes, TimePoint until) {
 }
 
 bool NetworkStream::Receive(std::vector<BYTE>& received, TimePoint until) {
+    CheckLine();
+    // The first look after a request lingers, as long as the far end is one that answers at once.
+    const TimePoint soon = std::chrono::steady_clock::now() + kSoon;
+    if (TakeWaiting(received, m_asked && m_prompt && soon <= until)) return true;
+    // Messages that came before wake nobody: they are looked at soon, but not in the way of an answer.
+    TimePoint next = std::min(until, soon);
     for (;;) {
+        Wait(m_socket.Await(), next);
         CheckLine();
-        if (TakeWaiting(received)) return true;
+        if (TakeWaiting(received, false)) return true;
         if (std::chrono::steady_clock::now() >= until) return false;
         PumpMessages();
         CheckLine();
-        Wait(m_socket.Await(), until);
+        next = until;
     }
 }
 
-bool NetworkStream::TakeWaiting(std::vector<BYTE>& received) {
+bool NetworkStream::TakeWaiting(std::vector<BYTE>& received, bool linger) {
     BYTE block[2048];
     DWORD got = 0;
-    if (const DWORD error = m_socket.Receive(block, sizeof block, got)) Lose(error);
+    if (const DWORD error = m_socket.Receive(block, sizeof block, got, linger)) Lose(error);
+    if (got == 0) {
+        if (linger) m_prompt = false;
+        if (m_asked) m_askedAt = std::chrono::steady_clock::now();
+        m_asked = false;
+        return false;
+    }
+    if (!m_asked && !m_prompt) m_prompt = std::chrono::steady_clock::now() < m_askedAt + kPrompt;
+    m_asked = false;
     received.insert(received.end(), block, block + got);
-    return got != 0;
+    return true;
 }
 
 void NetworkStream::Wait(HANDLE event, TimePoint until) {

@@ -34,7 +34,7 @@ public:
     [[noreturn]] void Fail(int code, UINT text) const;
 
 private:
-    bool TakeWaiting(std::vector<BYTE>& received);
+    bool TakeWaiting(std::vector<BYTE>& received, bool linger);
     void Wait(HANDLE event, TimePoint until);
     void PumpMessages() const;
     void CheckLine() const;
@@ -45,6 +45,9 @@ private:
     const AbortSignal& m_abort;
     Socket m_socket;
     std::string m_address;  // "host:port"
+    bool m_asked = false;   // nothing was looked for since the last request
+    bool m_prompt = true;   // the far end answers almost at once
+    TimePoint m_askedAt;
     bool m_lost = false;
     DWORD m_lossError = 0;
 };

@@ -41,10 +41,11 @@ public:
     // Sends what there is room for: `sent` may be less than `size`, and 0.
     DWORD Send(const void* data, DWORD size, DWORD& sent);
     // Takes what has come, up to `size`; `got` is 0 while there is nothing. 1226 when everything is read and the far end has
-    // closed.
-    DWORD Receive(void* data, DWORD size, DWORD& got);
-    // The event that tells that Receive, or Send, is worth another try. To be asked for before every wait, after a call that
-    // moved nothing. It stays this object's.
+    // closed. Who is sure of an answer may `linger` for it, some 2 ms: where the system has a cheaper wait than that for an
+    // event.
+    DWORD Receive(void* data, DWORD size, DWORD& got, bool linger = false);
+    // The event that tells that Receive is worth a try, or Send after one that sent nothing; then Receive comes before the next
+    // wait for it. To be asked for before every wait. It stays this object's.
     HANDLE Await(bool toSend = false);
 
 private:

@@ -125,6 +125,10 @@ Socket::Socket(ULONG_PTR connected) : m_state(std::make_unique<State>(static_cas
     Set(fd, IPPROTO_TCP, TCP_KEEPINTVL, 3);
     Set(fd, IPPROTO_TCP, TCP_KEEPCNT, 3);
     Set(fd, IPPROTO_TCP, TCP_USER_TIMEOUT, 10'000);
+    // For who lingers; all else says by itself that it does not wait.
+    const timeval moment{0, 2'000};
+    setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &moment, sizeof moment);
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
 }
 
 void Socket::Close() { m_state.reset(); }
@@ -132,16 +136,16 @@ void Socket::Close() { m_state.reset(); }
 DWORD Socket::Send(const void* data, DWORD size, DWORD& sent) {
     sent = 0;
     if (!m_state) return ERROR_INVALID_HANDLE;
-    const ssize_t count = send(m_state->Fd(), data, size, MSG_NOSIGNAL);
+    const ssize_t count = send(m_state->Fd(), data, size, MSG_NOSIGNAL | MSG_DONTWAIT);
     if (count >= 0) sent = static_cast<DWORD>(count);
     if (count >= 0 || WouldWait(errno)) return ERROR_SUCCESS;
     return errno == EPIPE ? static_cast<DWORD>(kSocketReset) : LastSocketError();
 }
 
-DWORD Socket::Receive(void* data, DWORD size, DWORD& got) {
+DWORD Socket::Receive(void* data, DWORD size, DWORD& got, bool linger) {
     got = 0;
     if (!m_state) return ERROR_INVALID_HANDLE;
-    const ssize_t count = recv(m_state->Fd(), data, size, 0);
+    const ssize_t count = recv(m_state->Fd(), data, size, linger ? 0 : MSG_DONTWAIT);
     if (count > 0) got = static_cast<DWORD>(count);
     if (count == 0 && size != 0) return kSocketClosedByPeer;
     return count >= 0 || WouldWait(errno) ? ERROR_SUCCESS : LastSocketError();

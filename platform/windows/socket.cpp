@@ -29,16 +29,21 @@ public:
     Watched& operator=(const Watched&) = delete;
 
     SOCKET Get() const { return m_socket; }
-    HANDLE Event() const { return m_event; }
+    // The end is told once only: who waits after that is to look again.
+    HANDLE Event() const {
+        if (m_ended) WSASetEvent(m_event);
+        return m_event;
+    }
     // Before a try: what comes after this moment signals the event again.
     void Forget() {
-        WSANETWORKEVENTS events;
-        WSAEnumNetworkEvents(m_socket, m_event, &events);
+        WSANETWORKEVENTS events{};
+        if (WSAEnumNetworkEvents(m_socket, m_event, &events) == 0 && (events.lNetworkEvents & FD_CLOSE) != 0) m_ended = true;
     }
 
 private:
     const SOCKET m_socket;
     const WSAEVENT m_event;
+    bool m_ended = false;
 };
 }  // namespace
 
@@ -124,13 +129,17 @@ void Socket::Close() { m_state.reset(); }
 DWORD Socket::Send(const void* data, DWORD size, DWORD& sent) {
     sent = 0;
     if (!m_state) return ERROR_INVALID_HANDLE;
-    m_state->Forget();
-    const int count = send(m_state->Get(), static_cast<const char*>(data), static_cast<int>(std::min<DWORD>(size, 1u << 30)), 0);
+    const int most = static_cast<int>(std::min<DWORD>(size, 1u << 30));
+    int count = send(m_state->Get(), static_cast<const char*>(data), most, 0);
+    if (count < 0 && WSAGetLastError() == WSAEWOULDBLOCK) {
+        m_state->Forget();  // what has come in would end a wait for room at once
+        count = send(m_state->Get(), static_cast<const char*>(data), most, 0);
+    }
     if (count >= 0) sent = static_cast<DWORD>(count);
     return count >= 0 || WSAGetLastError() == WSAEWOULDBLOCK ? ERROR_SUCCESS : LastSocketError();
 }
 
-DWORD Socket::Receive(void* data, DWORD size, DWORD& got) {
+DWORD Socket::Receive(void* data, DWORD size, DWORD& got, bool) {
     got = 0;
     if (!m_state) return ERROR_INVALID_HANDLE;
     m_state->Forget();
