@@ -1,6 +1,7 @@
 #include "comm/transport.h"
 
 #include "comm/comm_exception.h"
+#include "comm/rfc2217_transport_internal.h"
 #include "comm/serial_transport_internal.h"
 #include "comm/tcp_transport_internal.h"
 
@@ -19,6 +20,8 @@ public:
             const CLineAddress parsed = CLineAddress::Parse(address);
             if (parsed.scheme == CLineAddress::Serial) {
                 m_line = std::make_shared<SerialTransport>(m_port, m_connection, m_abort);
+            } else if (parsed.scheme == CLineAddress::Rfc2217) {
+                m_line = std::make_shared<Rfc2217Transport>(m_port, m_connection, m_abort);
             } else {
                 m_line = std::make_shared<TcpTransport>(m_port, m_connection, m_abort);
             }

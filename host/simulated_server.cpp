@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "host/console.h"
+#include "host/rfc2217_port.h"
 #include "host/speech.h"
 #include "host/texts.h"
 
@@ -63,10 +64,20 @@ private:
         DWORD got = 0;
         if (m_socket.Receive(block, sizeof block, got) != 0) return false;
         LineFaults::Fate fate;
-        if (got != 0) return !m_server.m_logger.Receive(m_asker, block, got, fate) || Deliver(fate);
+        if (got != 0) return Take({block, got});
         if (TakeUnsaid(fate)) return Deliver(fate);
         const HANDLE any[] = {m_server.m_stop, m_wake, m_socket.Await()};
         return WaitForMultipleObjects(3, any, FALSE, INFINITE) != WAIT_OBJECT_0;
+    }
+    bool Take(std::span<const BYTE> bytes) {
+        std::vector<BYTE> data, replies;
+        if (m_server.m_address.scheme == CLineAddress::Rfc2217) {
+            m_port.Feed(bytes, data, replies);
+            if (!SendRaw(replies)) return false;
+            bytes = data;
+        }
+        LineFaults::Fate fate;
+        return bytes.empty() || !m_server.m_logger.Receive(m_asker, bytes.data(), bytes.size(), fate) || Deliver(fate);
     }
     bool TakeUnsaid(LineFaults::Fate& said) {
         const std::lock_guard lock(m_lock);
@@ -80,15 +91,22 @@ private:
         if (fate.unplug) m_server.Stop();
         if (fate.unplug || fate.drop) return false;
         if (fate.late != 0 && Stopped(fate.late)) return false;
-        if (fate.first != 0 && (!Send(fate.bytes.data(), fate.first) || Stopped(kBetween))) return false;
-        return Send(fate.bytes.data() + fate.first, fate.bytes.size() - fate.first);
+        const std::span<const BYTE> bytes = fate.bytes;
+        if (fate.first != 0 && (!Send(bytes.first(fate.first)) || Stopped(kBetween))) return false;
+        return Send(bytes.subspan(fate.first));
     }
     bool Stopped(DWORD within) const { return WaitForSingleObject(m_server.m_stop, within) == WAIT_OBJECT_0; }
-    bool Send(const BYTE* bytes, size_t size) {
-        while (size != 0) {
+    bool Send(std::span<const BYTE> data) {
+        if (m_server.m_address.scheme != CLineAddress::Rfc2217) return SendRaw(data);
+        std::vector<BYTE> escaped;
+        TelnetEnd::Escape(data, escaped);
+        return SendRaw(escaped);
+    }
+    bool SendRaw(std::span<const BYTE> bytes) {
+        while (!bytes.empty()) {
             DWORD sent = 0;
-            if (m_socket.Send(bytes, static_cast<DWORD>(size), sent) != 0) return false;
-            bytes += sent, size -= sent;
+            if (m_socket.Send(bytes.data(), static_cast<DWORD>(bytes.size()), sent) != 0) return false;
+            bytes = bytes.subspan(sent);
             if (sent != 0) continue;
             const HANDLE any[] = {m_server.m_stop, m_socket.Await(true)};
             if (WaitForMultipleObjects(2, any, FALSE, kPatience) != WAIT_OBJECT_0 + 1) return false;
@@ -99,6 +117,7 @@ private:
     SimulatedServer& m_server;
     Socket m_socket;
     SimulatedLogger::Asker m_asker;
+    Rfc2217Port m_port;  // where the address asks for one
     const HANDLE m_wake = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     std::mutex m_lock;
     std::deque<LineFaults::Fate> m_unsaid;
