@@ -31,9 +31,9 @@ std::string Lower(std::string_view text) {
     }
     return lower;
 }
-}  // namespace
 
-CLineAddress CLineAddress::Parse(const char* text) {
+// `listener`: whether the host may be empty, and the port 0.
+CLineAddress ParseAddress(const char* text, bool listener) {
     const std::string_view whole(text);
     const size_t colon = whole.find("://");
     CLineAddress address;
@@ -57,11 +57,25 @@ CLineAddress CLineAddress::Parse(const char* text) {
     if (bracketed && close == std::string_view::npos) Refuse(kNoHost, text);
     address.host = rest.substr(bracketed ? 1 : 0, bracketed ? close - 1 : close);
     rest.remove_prefix(close == std::string_view::npos ? rest.size() : close + (bracketed ? 1 : 0));
-    if (address.host.empty() || address.host.find_first_of(" \t/") != std::string::npos) Refuse(kNoHost, text);
+    if ((address.host.empty() && !listener) || address.host.find_first_of(" \t/") != std::string::npos) Refuse(kNoHost, text);
     if (rest.empty()) return address;
     if (rest.front() != ':') Refuse(kNoHost, text);
     rest.remove_prefix(1);
     const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), address.port);
-    if (error != std::errc() || end != rest.data() + rest.size() || address.port == 0) Refuse(kNoPort, text);
+    if (error != std::errc() || end != rest.data() + rest.size() || (address.port == 0 && !listener)) Refuse(kNoPort, text);
     return address;
+}
+}  // namespace
+
+CLineAddress CLineAddress::Parse(const char* text) { return ParseAddress(text, false); }
+CLineAddress CLineAddress::ParseListener(const char* text) { return ParseAddress(text, true); }
+
+std::string CLineAddress::Text() const {
+    std::string name;
+    for (const Scheme& known : kSchemes) {
+        if (known.scheme == scheme) name = known.name;
+    }
+    if (name.empty()) return host;
+    const bool bracketed = host.find(':') != std::string::npos;
+    return name + "://" + (bracketed ? "[" + host + "]" : host) + ":" + std::to_string(port);
 }

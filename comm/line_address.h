@@ -19,4 +19,9 @@ struct CLineAddress {
     // Throws CCommException 6 with a text for a scheme that is none of these, or a port that is no number from 1 to 65535. A
     // port that is left out is the scheme's own: 502 for tcp and rtu, 2217 for rfc2217. Case counts in names of ports only.
     ORVIK_API static CLineAddress Parse(const char* text);
+    // Where a server is to listen: the host may be empty (all interfaces), and the port 0 (a free one).
+    ORVIK_API static CLineAddress ParseListener(const char* text);
+
+    // As Parse reads it.
+    ORVIK_API std::string Text() const;
 };

@@ -51,7 +51,7 @@ LONG CSerialOrvik::Close() {
 LONG CSerialOrvik::Write(const void* data, size_t len, DWORD* written, OVERLAPPED* ov, DWORD timeout) {
     const LONG result = CSerial::Write(data, len, written, ov, timeout);
     // What was asked for is traced, not what the driver reports as written.
-    if (HostTraces() && m_bTraceEnabled) Trace(kSending, data, len);
+    if (HostTraces() && m_bTraceEnabled) Trace(m_strPort, kSending, data, len);
     return result;
 }
 
@@ -60,17 +60,21 @@ LONG CSerialOrvik::Read(void* buf, size_t len, DWORD* read, OVERLAPPED* ov, DWOR
     const LONG result = CSerial::Read(buf, len, &count, ov, timeout);
     if (read) *read = count;
     // A read of nothing starts its line as well.
-    if (HostTraces() && m_bTraceEnabled) Trace(kReceiving, buf, count);
+    if (HostTraces() && m_bTraceEnabled) Trace(m_strPort, kReceiving, buf, count);
     return result;
 }
 
-void CSerialOrvik::Trace(LONG direction, const void* data, size_t len) {
+void CSerialOrvik::TraceTransfer(const char* name, BOOL sent, const void* data, size_t len) {
+    if (HostTraces() && m_bTraceEnabled) Trace(name, sent ? kSending : kReceiving, data, len);
+}
+
+void CSerialOrvik::Trace(const char* name, LONG direction, const void* data, size_t len) {
     if (m_nTraceDirection != direction) {
         DumpTrace();
         m_nTraceDirection = direction;
         m_strTrace = CVXTTime::Now().Format();
         m_strTrace += " - ";
-        m_strTrace += m_strPort;
+        m_strTrace += name;
         m_strTrace += direction == kSending ? " > " : " < ";
     }
     const auto* const bytes = static_cast<const unsigned char*>(data);

@@ -37,6 +37,8 @@ public:
     // to the host when the next line begins. Only while the host wants traffic traced.
     BOOL m_bTraceEnabled = FALSE;
     BOOL m_bTraceHex = FALSE;  // each byte as "7F ", rather than as a character
+    // Traces what was sent or received over another line in this port's place, under that line's name.
+    void TraceTransfer(const char* name, BOOL sent, const void* data, size_t len);
 
 protected:
     // Hands the line over, if tracing is on, and starts afresh in any case.
@@ -48,5 +50,5 @@ protected:
     CString m_strTrace;
 
 private:
-    void Trace(LONG direction, const void* data, size_t len);
+    void Trace(const char* name, LONG direction, const void* data, size_t len);
 };

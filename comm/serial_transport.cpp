@@ -31,7 +31,6 @@ void SerialTransport::Close() {
     if (!m_port.IsOpen()) return;
     m_port.Close();
     m_connection.SetOnline(false);
-    m_aborted = false;
     // The listener may have said farewell shortly before: left in the queue, it would be taken for the end of the next line.
     MSG message;
     while (PeekMessageA(&message, nullptr, COrvikComWnd::ComMsg, COrvikComWnd::ComMsg, PM_REMOVE)) {
@@ -91,7 +90,7 @@ void SerialTransport::PumpMessages(TimePoint until) {
 }
 
 void SerialTransport::CheckLine() {
-    if (m_aborted) Fail(CCommException::SessionAborted);
+    if (m_abort.IsRaised()) Fail(CCommException::SessionAborted);
     if (!m_port.IsOpen()) Fail(CCommException::DeviceNotOpen);
     if (m_connection.LineLost()) Fail(CCommException::HardwareError);
 }

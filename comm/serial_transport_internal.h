@@ -1,9 +1,8 @@
 // A serial port as a transport. While it waits it handles its thread's messages, which is how the port tells that the line is
-// lost. Borrows the port and the connection. The thread of the connection, but for Abort.
+// lost. Borrows the port, the connection and the signal. The thread of the connection.
 #pragma once
 
-#include <atomic>
-
+#include "comm/abort_signal_internal.h"
 #include "comm/line_connection.h"
 #include "comm/serial_orvik.h"
 #include "comm/transport.h"
@@ -12,7 +11,8 @@ namespace orvik::detail {
 
 class SerialTransport : public ITransport {
 public:
-    SerialTransport(CSerialOrvik& port, CLineConnection& connection) : m_port(port), m_connection(connection) {}
+    SerialTransport(CSerialOrvik& port, CLineConnection& connection, const AbortSignal& abort)
+        : m_port(port), m_connection(connection), m_abort(abort) {}
 
     void Open(const char* port, const CLineSettings& line, TimePoint until) override;
     void Close() override;
@@ -21,7 +21,7 @@ public:
     TimePoint Now() override { return std::chrono::steady_clock::now(); }
     void Send(std::span<const BYTE> bytes, TimePoint until) override;
     bool Receive(std::vector<BYTE>& received, TimePoint until) override;
-    void Abort() override { m_aborted = true; }
+    void Abort() override {}  // the signal does it
 
 private:
     bool ReadAvailable(std::vector<BYTE>& received);
@@ -30,7 +30,7 @@ private:
 
     CSerialOrvik& m_port;
     CLineConnection& m_connection;
-    std::atomic<bool> m_aborted = false;
+    const AbortSignal& m_abort;
 };
 
 }  // namespace orvik::detail

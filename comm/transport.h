@@ -49,7 +49,7 @@ public:
     // Appends what has come; waits until something has, or `until` has passed. False when nothing came.
     virtual bool Receive(std::vector<BYTE>& received, TimePoint until) = 0;
 
-    // Any thread. Holds until the line is closed.
+    // Any thread. Holds until the line is closed, or until it has ended an Open.
     virtual void Abort() = 0;
 };
 

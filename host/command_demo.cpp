@@ -28,7 +28,7 @@ void MakeFolder(const std::string& folder) {
 class Served {
 public:
     explicit Served(std::unique_ptr<ILoggerSimulator> simulator)
-        : m_line(std::move(simulator), LineFault::None, Text::NoVirtualPorts), m_thread([this] { m_line.Serve(); }) {}
+        : m_logger(std::move(simulator), LineFaults()), m_line(m_logger, Text::NoVirtualPorts), m_thread([this] { m_line.Serve(); }) {}
     ~Served() {
         m_line.Stop();
         m_thread.join();
@@ -36,6 +36,7 @@ public:
     std::string PortName() const { return m_line.PortName(); }
 
 private:
+    SimulatedLogger m_logger;
     SimulatedLine m_line;
     std::thread m_thread;
 };

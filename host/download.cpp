@@ -197,6 +197,7 @@ void DescribeSession(CPropertyDB& description, const std::string& port, CPropert
 
 std::string WhyNotOpened(const std::string& port, LONG code, const std::string& text) {
     const std::string name = ToUtf8(port);
+    if (port.find("://") != std::string::npos) return text + ".";  // a network's own sentence names the place
     const bool refused = code == CCommException::DeviceNotOpen;
     const DWORD attributes = GetFileAttributesA(port.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY)) return Say(Text::NoSerialPort, {name});

@@ -1,45 +1,46 @@
 #include "host/simulated_line.h"
 
-#include <vector>
-
 #include "host/console.h"
+#include "host/speech.h"
 
 namespace {
-// Every third answer comes after stray bytes, every fifth with one bit flipped: a master that asks again gets through.
-constexpr unsigned kStrayEvery = 3, kFlipEvery = 5;
-constexpr BYTE kStray[] = {0xFF, 0x00, 0x11, 0x04, 0xA5};
-constexpr unsigned kAnswersBeforeUnplug = 3;
+constexpr DWORD kSlice = 50;    // ms until Stop is seen
+constexpr DWORD kBetween = 30;  // ms between the pieces of an answer
 }  // namespace
 
-SimulatedLine::SimulatedLine(std::unique_ptr<ILoggerSimulator> simulator, LineFault fault, Text withoutPorts,
-                             const std::string& link)
-    : m_simulator(std::move(simulator)), m_fault(fault) {
+SimulatedLine::SimulatedLine(SimulatedLogger& logger, Text withoutPorts, const std::string& link) : m_logger(logger) {
     const DWORD error = m_port.Create(link.empty() ? nullptr : link.c_str());
     if (error == ERROR_NOT_SUPPORTED) throw Failure{kWrongUse, Say(withoutPorts)};
     if (error != 0) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(link), Reason(error)})};
+    m_logger.SetLine(PortName());
 }
 
 void SimulatedLine::Serve() {
-    CByteArray reply;
+    SimulatedLogger::Asker asker;
+    Speech speech(m_logger);
     while (!m_stopping && m_port.IsPlugged()) {
+        LineFaults::Fate fate;
+        if (speech.Next(fate)) Deliver(fate);
         BYTE block[512];
         DWORD got = 0;
-        constexpr DWORD kSlice = 50;  // ms until Stop is seen
-        if (m_port.Read(block, sizeof block, got, kSlice) != 0) return;
-        if (got == 0) continue;
-        m_simulator->Receive(block, got, reply);
-        if (reply.GetSize() > 0 && m_fault != LineFault::Silent) Answer(reply);
+        if (m_port.Read(block, sizeof block, got, speech.Wait(kSlice)) != 0) return;
+        if (got != 0 && m_logger.Receive(asker, block, got, fate)) Deliver(fate);
     }
 }
 
-void SimulatedLine::Answer(const CByteArray& reply) {
-    // The plug is pulled in place of an answer: what was answered before has been read by then.
-    if (m_fault == LineFault::Unplug && m_answers == kAnswersBeforeUnplug) return m_port.Unplug();
-    ++m_answers;
-    std::vector<BYTE> bytes(reply.GetData(), reply.GetData() + reply.GetSize());
-    if (m_fault == LineFault::Noise) {
-        if (m_answers % kFlipEvery == 0) bytes[bytes.size() / 2] ^= 0x10;
-        if (m_answers % kStrayEvery == 0) bytes.insert(bytes.begin(), std::begin(kStray), std::end(kStray));
+void SimulatedLine::Deliver(const LineFaults::Fate& fate) {
+    // A serial line has no connection to drop: its device goes away.
+    if (fate.unplug || fate.drop) return m_port.Unplug();
+    if (fate.bytes.empty()) return;
+    Pause(fate.late);
+    if (fate.first != 0) {
+        m_port.Write(fate.bytes.data(), static_cast<DWORD>(fate.first));
+        Pause(kBetween);
     }
-    m_port.Write(bytes.data(), static_cast<DWORD>(bytes.size()));
+    m_port.Write(fate.bytes.data() + fate.first, static_cast<DWORD>(fate.bytes.size() - fate.first));
+}
+
+void SimulatedLine::Pause(DWORD milliseconds) const {
+    for (; milliseconds != 0 && !m_stopping; milliseconds -= std::min(milliseconds, kSlice))
+        Sleep(std::min(milliseconds, kSlice));
 }

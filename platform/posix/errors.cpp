@@ -57,6 +57,22 @@ DWORD ErrorFromErrno(int error) {
             return ERROR_OPERATION_ABORTED;
         case ETIMEDOUT:
             return ERROR_TIMEOUT;
+        case EADDRINUSE:
+            return WSAEADDRINUSE;
+        case EADDRNOTAVAIL:
+            return WSAEADDRNOTAVAIL;
+        case ENETDOWN:
+            return WSAENETDOWN;
+        case ENETUNREACH:
+            return WSAENETUNREACH;
+        case ECONNABORTED:
+            return WSAECONNABORTED;
+        case ECONNRESET:
+            return WSAECONNRESET;
+        case ECONNREFUSED:
+            return WSAECONNREFUSED;
+        case EHOSTUNREACH:
+            return WSAEHOSTUNREACH;
         default:
             return ERROR_GEN_FAILURE;
     }

@@ -19,11 +19,12 @@ class SimulatedLine:
 
     def __init__(self, options, folder, words):
         self.link = None
-        self.process = subprocess.Popen([options.simulator, "simulate", *words], cwd=folder, stdout=subprocess.PIPE, encoding="utf-8")
+        self.process = subprocess.Popen([options.simulator, "simulate", *map(str, words)], cwd=folder, stdout=subprocess.PIPE, encoding="utf-8")
         self.port = self.process.stdout.readline().strip()
-        if not self.port.startswith("/dev/"):
+        network = "://" in self.port
+        if not network and not self.port.startswith("/dev/"):
             raise RuntimeError("the simulator did not start: " + self.port)
-        if options.wine:
+        if options.wine and not network:
             _describe(self.port, options.records)
             number, SimulatedLine._next_com = SimulatedLine._next_com, SimulatedLine._next_com + 1
             prefix = os.environ.get("WINEPREFIX") or os.path.join(os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache"), "orvik/wine")

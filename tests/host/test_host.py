@@ -194,6 +194,30 @@ class Download(HostTest):
         self.assertEqual(result.code, 0, result.err)
         self.assertEqual(len(self.readings("session.odb")), 9)
 
+    def test_a_logger_on_the_network(self):
+        port = self.simulate("--port", "rtu://127.0.0.1:0", "--fault", "split=30", "--fault", "noise=10", "--seed", 7)
+        result = self.host("download", "--port", port, "--out", "s.odb", "--count", 20, "--interval", 100, "--timeout", 300, "--trace", "trace.txt")
+        self.assertEqual(result.code, 0, result.err)
+        self.assertEqual(len(self.readings("s.odb")), 21)
+        self.assertIn(f" - {port} > ", (self.folder / "trace.txt").read_text(encoding="cp1252"))
+        self.assertIn("is no address to listen at", self.refused(1, "simulate", "--port", "COM3"))
+        self.assertIn("another program listens there", self.refused(2, "simulate", "--port", port))
+        self.assertIn("--link", self.refused(1, "simulate", "--port", "tcp://:0", "--link", "x"))
+
+    def test_a_connection_that_is_dropped_comes_back(self):
+        port = self.simulate("--port", "rtu://127.0.0.1:0", "--fault", "drop=10", "--seed", 1)
+        result = self.host("download", "--port", port, "--out", "s.rec", "--for", "4 s", "--interval", 100)
+        self.assertEqual(result.code, 2)
+        self.assertIn("the far end has closed the connection", result.err)
+        self.assertIn("there again", result.err)
+        self.assertGreater(len(self.readings("s.rec")), 15)
+
+    def test_a_network_without_a_logger_is_told(self):
+        for port, why in (("tcp://nobody.invalid", "nobody.invalid:502: "), ("rtu://127.0.0.1:1", "127.0.0.1:1: the connection was refused."),
+                          ("tcp://:1", "no name of a host"), ("udp://x", "not one of tcp://"), ("tcp://x:0", "no number from 1 to 65535")):
+            with self.subTest(port=port):
+                self.assertIn(why, self.refused(2, "read", "--port", port))
+
     def test_a_silent_logger_is_a_gap(self):
         result = self.host("download", "--port", self.simulate("--fault", "silent"), "--out", "s.rec", "--timeout", 100, "--for", "2 s", "--interval", 500)
         self.assertEqual(result.code, 2)

@@ -1,0 +1,55 @@
+// Bytes over a TCP connection, for the transports of the network. While it waits it handles its thread's messages, and a byte, an
+// abort or a message ends the wait at once. Failures are CCommException objects with a sentence that names the address: 6 it
+// cannot be reached, 7 the connection is lost, which its connection is told as well, 9 an abort. One thread. Borrows the
+// connection and the signal.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "comm/abort_signal_internal.h"
+#include "comm/line_address.h"
+#include "comm/line_connection.h"
+#include "comm/transport.h"
+#include "platform/socket.h"
+
+namespace orvik::detail {
+
+class NetworkStream {
+public:
+    using TimePoint = ITransport::TimePoint;
+    NetworkStream(CLineConnection& connection, const AbortSignal& abort) : m_connection(connection), m_abort(abort) {}
+    ~NetworkStream() { Close(); }
+
+    void Open(const CLineAddress& address, TimePoint until);
+    void Close();
+    bool IsOpen() const { return m_socket.IsOpen(); }
+
+    // All of it, or 7.
+    void Send(std::span<const BYTE> bytes, TimePoint until);
+    // Appends what has come; false when nothing came until then.
+    bool Receive(std::vector<BYTE>& received, TimePoint until);
+    // `text` is one of res/strings.def that takes the address.
+    [[noreturn]] void Fail(int code, UINT text) const;
+
+private:
+    bool TakeWaiting(std::vector<BYTE>& received, bool linger);
+    void Wait(HANDLE event, TimePoint until);
+    void PumpMessages() const;
+    void CheckLine() const;
+    [[noreturn]] void Lose(DWORD error);
+    [[noreturn]] void FailBy(int code, DWORD error, bool connected) const;
+
+    CLineConnection& m_connection;
+    const AbortSignal& m_abort;
+    Socket m_socket;
+    std::string m_address;  // "host:port"
+    bool m_asked = false;   // nothing was looked for since the last request
+    bool m_prompt = true;   // the far end answers almost at once
+    TimePoint m_askedAt;
+    bool m_lost = false;
+    DWORD m_lossError = 0;
+};
+
+}  // namespace orvik::detail
