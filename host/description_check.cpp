@@ -14,7 +14,9 @@
 namespace {
 using Segments = std::vector<std::string>;
 
-constexpr const char* kHostKeys[] = {"sFamily", "sName", "Channels.*.sName", "Channels.*.sUnit", nullptr};
+constexpr const char* kHostKeys[] = {
+    "sFamily", "sName", "Channels.*.sName", "Channels.*.sUnit", "Channels.*.rInterval", "Channels.*.sGroup", "Groups.*.rInterval",
+    nullptr};
 
 Segments SegmentsOf(std::string_view key) {
     Segments segments;
