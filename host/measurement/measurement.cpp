@@ -242,6 +242,7 @@ void Measurement::Begin(__int64 now) {
 
 void Measurement::Read() {
     const __int64 began = m_clock.Steady();
+    if (!m_slotFailed && m_plan.interval != 0) m_late.Add(began - DueOf(m_slot));
     m_answered.reset();
     m_troubles.assign(m_channels, {});
     ChooseDue();

@@ -22,6 +22,7 @@
 
 #include "host/logger_family.h"
 #include "host/measurement/gap_keeper.h"
+#include "host/measurement/lateness.h"
 #include "host/measurement/recording_clock.h"
 
 // Where the readings go. What it throws comes out of Run and leaves the measurement as it is.
@@ -95,6 +96,8 @@ public:
     // Readings that were whole and yet took longer than the interval, and the longest, in ms.
     DWORD SlowReadings() const { return m_slowReadings; }
     DWORD Slowest() const { return m_slowest; }
+    // How long after their times readings began; those that were tried again count for nothing.
+    const Lateness& Late() const { return m_late; }
 
 private:
     void OnAnswer() override;
@@ -156,4 +159,5 @@ private:
     std::optional<__int64> m_answered;  // steady
     std::vector<Trouble> m_troubles;    // by channel
     DWORD m_lateAnswers = 0, m_latest = 0, m_slowReadings = 0, m_slowest = 0;
+    Lateness m_late;
 };
