@@ -5,60 +5,12 @@
 #include "host/database_file.h"
 #include "host/download.h"
 #include "host/logger_file.h"
-#include "host/recording_copy.h"
 #include "host/recording_files.h"
+#include "host/recording_plan.h"
 #include "host/replaceable_file.h"
-#include "host/session_file.h"
-#include "host/span_words.h"
 #include "host/texts.h"
-#include "record/recording_reader.h"
 
 namespace {
-constexpr __int64 kLongest = 100ll * 366 * 86'400 * 1'000'000;  // us
-
-// A span ("1 day") or a size ("100 MiB"), whichever it says.
-void SetRotation(const Arguments& arguments, RecordingWriter::Plan& record) {
-    if (!arguments.Has("--rotate")) return;
-    constexpr unsigned __int64 kLeast = 64 * 1024, kLargest = 1ull << 50;
-    constexpr __int64 kShortest = 1'000'000;
-    const std::string text = arguments.Get("--rotate");
-    if (SpanFromWords(text)) {
-        record.rotateEvery = arguments.Span("--rotate", kShortest, kLongest, 0);
-    } else if (BytesFromWords(text)) {
-        record.rotateSize = arguments.Bytes("--rotate", kLeast, kLargest, 0);
-    } else {
-        throw Failure{kWrongUse, Say(Text::NotARotation, {"--rotate"})};
-    }
-}
-
-// What an earlier run left under the recording's name, or under the session's that it becomes.
-void CheckEarlier(const RecordingWriter::Plan& record, bool force, CPropertyDB& description) {
-    if (record.rotateEvery != 0 || record.rotateSize != 0) return;  // names that nothing has yet
-    std::unique_ptr<IRecordingFile> held;
-    if (FileExists(record.path) && CRecordingFile::OpenToWrite(record.path, CRecordingFile::kForceEvery, held) == ERROR_SHARING_VIOLATION)
-        throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(record.path)})};
-    held.reset();
-    if (record.append && FileExists(record.path)) {
-        CRecordingReader reader;
-        if (const DWORD error = reader.Open(record.path)) throw Failure{kFileFailed, Say(Text::FileNotOpened, {ToUtf8(record.path), Reason(error)})};
-        return RequireSameLogger(record.path, reader.Facts(), description);
-    }
-    if (record.append && !record.target.empty() && FileExists(record.target)) {
-        // The session becomes a recording again, goes on, and takes its own place at the end.
-        const SessionFile session = OpenSession(record.target);
-        RequireSameLogger(record.target, *session.db, description);
-        StoreAsRecording(record.path, *session.session, *session.db);
-        return;
-    }
-    if (force) return;
-    if (!record.target.empty()) {
-        RequireReplaceable(record.target);
-        if (FileExists(record.path)) throw Failure{kFileFailed, Say(Text::LeftOver, {ToUtf8(record.path), ToUtf8(record.target)})};
-    } else {
-        RequireReplaceable(record.path);
-    }
-}
-
 // The session of a recording that has ended. Where there can be none, the recording keeps the readings, and its user is told so.
 // False where the recording turned out to be damaged.
 bool Fold(const RecordingWriter::File& file, bool mayReplace) {
@@ -88,9 +40,9 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     plan.timeout = arguments.Milliseconds("--timeout", 1, 600'000, plan.timeout);
     if (arguments.Has("--for")) {
         if (arguments.Has("--count")) throw Failure{kWrongUse, Say(Text::OptionsExclude, {"--for", "--count"})};
-        plan.duration = arguments.Span("--for", 1, kLongest, 1);
+        plan.duration = arguments.Span("--for", 1, kLongestSpan, 1);
     }
-    if (arguments.Has("--give-up")) plan.giveUp = arguments.Span("--give-up", 1, kLongest, 1);
+    if (arguments.Has("--give-up")) plan.giveUp = arguments.Span("--give-up", 1, kLongestSpan, 1);
     plan.traceFile = arguments.Get("--trace");
     plan.traceHex = arguments.Has("--hex");
     if (plan.traceHex && plan.traceFile.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};
@@ -103,7 +55,7 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
     record.interval = static_cast<__int64>(plan.interval) * 1000;
     record.target = EndsInRec(out) ? std::string() : out;
     record.path = record.target.empty() ? out : RecordingBeside(out);
-    SetRotation(arguments, record);
+    if (arguments.Has("--rotate")) SetRotation("--rotate", arguments.Get("--rotate"), record);
     if (record.append && force) throw Failure{kWrongUse, Say(Text::OptionsExclude, {"--append", "--force"})};
     RequireDifferentFiles({{"--out", out},
                            {"--out", record.path == out ? std::string() : record.path},

@@ -22,4 +22,7 @@ ExitCode RunScript(CHostApp& app, const Words& words);
 ExitCode RunVersion(CHostApp& app, const Words& words);
 ExitCode RunLocale(CHostApp& app, const Words& words);
 ExitCode RunConvert(CHostApp& app, const Words& words);
+ExitCode RunRecord(CHostApp& app, const Words& words);
+ExitCode RunStatus(CHostApp& app, const Words& words);
+ExitCode RunReload(CHostApp& app, const Words& words);
 ExitCode RunRecover(CHostApp& app, const Words& words);

@@ -14,7 +14,9 @@
 namespace {
 using Segments = std::vector<std::string>;
 
-constexpr const char* kHostKeys[] = {"sFamily", "sName", "Channels.*.sName", "Channels.*.sUnit", nullptr};
+constexpr const char* kHostKeys[] = {
+    "sFamily", "sName", "Channels.*.sName", "Channels.*.sUnit", "Channels.*.rInterval", "Channels.*.sGroup", "Groups.*.rInterval",
+    nullptr};
 
 Segments SegmentsOf(std::string_view key) {
     Segments segments;
@@ -85,12 +87,18 @@ std::string Nearest(const Segments& key, const std::vector<Segments>& patterns) 
     return nearest;
 }
 
-std::vector<Segments> Patterns(const char* const* familyKeys) {
+std::vector<Segments> Patterns(const char* const* familyKeys, const char* const* hostKeys = kHostKeys) {
     std::vector<Segments> patterns;
-    for (const char* const* keys : {static_cast<const char* const*>(kHostKeys), familyKeys}) {
+    for (const char* const* keys : {hostKeys, familyKeys}) {
         for (; keys != nullptr && *keys != nullptr; ++keys) patterns.push_back(SegmentsOf(*keys));
     }
     return patterns;
+}
+
+bool IsKnown(const Segments& segments, const std::vector<Segments>& patterns, bool folder) {
+    return std::any_of(patterns.begin(), patterns.end(), [&](const Segments& pattern) {
+        return CountFitting(segments, pattern) == segments.size() && (folder || segments.size() == pattern.size());
+    });
 }
 
 // `strict`: keys that no pattern fits are refused, and not only left alone.
@@ -110,9 +118,7 @@ void Spell(CPropertyDB& description, const std::vector<Segments>& patterns, bool
         for (size_t at = 0; at < fitting; ++at) {
             if (!IsAny((*best)[at])) segments[at] = (*best)[at];
         }
-        const bool known = std::any_of(patterns.begin(), patterns.end(), [&](const Segments& pattern) {
-            return CountFitting(segments, pattern) == segments.size() && (folder || segments.size() == pattern.size());
-        });
+        const bool known = IsKnown(segments, patterns, folder);
         const std::string name = Joined(segments);
         if (strict && !known) throw Failure{kWrongUse, Say(Text::UnknownKey, {ToUtf8(key), ToUtf8(Nearest(segments, patterns))})};
         if (strict && description.Count(key.c_str(), FALSE) > 1 && !folder)
@@ -132,4 +138,20 @@ void SpellHostKeys(CPropertyDB& description) { Spell(description, Patterns(nullp
 
 void CheckKeys(CPropertyDB& description, const char* const* familyKeys) {
     Spell(description, Patterns(familyKeys), familyKeys != nullptr);
+}
+
+void SpellKeys(CPropertyDB& db, const char* const* keys) { Spell(db, Patterns(nullptr, keys), false); }
+
+std::vector<StrayKey> FindStrayKeys(const CPropertyDB& db, const char* const* known) {
+    const std::vector<Segments> patterns = Patterns(nullptr, known);
+    CStringArray keys;
+    db.EnumAll(keys);
+    std::vector<StrayKey> strays;
+    for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
+        const std::string key = keys.GetAt(i).GetString();
+        const Segments segments = SegmentsOf(key);
+        const bool folder = KindOf(db.GetValueObject(key.c_str(), TRUE)).empty();
+        if (!IsKnown(segments, patterns, folder)) strays.push_back({key, Nearest(segments, patterns)});
+    }
+    return strays;
 }

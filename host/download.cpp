@@ -6,6 +6,7 @@
 #include "comm/comm_exception.h"
 #include "comm/task.h"
 #include "frame/version.h"
+#include "host/channel_intervals.h"
 #include "host/logger_file.h"
 #include "host/measurement/csv_sink.h"
 #include "host/stop_request.h"
@@ -19,11 +20,12 @@ constexpr unsigned __int64 kBarEnd = 0x7FFFFFFF;
 // One run: the measurement, where its readings go, and what a person at the terminal is told meanwhile.
 class DownloadRun : private IMeasurementSink, private RecordingWriter::Listener {
 public:
-    DownloadRun(ILogger& logger, CPropertyDB& facts, const DownloadPlan& plan, const RecordingWriter::Plan& record)
+    DownloadRun(ILogger& logger, CPropertyDB& facts, const DownloadPlan& plan, const MeasurementPlan& measure,
+                const RecordingWriter::Plan& record)
         : m_plan(plan),
           m_writer(facts, record, *this),
           m_csv(plan.csvFile, plan.csvAppend, facts),
-          m_measurement(logger, m_csv.ChannelCount(), *this, m_clock, plan.Measure()),
+          m_measurement(logger, m_csv.ChannelCount(), *this, m_clock, measure),
           m_session(facts, std::string()) {
         const unsigned __int64 planned = m_measurement.Planned();
         m_bar.Start(static_cast<LONG>(std::min<unsigned __int64>(planned, kBarEnd)), nullptr, nullptr, nullptr, TRUE, nullptr, TRUE);
@@ -166,7 +168,7 @@ std::string TextAt(CPropertyDB& db, const char* key) {
 }
 }  // namespace
 
-MeasurementPlan DownloadPlan::Measure() const {
+MeasurementPlan DownloadPlan::Measure(CPropertyDB& description) const {
     MeasurementPlan measure;
     measure.port = port;
     measure.timeout = timeout;
@@ -175,6 +177,7 @@ MeasurementPlan DownloadPlan::Measure() const {
     measure.duration = duration;
     measure.shifts = shifts;
     measure.giveUp = giveUp;
+    measure.steps = ChannelSteps(description, measure.interval);
     measure.stopAsked = [] { return StopRequest::Asked(); };
     return measure;
 }
@@ -260,5 +263,5 @@ DownloadResult Download(CHostApp& app, CPropertyDB& description, const DownloadP
     const StopRequest stop(logger.get());
     RecordingWriter::Plan versioned = record;
     versioned.version = ORVIK_MODULE_VERSION;
-    return DownloadRun(*logger, facts, plan, versioned).Run();
+    return DownloadRun(*logger, facts, plan, plan.Measure(description), versioned).Run();
 }

@@ -30,7 +30,8 @@ struct DownloadPlan {
 
     bool csvAppend = false;   // behind what the file holds
 
-    MeasurementPlan Measure() const;
+    // For the logger of this description, whose channels' intervals have to be multiples of this one's: else a Failure.
+    MeasurementPlan Measure(CPropertyDB& description) const;
 };
 
 struct DownloadResult {

@@ -24,16 +24,20 @@ CHostApp::~CHostApp() {
 
 void CHostApp::StartTrace(const std::string& path) {
     StopTrace();
-    m_traceComplete = true;
+    m_traceComplete = true;  // nobody else writes now
     auto file = std::make_unique<CFile>();
     CFileException failure;
     if (!file->Open(path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite, &failure)) {
         throw Failure{kFileFailed, Say(Text::TraceNotMade, {ToUtf8(path), Reason(static_cast<DWORD>(failure.m_lOsError))})};
     }
+    const std::lock_guard lock(m_traceLock);
     m_trace = std::move(file);
+    m_traces = true;
 }
 
 bool CHostApp::StopTrace() {
+    m_traces = false;
+    const std::lock_guard lock(m_traceLock);
     if (m_trace != nullptr) {
         try {
             m_trace->Close();
@@ -47,6 +51,7 @@ bool CHostApp::StopTrace() {
 }
 
 void CHostApp::Trace(const char* text, ...) {
+    const std::lock_guard lock(m_traceLock);
     if (m_trace == nullptr) return;
     try {
         m_trace->Write(text, static_cast<UINT>(std::strlen(text)));

@@ -1,8 +1,10 @@
 // The reference host as the module sees it: where traces go, whether they are wanted, and which device families there are.
-// The user-interface thread only.
+// The user-interface thread, but for Trace and IsCommTraceEnabled, which ports ask for on their threads.
 #pragma once
 
+#include <atomic>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "afx/app.h"
@@ -26,12 +28,14 @@ public:
     IDeviceFamily* FindDeviceFamily(const char* name) override;
     // Over the window that is in use.
     int DoMessageBox(LPCSTR prompt, UINT type, UINT help) override;
-    int IsCommTraceEnabled() override { return m_trace != nullptr; }
+    int IsCommTraceEnabled() override { return m_traces; }
 
     PluginLibrary& Plugins() { return m_plugins; }
 
 private:
     PluginLibrary m_plugins;
-    std::unique_ptr<CFile> m_trace;
+    std::mutex m_traceLock;
+    std::unique_ptr<CFile> m_trace;  // these two under the lock
     bool m_traceComplete = true;
+    std::atomic<bool> m_traces = false;
 };

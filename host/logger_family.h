@@ -1,6 +1,12 @@
 // What a device plug-in offers the reference host: a logger to read, and a simulated one to practise on.
 // A plug-in exports one function, OrvikPlugin_Family; it stays loaded as long as anything it made lives.
-// Everything here runs on the host's user-interface thread, but for ILogger::Abort.
+//
+// Threads: the family is asked on the host's main (user-interface) thread, and what it makes is made and destroyed there. A
+// logger's Connect, ReadSample, Select, Write, Disconnect and Watch run on one thread, which the host chooses before the first of
+// them and keeps to the end: the main thread, or one that may serve other loggers of the same port in turn. Loggers of different
+// ports run at the same time, so what they share in the plug-in needs a lock. A logger that waits handles the messages of its own
+// thread meanwhile, as the transports of comm/transport.h do; the scheduler and other windows belong to the main thread. Before a
+// logger is destroyed it is disconnected on its thread. Abort is for any thread.
 #pragma once
 
 #include "comm/comm_exception.h"

@@ -1,6 +1,7 @@
 #include "host/logger_file.h"
 
 #include "comm/comm_exception.h"
+#include "host/channel_intervals.h"
 #include "host/console.h"
 #include "host/database_file.h"
 #include "host/description_check.h"
@@ -59,6 +60,7 @@ ILoggerFamily& FamilyOf(CHostApp& app, CPropertyDB& description) {
     const std::string family = static_cast<const char*>(name);
     if (ILoggerFamily* const plugin = app.Plugins().Find(family)) {
         CheckKeys(description, plugin->DescriptionKeys());
+        OwnIntervals(description);
         return *plugin;
     }
     const std::string families = Listed(PluginLibrary::Families());

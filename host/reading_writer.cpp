@@ -8,6 +8,7 @@
 #include <set>
 
 #include "host/console.h"
+#include "host/json_text.h"
 #include "host/texts.h"
 #include "host/time_stamp.h"
 #include "host/value_text.h"
@@ -139,7 +140,7 @@ public:
         const bool different = std::all_of(m_shown.begin(), m_shown.end(), isNew);
         for (const size_t place : m_shown) {
             const Session::Channel& channel = session.Channels()[place];
-            m_keys.push_back(",\"" + Escaped(ToUtf8(different ? channel.name : channel.key)) + "\":");
+            m_keys.push_back("," + JsonText(ToUtf8(different ? channel.name : channel.key)) + ":");
         }
     }
     void Heading(std::string&) override {}
@@ -148,31 +149,13 @@ public:
         AppendUtcStamp(out, time);
         out += '"';
         for (size_t i = 0; i < m_shown.size(); ++i) {
-            const double value = values[m_shown[i]];
-            char digits[64] = "null";
-            char* const end = std::isfinite(value) ? std::to_chars(digits, digits + sizeof digits, value).ptr : digits + 4;
-            out.append(m_keys[i]).append(digits, end);
+            out += m_keys[i];
+            out += JsonNumber(values[m_shown[i]]);
         }
         out += "}\n";
     }
 
 private:
-    static std::string Escaped(const std::string& text) {
-        std::string out;
-        for (const char c : text) {
-            char code[8];
-            std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned char>(c));
-            if (c == '"' || c == '\\') {
-                out.append(1, '\\').append(1, c);
-            } else if (static_cast<unsigned char>(c) < 0x20) {
-                out += code;
-            } else {
-                out += c;
-            }
-        }
-        return out;
-    }
-
     const ShownChannels m_shown;
     std::vector<std::string> m_keys;
 };

@@ -5,6 +5,7 @@
 #include <limits>
 #include <numeric>
 
+#include "host/channel_intervals.h"
 #include "host/console.h"
 #include "host/damage_gaps.h"
 #include "host/texts.h"
@@ -31,6 +32,7 @@ struct Gathering {
         if (!column.finite || high > column.high) column.high = high, highAt = atHigh;
     }
     void Reading(double value, unsigned __int64 at) {
+        if (IsNotDue(value)) return;
         column.readings = true;
         if (!std::isfinite(value)) return;
         Extremes(value, at, value, at);
@@ -61,6 +63,11 @@ RecordedSeries::RecordedSeries(const std::string& path) : m_path(path) {
     ReadNotes();
     m_facts = m_reader.Facts();
     CompleteFacts();
+    m_ownIntervals = HaveOwnIntervals(m_facts, ChannelCount());
+}
+
+double RecordedSeries::CellOf(const CRecordingReader& reader, size_t channel) {
+    return reader.Flags()[channel] == RF_NOT_DUE ? NotDueValue() : reader.Values()[channel];
 }
 
 std::string RecordedSeries::Trouble() const {
@@ -122,7 +129,7 @@ void RecordedSeries::ReadAll(CInt64Array& times, std::vector<CDoubleArray>& valu
             if (times.GetSize() > 0 && gap->from < reader.Time())
                 row(gap->from, [](size_t) { return std::numeric_limits<double>::quiet_NaN(); });
         }
-        row(reader.Time(), [&](size_t i) { return reader.Values()[i]; });
+        row(reader.Time(), [&](size_t i) { return CellOf(reader, i); });
         m_made += MarksGap(reader.Flags(), ChannelCount()) ? 0 : 1;
     }
     if (const auto gap = damage.AtEnd()) m_notes.Add(*gap);
@@ -152,7 +159,7 @@ std::shared_ptr<const RecordedSeries::Decoded> RecordedSeries::Decode(size_t num
         if (item == RI_DAMAGE && !m_noted[number] && m_index.DamagedBytes() == 0) m_unread += m_reader.Damage().size;
         if (item != RI_READING) continue;
         decoded.times.push_back(m_reader.Time());
-        decoded.values.insert(decoded.values.end(), m_reader.Values(), m_reader.Values() + ChannelCount());
+        for (size_t i = 0; i < ChannelCount(); ++i) decoded.values.push_back(CellOf(m_reader, i));
     }
     m_noted[number] = true;
     m_decodedSize += decoded.Size();
@@ -165,9 +172,14 @@ std::shared_ptr<const RecordedSeries::Decoded> RecordedSeries::Decode(size_t num
 }
 
 double RecordedSeries::LastValue(size_t channel) {
-    for (size_t span = m_index.Spans().size(); span-- > 0;) {
+    constexpr size_t kFarthest = 64;  // spans that are looked at for a channel that is read now and then
+    const size_t count = m_index.Spans().size();
+    for (size_t span = count; span-- > 0 && count - span <= kFarthest;) {
         const auto decoded = Decode(span);
-        if (!decoded->times.empty()) return decoded->values[decoded->values.size() - ChannelCount() + channel];
+        for (size_t at = decoded->times.size(); at-- > 0;) {
+            const double value = decoded->values[at * ChannelCount() + channel];
+            if (!IsNotDue(value)) return value;
+        }
     }
     return std::numeric_limits<double>::quiet_NaN();
 }
@@ -263,6 +275,8 @@ const RecordedSeries::Columns& RecordedSeries::ColumnsOf(const ColumnPlan& plan,
     // Its extremes alone say enough of a channel whose first value in the column is known, or which has none here.
     const auto known = [&](const CRecordingSpan& span, size_t i) {
         const CRecordingSpan::Extremes& part = span.channels[channels[i]];
+        // Without a value it may have been asked for in vain, or not have been due.
+        if (part.lowAt >= span.readings && m_ownIntervals[channels[i]]) return false;
         return part.lowAt >= span.readings || (gathering[i].column.finite && std::isfinite(part.low) && std::isfinite(part.high));
     };
 

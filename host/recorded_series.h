@@ -38,7 +38,7 @@ public:
     // What of this a user should know; empty where all is well.
     std::string Trouble() const;
 
-    // The value of the last reading; NaN without any.
+    // The value of the last reading that asked for it; NaN without any.
     double LastValue(size_t channel);
     // The lines of these channels, as ReduceSeries makes them. The mappings, one for each, differ in their values only.
     std::vector<ReducedSeries> Reduce(const std::vector<size_t>& channels, const std::vector<PlotMapping>& mappings);
@@ -59,6 +59,7 @@ private:
     };
     using Columns = std::vector<std::vector<SeriesColumn>>;  // by the channels asked for
 
+    static double CellOf(const CRecordingReader& reader, size_t channel);
     void ReadNotes();
     void CompleteFacts();
     std::shared_ptr<const Decoded> Decode(size_t span);
@@ -75,6 +76,7 @@ private:
     RecordedNotes m_notes;
     unsigned __int64 m_end = 0, m_unread = 0, m_torn = 0, m_made = 0;
     bool m_failed = false;
+    std::vector<bool> m_ownIntervals;  // channels that are not read every time
     std::vector<bool> m_noted;  // spans whose damage was counted
     std::list<std::shared_ptr<const Decoded>> m_decoded;  // the latest first
     size_t m_decodedSize = 0;

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "host/console.h"
+#include "host/missing_cells.h"
 #include "host/reading_source.h"
 #include "host/recording_files.h"
 #include "host/texts.h"
@@ -74,37 +75,6 @@ void CopyFacts(CPropertyDB& db, CPropertyDB& facts) {
     }
 }
 
-// What a NaN means: that it is missing, where a gap says so, or that the logger had no value.
-class Flags {
-public:
-    explicit Flags(const std::vector<CRecordedGap>& gaps) : m_gaps(gaps) {
-        std::sort(m_gaps.begin(), m_gaps.end(), [](const CRecordedGap& a, const CRecordedGap& b) { return a.from < b.from; });
-    }
-    const BYTE* Of(__int64 time, const double* values, size_t count) {
-        m_flags.assign(count, RF_GOOD);
-        for (size_t i = 0; i < count; ++i) {
-            if (std::isnan(values[i])) m_flags[i] = RF_NO_VALUE;
-        }
-        // Gaps may lie within others, so those that have begun are looked at until they are over.
-        for (; m_next < m_gaps.size() && m_gaps[m_next].from <= time; ++m_next) m_open.push_back(m_next);
-        std::erase_if(m_open, [&](size_t gap) { return m_gaps[gap].until < time; });
-        for (const size_t gap : m_open) {
-            for (size_t i = 0; i < count; ++i) {
-                const std::vector<WORD>& channels = m_gaps[gap].channels;
-                const bool meant = channels.empty() || std::find(channels.begin(), channels.end(), i) != channels.end();
-                if (m_flags[i] == RF_NO_VALUE && meant) m_flags[i] = RF_MISSING;
-            }
-        }
-        return m_flags.data();
-    }
-
-private:
-    std::vector<CRecordedGap> m_gaps;
-    std::vector<size_t> m_open;
-    size_t m_next = 0;
-    std::vector<BYTE> m_flags;
-};
-
 // Gaps and events in the order of time, up to where a reading comes.
 class Notes {
 public:
@@ -146,7 +116,7 @@ bool StoreAsRecording(const std::string& path, const Session& session, CProperty
     CRecorder recorder;
     check(recorder.Create(std::make_unique<RecordingBeingMade>(replacement.File()), facts));
     Notes notes(told);
-    Flags flags(told.Gaps());
+    MissingCells missing(told.Gaps());
     const std::unique_ptr<ReadingSource> readings = ReadingsOf(session);
     bool whole = true;
     const auto addDamage = [&](const CRecordedGap& gap) {
@@ -160,7 +130,7 @@ bool StoreAsRecording(const std::string& path, const Session& session, CProperty
         check(notes.AddUntil(recorder, readings->Time(), false));
         if (readings->Damage()) addDamage(*readings->Damage());
         check(recorder.AddReading(readings->Time(), readings->Values(),
-                                  flags.Of(readings->Time(), readings->Values(), recorder.ChannelCount())));
+                                  missing.FlagsOf(readings->Time(), readings->Values(), recorder.ChannelCount())));
     }
     check(notes.AddUntil(recorder, 0, true));
     if (readings->Damage()) addDamage(*readings->Damage());

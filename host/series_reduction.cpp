@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "host/channel_intervals.h"
+
 namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr size_t kRawPerColumn = 3;     // up to so many readings a column are drawn one by one
@@ -37,7 +39,7 @@ public:
     void Reading(double time, double value) {
         if (std::isfinite(value)) {
             Add(m_mapping.X(time), value);
-        } else {
+        } else if (!IsNotDue(value)) {
             Part();
         }
     }
@@ -68,8 +70,8 @@ private:
 // One column's readings first to last - 1.
 SeriesColumn ColumnOf(const double* values, size_t first, size_t last) {
     SeriesColumn column;
-    column.readings = true;
     column.finite = FiniteRange(values, first, last, column.low, column.high);
+    column.readings = column.finite || !std::all_of(values + first, values + last, IsNotDue);
     if (!column.finite) return column;
     while (!std::isfinite(values[first])) ++first;
     while (!std::isfinite(values[last - 1])) --last;
@@ -143,6 +145,9 @@ ReducedSeries ReduceSeries(const SeriesData& series, const PlotMapping& mapping)
 
     Line line(mapping);
     if (plan.DrawsEach(inView)) {
+        // The line reaches the edges from the nearest readings that there are.
+        while (first > begin && IsNotDue(series.values[first - begin])) --first;
+        while (last < end && IsNotDue(series.values[last - 1 - begin])) ++last;
         for (const __int64* t = first; t < last; ++t) line.Reading(static_cast<double>(*t), series.values[t - begin]);
         ReducedSeries all = line.Take();
         all.markers = inView * static_cast<size_t>(kPixelsPerMarker) <= plan.columns;

@@ -4,7 +4,7 @@
 // A series with few readings in view is taken as it is. A longer one is reduced: every pixel column gives its first, lowest,
 // highest and last value, in the order in which they were read, so that the picture is the one of the line through all of them.
 // Values that are no finite numbers draw nothing: they part the line where they fill a column of a reduced series, or stand
-// between two readings of one that is not reduced.
+// between two readings of one that is not reduced. Those that were not to be read (IsNotDue) do not even that.
 #pragma once
 
 #include <cstddef>

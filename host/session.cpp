@@ -1,10 +1,13 @@
 #include "host/session.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "afx/collections.h"
+#include "host/channel_intervals.h"
 #include "host/console.h"
+#include "host/missing_cells.h"
 #include "host/reading_source.h"
 #include "host/reading_writer.h"
 #include "host/texts.h"
@@ -45,6 +48,26 @@ Session::Session(IPropertyDB& stored, const std::string& path, int) {
         stored.GetValue(("Channels." + channel.key + ".rValues").c_str(), channel.values);
         if (channel.values.GetSize() != m_times.GetSize()) throw none;
     }
+    FindNotDue(stored);
+}
+
+// The XML form keeps no bits of what is no number: what was not missing, in a channel that is not always read, was not to be
+// read.
+void Session::FindNotDue(IPropertyDB& stored) {
+    const std::vector<bool> own = HaveOwnIntervals(stored, m_channels.size());
+    if (std::find(own.begin(), own.end(), true) == own.end()) return;
+    RecordedNotes notes;
+    notes.Load(stored, ChannelKeys(stored));
+    MissingCells missing(notes.Gaps());
+    std::vector<double> row(m_channels.size());
+    for (INT_PTR at = 0; at < m_times.GetSize(); ++at) {
+        for (size_t i = 0; i < row.size(); ++i) row[i] = m_channels[i].values.GetAt(at);
+        if (std::all_of(row.begin(), row.end(), [](double value) { return std::isnan(value); })) continue;
+        const BYTE* const flags = missing.FlagsOf(m_times.GetAt(at), row.data(), row.size());
+        for (size_t i = 0; i < row.size(); ++i) {
+            if (own[i] && flags[i] == RF_NO_VALUE) m_channels[i].values.SetAt(at, NotDueValue());
+        }
+    }
 }
 
 Session::Session(IPropertyDB& facts, std::unique_ptr<RecordedSeries> readings) : m_recorded(std::move(readings)) { TakeNames(facts); }
@@ -71,7 +94,10 @@ bool Session::Range(size_t channel, double& low, double& high) const {
 double Session::LastValue(size_t channel) const {
     if (m_recorded != nullptr) return m_recorded->LastValue(channel);
     const CDoubleArray& values = m_channels[channel].values;
-    return values.GetSize() > 0 ? values.GetAt(values.GetUpperBound()) : std::numeric_limits<double>::quiet_NaN();
+    for (INT_PTR at = values.GetSize(); at-- > 0;) {
+        if (!IsNotDue(values.GetAt(at))) return values.GetAt(at);
+    }
+    return std::numeric_limits<double>::quiet_NaN();
 }
 
 void Session::Add(CVXTTime time, const CDoubleArray& values) {

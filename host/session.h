@@ -44,13 +44,14 @@ public:
 
     // The lowest and highest finite value of a channel; false without any.
     bool Range(size_t channel, double& low, double& high) const;
-    double LastValue(size_t channel) const;  // NaN without readings
+    double LastValue(size_t channel) const;  // of the last reading that asked for it; NaN without any
 
     // A heading and one line a reading, for people, as `show` writes it.
     std::string Table(const std::string& picture = {}) const;
 
 private:
     void TakeNames(IPropertyDB& stored);
+    void FindNotDue(IPropertyDB& stored);
 
     std::string m_family, m_logger, m_port;
     CInt64Array m_times;

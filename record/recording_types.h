@@ -12,6 +12,7 @@ enum ERecordFlag : BYTE {
     RF_GOOD = 0,
     RF_MISSING = 1,   // NaN, and a gap says why
     RF_NO_VALUE = 2,  // NaN, as the logger itself says that it has none
+    RF_NOT_DUE = 3,   // NaN, as it was not to be read with this reading; nothing is missing
 };
 
 // Why readings are missing. 0 to 9 are the codes of CCommException (comm/comm_exception.h).

@@ -21,7 +21,7 @@ LiveDownload::LiveDownload(std::unique_ptr<ILogger> logger, CPropertyDB& descrip
         RecordingWriter::Listener& listens = *this;
         m_writer = std::make_unique<RecordingWriter>(m_facts, record, listens);
     }
-    MeasurementPlan measure = m_plan.Measure();
+    MeasurementPlan measure = m_plan.Measure(description);
     measure.stopAsked = [this] { return m_stopped; };
     IMeasurementSink& sink = *this;
     m_measurement = std::make_unique<Measurement>(*m_logger, static_cast<size_t>(channels.GetSize()), sink, m_clock, measure);

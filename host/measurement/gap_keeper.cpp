@@ -41,8 +41,10 @@ void GapKeeper::Grow(Open& open, __int64 time, DWORD missed) {
     if (first || gap.missed >= 2 * std::max<DWORD>(open.told, 1) || gap.until - open.toldAt >= kTellAgain) TellNow(open);
 }
 
-void GapKeeper::Failed(__int64 time, const std::vector<Failure>& failures, DWORD missed) {
+void GapKeeper::Failed(__int64 time, const std::vector<Failure>& failures, DWORD missed, const Asked& asked) {
     const auto goesOn = [&](const Open& open) {
+        const std::vector<WORD>& channels = open.gap.channels;
+        if (asked && !channels.empty() && std::none_of(channels.begin(), channels.end(), asked)) return true;
         return std::any_of(failures.begin(), failures.end(), [&](const Failure& failure) { return IsSame(open.gap, failure); });
     };
     for (Open& open : m_open) {

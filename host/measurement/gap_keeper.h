@@ -21,8 +21,10 @@ public:
         std::string text;
         std::vector<WORD> channels;
     };
-    // What failed at `time` of one attempt to read; nothing at all ends every gap. `missed` readings are counted to each.
-    void Failed(__int64 time, const std::vector<Failure>& failures, DWORD missed);
+    // What failed at `time` of one attempt to read; nothing at all ends every gap. `missed` readings are counted to each. A gap
+    // whose channels were not asked for, as far as `asked` tells, stays as it is.
+    using Asked = std::function<bool(WORD channel)>;
+    void Failed(__int64 time, const std::vector<Failure>& failures, DWORD missed, const Asked& asked = nullptr);
     // More readings missed in the gap of all channels that is open; false without one.
     bool Missed(__int64 time, DWORD count);
     // A gap of its own, over at once.

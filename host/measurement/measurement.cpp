@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "comm/comm_exception.h"
+#include "host/channel_intervals.h"
 #include "host/texts.h"
 
 namespace {
@@ -18,6 +19,18 @@ Measurement::Measurement(ILogger& logger, size_t channels, IMeasurementSink& sin
                          const MeasurementPlan& plan)
     : m_logger(logger), m_channels(channels), m_sink(sink), m_clock(clock), m_plan(plan), m_pause(kShortestPause) {
     m_logger.Watch(this);
+    m_due.assign(channels, 1);
+    m_selected = m_due;
+    if (m_plan.steps.size() != channels) return;
+    m_nextDue.assign(channels, 0);
+    for (const DWORD step : m_plan.steps) {
+        if (std::find(m_distinctSteps.begin(), m_distinctSteps.end(), step) == m_distinctSteps.end())
+            m_distinctSteps.push_back(step);
+        if (step == 1) {
+            m_distinctSteps.clear();
+            break;
+        }
+    }
 }
 
 Measurement::~Measurement() { m_logger.Watch(nullptr); }
@@ -27,7 +40,7 @@ void Measurement::OnAnswer() {
 }
 
 void Measurement::OnChannelFailed(int channel, int code, const char* text) {
-    if (channel < 0 || static_cast<size_t>(channel) >= m_channels) return;
+    if (channel < 0 || static_cast<size_t>(channel) >= m_channels || m_due[static_cast<size_t>(channel)] == 0) return;
     Trouble& trouble = m_troubles[static_cast<size_t>(channel)];
     trouble.any = true;
     trouble.cause = static_cast<WORD>(code);
@@ -128,7 +141,12 @@ void Measurement::CatchUp(__int64 now) {
     if (Planned() != 0) slot = std::min(slot, Planned());
     if (slot <= m_slot) return;
     MissOpenSlot();
-    const auto passed = static_cast<DWORD>(slot - m_slot);
+    DWORD passed = 0;
+    if (m_distinctSteps.empty()) {
+        passed = static_cast<DWORD>(slot - m_slot);
+    } else {
+        for (unsigned __int64 missed = m_slot; missed < slot; ++missed) passed += IsAnyDueAt(missed) ? 1 : 0;
+    }
     if (passed > 0) {
         const __int64 first = m_calendar.At(DueOf(m_slot)), last = m_calendar.At(DueOf(slot - 1));
         m_missing += passed;
@@ -143,6 +161,23 @@ void Measurement::CatchUp(__int64 now) {
         }
     }
     m_slot = slot;
+    PassOver();
+}
+
+// By the plan, whatever was missed before.
+bool Measurement::IsAnyDueAt(unsigned __int64 slot) const {
+    return m_distinctSteps.empty() ||
+           std::any_of(m_distinctSteps.begin(), m_distinctSteps.end(), [=](DWORD step) { return slot % step == 0; });
+}
+
+// Readings for which no channel is due.
+void Measurement::PassOver() {
+    if (!m_nextDue.empty()) m_slot = std::max(m_slot, *std::min_element(m_nextDue.begin(), m_nextDue.end()));
+}
+
+// What this reading is to have.
+void Measurement::ChooseDue() {
+    for (size_t i = 0; i < m_nextDue.size(); ++i) m_due[i] = m_nextDue[i] <= m_slot ? 1 : 0;
 }
 
 // The reading that was tried in vain is missed for good.
@@ -150,9 +185,10 @@ void Measurement::MissOpenSlot() {
     if (!m_slotFailed) return;
     m_slotFailed = false;
     const __int64 time = m_calendar.At(DueOf(m_slot));
-    m_gaps->Missed(time, 1);
+    const DWORD missed = IsAnyDueAt(m_slot) ? 1 : 0;
+    m_gaps->Missed(time, missed);
     MissRow(time);
-    ++m_missing;
+    m_missing += missed;
     ++m_slot;
 }
 
@@ -167,49 +203,60 @@ void Measurement::MissRow(__int64 time) {
 bool Measurement::Connect() {
     const bool first = !m_begun;
     const Trouble trouble = Try([&] { m_logger.Connect(m_plan.port.c_str(), m_plan.timeout); });
+    if (trouble.any && IsStopAsked()) {
+        Finish(Ended::Stopped);
+        return false;
+    }
+    if (trouble.any && first && !m_plan.patient) {
+        m_failure = trouble.text;
+        m_code = trouble.cause;
+        m_over = true;
+        m_end = Ended::NeverConnected;
+        static_cast<void>(Try([&] { m_logger.Disconnect(); }));
+        return false;
+    }
+    const __int64 now = m_clock.Steady();
+    if (first) Begin(now);
     if (trouble.any) {
-        if (IsStopAsked()) {
-            Finish(Ended::Stopped);
-            return false;
-        }
-        if (first) {
-            m_failure = trouble.text;
-            m_code = trouble.cause;
-            m_over = true;
-            m_end = Ended::NeverConnected;
-            static_cast<void>(Try([&] { m_logger.Disconnect(); }));
-            return false;
-        }
         Lost(trouble, false);
         return false;
     }
     m_connected = true;
-    const __int64 now = m_clock.Steady();
-    if (first) {
-        m_begun = true;
-        m_started = m_lastValue = now;
-        const __int64 time = Stamp(now);
-        m_lastTime = time - 1;
-        const IMeasurementSink::Begin begin = m_sink.OnBegin(time);
-        m_gaps = std::make_unique<GapKeeper>(begin.nextGap, [this](const CRecordedGap& gap) { m_sink.OnGap(gap); });
-        if (begin.lastTime >= time) {
-            // The calendar was set back while nothing was recorded.
-            m_lastTime = begin.lastTime + 1;
-            m_calendar.Tie(now, m_lastTime + 1, time);
-            Event(RE_CLOCK_STEPPED, m_lastTime, {}, time - m_lastTime);
-        }
-        Event(RE_CONNECTED, Stamp(now), m_plan.port);
-    }
+    if (first) Event(RE_CONNECTED, Stamp(now), m_plan.port);
     return true;
+}
+
+void Measurement::Begin(__int64 now) {
+    m_begun = true;
+    m_started = m_lastValue = now;
+    const __int64 time = Stamp(now);
+    m_lastTime = time - 1;
+    const IMeasurementSink::Begin begin = m_sink.OnBegin(time);
+    m_gaps = std::make_unique<GapKeeper>(begin.nextGap, [this](const CRecordedGap& gap) { m_sink.OnGap(gap); });
+    if (begin.lastTime < time) return;
+    // The calendar was set back while nothing was recorded.
+    m_lastTime = begin.lastTime + 1;
+    m_calendar.Tie(now, m_lastTime + 1, time);
+    Event(RE_CLOCK_STEPPED, m_lastTime, {}, time - m_lastTime);
 }
 
 void Measurement::Read() {
     const __int64 began = m_clock.Steady();
+    if (!m_slotFailed && m_plan.interval != 0) m_late.Add(began - DueOf(m_slot));
     m_answered.reset();
     m_troubles.assign(m_channels, {});
+    ChooseDue();
     CDoubleArray got;
     for (size_t i = 0; i < m_channels; ++i) got.Add(kNan);
-    Trouble trouble = Try([&] { m_logger.ReadSample(got); });
+    Trouble trouble = Try([&] {
+        if (m_selected != m_due) {
+            CByteArray due;
+            for (const BYTE one : m_due) due.Add(one);
+            m_logger.Select(due);
+            m_selected = m_due;
+        }
+        m_logger.ReadSample(got);
+    });
     if (trouble.any && IsStopAsked()) return Finish(Ended::Stopped);
     const auto size = static_cast<size_t>(got.GetSize());
     if (!trouble.any && size != m_channels) {
@@ -223,6 +270,11 @@ void Measurement::Read() {
     std::vector<GapKeeper::Failure> failures;
     size_t good = 0;
     for (size_t i = 0; i < m_channels; ++i) {
+        if (m_due[i] == 0) {
+            values[i] = NotDueValue();
+            flags[i] = RF_NOT_DUE;
+            continue;
+        }
         Trouble& own = m_troubles[i];
         if (!own.any && trouble.any && std::isnan(values[i])) own = trouble;
         if (!own.any) {
@@ -232,14 +284,17 @@ void Measurement::Read() {
         }
         values[i] = kNan;
         flags[i] = RF_MISSING;
+        // Channels in a gap are asked for together, so that it ends for all of them.
         auto same = std::find_if(failures.begin(), failures.end(), [&](const GapKeeper::Failure& failure) {
-            return failure.cause == own.cause && failure.text == own.text;
+            const bool together = m_plan.steps.empty() || m_plan.steps[failure.channels.front()] == m_plan.steps[i];
+            return failure.cause == own.cause && failure.text == own.text && together;
         });
         if (same == failures.end()) same = failures.insert(failures.end(), {own.cause, own.text, {}});
         same->channels.push_back(static_cast<WORD>(i));
     }
     if (m_channels > 0 ? good == 0 : trouble.any) {
-        if (!trouble.any) trouble = m_troubles.front();
+        if (!trouble.any)
+            trouble = *std::find_if(m_troubles.begin(), m_troubles.end(), [](const Trouble& own) { return own.any; });
         return Lost(trouble, true);
     }
     const __int64 now = m_clock.Steady();
@@ -250,7 +305,7 @@ void Measurement::Read() {
     const __int64 time = std::max(Stamp(m_answered.value_or(now)), m_lastTime + 1);
     if (m_lost) Event(RE_CONNECTED, time, m_plan.port);
     m_lost = m_rowMissing = false;
-    m_gaps->Failed(time, failures, 1);
+    m_gaps->Failed(time, failures, 1, [this](WORD channel) { return m_due[channel] != 0; });
     m_sink.OnReading(time, values, flags);
     m_lastTime = time;
     m_lastValue = now;
@@ -258,7 +313,11 @@ void Measurement::Read() {
     m_slotFailed = false;
     ++m_made;
     if (!failures.empty()) ++m_missing;
+    for (size_t i = 0; i < m_nextDue.size(); ++i) {
+        if (m_due[i] != 0) m_nextDue[i] = (m_slot / m_plan.steps[i] + 1) * m_plan.steps[i];
+    }
     ++m_slot;
+    PassOver();
     if (!failures.empty()) {
         m_failure = failures.front().text;
         m_code = failures.front().cause;

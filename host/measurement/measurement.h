@@ -7,6 +7,9 @@
 // that is due is tried again with each connection until the next one is due. A reading's time is the moment at which its first
 // answer arrived, as far as the plug-in tells (IReadingWatch::OnAnswer), else the moment at which it was complete.
 //
+// Channels may be read with every second, third ... reading only; where a due one was missed with all others, the next reading
+// that is made asks for it. A reading for which no channel is due is none.
+//
 // One thread, on which Run is called whenever NextDue has come. It waits for nothing but the logger's answers.
 #pragma once
 
@@ -19,6 +22,7 @@
 
 #include "host/logger_family.h"
 #include "host/measurement/gap_keeper.h"
+#include "host/measurement/lateness.h"
 #include "host/measurement/recording_clock.h"
 
 // Where the readings go. What it throws comes out of Run and leaves the measurement as it is.
@@ -47,6 +51,9 @@ struct MeasurementPlan {
     unsigned __int64 count = 0;  // readings, made or missed; 0: no end by their number
     __int64 duration = 0;        // us from the first reading on; 0: no end by time
     __int64 giveUp = 0;          // us without any value after which it ends; 0: never
+    bool patient = false;        // a port that cannot be opened at first is waited for as well
+    // With which readings each channel is read (see ChannelSteps); empty: all with every one.
+    std::vector<DWORD> steps;
     std::function<bool()> stopAsked;  // why an exchange may have been aborted; may be empty
 };
 
@@ -89,6 +96,8 @@ public:
     // Readings that were whole and yet took longer than the interval, and the longest, in ms.
     DWORD SlowReadings() const { return m_slowReadings; }
     DWORD Slowest() const { return m_slowest; }
+    // How long after their times readings began; those that were tried again count for nothing.
+    const Lateness& Late() const { return m_late; }
 
 private:
     void OnAnswer() override;
@@ -105,7 +114,11 @@ private:
     Trouble Try(Work work);
 
     bool Connect();
+    void Begin(__int64 now);
     void Read();
+    void ChooseDue();
+    bool IsAnyDueAt(unsigned __int64 slot) const;
+    void PassOver();
     void Lost(const Trouble& trouble, bool reading);
     void CatchUp(__int64 now);
     void MissOpenSlot();
@@ -138,9 +151,13 @@ private:
     unsigned __int64 m_made = 0, m_missing = 0;
     std::string m_failure;
     LONG m_code = 0;
+    std::vector<unsigned __int64> m_nextDue;  // the reading from which on a channel is to be read again
+    std::vector<DWORD> m_distinctSteps;       // empty: some channel is read every time
+    std::vector<BYTE> m_due, m_selected;      // by channel: to be read now; what the logger was told last
 
     // Of the reading that is being made.
     std::optional<__int64> m_answered;  // steady
     std::vector<Trouble> m_troubles;    // by channel
     DWORD m_lateAnswers = 0, m_latest = 0, m_slowReadings = 0, m_slowest = 0;
+    Lateness m_late;
 };

@@ -1,5 +1,6 @@
 #include "platform/posix/console.h"
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -13,6 +14,7 @@
 
 #include "platform/posix/errors.h"
 #include "platform/posix/text_internal.h"
+#include "platform/service.h"
 
 namespace {
 int StreamNumber(HANDLE stream) {
@@ -27,6 +29,9 @@ int StreamNumber(HANDLE stream) {
             return -1;
     }
 }
+
+std::atomic<bool> g_catchesReload = false, g_reloadAsked = false;
+std::atomic<bool> g_hadTerminal = false;
 
 // Signals become calls on one thread, reached through a pipe: a signal handler itself may do next to nothing.
 class StopRequests {
@@ -51,7 +56,22 @@ public:
         return false;
     }
 
+    // Also where that signal was to be ignored.
+    void CatchHangUp() {
+        std::lock_guard lock(m_mutex);
+        if (m_started || Start()) Catch(SIGHUP);
+    }
+
 private:
+    static void Catch(int signal) {
+        struct sigaction action = {};
+        action.sa_handler = [](int number) {
+            const char byte = static_cast<char>(number);
+            if (write(s_pipe[1], &byte, 1) < 0) _exit(128 + number);
+        };
+        action.sa_flags = SA_RESTART;
+        sigaction(signal, &action, nullptr);
+    }
     bool Start() {
         if (pipe2(s_pipe, O_CLOEXEC) != 0) return false;
         std::thread([this] { Serve(); }).detach();
@@ -59,13 +79,7 @@ private:
             struct sigaction action = {};
             // A program that was told to outlive its terminal (nohup) goes on doing so.
             if (signal == SIGHUP && sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) continue;
-            action = {};
-            action.sa_handler = [](int number) {
-                const char byte = static_cast<char>(number);
-                if (write(s_pipe[1], &byte, 1) < 0) _exit(128 + number);
-            };
-            action.sa_flags = SA_RESTART;
-            sigaction(signal, &action, nullptr);
+            Catch(signal);
         }
         return m_started = true;
     }
@@ -75,6 +89,10 @@ private:
             {
                 std::lock_guard lock(m_mutex);
                 handlers = m_handlers;
+            }
+            if (number == SIGHUP && g_catchesReload && (!g_hadTerminal || isatty(2))) {
+                g_reloadAsked = true;
+                continue;
             }
             bool handled = false;
             for (size_t i = handlers.size(); !handled && i-- > 0;)
@@ -136,3 +154,11 @@ BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE handler, BOOL add) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
 }
+
+void OrvikCatchReload() {
+    g_hadTerminal = isatty(2) != 0;
+    g_catchesReload = true;
+    StopRequests::The().CatchHangUp();
+}
+
+BOOL OrvikReloadAsked() { return g_reloadAsked.exchange(false); }

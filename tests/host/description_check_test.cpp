@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
+#include "host/channel_intervals.h"
 #include "host/console.h"
 
 namespace {
@@ -65,4 +68,42 @@ TEST(DescriptionCheck, WhatNobodyKnowsIsRefusedWithTheNearest) {
     two.Add("s");
     db.SetValue("Channels.a.sUnit", two);
     EXPECT_THROW(CheckKeys(db, kKeys), Failure);
+}
+
+TEST(DescriptionCheck, IntervalsOfChannelsAreMultiples) {
+    const struct {
+        const char *own, *group, *groups;
+        __int64 interval;
+        const char* said;  // a sentence, or the steps
+    } table[] = {
+        {"10", nullptr, nullptr, 1'000'000, "1 10"},
+        {"0.5", nullptr, nullptr, 100'000, "1 5"},
+        {nullptr, "slow", "60", 1'000'000, "1 60"},
+        {"5", "slow", "60", 1'000'000, "1 5"},
+        {"1", nullptr, nullptr, 1'000'000, ""},
+        {"1.5", nullptr, nullptr, 1'000'000, "channel b, 1.5 s, is no whole multiple of the reading interval, 1 s"},
+        {"0.5", nullptr, nullptr, 1'000'000, "0.5 s, is no"},
+        {"1", nullptr, nullptr, 0, "1 s, is no"},
+        {"often", nullptr, nullptr, 1'000'000, "Channels.b.rInterval is no number"},
+        {"-1", nullptr, nullptr, 1'000'000, "Channels.b.rInterval is no number"},
+        {"nan", nullptr, nullptr, 1'000'000, "Channels.b.rInterval is no number"},
+        {nullptr, "fast", "60", 1'000'000, "Channels.b.sGroup names a group \"fast\""},
+        {nullptr, "slow", "0", 1'000'000, "Groups.slow.rInterval is no number"},
+    };
+    for (const auto& row : table) {
+        CPropertyDB db;
+        db.SetValue("Channels.a.sName", "A");
+        db.SetValue("Channels.b.sName", "B");
+        if (row.own != nullptr) db.SetValue("Channels.b.rInterval", row.own);
+        if (row.group != nullptr) db.SetValue("Channels.b.sGroup", row.group);
+        if (row.groups != nullptr) db.SetValue("Groups.slow.rInterval", row.groups);
+        std::string said;
+        try {
+            for (const DWORD step : ChannelSteps(db, row.interval)) said += (said.empty() ? "" : " ") + std::to_string(step);
+            EXPECT_EQ(said, row.said);
+        } catch (const Failure& failure) {
+            EXPECT_NE(failure.sentence.find(row.said), std::string::npos) << failure.sentence;
+        }
+    }
+    EXPECT_TRUE(IsNotDue(NotDueValue()) && std::isnan(NotDueValue()) && !IsNotDue(std::nan("")));
 }

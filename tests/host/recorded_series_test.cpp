@@ -111,6 +111,45 @@ TEST_F(Recorded, LinesAreThoseOfTheSession) {
     }
 }
 
+// A channel that is read with every thousandth reading has one line, which parts where it was asked for in vain; in every form.
+TEST_F(Recorded, ALineGoesOnOverReadingsThatWereNotDue) {
+    constexpr unsigned kCount = 60'000, kStep = 1000, kMissed = 30'000;
+    CPropertyDB facts;
+    facts.SetValue("Session.sLogger", "Inlet");
+    for (const char* const at : {"Channels.a", "Channels.b", "Logger.Channels.a"})
+        facts.SetValue((std::string(at) + ".sName").c_str(), at);
+    facts.SetValue("Logger.Channels.b.rInterval", 1000.0);
+    ASSERT_EQ(recorder.Create(recording, facts), 0u);
+    for (unsigned n = 0; n < kCount; ++n) {
+        const bool due = n % kStep == 0, missed = n == kMissed;
+        const double values[] = {1.0 * n, due && !missed ? 0.5 * n : kNan};
+        const BYTE flags[] = {RF_GOOD, static_cast<BYTE>(missed ? RF_MISSING : due ? RF_GOOD : RF_NOT_DUE)};
+        ASSERT_EQ(recorder.AddReading(kBegin + n * 1'000'000ll, values, flags), 0u);
+    }
+    CRecordedGap gap;
+    gap.number = 1, gap.from = gap.until = kBegin + kMissed * 1'000'000ll, gap.missed = 1, gap.channels = {1};
+    recorder.AddGap(gap);
+    recorder.Close();
+    const std::string xml = (folder / "s.xml").string();
+    FoldRecording(recording, session);
+    FoldRecording(recording, xml);
+    for (const std::string& path : {recording, session, xml}) {
+        SCOPED_TRACE(path);
+        const SessionFile file = OpenSession(path);
+        EXPECT_EQ(file.session->LastValue(1), 0.5 * (kCount - kStep));
+        const ChartModel model(*file.session, {});
+        for (const auto& [from, to] :
+             {std::pair(0u, kCount), std::pair(1'000u, 29'500u), std::pair(2'100u, 2'900u), std::pair(29'000u, 31'000u)}) {
+            const PlotMapping mapping = {kBegin + from * 1e6, kBegin + to * 1e6, 0, 500, 0, kCount, 400, 0};
+            const ReducedSeries line = model.Reduce({mapping, mapping})[1];
+            EXPECT_GE(line.points.size(), 2u) << from;
+            const auto parts =
+                std::count_if(line.points.begin(), line.points.end(), [](const auto& point) { return std::isnan(point.x); });
+            EXPECT_EQ(parts, from <= kMissed && kMissed <= to ? 1 : 0) << from;
+        }
+    }
+}
+
 TEST_F(Recorded, ThePictureIsTheSame) {
     Begin(3);
     Add(40'000);

@@ -45,6 +45,7 @@ public:
         }
     }
     void Disconnect() override {}
+    void Select(const CByteArray& due) override { selected.push_back({clock.now, due.GetAt(0) != 0, due.GetAt(1) != 0}); }
     void Watch(IReadingWatch* who) override { watch = who; }
     void Abort() override {}
 
@@ -53,6 +54,12 @@ public:
     std::function<void(int)> connect;
     std::function<void(int, CDoubleArray&)> read;
     std::vector<__int64> connects, reads;
+    struct Selected {
+        __int64 at;
+        bool first, second;
+        bool operator==(const Selected&) const = default;
+    };
+    std::vector<Selected> selected;
     IReadingWatch* watch = nullptr;
 
 private:
@@ -182,6 +189,80 @@ TEST_F(MeasurementTest, KeepsTheOtherChannelsOfAReading) {
     Run();
     EXPECT_EQ(sink.rows[0].flags, (std::vector<BYTE>{RF_NO_VALUE, RF_GOOD}));
     EXPECT_TRUE(sink.gaps.empty());
+}
+
+// The second channel is read with every third reading; its cell is empty between, whatever the logger gives, and nothing is
+// missing.
+TEST_F(MeasurementTest, ReadsAChannelAtAnIntervalOfItsOwn) {
+    plan.count = 7;
+    plan.steps = {1, 3};
+    Run();
+    EXPECT_EQ(logger.selected,
+              (std::vector<ScriptedLogger::Selected>{
+                  {kSecond, true, false}, {3 * kSecond, true, true}, {4 * kSecond, true, false}, {6 * kSecond, true, true}}));
+    for (size_t i = 0; i < 7; ++i) {
+        EXPECT_EQ(sink.rows[i].flags[1], i % 3 == 0 ? RF_GOOD : RF_NOT_DUE) << i;
+        EXPECT_EQ(std::isnan(sink.rows[i].values[1]), i % 3 != 0) << i;
+    }
+    EXPECT_EQ(measurement->Made(), 7u);
+    EXPECT_TRUE(measurement->Missing() == 0 && sink.gaps.empty());
+}
+
+TEST_F(MeasurementTest, AChannelThatWasDueAndMissedIsMissing) {
+    plan.count = 10;
+    plan.steps = {1, 3};
+    // It fails alone, time after time: one gap, though the readings between did not ask for it.
+    logger.read = [&](int number, CDoubleArray&) {
+        if (number > 3) logger.watch->OnChannelFailed(1, 4, "no such register");
+    };
+    Run();
+    EXPECT_EQ(sink.rows[3].flags, (std::vector<BYTE>{RF_GOOD, RF_MISSING}));
+    EXPECT_EQ(sink.rows[4].flags, (std::vector<BYTE>{RF_GOOD, RF_NOT_DUE}));
+    ASSERT_EQ(sink.gaps.size(), 1u);
+    EXPECT_EQ(sink.gaps[0].missed, 3u);
+    EXPECT_EQ(measurement->Missing(), 3u);
+    // The whole logger was silent when it was due: it is asked for with the next reading that is made.
+    clock = {};
+    sink = {};
+    logger.reads.clear();
+    logger.read = [&](int, CDoubleArray&) {
+        if (clock.now >= 3 * kSecond && clock.now < 4 * kSecond) Silent();
+    };
+    Run();
+    EXPECT_EQ(sink.rows[3].flags, (std::vector<BYTE>{RF_MISSING, RF_MISSING}));
+    EXPECT_EQ(sink.rows[4].flags, (std::vector<BYTE>{RF_GOOD, RF_GOOD}));
+    EXPECT_EQ(sink.rows[5].flags, (std::vector<BYTE>{RF_GOOD, RF_NOT_DUE}));
+    EXPECT_EQ(measurement->Missing(), 1u);
+}
+
+// Readings for which nothing is due are none: neither made nor missed.
+TEST_F(MeasurementTest, PassesOverReadingsForWhichNoChannelIsDue) {
+    plan.count = 13;
+    plan.steps = {4, 6};
+    Run();
+    EXPECT_EQ(logger.reads, (std::vector<__int64>{0, 4 * kSecond, 6 * kSecond, 8 * kSecond, 12 * kSecond}));
+    clock = {};
+    sink = {};
+    logger.reads.clear();
+    logger.read = [&](int, CDoubleArray&) {
+        if (clock.now >= 4 * kSecond && clock.now < 8 * kSecond) Silent();
+    };
+    Run();
+    EXPECT_EQ(measurement->Missing(), 3u) << "those of 4, 6 and 8 s";
+    EXPECT_EQ(sink.rows.back().flags, (std::vector<BYTE>{RF_GOOD, RF_GOOD}));
+}
+
+TEST_F(MeasurementTest, APatientOneWaitsForItsPort) {
+    plan.count = 5;
+    plan.patient = true;
+    logger.connect = [&](int number) {
+        if (number <= 2) OrvikThrowCommException(CCommException::DeviceNotOpen, "away");
+    };
+    Run();
+    EXPECT_EQ(measurement->End(), Measurement::Ended::AsPlanned);
+    EXPECT_EQ(sink.Values().size(), 3u);
+    ASSERT_EQ(sink.gaps.size(), 1u);
+    EXPECT_EQ(sink.gaps[0].missed, 2u);
 }
 
 TEST_F(MeasurementTest, AReadingHasTheTimeOfItsFirstAnswer) {

@@ -361,7 +361,7 @@ private:
                 !covered(last->time - interval, row.time + interval, -1) && !m_lostByPower)
                 Wrong("a hole of " + std::to_string((row.time - last->time) / 1'000'000) + " s without a cause");
             for (size_t i = 0; i < row.flags.size(); ++i) {
-                if ((row.flags[i] == RF_MISSING) != std::isnan(row.values[i])) Wrong("flag and value differ");
+                if ((row.flags[i] != RF_GOOD) != std::isnan(row.values[i])) Wrong("flag and value differ");
                 if (row.flags[i] == RF_MISSING && !covered(row.time, row.time, static_cast<int>(i)))
                     Wrong("a missing cell without a cause");
             }

@@ -1,0 +1,6 @@
+#include "platform/service.h"
+
+BOOL OrvikTellService(LPCSTR) { return FALSE; }
+DWORD OrvikServiceWatchdog() { return 0; }
+void OrvikCatchReload() {}
+BOOL OrvikReloadAsked() { return FALSE; }
