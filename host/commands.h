@@ -23,3 +23,4 @@ ExitCode RunVersion(CHostApp& app, const Words& words);
 ExitCode RunLocale(CHostApp& app, const Words& words);
 ExitCode RunConvert(CHostApp& app, const Words& words);
 ExitCode RunRecover(CHostApp& app, const Words& words);
+ExitCode RunWrite(CHostApp& app, const Words& words);
