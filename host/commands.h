@@ -26,3 +26,4 @@ ExitCode RunRecord(CHostApp& app, const Words& words);
 ExitCode RunStatus(CHostApp& app, const Words& words);
 ExitCode RunReload(CHostApp& app, const Words& words);
 ExitCode RunRecover(CHostApp& app, const Words& words);
+ExitCode RunWrite(CHostApp& app, const Words& words);

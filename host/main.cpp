@@ -11,10 +11,10 @@ struct Command {
     ExitCode (*run)(CHostApp&, const Words&);
 };
 constexpr Command kCommands[] = {
-    {"demo", RunDemo},   {"ports", RunPorts}, {"simulate", RunSimulate}, {"download", RunDownload}, {"show", RunShow},
-    {"chart", RunChart}, {"db", RunDb},       {"locale", RunLocale},     {"version", RunVersion},   {"script", RunScript},
-    {"read", RunRead},   {"check", RunCheck}, {"convert", RunConvert}, {"recover", RunRecover},
-    {"record", RunRecord}, {"status", RunStatus}, {"reload", RunReload}};
+    {"demo", RunDemo},     {"ports", RunPorts},   {"simulate", RunSimulate}, {"download", RunDownload}, {"show", RunShow},
+    {"chart", RunChart},   {"db", RunDb},         {"locale", RunLocale},     {"version", RunVersion},   {"script", RunScript},
+    {"read", RunRead},     {"check", RunCheck},   {"convert", RunConvert},   {"recover", RunRecover},   {"record", RunRecord},
+    {"status", RunStatus}, {"reload", RunReload}, {"write", RunWrite}};
 
 std::string HouseWord(const char* word) {
     std::string text(OrvikArgumentText(word, nullptr, 0), 0);

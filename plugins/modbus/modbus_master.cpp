@@ -53,36 +53,57 @@ void Master::Read(std::span<const Request> requests, std::vector<Outcome>& outco
 void Master::Choose() {
     const bool nobody = std::all_of(m_states.begin(), m_states.end(), [](const auto& each) { return each.second.misses > 0; });
     for (auto& [address, state] : m_states) {
-        state.due = state.heard = state.gone = false;
+        state.due = state.heard = state.gone = state.putOff = false;
         if (IsAlone()) state.silent = false;
     }
     for (const Request& request : m_requests) {
         State& state = StateOf(request.slave);
         const DWORD every = DWORD{1} << std::min(std::max(state.misses - 1, 0), kMostDoublings);
-        state.due = nobody || IsAlone() || state.misses == 0 || state.passedOver + 1 >= every ||
+        // Whoever writes means it now.
+        state.due = nobody || IsAlone() || Writes(request.function) || state.misses == 0 || state.passedOver + 1 >= every ||
                     m_transport.Now() - state.asked >= kLongestRest;
     }
 }
 
 void Master::AskAll() {
     std::vector<size_t> later;
-    for (size_t i = 0; i < m_requests.size(); ++i) {
+    for (const size_t i : Order()) {
         State& state = StateOf(m_requests[i].slave);
-        if (!state.due) continue;
-        if (!state.gone) Ask(i, IsAlone() || state.heard ? state.slave.attempts : 1);
+        if (!state.due || state.gone) {
+            if (state.putOff) later.push_back(i);
+            continue;
+        }
+        const bool here = IsAlone() || state.heard, again = state.misses == 0 && state.slave.attempts > 1 && !IsQuiet(i);
+        Ask(i, here && (IsAlone() || again) ? state.slave.attempts : 1, here || !again);
         if (IsAlone() || state.heard) continue;
         state.gone = true;
-        if (state.misses == 0 && state.slave.attempts > 1) later.push_back(i);
+        state.putOff = again;
+        if (again) later.push_back(i);
     }
     for (auto& [address, state] : m_states) state.gone = false;
     for (const size_t i : later) {
         State& state = StateOf(m_requests[i].slave);
-        if (!state.gone) Ask(i, state.slave.attempts - 1);
+        if (!state.gone) Ask(i, IsQuiet(i) ? 1 : std::max(state.slave.attempts - 1, 1), true);
         state.gone = !state.heard;
     }
 }
 
-void Master::Ask(size_t index, int most) {
+// Of several slaves' requests those that were not answered the last time come last, the longest ago first: a request that a slave
+// never answers does not keep the others from being asked.
+std::vector<size_t> Master::Order() const {
+    std::vector<size_t> order(m_requests.size());
+    for (size_t i = 0; i < order.size(); ++i) order[i] = i;
+    const auto silentSince = [&](size_t i) {
+        const auto quiet = m_quiet.find(PlaceOf(m_requests[i]));
+        return quiet == m_quiet.end() ? 0 : quiet->second;
+    };
+    if (!m_quiet.empty())
+        std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return silentSince(a) < silentSince(b); });
+    return order;
+}
+
+// `last`: when it is silent now, it is for this reading.
+void Master::Ask(size_t index, int most, bool last) {
     const Request& request = m_requests[index];
     State& state = StateOf(request.slave);
     bool damaged = false, silent = true;
@@ -106,7 +127,12 @@ void Master::Ask(size_t index, int most) {
             break;
         }
     }
-    state.silent |= silent;
+    state.silent |= silent && last;
+    if (m_refusal != 0 || !outcome.data.empty()) {
+        m_quiet.erase(PlaceOf(request));
+    } else if (last && !IsAlone()) {
+        m_quiet[PlaceOf(request)] = ++m_silences;
+    }
     if (!outcome.data.empty()) return;
     Explain((*m_outcomes)[index], state, damaged ? CCommException::BadProtocol : CCommException::ReceiveTimeout, m_refusal);
 }

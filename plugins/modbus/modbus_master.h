@@ -10,6 +10,7 @@
 #include <map>
 #include <span>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "comm/transport.h"
@@ -53,7 +54,7 @@ protected:
         TimePoint asked{};     // when it was, last
         TimePoint used{};      // when it was last spoken with
         // Of the reading under way.
-        bool due = false, heard = false, gone = false;
+        bool due = false, heard = false, gone = false, putOff = false;
     };
 
     // A reading begins.
@@ -89,12 +90,18 @@ protected:
 private:
     void Choose();
     void AskAll();
-    void Ask(size_t index, int most);
+    std::vector<size_t> Order() const;
+    void Ask(size_t index, int most, bool last);
     void Settle();
+    using Place = std::tuple<BYTE, BYTE, WORD>;
+    static Place PlaceOf(const Request& request) { return {request.slave, request.function, request.first}; }
+    bool IsQuiet(size_t index) const { return m_quiet.count(PlaceOf(m_requests[index])) != 0; }
     void Explain(Outcome& outcome, const State& state, int code, BYTE refusal) const;
 
     const Duration m_pauseOpen;
-    std::map<BYTE, State> m_states;  // by address
+    std::map<BYTE, State> m_states;     // by address
+    std::map<Place, unsigned> m_quiet;  // requests that were not answered the last time, by their order
+    unsigned m_silences = 0;
     IReadingWatch* m_watch = nullptr;
     TimePoint m_notBefore{};
     Question m_firstQuestion = 1;

@@ -350,6 +350,26 @@ class Download(HostTest):
         self.assertIn("Receive timeout", self.refused(2, "read", "--port", self.simulate("--fault", "silent"), "--timeout", 100))
         self.assertIn("COM250", self.refused(2, "read", "--port", "COM250"))
 
+    def test_a_channel_is_set_and_read_back(self):
+        channels = {"s": ("Setpoint", "40001", "float32", "<PROPERTY name='bWritable'>1</PROPERTY><PROPERTY name='sUnit'>°C</PROPERTY>"),
+                    "p": ("Pump", "1", "bool", "<PROPERTY name='bWritable'>yes</PROPERTY>"), "q": ("Pump", "2", "bool", ""),
+                    "t": ("Room", "30001", "int16", "")}
+        body = "".join(f"<PATH name='{key}'><PROPERTY name='sName'>{name}</PROPERTY><PROPERTY name='nNumber'>{number}</PROPERTY>"
+                       f"<PROPERTY name='sType'>{kind}</PROPERTY>{more}</PATH>" for key, (name, number, kind, more) in channels.items())
+        (self.folder / "r.xml").write_text("<PROPERTYDB><PROPERTY name='sFamily'>Modbus</PROPERTY><PROPERTY name='nSlave'>3</PROPERTY>"
+                                           f"<PATH name='Channels'>{body}</PATH></PROPERTYDB>", encoding="utf-8")
+        call = ("write", "--port", self.simulate("--logger", "r.xml"), "--logger", "r.xml", "--channel")
+        result = self.host(*call, "Setpoint", "--value", "-21.1")
+        self.assertEqual((result.code, result.out.strip()), (0, "Setpoint: wrote -21.1 °C, read back -21.1 °C."), result.err)
+        self.assertEqual(self.host(*call, "p", "--value", 1, language="sv_SE.UTF-8").out.strip(), "Pump: skrev 1, läste tillbaka 1.")
+        self.assertRegex(self.host("read", *call[1:5]).out, r"Setpoint +-21[.]1 °C")
+        for code, channel, value, told in [(1, "Pump", 1, "p, q"), (1, "q", 1, "does not allow"), (1, "Room", 1, "does not allow"),
+                                           (1, "Boiler", 1, "Setpoint"), (1, "Setpoint", "warm", "warm"), (1, "p", 2, "cannot hold 2"),
+                                           (1, "Setpoint", "nan", "nan")]:
+            self.assertIn(told, self.refused(code, *call, channel, "--value", value))
+        silent = self.simulate("--logger", "r.xml", "--fault", "silent")
+        self.assertIn("Receive timeout", self.refused(2, "write", "--port", silent, *call[3:], "p", "--value", 1, "--timeout", 100))
+
     def test_ports_that_cannot_be_opened(self):
         self.assertIn("COM250", self.refused(2, "download", "--port", "COM250", "--out", "s.odb"))
         if not options.wine:  # Wine lets a held port be opened again
