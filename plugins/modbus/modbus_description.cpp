@@ -2,92 +2,15 @@
 
 #include <algorithm>
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <limits>
-#include <map>
-#include <optional>
 
 #include "afx/collections.h"
-#include "afx/string.h"
-#include "comm/comm_exception.h"
-#include "frame/numeric_arrays.h"
+#include "plugins/support/description_reading.h"
 
 namespace modbus {
 namespace {
-
-[[noreturn]] void Refuse(const CString& key, const char* what) {
-    CString text;
-    text.Format("%s: %s", static_cast<const char*>(key), what);
-    OrvikThrowCommException(CCommException::BadProtocol, text);
-}
-
-// The number that a text says, with nothing but blanks around it.
-double NumberFrom(const CString& key, CString text) {
-    text.Trim();
-    const char* const end = text.GetString() + text.GetLength();
-    double number = 0;
-    const auto [read, error] = std::from_chars(text.GetString(), end, number);
-    if (error == std::errc() && read == end) return number;
-    Refuse(key, text.Find(',') >= 0 ? "not a number; decimals stand behind a point" : "not a number");
-}
-
-// A number of any kind that a person may have chosen for it; nothing when the key is missing.
-std::optional<double> FindNumber(IPropertyDB& db, const CString& key) {
-    if (!db.Find(key)) return std::nullopt;
-    unsigned short word = 0;
-    unsigned int dword = 0;
-    __int64 big = 0;
-    float single = 0;
-    double real = 0;
-    CString text;
-    if (db.GetValue(key, word)) return word;
-    if (db.GetValue(key, dword)) return dword;
-    if (db.GetValue(key, big)) return static_cast<double>(big);
-    if (db.GetValue(key, single)) return single;
-    if (db.GetValue(key, real)) return real;
-    CByteArray bytes;
-    CInt32Array ints;
-    if (db.GetValue(key, bytes) && bytes.GetSize() == 1) return bytes[0];
-    if (db.GetValue(key, ints) && ints.GetSize() == 1) return ints[0];
-    if (db.GetValue(key, text)) return NumberFrom(key, text);
-    Refuse(key, "not a number");
-}
-
-DWORD ReadWhole(IPropertyDB& db, const CString& key, DWORD low, DWORD high, std::optional<DWORD> standard) {
-    const std::optional<double> value = FindNumber(db, key);
-    if (!value && standard) return *standard;
-    if (!value) Refuse(key, "missing");
-    if (*value < low || *value > high || *value != std::floor(*value)) {
-        CString range;
-        range.Format("not a whole number from %u to %u", low, high);
-        Refuse(key, range);
-    }
-    return static_cast<DWORD>(*value);
-}
-
-double ReadReal(IPropertyDB& db, const CString& key, double standard) {
-    const std::optional<double> value = FindNumber(db, key);
-    if (value && !std::isfinite(*value)) Refuse(key, "not a finite number");
-    return value.value_or(standard);
-}
-
-CString ReadText(IPropertyDB& db, const CString& key, const char* standard) {
-    CString text = standard;
-    if (db.Find(key) && !db.GetValue(key, text)) Refuse(key, "not a text");
-    return text;
-}
-
-template <class T>
-T ReadChoice(IPropertyDB& db, const CString& key, const char* standard, const std::map<std::string, T>& choices) {
-    CString text = ReadText(db, key, standard);
-    text.MakeLower();
-    const auto found = choices.find(static_cast<const char*>(text));
-    if (found != choices.end()) return found->second;
-    std::string allowed = "not one of";
-    for (const auto& [name, value] : choices) allowed += ' ' + name;
-    Refuse(key, allowed.c_str());
-}
+using namespace orvik::description;
 
 Channel ReadChannel(IPropertyDB& db, const char* key) {
     const CString at = CString("Channels.") + key + ".";
@@ -132,12 +55,7 @@ const char* const* DescriptionKeys() {
 Description ReadDescription(IPropertyDB& db) {
     Description description;
     description.slave = static_cast<BYTE>(ReadWhole(db, "nSlave", 1, 247, std::nullopt));
-    description.line.baud = ReadWhole(db, "Line.nBaud", 50, 4'000'000, 9600u);
-    description.line.dataBits = static_cast<CSerial::EDataBits>(ReadWhole(db, "Line.nDataBits", 7, 8, 8u));
-    description.line.parity = static_cast<CSerial::EParity>(
-        ReadChoice<int>(db, "Line.sParity", "none", {{"none", 0}, {"odd", 1}, {"even", 2}, {"mark", 3}, {"space", 4}}));
-    description.line.stopBits =
-        ReadWhole(db, "Line.nStopBits", 1, 2, 1u) == 2 ? static_cast<CSerial::EStopBits>(2) : static_cast<CSerial::EStopBits>(0);
+    description.line = ReadLine(db);
     CStringArray keys;
     if (!db.Enum("Channels", keys, FALSE, FALSE) || keys.GetSize() == 0) Refuse("Channels", "no channels");
     for (int i = 0; i < static_cast<int>(keys.GetSize()); ++i) description.channels.push_back(ReadChannel(db, keys.GetAt(i)));
