@@ -66,7 +66,8 @@ std::string PairsOf(const Draft& draft) {
     std::vector<std::string> pairs;
     for (const size_t i : draft.channels) pairs.push_back(draft.description.channels[i].where + '=' + draft.fields[i]);
     const bool automatic = draft.description.separator.kind == Separator::Auto;
-    return draft.begin + Joined(pairs, automatic ? Between(draft.description) + ' ' : Between(draft.description));
+    const std::string line = Joined(pairs, automatic ? Between(draft.description) + ' ' : Between(draft.description));
+    return line.starts_with(draft.begin) ? line : draft.begin + ' ' + line;
 }
 
 // JSON as a tree: names, or numbers in brackets, lead on.

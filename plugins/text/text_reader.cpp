@@ -10,9 +10,8 @@ using namespace std::chrono_literals;
 // More than this that has waited may be a full buffer: there is a hole behind it, or a far end that still sends what is old.
 constexpr size_t kMuch = 2048;
 constexpr auto kSettled = 50ms;
-constexpr auto kOldHalf = 10s;
-constexpr int kPatience = 3, kTellable = 10;  // time-outs
-constexpr size_t kMostAtOnce = 1 << 20;       // bytes that are thrown away before the clock is looked at
+constexpr int kPatience = 3, kTellable = 10, kForgotten = 20;  // time-outs
+constexpr size_t kMostAtOnce = 1 << 20;                        // bytes that are thrown away before the clock is looked at
 }  // namespace
 
 Reader::Reader(const Description& description, ITransport& transport)
@@ -25,6 +24,7 @@ void Reader::Opened(DWORD timeout) {
     m_timeout = std::chrono::milliseconds(std::max<DWORD>(timeout, 1));
     m_character = std::chrono::microseconds(
         static_cast<long long>(1e6 * m_description.line.BitsPerCharacter() / m_description.line.baud) + 1);
+    m_pause = std::clamp<Duration>(std::chrono::milliseconds(m_description.every) * 3 / 4, 250ms, 2s);
     Forget();
     m_skip = m_description.skip;
     m_opened = true;
@@ -55,7 +55,8 @@ Reader::Failure Reader::Listen(const std::vector<BYTE>& due, std::vector<Outcome
             Discard(std::min(limit, m_transport.Now() + kSettled));
         }
     }
-    const bool old = m_splitter.HasHalf() && m_transport.Now() - m_looked > kOldHalf;
+    // What is under way may be the beginning of one line and the end of another.
+    const bool old = m_splitter.HasHalf() && m_transport.Now() - m_looked > m_pause;
     if (m_opened || m_came > kMuch || old) m_splitter.Drop();
     m_opened = false;
     // Twice its own time: one line may just have been missed.
@@ -65,39 +66,65 @@ Reader::Failure Reader::Listen(const std::vector<BYTE>& due, std::vector<Outcome
 
 Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
     m_came = 0;
-    if (Discard(m_transport.Now()) > 0 && m_owed) {
-        m_owed = false;
-        TellLate(m_transport.Now() - m_asked);
-    }
-    bool doubtful = m_owed;
-    Failure failure;
-    for (int attempt = doubtful ? -1 : 0; attempt < kAttempts; ++attempt) {
-        const bool counts = attempt >= 0;
+    Settle(Discard(m_transport.Now()));
+    while (!m_owed.empty() && m_transport.Now() - m_owed.front() > kForgotten * m_timeout) m_owed.pop_front();
+    if (!m_owed.empty()) AwaitOwed(m_owed.back() + 2 * kPatience * m_timeout);
+    size_t throwAway = m_owed.size();
+    bool doubtful = throwAway > 0;
+    for (size_t left = throwAway + kAttempts;; --left) {
         Forget();
         const auto& ask = m_description.ask;
         // The port takes the question at once; it is on the line for as long as its characters last.
-        m_asked = m_transport.Now() + static_cast<int>(ask.size()) * m_character;
-        m_owed = true;
-        m_transport.Send({reinterpret_cast<const BYTE*>(ask.data()), ask.size()}, m_asked + m_timeout);
-        failure = Await(m_asked + kPatience * m_timeout, false, counts ? m_watch : nullptr, due, outcomes);
+        const TimePoint asked = m_transport.Now() + static_cast<int>(ask.size()) * m_character;
+        m_owed.push_back(asked);
+        m_transport.Send({reinterpret_cast<const BYTE*>(ask.data()), ask.size()}, asked + m_timeout);
+        Failure failure = Await(asked + kPatience * m_timeout, false, throwAway == 0 ? m_watch : nullptr, due, outcomes);
         if (failure.code == CCommException::ReceiveTimeout || failure.why == Sentence::HalfLine) return failure;
-        TellLate(m_transport.Now() - m_asked);
-        if (!counts) continue;
-        if (failure.code == 0) break;
+        const bool good = failure.code == 0;
+        if (good) Settle(1);
         // A line that was no answer: the answer may still come.
-        doubtful = true;
+        doubtful |= !good;
+        if (good ? throwAway == 0 : left == 1) {
+            if (doubtful) AwaitOwed(m_transport.Now() + (m_late ? 2 * kPatience : 1) * m_timeout);
+            m_owed.clear();
+            return failure;
+        }
+        if (good) --throwAway;
     }
-    if (doubtful) {
-        for (const TimePoint until = m_transport.Now() + m_timeout; m_transport.Now() < until;) Discard(until);
-    }
-    m_owed = false;
-    return failure;
 }
 
-void Reader::TellLate(Duration took) {
-    // What was found much later says nothing of when it came.
-    if (m_watch == nullptr || took <= m_timeout || took > kTellable * m_timeout) return;
-    m_watch->OnLateAnswer(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(took).count()));
+// So many answers have come.
+void Reader::Settle(size_t answers) {
+    for (; answers > 0 && !m_owed.empty(); --answers) {
+        const Duration took = m_transport.Now() - m_owed.front();
+        m_owed.pop_front();
+        // What was found much later says nothing of when it came.
+        if (took <= m_timeout || took > kTellable * m_timeout) continue;
+        m_late = true;
+        if (m_watch != nullptr)
+            m_watch->OnLateAnswer(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(took).count()));
+    }
+}
+
+// Answers that nobody waits for any more are waited for all the same, so that they are not taken for others'.
+void Reader::AwaitOwed(TimePoint until) {
+    Splitter::Line line;
+    while (!m_owed.empty() && Next(line, until)) Settle(IsAnswer(line) ? 1 : 0);
+}
+
+// Of an answer of several lines, each counts for one: that errs by asking too often.
+bool Reader::IsAnswer(const Splitter::Line& line) const {
+    Failure bad;
+    if (Judge(line, bad) != Verdict::Good) return false;
+    const std::vector<Outcome> outcomes = ReadFields(m_description, {Bare(line.text)});
+    return std::any_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) { return outcome.IsValue(); });
+}
+
+// Without its checksum.
+std::string Reader::Bare(const std::string& line) const {
+    std::string_view rest = line;
+    TakeChecksum(m_description.checksum, rest);
+    return std::string(rest);
 }
 
 // The lines of one reading. `again`: what is bad is passed over as long as there is time.
@@ -121,11 +148,7 @@ Reader::Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch,
                 until = std::min(limit, m_transport.Now() + wait);
                 continue;
             }
-            for (std::string& whole : lines) {
-                std::string_view rest = whole;
-                TakeChecksum(m_description.checksum, rest);
-                whole.resize(rest.size());
-            }
+            for (std::string& whole : lines) whole = Bare(whole);
             outcomes = ReadFields(m_description, lines);
             const Outcome* worst = nullptr;
             bool any = false;
@@ -179,8 +202,17 @@ bool Reader::Next(Splitter::Line& line, TimePoint until) {
     do {
         if (Take(line)) return true;
         // The clock is looked at as well: a line that chatters without an end always has something.
-    } while (m_transport.Now() < until && m_transport.Receive(m_received, until));
+    } while (m_transport.Now() < until && Receive(until));
     return false;
+}
+
+bool Reader::Receive(TimePoint until) {
+    if (!m_transport.Receive(m_received, until)) return false;
+    // A line that breaks off is not gone on with by the next one. An answer has its question.
+    const TimePoint now = m_transport.Now();
+    if (m_description.ask.empty() && m_splitter.HasHalf() && now - m_lastBytes > m_pause) m_splitter.Drop();
+    m_lastBytes = now;
+    return true;
 }
 
 bool Reader::Take(Splitter::Line& line) {
@@ -197,18 +229,18 @@ bool Reader::Take(Splitter::Line& line) {
     return false;
 }
 
-// Throws lines away, what is there already and what comes until then, and tells how many there were.
+// Throws away what is there already and what comes until then, and tells how many answers were among it.
 size_t Reader::Discard(TimePoint until) {
-    size_t lines = 0;
+    size_t answers = 0;
     Splitter::Line line;
     for (size_t bytes = 0; bytes < kMostAtOnce;) {
-        while (Take(line)) ++lines;
-        if (!m_transport.Receive(m_received, until)) break;
+        while (Take(line)) answers += !m_owed.empty() && IsAnswer(line) ? 1 : 0;
+        if (!Receive(until)) break;
         bytes += m_received.size();
         m_came += m_received.size();
     }
-    while (Take(line)) ++lines;
-    return lines;
+    while (Take(line)) answers += !m_owed.empty() && IsAnswer(line) ? 1 : 0;
+    return answers;
 }
 
 }  // namespace text

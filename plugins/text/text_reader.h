@@ -3,16 +3,21 @@
 //
 // A logger that talks by itself: what came before the reading began is thrown away, because nobody knows when; the next whole
 // line is the reading. A line that was under way then may end it, unless it may be old or have a hole: after the line was opened,
-// after much has waited (buffers overflow), and when nobody has looked for 10 s. So no line is used twice, and one that comes
-// while nobody reads is passed over. Lines that give no value at all are passed over as long as there is time.
+// after much has waited (buffers overflow), and when nobody has looked for as long as a line may pause in the middle: three
+// quarters of the logger's own interval, at least 250 ms and at most 2 s. A line that pauses longer has lost its end. So no line
+// is used twice, and one that comes while nobody reads is passed over. Lines that give no value at all are passed over as long as
+// there is time.
 //
 // A logger that is asked: an answer that is later than the time-out is waited for, three time-outs in all, and is still this
-// reading's value. What is there before a question is thrown away. Answers do not say what they answer. After a reading without
-// one, and after a line that was no answer, one may still be under way: then the first answer is thrown away and the question is
-// asked once more, so that the value was made after this reading began, and at the end the line is listened to for a time-out. A
-// bad answer is asked for again, up to three times. An echo of the question is passed over.
+// reading's value. What is there before a question is thrown away. Answers do not say what they answer: after a reading without
+// one it may still be under way, for twenty time-outs. So the next reading first waits for it, until six time-outs after its
+// question; then it asks once more for each that is owed, and the last answer counts, which was then made after the reading
+// began. A bad answer is asked for again, up to three times; it may have been a line that nobody asked for, so the line is
+// listened to afterwards until the answer that may be left over has come, or a time-out has passed. An echo of the question is
+// passed over.
 #pragma once
 
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -55,25 +60,31 @@ private:
                   std::vector<Outcome>& outcomes);
     Verdict Judge(const Splitter::Line& line, Failure& failure) const;
     bool Next(Splitter::Line& line, TimePoint until);
+    bool Receive(TimePoint until);
     bool Take(Splitter::Line& line);
     size_t Discard(TimePoint until);
     void Forget();
-    void TellLate(Duration took);
+    void Settle(size_t answers);
+    void AwaitOwed(TimePoint until);
+    bool IsAnswer(const Splitter::Line& line) const;
+    std::string Bare(const std::string& line) const;
 
     const Description& m_description;
     ITransport& m_transport;
     IReadingWatch* m_watch = nullptr;
     Duration m_timeout{};
     Duration m_character{};  // that one is on the line
+    Duration m_pause{};      // that a line may make in the middle
     Splitter m_splitter;
     std::vector<BYTE> m_received;  // of which the splitter has taken the first m_taken
     size_t m_taken = 0;
-    size_t m_skip = 0;     // lines to be passed over since the line was opened
-    size_t m_came = 0;     // bytes, since the reading began to throw away
-    bool m_opened = true;  // and nothing read since
-    TimePoint m_looked{};  // the end of the last reading
-    bool m_owed = false;   // an answer, perhaps
-    TimePoint m_asked{};   // the last question
+    size_t m_skip = 0;             // lines to be passed over since the line was opened
+    size_t m_came = 0;             // bytes, since the reading began to throw away
+    bool m_opened = true;          // and nothing read since
+    TimePoint m_looked{};          // the end of the last reading
+    TimePoint m_lastBytes{};       // when some came
+    std::deque<TimePoint> m_owed;  // when questions were asked that may still be answered
+    bool m_late = false;           // answers have been later than the time-out
     const std::string m_echo;
 };
 

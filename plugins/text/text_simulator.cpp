@@ -26,10 +26,15 @@ Simulator::Simulator(Description description) : m_description(std::move(descript
     for (const int decimals : {2, 1, 3, 0}) {
         m_decimals = decimals;
         const std::vector<Outcome> read = ReadFields(m_description, MakeLines(m_description, Fields()));
-        bool all = true;
-        for (const Outcome& outcome : read) all &= outcome.IsValue() && !outcome.noValue;
-        if (all) return;
-        if (decimals == 0) OrvikThrowCommException(CCommException::BadProtocol, (read.front().text + " (simulated)").c_str());
+        std::string why;
+        for (size_t i = 0; i < read.size() && why.empty(); ++i) {
+            const Channel& channel = m_description.channels[i];
+            const double step = std::abs(channel.scale) * std::pow(10, -decimals);
+            const bool same = read[i].IsValue() && !read[i].noValue && std::abs(read[i].value - ValueOf(i, 0)) <= step;
+            if (!same) why = "Channels." + channel.key + ": cannot be simulated: " + read[i].text;
+        }
+        if (why.empty()) return;
+        if (decimals == 0) OrvikThrowCommException(CCommException::BadProtocol, why.c_str());
     }
 }
 

@@ -22,8 +22,8 @@ public:
 
     // The line that is under way will not count.
     void Drop() { m_dropped = true; }
-    // Whether bytes came that no end has followed yet, of a line that counts; and the beginning of that line.
-    bool HasHalf() const { return m_length > 0 && !m_dropped; }
+    // Whether bytes came that no end has followed yet; and the beginning of that line.
+    bool HasHalf() const { return m_length > 0; }
     std::string Half() const { return m_text.substr(0, m_most); }
     bool IsHalfTooLong() const { return m_length > m_most; }
 
