@@ -133,6 +133,7 @@ Reader::Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch,
     const Duration wait = until - m_transport.Now();
     const TimePoint limit = until + static_cast<int>(m_description.lines - 1) * wait;
     std::vector<std::string> lines;
+    TimePoint lastLine{};
     Failure failure{CCommException::ReceiveTimeout, Sentence::None, {}};
     Splitter::Line line;
     while (Next(line, until)) {
@@ -141,7 +142,10 @@ Reader::Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch,
         if (verdict == Verdict::PassedOver) continue;
         if (verdict == Verdict::Good) {
             const bool first = line.text.starts_with(m_description.first);
-            if (!m_description.first.empty() && first) lines.clear();
+            // Lines that belong together follow one another; else one was lost in between.
+            const bool apart = m_description.ask.empty() && m_transport.Now() - lastLine > m_pause;
+            if (apart || (!m_description.first.empty() && first)) lines.clear();
+            lastLine = m_transport.Now();
             if (lines.empty() && !first) continue;
             lines.push_back(std::move(line.text));
             if (lines.size() < m_description.lines) {

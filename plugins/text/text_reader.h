@@ -4,9 +4,9 @@
 // A logger that talks by itself: what came before the reading began is thrown away, because nobody knows when; the next whole
 // line is the reading. A line that was under way then may end it, unless it may be old or have a hole: after the line was opened,
 // after much has waited (buffers overflow), and when nobody has looked for as long as a line may pause in the middle: three
-// quarters of the logger's own interval, at least 250 ms and at most 2 s. A line that pauses longer has lost its end. So no line
-// is used twice, and one that comes while nobody reads is passed over. Lines that give no value at all are passed over as long as
-// there is time.
+// quarters of the logger's own interval, at least 250 ms and at most 2 s. A line that pauses longer has lost its end, and so have
+// lines of one reading between which there is more. So no line is used twice, and one that comes while nobody reads is passed
+// over. Lines that give no value at all are passed over as long as there is time.
 //
 // A logger that is asked: an answer that is later than the time-out is waited for, three time-outs in all, and is still this
 // reading's value. What is there before a question is thrown away. Answers do not say what they answer: after a reading without
