@@ -1,6 +1,7 @@
 // The family of loggers that print lines: what the host finds in this plug-in.
 #include "frame/plugin_stamp.h"
 #include "host/logger_family.h"
+#include "plugins/text/text_learn.h"
 #include "plugins/text/text_logger.h"
 #include "plugins/text/text_simulator.h"
 
@@ -15,6 +16,9 @@ public:
         return new text::Simulator(text::ReadDescription(description));
     }
     const char* const* DescriptionKeys() override { return text::DescriptionKeys(); }
+    int Learn(const BYTE* heard, size_t size, DWORD pause, IPropertyDB& description, CString& shown) override {
+        return text::Learn({reinterpret_cast<const char*>(heard), size}, pause, description, shown);
+    }
 };
 }  // namespace
 

@@ -24,6 +24,8 @@ constexpr Pair kPairs[] = {
     {"%1 is no number in the line: %2", "%1 \xE4r inget tal i raden: %2"},
     {"the line does not fit the pattern: %1", "raden passar inte m\xF6nstret: %1"},
     {"the line is no JSON: %1", "raden \xE4r inte JSON: %1"},
+    {"%1 lines such as %2", "%1 rader som %2"},
+    {"passed over: %1 others such as %2", "f\xF6rbig\xE5ngna: %1 andra som %2"},
 };
 constexpr size_t kShown = 60;
 

@@ -1,5 +1,5 @@
-// What the plug-in says of lines that give no value, in English or, when that is the user's language, in Swedish. In this house's
-// Windows-1252, for CCommException and the reading's watch. Any thread.
+// What the plug-in says of lines, above all of those that give no value, in English or, when that is the user's language, in
+// Swedish. In this house's Windows-1252, for CCommException and the reading's watch. Any thread.
 #pragma once
 
 #include <initializer_list>
@@ -20,6 +20,8 @@ enum class Sentence {
     NoNumber,
     NoMatch,
     NoJson,
+    Learned,  // for people, of lines that were listened to
+    LearnedOthers,
 };
 
 // The sentence with %1, %2 ... replaced.
