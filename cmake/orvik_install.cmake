@@ -1,4 +1,4 @@
-# cmake --install: headers under include/orvik/, the documents, the library, a CMake package, a pkg-config file, and the host with its plug-in.
+# cmake --install: headers under include/orvik/, the documents, the library, a CMake package, a pkg-config file, and the host with its plug-ins.
 include(CMakePackageConfigHelpers)
 
 if(WIN32)
@@ -53,11 +53,11 @@ Libs: -L\${libdir} -lOrvikShared
 ")
 install(FILES ${CMAKE_BINARY_DIR}/orvikshared.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-if(TARGET orvikhost AND TARGET orvik_modbus)
+if(TARGET orvikhost AND TARGET orvik_modbus AND TARGET orvik_text)
   install(TARGETS orvikhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   if(WIN32)
-    install(TARGETS orvik_modbus LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR}/plugins)
+    install(TARGETS orvik_modbus orvik_text LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR}/plugins)
   else()
-    install(TARGETS orvik_modbus LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/orvik/plugins)
+    install(TARGETS orvik_modbus orvik_text LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/orvik/plugins)
   endif()
 endif()

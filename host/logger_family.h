@@ -120,11 +120,13 @@ public:
     // the family's keys alone.
     virtual const char* const* DescriptionKeys() { return nullptr; }
 
-    // How sure this family is, from 0 (not mine) to 100, that a device of its kind said this by itself on a line. If it is, it
-    // describes the device in `description`, all but the line's settings, and `shown` gets the lines with what it takes for their
-    // fields, for a person to read.
-    virtual int Learn(const BYTE* heard, size_t size, IPropertyDB& description, CString& shown) {
-        static_cast<void>(heard), static_cast<void>(size), static_cast<void>(description), static_cast<void>(shown);
+    // How sure this family is, from 0 (not mine) to 100, that a device of its kind said this by itself on a line; from 70 on it
+    // is taken for known. `pause` is the longest time between two of these bytes, in milliseconds. If it may be, the family
+    // describes the device in `description`, all but its name and the line's settings, and `shown` gets the lines with what it
+    // takes for their fields, for a person to read.
+    virtual int Learn(const BYTE* heard, size_t size, DWORD pause, IPropertyDB& description, CString& shown) {
+        static_cast<void>(heard), static_cast<void>(size), static_cast<void>(pause);
+        static_cast<void>(description), static_cast<void>(shown);
         return 0;
     }
 

@@ -6,7 +6,7 @@
 #include <map>
 
 #include "afx/collections.h"
-#include "plugins/modbus/modbus_setting.h"
+#include "plugins/modbus/modbus_complaint.h"
 
 namespace modbus {
 namespace {
@@ -302,12 +302,7 @@ const char* const* DescriptionKeys() {
 
 Description ReadDescription(IPropertyDB& db) {
     Description description;
-    description.line.baud = ReadWhole(db, "Line.nBaud", 50, 4'000'000, 9600u);
-    description.line.dataBits = static_cast<CSerial::EDataBits>(ReadWhole(db, "Line.nDataBits", 7, 8, 8u));
-    constexpr const char* kParities[] = {"none", "odd", "even", "mark", "space"};  // in the order of the port's numbers
-    description.line.parity = static_cast<CSerial::EParity>(ReadWord(db, "Line.sParity", "none", kParities));
-    description.line.stopBits =
-        ReadWhole(db, "Line.nStopBits", 1, 2, 1u) == 2 ? static_cast<CSerial::EStopBits>(2) : static_cast<CSerial::EStopBits>(0);
+    description.line = ReadLine(db);
     description.pauseOpen = ReadWhole(db, "nPauseOpen", 0, 600'000, 0u);
     Slaves slaves(db);
     CStringArray keys;

@@ -1,11 +1,11 @@
-#include "plugins/modbus/modbus_setting.h"
+#include "plugins/support/description_reading.h"
 
 #include <charconv>
 #include <cmath>
 
 #include "frame/numeric_arrays.h"
 
-namespace modbus {
+namespace orvik::description {
 
 double NumberFrom(const CString& key, CString text) {
     text.Trim();
@@ -86,4 +86,18 @@ size_t ReadWord(IPropertyDB& db, const CString& key, const char* standard, std::
     Refuse(key, NotOneOf, static_cast<const char*>(allowed));
 }
 
-}  // namespace modbus
+CLineSettings ReadLine(IPropertyDB& db) {
+    CLineSettings line;
+    line.baud = ReadWhole(db, "Line.nBaud", 50, 4'000'000, 9600u);
+    line.dataBits = static_cast<CSerial::EDataBits>(ReadWhole(db, "Line.nDataBits", 7, 8, 8u));
+    line.parity = ReadChoice<CSerial::EParity>(db, "Line.sParity", "none",
+                                               {{"none", CSerial::ParityNone},
+                                                {"odd", CSerial::ParityOdd},
+                                                {"even", CSerial::ParityEven},
+                                                {"mark", CSerial::ParityMark},
+                                                {"space", CSerial::ParitySpace}});
+    line.stopBits = ReadWhole(db, "Line.nStopBits", 1, 2, 1u) == 2 ? CSerial::StopBits2 : CSerial::StopBits1;
+    return line;
+}
+
+}  // namespace orvik::description

@@ -1,0 +1,235 @@
+#include "plugins/text/text_pattern_parser.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "plugins/text/text_escapes.h"
+
+namespace text {
+namespace {
+using Node = Pattern::Node;
+using Set = std::bitset<256>;
+
+constexpr size_t kDeepest = 50;
+constexpr int kMostRepetitions = 1000;
+
+bool IsWordCharacter(int c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
+
+[[noreturn]] void Refuse(const std::string& what) { throw std::invalid_argument(what); }
+
+Set Only(char c) {
+    Set set;
+    set.set(static_cast<unsigned char>(c));
+    return set;
+}
+
+class Parser {
+public:
+    Parser(std::string_view pattern, std::vector<Node>& tree, std::vector<std::string>& names)
+        : m_rest(pattern), m_tree(tree), m_names(names) {}
+
+    size_t Whole() {
+        const size_t root = Choice();
+        if (!m_rest.empty()) Refuse("a ) without its (");
+        return root;
+    }
+
+private:
+    char Look() const { return m_rest.empty() ? '\0' : m_rest[0]; }
+    bool Take(std::string_view text) {
+        if (!m_rest.starts_with(text)) return false;
+        m_rest.remove_prefix(text.size());
+        return true;
+    }
+    char Next() {
+        if (m_rest.empty()) Refuse("it breaks off");
+        const char c = m_rest[0];
+        m_rest.remove_prefix(1);
+        return c;
+    }
+    size_t Add(Node node) {
+        m_tree.push_back(std::move(node));
+        return m_tree.size() - 1;
+    }
+
+    size_t Choice() {
+        if (++m_depth > kDeepest) Refuse("brackets stand too deep in one another");
+        Node choice{.kind = Node::Choice};
+        do {
+            choice.parts.push_back(Sequence());
+        } while (Take("|"));
+        --m_depth;
+        return choice.parts.size() == 1 ? choice.parts[0] : Add(std::move(choice));
+    }
+
+    size_t Sequence() {
+        Node sequence{.kind = Node::Sequence};
+        while (!m_rest.empty() && Look() != '|' && Look() != ')') sequence.parts.push_back(Repeated());
+        return Add(std::move(sequence));
+    }
+
+    size_t Repeated() {
+        size_t item = Item();
+        for (int least = 0, most = 0; Count(least, most);) {
+            if (m_tree[item].kind == Node::Repeat) Refuse("a repetition of a repetition");
+            const bool lazy = Take("?");
+            item = Add({.kind = Node::Repeat, .parts = {item}, .least = least, .most = most, .lazy = lazy});
+        }
+        return item;
+    }
+
+    bool Count(int& least, int& most) {
+        least = 0;
+        most = -1;
+        if (Take("*")) return true;
+        if (Take("+")) {
+            least = 1;
+            return true;
+        }
+        if (Take("?")) {
+            most = 1;
+            return true;
+        }
+        if (!Take("{")) return false;
+        least = most = Number();
+        if (Take(",")) most = Look() == '}' ? -1 : Number();
+        if (!Take("}") || (most >= 0 && most < least)) Refuse("a { that begins no count such as {2} or {2,5}");
+        return true;
+    }
+
+    int Number() {
+        int number = 0;
+        if (Look() < '0' || Look() > '9') Refuse("a { that begins no count such as {2} or {2,5}");
+        while (Look() >= '0' && Look() <= '9') {
+            number = 10 * number + (Next() - '0');
+            if (number > kMostRepetitions) Refuse("more than 1000 repetitions");
+        }
+        return number;
+    }
+
+    size_t Item() {
+        const char c = Next();
+        switch (c) {
+            case '(':
+                return Group();
+            case '[':
+                return Add({.kind = Node::Set, .set = Class()});
+            case '.':
+                return Add({.kind = Node::Set, .set = Set().set()});
+            case '^':
+                return Add({.kind = Node::Begin});
+            case '$':
+                return Add({.kind = Node::End});
+            case '*':
+            case '+':
+            case '?':
+            case '{':
+                Refuse(std::string("a ") + c + " with nothing to repeat");
+            case '\\':
+                if (Take("b")) return Add({.kind = Node::Border});
+                if (Take("B")) return Add({.kind = Node::NoBorder});
+                return Add({.kind = Node::Set, .set = Escaped()});
+            default:
+                return Add({.kind = Node::Set, .set = Only(c)});
+        }
+    }
+
+    size_t Group() {
+        Node group{.kind = Node::Sequence};
+        if (Take("?<") || Take("?P<")) {
+            if (Look() == '=' || Look() == '!') Refuse("looking back is not possible");
+            std::string name;
+            while (Look() != '>') name += Next();
+            Next();
+            if (name.empty() || !std::all_of(name.begin(), name.end(), [](unsigned char c) { return IsWordCharacter(c); }))
+                Refuse("the name of a group is made of letters, digits and _");
+            if (std::find(m_names.begin(), m_names.end(), name) != m_names.end()) Refuse("two groups are called " + name);
+            if (m_names.size() == Pattern::kMostGroups) Refuse("more than 32 named groups");
+            group.kind = Node::Group;
+            group.name = m_names.size();
+            m_names.push_back(name);
+        } else if (!Take("?:") && Look() == '?') {
+            Refuse("looking around is not possible, nor any other (? than (?: and (?<name>");
+        }
+        group.parts.push_back(Choice());
+        if (!Take(")")) Refuse("a ( without its )");
+        return Add(std::move(group));
+    }
+
+    // Behind a backslash.
+    Set Escaped() {
+        Set set;
+        const char c = Next();
+        const auto fill = [&](auto fits) {
+            for (int i = 0; i < 256; ++i) set[static_cast<size_t>(i)] = fits(i);
+        };
+        switch (c) {
+            case 'd':
+            case 'D':
+                fill([](int i) { return i >= '0' && i <= '9'; });
+                return c == 'D' ? ~set : set;
+            case 'w':
+            case 'W':
+                fill(IsWordCharacter);
+                return c == 'W' ? ~set : set;
+            case 's':
+            case 'S':
+                fill([](int i) { return i == ' ' || (i >= '\t' && i <= '\r'); });
+                return c == 'S' ? ~set : set;
+            case 'r':
+                return Only('\r');
+            case 'n':
+                return Only('\n');
+            case 't':
+                return Only('\t');
+            case 'x': {
+                const auto byte = HexByte(m_rest.substr(0, 2));
+                if (!byte) Refuse("\\x without two hexadecimal digits");
+                m_rest.remove_prefix(2);
+                return Only(static_cast<char>(*byte));
+            }
+            default:
+                if (IsWordCharacter(static_cast<unsigned char>(c))) Refuse(std::string("there is no \\") + c);
+                return Only(c);
+        }
+    }
+
+    // Behind a "[".
+    Set Class() {
+        Set set;
+        const bool turned = Take("^");
+        for (bool first = true; first || Look() != ']'; first = false) {
+            const Set low = ClassCharacter();
+            if (Look() != '-' || m_rest.size() < 2 || m_rest[1] == ']') {
+                set |= low;
+                continue;
+            }
+            Next();
+            const Set high = ClassCharacter();
+            if (low.count() != 1 || high.count() != 1) Refuse("a range whose ends are no characters");
+            size_t from = 0, to = 0;
+            while (!low[from]) ++from;
+            while (!high[to]) ++to;
+            if (from > to) Refuse("a range that runs backwards");
+            for (; from <= to; ++from) set.set(from);
+        }
+        Next();
+        return turned ? ~set : set;
+    }
+    Set ClassCharacter() {
+        const char c = Next();
+        return c == '\\' ? Escaped() : Only(c);
+    }
+
+    std::string_view m_rest;
+    std::vector<Node>& m_tree;
+    std::vector<std::string>& m_names;
+    size_t m_depth = 0;
+};
+}  // namespace
+
+size_t ParsePattern(std::string_view pattern, std::vector<Node>& tree, std::vector<std::string>& names) {
+    return Parser(pattern, tree, names).Whole();
+}
+
+}  // namespace text

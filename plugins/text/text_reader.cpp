@@ -1,0 +1,250 @@
+#include "plugins/text/text_reader.h"
+
+#include <algorithm>
+
+#include "comm/comm_exception.h"
+
+namespace text {
+namespace {
+using namespace std::chrono_literals;
+// More than this that has waited may be a full buffer: there is a hole behind it, or a far end that still sends what is old.
+constexpr size_t kMuch = 2048;
+constexpr auto kSettled = 50ms;
+constexpr int kPatience = 3, kTellable = 10, kForgotten = 20;  // time-outs
+constexpr size_t kMostAtOnce = 1 << 20;                        // bytes that are thrown away before the clock is looked at
+}  // namespace
+
+Reader::Reader(const Description& description, ITransport& transport)
+    : m_description(description),
+      m_transport(transport),
+      m_splitter(description.end, description.longest),
+      m_echo(Trimmed(std::string_view(description.ask).substr(0, description.ask.find_last_not_of("\r\n") + 1))) {}
+
+void Reader::Opened(DWORD timeout) {
+    m_timeout = std::chrono::milliseconds(std::max<DWORD>(timeout, 1));
+    m_character = std::chrono::microseconds(
+        static_cast<long long>(1e6 * m_description.line.BitsPerCharacter() / m_description.line.baud) + 1);
+    m_pause = std::clamp<Duration>(std::chrono::milliseconds(m_description.every) * 3 / 4, 250ms, 2s);
+    Forget();
+    m_skip = m_description.skip;
+    m_opened = true;
+}
+
+// What came so far is no beginning of a line.
+void Reader::Forget() {
+    m_splitter = Splitter(m_description.end, m_description.longest);
+    m_received.clear();
+    m_taken = 0;
+}
+
+Reader::Failure Reader::Read(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
+    outcomes.clear();
+    Failure failure = m_description.ask.empty() ? Listen(due, outcomes) : Ask(due, outcomes);
+    m_looked = m_transport.Now();
+    return failure;
+}
+
+Reader::Failure Reader::Listen(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
+    m_came = 0;
+    Discard(m_transport.Now());
+    if (m_came > kMuch) {
+        // A far end that was held up goes on with what it had to say then.
+        const TimePoint limit = m_transport.Now() + m_timeout;
+        for (size_t before = 0; before != m_came && m_transport.Now() < limit;) {
+            before = m_came;
+            Discard(std::min(limit, m_transport.Now() + kSettled));
+        }
+    }
+    // What is under way may be the beginning of one line and the end of another.
+    const bool old = m_splitter.HasHalf() && m_transport.Now() - m_looked > m_pause;
+    if (m_opened || m_came > kMuch || old) m_splitter.Drop();
+    m_opened = false;
+    // Twice its own time: one line may just have been missed.
+    const Duration wait = std::max<Duration>(m_timeout, 2 * std::chrono::milliseconds(m_description.every) + 500ms);
+    return Await(m_transport.Now() + wait, true, m_watch, due, outcomes);
+}
+
+Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
+    m_came = 0;
+    Settle(Discard(m_transport.Now()));
+    while (!m_owed.empty() && m_transport.Now() - m_owed.front() > kForgotten * m_timeout) m_owed.pop_front();
+    if (!m_owed.empty()) AwaitOwed(m_owed.back() + 2 * kPatience * m_timeout);
+    size_t throwAway = m_owed.size();
+    bool doubtful = throwAway > 0;
+    for (size_t left = throwAway + kAttempts;; --left) {
+        Forget();
+        const auto& ask = m_description.ask;
+        // The port takes the question at once; it is on the line for as long as its characters last.
+        const TimePoint asked = m_transport.Now() + static_cast<int>(ask.size()) * m_character;
+        m_owed.push_back(asked);
+        m_transport.Send({reinterpret_cast<const BYTE*>(ask.data()), ask.size()}, asked + m_timeout);
+        Failure failure = Await(asked + kPatience * m_timeout, false, throwAway == 0 ? m_watch : nullptr, due, outcomes);
+        if (failure.code == CCommException::ReceiveTimeout || failure.why == Sentence::HalfLine) return failure;
+        const bool good = failure.code == 0;
+        if (good) Settle(1);
+        // A line that was no answer: the answer may still come.
+        doubtful |= !good;
+        if (good ? throwAway == 0 : left == 1) {
+            if (doubtful) AwaitOwed(m_transport.Now() + (m_late ? 2 * kPatience : 1) * m_timeout);
+            m_owed.clear();
+            return failure;
+        }
+        if (good) --throwAway;
+    }
+}
+
+// So many answers have come.
+void Reader::Settle(size_t answers) {
+    for (; answers > 0 && !m_owed.empty(); --answers) {
+        const Duration took = m_transport.Now() - m_owed.front();
+        m_owed.pop_front();
+        // What was found much later says nothing of when it came.
+        if (took <= m_timeout || took > kTellable * m_timeout) continue;
+        m_late = true;
+        if (m_watch != nullptr)
+            m_watch->OnLateAnswer(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(took).count()));
+    }
+}
+
+// Answers that nobody waits for any more are waited for all the same, so that they are not taken for others'.
+void Reader::AwaitOwed(TimePoint until) {
+    Splitter::Line line;
+    while (!m_owed.empty() && Next(line, until)) Settle(IsAnswer(line) ? 1 : 0);
+}
+
+// Of an answer of several lines, each counts for one: that errs by asking too often.
+bool Reader::IsAnswer(const Splitter::Line& line) const {
+    Failure bad;
+    if (Judge(line, bad) != Verdict::Good) return false;
+    const std::vector<Outcome> outcomes = ReadFields(m_description, {Bare(line.text)});
+    return std::any_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) { return outcome.IsValue(); });
+}
+
+// Without its checksum.
+std::string Reader::Bare(const std::string& line) const {
+    std::string_view rest = line;
+    TakeChecksum(m_description.checksum, rest);
+    return std::string(rest);
+}
+
+// The lines of one reading. `again`: what is bad is passed over as long as there is time.
+Reader::Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch, const std::vector<BYTE>& due,
+                              std::vector<Outcome>& outcomes) {
+    const Duration wait = until - m_transport.Now();
+    const TimePoint limit = until + static_cast<int>(m_description.lines - 1) * wait;
+    std::vector<std::string> lines;
+    TimePoint lastLine{};
+    Failure failure{CCommException::ReceiveTimeout, Sentence::None, {}};
+    Splitter::Line line;
+    while (Next(line, until)) {
+        Failure bad;
+        const Verdict verdict = Judge(line, bad);
+        if (verdict == Verdict::PassedOver) continue;
+        if (verdict == Verdict::Good) {
+            const bool first = line.text.starts_with(m_description.first);
+            // Lines that belong together follow one another; else one was lost in between.
+            const bool apart = m_description.ask.empty() && m_transport.Now() - lastLine > m_pause;
+            if (apart || (!m_description.first.empty() && first)) lines.clear();
+            lastLine = m_transport.Now();
+            if (lines.empty() && !first) continue;
+            lines.push_back(std::move(line.text));
+            if (lines.size() < m_description.lines) {
+                until = std::min(limit, m_transport.Now() + wait);
+                continue;
+            }
+            for (std::string& whole : lines) whole = Bare(whole);
+            outcomes = ReadFields(m_description, lines);
+            const Outcome* worst = nullptr;
+            bool any = false;
+            for (size_t i = 0; i < outcomes.size(); ++i) {
+                if (i < due.size() && due[i] == 0) continue;
+                any |= outcomes[i].IsValue();
+                if (worst == nullptr && !outcomes[i].IsValue()) worst = &outcomes[i];
+            }
+            if (any || worst == nullptr) {
+                if (watch != nullptr) watch->OnAnswer();
+                return {};
+            }
+            bad = {CCommException::IllegalResponse, worst->why, worst->text};
+        }
+        failure = std::move(bad);
+        lines.clear();
+        outcomes.clear();
+        if (!again) return failure;
+    }
+    if (failure.code != CCommException::ReceiveTimeout || !m_splitter.HasHalf()) return failure;
+    const std::string half = Shown(m_splitter.Half());
+    if (m_splitter.IsHalfTooLong())
+        return {CCommException::BadProtocol, Sentence::TooLong,
+                Say(Sentence::TooLong, {std::to_string(m_description.longest), half})};
+    return {CCommException::BadProtocol, Sentence::HalfLine, Say(Sentence::HalfLine, {half})};
+}
+
+// Whether a line counts, and why it is none.
+Reader::Verdict Reader::Judge(const Splitter::Line& line, Failure& failure) const {
+    if (!line.text.starts_with(m_description.start)) return Verdict::PassedOver;
+    const auto bad = [&](Sentence why, std::initializer_list<std::string_view> arguments) {
+        failure = {CCommException::BadProtocol, why, Say(why, arguments)};
+        return Verdict::Bad;
+    };
+    if (line.cut) return bad(Sentence::TooLong, {std::to_string(m_description.longest), Shown(line.text)});
+    if (!m_echo.empty() && Trimmed(line.text) == m_echo) return Verdict::PassedOver;
+    std::string_view rest = line.text;
+    switch (TakeChecksum(m_description.checksum, rest)) {
+        case ChecksumResult::Missing:
+            return bad(Sentence::NoChecksum, {Shown(line.text)});
+        case ChecksumResult::Wrong:
+            return bad(Sentence::WrongChecksum, {Shown(line.text)});
+        case ChecksumResult::Right:
+            break;
+    }
+    return Verdict::Good;
+}
+
+// The next line of those that come until then; false when there is none.
+bool Reader::Next(Splitter::Line& line, TimePoint until) {
+    do {
+        if (Take(line)) return true;
+        // The clock is looked at as well: a line that chatters without an end always has something.
+    } while (m_transport.Now() < until && Receive(until));
+    return false;
+}
+
+bool Reader::Receive(TimePoint until) {
+    if (!m_transport.Receive(m_received, until)) return false;
+    // A line that breaks off is not gone on with by the next one. An answer has its question.
+    const TimePoint now = m_transport.Now();
+    if (m_description.ask.empty() && m_splitter.HasHalf() && now - m_lastBytes > m_pause) m_splitter.Drop();
+    m_lastBytes = now;
+    return true;
+}
+
+bool Reader::Take(Splitter::Line& line) {
+    while (m_taken < m_received.size()) {
+        bool whole = false;
+        const char* const bytes = reinterpret_cast<const char*>(m_received.data());
+        m_taken += m_splitter.Take({bytes + m_taken, m_received.size() - m_taken}, line, whole);
+        if (!whole) continue;
+        if (m_skip == 0) return true;
+        --m_skip;
+    }
+    m_received.clear();
+    m_taken = 0;
+    return false;
+}
+
+// Throws away what is there already and what comes until then, and tells how many answers were among it.
+size_t Reader::Discard(TimePoint until) {
+    size_t answers = 0;
+    Splitter::Line line;
+    for (size_t bytes = 0; bytes < kMostAtOnce;) {
+        while (Take(line)) answers += !m_owed.empty() && IsAnswer(line) ? 1 : 0;
+        if (!Receive(until)) break;
+        bytes += m_received.size();
+        m_came += m_received.size();
+    }
+    while (Take(line)) answers += !m_owed.empty() && IsAnswer(line) ? 1 : 0;
+    return answers;
+}
+
+}  // namespace text

@@ -1,0 +1,236 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+
+#include "plugins/text/text_checksum.h"
+#include "plugins/text/text_escapes.h"
+#include "plugins/text/text_fields.h"
+#include "plugins/text/text_json.h"
+#include "plugins/text/text_number.h"
+#include "tests/text/described.h"
+
+using namespace text;
+
+namespace {
+// Values as "23.5 - !": a value, none, or a failure.
+std::string Values(const std::vector<Outcome>& outcomes) {
+    std::string values;
+    for (const Outcome& outcome : outcomes) {
+        char number[32];
+        std::snprintf(number, sizeof number, "%.10g", outcome.value);
+        values += (values.empty() ? "" : " ") + std::string(!outcome.IsValue() ? "!" : outcome.noValue ? "-" : number);
+        EXPECT_EQ(outcome.IsValue(), outcome.text.empty());
+    }
+    return values;
+}
+
+const std::string kTwo = "Channels.1.nField=1; Channels.2.nField=2; ";
+const std::string kKeys = "sFields=keys; Channels.1.sKey=T; Channels.2.sKey=RH; ";
+const std::string kJson = "sFields=json; Channels.1.sKey=air.t; Channels.2.sKey=p[1]; ";
+const std::string kColumns =
+    "sFields=columns; Channels.1.nColumn=3; Channels.1.nWidth=5; Channels.2.nColumn=8; Channels.2.nWidth=6; ";
+const std::string kRegex = "sFields=regex; sPattern=^t(?<a>[^ ]+)(?: h(?<b>.*))?$; Channels.1.sGroup=a; Channels.2.sGroup=b; ";
+}  // namespace
+
+TEST(TextFields, ValuesOfLines) {
+    const struct {
+        std::string description;
+        std::vector<std::string> lines;
+        const char* values;
+    } cases[] = {
+        // Fields in a row.
+        {kTwo, {"23.5,41.2"}, "23.5 41.2"},
+        {kTwo, {" 23.5 ;\t-41 "}, "23.5 -41"},
+        {kTwo, {"23.5\t41.2"}, "23.5 41.2"},
+        {kTwo, {"  +.5   41. 7"}, "0.5 41"},
+        {kTwo, {"1e3,-2.5E-1,x"}, "1000 -0.25"},
+        {kTwo, {"23.5"}, "23.5 !"},
+        {kTwo, {"23.5,"}, "23.5 !"},
+        {kTwo, {"abc,41"}, "! 41"},
+        {kTwo, {"1.2.3,12:30"}, "! !"},
+        {kTwo, {"0x1F,1e999"}, "! !"},
+        {kTwo, {"--5,+-5"}, "! !"},
+        {kTwo, {"inf,NaN"}, "! -"},
+        {kTwo, {"23.5 C,1013 hPa"}, "23.5 1013"},
+        {kTwo,
+         {"23.5\xB0"
+          "C,3.2 m3/h"},
+         "23.5 3.2"},
+        {kTwo,
+         {"23.5\xC2\xB0"
+          "C,400 W/m2"},
+         "23.5 400"},
+        {kTwo, {"23.5 C 7,41%!"}, "! 41"},
+        {kTwo, {"1 234,5"}, "! 5"},
+        {kTwo + "sDecimal=,", {"23,5;41,2"}, "23.5 41.2"},
+        {kTwo + "sDecimal=,", {"23,5 41,2"}, "23.5 41.2"},
+        {kTwo + "sDecimal=,", {"1.234,5;41"}, "! 41"},
+        {kTwo + "sSeparator=semicolon", {"1,5;2"}, "! 2"},
+        {kTwo + "sSeparator=::", {"1::2::3"}, "1 2"},
+        {kTwo + "sSeparator=\\x20", {"1 2"}, "1 2"},
+        {kTwo + "sSeparator=blanks", {" 1   2"}, "1 2"},
+        {kTwo + "nFields=2", {"23,41"}, "23 41"},
+        {kTwo + "nFields=2", {"23,4124,42"}, "! !"},  // the end between two lines was lost
+        {kTwo + "Channels.1.sPrefix=T; Channels.1.sSuffix=C", {"T23.5C,1"}, "23.5 1"},
+        {kTwo + "Channels.1.sPrefix=T; Channels.1.sSuffix=C", {"T23.5F,1"}, "! 1"},
+        {kTwo + "Channels.1.sPrefix=T; Channels.1.sSuffix=C", {"23.5C,1"}, "! 1"},
+        {kTwo + "Channels.1.rScale=0.1; Channels.1.rOffset=-40", {"500,-0"}, "10 -0"},
+        {kTwo + "sNoValue=---|ERR|9.9E37", {"---,err"}, "- -"},
+        {kTwo + "sNoValue=---|ERR|9.9E37", {"+9.90000000E+37,"}, "- !"},
+        {kTwo + "sNoValue=|-", {",-"}, "- -"},
+        // Fixed columns.
+        {kColumns, {"ab 23.5  1013"}, "23.5 1013"},
+        {kColumns, {"ab-23.5-101.2"}, "-23.5 -101.2"},
+        {kColumns, {"ab 23.5"}, "23.5 !"},
+        {kColumns, {"ab"}, "! !"},
+        // name=value.
+        {kKeys, {"T=23.5C, RH=41 %"}, "23.5 41"},
+        {kKeys, {"RH: 41 T: 23.5"}, "23.5 41"},
+        {kKeys, {"T=23.5 C RH = 41 %"}, "23.5 41"},
+        {kKeys, {"ST=7 T=23.5|RH=41|"}, "23.5 41"},
+        {kKeys, {"T=23.5"}, "23.5 !"},
+        {kKeys, {"T=1 T=2 RH="}, "! !"},
+        {kKeys + "sSeparator=comma", {"T = 23.5 , RH:41"}, "23.5 41"},
+        {kKeys + "sSeparator=comma", {"Air T=1,T=2,RH=3"}, "2 3"},
+        {kKeys + "sDecimal=,", {"T=23,5 RH=41,2"}, "23.5 41.2"},
+        {kKeys + "nLines=2; sFirst=T", {"T=23.5", "RH=41"}, "23.5 41"},
+        {kKeys + "nLines=2; sFirst=T; Channels.2.nLine=1", {"T=23.5", "RH=41"}, "23.5 !"},
+        // JSON.
+        {kJson, {"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]}"}, "23.5 25"},
+        {kJson, {" { \"air\" : { \"t\" : \"23.5 C\" } , \"p\" : [ 0 , true ] } "}, "23.5 1"},
+        {kJson, {"{\"air\":{\"t\":null},\"p\":[0,\"x\"]}"}, "- !"},
+        {kJson, {"{\"air\":{\"t\":1,\"t\":2},\"p\":[0]}"}, "! !"},
+        {kJson, {"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]"}, "! !"},
+        {kJson, {"{\"air\":{\"t\":023.5},\"p\":[1,2]}"}, "! !"},
+        // Patterns.
+        {kRegex, {"t23.5 h41"}, "23.5 41"},
+        {kRegex, {"t23.5"}, "23.5 !"},
+        {kRegex, {"T23.5 h41"}, "! !"},
+        // Several lines.
+        {"nLines=2; sAsk=?; Channels.1.nField=1; Channels.2.nField=1; Channels.2.nLine=2", {"1,2", "3,4"}, "1 3"},
+        // Bytes that are no text.
+        {kTwo, {std::string("1\0,2", 4)}, "! 2"},
+        {kTwo, {"\xFF\xFE,\x01"}, "! !"},
+    };
+    for (const auto& one : cases)
+        EXPECT_EQ(Values(ReadFields(Described(one.description), one.lines)), one.values) << one.description << one.lines[0];
+}
+
+TEST(TextFields, AFailureShowsTheLine) {
+    const auto said = [](const std::string& description, const std::string& line) {
+        return ReadFields(Described(description), {line}).back().text;
+    };
+    EXPECT_EQ(said(kTwo, "1,x\r\x01"), "\"x\\r\\x01\" is no number in the line: \"1,x\\r\\x01\"");
+    EXPECT_EQ(said(kTwo, "1"), "there is no #2 in the line: \"1\"");
+    EXPECT_EQ(said(kTwo + "nFields=2", "1"), "the line has 1 fields instead of 2: \"1\"");
+    EXPECT_EQ(said(kKeys, "T=1"), "there is no RH in the line: \"T=1\"");
+    EXPECT_EQ(said(kKeys, "RH=1 RH=1"), "RH is there twice in the line: \"RH=1 RH=1\"");
+    EXPECT_EQ(said(kJson, "{"), "the line is no JSON: \"{\"");
+    EXPECT_EQ(said(kRegex, "x"), "the line does not fit the pattern: \"x\"");
+    EXPECT_EQ(said(kTwo, std::string(100, 'x')), "there is no #2 in the line: \"" + std::string(60, 'x') + "...\"");
+}
+
+TEST(TextFields, EveryMistakeOfADescriptionNamesItsKey) {
+    const char* const mistakes[] = {"sAsk=\\q",
+                                    "sEnd=\\x1",
+                                    "nLines=0",
+                                    "nLines=2",  // sFirst is missing
+                                    "nMostLength=20000",
+                                    "sFields=xml",
+                                    "sSeparator=\\",
+                                    "sDecimal=;",
+                                    "sChecksum=md5",
+                                    "nEvery=0",
+                                    "Channels.1.nField=0",
+                                    "Channels.1.rScale=0",
+                                    "Channels.1.nLine=2",
+                                    "Channels.1.sPrefix=\\"};
+    for (const std::string mistake : mistakes) {
+        const std::string key = mistake == "nLines=2" ? "sFirst" : mistake.substr(0, mistake.find('='));
+        CPropertyDB db;
+        Describe(db, kTwo);
+        Describe(db, mistake);
+        const std::string refusal = RefusalOf([&] { ReadDescription(db); });
+        EXPECT_TRUE(refusal.starts_with(key + ": ")) << mistake << " -> " << refusal;
+    }
+    const std::pair<std::string, const char*> missing[] = {
+        {"sName=x", "Channels"},
+        {"Channels.1.sName=x", "Channels.1.nField"},
+        {"sFields=columns; Channels.1.nColumn=1", "Channels.1.nWidth"},
+        {"sFields=json; Channels.1.sName=x", "Channels.1.sKey"},
+        {"sFields=regex; sPattern=(; Channels.1.sGroup=x", "sPattern"},
+        {"sFields=regex; sPattern=x; Channels.1.sGroup=x", "Channels.1.sGroup"},
+        {kTwo + "nFields=1", "Channels.2.nField"},
+        {kTwo + "sDecimal=,; sSeparator=comma", "sDecimal"},
+        {kTwo + "sAsk=?; nSkip=1", "nSkip"}};
+    for (const auto& [description, key] : missing) {
+        const std::string refusal = RefusalOf([&, text = description] { Described(text); });
+        EXPECT_TRUE(refusal.starts_with(std::string(key) + ": ")) << description << " -> " << refusal;
+    }
+}
+
+TEST(TextChecksum, TakesTheRightOneOnly) {
+    const struct {
+        Checksum kind;
+        const char* line;
+        const char* rest;  // null: wrong, empty: missing
+    } cases[] = {
+        {Checksum::Xor, "$WIMWV,214.8,R,0.1,K,A*28", "$WIMWV,214.8,R,0.1,K,A"},
+        {Checksum::Xor, "!AB*03", "!AB"},
+        {Checksum::Xor, "$WIMWV,214.9,R,0.1,K,A*28", nullptr},
+        {Checksum::Xor, "$AB03", ""},
+        {Checksum::Xor, "$AB*0", ""},
+        {Checksum::Xor, "", ""},
+        {Checksum::Sum, "123*96", "123"},
+        {Checksum::Sum, "12396", "123"},
+        {Checksum::Sum, "124*96", nullptr},
+        {Checksum::Crc16, "123456789*4B37", "123456789"},  // the check value of this CRC
+        {Checksum::Crc16, "1234567894b37", "123456789"},
+        {Checksum::Crc16, "123456789*4B36", nullptr},
+        {Checksum::Crc16, "4B", ""},
+        {Checksum::None, "23.5*00", "23.5*00"},
+    };
+    for (const auto& one : cases) {
+        std::string_view line = one.line;
+        const ChecksumResult result = TakeChecksum(one.kind, line);
+        const bool right = one.rest != nullptr && *one.rest != 0;
+        EXPECT_EQ(result, right                 ? ChecksumResult::Right
+                          : one.rest == nullptr ? ChecksumResult::Wrong
+                                                : ChecksumResult::Missing)
+            << one.line;
+        EXPECT_EQ(line, right ? one.rest : one.line);
+        if (!right) continue;
+        std::string made = one.rest;
+        AddChecksum(one.kind, made);
+        line = made;
+        EXPECT_EQ(TakeChecksum(one.kind, line), ChecksumResult::Right) << made;
+    }
+}
+
+TEST(TextJson, IsStrict) {
+    std::vector<JsonLeaf> leaves;
+    for (const char* json :
+         {"",  "{",   "{}x", "{a:1}",   "{\"a\":1,}", "[1,]", "[1 2]",     "01",    "1.",     ".5",         "1e", "+1",
+          "-", "tru", "nul", "\"\\q\"", "\"\\u12\"",  "\"a",  "{\"a\" 1}", "{1:1}", "\"\t\"", "{\"a\":1}}", "NaN"})
+        EXPECT_FALSE(ReadJson(json, leaves)) << json;
+    EXPECT_FALSE(ReadJson(std::string(5000, '['), leaves));
+    ASSERT_TRUE(ReadJson("{\"a\":[{\"b\":-0.5e+3},\"x\\u00B0\\n\\\"\",[],{}],\"\":false}", leaves));
+    ASSERT_EQ(leaves.size(), 3u);
+    EXPECT_EQ(leaves[0].path, "a[0].b");
+    EXPECT_EQ(leaves[0].text, "-0.5e+3");
+    EXPECT_EQ(leaves[1].path, "a[1]");
+    EXPECT_EQ(leaves[1].text, "x\xB0\n\"");
+    EXPECT_EQ(leaves[2].kind, JsonLeaf::False);
+    // Deep paths of long names do not add up.
+    std::string names;
+    for (int i = 0; i < 30; ++i) names += "{\"" + std::string(100, 'n') + "\":";
+    EXPECT_TRUE(ReadJson(names + "1" + std::string(30, '}'), leaves));
+    EXPECT_TRUE(leaves.empty());
+}
+
+TEST(TextEscapes, ComeBack) {
+    const std::string bytes("\r\n\t\\;\0\x1B\x80 \xB0z", 11);
+    EXPECT_EQ(Escape(bytes, ";"), "\\r\\n\\t\\\\\\x3B\\x00\\x1B\\x80 \xB0z");
+    EXPECT_EQ(Unescape(Escape(bytes, ";")), bytes);
+}
