@@ -30,11 +30,16 @@ void Rfc2217Client::OnOwnOption(BYTE option, bool agreed, std::vector<BYTE>& out
     if (!agreed) {
         m_state = Refused;
     } else if (m_state == Offered) {
-        SetUp(out);
+        SendSettings(out);
     }
 }
 
-void Rfc2217Client::SetUp(std::vector<BYTE>& out) {
+void Rfc2217Client::SetUp(const CLineSettings& line, std::vector<BYTE>& out) {
+    m_line = line;
+    SendSettings(out);
+}
+
+void Rfc2217Client::SendSettings(std::vector<BYTE>& out) {
     const auto send = [&](std::initializer_list<BYTE> content) {
         AppendMessage(kComPort, std::span<const BYTE>(content.begin(), content.size()), out);
     };

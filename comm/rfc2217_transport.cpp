@@ -22,6 +22,13 @@ void Rfc2217Transport::Open(const char* address, const CLineSettings& line, Time
     }
 }
 
+void Rfc2217Transport::SetUp(const CLineSettings& line, TimePoint until) {
+    m_out.clear();
+    m_client.SetUp(line, m_out);
+    m_stream.Send(m_out, until);
+    Agree(until);
+}
+
 void Rfc2217Transport::Agree(TimePoint until) {
     std::vector<BYTE> early;  // from before the line was set up: nobody can have sent it so
     for (;;) {
@@ -56,7 +63,7 @@ void Rfc2217Transport::Send(std::span<const BYTE> bytes, TimePoint until) {
     m_out.clear();
     TelnetEnd::Escape(bytes, m_out);
     m_stream.Send(m_out, until);
-    m_port.TraceTransfer(m_name.c_str(), TRUE, bytes.data(), bytes.size());
+    m_user->port.TraceTransfer(m_name.c_str(), TRUE, bytes.data(), bytes.size());
 }
 
 bool Rfc2217Transport::Receive(std::vector<BYTE>& received, TimePoint until) {
@@ -64,7 +71,7 @@ bool Rfc2217Transport::Receive(std::vector<BYTE>& received, TimePoint until) {
     while (received.size() == before) {
         if (!Exchange(received, until)) return false;
     }
-    m_port.TraceTransfer(m_name.c_str(), FALSE, received.data() + before, received.size() - before);
+    m_user->port.TraceTransfer(m_name.c_str(), FALSE, received.data() + before, received.size() - before);
     return true;
 }
 
