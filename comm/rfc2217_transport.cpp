@@ -42,7 +42,8 @@ void Rfc2217Transport::Agree(TimePoint until) {
             default:
                 break;
         }
-        if (Exchange(early, until)) continue;
+        early.clear();
+        if (Now() < until && Exchange(early, until)) continue;
         const bool offered = m_client.State() == Rfc2217Client::Offered;
         m_stream.Fail(offered ? CCommException::DeviceNotOpen : CCommException::HardwareError,
                       offered ? kNoSerialPort : kNotConfirmed);
@@ -68,9 +69,11 @@ void Rfc2217Transport::Send(std::span<const BYTE> bytes, TimePoint until) {
 
 bool Rfc2217Transport::Receive(std::vector<BYTE>& received, TimePoint until) {
     const size_t before = received.size();
-    while (received.size() == before) {
+    do {
+        // A server that talks of nothing but itself is no answer either.
         if (!Exchange(received, until)) return false;
-    }
+        if (received.size() == before && Now() >= until) return false;
+    } while (received.size() == before);
     m_user->port.TraceTransfer(m_name.c_str(), FALSE, received.data() + before, received.size() - before);
     return true;
 }
