@@ -15,7 +15,7 @@ BYTE StopCode(CSerial::EStopBits stop) {
 }
 DWORD Number(std::span<const BYTE> bytes) {
     DWORD number = 0;
-    for (const BYTE byte : bytes) number = number << 8 | byte;
+    for (const BYTE octet : bytes) number = number << 8 | octet;
     return number;
 }
 }  // namespace
