@@ -48,7 +48,7 @@ void NetworkStream::Open(const CLineAddress& address, TimePoint until) {
     Close();
     m_address = address.Text();
     m_address.erase(0, m_address.find("://") + 3);
-    if (m_abort.IsRaised()) OrvikThrowCommException(CCommException::SessionAborted, nullptr);
+    if (m_user->abort.IsRaised()) OrvikThrowCommException(CCommException::SessionAborted, nullptr);
     SocketConnect connecting(address.host.c_str(), address.port, MillisecondsUntil(until));
     Socket socket;
     for (;;) {
@@ -56,7 +56,7 @@ void NetworkStream::Open(const CLineAddress& address, TimePoint until) {
         if (error == ERROR_SUCCESS) break;
         if (error != ERROR_IO_PENDING) FailBy(CCommException::DeviceNotOpen, error, false);
         PumpMessages();
-        if (m_abort.IsRaised()) OrvikThrowCommException(CCommException::SessionAborted, nullptr);
+        if (m_user->abort.IsRaised()) OrvikThrowCommException(CCommException::SessionAborted, nullptr);
         // The attempt ends by itself at this time; a little later it must have.
         if (std::chrono::steady_clock::now() >= until + std::chrono::milliseconds(100))
             FailBy(CCommException::DeviceNotOpen, kSocketTimeOut, false);
@@ -64,13 +64,7 @@ void NetworkStream::Open(const CLineAddress& address, TimePoint until) {
     }
     m_socket = std::move(socket);
     m_lost = false;
-    m_connection.SetOnline(true);
-}
-
-void NetworkStream::Close() {
-    if (!m_socket.IsOpen()) return;
-    m_socket.Close();
-    m_connection.SetOnline(false);
+    m_user->connection.SetOnline(true);
 }
 
 void NetworkStream::Send(std::span<const BYTE> bytes, TimePoint until) {
@@ -125,7 +119,7 @@ bool NetworkStream::TakeWaiting(std::vector<BYTE>& received, bool linger) {
 }
 
 void NetworkStream::Wait(HANDLE event, TimePoint until) {
-    const HANDLE handles[] = {m_abort.Event(), event};
+    const HANDLE handles[] = {m_user->abort.Event(), event};
     MsgWaitForMultipleObjects(2, handles, FALSE, MillisecondsUntil(until), QS_ALLINPUT);
 }
 
@@ -142,8 +136,8 @@ void NetworkStream::PumpMessages() const {
 }
 
 void NetworkStream::CheckLine() const {
-    if (m_abort.IsRaised()) OrvikThrowCommException(CCommException::SessionAborted, nullptr);
-    if (!m_socket.IsOpen()) OrvikThrowCommException(CCommException::DeviceNotOpen, nullptr);
+    if (m_user->abort.IsRaised()) OrvikThrowCommException(CCommException::SessionAborted, nullptr);
+    if (!m_user->open || !m_socket.IsOpen()) OrvikThrowCommException(CCommException::DeviceNotOpen, nullptr);
     if (m_lost) FailBy(CCommException::HardwareError, m_lossError, true);
 }
 
@@ -151,7 +145,7 @@ void NetworkStream::Lose(DWORD error) {
     m_lost = true;
     m_lossError = error;
     // What the listener of an unplugged port says.
-    m_connection.OnSerialCommEvent(CSerialEx::ListenerDiedEvent, CSerialEx::ListenerDiedError);
+    m_user->connection.OnSerialCommEvent(CSerialEx::ListenerDiedEvent, CSerialEx::ListenerDiedError);
     FailBy(CCommException::HardwareError, error, true);
 }
 

@@ -8,10 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "comm/abort_signal_internal.h"
 #include "comm/line_address.h"
-#include "comm/line_connection.h"
-#include "comm/transport.h"
+#include "comm/line_transport_internal.h"
 #include "platform/socket.h"
 
 namespace orvik::detail {
@@ -19,12 +17,13 @@ namespace orvik::detail {
 class NetworkStream {
 public:
     using TimePoint = ITransport::TimePoint;
-    NetworkStream(CLineConnection& connection, const AbortSignal& abort) : m_connection(connection), m_abort(abort) {}
-    ~NetworkStream() { Close(); }
+    // Who is told of the line: `user` points to whose turn it is.
+    explicit NetworkStream(LineUser* const& user) : m_user(user) {}
 
     void Open(const CLineAddress& address, TimePoint until);
-    void Close();
+    void Close() { m_socket.Close(); }
     bool IsOpen() const { return m_socket.IsOpen(); }
+    bool IsLost() const { return m_lost; }
 
     // All of it, or 7.
     void Send(std::span<const BYTE> bytes, TimePoint until);
@@ -41,8 +40,7 @@ private:
     [[noreturn]] void Lose(DWORD error);
     [[noreturn]] void FailBy(int code, DWORD error, bool connected) const;
 
-    CLineConnection& m_connection;
-    const AbortSignal& m_abort;
+    LineUser* const& m_user;
     Socket m_socket;
     std::string m_address;  // "host:port"
     bool m_asked = false;   // nothing was looked for since the last request

@@ -27,7 +27,9 @@ thread_local Telling* t_telling = nullptr;
 }  // namespace
 
 COrvikConnection::COrvikConnection() {
-    if (sWndClass.IsEmpty()) sWndClass = AfxRegisterWndClass(CS_PARENTDC | CS_SAVEBITS);
+    // Connections may be made on several threads at once; the class is told once.
+    static const bool registered = (sWndClass = AfxRegisterWndClass(CS_PARENTDC | CS_SAVEBITS), true);
+    static_cast<void>(registered);
     CreateEx(0, sWndClass, "COrvikConnection", WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE, nullptr);
 }
 

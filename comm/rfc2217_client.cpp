@@ -15,7 +15,7 @@ BYTE StopCode(CSerial::EStopBits stop) {
 }
 DWORD Number(std::span<const BYTE> bytes) {
     DWORD number = 0;
-    for (const BYTE byte : bytes) number = number << 8 | byte;
+    for (const BYTE octet : bytes) number = number << 8 | octet;
     return number;
 }
 }  // namespace
@@ -30,11 +30,16 @@ void Rfc2217Client::OnOwnOption(BYTE option, bool agreed, std::vector<BYTE>& out
     if (!agreed) {
         m_state = Refused;
     } else if (m_state == Offered) {
-        SetUp(out);
+        SendSettings(out);
     }
 }
 
-void Rfc2217Client::SetUp(std::vector<BYTE>& out) {
+void Rfc2217Client::SetUp(const CLineSettings& line, std::vector<BYTE>& out) {
+    m_line = line;
+    SendSettings(out);
+}
+
+void Rfc2217Client::SendSettings(std::vector<BYTE>& out) {
     const auto send = [&](std::initializer_list<BYTE> content) {
         AppendMessage(kComPort, std::span<const BYTE>(content.begin(), content.size()), out);
     };

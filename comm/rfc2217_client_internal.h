@@ -21,6 +21,8 @@ public:
 
     // The first bytes to send.
     void Start(const CLineSettings& line, std::vector<BYTE>& out);
+    // Other settings, once it is ready.
+    void SetUp(const CLineSettings& line, std::vector<BYTE>& out);
     EState State() const { return m_state; }
 
 protected:
@@ -28,7 +30,7 @@ protected:
     void OnMessage(BYTE option, std::span<const BYTE> content, std::vector<BYTE>& out) override;
 
 private:
-    void SetUp(std::vector<BYTE>& out);
+    void SendSettings(std::vector<BYTE>& out);
 
     CLineSettings m_line;
     EState m_state = Offered;

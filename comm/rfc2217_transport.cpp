@@ -22,6 +22,13 @@ void Rfc2217Transport::Open(const char* address, const CLineSettings& line, Time
     }
 }
 
+void Rfc2217Transport::SetUp(const CLineSettings& line, TimePoint until) {
+    m_out.clear();
+    m_client.SetUp(line, m_out);
+    m_stream.Send(m_out, until);
+    Agree(until);
+}
+
 void Rfc2217Transport::Agree(TimePoint until) {
     std::vector<BYTE> early;  // from before the line was set up: nobody can have sent it so
     for (;;) {
@@ -35,7 +42,8 @@ void Rfc2217Transport::Agree(TimePoint until) {
             default:
                 break;
         }
-        if (Exchange(early, until)) continue;
+        early.clear();
+        if (Now() < until && Exchange(early, until)) continue;
         const bool offered = m_client.State() == Rfc2217Client::Offered;
         m_stream.Fail(offered ? CCommException::DeviceNotOpen : CCommException::HardwareError,
                       offered ? kNoSerialPort : kNotConfirmed);
@@ -56,15 +64,17 @@ void Rfc2217Transport::Send(std::span<const BYTE> bytes, TimePoint until) {
     m_out.clear();
     TelnetEnd::Escape(bytes, m_out);
     m_stream.Send(m_out, until);
-    m_port.TraceTransfer(m_name.c_str(), TRUE, bytes.data(), bytes.size());
+    m_user->port.TraceTransfer(m_name.c_str(), TRUE, bytes.data(), bytes.size());
 }
 
 bool Rfc2217Transport::Receive(std::vector<BYTE>& received, TimePoint until) {
     const size_t before = received.size();
-    while (received.size() == before) {
+    do {
+        // A server that talks of nothing but itself is no answer either.
         if (!Exchange(received, until)) return false;
-    }
-    m_port.TraceTransfer(m_name.c_str(), FALSE, received.data() + before, received.size() - before);
+        if (received.size() == before && Now() >= until) return false;
+    } while (received.size() == before);
+    m_user->port.TraceTransfer(m_name.c_str(), FALSE, received.data() + before, received.size() - before);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "comm/serial_device.h"
 
 #include <cstring>
+#include <mutex>
 
 CMap<CString, LPCSTR, COrvikConnection*, COrvikConnection*> CSerialDevice::mapConnections;
 
@@ -96,9 +97,22 @@ BOOL CSerialDevice::RegQueryValueString(HKEY key, const char* valueName, char*& 
     return TRUE;
 }
 
-void CSerialDevice::AddBusyPort(const char* port, COrvikConnection* connection) { mapConnections[port] = connection; }
-BOOL CSerialDevice::RemoveBusyPort(const char* port) { return mapConnections.RemoveKey(port); }
+namespace {
+std::mutex g_busyPorts;
+}
+
+void CSerialDevice::AddBusyPort(const char* port, COrvikConnection* connection) {
+    const std::lock_guard lock(g_busyPorts);
+    mapConnections[port] = connection;
+}
+
+BOOL CSerialDevice::RemoveBusyPort(const char* port) {
+    const std::lock_guard lock(g_busyPorts);
+    return mapConnections.RemoveKey(port);
+}
+
 BOOL CSerialDevice::LookupBusyPort(const char* port, COrvikConnection*& connection) {
+    const std::lock_guard lock(g_busyPorts);
     return mapConnections.Lookup(port, connection);
 }
 

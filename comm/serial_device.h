@@ -1,6 +1,6 @@
 // CSerialDevice: one serial port that is present on this machine, by name and description; and the process's record of
 // which connection holds which port.
-// Threads: a value for any thread; the record has no lock and belongs to the main thread.
+// Threads: a value for any thread; the record may be used by any thread, the connections that it names by their own.
 // Ownership: connections are not owned; whoever adds one removes it before it dies.
 #pragma once
 

@@ -1,5 +1,7 @@
 #include "comm/serial_orvik.h"
 
+#include <mutex>
+
 #include "comm/orvik_connection.h"
 #include "comm/serial_device.h"
 #include "frame/app_link.h"
@@ -8,6 +10,8 @@
 CMap<CString, LPCSTR, CSerialOrvik*, CSerialOrvik*> CSerialOrvik::m_mapPorts;
 
 namespace {
+std::mutex g_ports;  // of m_mapPorts
+
 constexpr LONG kReceiving = 1;
 constexpr LONG kSending = -1;
 
@@ -32,20 +36,30 @@ LONG CSerialOrvik::Open(const char* name, COrvikConnection* connection, DWORD dw
         return error;
     }
     m_strPort = name;
+    const std::lock_guard lock(g_ports);
     CSerialDevice::AddBusyPort(name, connection);
     m_mapPorts[name] = this;
     return ERROR_SUCCESS;
 }
 
 LONG CSerialOrvik::Close() {
-    // A second Close finds the name taken by whoever opened it since.
-    CSerialOrvik* holder = nullptr;
-    if (m_mapPorts.Lookup(m_strPort, holder) && holder == this) {
-        CSerialDevice::RemoveBusyPort(m_strPort);
-        m_mapPorts.RemoveKey(m_strPort);
-        if (m_mapPorts.IsEmpty()) m_mapPorts.RemoveAll();
+    {
+        // A second Close finds the name taken by whoever opened it since.
+        const std::lock_guard lock(g_ports);
+        CSerialOrvik* holder = nullptr;
+        if (m_mapPorts.Lookup(m_strPort, holder) && holder == this) {
+            CSerialDevice::RemoveBusyPort(m_strPort);
+            m_mapPorts.RemoveKey(m_strPort);
+            if (m_mapPorts.IsEmpty()) m_mapPorts.RemoveAll();
+        }
     }
     return CSerialWnd::Close();
+}
+
+BOOL CSerialOrvik::IsPortOpen(const char* name) {
+    const std::lock_guard lock(g_ports);
+    CSerialOrvik* holder = nullptr;
+    return m_mapPorts.Lookup(name, holder);
 }
 
 LONG CSerialOrvik::Write(const void* data, size_t len, DWORD* written, OVERLAPPED* ov, DWORD timeout) {

@@ -2,7 +2,7 @@
 // thread, records which connection holds which port, and traces the traffic.
 //
 // Threads: reading, writing, opening, closing and the trace belong to the connection's thread; the listener only posts.
-// The records have no lock and belong to the main thread.
+// Ports may be opened and closed on several threads at once; whoever looks into m_mapPorts itself makes sure that none is.
 // Ownership: as CSerialWnd. Close the port before destroying it: destruction does not take it off the records.
 #pragma once
 
@@ -16,6 +16,9 @@ class ORVIK_API CSerialOrvik : public CSerialWnd {
 public:
     // The open port of each name, as given to Open and compared exactly.
     static CMap<CString, LPCSTR, CSerialOrvik*, CSerialOrvik*> m_mapPorts;
+
+    // Whether a port of this program holds the name. Any thread.
+    static BOOL IsPortOpen(const char* name);
 
     CSerialOrvik();
     ~CSerialOrvik() override;  // flushes the trace

@@ -15,22 +15,32 @@ constexpr std::chrono::milliseconds kSlice{50};
 [[noreturn]] void Fail(int code) { OrvikThrowCommException(code, nullptr); }
 }  // namespace
 
-void SerialTransport::Open(const char* port, const CLineSettings& line, TimePoint) {
-    const LONG error = m_port.Open(port, &m_connection, kQueue, kQueue);
+void SerialTransport::Open(const char* port, const CLineSettings& line, TimePoint until) {
+    const LONG error = m_user->port.Open(port, &m_user->connection, kQueue, kQueue);
     if (error != 0)
         Fail(error == static_cast<LONG>(ERROR_ACCESS_DENIED) ? CCommException::AccessDenied : CCommException::DeviceNotOpen);
-    m_connection.SetOnline(true);
-    if (m_port.Setup(static_cast<CSerial::EBaudrate>(line.baud), line.dataBits, line.parity, line.stopBits) != 0 ||
-        m_port.SetupHandshaking(CSerial::HandshakeOff) != 0) {
+    m_opener = m_user;
+    m_opener->connection.SetOnline(true);
+    try {
+        SetUp(line, until);
+    } catch (CCommException*) {
         Close();
-        Fail(CCommException::HardwareError);
+        throw;
     }
 }
 
+void SerialTransport::SetUp(const CLineSettings& line, TimePoint) {
+    CSerialOrvik& port = m_opener->port;
+    if (port.Setup(static_cast<CSerial::EBaudrate>(line.baud), line.dataBits, line.parity, line.stopBits) != 0 ||
+        port.SetupHandshaking(CSerial::HandshakeOff) != 0)
+        Fail(CCommException::HardwareError);
+}
+
 void SerialTransport::Close() {
-    if (!m_port.IsOpen()) return;
-    m_port.Close();
-    m_connection.SetOnline(false);
+    if (!IsOpen()) return;
+    m_opener->port.Close();
+    m_opener->connection.SetOnline(false);
+    m_opener = nullptr;
     // The listener may have said farewell shortly before: left in the queue, it would be taken for the end of the next line.
     MSG message;
     while (PeekMessageA(&message, nullptr, COrvikComWnd::ComMsg, COrvikComWnd::ComMsg, PM_REMOVE)) {
@@ -46,8 +56,8 @@ void SerialTransport::Send(std::span<const BYTE> bytes, TimePoint until) {
     CheckLine();
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Now()).count();
     DWORD written = 0;
-    const LONG error = m_port.Write(bytes.data(), bytes.size(), &written, nullptr,
-                                    static_cast<DWORD>(std::clamp<long long>(left, 1, 0x7FFFFFFF)));
+    const LONG error = m_opener->port.Write(bytes.data(), bytes.size(), &written, nullptr,
+                                            static_cast<DWORD>(std::clamp<long long>(left, 1, 0x7FFFFFFF)));
     CheckLine();
     if (error != 0 || written != bytes.size()) Fail(CCommException::HardwareError);
 }
@@ -66,7 +76,7 @@ bool SerialTransport::ReadAvailable(std::vector<BYTE>& received) {
     DWORD got = 0;
     // The port is in its non-blocking mode: an empty queue gives 0 bytes at once. A driver that lets such a read wait runs into
     // the short time-out instead (1460), which means the same.
-    const LONG error = m_port.Read(block, sizeof block, &got, nullptr, 20);
+    const LONG error = m_opener->port.Read(block, sizeof block, &got, nullptr, 20);
     if (error != 0 && error != static_cast<LONG>(ERROR_TIMEOUT)) {
         CheckLine();
         Fail(CCommException::HardwareError);
@@ -90,9 +100,9 @@ void SerialTransport::PumpMessages(TimePoint until) {
 }
 
 void SerialTransport::CheckLine() {
-    if (m_abort.IsRaised()) Fail(CCommException::SessionAborted);
-    if (!m_port.IsOpen()) Fail(CCommException::DeviceNotOpen);
-    if (m_connection.LineLost()) Fail(CCommException::HardwareError);
+    if (m_user->abort.IsRaised()) Fail(CCommException::SessionAborted);
+    if (!m_user->open || !IsOpen()) Fail(CCommException::DeviceNotOpen);
+    if (IsLost()) Fail(CCommException::HardwareError);
 }
 
 }  // namespace orvik::detail

@@ -1,36 +1,29 @@
-// A serial port as a transport. While it waits it handles its thread's messages, which is how the port tells that the line is
-// lost. Borrows the port, the connection and the signal. The thread of the connection.
+// A serial port as a transport, that of the user who opens it. While it waits it handles its thread's messages, which is how the
+// port tells that the line is lost.
 #pragma once
 
-#include "comm/abort_signal_internal.h"
-#include "comm/line_connection.h"
-#include "comm/serial_orvik.h"
-#include "comm/transport.h"
+#include "comm/line_transport_internal.h"
 
 namespace orvik::detail {
 
-class SerialTransport : public ITransport {
+class SerialTransport : public LineTransport {
 public:
-    SerialTransport(CSerialOrvik& port, CLineConnection& connection, const AbortSignal& abort)
-        : m_port(port), m_connection(connection), m_abort(abort) {}
-
     void Open(const char* port, const CLineSettings& line, TimePoint until) override;
+    void SetUp(const CLineSettings& line, TimePoint until) override;
     void Close() override;
     bool IsShared() const override { return true; }
-    bool IsOpen() const override { return m_port.IsOpen(); }
-    TimePoint Now() override { return std::chrono::steady_clock::now(); }
+    bool IsOpen() const override { return m_opener != nullptr && m_opener->port.IsOpen(); }
+    bool IsLost() const override { return m_opener != nullptr && m_opener->connection.LineLost(); }
+    const LineUser* Opener() const override { return m_opener; }
     void Send(std::span<const BYTE> bytes, TimePoint until) override;
     bool Receive(std::vector<BYTE>& received, TimePoint until) override;
-    void Abort() override {}  // the signal does it
 
 private:
     bool ReadAvailable(std::vector<BYTE>& received);
     void PumpMessages(TimePoint until);
     void CheckLine();
 
-    CSerialOrvik& m_port;
-    CLineConnection& m_connection;
-    const AbortSignal& m_abort;
+    LineUser* m_opener = nullptr;
 };
 
 }  // namespace orvik::detail

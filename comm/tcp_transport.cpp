@@ -11,13 +11,13 @@ void TcpTransport::Open(const char* address, const CLineSettings&, TimePoint unt
 
 void TcpTransport::Send(std::span<const BYTE> bytes, TimePoint until) {
     m_stream.Send(bytes, until);
-    m_port.TraceTransfer(m_name.c_str(), TRUE, bytes.data(), bytes.size());
+    m_user->port.TraceTransfer(m_name.c_str(), TRUE, bytes.data(), bytes.size());
 }
 
 bool TcpTransport::Receive(std::vector<BYTE>& received, TimePoint until) {
     const size_t before = received.size();
     if (!m_stream.Receive(received, until)) return false;
-    m_port.TraceTransfer(m_name.c_str(), FALSE, received.data() + before, received.size() - before);
+    m_user->port.TraceTransfer(m_name.c_str(), FALSE, received.data() + before, received.size() - before);
     return true;
 }
 

@@ -3,28 +3,23 @@
 #pragma once
 
 #include "comm/network_stream_internal.h"
-#include "comm/serial_orvik.h"
 
 namespace orvik::detail {
 
-class TcpTransport : public ITransport {
+class TcpTransport : public LineTransport {
 public:
-    TcpTransport(CSerialOrvik& port, CLineConnection& connection, const AbortSignal& abort)
-        : m_port(port), m_stream(connection, abort) {}
-
     void Open(const char* address, const CLineSettings& line, TimePoint until) override;
     void Close() override { m_stream.Close(); }
     bool IsOpen() const override { return m_stream.IsOpen(); }
     // Behind a gateway there is a bus, which may still owe an answer to somebody; a connection's own answers are its own.
     bool IsShared() const override { return m_bus; }
-    TimePoint Now() override { return std::chrono::steady_clock::now(); }
+    void SetUp(const CLineSettings&, TimePoint) override {}
+    bool IsLost() const override { return m_stream.IsLost(); }
     void Send(std::span<const BYTE> bytes, TimePoint until) override;
     bool Receive(std::vector<BYTE>& received, TimePoint until) override;
-    void Abort() override {}  // the signal does it
 
 private:
-    CSerialOrvik& m_port;
-    NetworkStream m_stream;
+    NetworkStream m_stream{m_user};
     std::string m_name;
     bool m_bus = false;
 };

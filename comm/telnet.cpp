@@ -31,49 +31,49 @@ void TelnetEnd::Begin(std::vector<BYTE>& out) {
 }
 
 void TelnetEnd::Feed(std::span<const BYTE> bytes, std::vector<BYTE>& data, std::vector<BYTE>& out) {
-    for (const BYTE byte : bytes) Take(byte, data, out);
+    for (const BYTE octet : bytes) Take(octet, data, out);
 }
 
-void TelnetEnd::Take(BYTE byte, std::vector<BYTE>& data, std::vector<BYTE>& out) {
+void TelnetEnd::Take(BYTE octet, std::vector<BYTE>& data, std::vector<BYTE>& out) {
     switch (m_place) {
         case Data:
-            if (byte == kIac) {
+            if (octet == kIac) {
                 m_place = Command;
             } else {
-                data.push_back(byte);
+                data.push_back(octet);
             }
             break;
         case Command:
             m_place = Data;
-            if (byte == kIac) {
-                data.push_back(byte);
-            } else if (byte == kSb) {
+            if (octet == kIac) {
+                data.push_back(octet);
+            } else if (octet == kSb) {
                 m_message.clear();
                 m_place = Message;
-            } else if (byte >= kWill) {
-                m_verb = byte;
+            } else if (octet >= kWill) {
+                m_verb = octet;
                 m_place = Option;
             }  // others, "no operation" and the like, stand alone
             break;
         case Option:
             m_place = Data;
-            Negotiate(m_verb, byte, out);
+            Negotiate(m_verb, octet, out);
             break;
         case Message:
-            if (byte == kIac) {
+            if (octet == kIac) {
                 m_place = MessageCommand;
             } else if (m_message.size() <= kLongestMessage + 1) {
-                m_message.push_back(byte);
+                m_message.push_back(octet);
             }
             break;
         case MessageCommand:
             m_place = Message;
-            if (byte == kIac) {
-                if (m_message.size() <= kLongestMessage + 1) m_message.push_back(byte);
+            if (octet == kIac) {
+                if (m_message.size() <= kLongestMessage + 1) m_message.push_back(octet);
                 break;
             }
             m_place = Data;  // whatever ends a message that is not ended rightly, this one is over
-            if (byte == kSe && !m_message.empty() && m_message.size() <= kLongestMessage + 1)
+            if (octet == kSe && !m_message.empty() && m_message.size() <= kLongestMessage + 1)
                 OnMessage(m_message.front(), std::span<const BYTE>(m_message).subspan(1), out);
             break;
     }
@@ -96,9 +96,9 @@ void TelnetEnd::Negotiate(BYTE verb, BYTE option, std::vector<BYTE>& out) {
 }
 
 void TelnetEnd::Escape(std::span<const BYTE> data, std::vector<BYTE>& out) {
-    for (const BYTE byte : data) {
-        out.push_back(byte);
-        if (byte == kIac) out.push_back(byte);
+    for (const BYTE octet : data) {
+        out.push_back(octet);
+        if (octet == kIac) out.push_back(octet);
     }
 }
 

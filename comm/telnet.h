@@ -36,7 +36,7 @@ private:
     enum EState : BYTE { Foreign, Off, Asked, On };  // Foreign: not for this end
     enum EPlace : BYTE { Data, Command, Option, Message, MessageCommand };
     void Negotiate(BYTE verb, BYTE option, std::vector<BYTE>& out);
-    void Take(BYTE byte, std::vector<BYTE>& data, std::vector<BYTE>& out);
+    void Take(BYTE octet, std::vector<BYTE>& data, std::vector<BYTE>& out);
 
     EState m_own[256] = {}, m_theirs[256] = {};
     EPlace m_place = Data;

@@ -22,6 +22,7 @@ struct CLineSettings {
     CSerial::EStopBits stopBits = CSerial::StopBits1;
 
     ORVIK_API double BitsPerCharacter() const;  // start, data, parity and stop bits
+    bool operator==(const CLineSettings&) const = default;
 };
 
 class ITransport {
@@ -55,4 +56,7 @@ public:
 
 // The transport that the address given to Open asks for: a network for one with a scheme (comm/line_address.h), else the serial
 // port of that name. `port` carries the serial line, and the trace of either; both are borrowed and outlive it.
+// Several transports may open the same address on one thread, as those of loggers on one bus do: they share the line and take
+// turns, it is set up for whoever sends, and IsShared is true. It is closed with the last of them; a serial port whose opener
+// goes first is opened again by the next who uses it. A line that was lost is opened anew by the first Open, for all.
 ORVIK_API std::unique_ptr<ITransport> OrvikMakeTransport(CSerialOrvik& port, CLineConnection& connection);

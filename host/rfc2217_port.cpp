@@ -9,7 +9,7 @@ void Rfc2217Port::OnMessage(BYTE option, std::span<const BYTE> content, std::vec
     if (setting) {
         // All zeros ask for what is set, and so do the queries among the controls; both get it.
         bool query = true;
-        for (const BYTE byte : value) query = query && byte == 0;
+        for (const BYTE octet : value) query = query && octet == 0;
         if (query && !m_set[command].empty()) value = m_set[command];
         if (!query) m_set[command] = value;
     } else if (command != kSignature && (command < kLineStateMask || command > kPurge)) {

@@ -171,11 +171,18 @@ void SimulatedServer::Say(const LineFaults::Fate& said) {
 }
 
 void SimulatedServer::TakeNewcomers() {
-    for (Socket newcomer; m_listener.Accept(newcomer) == 0 && newcomer.IsOpen();) {
-        if (m_connections.size() >= kMostConnections) continue;  // closed by the next one
+    for (;;) {
+        Socket newcomer;
+        if (m_listener.Accept(newcomer) != 0) {
+            // No room for one more at present; he waits, and would wake this thread without an end.
+            WaitForSingleObject(m_stop, 100);
+            return;
+        }
+        if (!newcomer.IsOpen()) return;
+        if (m_connections.size() >= kMostConnections) continue;  // and is closed
         try {
             m_connections.emplace_back(*this, std::move(newcomer));
-        } catch (const std::exception&) {  // no thread for it
+        } catch (const std::exception&) {  // no thread for him
         }
     }
 }

@@ -12,6 +12,7 @@ import re
 import resource
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -211,6 +212,28 @@ class Download(HostTest):
         self.assertIn("the far end has closed the connection", result.err)
         self.assertIn("there again", result.err)
         self.assertGreater(len(self.readings("s.rec")), 15)
+
+    def test_a_simulated_terminal_server(self):
+        port = self.simulate("--port", "rfc2217://127.0.0.1:0", "--fault", "split=50", "--seed", 1)
+        self.assertEqual(self.host("download", "--port", port, "--out", "s.odb", "--count", 5, "--interval", 100).code, 0)
+
+    @native("the terminal server is a program of Linux")
+    def test_a_terminal_server_of_others(self):
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            number = free.getsockname()[1]
+        settings = self.folder / "ser2net.yaml"
+        settings.write_text(f"connection: &logger\n  accepter: telnet(rfc2217),tcp,127.0.0.1,{number}\n"
+                            f"  connector: serialdev,{self.simulate()},300n81,local\n")
+        server = subprocess.Popen(["ser2net", "-n", "-c", settings], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(lambda: (server.kill(), server.wait()))
+        for _ in range(100):
+            with socket.socket() as trial:
+                if trial.connect_ex(("127.0.0.1", number)) == 0:
+                    break
+            time.sleep(0.1)
+        result = self.host("download", "--port", f"rfc2217://127.0.0.1:{number}", "--out", "s.odb", "--count", 5, "--interval", 100)
+        self.assertEqual(result.code, 0, result.err)
+        self.assertEqual(len(self.readings("s.odb")), 6)
 
     def test_a_network_without_a_logger_is_told(self):
         for port, why in (("tcp://nobody.invalid", "nobody.invalid:502: "), ("rtu://127.0.0.1:1", "127.0.0.1:1: the connection was refused."),
