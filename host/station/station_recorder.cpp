@@ -82,7 +82,7 @@ StationRecorder::Result StationRecorder::Run() {
         OrvikShedule();
         if (StopRequest::Asked() && m_stopping == 0) StopAll();
         if (OrvikReloadAsked() && m_stopping == 0) Reload();
-        StartWaiting();
+        if (std::exchange(m_changed, false)) StartWaiting();
         const __int64 now = m_clock.Steady();
         if (now - m_second >= kSecond) EverySecond(now);
     }
@@ -168,6 +168,7 @@ void StationRecorder::Take(size_t number) {
         Text::StationSummary, {ToUtf8(plan.key), std::to_string(running.report.made), std::to_string(running.report.missing)}));
     m_last[plan.key] = running.report;
     m_running.erase(found);
+    m_changed = true;
 }
 
 void StationRecorder::DropIdlePorts() {
@@ -214,6 +215,7 @@ void StationRecorder::Reload() {
         if (station.status != m_station.status) DeleteFileA(m_station.status.c_str());
         m_station = std::move(station);
         m_waiting = std::move(fresh);
+        m_changed = true;
         m_status.name = m_station.name;
         m_status.reloaded = Say(Text::StationReloaded, {started, std::to_string(ended), goesOn});
         m_progress.Clear();
