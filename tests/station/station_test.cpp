@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "comm/comm_exception.h"
+#include "comm/line_connection.h"
 #include "host/station/port_thread.h"
 #include "host/station/station_status.h"
 #include "record/recording_reader.h"
