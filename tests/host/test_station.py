@@ -38,8 +38,9 @@ class Stations(HostTest):
 
     def record(self, **more):
         errors = self.folder / "recorder.txt"
-        process = subprocess.Popen(self.command("record", "st.xml"), cwd=self.folder, stdout=subprocess.DEVNULL,
-                                   stderr=open(errors, "w"), env=self.environment(WINE_STDERR=str(errors), **more))
+        with open(errors, "w") as said:
+            process = subprocess.Popen(self.command("record", "st.xml"), cwd=self.folder, stdout=subprocess.DEVNULL, stderr=said,
+                                       env=self.environment(WINE_STDERR=str(errors), **more))
         self.addCleanup(lambda: (process.kill(), process.wait()))
         return process
 
@@ -69,7 +70,7 @@ class Stations(HostTest):
                 self.assertIn(last, result.sentences[-1])
         self.assertFalse((self.folder / "a.rec").exists())
         (self.folder / "none.xml").write_text("<PROPERTYDB><PATH name='Loggers'/></PROPERTYDB>")
-        self.assertIn("names no loggers", self.refused(1, "check", "none.xml"))
+        self.assertIn("names no loggers", self.refused(1, "record", "none.xml"))
         self.station({"a": (NOWHERE, {})})
         self.assertEqual(self.host("check", "st.xml").code, 0)
         self.assertIn("does not run", self.refused(3, "status", "st.xml"))
@@ -110,7 +111,7 @@ class Stations(HostTest):
         _, before = self.until(lambda l: "comes" in l and "goes" not in l and l["changes"]["state"] == "reads")
         # A station with a mistake changes nothing.
         (self.folder / "st.xml").write_text((self.folder / "st.xml").read_text().replace("rInterval", "rIntervall"))
-        self.assertIn("goes on as it was", self.host("reload", "st.xml").out)
+        self.assertIn("goes on as it was", self.refused(1, "reload", "st.xml"))
         self.until(lambda l: l["stays"]["made"] > before["stays"]["made"] + 5)
         self.assertIsNone(recorder.poll())
         if not test_host.options.wine:
@@ -131,7 +132,7 @@ class Stations(HostTest):
         with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as manager:
             manager.bind(path)
             manager.settimeout(20)
-            recorder = self.record(NOTIFY_SOCKET=path, WATCHDOG_USEC="3000000", WATCHDOG_PID="")
+            recorder = self.record(NOTIFY_SOCKET=path, WATCHDOG_USEC="3000000")
             told = []
 
             def hear(word):
