@@ -35,6 +35,10 @@ install(FILES ${CMAKE_BINARY_DIR}/OrvikSharedConfig.cmake ${CMAKE_BINARY_DIR}/Or
 
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
+if(ORVIK_HOST AND NOT WIN32)
+  # To be looked at and copied: what the service manager runs is its administrator's choice, whatever is installed where.
+  install(FILES ${CMAKE_SOURCE_DIR}/host/posix/orvik-record@.service DESTINATION ${CMAKE_INSTALL_DOCDIR})
+endif()
 
 # Placed by its own folder, so that a moved tree still works, however deep the libraries lie in it.
 set(folder ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)

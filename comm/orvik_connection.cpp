@@ -45,12 +45,14 @@ void COrvikConnection::AddStateChangedDelegate(const StateChangedDelegate& subsc
         if (m_arrStateChangedDelegates[i] == subscriber) return;
     }
     m_arrStateChangedDelegates.Add(subscriber);
+    ++m_nSubscribers;
 }
 
 void COrvikConnection::RemoveStateChangedDelegate(const StateChangedDelegate& subscriber) {
     for (INT_PTR i = 0; i < m_arrStateChangedDelegates.GetSize(); ++i) {
         if (m_arrStateChangedDelegates[i] == subscriber) {
             m_arrStateChangedDelegates.RemoveAt(i);
+            --m_nSubscribers;
             return;
         }
     }
@@ -66,7 +68,7 @@ void COrvikConnection::StateTransition(EState state, const char* description, BO
     }
     if (::GetCurrentThreadId() == AfxGetMainThreadID()) {
         OnTriggerstatechangedevent(0, state);
-    } else {
+    } else if (m_nSubscribers != 0) {
         ::PostMessageA(m_hWnd, TriggerStateChangedEvent, 0, state);
     }
 }

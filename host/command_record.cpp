@@ -83,6 +83,8 @@ ExitCode RunReload(CHostApp&, const Words& words) {
         if (look == kSeconds * kLooks) throw Failure{kFileFailed, Say(Text::StationReloadWaits, {std::to_string(kSeconds)})};
         std::this_thread::sleep_for(std::chrono::milliseconds(1000 / kLooks));
     }
-    Print(LoadStatus(path, file).reloaded);
+    const StationStatus after = LoadStatus(path, file);
+    if (after.refused) throw Failure{kWrongUse, after.reloaded};
+    Print(after.reloaded);
     return kDone;
 }

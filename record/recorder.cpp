@@ -37,7 +37,7 @@ struct CRecorder::Span : CRecordingSpan {
     unsigned __int64 previous = 0;  // the last index block; 0 for none
 };
 
-CRecorder::CRecorder() : m_lastTime(kNever) {}
+CRecorder::CRecorder() : m_lastTime(kNever), m_lastMissing(kNever) {}
 CRecorder::~CRecorder() = default;
 
 DWORD CRecorder::Begin(CPropertyDB& facts, DWORD number, std::vector<unsigned char>& bytes, size_t& channels) {
@@ -95,6 +95,13 @@ DWORD CRecorder::Resume(std::unique_ptr<IRecordingFile> file) {
     m_facts = reader.Facts();
     for (const CRecordingSpan& span : index.Spans()) {
         if (span.readings > 0) m_lastTime = span.lastTime;
+    }
+    m_lastMissing = kNever;
+    if (!index.Spans().empty()) {
+        reader.Seek(index.Spans().back().begin);
+        for (ERecordItem item; (item = reader.Next()) != RI_END && item != RI_FAILED;) {
+            if (item == RI_GAP) m_lastMissing = std::max(m_lastMissing, reader.Gap().until);
+        }
     }
     m_span = std::make_unique<Span>();
     if (index.IsOpen()) static_cast<CRecordingSpan&>(*m_span) = index.Spans().back();

@@ -50,6 +50,9 @@ public:
     size_t ChannelCount() const { return m_channels; }
     unsigned __int64 ReadingCount() const { return m_readings; }
     __int64 LastTime() const { return m_lastTime; }  // of a reading; the least number there is before the first
+    // Of a recording that was gone on with: the last time at which a gap near its end says that something is missing; the least
+    // number there is without one.
+    __int64 LastMissing() const { return m_lastMissing; }
     DWORD LastGap() const { return m_lastGap; }      // the highest number of a gap
     unsigned __int64 Size() const { return m_end; }  // bytes
     // Of a recording that was gone on with: what it says of itself, and how many bytes were cut off.
@@ -70,7 +73,7 @@ private:
     DWORD m_number = 0;
     size_t m_channels = 0;
     unsigned __int64 m_end = 0, m_readings = 0, m_cutOff = 0;
-    __int64 m_lastTime;
+    __int64 m_lastTime, m_lastMissing;
     DWORD m_lastGap = 0;
     std::unique_ptr<Span> m_span;       // since the last index block
     std::vector<unsigned char> m_block;  // header and payload of the one that is written

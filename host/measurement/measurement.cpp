@@ -228,10 +228,10 @@ bool Measurement::Connect() {
 
 void Measurement::Begin(__int64 now) {
     m_begun = true;
-    m_started = m_lastValue = now;
     const __int64 time = Stamp(now);
     m_lastTime = time - 1;
     const IMeasurementSink::Begin begin = m_sink.OnBegin(time);
+    m_started = m_lastValue = m_clock.Steady();  // making files may have taken a while, and no reading was due before them
     m_gaps = std::make_unique<GapKeeper>(begin.nextGap, [this](const CRecordedGap& gap) { m_sink.OnGap(gap); });
     if (begin.lastTime < time) return;
     // The calendar was set back while nothing was recorded.

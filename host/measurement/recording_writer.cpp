@@ -111,10 +111,11 @@ IMeasurementSink::Begin RecordingWriter::OnBegin(__int64 time) {
         // What lies between the earlier run and this one, with the row that parts them.
         CRecordedGap gap;
         gap.number = begin.nextGap++;
-        gap.from = begin.lastTime + 1;
+        // A logger that gave nothing at the end of that run has its gap already.
+        gap.from = std::max(begin.lastTime, std::min(m_recorder->LastMissing(), time - 1)) + 1;
         gap.until = std::max(time, gap.from + 1);
         gap.cause = GC_NOT_RUNNING;
-        if (m_plan.interval > 0 && time > begin.lastTime) gap.missed = static_cast<DWORD>((time - begin.lastTime - 1) / m_plan.interval);
+        if (m_plan.interval > 0 && time > gap.from) gap.missed = static_cast<DWORD>((time - gap.from) / m_plan.interval);
         gap.text = HouseText(Text::GapNotRunning);
         OnGap(gap);
         Record row;

@@ -196,7 +196,8 @@ void LoggerRun::OnReading(__int64 time, const std::vector<double>& values, const
         if (!m_fails[i]) m_report.last[i] = {values[i], time};
     }
     const bool all = std::find(m_fails.begin(), m_fails.end(), true) == m_fails.end();
-    if (any) Enter(all ? LoggerState::Reads : LoggerState::Partly, all ? std::string() : m_report.why);
+    if (any && m_writer->Waiting() == 0)
+        Enter(all ? LoggerState::Reads : LoggerState::Partly, all ? std::string() : m_report.why);
 }
 
 void LoggerRun::OnGap(const CRecordedGap& gap) {

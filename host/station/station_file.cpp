@@ -117,8 +117,9 @@ private:
         const double whole = std::round(number * unit);
         const bool fits = read && std::abs(number * unit - whole) < 1e-6 && whole >= low && whole <= high;
         if (fits) return static_cast<DWORD>(whole);
-        throw Failure{kWrongUse, Say(unit == 1 ? Text::NotANumber : Text::StationNotSeconds,
-                                     {Utf8(name), TextOf(low / unit), TextOf(high / unit)})};
+        const bool seconds = unit != 1;
+        const auto said = [&](DWORD bound) { return seconds ? TextOf(bound / unit) : std::to_string(bound); };
+        throw Failure{kWrongUse, Say(seconds ? Text::StationNotSeconds : Text::NotANumber, {Utf8(name), said(low), said(high)})};
     }
     __int64 Span(const char* name) const {
         if (!Has(name)) return 0;

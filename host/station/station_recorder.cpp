@@ -82,7 +82,7 @@ StationRecorder::Result StationRecorder::Run() {
         OrvikShedule();
         if (StopRequest::Asked() && m_stopping == 0) StopAll();
         if (OrvikReloadAsked() && m_stopping == 0) Reload();
-        StartWaiting();
+        if (std::exchange(m_changed, false)) StartWaiting();
         const __int64 now = m_clock.Steady();
         if (now - m_second >= kSecond) EverySecond(now);
     }
@@ -167,7 +167,9 @@ void StationRecorder::Take(size_t number) {
     m_result.lines.push_back(Say(
         Text::StationSummary, {ToUtf8(plan.key), std::to_string(running.report.made), std::to_string(running.report.missing)}));
     m_last[plan.key] = running.report;
+    if (running.report.why.empty() && !running.ending) m_done[plan.key] = plan.identity;
     m_running.erase(found);
+    m_changed = true;
 }
 
 void StationRecorder::DropIdlePorts() {
@@ -194,6 +196,7 @@ void StationRecorder::StopAll() {
 // Loggers that are described as before go on undisturbed.
 void StationRecorder::Reload() {
     OrvikTellService("RELOADING=1");
+    m_status.refused = true;
     try {
         Station station = ReadStation(m_app, m_station.path);
         CheckFiles(station);
@@ -210,11 +213,19 @@ void StationRecorder::Reload() {
                 ++ended;
             }
         }
-        const std::string started = std::to_string(fresh.size()), goesOn = std::to_string(station.loggers.size() - fresh.size());
+        // What has ended as planned is not begun again.
+        const size_t planned = fresh.size();
+        std::erase_if(fresh, [&](const auto& one) {
+            const auto done = m_done.find(one->key);
+            return done != m_done.end() && done->second == one->identity;
+        });
+        const std::string started = std::to_string(fresh.size()), goesOn = std::to_string(station.loggers.size() - planned);
         if (station.status != m_station.status) DeleteFileA(m_station.status.c_str());
         m_station = std::move(station);
         m_waiting = std::move(fresh);
+        m_changed = true;
         m_status.name = m_station.name;
+        m_status.refused = false;
         m_status.reloaded = Say(Text::StationReloaded, {started, std::to_string(ended), goesOn});
         m_progress.Clear();
         Print(m_status.reloaded);
@@ -253,26 +264,28 @@ void StationRecorder::EverySecond(__int64 now) {
     });
     m_progress.Show(Say(Text::StationProgress, {std::to_string(reads), std::to_string(m_station.loggers.size())}));
     // The plug-in of a thread that does not even end is left behind; what was read is in its files.
-    if (m_stopping == 0 || !AnyHangs()) return;
+    if (m_stopping == 0 || m_hangs.empty()) return;
     PrintError(Say(Text::StationNotEnded, {ToUtf8(m_hangs)}));
     WriteStatus(true);
     std::_Exit(kCommunicationFailed);
 }
 
-bool StationRecorder::AnyHangs() {
+void StationRecorder::FindHanging() {
     const auto hangs = std::find_if(m_ports.begin(), m_ports.end(), [](const auto& entry) { return entry.second->Hangs(); });
-    const std::string port = hangs != m_ports.end() ? hangs->first : std::string();
+    // Twice in a row: this machine may just have woken up.
+    const std::string suspect = hangs != m_ports.end() ? hangs->first : std::string();
+    const std::string port = suspect == std::exchange(m_suspect, suspect) ? suspect : std::string();
     if (port != m_hangs && !port.empty()) {
         m_progress.Clear();
         PrintError(Say(Text::StationHangs, {ToUtf8(port)}));
     }
     m_hangs = port;
-    return !port.empty();
 }
 
 // The watchdog hears nothing while a thread hangs, so that the service is begun anew.
 void StationRecorder::TellService() {
-    const bool hangs = AnyHangs();
+    FindHanging();
+    const bool hangs = !m_hangs.empty();
     const auto silent = std::count_if(m_running.begin(), m_running.end(), [](const auto& entry) {
         return entry.second.report.state != LoggerState::Reads && entry.second.report.state != LoggerState::Partly;
     });

@@ -54,7 +54,7 @@ private:
     void Reload();
     void StopAll();
     void EverySecond(__int64 now);
-    bool AnyHangs();
+    void FindHanging();
     void WriteStatus(bool ended);
     void TellService();
     Result Finish();
@@ -68,10 +68,12 @@ private:
     std::map<std::string, std::unique_ptr<PortThread>> m_ports;
     std::vector<std::shared_ptr<const StationLogger>> m_waiting;  // for others to end
     std::map<std::string, LoggerReport> m_last;                   // of loggers of the station, by their keys
+    std::map<std::string, std::string> m_done;                    // what those were made of that ended as planned
     StationStatus m_status;
     ProgressLine m_progress;
     Result m_result;
-    std::string m_statusError, m_hangs;
+    std::string m_statusError, m_suspect, m_hangs;
+    bool m_changed = false;  // some logger is gone, or is to be begun
     DWORD m_watchdog = 0;
     __int64 m_second = 0, m_pinged = 0, m_stopping = 0;
 };

@@ -157,6 +157,7 @@ DWORD StationStatus::Store(const std::string& path) const {
     db.SetValue("Station.tWritten", written);
     db.SetValue("Station.nEnded", static_cast<unsigned short>(ended ? 1 : 0));
     db.SetValue("Station.sReloaded", ToHouse(reloaded).c_str());
+    db.SetValue("Station.nRefused", static_cast<unsigned short>(refused ? 1 : 0));
     db.SetPath("Loggers");
     for (const Logger& logger : loggers) StoreLogger(db, logger);
     const std::string fresh = path + ".new";
@@ -184,6 +185,7 @@ bool StationStatus::Load(const std::string& path) {
     written = NumberAt<__int64>(db, "Station.tWritten");
     ended = NumberAt<unsigned short>(db, "Station.nEnded") != 0;
     reloaded = ToUtf8(TextAt(db, "Station.sReloaded"));
+    refused = NumberAt<unsigned short>(db, "Station.nRefused") != 0;
     CStringArray keys;
     db.Enum("Loggers", keys, FALSE, FALSE);
     loggers.clear();

@@ -22,8 +22,9 @@ struct StationStatus {
     std::string name;
     __int64 started = 0, written = 0;  // us since 1970
     bool ended = false;                // in order
-    // How the last wish to read the station again was answered; empty before. UTF-8.
+    // How the last wish to read the station again was answered, and whether it was refused; empty before. UTF-8.
     std::string reloaded;
+    bool refused = false;
     std::vector<Logger> loggers;
 
     // The channels and the port of one, with nothing read yet.

@@ -935,7 +935,8 @@ class Demo(HostTest):
         ElementTree.parse(io.StringIO((self.folder / "out" / "session.xml").read_bytes().decode("cp1252").replace("encoding=\"UTF-8\"", "")))
 
 
-if __name__ == "__main__":
+def main():
+    global options
     parser = argparse.ArgumentParser()
     parser.add_argument("--host", required=True)
     parser.add_argument("--simulator", required=True)
@@ -946,3 +947,7 @@ if __name__ == "__main__":
     options.host, options.simulator = os.path.abspath(options.host), os.path.abspath(options.simulator)
     with tempfile.TemporaryDirectory(prefix="orvik-records-") as options.records:
         unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
+
+
+if __name__ == "__main__":
+    main()

@@ -49,6 +49,7 @@ public:
         double powerCuts = 0;                          // chance that it is the power that goes
         double failedWrites = 0;                       // chance of each
         DWORD timeout = 1000;
+        std::vector<DWORD> every;  // with which readings each of the three channels is read; none: with all
     };
 
     World(Plan plan, unsigned seed) : m_plan(std::move(plan)), m_random(seed) {
@@ -231,6 +232,7 @@ private:
         plan.port = "line";
         plan.timeout = m_plan.timeout;
         plan.interval = record.interval;
+        plan.steps = m_plan.every;
         plan.duration = static_cast<__int64>((m_plan.seconds - Seconds()) * 1e6);
         bool killed = false;
         try {

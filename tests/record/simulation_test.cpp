@@ -63,6 +63,7 @@ World::Plan Draw(unsigned seed) {
     std::sort(plan.kills.begin(), plan.kills.end());
     plan.powerCuts = dice.Once(3) ? dice.Real(0, 1) : 0;
     plan.failedWrites = chance(0.001);
+    if (dice.Once(3)) plan.every = {1, 1 + static_cast<DWORD>(dice.Whole(4)), 1 + static_cast<DWORD>(dice.Whole(20))};
     return plan;
 }
 
