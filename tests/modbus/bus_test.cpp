@@ -235,6 +235,7 @@ TEST(ModbusNetwork, WhatDoesNotFitIsNoAnswer) {
         {"a length of nothing", {0, 1, 0, 0, 0, 1, 5}, nullptr, true},
         {"a length beyond any message", {0, 1, 0, 0, 1, 0, 5}, nullptr, true},
         {"a byte count that lies", {0, 1, 0, 0, 0, 5, 5, 3, 4, 0, 0}, nullptr, true},
+        {"a frame that does not go on", {0, 1, 0, 0, 0, 99, 5, 3}, nullptr, true},
         {"letters", {'2', '3', '.', '5', '\r', '\n'}, nullptr, true},
     };
     for (const auto& row : rows) {
