@@ -202,6 +202,24 @@ TEST(ModbusBus, NoValueIsToldAsSuch) {
     EXPECT_NE(station.told[0].second.find("no value"), std::string::npos);
 }
 
+TEST(ModbusBus, EveryFaultOfTheSimulatorGivesNoValue) {
+    const struct {
+        const char* fault;
+        int code;
+    } rows[] = {{"crc", 3}, {"exception", 4}, {"unit", 3}, {"function", 3}, {"length", 3}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Station station(Bus({5}));
+        ASSERT_TRUE(station.wire.simulator.SetFault(row.fault, 100));
+        EXPECT_EQ(station.Read(), row.code);
+        EXPECT_EQ(station.Good(), 0);
+        station.wire.simulator.SetFault(row.fault, 0);
+        EXPECT_EQ(station.Read(), 0);
+        EXPECT_EQ(station.Good(), 2);
+    }
+    EXPECT_FALSE(modbus::Simulator(Bus({5})).SetFault("noise", 100));
+}
+
 TEST(ModbusNetwork, AnAnswerIsKnownByItsNumber) {
     Station station(Bus({5}), kNetwork);
     station.wire.inPieces = true;
