@@ -188,7 +188,7 @@ void Master::TellLate(Duration late) const {
     m_watch->OnLateAnswer(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(late).count()));
 }
 
-Master::State& Master::StateOf(BYTE address) { return m_states[address]; }
+Master::State& Master::StateOf(BYTE address) { return m_states.at(address); }
 
 void Master::WaitUntil(TimePoint until) {
     while (m_transport.Now() < until) Receive(until);

@@ -75,7 +75,7 @@ protected:
     // An answer that surely is this question's; of an earlier reading it counts for nothing.
     void Deliver(Question owner, const Answer& answer);
     void TellLate(Duration late) const;
-    State& StateOf(BYTE address);
+    State& StateOf(BYTE address);  // a slave of the description
     std::map<BYTE, State>& States() { return m_states; }
     bool IsAlone() const { return m_states.size() < 2; }
     void WaitUntil(TimePoint until);

@@ -26,7 +26,7 @@ void SerialMaster::Configure(const CLineSettings& line, DWORD timeout) {
 
 void SerialMaster::Begin(std::span<const Request> requests) {
     // What came since the last reading, nobody knows when.
-    const TimePoint limit = m_transport.Now() + StateOf(requests.empty() ? BYTE{0} : requests[0].slave).timeout;
+    const TimePoint limit = m_transport.Now() + States().begin()->second.timeout;
     while (m_transport.Now() < limit && Receive({}, false)) continue;
     if (std::exchange(m_strange, false)) Suspect(requests);
 }

@@ -186,6 +186,10 @@ TEST(ModbusBus, OnlyWhatIsDueIsAskedFor) {
     EXPECT_EQ(station.Good(), 1);
     EXPECT_FALSE(std::isnan(station.values[0]));
     EXPECT_TRUE(station.told.empty());
+    due[0] = 0;
+    station.logger.Select(due);
+    EXPECT_EQ(station.Read(), 0);
+    EXPECT_TRUE(station.wire.asked.empty());
 }
 
 // What the logger says is no value is missing by its own cause.
