@@ -37,7 +37,7 @@ void Master::Read(std::span<const Request> requests, std::vector<Outcome>& outco
     m_outcomes = &outcomes;
     m_told = false;
     try {
-        Begin(requests);
+        Begin();
         Choose();
         AskAll();
         Settle();

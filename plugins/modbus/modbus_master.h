@@ -58,7 +58,7 @@ protected:
     };
 
     // A reading begins.
-    virtual void Begin(std::span<const Request> requests) = 0;
+    virtual void Begin() = 0;
     // Makes sure, as far as can be, that nothing is under way which could be taken for this request's answer.
     virtual void Clear(const Request& request, Question question) { static_cast<void>(request), static_cast<void>(question); }
     // One attempt, told to the attempt's marks below.

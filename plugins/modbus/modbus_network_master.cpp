@@ -19,7 +19,7 @@ void NetworkMaster::Configure(const CLineSettings& line, DWORD timeout) {
     m_pending.clear();
 }
 
-void NetworkMaster::Begin(std::span<const Request>) {
+void NetworkMaster::Begin() {
     // What came since the last reading.
     constexpr std::chrono::seconds kAtMost{1};
     for (const TimePoint limit = m_transport.Now() + kAtMost; m_transport.Now() < limit && Receive({});) continue;

@@ -22,7 +22,7 @@ private:
         TimePoint sent;
     };
 
-    void Begin(std::span<const Request> requests) override;
+    void Begin() override;
     End Exchange(const Request& request, Question question) override;
     bool Receive(TimePoint until) override;
     void Take(WORD transaction, const Answer& answer);
