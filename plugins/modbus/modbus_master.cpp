@@ -195,7 +195,7 @@ void Master::WaitUntil(TimePoint until) {
 }
 
 void Master::Explain(Outcome& outcome, const State& state, int code, BYTE refusal) const {
-    outcome.code = refusal != 0 ? CCommException::IllegalResponse : code;
+    outcome.code = refusal != 0 ? int{CCommException::IllegalResponse} : code;
     CString details, part, standard, text;
     const auto add = [&](const CString& detail) { details += (details.IsEmpty() ? "" : ", ") + detail; };
     if (refusal != 0) part.Format("Modbus %u", static_cast<unsigned>(refusal)), add(part);
