@@ -37,7 +37,7 @@ void Master::Read(std::span<const Request> requests, std::vector<Outcome>& outco
     m_outcomes = &outcomes;
     m_told = false;
     try {
-        Begin(requests);
+        Begin();
         Choose();
         AskAll();
         Settle();
@@ -188,14 +188,14 @@ void Master::TellLate(Duration late) const {
     m_watch->OnLateAnswer(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(late).count()));
 }
 
-Master::State& Master::StateOf(BYTE address) { return m_states[address]; }
+Master::State& Master::StateOf(BYTE address) { return m_states.at(address); }
 
 void Master::WaitUntil(TimePoint until) {
     while (m_transport.Now() < until) Receive(until);
 }
 
 void Master::Explain(Outcome& outcome, const State& state, int code, BYTE refusal) const {
-    outcome.code = refusal != 0 ? CCommException::IllegalResponse : code;
+    outcome.code = refusal != 0 ? int{CCommException::IllegalResponse} : code;
     CString details, part, standard, text;
     const auto add = [&](const CString& detail) { details += (details.IsEmpty() ? "" : ", ") + detail; };
     if (refusal != 0) part.Format("Modbus %u", static_cast<unsigned>(refusal)), add(part);

@@ -58,7 +58,7 @@ protected:
     };
 
     // A reading begins.
-    virtual void Begin(std::span<const Request> requests) = 0;
+    virtual void Begin() = 0;
     // Makes sure, as far as can be, that nothing is under way which could be taken for this request's answer.
     virtual void Clear(const Request& request, Question question) { static_cast<void>(request), static_cast<void>(question); }
     // One attempt, told to the attempt's marks below.
@@ -75,7 +75,7 @@ protected:
     // An answer that surely is this question's; of an earlier reading it counts for nothing.
     void Deliver(Question owner, const Answer& answer);
     void TellLate(Duration late) const;
-    State& StateOf(BYTE address);
+    State& StateOf(BYTE address);  // a slave of the description
     std::map<BYTE, State>& States() { return m_states; }
     bool IsAlone() const { return m_states.size() < 2; }
     void WaitUntil(TimePoint until);

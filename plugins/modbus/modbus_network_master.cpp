@@ -16,9 +16,10 @@ void NetworkMaster::Configure(const CLineSettings& line, DWORD timeout) {
     Master::Configure(line, timeout);
     m_open.clear();
     m_received.clear();
+    m_pending.clear();
 }
 
-void NetworkMaster::Begin(std::span<const Request>) {
+void NetworkMaster::Begin() {
     // What came since the last reading.
     constexpr std::chrono::seconds kAtMost{1};
     for (const TimePoint limit = m_transport.Now() + kAtMost; m_transport.Now() < limit && Receive({});) continue;
@@ -30,7 +31,9 @@ Master::End NetworkMaster::Exchange(const Request& request, Question question) {
     m_open.push_back({++m_transaction, question, request, sent});
     m_transport.Send(NetworkFrame(m_transaction, request.slave, RequestMessage(request)), deadline);
     while (!m_answered && m_transport.Now() < deadline && Receive(deadline)) continue;
-    return m_answered ? End::Answered : m_anythingCame || !m_received.empty() ? End::Damaged : End::Silence;
+    if (m_answered) return End::Answered;
+    if (!m_received.empty()) Break();
+    return m_anythingCame ? End::Damaged : End::Silence;
 }
 
 bool NetworkMaster::Receive(TimePoint until) {
@@ -40,16 +43,22 @@ bool NetworkMaster::Receive(TimePoint until) {
         Answer answer;
         size_t used = 0;
         const NetworkEnd end = FirstAnswer(m_received, transaction, answer, used);
-        if (end == NetworkEnd::More) return true;
-        if (end == NetworkEnd::Broken) {
-            m_transport.Close();
-            CString text;
-            text.LoadString(kNoModbusText);
-            OrvikThrowCommException(CCommException::BadProtocol, text);
-        }
+        if (end == NetworkEnd::Broken) Break();
+        if (end == NetworkEnd::More) break;
         m_received.erase(m_received.begin(), m_received.begin() + static_cast<std::ptrdiff_t>(used));
-        Take(transaction, answer);
+        m_pending.emplace_back(transaction, std::move(answer));
     }
+    if (!m_received.empty()) return true;
+    for (const auto& [transaction, answer] : m_pending) Take(transaction, answer);
+    m_pending.clear();
+    return true;
+}
+
+void NetworkMaster::Break() {
+    m_transport.Close();
+    CString text;
+    text.LoadString(kNoModbusText);
+    OrvikThrowCommException(CCommException::BadProtocol, text);
 }
 
 void NetworkMaster::Take(WORD transaction, const Answer& answer) {

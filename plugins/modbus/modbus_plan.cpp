@@ -5,9 +5,13 @@
 
 namespace modbus {
 namespace {
-DWORD MostOf(const Slave& slave, BYTE function) {
+DWORD MostOf(const Slave& slave, const Request& request) {
     constexpr DWORD kCoilsOfRegister = 16;
-    return ReadsCoils(function) ? std::min<DWORD>(kMaxCoils, slave.most * kCoilsOfRegister) : slave.most;
+    if (!ReadsCoils(request.function)) return slave.most;
+    // An adapter that repeats what it sends must not seem to answer: a request that begins so would look like three bytes of
+    // coils.
+    if (HIBYTE(request.first) == 3) return kCoilsOfRegister;
+    return std::min<DWORD>(kMaxCoils, slave.most * kCoilsOfRegister);
 }
 }  // namespace
 
@@ -28,7 +32,7 @@ std::vector<Block> PlanBlocks(const Description& description) {
         const bool joins = last != nullptr && last->request.slave == slave.address &&
                            last->request.function == channel.function &&
                            channel.first <= DWORD{last->request.first} + last->request.count + slave.gap &&
-                           end - last->request.first <= MostOf(slave, channel.function);
+                           end - last->request.first <= MostOf(slave, last->request);
         if (!joins) {
             blocks.push_back({{slave.address, channel.function, channel.first, 0}, {}});
             last = &blocks.back();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "plugins/modbus/modbus_plan.h"
+
 namespace modbus {
 namespace {
 // An answer comes in one piece; a pause this much longer than a frame gap within one means that the rest was lost. USB adapters
@@ -14,6 +16,10 @@ constexpr std::ptrdiff_t kShortestAnswer = 5;
 constexpr size_t kKept = 256;
 }  // namespace
 
+SerialMaster::SerialMaster(ITransport& transport, const Description& description) : Master(transport, description) {
+    for (const Block& block : PlanBlocks(description)) m_usual.push_back(block.request);
+}
+
 void SerialMaster::Configure(const CLineSettings& line, DWORD timeout) {
     Master::Configure(line, timeout);
     // 3.5 characters of silence separate frames; above 19,200 bit/s a fixed 1.75 ms (the serial line guide, 2.5.1.1).
@@ -24,21 +30,21 @@ void SerialMaster::Configure(const CLineSettings& line, DWORD timeout) {
     m_received.clear();
 }
 
-void SerialMaster::Begin(std::span<const Request> requests) {
+void SerialMaster::Begin() {
     // What came since the last reading, nobody knows when.
-    const TimePoint limit = m_transport.Now() + StateOf(requests.empty() ? BYTE{0} : requests[0].slave).timeout;
+    const TimePoint limit = m_transport.Now() + States().begin()->second.timeout;
     while (m_transport.Now() < limit && Receive({}, false)) continue;
-    if (std::exchange(m_strange, false)) Suspect(requests);
+    if (std::exchange(m_strange, false)) Suspect();
 }
 
-// As if each of these had been asked for before, by somebody whose answers are still to come.
-void SerialMaster::Suspect(std::span<const Request> requests) {
-    for (size_t i = 0; i < requests.size(); ++i) {
+// As if all had been asked for before, by somebody whose answers are still to come.
+void SerialMaster::Suspect() {
+    for (auto request = m_usual.begin(); request != m_usual.end(); ++request) {
         const auto alike = [&](const Request& other) {
-            return other.slave == requests[i].slave && other.function == requests[i].function && other.count == requests[i].count;
+            return other.slave == request->slave && other.function == request->function && other.count == request->count;
         };
-        if (std::none_of(requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(i), alike))
-            m_books[requests[i].slave].ledger.Sent(requests[i], Ledger::kUnknown, m_transport.Now());
+        if (std::none_of(m_usual.begin(), request, alike))
+            m_books[request->slave].ledger.Sent(*request, Ledger::kUnknown, m_transport.Now());
     }
 }
 

@@ -9,7 +9,7 @@ namespace modbus {
 
 class SerialMaster final : public Master {
 public:
-    using Master::Master;
+    SerialMaster(ITransport& transport, const Description& description);
 
     // A request is repeated after the time-out or, on a line that is known to be later, half as much again after the time at
     // which answers come. What is still owed from before stays known: a line that was opened again has the same loggers.
@@ -21,13 +21,13 @@ private:
         bool probeInVain = false;  // the last probe was not answered, nor anything since
     };
 
-    void Begin(std::span<const Request> requests) override;
+    void Begin() override;
     void Clear(const Request& request, Question question) override { Clear(&request, question, request.slave); }
     End Exchange(const Request& request, Question question) override;
     bool Receive(TimePoint until) override { return Receive(until, true); }
     void Finish() override;
 
-    void Suspect(std::span<const Request> requests);
+    void Suspect();
     // Probes until nothing is owed that could be taken for the answer to `request`, or nothing at all without one. What is owed
     // for `question` itself may be. Gives up when a probe was in vain, and sends no other before something has been answered.
     void Clear(const Request* request, Question question, BYTE slave);
@@ -37,6 +37,7 @@ private:
     bool Receive(TimePoint until, bool prompt);
     void Take(const Answer& answer, bool prompt);
 
+    std::vector<Request> m_usual;                 // what a reading of everything asks
     std::map<BYTE, Books> m_books;                // by address
     std::chrono::microseconds m_character{1042};  // that one is on the line
     std::chrono::microseconds m_gap{1750};

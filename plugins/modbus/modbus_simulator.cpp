@@ -7,13 +7,21 @@
 
 #include "comm/line_address.h"
 #include "plugins/modbus/modbus_mbap.h"
+#include "plugins/modbus/modbus_plan.h"
 
 namespace modbus {
 namespace {
 constexpr size_t kLongestFrame = 256;
 }  // namespace
 
-Simulator::Simulator(Description description) : m_description(std::move(description)) { Refresh(); }
+Simulator::Simulator(Description description) : m_description(std::move(description)) {
+    // What may be read along is there.
+    for (const Block& block : PlanBlocks(m_description)) {
+        for (WORD i = 0; i < block.request.count; ++i)
+            m_held[{block.request.slave, block.request.function, static_cast<WORD>(block.request.first + i)}] = 0;
+    }
+    Refresh();
+}
 
 void Simulator::SetLine(const char* address) {
     m_network = CLineAddress::Parse(address).scheme == CLineAddress::Tcp;

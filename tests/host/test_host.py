@@ -373,6 +373,19 @@ class Download(HostTest):
         self.assertIn("Receive timeout", self.refused(2, "read", "--port", self.simulate("--fault", "silent"), "--timeout", 100))
         self.assertIn("COM250", self.refused(2, "read", "--port", "COM250"))
 
+    def test_descriptions_of_the_page_read_their_simulators(self):
+        page = (pathlib.Path(__file__).parents[2] / "docs" / "modbus.md").read_text(encoding="utf-8")
+        found = re.findall(r"`(\w+[.]xml)`:\n\n```xml\n(.*?)```", page, re.S)
+        self.assertEqual(len(found), 3)
+        for name, text in found:
+            (self.folder / name).write_text(text, encoding="utf-8")
+            listed = self.host("check", name)
+            self.assertEqual(listed.code, 0, listed.err)
+            result = self.host("read", "--port", self.simulate("--logger", name), "--logger", name)
+            self.assertEqual(result.code, 0, result.err)
+            self.assertEqual(len(result.out.splitlines()), 1 + len(listed.out.splitlines()))
+            self.assertNotIn("- (", result.out)
+
     def test_a_channel_is_set_and_read_back(self):
         channels = {"s": ("Setpoint", "40001", "float32", "<PROPERTY name='bWritable'>1</PROPERTY><PROPERTY name='sUnit'>°C</PROPERTY>"),
                     "p": ("Pump", "1", "bool", "<PROPERTY name='bWritable'>yes</PROPERTY>"), "q": ("Pump", "2", "bool", ""),

@@ -186,6 +186,10 @@ TEST(ModbusBus, OnlyWhatIsDueIsAskedFor) {
     EXPECT_EQ(station.Good(), 1);
     EXPECT_FALSE(std::isnan(station.values[0]));
     EXPECT_TRUE(station.told.empty());
+    due[0] = 0;
+    station.logger.Select(due);
+    EXPECT_EQ(station.Read(), 0);
+    EXPECT_TRUE(station.wire.asked.empty());
 }
 
 // What the logger says is no value is missing by its own cause.
@@ -200,6 +204,24 @@ TEST(ModbusBus, NoValueIsToldAsSuch) {
     ASSERT_EQ(station.told.size(), 1u);
     EXPECT_EQ(station.told[0].first, 4);
     EXPECT_NE(station.told[0].second.find("no value"), std::string::npos);
+}
+
+TEST(ModbusBus, EveryFaultOfTheSimulatorGivesNoValue) {
+    const struct {
+        const char* fault;
+        int code;
+    } rows[] = {{"crc", 3}, {"exception", 4}, {"unit", 3}, {"function", 3}, {"length", 3}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.fault);
+        Station station(Bus({5}));
+        ASSERT_TRUE(station.wire.simulator.SetFault(row.fault, 100));
+        EXPECT_EQ(station.Read(), row.code);
+        EXPECT_EQ(station.Good(), 0);
+        station.wire.simulator.SetFault(row.fault, 0);
+        EXPECT_EQ(station.Read(), 0);
+        EXPECT_EQ(station.Good(), 2);
+    }
+    EXPECT_FALSE(modbus::Simulator(Bus({5})).SetFault("noise", 100));
 }
 
 TEST(ModbusNetwork, AnAnswerIsKnownByItsNumber) {
@@ -235,6 +257,7 @@ TEST(ModbusNetwork, WhatDoesNotFitIsNoAnswer) {
         {"a length of nothing", {0, 1, 0, 0, 0, 1, 5}, nullptr, true},
         {"a length beyond any message", {0, 1, 0, 0, 1, 0, 5}, nullptr, true},
         {"a byte count that lies", {0, 1, 0, 0, 0, 5, 5, 3, 4, 0, 0}, nullptr, true},
+        {"a frame that does not go on", {0, 1, 0, 0, 0, 99, 5, 3}, nullptr, true},
         {"letters", {'2', '3', '.', '5', '\r', '\n'}, nullptr, true},
     };
     for (const auto& row : rows) {

@@ -402,6 +402,23 @@ TEST(ModbusPlan, KeepsEachSlavesLimits) {
     }
 }
 
+// Where an adapter repeats it.
+TEST(ModbusPlan, NoRequestLooksLikeItsAnswer) {
+    for (const int first : {0x0300, 0x0310, 0x03FF, 0x0203, 0x0003}) {
+        Description description;
+        for (int i = 0; i < 60; ++i) {
+            Channel& channel = description.channels.emplace_back(Of(ValueType::Bool));
+            channel.function = kReadCoils;
+            channel.first = static_cast<WORD>(first + i);
+        }
+        for (const Block& block : PlanBlocks(description)) {
+            size_t begin = 0, end = 0;
+            const auto answer = FindAnswer(Encode(block.request), begin, end);
+            EXPECT_FALSE(answer && answer->Fits(block.request)) << block.request.first;
+        }
+    }
+}
+
 TEST(ModbusSimulator, RefusesWhatNoChannelNames) {
     Description description;
     description.slaves[0].address = 9;

@@ -1,278 +1,353 @@
-// The master against an independent Modbus implementation on the far end of a pseudo-terminal, and against a line that
-// misbehaves.
-#include <fcntl.h>
+// Others' implementations on the far end: servers of libmodbus and pymodbus are read as they read themselves, and mbpoll reads
+// the simulator, over a pseudo-terminal and over a network.
 #include <gtest/gtest.h>
 #include <modbus.h>
-#include <poll.h>
-#include <stdlib.h>
-#include <termios.h>
-#include <unistd.h>
+#include <spawn.h>
+#include <sys/wait.h>
 
-#include <atomic>
 #include <bit>
-#include <filesystem>
-#include <functional>
-#include <thread>
+#include <cmath>
+#include <cstdio>
+#include <mutex>
+#include <sstream>
 
-#include "comm/comm_exception.h"
 #include "plugins/modbus/modbus_logger.h"
+#include "plugins/modbus/modbus_mbap.h"
+#include "plugins/modbus/modbus_simulator.h"
 #include "propdb/property_db.h"
+#include "tests/modbus/far_end.h"
+#include "tests/modbus/socket_line.h"
 
 namespace {
-
-// The far end of a line, with what plays the logger there on a thread of its own.
-class FarEnd {
+// A description of channels in the order in which they are added.
+class Device {
 public:
-    FarEnd() {
-        m_fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        grantpt(m_fd);
-        unlockpt(m_fd);
-        termios raw;
-        tcgetattr(m_fd, &raw);
-        cfmakeraw(&raw);
-        tcsetattr(m_fd, TCSANOW, &raw);
-        m_name = ptsname(m_fd);
+    explicit Device(unsigned slave) { m_db.SetValue("nSlave", slave); }
+    void Add(unsigned slave, unsigned function, unsigned first, const char* type, const char* order, unsigned bit = 0) {
+        CString key;
+        key.Format("Channels.%05u.", m_count++);
+        m_db.SetValue(key + "nSlave", slave);
+        m_db.SetValue(key + "nFunction", function);
+        m_db.SetValue(key + "nRegister", first);
+        m_db.SetValue(key + "sType", type);
+        m_db.SetValue(key + "sOrder", order);
+        if (std::string(type) == "bool" && function > 2) m_db.SetValue(key + "nBit", bit);
     }
-    ~FarEnd() {
-        m_stopping = true;
-        if (m_thread.joinable()) m_thread.join();
-        if (m_fd >= 0) close(m_fd);
-    }
-    const char* Name() const { return m_name.c_str(); }
-
-    // Registers as libmodbus serves them: all of both kinds from 0, taken from the caller's arrays.
-    void ServeLibmodbus(int slave, std::vector<WORD> holding, std::vector<WORD> input) {
-        m_thread = std::thread([this, slave, holding, input] {
-            modbus_t* context = modbus_new_rtu(m_name.c_str(), 19200, 'N', 8, 1);
-            modbus_set_slave(context, slave);
-            modbus_set_socket(context, m_fd);
-            modbus_set_indication_timeout(context, 0, 50'000);
-            modbus_mapping_t* map = modbus_mapping_new(0, 0, static_cast<int>(holding.size()), static_cast<int>(input.size()));
-            std::copy(holding.begin(), holding.end(), map->tab_registers);
-            std::copy(input.begin(), input.end(), map->tab_input_registers);
-            while (!m_stopping) {
-                uint8_t query[MODBUS_RTU_MAX_ADU_LENGTH];
-                const int length = modbus_receive(context, query);
-                if (length > 0) modbus_reply(context, query, length, map);
-            }
-            modbus_mapping_free(map);
-            modbus_free(context);
-        });
-    }
-
-    // Each whole request is handed to `answer`; what it gives goes back as it stands. A result of "" keeps silent.
-    void Serve(std::function<std::vector<BYTE>(const modbus::Request&, int number)> answer) {
-        m_thread = std::thread([this, answer = std::move(answer)] {
-            std::vector<BYTE> received;
-            for (int number = 1; !m_stopping;) {
-                pollfd waiting = {m_fd, POLLIN, 0};
-                if (poll(&waiting, 1, 20) <= 0 || !(waiting.revents & POLLIN)) continue;
-                BYTE block[256];
-                const ssize_t got = read(m_fd, block, sizeof block);
-                if (got <= 0) continue;
-                received.insert(received.end(), block, block + got);
-                modbus::Request request;
-                size_t used = 0;
-                if (!modbus::FindRequest(received, request, used)) continue;
-                received.clear();
-                const std::vector<BYTE> reply = answer(request, number++);
-                if (reply.empty() && m_pullAfter == number - 1) {
-                    close(std::exchange(m_fd, -1));
-                    return;
-                }
-                if (!reply.empty() && write(m_fd, reply.data(), reply.size()) < 0) return;
-            }
-        });
-    }
-    // From within `answer`: a piece of the answer ahead of the rest.
-    void Send(const std::vector<BYTE>& bytes) {
-        EXPECT_EQ(write(m_fd, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-    }
-    void PullAfter(int number) { m_pullAfter = number; }
+    CPropertyDB& Database() { return m_db; }
+    modbus::Description Description() { return modbus::ReadDescription(m_db); }
 
 private:
-    int m_fd = -1;
-    int m_pullAfter = -1;
-    std::string m_name;
-    std::thread m_thread;
-    std::atomic<bool> m_stopping = false;
+    CPropertyDB m_db;
+    unsigned m_count = 0;
 };
 
-modbus::Channel Channel(BYTE function, WORD first, modbus::ValueType type, modbus::ByteOrder order = modbus::kHighFirst) {
-    modbus::Channel channel;
-    channel.function = function;
-    channel.first = first;
-    channel.type = type;
-    channel.order = order;
-    return channel;
-}
+// All kinds of registers and coils of libmodbus, and what its own getters make of them.
+class Libmodbus {
+public:
+    Libmodbus() : map(modbus_mapping_new(kCount, kCount, kCount, kCount)) {
+        for (int i = 0; i < kCount; ++i) {
+            map->tab_bits[i] = i % 3 == 1;
+            map->tab_input_bits[i] = i % 5 < 2;
+            // Floats of both signs and of moderate size, in whatever order they are read.
+            map->tab_registers[i] = static_cast<uint16_t>(0x4142 + 0x0101 * (i % 7) + (i % 4 == 0 ? 0x8080 : 0));
+            map->tab_input_registers[i] = static_cast<uint16_t>(i * 7919);
+        }
+    }
+    ~Libmodbus() { modbus_mapping_free(map); }
 
-modbus::Description OneRegister() {
-    modbus::Description description;
-    description.slaves[0].address = 7;
-    description.line.baud = 115200;
-    description.channels = {Channel(3, 0, modbus::ValueType::Uint16)};
-    return description;
-}
-
-std::vector<BYTE> Good(const modbus::Request& request, WORD value = 4711) {
-    if (request.count == 0) return modbus::EncodeException(request, modbus::kIllegalValue);
-    return modbus::EncodeReply(request, std::vector<WORD>{value});
-}
-
-constexpr DWORD kTimeout = 300;
-constexpr int kAttempts = 3;  // of a request, where a description says nothing
-
-// The code of the failure, or 0 and the first value.
-int Outcome(modbus::Logger& logger, double* value = nullptr) {
-    try {
+    // Every type and order that it has getters for, at every place.
+    Device Channels(unsigned slave) {
+        Device device(slave);
+        expected.clear();
+        const auto add = [&](unsigned function, unsigned first, const char* type, const char* order, double value) {
+            device.Add(slave, function, first, type, order);
+            expected.push_back(value);
+        };
+        const struct {
+            const char* name;
+            float (*get)(const uint16_t*);
+        } orders[] = {{"ABCD", modbus_get_float_abcd},
+                      {"BADC", modbus_get_float_badc},
+                      {"CDAB", modbus_get_float_cdab},
+                      {"DCBA", modbus_get_float_dcba}};
+        for (int i = 0; i + 4 <= kCount; ++i) {
+            const auto at = static_cast<unsigned>(i);
+            add(1, at, "bool", "high", map->tab_bits[i]);
+            add(2, at, "bool", "high", map->tab_input_bits[i]);
+            for (const auto& [function, table] : {std::pair(3u, map->tab_registers), std::pair(4u, map->tab_input_registers)}) {
+                add(function, at, "uint16", "high", table[i]);
+                add(function, at, "int16", "high", static_cast<int16_t>(table[i]));
+                add(function, at, "int32", "high", MODBUS_GET_INT32_FROM_INT16(table, i));
+                add(function, at, "int64", "high", static_cast<double>(MODBUS_GET_INT64_FROM_INT16(table, i)));
+                for (const auto& order : orders) {
+                    const float value = order.get(table + i);
+                    add(function, at, "uint32", order.name, std::bit_cast<uint32_t>(value));
+                    if (function == 3) add(function, at, "float32", order.name, value);
+                }
+            }
+        }
+        return device;
+    }
+    void Check(modbus::Logger& logger) const {
         CDoubleArray values;
         logger.ReadSample(values);
-        if (value != nullptr) *value = values.GetAt(0);
-        return 0;
-    } catch (CCommException* failure) {
-        const int code = failure->m_nError;
-        failure->Delete();
-        return code;
+        ASSERT_EQ(static_cast<size_t>(values.GetSize()), expected.size());
+        for (size_t i = 0; i < expected.size(); ++i) ASSERT_EQ(values.GetAt(static_cast<INT_PTR>(i)), expected[i]) << i;
     }
+
+    static constexpr int kCount = 60;
+    modbus_mapping_t* const map;
+    std::vector<double> expected;
+};
+
+// A program with its output to read; it is to end when its input does.
+class Program {
+public:
+    explicit Program(std::vector<std::string> words) {
+        int in[2], out[2];
+        EXPECT_EQ(pipe2(in, O_CLOEXEC), 0);
+        EXPECT_EQ(pipe2(out, O_CLOEXEC), 0);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, in[0], 0);
+        posix_spawn_file_actions_adddup2(&actions, out[1], 1);
+        std::vector<char*> arguments;
+        for (std::string& word : words) arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        EXPECT_EQ(posix_spawnp(&m_process, arguments[0], &actions, nullptr, arguments.data(), environ), 0)
+            << words[0] << " is missing; tools/install-packages native";
+        posix_spawn_file_actions_destroy(&actions);
+        close(in[0]);
+        close(out[1]);
+        m_in = in[1];
+        m_out = fdopen(out[0], "r");
+    }
+    ~Program() {
+        close(m_in);
+        fclose(m_out);
+        if (m_process > 0) waitpid(m_process, nullptr, 0);
+    }
+    // False at its end.
+    bool Line(std::string& line) {
+        line.clear();
+        for (int letter; (letter = fgetc(m_out)) != EOF;) {
+            if (letter == '\n') return true;
+            line += static_cast<char>(letter);
+        }
+        return !line.empty();
+    }
+
+private:
+    pid_t m_process = -1;
+    int m_in = -1;
+    FILE* m_out = nullptr;
+};
+
+// The simulator at the far end, and the last answer that it gave.
+class Simulated {
+public:
+    Simulated(Device& device, const char* address) : m_simulator(device.Description()) { m_simulator.SetLine(address); }
+    std::vector<BYTE> Answer(const BYTE* bytes, size_t size) {
+        CByteArray reply;
+        m_simulator.Receive(bytes, size, reply);
+        if (reply.GetSize() != 0) last.assign(reply.GetData(), reply.GetData() + reply.GetSize());
+        return {reply.GetData(), reply.GetData() + reply.GetSize()};
+    }
+    std::vector<BYTE> last;
+
+private:
+    modbus::Simulator m_simulator;
+};
+
+// What mbpoll understands, against the answer that it was given.
+void PollAndCompare(std::vector<std::string> words, const std::function<modbus::Answer()>& given) {
+    const struct {
+        const char* kind;
+        modbus::ValueType type;
+        bool bigEndian;
+        BYTE function;
+    } rows[] = {
+        {"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
+        {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
+        {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
+        {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.kind << row.bigEndian);
+        const int first = std::string(row.kind).size() == 1 ? 1 : row.type == modbus::ValueType::Int32 ? 11 : 21;
+        std::vector<std::string> call = {"mbpoll", "-1", "-a", "7", "-t", row.kind, "-r", std::to_string(first), "-c", "3"};
+        if (row.bigEndian) call.push_back("-B");
+        call.insert(call.end(), words.begin(), words.end());
+        Program poll(call);
+        int seen = 0;
+        for (std::string line; poll.Line(line);) {
+            int reference = 0;
+            char text[64] = "";
+            if (std::sscanf(line.c_str(), "[%d]: %63s", &reference, text) != 2) continue;
+            modbus::Channel channel;
+            channel.function = row.function;
+            channel.type = row.type;
+            channel.order = row.bigEndian ? modbus::kHighFirst : modbus::kSwapWords;
+            const auto offset = static_cast<WORD>(reference - first);
+            const modbus::Answer answer = given();
+            ASSERT_EQ(answer.exception, 0);
+            ASSERT_EQ(answer.function, row.function);
+            const double value = Decode(channel, answer.data.data(), offset);
+            EXPECT_NEAR(std::stod(text), value, std::abs(value) * 1e-5) << line;
+            ++seen;
+        }
+        EXPECT_EQ(seen, 3);
+    }
+}
+
+Device Polled() {
+    Device device(7);
+    for (unsigned i = 0; i < 6; ++i) {
+        for (unsigned function = 1; function <= 4; ++function)
+            device.Add(7, function, i, function > 2 ? "uint16" : "bool", "high");
+        device.Add(7, 3, 10 + 2 * i, "int32", "high");
+        device.Add(7, 3, 22 + 2 * i, "int32", "high");
+        device.Add(7, 4, 20 + 2 * i, "float32", "low");
+    }
+    return device;
 }
 }  // namespace
 
-TEST(ModbusPeer, EveryTypeAndOrderArrivesExactly) {
-    using enum modbus::ValueType;
-    const float real = -1234.56789f;
-    const auto bits = std::bit_cast<DWORD>(real);
+TEST(ModbusPeer, LibmodbusOverASerialLine) {
+    Libmodbus peer;
+    Device device = peer.Channels(17);
     FarEnd far;
-    far.ServeLibmodbus(17, {0x8001, 0x1234, 0x5678, 0xFFFF, 0xFFFE, HIWORD(bits), LOWORD(bits), LOWORD(bits), HIWORD(bits)},
-                       {60000, 1});
-    modbus::Description description;
-    description.slaves[0].address = 17;
-    description.line.baud = 19200;
-    description.channels = {
-        Channel(3, 0, Int16),  Channel(3, 1, Uint32),  Channel(3, 1, Uint32, modbus::kLowFirst),
-        Channel(3, 3, Int32),  Channel(3, 5, Float32), Channel(3, 7, Float32, modbus::kLowFirst),
-        Channel(4, 0, Uint16),
-    };
-    modbus::Logger logger(description);
+    far.ServeLibmodbus(17, peer.map);
+    device.Database().SetValue("Line.nBaud", 19200u);
+    modbus::Logger logger(device.Description());
     logger.Connect(far.Name(), 2000);
-    for (int round = 0; round < 3; ++round) {
-        CDoubleArray values;
-        logger.ReadSample(values);
-        const double expected[] = {-32767, 0x12345678, 0x56781234, -2, real, real, 60000};
-        ASSERT_EQ(values.GetSize(), 7);
-        for (int i = 0; i < 7; ++i) EXPECT_EQ(values.GetAt(i), expected[i]) << i;
-    }
+    for (int round = 0; round < 3; ++round) peer.Check(logger);
     EXPECT_TRUE(logger.Connection().IsConnected());
 }
 
-// At 50 bits a second a character lasts 200 ms, so an answer is no more broken off after 150 than the line is silent.
-TEST(ModbusPeer, ASlowLineMayPauseBetweenCharacters) {
-    FarEnd far;
-    far.Serve([&](const modbus::Request& request, int) {
-        const std::vector<BYTE> reply = Good(request);
-        far.Send({reply.begin(), reply.begin() + 3});
-        std::this_thread::sleep_for(std::chrono::milliseconds(150));
-        return std::vector<BYTE>(reply.begin() + 3, reply.end());
-    });
-    modbus::Description description = OneRegister();
-    description.line.baud = 50;
-    modbus::Logger logger(description);
-    logger.Connect(far.Name(), kTimeout);
-    double value = 0;
-    EXPECT_EQ(Outcome(logger, &value), 0);
-    EXPECT_EQ(value, 4711);
-}
-
-TEST(ModbusPeer, AConnectionOutlivesItsLogger) {
-    FarEnd far;
-    auto logger = std::make_unique<modbus::Logger>(OneRegister());
-    logger->Connect(far.Name(), kTimeout);
-    COrvikConnection& connection = logger->Connection();
-    connection.AddRef();
-    logger.reset();
-    EXPECT_FALSE(connection.IsConnected());
-    connection.OnSerialCommEvent(static_cast<CSerial::EEvent>(0x0800), static_cast<CSerial::EError>(0x0400));
-    connection.Release();
-}
-
-TEST(ModbusPeer, FailuresHaveTheirCodes) {
-    std::atomic<int> asked = 0;
-    std::atomic<int> mode = 0;
-    FarEnd far;
-    far.Serve([&](const modbus::Request& request, int) {
-        ++asked;
-        std::vector<BYTE> reply = Good(request);
-        if (mode == 0) reply.clear();
-        if (mode == 1) reply.back() ^= 1;
-        if (mode == 2) reply = modbus::EncodeException(request, modbus::kBusy);
-        return reply;
-    });
-    modbus::Logger logger(OneRegister());
-    EXPECT_EQ(Outcome(logger), 6);  // not open
-    logger.Connect(far.Name(), kTimeout);
-    EXPECT_EQ(Outcome(logger), 8);  // silent; a line that was just opened is probed first
-    EXPECT_EQ(asked, 1 + kAttempts);
-    mode = 1;
-    EXPECT_EQ(Outcome(logger), 3);  // never a good CRC
-    mode = 2;
-    asked = 0;
-    EXPECT_EQ(Outcome(logger), 4);  // busy for ever: asked a bounded number of times
-    // The first answer could be to one from before, and so could that to the first probe, since the one then came damaged.
-    EXPECT_EQ(asked, 1 + 2 + kAttempts);
-    mode = 3;
-    EXPECT_EQ(Outcome(logger), 0);  // and well again
-    logger.Abort();
-    EXPECT_EQ(Outcome(logger), 9);
-    logger.Disconnect();
-    EXPECT_EQ(Outcome(logger), 6);
-}
-
-TEST(ModbusPeer, APulledPlugIsAHardwareErrorAtOnce) {
-    FarEnd far;
-    far.PullAfter(3);
-    far.Serve([](const modbus::Request& request, int number) {
-        return number == 1   ? modbus::EncodeException(request, modbus::kIllegalValue)
-               : number == 2 ? Good(request)
-                             : std::vector<BYTE>();
-    });
-    modbus::Logger logger(OneRegister());
-    logger.Connect(far.Name(), 60'000);  // the failure must not wait for this
-    EXPECT_EQ(Outcome(logger), 0);
-    EXPECT_EQ(Outcome(logger), 7);
-    EXPECT_FALSE(logger.Connection().IsConnected());
-}
-
-// The port comes and goes under one name; what is left of a former line, its farewell too, counts for nothing on the next.
-TEST(ModbusPeer, ALineIsOpenedAgainAndAgain) {
-    modbus::Logger logger(OneRegister());
-    const auto openFiles = [] {
-        const std::filesystem::directory_iterator files("/proc/self/fd");
-        return std::distance(begin(files), end(files));
-    };
-    std::ptrdiff_t files = 0;
-    for (int cycle = 0; cycle < 10; ++cycle) {
-        std::string name;
-        {
-            FarEnd far;
-            name = far.Name();
-            far.PullAfter(4);
-            far.Serve(
-                [](const modbus::Request& request, int number) { return number < 4 ? Good(request) : std::vector<BYTE>(); });
-            logger.Connect(far.Name(), 100);
-            ASSERT_EQ(Outcome(logger), 0) << cycle;
-            int code = 0;
-            while ((code = Outcome(logger)) == 0) continue;
-            ASSERT_EQ(code, 7) << cycle;
-            logger.Disconnect();
-            EXPECT_EQ(Outcome(logger), 6);
+TEST(ModbusPeer, LibmodbusOverANetwork) {
+    Libmodbus peer;
+    Device device = peer.Channels(17);
+    modbus_t* const context = modbus_new_tcp("127.0.0.1", 0);
+    int listening = modbus_tcp_listen(context, 1);
+    ASSERT_GE(listening, 0);
+    const std::string address = UrlOf(listening);
+    std::thread server([&] {
+        modbus_tcp_accept(context, &listening);
+        uint8_t query[MODBUS_TCP_MAX_ADU_LENGTH];
+        for (int length; (length = modbus_receive(context, query)) != -1;) {
+            if (length > 0) modbus_reply(context, query, length, peer.map);
         }
-        try {
-            logger.Connect(name.c_str(), 100);
-            ADD_FAILURE() << "the port has gone";
-        } catch (CCommException* failure) {
-            failure->Delete();
-        }
-        if (cycle == 1) files = openFiles();
+    });
+    {
+        modbus::Logger logger(device.Description(), std::make_unique<SocketLine>());
+        logger.Connect(address.c_str(), 2000);
+        for (int round = 0; round < 3; ++round) peer.Check(logger);
     }
-    EXPECT_EQ(openFiles(), files);
+    server.join();
+    close(listening);
+    modbus_close(context);
+    modbus_free(context);
+}
+
+// What libmodbus then holds, by its own getters.
+TEST(ModbusPeer, LibmodbusIsWrittenTo) {
+    Libmodbus peer;
+    FarEnd far;
+    far.ServeLibmodbus(17, peer.map);
+    Device device(17);
+    device.Add(17, 1, 3, "bool", "high");
+    device.Add(17, 1, 4, "bool", "high");
+    device.Add(17, 3, 10, "int16", "high");
+    device.Add(17, 3, 12, "float32", "CDAB");
+    device.Add(17, 3, 20, "int64", "high");
+    for (unsigned i = 0; i < 5; ++i) {
+        CString key;
+        key.Format("Channels.%05u.bWritable", i);
+        device.Database().SetValue(key, 1u);
+    }
+    device.Database().SetValue("Channels.00001.nWrite", 15u);
+    modbus::Logger logger(device.Description());
+    logger.Connect(far.Name(), 2000);
+    const double values[] = {1, 0, -12345, 21.5, -1e15};
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(logger.Write(i, values[i]), values[i]) << i;
+    far.Stop();
+    EXPECT_EQ(peer.map->tab_bits[3], 1);
+    EXPECT_EQ(peer.map->tab_bits[4], 0);
+    EXPECT_EQ(static_cast<int16_t>(peer.map->tab_registers[10]), -12345);
+    EXPECT_EQ(modbus_get_float_cdab(peer.map->tab_registers + 12), 21.5f);
+    EXPECT_EQ(MODBUS_GET_INT64_FROM_INT16(peer.map->tab_registers, 20), -1'000'000'000'000'000);
+}
+
+TEST(ModbusPeer, PymodbusOverANetwork) {
+    // Debian's, whose packages another Python in the path may lack.
+    Program server({"/usr/bin/python3", std::string(ORVIK_TEST_FOLDER) + "/pymodbus_server.py"});
+    std::string line;
+    ASSERT_TRUE(server.Line(line)) << "python3-pymodbus is missing; tools/install-packages native";
+    const std::string address = "tcp://127.0.0.1:" + line;
+    Device device(7);
+    std::vector<std::string> lines;
+    std::vector<double> expected;
+    while (server.Line(line) && line != "ready") {
+        unsigned slave = 0, function = 0, first = 0;
+        std::string type, order, value;
+        std::istringstream(line) >> slave >> function >> first >> type >> order >> value;
+        device.Add(slave, function, first, type.c_str(), order.c_str());
+        expected.push_back(std::stod(value));
+        lines.push_back(line);
+    }
+    ASSERT_GT(lines.size(), 400u);
+    modbus::Logger logger(device.Description(), std::make_unique<SocketLine>());
+    logger.Connect(address.c_str(), 5000);
+    CDoubleArray values;
+    logger.ReadSample(values);
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const bool narrow = lines[i].find("float32") != std::string::npos;
+        const double value = narrow ? static_cast<float>(expected[i]) : expected[i];
+        EXPECT_EQ(values.GetAt(static_cast<INT_PTR>(i)), value) << lines[i];
+    }
+}
+
+TEST(ModbusPeer, MbpollReadsTheSimulatorOverASerialLine) {
+    Device device = Polled();
+    FarEnd far;
+    Simulated simulated(device, far.Name());
+    std::mutex guard;
+    far.ServeBytes([&](const BYTE* bytes, size_t size) {
+        const std::lock_guard lock(guard);
+        return simulated.Answer(bytes, size);
+    });
+    PollAndCompare({"-m", "rtu", "-b", "19200", "-P", "none", far.Name()}, [&] {
+        const std::lock_guard lock(guard);
+        size_t begin = 0, end = 0;
+        return modbus::FindAnswer(simulated.last, begin, end).value_or(modbus::Answer{});
+    });
+}
+
+TEST(ModbusPeer, MbpollReadsTheSimulatorOverANetwork) {
+    Device device = Polled();
+    const int listening = Listening();
+    Simulated simulated(device, UrlOf(listening).c_str());
+    std::mutex guard;
+    std::thread server([&] {
+        for (int connection; (connection = accept(listening, nullptr, nullptr)) >= 0; close(connection)) {
+            BYTE block[256];
+            for (ssize_t got; (got = recv(connection, block, sizeof block, 0)) > 0;) {
+                const std::lock_guard lock(guard);
+                const std::vector<BYTE> reply = simulated.Answer(block, static_cast<size_t>(got));
+                if (send(connection, reply.data(), reply.size(), MSG_NOSIGNAL) < 0) break;
+            }
+        }
+    });
+    PollAndCompare({"-m", "tcp", "-p", std::to_string(PortOf(listening)), "127.0.0.1"}, [&] {
+        const std::lock_guard lock(guard);
+        modbus::Answer answer;
+        WORD transaction = 0;
+        size_t used = 0;
+        EXPECT_EQ(modbus::FirstAnswer(simulated.last, transaction, answer, used), modbus::NetworkEnd::Whole);
+        return answer;
+    });
+    shutdown(listening, SHUT_RDWR);
+    server.join();
+    close(listening);
 }
