@@ -1,5 +1,6 @@
 #include "host/simulated_line.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "host/console.h"
@@ -21,11 +22,19 @@ SimulatedLine::SimulatedLine(std::unique_ptr<ILoggerSimulator> simulator, LineFa
 
 void SimulatedLine::Serve() {
     CByteArray reply;
+    // One that talks by itself does so when its time has come.
+    DWORD wait = m_simulator->Speak(reply), spoken = GetTickCount();
     while (!m_stopping && m_port.IsPlugged()) {
+        if (wait != INFINITE && GetTickCount() - spoken >= wait) {
+            spoken += wait;
+            wait = m_simulator->Speak(reply);
+            if (m_fault != LineFault::Silent) Answer(reply);
+        }
         BYTE block[512];
         DWORD got = 0;
         constexpr DWORD kSlice = 50;  // ms until Stop is seen
-        if (m_port.Read(block, sizeof block, got, kSlice) != 0) return;
+        const DWORD due = wait == INFINITE ? kSlice : wait - std::min(wait, GetTickCount() - spoken);
+        if (m_port.Read(block, sizeof block, got, std::min(due, kSlice)) != 0) return;
         if (got == 0) continue;
         m_simulator->Receive(block, got, reply);
         if (reply.GetSize() > 0 && m_fault != LineFault::Silent) Answer(reply);
