@@ -13,7 +13,8 @@ struct Command {
 constexpr Command kCommands[] = {
     {"demo", RunDemo},   {"ports", RunPorts}, {"simulate", RunSimulate}, {"download", RunDownload}, {"show", RunShow},
     {"chart", RunChart}, {"db", RunDb},       {"locale", RunLocale},     {"version", RunVersion},   {"script", RunScript},
-    {"read", RunRead},   {"check", RunCheck}, {"convert", RunConvert}, {"recover", RunRecover}};
+    {"read", RunRead},   {"check", RunCheck}, {"convert", RunConvert}, {"recover", RunRecover},
+    {"learn", RunLearn}};
 
 std::string HouseWord(const char* word) {
     std::string text(OrvikArgumentText(word, nullptr, 0), 0);

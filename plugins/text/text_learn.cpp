@@ -68,7 +68,7 @@ void Describe(IPropertyDB& db, const Shape& shape, bool started, Checksum checks
     if (shape.decimal != '.') db.SetValue("sDecimal", ",");
     if (checksum != Checksum::None) db.SetValue("sChecksum", kChecksums[static_cast<size_t>(checksum)]);
     if (started) db.SetValue("sStart", Stored(shape.start).c_str());
-    if (pause >= 100) db.SetValue("nEvery", static_cast<unsigned int>((pause + 99) / 100 * 100));
+    if (pause >= 100) db.SetValue("nEvery", static_cast<unsigned int>((pause + 50) / 100 * 100));
     const bool many = shape.cells.size() > 9;
     for (size_t i = 0; i < shape.cells.size(); ++i) {
         const Cell& cell = shape.cells[i];

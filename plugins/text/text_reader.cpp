@@ -1,6 +1,7 @@
 #include "plugins/text/text_reader.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "comm/comm_exception.h"
 
@@ -27,7 +28,8 @@ void Reader::Opened(DWORD timeout) {
     m_pause = std::clamp<Duration>(std::chrono::milliseconds(m_description.every) * 3 / 4, 250ms, 2s);
     Forget();
     m_skip = m_description.skip;
-    m_opened = true;
+    m_opened = m_quiet = true;
+    m_lastBytes = m_transport.Now();
 }
 
 // What came so far is no beginning of a line.
@@ -214,7 +216,10 @@ bool Reader::Receive(TimePoint until) {
     if (!m_transport.Receive(m_received, until)) return false;
     // A line that breaks off is not gone on with by the next one. An answer has its question.
     const TimePoint now = m_transport.Now();
-    if (m_description.ask.empty() && m_splitter.HasHalf() && now - m_lastBytes > m_pause) m_splitter.Drop();
+    const bool paused = now - m_lastBytes > m_pause;
+    if (m_description.ask.empty() && m_splitter.HasHalf() && paused) m_splitter.Drop();
+    // What begins after a pause is no half line, though the line was opened only now.
+    if (std::exchange(m_quiet, false) && paused) m_splitter.Keep();
     m_lastBytes = now;
     return true;
 }
