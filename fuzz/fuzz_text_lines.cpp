@@ -10,7 +10,7 @@
 #include "plugins/text/text_splitter.h"
 
 namespace {
-constexpr size_t kMostCuts = 200;
+constexpr size_t kMostCuts = 40;
 
 // True when it is a description.
 bool Read(CPropertyDB& db, std::optional<text::Description>& description) {
