@@ -201,6 +201,12 @@ TEST(TextReader, WhatIsAsked) {
          {{{0.2, "1\r\n"}, {1.9, "2\r\n"}}},
          {"1 2 @1.9"},
          1},
+        // Its second line comes when nobody waits any more; it begins no other answer.
+        {"half an answer of two lines",
+         kAsked + "; nLines=2; Channels.2.nField=1; Channels.2.nLine=2",
+         {{{0.2, "1\r\n"}, {4.5, "2\r\n"}}, {{0.1, "3\r\n"}, {0.2, "4\r\n"}}, {{0.1, "5\r\n"}, {0.2, "6\r\n"}}},
+         {"!8", "5 6 @8.4"},
+         3},
         {"what is there is no answer", kAsked, {{{0.2, "1\r\n"}, {0.3, "9\r\n"}}, {{0.2, "2\r\n"}}}, {"1 @0.2", "2 @1.4"}, 2},
     };
     for (const auto& one : cases) {
