@@ -14,6 +14,7 @@ ExitCode RunPorts(CHostApp& app, const Words& words);
 ExitCode RunSimulate(CHostApp& app, const Words& words);
 ExitCode RunDownload(CHostApp& app, const Words& words);
 ExitCode RunShow(CHostApp& app, const Words& words);
+ExitCode RunLearn(CHostApp& app, const Words& words);
 ExitCode RunRead(CHostApp& app, const Words& words);
 ExitCode RunChart(CHostApp& app, const Words& words);
 ExitCode RunCheck(CHostApp& app, const Words& words);

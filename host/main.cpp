@@ -14,7 +14,7 @@ constexpr Command kCommands[] = {
     {"demo", RunDemo},     {"ports", RunPorts},   {"simulate", RunSimulate}, {"download", RunDownload}, {"show", RunShow},
     {"chart", RunChart},   {"db", RunDb},         {"locale", RunLocale},     {"version", RunVersion},   {"script", RunScript},
     {"read", RunRead},     {"check", RunCheck},   {"convert", RunConvert},   {"recover", RunRecover},   {"record", RunRecord},
-    {"status", RunStatus}, {"reload", RunReload}, {"write", RunWrite}};
+    {"status", RunStatus}, {"reload", RunReload}, {"write", RunWrite},       {"learn", RunLearn}};
 
 std::string HouseWord(const char* word) {
     std::string text(OrvikArgumentText(word, nullptr, 0), 0);

@@ -1,6 +1,7 @@
 #include "plugins/text/text_fields.h"
 
 #include <algorithm>
+#include <cmath>
 #include <deque>
 #include <optional>
 
@@ -128,6 +129,9 @@ Outcome ValueOf(const Channel& channel, const Found& found, const std::string& l
         case NumberResult::Number: {
             const double scaled = number * channel.scale;
             outcome.value = channel.offset == 0 ? scaled : scaled + channel.offset;  // adding 0 would turn -0 into 0
+            if (std::isfinite(outcome.value)) break;
+            outcome.why = Sentence::NoNumber;
+            outcome.text = Say(Sentence::NoNumber, {Shown(*found.field), Shown(line)});
             break;
         }
     }

@@ -13,6 +13,7 @@
 namespace text {
 namespace {
 constexpr size_t kLongest = 4096;
+constexpr size_t kMostLines = 300, kMostChannels = 64;  // more tell nothing new
 
 // Whole lines of text, the first one left out: it may be half a one. None where too much is no text, as it is when the line's
 // settings are wrong.
@@ -33,7 +34,7 @@ std::vector<std::string> LinesOf(std::string_view heard, std::string& first) {
     }
     if (lines.empty()) return lines;
     first = lines.front();
-    lines.erase(lines.begin());
+    lines.erase(lines.begin(), lines.end() - static_cast<std::ptrdiff_t>(std::min(lines.size() - 1, kMostLines)));
     return lines;
 }
 
@@ -68,7 +69,7 @@ void Describe(IPropertyDB& db, const Shape& shape, bool started, Checksum checks
     if (shape.decimal != '.') db.SetValue("sDecimal", ",");
     if (checksum != Checksum::None) db.SetValue("sChecksum", kChecksums[static_cast<size_t>(checksum)]);
     if (started) db.SetValue("sStart", Stored(shape.start).c_str());
-    if (pause >= 100) db.SetValue("nEvery", static_cast<unsigned int>((pause + 99) / 100 * 100));
+    if (pause >= 100) db.SetValue("nEvery", static_cast<unsigned int>((pause + 50) / 100 * 100));
     const bool many = shape.cells.size() > 9;
     for (size_t i = 0; i < shape.cells.size(); ++i) {
         const Cell& cell = shape.cells[i];
@@ -141,11 +142,12 @@ int Learn(std::string_view heard, DWORD pause, IPropertyDB& description, CString
     }
     if (best == nullptr) return 0;
     Shape shape = *best;
+    shape.cells.resize(std::min(shape.cells.size(), kMostChannels));
     std::vector<const std::string*> taken, others;
     std::vector<std::string> names;
     if (names = HeadingOf(first, shape); shape.style != FieldStyle::Separator) names.clear();
     for (size_t i = 0; i < lines.size(); ++i) {
-        if (shapes[i].IsLike(shape)) {
+        if (shapes[i].IsLike(*best)) {
             taken.push_back(&lines[i]);
             // A unit that changes is none of the channel's.
             for (size_t cell = 0; cell < shape.cells.size(); ++cell) {

@@ -1,6 +1,7 @@
 #include "plugins/text/text_reader.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "comm/comm_exception.h"
 
@@ -27,7 +28,8 @@ void Reader::Opened(DWORD timeout) {
     m_pause = std::clamp<Duration>(std::chrono::milliseconds(m_description.every) * 3 / 4, 250ms, 2s);
     Forget();
     m_skip = m_description.skip;
-    m_opened = true;
+    m_opened = m_quiet = true;
+    m_lastBytes = m_transport.Now();
 }
 
 // What came so far is no beginning of a line.
@@ -72,6 +74,7 @@ Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& 
     size_t throwAway = m_owed.size();
     bool doubtful = throwAway > 0;
     for (size_t left = throwAway + kAttempts;; --left) {
+        if (doubtful && m_description.lines > 1) AwaitSilence();
         Forget();
         const auto& ask = m_description.ask;
         // The port takes the question at once; it is on the line for as long as its characters last.
@@ -81,10 +84,13 @@ Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& 
         Failure failure = Await(asked + kPatience * m_timeout, false, throwAway == 0 ? m_watch : nullptr, due, outcomes);
         if (failure.code == CCommException::ReceiveTimeout || failure.why == Sentence::HalfLine) return failure;
         const bool good = failure.code == 0;
-        if (good) Settle(1);
+        if (good) {
+            m_answerLines = 0;
+            Settle(m_description.lines);
+        }
         // A line that was no answer: the answer may still come.
         doubtful |= !good;
-        if (good ? throwAway == 0 : left == 1) {
+        if (good ? throwAway == 0 : left <= 1) {
             if (doubtful) AwaitOwed(m_transport.Now() + (m_late ? 2 * kPatience : 1) * m_timeout);
             m_owed.clear();
             return failure;
@@ -93,9 +99,9 @@ Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& 
     }
 }
 
-// So many answers have come.
-void Reader::Settle(size_t answers) {
-    for (; answers > 0 && !m_owed.empty(); --answers) {
+// So many lines of answers have come.
+void Reader::Settle(size_t lines) {
+    for (m_answerLines += lines; m_answerLines >= m_description.lines && !m_owed.empty(); m_answerLines -= m_description.lines) {
         const Duration took = m_transport.Now() - m_owed.front();
         m_owed.pop_front();
         // What was found much later says nothing of when it came.
@@ -106,16 +112,26 @@ void Reader::Settle(size_t answers) {
     }
 }
 
+// Of an answer of several lines, what is left of it must not be the beginning of the next one.
+void Reader::AwaitSilence() {
+    const TimePoint limit = m_transport.Now() + 2 * kPatience * m_timeout;
+    for (size_t before = m_came + 1; before != m_came && m_transport.Now() < limit;) {
+        before = m_came;
+        Settle(Discard(m_transport.Now() + m_timeout));
+    }
+}
+
 // Answers that nobody waits for any more are waited for all the same, so that they are not taken for others'.
 void Reader::AwaitOwed(TimePoint until) {
     Splitter::Line line;
     while (!m_owed.empty() && Next(line, until)) Settle(IsAnswer(line) ? 1 : 0);
 }
 
-// Of an answer of several lines, each counts for one: that errs by asking too often.
+// Whether a line can be one of an answer.
 bool Reader::IsAnswer(const Splitter::Line& line) const {
     Failure bad;
     if (Judge(line, bad) != Verdict::Good) return false;
+    if (m_description.lines > 1) return true;
     const std::vector<Outcome> outcomes = ReadFields(m_description, {Bare(line.text)});
     return std::any_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) { return outcome.IsValue(); });
 }
@@ -214,7 +230,10 @@ bool Reader::Receive(TimePoint until) {
     if (!m_transport.Receive(m_received, until)) return false;
     // A line that breaks off is not gone on with by the next one. An answer has its question.
     const TimePoint now = m_transport.Now();
-    if (m_description.ask.empty() && m_splitter.HasHalf() && now - m_lastBytes > m_pause) m_splitter.Drop();
+    const bool paused = now - m_lastBytes > m_pause;
+    if (m_description.ask.empty() && m_splitter.HasHalf() && paused) m_splitter.Drop();
+    // What begins after a pause is no half line, though the line was opened only now.
+    if (std::exchange(m_quiet, false) && paused) m_splitter.Keep();
     m_lastBytes = now;
     return true;
 }

@@ -2,11 +2,11 @@
 // the transport's thread; borrows description, transport and watch.
 //
 // A logger that talks by itself: what came before the reading began is thrown away, because nobody knows when; the next whole
-// line is the reading. A line that was under way then may end it, unless it may be old or have a hole: after the line was opened,
-// after much has waited (buffers overflow), and when nobody has looked for as long as a line may pause in the middle: three
-// quarters of the logger's own interval, at least 250 ms and at most 2 s. A line that pauses longer has lost its end, and so have
-// lines of one reading between which there is more. So no line is used twice, and one that comes while nobody reads is passed
-// over. Lines that give no value at all are passed over as long as there is time.
+// line is the reading. A line that was under way then may end it, unless it may be old or have a hole: after the line was opened
+// (if it was not silent at first), after much has waited (buffers overflow), and when nobody has looked for as long as a line may
+// pause in the middle: three quarters of the logger's own interval, at least 250 ms and at most 2 s. A line that pauses longer
+// has lost its end, and so have lines of one reading between which there is more. So no line is used twice, and one that comes
+// while nobody reads is passed over. Lines that give no value at all are passed over as long as there is time.
 //
 // A logger that is asked: an answer that is later than the time-out is waited for, three time-outs in all, and is still this
 // reading's value. What is there before a question is thrown away. Answers do not say what they answer: after a reading without
@@ -64,8 +64,9 @@ private:
     bool Take(Splitter::Line& line);
     size_t Discard(TimePoint until);
     void Forget();
-    void Settle(size_t answers);
+    void Settle(size_t lines);
     void AwaitOwed(TimePoint until);
+    void AwaitSilence();
     bool IsAnswer(const Splitter::Line& line) const;
     std::string Bare(const std::string& line) const;
 
@@ -81,9 +82,11 @@ private:
     size_t m_skip = 0;             // lines to be passed over since the line was opened
     size_t m_came = 0;             // bytes, since the reading began to throw away
     bool m_opened = true;          // and nothing read since
+    bool m_quiet = true;           // and no byte came since
     TimePoint m_looked{};          // the end of the last reading
     TimePoint m_lastBytes{};       // when some came
     std::deque<TimePoint> m_owed;  // when questions were asked that may still be answered
+    size_t m_answerLines = 0;      // of an answer that is owed, that have come
     bool m_late = false;           // answers have been later than the time-out
     const std::string m_echo;
 };

@@ -11,6 +11,8 @@ struct Named {
     const char* name;
     Separator separator;
 };
+constexpr size_t kMostSigns = 100;  // of names, in one line
+
 const Named kSeparators[] = {{"semicolon", {Separator::Text, ";"}},
                              {"tab", {Separator::Text, "\t"}},
                              {"comma", {Separator::Text, ","}},
@@ -76,7 +78,9 @@ Shape Pairs(const std::string& line, char decimal) {
     shape.style = FieldStyle::Keys;
     shape.separator = "auto";
     shape.decimal = decimal;
+    size_t signs = 0;
     for (size_t sign = line.find_first_of("=:"); sign != std::string::npos; sign = line.find_first_of("=:", sign + 1)) {
+        if (++signs > kMostSigns) break;
         const size_t end = line.find_last_not_of(" \t", sign == 0 ? 0 : sign - 1) + 1;
         size_t begin = end;
         while (begin > 0 && IsNameCharacter(line[begin - 1])) --begin;

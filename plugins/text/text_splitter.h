@@ -20,8 +20,9 @@ public:
     // are none.
     size_t Take(std::string_view bytes, Line& line, bool& whole);
 
-    // The line that is under way will not count.
+    // The line that is under way will not count; it will after all.
     void Drop() { m_dropped = true; }
+    void Keep() { m_dropped = false; }
     // Whether bytes came that no end has followed yet; and the beginning of that line.
     bool HasHalf() const { return m_length > 0; }
     std::string Half() const { return m_text.substr(0, m_most); }

@@ -10,6 +10,7 @@ import pathlib
 import pty
 import re
 import resource
+import shlex
 import shutil
 import signal
 import socket
@@ -664,6 +665,51 @@ class Recordings(HostTest):
         (self.folder / "b.rec").write_bytes(b"ORVIKREC" + bytes(100))
         for words in (("show", "b.rec"), ("convert", "b.rec", "c.odb"), ("recover", "b.rec"), ("chart", "b.rec", "--out", "b.png")):
             self.assertIn("b.rec", self.refused(3, *words))
+
+
+class TextLoggers(HostTest):
+    PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "text-loggers.md"
+
+    def test_each_description_of_the_page_is_read_from_its_simulator(self):
+        descriptions = re.findall(r"```xml\n(.*?)```", self.PAGE.read_text(encoding="utf-8"), re.S)
+        self.assertEqual(len(descriptions), 3)
+        for description in descriptions:
+            (self.folder / "device.xml").write_text(description, encoding="utf-8")
+            checked = self.host("check", "device.xml")
+            self.assertEqual(checked.code, 0, checked.err)
+            count = len(checked.out.splitlines())
+            port = self.simulate("--logger", "device.xml")
+            done = self.host("download", "--port", port, "--logger", "device.xml", "--interval", 0, "--count", 2, "--out", "s.odb", "--force")
+            self.assertEqual(done.code, 0, done.err)
+            for row in self.readings("s.odb")[1:]:
+                self.assertEqual([15 < float(value) < 25 for value in row[1:]], [True] * count, row)
+            if "sAsk" in description:
+                self.assertIn("sAsk", self.learn(port, "--time", "1 s", "--force").err)
+            else:
+                self.learn_and_read(port, count)
+
+    def learn(self, port, *words):
+        return self.host("learn", "--port", port, "--out", "learnt.xml", *words)
+
+    def learn_and_read(self, port, count):
+        learnt = self.learn(port, "--force")
+        self.assertEqual(learnt.code, 0, learnt.err)
+        self.assertIn("lines such as", learnt.out)
+        self.assertGreaterEqual(len(self.host("check", "learnt.xml").out.splitlines()), count)
+        # The command that it proposes.
+        words = re.search(r"orvikhost (download.*)$", learnt.out, re.M)[1].replace("1 min", "2 s").replace("session.odb", "l.odb --force")
+        self.assertEqual(self.host(*shlex.split(words)).code, 0)
+        self.assertGreaterEqual(len(self.readings("l.odb")), 2)
+        self.assertEqual(self.host("chart", "l.odb", "--out", "l.png").code, 0)
+        self.assertIn("there already", self.refused(3, "learn", "--port", port, "--out", "learnt.xml"))
+
+    def test_a_device_that_cannot_be_learnt_is_told(self):
+        self.assertIn("NOPORT", self.learn("NOPORT").err)
+        self.assertIn("ftp://x", self.refused(1, "learn", "--port", "ftp://x", "--out", "learnt.xml"))
+        said = self.learn(self.simulate(), "--time", "500 ms")  # a Modbus logger waits to be asked
+        self.assertEqual((said.code, len(said.sentences)), (2, 1), said.err)
+        self.assertIn("said nothing", said.err)
+        self.assertFalse((self.folder / "learnt.xml").exists())
 
 
 class Plugins(HostTest):

@@ -104,7 +104,7 @@ TEST(TextLearn, IsNotSureOfAnythingElse) {
 }
 
 TEST(TextLearn, TellsWhatItTook) {
-    const Learnt learnt("x\n$A,1.5 C\n$B,7\n$A,2.5 C\n$A,3.5 C\n", 940);
+    const Learnt learnt("x\n$A,1.5 C\n$B,7\n$A,2.5 C\n$A,3.5 C\n", 990);
     EXPECT_EQ(std::string(learnt.shown),
               "3 lines such as \"$A,3.5 C\"\n  1  #2  1.5 C\npassed over: 1 others such as \"$B,7\"\n");
     EXPECT_NE(learnt.description.find("nEvery=1000"), std::string::npos);
