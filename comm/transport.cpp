@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <mutex>
 #include <string>
 
 #include "comm/comm_exception.h"
@@ -38,11 +39,16 @@ std::string KeyOf(const CLineAddress& address) {
     return key;
 }
 
-// This thread's line of that address, open or not.
+// This thread's line of that address, open or not. The list is everybody's, for a thread's own objects end at no sure moment.
 std::shared_ptr<SharedLine> LineAt(const CLineAddress& address) {
-    thread_local std::map<std::string, std::weak_ptr<SharedLine>> lines;
-    std::erase_if(lines, [](const auto& entry) { return entry.second.expired(); });
-    std::weak_ptr<SharedLine>& known = lines[KeyOf(address)];
+    struct Lines {
+        std::mutex lock;
+        std::map<std::pair<DWORD, std::string>, std::weak_ptr<SharedLine>> known;
+    };
+    static auto* const lines = new Lines;
+    const std::lock_guard lock(lines->lock);
+    std::erase_if(lines->known, [](const auto& entry) { return entry.second.expired(); });
+    std::weak_ptr<SharedLine>& known = lines->known[{::GetCurrentThreadId(), KeyOf(address)}];
     std::shared_ptr<SharedLine> line = known.lock();
     if (!line) known = line = std::make_shared<SharedLine>();
     return line;

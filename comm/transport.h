@@ -14,7 +14,7 @@
 class CLineConnection;
 class CSerialOrvik;
 
-// How characters are framed where there are any; a network takes no notice of it.
+// How characters are framed where there are any; a plain network connection takes no notice of it.
 struct CLineSettings {
     DWORD baud = 9600;
     CSerial::EDataBits dataBits = CSerial::DataBits8;
@@ -33,7 +33,7 @@ public:
     virtual ~ITransport() = default;
 
     // May be closed and opened again as often as wanted. `until` bounds whatever has to be waited for. 5 the port is somebody's,
-    // 6 it cannot be opened or reached, 7 it cannot be set up so.
+    // 6 it cannot be opened or reached, 7 it cannot be set up so, 9 after an abort.
     virtual void Open(const char* address, const CLineSettings& line, TimePoint until) = 0;
     // Allowed on a closed line, and on one whose far end has vanished. Takes back an abort.
     virtual void Close() = 0;

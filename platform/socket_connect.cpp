@@ -5,9 +5,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <mutex>
-#include <thread>
 
 namespace orvik::detail {
 namespace {
@@ -33,6 +33,22 @@ struct Questions {
     }
 };
 
+// Runs `work` on a thread of its own, for which nobody waits. False where the system has no more threads.
+using Work = std::function<void()>;
+DWORD WINAPI Run(LPVOID work) {
+    const std::unique_ptr<Work> mine(static_cast<Work*>(work));
+    (*mine)();
+    return 0;
+}
+bool Detach(Work work) {
+    auto given = std::make_unique<Work>(std::move(work));
+    const HANDLE thread = CreateThread(nullptr, 0, Run, given.get(), 0, nullptr);
+    if (thread == nullptr) return false;
+    given.release();  // the thread's
+    CloseHandle(thread);
+    return true;
+}
+
 void Answer(const std::string& host, const std::shared_ptr<Question>& question) {
     std::vector<SocketAddress> addresses;
     const DWORD error = LookUp(host.c_str(), 0, addresses);
@@ -55,11 +71,9 @@ DWORD LookUpUntil(const std::string& host, Clock::time_point until, std::vector<
         std::shared_ptr<Question>& open = Questions::The().open[host];
         if (!open) {
             open = std::make_shared<Question>();
-            try {
-                std::thread(Answer, host, open).detach();
-            } catch (...) {
+            if (!Detach([host, asked = open] { Answer(host, asked); })) {
                 Questions::The().open.erase(host);
-                throw;
+                return ERROR_NOT_ENOUGH_MEMORY;
             }
         }
         question = open;
@@ -189,7 +203,7 @@ struct SocketConnect::State {
         try {
             const SystemSocket connected = ConnectUntil(host, port, until, error);
             if (connected != kNoSocket) socket = Socket(static_cast<ULONG_PTR>(connected));
-        } catch (const std::exception&) {  // no memory, or no thread
+        } catch (const std::exception&) {  // no memory
             error = ERROR_NOT_ENOUGH_MEMORY;
         }
         SetEvent(done);
@@ -198,17 +212,14 @@ struct SocketConnect::State {
 
 SocketConnect::SocketConnect(const char* host, WORD port, DWORD timeout) : m_state(std::make_shared<State>()) {
     const auto until = Clock::now() + std::chrono::milliseconds(timeout);
-    try {
-        if (!StartNetwork()) {
-            m_state->error = kSocketNetworkDown;
-            SetEvent(m_state->done);
-            return;
-        }
-        std::thread([state = m_state, name = std::string(host), port, until] { state->Connect(name, port, until); }).detach();
-    } catch (const std::exception&) {
+    if (!StartNetwork()) {
+        m_state->error = kSocketNetworkDown;
+    } else if (!Detach([state = m_state, name = std::string(host), port, until] { state->Connect(name, port, until); })) {
         m_state->error = ERROR_NOT_ENOUGH_MEMORY;
-        SetEvent(m_state->done);
+    } else {
+        return;
     }
+    SetEvent(m_state->done);
 }
 
 SocketConnect::~SocketConnect() = default;

@@ -37,13 +37,18 @@ public:
     // Before a try: what comes after this moment signals the event again.
     void Forget() {
         WSANETWORKEVENTS events{};
-        if (WSAEnumNetworkEvents(m_socket, m_event, &events) == 0 && (events.lNetworkEvents & FD_CLOSE) != 0) m_ended = true;
+        if (WSAEnumNetworkEvents(m_socket, m_event, &events) != 0 || (events.lNetworkEvents & FD_CLOSE) == 0) return;
+        m_ended = true;
+        m_endError = static_cast<DWORD>(events.iErrorCode[FD_CLOSE_BIT]);
     }
+    // Why it ended. The system may tell a reset here alone, and let a receive look like an end in good order.
+    DWORD EndError() const { return m_endError != 0 ? m_endError : static_cast<DWORD>(kSocketClosedByPeer); }
 
 private:
     const SOCKET m_socket;
     const WSAEVENT m_event;
     bool m_ended = false;
+    DWORD m_endError = 0;
 };
 }  // namespace
 
@@ -145,7 +150,7 @@ DWORD Socket::Receive(void* data, DWORD size, DWORD& got, bool) {
     m_state->Forget();
     const int count = recv(m_state->Get(), static_cast<char*>(data), static_cast<int>(std::min<DWORD>(size, 1u << 30)), 0);
     if (count > 0) got = static_cast<DWORD>(count);
-    if (count == 0 && size != 0) return kSocketClosedByPeer;
+    if (count == 0 && size != 0) return m_state->EndError();
     return count >= 0 || WSAGetLastError() == WSAEWOULDBLOCK ? ERROR_SUCCESS : LastSocketError();
 }
 

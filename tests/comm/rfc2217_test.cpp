@@ -163,6 +163,25 @@ TEST_F(Rfc2217Test, SetsTheLineUpAndCarriesData) {
     EXPECT_FALSE(transport->Receive(none, transport->Now() + 50ms));
 }
 
+TEST_F(Rfc2217Test, IsSetUpAnewForAnotherLogger) {
+    Open(kAgreed + Confirmed());
+    peer.Receive(kOffer.size() + kAsked.size());
+    CSerialOrvik otherPort;
+    CLineConnection otherConnection;
+    const auto other = OrvikMakeTransport(otherPort, otherConnection);
+    other->Open(peer.Address("rfc2217").c_str(), {}, other->Now() + 5s);
+    std::string asked;
+    std::thread server([&] {
+        asked = peer.Receive(kAsked.size());
+        peer.Send(Message("\x65\0\0\x25\x80"s) + Message("\x66\x8") + Message("\x67\1") + Message("\x68\1") + Message("\x69\1"));
+    });
+    other->Send(Bytes("x"), other->Now() + 5s);
+    server.join();
+    const std::string first = Message("\1\0\0\x25\x80"s) + Message("\2\x8") + Message("\3\1") + Message("\4\1");
+    EXPECT_EQ(testing::PrintToString(first), testing::PrintToString(asked.substr(0, first.size())));
+    EXPECT_EQ("x", peer.Receive(1));
+}
+
 TEST_F(Rfc2217Test, TellsWhatTheServerDoesNotDo) {
     struct Case {
         const char* what;

@@ -148,21 +148,4 @@ TEST(SharedLineTest, PortsOpenAndCloseOnThreads) {
     EXPECT_EQ(kTimes * 3, opened);
     for (const SerialPeer& peer : peers) EXPECT_FALSE(CSerialOrvik::IsPortOpen(peer.Name()));
 }
-
-TEST(SharedLineTest, AnotherThreadsPortIsTaken) {
-    const Awaiting call("a port of another thread to be refused");
-    SerialPeer peer;
-    User holder;
-    holder.Open(peer.Port());
-    std::thread([&] {
-        User late;
-        try {
-            late.Open(peer.Port());
-            ADD_FAILURE() << "opened twice";
-        } catch (CCommException* failure) {
-            EXPECT_EQ(CCommException::AccessDenied, failure->m_nError);
-            failure->Delete();
-        }
-    }).join();
-}
 }  // namespace

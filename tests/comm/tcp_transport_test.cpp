@@ -128,7 +128,7 @@ TEST_F(TcpTransportTest, SendsMoreThanTheSystemHoldsWhileTheFarEndReads) {
     const std::string much(8 << 20, 'x');
     std::string got;
     std::thread reader([&] { got = peer.Receive(much.size()); });
-    Send(much);
+    EXPECT_EQ("none", FailureOf([&] { Send(much); }));
     reader.join();
     EXPECT_TRUE(got == much);
 }
@@ -152,10 +152,10 @@ TEST_F(TcpTransportTest, TellsWhyThereIsNoConnection) {
 TEST_F(TcpTransportTest, ALostConnectionIsTold) {
     struct Case {
         const char* how;
-        UINT text;
+        UINT text, underWine;
         bool unread;  // bytes that the far end leaves lie make its closing a reset
     };
-    for (const Case& c : {Case{"closed", 8215, false}, Case{"reset", 8216, true}}) {
+    for (const Case& c : {Case{"closed", 8215, 8215, false}, Case{"reset", 8216, 8215, true}}) {
         SCOPED_TRACE(c.how);
         Open();
         connection->Enter(COrvikConnection::Working);
@@ -164,8 +164,9 @@ TEST_F(TcpTransportTest, ALostConnectionIsTold) {
         peer.Send("half an ans");
         EXPECT_EQ("half an ans", Receive());
         peer.Close();
-        const std::string told = Told(7, c.text, peer.Address());
-        EXPECT_EQ(told, FailureOf([&] { Receive(); }));
+        const std::string told = FailureOf([&] { Receive(); });
+        // A reset may look like an end in good order under Wine (docs/wine.md).
+        EXPECT_THAT(told, testing::AnyOf(Told(7, c.text, peer.Address()), Told(7, c.underWine, peer.Address())));
         EXPECT_EQ(COrvikConnection::Disconnected, connection->State());
         EXPECT_TRUE(connection->LineLost());
         EXPECT_EQ(told, FailureOf([&] { Send("again"); }));

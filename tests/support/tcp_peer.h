@@ -34,7 +34,7 @@ public:
     std::string Receive(size_t count) {
         std::string bytes;
         while (bytes.size() < count) {
-            char block[256];
+            char block[32768];
             DWORD got = 0;
             if (m_socket.Receive(block, static_cast<DWORD>(std::min(sizeof block, count - bytes.size())), got) != 0) break;
             bytes.append(block, got);

@@ -1,9 +1,13 @@
 // What Wine does differently from Windows, and this home does like Windows (docs/wine.md).
+#include <chrono>
 #include <optional>
+#include <thread>
 
-#include "comm/orvik_connection.h"
+#include "comm/comm_exception.h"
+#include "comm/line_connection.h"
 #include "comm/serial_orvik.h"
 #include "comm/serial_wnd.h"
+#include "comm/transport.h"
 #include "tests/comm/mailbox.h"
 #include "tests/comm/serial_fixture.h"
 
@@ -22,6 +26,26 @@ TEST_F(SerialTest, AHeldPortIsInUse) {
         EXPECT_EQ(0, port.Close());
         EXPECT_EQ(CSerial::PortAvailable, CSerial::CheckPort(peer.Name()));
     }
+}
+
+TEST_F(SerialTest, APortOfAnotherThreadIsNotShared) {
+    const auto open = [this](ITransport& line) { line.Open(peer.Name(), {}, line.Now() + std::chrono::seconds(5)); };
+    CSerialOrvik ports[2];
+    CLineConnection holder;
+    const auto held = OrvikMakeTransport(ports[0], holder);
+    open(*held);
+    std::thread([&] {
+        CLineConnection late;
+        const auto refused = OrvikMakeTransport(ports[1], late);
+        try {
+            open(*refused);
+            ADD_FAILURE() << "opened twice";
+        } catch (CCommException* failure) {
+            EXPECT_EQ(CCommException::AccessDenied, failure->m_nError);
+            failure->Delete();
+        }
+    }).join();
+    held->Close();
 }
 
 TEST_F(SerialTest, TheRecordsStayWithTheHolder) {
