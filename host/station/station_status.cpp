@@ -1,7 +1,6 @@
 #include "host/station/station_status.h"
 
 #include <cmath>
-#include <cstdio>
 
 #include "afx/collections.h"
 #include "afx/file.h"
@@ -128,11 +127,8 @@ StationStatus::Logger LoadLogger(const CPropertyDB& db, const std::string& key) 
     return logger;
 }
 
-std::string Milliseconds(double microseconds) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.1f", microseconds / 1000);
-    return text;
-}
+// To a tenth.
+std::string Milliseconds(double microseconds) { return ShortTextOf(std::round(microseconds / 100) / 10); }
 }  // namespace
 
 std::string ReloadWishOf(const std::string& statusFile) { return statusFile + ".reload"; }

@@ -72,10 +72,17 @@ private:
     std::condition_variable m_changed;
 };
 
+// The system's, and ahead of it when it is told so.
+class Clock : public SystemClock {
+public:
+    __int64 Steady() override { return SystemClock::Steady() + ahead; }
+    std::atomic<__int64> ahead = 0;
+};
+
 class StationTest : public testing::Test {
 protected:
     const fs::path folder = fs::temp_directory_path() / ("orvik-station-" + std::to_string(GetCurrentThreadId()));
-    SystemClock clock;
+    Clock clock;
     std::map<std::string, std::unique_ptr<PortThread>> ports;
     struct One {
         std::unique_ptr<LoggerRun> run;
@@ -210,6 +217,23 @@ TEST_F(StationTest, LoggersComeAndGoOnARunningPort) {
     loggers["stays"].run->Abort();
     ports["p"]->Wake();
     Until([&] { return IsOver("stays"); });
+}
+
+// A plug-in that does not come back is known by the time that its reading takes; others are not suspected for long.
+TEST_F(StationTest, AThreadThatHangsIsFound) {
+    constexpr __int64 kHour = 3'600'000'000;
+    Add("well", "w", MemoryLogger::Well, kForEver);
+    Add("blocked", "b", MemoryLogger::Blocked, kForEver);
+    Until([&] { return loggers["well"].report.made > 3; });
+    EXPECT_FALSE(ports["w"]->Hangs() || ports["b"]->Hangs());
+    clock.ahead = kHour;
+    Until([&] { return !ports["w"]->Hangs(); });
+    EXPECT_TRUE(ports["b"]->Hangs());
+    for (auto& [key, one] : loggers) {
+        one.run->Abort();
+        ports[one.run->Plan().plan.port]->Wake();
+    }
+    Until([&] { return IsOver("well") && IsOver("blocked"); });
 }
 
 TEST_F(StationTest, TheStatusComesBackFromItsFile) {
