@@ -79,7 +79,7 @@ TEST(ModbusFrame, AMillionMutatedFramesGiveNothingThatWasNotSent) {
         const BYTE functions[] = {1, 2, 3, 4};
         Request asked{static_cast<BYTE>(1 + below(247)), functions[below(4)], 0, static_cast<WORD>(1 + below(40))};
         Bytes data((asked.function < 3 ? (asked.count + 7u) / 8u : asked.count * 2u));
-        for (BYTE& byte : data) byte = static_cast<BYTE>(random());
+        for (BYTE& each : data) each = static_cast<BYTE>(random());
         const bool network = i % 2 != 0;
         const Bytes message = AnswerMessage(asked, data);
         Bytes frame = network ? NetworkFrame(0x1234, asked.slave, message) : SerialFrame(asked.slave, message);
