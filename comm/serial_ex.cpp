@@ -60,7 +60,7 @@ void CSerialEx::CloseListenerEvent() {
 LONG CSerialEx::StartListener() {
     if (m_hThread) return Result(ERROR_SUCCESS);
     DWORD id = 0;
-    auto start = std::make_unique<Start>(Start{this, m_nStops.load()});
+    std::unique_ptr<Start> start(new Start{this, m_nStops.load()});
     m_hThread = ::CreateThread(nullptr, 0, ListenerEntry, start.get(), 0, &id);
     if (!m_hThread) return Result(::GetLastError());
     start.release();  // the thread's
