@@ -50,7 +50,12 @@ std::string GapLine(const CRecordedGap& gap, const Session& session) {
     const std::string channels = ChannelNames(gap.channels, session);
     std::string line = TimeTextOf(gap.from) + "  " + TimeTextOf(gap.until) + "  ";
     std::string cause = CauseInWords(gap.cause);
-    if (const std::string told = ToUtf8(gap.text); !told.empty() && told != cause) cause += " (" + told + ")";
+    // What was told says more, with the cause's own words or without.
+    if (const std::string told = ToUtf8(gap.text); told.starts_with(cause)) {
+        cause = told;
+    } else if (!told.empty()) {
+        cause += " (" + told + ")";
+    }
     line += Say(Text::GapLine, {std::to_string(gap.missed), std::to_string(gap.attempts), cause});
     if (!channels.empty()) line += ": " + channels;
     return line;

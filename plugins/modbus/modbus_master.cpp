@@ -173,7 +173,7 @@ void Master::Hear(const Answer& answer) {
 void Master::Deliver(Question owner, const Answer& answer) {
     m_answered |= owner == m_asked;
     if (owner < m_firstQuestion || owner == Ledger::kUnknown) return;  // an earlier reading's: right, but too late
-    Outcome& outcome = (*m_outcomes)[owner - m_firstQuestion];
+    Outcome& outcome = (*m_outcomes)[static_cast<size_t>(owner - m_firstQuestion)];
     if (answer.exception != 0) {
         if (owner == m_asked) m_refusal = answer.exception;
         return;
