@@ -192,6 +192,15 @@ size_t BehindSign(std::string_view text) {
     return sign != std::string_view::npos && (text[sign] == '=' || text[sign] == ':') ? sign + 1 : std::string_view::npos;
 }
 
+// The first of the signs that part values. A comma between digits is none: it may be a decimal sign that nobody told of.
+size_t EndOfPart(std::string_view text, const std::string& parts) {
+    const auto digit = [&](size_t i) { return i < text.size() && text[i] >= '0' && text[i] <= '9'; };
+    size_t at = text.find_first_of(parts);
+    while (at != std::string_view::npos && at > 0 && text[at] == ',' && digit(at - 1) && digit(at + 1))
+        at = text.find_first_of(parts, at + 1);
+    return at;
+}
+
 // Where a value ends that nothing else parts from the next name: before the blanks in front of it.
 size_t EndBeforeName(std::string_view text) {
     const size_t sign = text.find_first_of("=:");
@@ -222,7 +231,7 @@ size_t FindKey(std::string_view line, std::string_view key, const Separator& sep
         const size_t begin = begins ? BehindSign(rest) : std::string_view::npos;
         if (begin == std::string_view::npos) continue;
         value = rest.substr(begin);
-        value = value.substr(0, value.find_first_of(parts));
+        value = value.substr(0, EndOfPart(value, parts));
         const size_t lead = std::min(value.find_first_not_of(kBlanks), value.size());
         value = Trimmed(value.substr(0, lead + EndBeforeName(value.substr(lead))));
         ++count;

@@ -94,6 +94,7 @@ TEST(TextFields, ValuesOfLines) {
         {kKeys + "sSeparator=comma", {"T = 23.5 , RH:41"}, "23.5 41"},
         {kKeys + "sSeparator=comma", {"Air T=1,T=2,RH=3"}, "2 3"},
         {kKeys + "sDecimal=,", {"T=23,5 RH=41,2"}, "23.5 41.2"},
+        {kKeys, {"T=23,5 RH=41,x"}, "! 41"},
         {kKeys + "nLines=2; sFirst=T", {"T=23.5", "RH=41"}, "23.5 41"},
         {kKeys + "nLines=2; sFirst=T; Channels.2.nLine=1", {"T=23.5", "RH=41"}, "23.5 !"},
         // JSON.

@@ -68,6 +68,7 @@ TEST(TextLearn, DescribesWhatItHeard) {
          "Channels.1.nField=1; Channels.1.sName=#1; Channels.1.sSuffix=C; Channels.1.sUnit=C; Channels.2.nField=2", "23.6 42"},
         {"C RH=41%\nT=23.5C RH=41%\nT=23.6C RH=42%\n",
          "Channels.1.sKey=T; Channels.1.sName=T; Channels.1.sSuffix=C; Channels.1.sUnit=C; Channels.2.sKey=RH", "23.6 42"},
+        {"x\nT=23,5 H=41,2\nT=23,6 H=41,3\n", "sDecimal=,", "23.6 41.3"},
         {"y\nTemp: 23.5 \xC2\xB0"
          "C, Hum: 41 %\nTemp: 23.6 \xC2\xB0"
          "C, Hum: 42 %\n",
