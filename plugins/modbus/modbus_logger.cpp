@@ -82,7 +82,7 @@ void Logger::Connect(const char* port, DWORD timeout) {
         m_connection->Enter(COrvikConnection::Disconnected);
         throw;
     }
-    m_master->Configure(m_description.line, timeout);
+    m_master->Configure(port, m_description.line, timeout);
     m_connection->Enter(COrvikConnection::Connected);
 }
 

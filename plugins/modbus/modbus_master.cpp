@@ -1,6 +1,7 @@
 #include "plugins/modbus/modbus_master.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "afx/string.h"
@@ -11,6 +12,9 @@ namespace {
 constexpr std::chrono::seconds kLongestRest{60};
 constexpr int kMostDoublings = 16;
 constexpr UINT kIllegalResponseText = 832, kTimeoutText = 836, kBadProtocolText = 831, kSlaveText = 8331;
+
+// Of all masters: several may share a line, and what is owed on it.
+std::atomic<Ledger::Question> g_nextQuestion{1};
 
 bool IsFromGateway(BYTE exception) { return exception == kNoPath || exception == kNoTarget; }
 }  // namespace
@@ -25,7 +29,7 @@ Master::Master(ITransport& transport, const Description& description)
     }
 }
 
-void Master::Configure(const CLineSettings&, DWORD timeout) {
+void Master::Configure(const char*, const CLineSettings&, DWORD timeout) {
     for (auto& [address, state] : m_states)
         state.timeout = std::chrono::milliseconds(std::max<DWORD>(state.slave.timeout != 0 ? state.slave.timeout : timeout, 1));
     m_notBefore = m_transport.Now() + m_pauseOpen;
@@ -36,17 +40,12 @@ void Master::Read(std::span<const Request> requests, std::vector<Outcome>& outco
     m_requests = requests;
     m_outcomes = &outcomes;
     m_told = false;
-    try {
-        Begin();
-        Choose();
-        AskAll();
-        Settle();
-        Finish();
-    } catch (...) {
-        m_firstQuestion += requests.size();
-        throw;
-    }
-    m_firstQuestion += requests.size();
+    m_firstQuestion = g_nextQuestion.fetch_add(requests.size());
+    Begin();
+    Choose();
+    AskAll();
+    Settle();
+    Finish();
 }
 
 // Which slaves this reading asks.
@@ -172,7 +171,8 @@ void Master::Hear(const Answer& answer) {
 
 void Master::Deliver(Question owner, const Answer& answer) {
     m_answered |= owner == m_asked;
-    if (owner < m_firstQuestion || owner == Ledger::kUnknown) return;  // an earlier reading's: right, but too late
+    // An earlier reading's is right, but too late; another master's is not ours to keep.
+    if (owner < m_firstQuestion || owner - m_firstQuestion >= m_requests.size()) return;
     Outcome& outcome = (*m_outcomes)[static_cast<size_t>(owner - m_firstQuestion)];
     if (answer.exception != 0) {
         if (owner == m_asked) m_refusal = answer.exception;

@@ -25,9 +25,9 @@ public:
     Master(ITransport& transport, const Description& description);
     virtual ~Master() = default;
 
-    // The line was opened. `timeout`: milliseconds from the end of a request to the end of its answer, for slaves that have none
-    // of their own.
-    virtual void Configure(const CLineSettings& line, DWORD timeout);
+    // The line at this address was opened. `timeout`: milliseconds from the end of a request to the end of its answer, for slaves
+    // that have none of their own.
+    virtual void Configure(const char* address, const CLineSettings& line, DWORD timeout);
     // Told of the first value and of late answers; null for nobody.
     void Watch(IReadingWatch* watch) { m_watch = watch; }
 
@@ -104,7 +104,7 @@ private:
     unsigned m_silences = 0;
     IReadingWatch* m_watch = nullptr;
     TimePoint m_notBefore{};
-    Question m_firstQuestion = 1;
+    Question m_firstQuestion = 1;  // those of a reading follow each other
     // Of the reading under way.
     std::span<const Request> m_requests;
     std::vector<Outcome>* m_outcomes = nullptr;

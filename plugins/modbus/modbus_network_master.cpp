@@ -1,6 +1,7 @@
 #include "plugins/modbus/modbus_network_master.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include "afx/string.h"
 #include "comm/comm_exception.h"
@@ -9,11 +10,13 @@
 namespace modbus {
 namespace {
 constexpr size_t kMostOpen = 128;  // an answer that is as many requests late is nobody's any more
+// Of all masters: several may share a connection.
+std::atomic<WORD> g_transaction{0};
 constexpr UINT kNoModbusText = 8333;
 }  // namespace
 
-void NetworkMaster::Configure(const CLineSettings& line, DWORD timeout) {
-    Master::Configure(line, timeout);
+void NetworkMaster::Configure(const char* address, const CLineSettings& line, DWORD timeout) {
+    Master::Configure(address, line, timeout);
     m_open.clear();
     m_received.clear();
     m_pending.clear();
@@ -28,8 +31,9 @@ void NetworkMaster::Begin() {
 Master::End NetworkMaster::Exchange(const Request& request, Question question) {
     const TimePoint sent = m_transport.Now(), deadline = sent + StateOf(request.slave).timeout;
     if (m_open.size() == kMostOpen) m_open.erase(m_open.begin());
-    m_open.push_back({++m_transaction, question, request, sent});
-    m_transport.Send(NetworkFrame(m_transaction, request.slave, RequestMessage(request)), deadline);
+    const WORD transaction = ++g_transaction;
+    m_open.push_back({transaction, question, request, sent});
+    m_transport.Send(NetworkFrame(transaction, request.slave, RequestMessage(request)), deadline);
     while (!m_answered && m_transport.Now() < deadline && Receive(deadline)) continue;
     if (m_answered) return End::Answered;
     if (!m_received.empty()) Break();

@@ -11,7 +11,7 @@ namespace modbus {
 class NetworkMaster final : public Master {
 public:
     using Master::Master;
-    void Configure(const CLineSettings& line, DWORD timeout) override;
+    void Configure(const char* address, const CLineSettings& line, DWORD timeout) override;
 
 private:
     // A request that may still be answered.
@@ -31,7 +31,6 @@ private:
     std::vector<Open> m_open;  // in the order of sending
     std::vector<BYTE> m_received;
     std::vector<std::pair<WORD, Answer>> m_pending;  // whole ones before it, by their transactions
-    WORD m_transaction = 0;
 };
 
 }  // namespace modbus

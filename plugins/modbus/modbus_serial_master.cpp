@@ -1,6 +1,7 @@
 #include "plugins/modbus/modbus_serial_master.h"
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 #include "plugins/modbus/modbus_plan.h"
@@ -20,12 +21,28 @@ SerialMaster::SerialMaster(ITransport& transport, const Description& description
     for (const Block& block : PlanBlocks(description)) m_usual.push_back(block.request);
 }
 
-void SerialMaster::Configure(const CLineSettings& line, DWORD timeout) {
-    Master::Configure(line, timeout);
+std::shared_ptr<SerialMaster::LineBooks> SerialMaster::BooksOf(const std::string& line) {
+    // A list of everybody's, for a thread's own objects end at no sure moment.
+    struct List {
+        std::mutex lock;
+        std::map<std::pair<DWORD, std::string>, std::weak_ptr<LineBooks>> known;
+    };
+    static auto* const list = new List;
+    const std::lock_guard lock(list->lock);
+    std::erase_if(list->known, [](const auto& entry) { return entry.second.expired(); });
+    std::weak_ptr<LineBooks>& known = list->known[{::GetCurrentThreadId(), line}];
+    std::shared_ptr<LineBooks> books = known.lock();
+    if (!books) known = books = std::make_shared<LineBooks>();
+    return books;
+}
+
+void SerialMaster::Configure(const char* address, const CLineSettings& line, DWORD timeout) {
+    Master::Configure(address, line, timeout);
+    if (!m_books || m_line != address) m_books = BooksOf(m_line = address);
     // 3.5 characters of silence separate frames; above 19,200 bit/s a fixed 1.75 ms (the serial line guide, 2.5.1.1).
     m_character = std::chrono::microseconds(static_cast<long long>(1e6 * line.BitsPerCharacter() / line.baud) + 1);
     m_gap = line.baud > 19200 ? std::chrono::microseconds(1750) : m_character * 7 / 2;
-    for (const auto& [address, state] : States()) m_books[address].ledger.SetTimeout(state.timeout);
+    for (const auto& [slave, state] : States()) BooksOf(slave).ledger.SetTimeout(state.timeout);
     m_strange = m_transport.IsShared();
     m_received.clear();
 }
@@ -44,12 +61,12 @@ void SerialMaster::Suspect() {
             return other.slave == request->slave && other.function == request->function && other.count == request->count;
         };
         if (std::none_of(m_usual.begin(), request, alike))
-            m_books[request->slave].ledger.Sent(*request, Ledger::kUnknown, m_transport.Now());
+            BooksOf(request->slave).ledger.Sent(*request, Ledger::kUnknown, m_transport.Now());
     }
 }
 
 Master::End SerialMaster::Exchange(const Request& request, Question question) {
-    Ledger& ledger = m_books[request.slave].ledger;
+    Ledger& ledger = BooksOf(request.slave).ledger;
     const Duration timeout = StateOf(request.slave).timeout;
     AwaitSilence(timeout);
     m_anythingCame = m_answered = m_doubtful = false;
@@ -74,7 +91,7 @@ Master::End SerialMaster::Exchange(const Request& request, Question question) {
 }
 
 void SerialMaster::Clear(const Request* request, Question question, BYTE slave) {
-    Books& books = m_books[slave];
+    Books& books = BooksOf(slave);
     while (const std::optional<Request> rival = books.ledger.Rival(request, question)) {
         if (!books.ledger.ProbesHelp()) {
             AwaitLongSilence(books.ledger);
@@ -94,7 +111,7 @@ void SerialMaster::Finish() {
     for (const auto& [address, state] : States()) {
         if (!state.silent) Clear(nullptr, 0, address);
         // Several would wait for one.
-        if (IsAlone() && m_books[address].ledger.Rival(nullptr, 0)) AwaitLongSilence(m_books[address].ledger);
+        if (IsAlone() && BooksOf(address).ledger.Rival(nullptr, 0)) AwaitLongSilence(BooksOf(address).ledger);
     }
 }
 
@@ -126,11 +143,12 @@ bool SerialMaster::Receive(TimePoint until, bool prompt) {
 }
 
 void SerialMaster::Take(const Answer& answer, bool prompt) {
-    const auto books = m_books.find(answer.slave);
-    if (books == m_books.end()) return;
+    const auto books = m_books->find(answer.slave);
+    if (books == m_books->end()) return;
     const Ledger::Verdict verdict = books->second.ledger.Answered(answer, m_lastByte, prompt);
     if (!verdict.owed) return;
     books->second.probeInVain = false;
+    if (States().count(answer.slave) == 0) return;  // asked by who shares the line
     Hear(answer);
     TellLate(verdict.late);
     m_doubtful |= !verdict.owner && verdict.newest == m_asked;

@@ -1,7 +1,11 @@
 // The master of a serial line, and of a network that carries what would be on one: frames between silences, answers that only the
 // ledger can tell apart, one ledger a slave. On a line that was just opened, and after an answer that was lost, a probe clears up
-// what may still be under way.
+// what may still be under way. Masters that share a line on one thread share its ledgers: what one of them is still owed must not
+// be taken for the other's.
 #pragma once
+
+#include <memory>
+#include <string>
 
 #include "plugins/modbus/modbus_master.h"
 
@@ -13,13 +17,17 @@ public:
 
     // A request is repeated after the time-out or, on a line that is known to be later, half as much again after the time at
     // which answers come. What is still owed from before stays known: a line that was opened again has the same loggers.
-    void Configure(const CLineSettings& line, DWORD timeout) override;
+    void Configure(const char* address, const CLineSettings& line, DWORD timeout) override;
 
 private:
     struct Books {
         Ledger ledger;
         bool probeInVain = false;  // the last probe was not answered, nor anything since
     };
+    using LineBooks = std::map<BYTE, Books>;  // by address
+    // Those of a line that this thread has open, or new ones.
+    static std::shared_ptr<LineBooks> BooksOf(const std::string& line);
+    Books& BooksOf(BYTE slave) { return (*m_books)[slave]; }
 
     void Begin() override;
     void Clear(const Request& request, Question question) override { Clear(&request, question, request.slave); }
@@ -37,8 +45,9 @@ private:
     bool Receive(TimePoint until, bool prompt);
     void Take(const Answer& answer, bool prompt);
 
-    std::vector<Request> m_usual;                 // what a reading of everything asks
-    std::map<BYTE, Books> m_books;                // by address
+    std::vector<Request> m_usual;  // what a reading of everything asks
+    std::string m_line;
+    std::shared_ptr<LineBooks> m_books;
     std::chrono::microseconds m_character{1042};  // that one is on the line
     std::chrono::microseconds m_gap{1750};
 

@@ -123,7 +123,52 @@ private:
     simulated::Wire* m_wire;  // the logger's
     modbus::Logger m_logger;
 };
+
+// A line that somebody else has, too.
+class Borrowed : public ITransport {
+public:
+    explicit Borrowed(ITransport& line) : m_line(line) {}
+    void Open(const char* address, const CLineSettings& line, TimePoint until) override { m_line.Open(address, line, until); }
+    void Close() override {}
+    bool IsOpen() const override { return m_line.IsOpen(); }
+    bool IsShared() const override { return true; }
+    TimePoint Now() override { return m_line.Now(); }
+    void Send(std::span<const BYTE> bytes, TimePoint until) override { m_line.Send(bytes, until); }
+    bool Receive(std::vector<BYTE>& received, TimePoint until) override { return m_line.Receive(received, until); }
+    void Abort() override {}
+
+private:
+    ITransport& m_line;
+};
 }  // namespace
+
+TEST(ModbusLateAnswers, LoggersThatShareALineKeepTheirOwn) {
+    simulated::Wire wire({.spread = 0.9, .lateBy = 4, .lateChance = 0.02, .silent = 0.1}, 1);
+    const auto make = [&](WORD first) {
+        modbus::Description two = FourChannels(2);
+        two.channels = {two.channels[1], two.channels[2]};  // one of each slave
+        for (modbus::Channel& channel : two.channels) channel.first = first;
+        return std::make_unique<modbus::Logger>(two, std::make_unique<Borrowed>(wire));
+    };
+    const std::unique_ptr<modbus::Logger> loggers[] = {make(100), make(200), make(300)};
+    for (const auto& logger : loggers) logger->Connect("COM1", 1000);
+    int good = 0;
+    for (int round = 0; round < 2000; ++round) {
+        const modbus::TimePoint begun = wire.Now();
+        CDoubleArray values;
+        try {
+            loggers[round % 3]->ReadSample(values);
+        } catch (CCommException* failure) {
+            failure->Delete();
+        }
+        for (INT_PTR i = 0; i < values.GetSize(); ++i) {
+            if (std::isnan(values[i])) continue;
+            ++good;
+            EXPECT_TRUE(wire.IsTrue(static_cast<WORD>(values[i]), static_cast<WORD>(100 * (round % 3 + 1)), begun)) << round;
+        }
+    }
+    EXPECT_GT(good, 500);
+}
 
 TEST(ModbusLateAnswers, NoCellIsEverAnothers) {
     const struct {
