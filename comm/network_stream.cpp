@@ -63,7 +63,10 @@ void NetworkStream::Open(const CLineAddress& address, TimePoint until) {
         Wait(connecting.Done(), until + std::chrono::milliseconds(100));
     }
     m_socket = std::move(socket);
-    m_lost = false;
+    m_lost = m_asked = false;
+    m_prompt = true;
+    m_early.clear();
+    m_used = std::chrono::steady_clock::now();
     m_user->connection.SetOnline(true);
 }
 
@@ -87,7 +90,8 @@ void NetworkStream::Send(std::span<const BYTE> bytes, TimePoint until) {
 bool NetworkStream::Receive(std::vector<BYTE>& received, TimePoint until) {
     CheckLine();
     // The first look after a request lingers, as long as the far end is one that answers at once.
-    const TimePoint soon = std::chrono::steady_clock::now() + kSoon;
+    m_used = std::chrono::steady_clock::now();
+    const TimePoint soon = m_used + kSoon;
     if (TakeWaiting(received, m_asked && m_prompt && soon <= until)) return true;
     // Messages that came before wake nobody: they are looked at soon, but not in the way of an answer.
     TimePoint next = std::min(until, soon);
@@ -102,7 +106,21 @@ bool NetworkStream::Receive(std::vector<BYTE>& received, TimePoint until) {
     }
 }
 
+bool NetworkStream::WasClosedWhileIdle() {
+    if (m_lost || !m_socket.IsOpen() || std::chrono::steady_clock::now() < m_used + kSoon) return false;
+    BYTE block[2048];
+    DWORD got = 0;
+    const bool closed = m_socket.Receive(block, sizeof block, got) != 0;
+    m_early.insert(m_early.end(), block, block + got);
+    return closed && m_early.empty();
+}
+
 bool NetworkStream::TakeWaiting(std::vector<BYTE>& received, bool linger) {
+    if (!m_early.empty()) {
+        received.insert(received.end(), m_early.begin(), m_early.end());
+        m_early.clear();
+        return true;
+    }
     BYTE block[2048];
     DWORD got = 0;
     if (const DWORD error = m_socket.Receive(block, sizeof block, got, linger)) Lose(error);

@@ -24,6 +24,8 @@ public:
     void Close() { m_socket.Close(); }
     bool IsOpen() const { return m_socket.IsOpen(); }
     bool IsLost() const { return m_lost; }
+    // Looks only where nothing was received for some time.
+    bool WasClosedWhileIdle();
 
     // All of it, or 7.
     void Send(std::span<const BYTE> bytes, TimePoint until);
@@ -45,7 +47,8 @@ private:
     std::string m_address;  // "host:port"
     bool m_asked = false;   // nothing was looked for since the last request
     bool m_prompt = true;   // the far end answers almost at once
-    TimePoint m_askedAt;
+    TimePoint m_askedAt, m_used;
+    std::vector<BYTE> m_early;  // came before anybody asked
     bool m_lost = false;
     DWORD m_lossError = 0;
 };

@@ -97,6 +97,7 @@ public:
     }
     TimePoint Now() override { return std::chrono::steady_clock::now(); }
     void Send(std::span<const BYTE> bytes, TimePoint until) override {
+        if (m_shared && m_shared->line && m_shared->line->WasClosedWhileIdle()) m_shared->Close();
         Call(until, [&](SharedLine& shared, LineTransport& line) {
             if (shared.settings != m_settings) {
                 line.SetUp(m_settings, until);

@@ -175,6 +175,29 @@ TEST_F(TcpTransportTest, ALostConnectionIsTold) {
     }
 }
 
+TEST_F(TcpTransportTest, AConnectionThatWasClosedWhileIdleIsOpenedAnew) {
+    Open();
+    EXPECT_EQ("", Receive(60ms));
+    peer.Send("late");
+    peer.Close();
+    // What came is not thrown away: it tells first, and the end with it.
+    Send("lost");
+    EXPECT_EQ("late", Receive());
+    EXPECT_EQ("7", FailureOf([&] { Receive(); }).substr(0, 1));
+    transport->Close();
+
+    Open();
+    EXPECT_EQ("", Receive(60ms));
+    peer.Close();
+    Send("ask");
+    peer.Accept();
+    EXPECT_EQ("ask", peer.Receive(3));
+    EXPECT_EQ("", Receive(60ms));
+    peer.Close();
+    peer.StopListening();
+    EXPECT_EQ("6", FailureOf([&] { Send("ask"); }).substr(0, 1));
+}
+
 TEST_F(TcpTransportTest, AnAbortEndsAWaitAndHoldsUntilClosed) {
     transport->Abort();
     EXPECT_EQ(Standard(9), FailureOf([&] { Open(); }));
