@@ -300,6 +300,35 @@ TEST(TextReader, FailuresThatLastAreToldOnce) {
     }
 }
 
+TEST(TextReader, LateAnswersAreTold) {
+    Told told(kAsked);
+    double delay = 1.5;
+    told.line->onSend = [&](std::string_view) { told.line->Come(told.line->Seconds() + delay, "1\r\n"); };
+    told.Connect();
+    told.Read();
+    EXPECT_NEAR(told.late, 1494, 2);  // the question itself takes 6 ms
+    delay = 0.5;
+    told.Read();
+    EXPECT_EQ(told.late, 0u);
+}
+
+TEST(TextReader, ChannelsThatAreNotDueDoNotMatter) {
+    Told told("Channels.1.nField=1; Channels.2.nField=2");
+    for (int i = 1; i < 4; ++i) told.line->Come(i, "x,5\r\n");
+    CByteArray due;
+    due.Add(0);
+    due.Add(1);
+    told.Connect();
+    told.logger.Select(due);
+    EXPECT_EQ(told.Read(), "nan 5 @1");
+    EXPECT_EQ(told.failures, 0);
+    due.SetAt(0, 1);
+    due.SetAt(1, 0);
+    told.logger.Select(due);
+    EXPECT_EQ(told.Read(), "!4");
+    EXPECT_EQ(told.failures, 1);
+}
+
 TEST(TextReader, AnAbortEndsIt) {
     Told told(kOne);
     told.line->abortAt = 0.5;
