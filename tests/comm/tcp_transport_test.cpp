@@ -192,7 +192,12 @@ TEST_F(TcpTransportTest, AConnectionThatWasClosedWhileIdleIsOpenedAnew) {
     Send("ask");
     peer.Accept();
     EXPECT_EQ("ask", peer.Receive(3));
+    peer.Send("answer");
+    EXPECT_EQ("answer", Receive());
+    EXPECT_EQ("", Receive(1010ms));
+    peer.Close();
     EXPECT_EQ("", Receive(60ms));
+    peer.Accept();
     peer.Close();
     peer.StopListening();
     EXPECT_EQ("6", FailureOf([&] { Send("ask"); }).substr(0, 1));
