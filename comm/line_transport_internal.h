@@ -25,9 +25,9 @@ public:
     virtual void SetUp(const CLineSettings& line, TimePoint until) = 0;
     // The far end has vanished, and only a new Open can help.
     virtual bool IsLost() const = 0;
-    // The far end has closed the line since it was last used, as many do with one that is idle. Nothing was asked, so nothing is
-    // lost by opening it anew.
-    virtual bool WasClosedWhileIdle() { return false; }
+    // The far end has closed the line while it was idle for so long, as many do. Nothing was asked, so nothing is lost by
+    // opening it anew.
+    virtual bool WasClosedWhileIdle(Duration) { return false; }
     // Who must stay for the line to stay open: a port is its opener's own. Null: anybody.
     virtual const LineUser* Opener() const { return nullptr; }
 

@@ -63,7 +63,7 @@ void NetworkStream::Open(const CLineAddress& address, TimePoint until) {
         Wait(connecting.Done(), until + std::chrono::milliseconds(100));
     }
     m_socket = std::move(socket);
-    m_lost = m_asked = false;
+    m_lost = m_asked = m_pending = false;
     m_prompt = true;
     m_early.clear();
     m_used = std::chrono::steady_clock::now();
@@ -76,6 +76,7 @@ void NetworkStream::Send(std::span<const BYTE> bytes, TimePoint until) {
         DWORD sent = 0;
         if (const DWORD error = m_socket.Send(bytes.data(), static_cast<DWORD>(bytes.size()), sent)) Lose(error);
         bytes = bytes.subspan(sent);
+        m_pending = true;
         m_asked = bytes.empty();
         if (m_asked) return;
         if (sent != 0) continue;
@@ -90,8 +91,7 @@ void NetworkStream::Send(std::span<const BYTE> bytes, TimePoint until) {
 bool NetworkStream::Receive(std::vector<BYTE>& received, TimePoint until) {
     CheckLine();
     // The first look after a request lingers, as long as the far end is one that answers at once.
-    m_used = std::chrono::steady_clock::now();
-    const TimePoint soon = m_used + kSoon;
+    const TimePoint soon = std::chrono::steady_clock::now() + kSoon;
     if (TakeWaiting(received, m_asked && m_prompt && soon <= until)) return true;
     // Messages that came before wake nobody: they are looked at soon, but not in the way of an answer.
     TimePoint next = std::min(until, soon);
@@ -106,8 +106,8 @@ bool NetworkStream::Receive(std::vector<BYTE>& received, TimePoint until) {
     }
 }
 
-bool NetworkStream::WasClosedWhileIdle() {
-    if (m_lost || !m_socket.IsOpen() || std::chrono::steady_clock::now() < m_used + kSoon) return false;
+bool NetworkStream::WasClosedWhileIdle(ITransport::Duration idle) {
+    if (m_lost || m_pending || !m_socket.IsOpen() || std::chrono::steady_clock::now() < m_used + idle) return false;
     BYTE block[2048];
     DWORD got = 0;
     const bool closed = m_socket.Receive(block, sizeof block, got) != 0;
@@ -131,7 +131,8 @@ bool NetworkStream::TakeWaiting(std::vector<BYTE>& received, bool linger) {
         return false;
     }
     if (!m_asked && !m_prompt) m_prompt = std::chrono::steady_clock::now() < m_askedAt + kPrompt;
-    m_asked = false;
+    m_asked = m_pending = false;
+    m_used = std::chrono::steady_clock::now();
     received.insert(received.end(), block, block + got);
     return true;
 }

@@ -24,8 +24,8 @@ public:
     void Close() { m_socket.Close(); }
     bool IsOpen() const { return m_socket.IsOpen(); }
     bool IsLost() const { return m_lost; }
-    // Looks only where nothing was received for some time.
-    bool WasClosedWhileIdle();
+    // Looks only where nothing was received for so long, and no answer is awaited.
+    bool WasClosedWhileIdle(ITransport::Duration idle);
 
     // All of it, or 7.
     void Send(std::span<const BYTE> bytes, TimePoint until);
@@ -44,9 +44,10 @@ private:
 
     LineUser* const& m_user;
     Socket m_socket;
-    std::string m_address;  // "host:port"
-    bool m_asked = false;   // nothing was looked for since the last request
-    bool m_prompt = true;   // the far end answers almost at once
+    std::string m_address;   // "host:port"
+    bool m_pending = false;  // nothing was received since the last request
+    bool m_asked = false;    // nothing was looked for since the last request
+    bool m_prompt = true;    // the far end answers almost at once
     TimePoint m_askedAt, m_used;
     std::vector<BYTE> m_early;  // came before anybody asked
     bool m_lost = false;

@@ -14,7 +14,7 @@ public:
     bool IsShared() const override { return true; }
     void SetUp(const CLineSettings& line, TimePoint until) override;
     bool IsLost() const override { return m_stream.IsLost(); }
-    bool WasClosedWhileIdle() override { return m_stream.WasClosedWhileIdle(); }
+    bool WasClosedWhileIdle(Duration idle) override { return m_stream.WasClosedWhileIdle(idle); }
     void Send(std::span<const BYTE> bytes, TimePoint until) override;
     bool Receive(std::vector<BYTE>& received, TimePoint until) override;
 

@@ -15,7 +15,7 @@ public:
     bool IsShared() const override { return m_bus; }
     void SetUp(const CLineSettings&, TimePoint) override {}
     bool IsLost() const override { return m_stream.IsLost(); }
-    bool WasClosedWhileIdle() override { return m_stream.WasClosedWhileIdle(); }
+    bool WasClosedWhileIdle(Duration idle) override { return m_stream.WasClosedWhileIdle(idle); }
     void Send(std::span<const BYTE> bytes, TimePoint until) override;
     bool Receive(std::vector<BYTE>& received, TimePoint until) override;
 

@@ -73,6 +73,7 @@ public:
             m_address = address;
             m_parsed = CLineAddress::Parse(address);
             m_settings = line;
+            m_patience = until - Now();
             m_shared = LineAt(m_parsed);
             m_shared->users.push_back(&m_user);
             m_user.open = true;
@@ -97,7 +98,7 @@ public:
     }
     TimePoint Now() override { return std::chrono::steady_clock::now(); }
     void Send(std::span<const BYTE> bytes, TimePoint until) override {
-        if (m_shared && m_shared->line && m_shared->line->WasClosedWhileIdle()) m_shared->Close();
+        Refresh(std::chrono::milliseconds(50));
         Call(until, [&](SharedLine& shared, LineTransport& line) {
             if (shared.settings != m_settings) {
                 line.SetUp(m_settings, until);
@@ -108,6 +109,9 @@ public:
     }
     bool Receive(std::vector<BYTE>& received, TimePoint until) override {
         bool any = false;
+        // Who looks whether something is left over before he asks is not to stumble over the end of an idle line either; an
+        // answer that stops in the middle is another thing.
+        Refresh(std::chrono::seconds(1));
         Call(until, [&](SharedLine&, LineTransport& line) { any = line.Receive(received, until); });
         return any;
     }
@@ -125,11 +129,15 @@ private:
         shared->line = line;
         shared->settings = m_settings;
     }
+    void Refresh(Duration idle) {
+        if (m_shared && m_shared->line && m_shared->line->WasClosedWhileIdle(idle)) m_shared->Close();
+    }
     template <class Do>
     void Call(TimePoint until, Do act) {
         if (m_user.abort.IsRaised()) OrvikThrowCommException(CCommException::SessionAborted, nullptr);
         if (!m_shared) OrvikThrowCommException(CCommException::DeviceNotOpen, nullptr);
-        if (!m_shared->line) OpenLine(until);
+        // Who only looks whether something has come gives it hardly any time.
+        if (!m_shared->line) OpenLine(std::max(until, Now() + m_patience));
         // Held, for a message that is handled during a wait may close the line, or open another.
         const std::shared_ptr<SharedLine> shared = m_shared;
         const std::shared_ptr<LineTransport> line = shared->line;
@@ -160,6 +168,7 @@ private:
     std::string m_address;
     CLineAddress m_parsed;
     CLineSettings m_settings;
+    Duration m_patience{};  // that opening may take
     std::shared_ptr<SharedLine> m_shared;
 };
 }  // namespace

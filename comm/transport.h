@@ -59,5 +59,5 @@ public:
 // Several transports may open the same address on one thread, as those of loggers on one bus do: they share the line and take
 // turns, it is set up for whoever sends, and IsShared is true. It is closed with the last of them; a serial port whose opener
 // goes first is opened again by the next who uses it. A line that was lost is opened anew by the first Open, for all. One
-// that a network's far end has closed while nobody used it is opened anew by the next Send.
+// that a network's far end has closed while nobody used it is opened anew by who uses it next.
 ORVIK_API std::unique_ptr<ITransport> OrvikMakeTransport(CSerialOrvik& port, CLineConnection& connection);
