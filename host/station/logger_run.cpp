@@ -85,6 +85,7 @@ void LoggerRun::Step() {
     }
     m_measurement->Run();
     if (m_measurement->IsOver()) return End();
+    Advise();
     const __int64 now = m_clock.Steady();
     if (now - m_ticked >= kSecond) {
         m_ticked = now;
@@ -96,6 +97,21 @@ void LoggerRun::Step() {
         Enter(LoggerState::Silent, ToUtf8(m_measurement->LastFailure()));
     }
     Report(false);
+}
+
+// Told once: what happens again and again is how the logger is, and no accident.
+void LoggerRun::Advise() {
+    constexpr DWORD kAgain = 3;
+    const auto say = [this](Text text, DWORD longest, DWORD allowed) {
+        m_advised = true;
+        Say(::Say(text, {std::to_string(longest), std::to_string(allowed)}));
+    };
+    if (m_advised) return;
+    if (m_measurement->LateAnswers() >= kAgain) {
+        say(Text::StationLateAnswers, m_measurement->Latest(), m_plan->plan.timeout);
+    } else if (m_measurement->SlowReadings() >= kAgain) {
+        say(Text::StationTooSlow, m_measurement->Slowest(), m_plan->plan.interval);
+    }
 }
 
 // What was read since is lost; what is in the file stays.

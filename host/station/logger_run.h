@@ -52,6 +52,7 @@ private:
 
     void Make();
     void Step();
+    void Advise();
     void CannotRecord(const std::string& sentence);
     void End();
     void Enter(LoggerState state, const std::string& why);
@@ -77,5 +78,5 @@ private:
     std::set<std::pair<std::vector<WORD>, std::string>> m_told;
     __int64 m_againAt = 0;  // when it begins anew, where it could not
     __int64 m_ticked = 0, m_reported = 0;
-    bool m_lost = false, m_csvTold = false, m_over = false;
+    bool m_lost = false, m_csvTold = false, m_advised = false, m_over = false;
 };
