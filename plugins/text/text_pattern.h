@@ -3,7 +3,8 @@
 //
 // The language is what most tools have: . [a-z] [^,] \d \w \s \D \W \S \b \B ^ $ ( ) (?: ) (?<name> ) (?P<name> ) | * + ? {2}
 // {2,} {2,5} and their lazy forms (*? ...), escapes \r \n \t \xHH and \ before any sign. Back references and looking around are
-// not part of it. Characters are bytes. A value that does not change; any thread.
+// not part of it. A turn of a repetition that takes nothing does not count: a group in it keeps what it took before. Characters
+// are bytes. A value that does not change; any thread.
 #pragma once
 
 #include <bitset>
