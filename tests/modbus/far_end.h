@@ -55,6 +55,22 @@ public:
         });
     }
 
+    // What comes here goes there, and back: whoever opens one of both names has whoever opens the other at the far end.
+    void Join(const FarEnd& other) {
+        m_thread = std::thread([this, there = other.m_fd] {
+            while (!m_stopping) {
+                pollfd waiting[] = {{m_fd, POLLIN, 0}, {there, POLLIN, 0}};
+                if (poll(waiting, 2, 20) <= 0) continue;
+                for (const int end : {0, 1}) {
+                    BYTE block[256];
+                    if (!(waiting[end].revents & POLLIN)) continue;
+                    const ssize_t got = read(waiting[end].fd, block, sizeof block);
+                    if (got > 0 && write(waiting[1 - end].fd, block, static_cast<size_t>(got)) < 0) return;
+                }
+            }
+        });
+    }
+
     // Whatever comes is handed to `answer`, piece by piece; what it gives goes back.
     void ServeBytes(std::function<std::vector<BYTE>(const BYTE*, size_t)> answer) {
         m_thread = std::thread([this, answer = std::move(answer)] {

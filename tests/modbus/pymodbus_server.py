@@ -1,5 +1,6 @@
-"""A pymodbus server with values of every type and order, for a master to read. Says its port, then a line for each value (slave,
-function, register or coil, type, order, value), then "ready"; ends when its input does."""
+"""A pymodbus server with values of every type and order, for a master to read: pymodbus_server.py [SERIAL_DEVICE], without one on the
+network. Says its address, then a line for each value (slave, function, register or coil, type, order, value), then "ready"; ends when
+its input does."""
 import asyncio
 import logging
 import random
@@ -8,7 +9,7 @@ import sys
 from pymodbus.constants import Endian
 from pymodbus.datastore import ModbusSequentialDataBlock, ModbusServerContext, ModbusSlaveContext
 from pymodbus.payload import BinaryPayloadBuilder
-from pymodbus.server.async_io import ModbusTcpServer
+from pymodbus.server.async_io import ModbusSerialServer, ModbusTcpServer
 
 BITS = {"int16": 16, "uint16": 16, "int32": 32, "uint32": 32, "float32": 32, "int64": 64, "uint64": 64, "float64": 64}
 # By the order of bytes in a register, and of registers.
@@ -54,10 +55,17 @@ async def serve():
             blocks[name] = ModbusSequentialDataBlock(0, words)
             said += [(slave, function, *line) for line in lines]
         slaves[slave] = ModbusSlaveContext(**blocks, zero_mode=True)
-    server = ModbusTcpServer(ModbusServerContext(slaves=slaves, single=False), address=("127.0.0.1", 0))
-    serving = asyncio.get_running_loop().create_task(server.serve_forever())
-    await server.serving
-    print(server.server.sockets[0].getsockname()[1])
+    context = ModbusServerContext(slaves=slaves, single=False)
+    if len(sys.argv) > 1:
+        server = ModbusSerialServer(context, port=sys.argv[1], baudrate=19200)
+        await server.start()
+        serving = asyncio.get_running_loop().create_task(server.serve_forever())
+        print(sys.argv[1])
+    else:
+        server = ModbusTcpServer(context, address=("127.0.0.1", 0))
+        serving = asyncio.get_running_loop().create_task(server.serve_forever())
+        await server.serving
+        print(f"tcp://127.0.0.1:{server.server.sockets[0].getsockname()[1]}")
     for line in said:
         print(*(repr(part) if isinstance(part, float) else part for part in line))
     print("ready", flush=True)
