@@ -22,8 +22,9 @@ public:
     // The first answer of this reading has arrived: the host stamps the reading with this moment. Later calls in the same reading
     // count for nothing.
     virtual void OnAnswer() = 0;
-    // A channel, counted from 0, could not be read: its value stays NaN. `code` is one of CCommException; `text` says more, or is
-    // null for the code's standard text, and is good for the call only.
+    // A channel, counted from 0, could not be read: its value stays NaN. (One that was read and has no value is NaN, too, and not
+    // told of.) `code` is one of CCommException; `text` says more, or is null for the code's standard text, and is good for the
+    // call only.
     virtual void OnChannelFailed(int channel, int code, const char* text) = 0;
     // An answer came after its time-out, this long after its request: whether it could still be used or not. Where several
     // requests may have been meant, after the oldest.

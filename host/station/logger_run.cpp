@@ -230,7 +230,7 @@ void LoggerRun::OnEvent(const CRecordedEvent& event) {
     const std::string port = ToUtf8(m_plan->plan.port);
     if (event.kind == RE_LOST) {
         m_lost = true;
-        Say(::Say(Text::LineLost, {port, ToUtf8(event.text)}));
+        Say(LineLostSentence(m_plan->plan.port, event.text));
     } else if (event.kind == RE_CONNECTED && std::exchange(m_lost, false)) {
         Say(::Say(Text::LineBack, {port}));
     } else if (event.kind == RE_CLOCK_STEPPED) {

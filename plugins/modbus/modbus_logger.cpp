@@ -13,7 +13,7 @@
 
 namespace modbus {
 namespace {
-constexpr UINT kNoValueText = 8330, kNoSerialSlaveText = 8332, kNotWritableText = 8340, kCannotHoldText = 8341;
+constexpr UINT kNoSerialSlaveText = 8332, kNotWritableText = 8340, kCannotHoldText = 8341;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 CString TextOf(UINT id) {
@@ -129,24 +129,24 @@ void Logger::Exchange(std::span<const Request> requests, std::vector<Master::Out
 }
 
 void Logger::Deliver(const std::vector<Master::Outcome>& outcomes, CDoubleArray& values, bool whole) const {
-    const Master::Outcome none = {{}, CCommException::IllegalResponse, TextOf(kNoValueText).GetString()};
     const Master::Outcome* failure = nullptr;
     bool any = false;
     for (size_t i = 0; i < outcomes.size(); ++i) {
         const Master::Outcome& outcome = outcomes[i];
         for (const Block::Part& part : m_blocks[m_asked[i]].parts) {
             if (!IsDue(part.channel)) continue;
-            const bool came = !outcome.data.empty();
-            const double value = came ? Decode(m_description.channels[part.channel], outcome.data.data(), part.offset) : kNan;
-            if (!std::isnan(value)) {
-                values.SetAt(static_cast<INT_PTR>(part.channel), value);
+            // A logger that has no value has answered all the same: nothing is missing.
+            if (!outcome.data.empty()) {
+                values.SetAt(static_cast<INT_PTR>(part.channel),
+                             Decode(m_description.channels[part.channel], outcome.data.data(), part.offset));
                 any = true;
                 continue;
             }
-            const Master::Outcome& why = came ? none : outcome;
-            if (failure == nullptr) failure = &why;
-            if (whole && m_watch != nullptr)
-                m_watch->OnChannelFailed(static_cast<int>(part.channel), why.code, why.text.empty() ? nullptr : why.text.c_str());
+            if (failure == nullptr) failure = &outcome;
+            if (whole && m_watch != nullptr) {
+                const char* const text = outcome.text.empty() ? nullptr : outcome.text.c_str();
+                m_watch->OnChannelFailed(static_cast<int>(part.channel), outcome.code, text);
+            }
         }
     }
     if (whole && !any && failure != nullptr) Refuse(*failure);
