@@ -333,14 +333,15 @@ void Measurement::Lost(const Trouble& trouble, bool reading) {
     static_cast<void>(Try([&] { m_logger.Disconnect(); }));
     const __int64 now = m_clock.Steady();
     const __int64 time = std::max(Stamp(now), m_lastTime + 1);
-    if (!m_lost) Event(RE_LOST, time, trouble.text);
-    m_lost = true;
+    const bool fresh = !std::exchange(m_lost, true);
+    if (fresh) Event(RE_LOST, time, trouble.text);
     m_connected = false;
-    // A port that is gone is looked for every second, however long it is away, and what comes back is asked at once; only a logger
-    // that is there and silent is left in peace for longer and longer.
+    // A line that broke off is made anew at once, for a network's may have ended for no lasting reason: then the reading is still
+    // made. A port that is gone is looked for every second, however long it is away, and what comes back is asked at once; only a
+    // logger that is there and silent is left in peace for longer and longer.
     const bool gone = !reading || trouble.cause == CCommException::DeviceNotOpen || trouble.cause == CCommException::HardwareError;
     if (gone) m_pause = kShortestPause;
-    m_retryAt = now + m_pause;
+    m_retryAt = fresh && trouble.cause == CCommException::HardwareError ? now : now + m_pause;
     if (!gone) m_pause = std::min(2 * m_pause, kLongestPause);
     if (reading || m_slotFailed || now >= DueOf(m_slot)) {
         if (m_plan.interval == 0 && reading) {
