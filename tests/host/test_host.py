@@ -69,6 +69,11 @@ class HostTest(unittest.TestCase):
         done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(language, WINE_STDERR=str(errors), **more), timeout=120,
                               capture_output=True, encoding="utf-8", errors="replace")
         said = done.stderr
+        # Wine may write a moment after the program's end; who fails has something to say.
+        for _ in range(20 if options.wine and done.returncode != 0 else 0):
+            if errors.exists() and errors.stat().st_size > 0:
+                break
+            time.sleep(0.1)
         if options.wine and errors.exists():
             said += errors.read_text(encoding="utf-8", errors="replace")
             errors.unlink()
