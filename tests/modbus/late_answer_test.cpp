@@ -124,6 +124,17 @@ private:
     modbus::Logger m_logger;
 };
 
+// With a pause of up to 3 s after every fourth.
+Tally ReadMany(Line& line, int readings) {
+    Tally tally;
+    std::mt19937 pauses(7);
+    for (int i = 0; i < readings; ++i) {
+        line.Read(tally);
+        if (i % 4 == 0) line.Wire().Idle(std::uniform_real_distribution<double>(0, 3)(pauses));
+    }
+    return tally;
+}
+
 // A line that somebody else has, too.
 class Borrowed : public ITransport {
 public:
@@ -243,13 +254,8 @@ TEST(ModbusLateAnswers, NoCellIsEverAnothers) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Line line(row.faults);
-        Tally tally;
         constexpr int kReadings = 10'000;
-        std::mt19937 pauses(7);
-        for (int i = 0; i < kReadings; ++i) {
-            line.Read(tally);
-            if (i % 4 == 0) line.Wire().Idle(std::uniform_real_distribution<double>(0, 3)(pauses));
-        }
+        const Tally tally = ReadMany(line, kReadings);
         EXPECT_EQ(tally.wrong, 0);
         EXPECT_GE(tally.good, 4 * kReadings * row.good);
         EXPECT_LE(tally.seconds, kReadings * row.seconds);
@@ -295,13 +301,8 @@ TEST(ModbusLateAnswers, NoCellIsEverAnotherSlaves) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Line line(row.faults, 2);
-        Tally tally;
         constexpr int kReadings = 5'000;
-        std::mt19937 pauses(7);
-        for (int i = 0; i < kReadings; ++i) {
-            line.Read(tally);
-            if (i % 4 == 0) line.Wire().Idle(std::uniform_real_distribution<double>(0, 3)(pauses));
-        }
+        const Tally tally = ReadMany(line, kReadings);
         EXPECT_EQ(tally.wrong, 0);
         EXPECT_GE(tally.good, 4 * kReadings * row.good);
         EXPECT_LE(tally.seconds, kReadings * row.seconds);
