@@ -45,14 +45,12 @@ void COrvikConnection::AddStateChangedDelegate(const StateChangedDelegate& subsc
         if (m_arrStateChangedDelegates[i] == subscriber) return;
     }
     m_arrStateChangedDelegates.Add(subscriber);
-    ++m_nSubscribers;
 }
 
 void COrvikConnection::RemoveStateChangedDelegate(const StateChangedDelegate& subscriber) {
     for (INT_PTR i = 0; i < m_arrStateChangedDelegates.GetSize(); ++i) {
         if (m_arrStateChangedDelegates[i] == subscriber) {
             m_arrStateChangedDelegates.RemoveAt(i);
-            --m_nSubscribers;
             return;
         }
     }
@@ -68,7 +66,7 @@ void COrvikConnection::StateTransition(EState state, const char* description, BO
     }
     if (::GetCurrentThreadId() == AfxGetMainThreadID()) {
         OnTriggerstatechangedevent(0, state);
-    } else if (m_nSubscribers != 0) {
+    } else {
         ::PostMessageA(m_hWnd, TriggerStateChangedEvent, 0, state);
     }
 }

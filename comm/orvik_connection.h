@@ -62,8 +62,7 @@ public:
 
 protected:
     // Enters a state and tells every subscriber: at once on the main thread, from any other by a posted message that
-    // carries the state, so all are told of every state in order. Nothing is posted while there are none. A null description
-    // keeps the former text.
+    // carries the state, so all are told of every state in order. A null description keeps the former text.
     void StateTransition(EState state, const char* description, BOOL showWaitIcon);
     // The English name; empty for a value that is no state.
     CString StateName(EState state);
@@ -78,7 +77,7 @@ protected:
     CArray<StateChangedDelegate, const StateChangedDelegate&> m_arrStateChangedDelegates;  // in order of subscription
     CVXTTime m_tmStateChanged;  // of the last transition, to the millisecond; of the construction, to the second
     BOOL m_bReserved = FALSE;
-    std::atomic<LONG> m_nSubscribers{0};  // for the threads that are not the main one
+    LONG m_nUnused = 0;  // kept for the class's layout
 
     static CString sWndClass;
 };

@@ -31,7 +31,7 @@ struct Port : CSerialOrvik {
 struct Connection : COrvikConnection {
     static List Members(const Connection& c) {
         return Offsets(c, c.m_eState, c.m_strStateDescription, c.m_bShowWaitIcon, c.m_arrStateChangedDelegates,
-                       c.m_tmStateChanged, c.m_bReserved, c.m_nSubscribers);
+                       c.m_tmStateChanged, c.m_bReserved, c.m_nUnused);
     }
     static_assert(sizeof(m_eState) == 4 && sizeof(m_bShowWaitIcon) == 4);
 };
