@@ -37,9 +37,13 @@ public:
     // Before a try: what comes after this moment signals the event again.
     void Forget() {
         WSANETWORKEVENTS events{};
-        if (WSAEnumNetworkEvents(m_socket, m_event, &events) != 0 || (events.lNetworkEvents & FD_CLOSE) == 0) return;
+        if ((Happened(events) & FD_CLOSE) == 0) return;
         m_ended = true;
         m_endError = static_cast<DWORD>(events.iErrorCode[FD_CLOSE_BIT]);
+    }
+    // What was signalled since it was asked the last time.
+    long Happened(WSANETWORKEVENTS& events) const {
+        return WSAEnumNetworkEvents(m_socket, m_event, &events) == 0 ? events.lNetworkEvents : 0;
     }
     // Why it ended. The system may tell a reset here alone, and let a receive look like an end in good order.
     DWORD EndError() const { return m_endError != 0 ? m_endError : static_cast<DWORD>(kSocketClosedByPeer); }
@@ -179,7 +183,10 @@ void SocketListener::Close() { m_state.reset(); }
 DWORD SocketListener::Accept(Socket& socket) {
     socket.Close();
     if (!m_state) return ERROR_INVALID_HANDLE;
-    m_state->Forget();
+    // Only who was signalled is accepted: Wine may signal late for one that was taken before its signal, and after the try in
+    // vain that follows it signals nobody any more.
+    WSANETWORKEVENTS events{};
+    if ((m_state->Happened(events) & FD_ACCEPT) == 0) return ERROR_SUCCESS;
     const SOCKET come = accept(m_state->Get(), nullptr, nullptr);
     if (come == INVALID_SOCKET) {
         const int error = WSAGetLastError();
