@@ -6,8 +6,8 @@
 #include <string>
 
 #include "bench/bench_support.h"
-#include "host/chart_file.h"
-#include "host/session.h"
+#include "host/chart/chart_file.h"
+#include "host/session/session.h"
 #include "time/locale_cache.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <filesystem>
 
 #include "bench/bench_support.h"
-#include "host/database_file.h"
 #include "host/gui/main_window.h"
+#include "host/session/database_file.h"
 #include "platform/scripted_input.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "bench/bench_support.h"
-#include "host/reading_source.h"
-#include "host/reading_writer.h"
+#include "host/logger/reading_source.h"
+#include "host/measurement/reading_writer.h"
 #include "record/recorder.h"
 #include "time/locale_cache.h"
 
@@ -56,7 +56,8 @@ void AppendSqlite(benchmark::State& state) {
     BENCH_REQUIRE(sqlite3_open(path.c_str(), &db) == SQLITE_OK);
     std::string columns, places;
     for (int i = 0; i < kChannels; ++i) columns += ", c" + std::to_string(i) + " REAL", places += ", ?";
-    const std::string setUp = "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; CREATE TABLE r (t INTEGER PRIMARY KEY" + columns + ")";
+    const std::string setUp =
+        "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; CREATE TABLE r (t INTEGER PRIMARY KEY" + columns + ")";
     BENCH_REQUIRE(sqlite3_exec(db, setUp.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK);
     sqlite3_stmt* insert = nullptr;
     BENCH_REQUIRE(sqlite3_prepare_v2(db, ("INSERT INTO r VALUES (?" + places + ")").c_str(), -1, &insert, nullptr) == SQLITE_OK);

@@ -4,7 +4,7 @@
 
 #include "frame/app_stock.h"
 #include "frame/module.h"
-#include "host/console.h"
+#include "host/command_line/console.h"
 #include "host/texts.h"
 #include "time/locale_cache.h"
 

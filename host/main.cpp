@@ -1,7 +1,7 @@
 // orvikhost: the reference host's command line. --help lists what it does.
 #include <new>
 
-#include "host/commands.h"
+#include "host/command_line/commands.h"
 #include "host/texts.h"
 #include "platform/arguments.h"
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "afx/dc.h"
-#include "host/value_axis.h"
+#include "host/chart/value_axis.h"
 #include "platform/picture.h"
 #include "time/locale_cache.h"
 

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "afx/ptr_array.h"
-#include "host/chart_view.h"
+#include "host/chart/chart_view.h"
 #include "host/gui/gesture.h"
 
 class ChartScene {

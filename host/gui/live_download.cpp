@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "frame/version.h"
-#include "host/logger_file.h"
+#include "host/logger/logger_file.h"
 #include "host/stop_request.h"
 #include "host/texts.h"
 
@@ -49,7 +49,8 @@ BOOL LiveDownload::End() {
             break;
         default:
             if (m_measurement->Missing() > 0 && !m_stopped)
-                sentence = Say(Text::MissingHere, {std::to_string(m_measurement->Missing()), CausesText(m_measurement->Gaps()->Counts(), m_facts)});
+                sentence = Say(Text::MissingHere,
+                               {std::to_string(m_measurement->Missing()), CausesText(m_measurement->Gaps()->Counts(), m_facts)});
             break;
     }
     m_listener.OnDownloadEnd(m_stopped ? std::string() : sentence);
@@ -102,8 +103,6 @@ void LiveDownload::OnEvent(const CRecordedEvent& event) {
     }
 }
 
-void LiveDownload::OnWriting(const std::string& path, DWORD error) {
-    m_listener.OnDownloadState(WritingSentence(path, error));
-}
+void LiveDownload::OnWriting(const std::string& path, DWORD error) { m_listener.OnDownloadState(WritingSentence(path, error)); }
 
 void LiveDownload::OnDropped(CRecordedGap gap) { m_measurement->Dropped(std::move(gap)); }

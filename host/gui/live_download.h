@@ -1,6 +1,6 @@
-// Readings that come in while the window is in use: a task of the scheduler, which lets a measurement do what is due. User-interface
-// thread, which stays responsive: while an answer is awaited its messages are handled. What has been read stays read, however it
-// ends; it is also in a recording of its own, so that it outlives the program (see unsaved_recording.h).
+// Readings that come in while the window is in use: a task of the scheduler, which lets a measurement do what is due.
+// User-interface thread, which stays responsive: while an answer is awaited its messages are handled. What has been read stays
+// read, however it ends; it is also in a recording of its own, so that it outlives the program (see unsaved_recording.h).
 #pragma once
 
 #include <memory>
@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "comm/task.h"
-#include "host/download.h"
 #include "host/logger_family.h"
+#include "host/measurement/download.h"
 #include "host/measurement/measurement.h"
 #include "host/measurement/recording_writer.h"
 

@@ -1,12 +1,12 @@
 // What can be asked of the window, and what it asks its user before it does that.
 #include "afx/message_box.h"
-#include "host/database_file.h"
 #include "host/gui/about_dialog.h"
 #include "host/gui/file_dialog.h"
 #include "host/gui/main_window.h"
 #include "host/gui/properties_dialog.h"
 #include "host/gui/range_dialogs.h"
 #include "host/gui/work_dialogs.h"
+#include "host/session/database_file.h"
 
 namespace {
 constexpr DWORD kLiveTimeout = 1000, kLiveInterval = 1000;

@@ -4,7 +4,7 @@
 
 #include "afx/exception.h"
 #include "comm/task.h"
-#include "host/arguments.h"
+#include "host/command_line/arguments.h"
 #include "host/gui/main_window.h"
 #include "platform/arguments.h"
 

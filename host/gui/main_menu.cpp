@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "comm/serial_device.h"
-#include "host/console.h"
+#include "host/command_line/console.h"
 #include "host/gui/main_window.h"
 
 std::string MainWindow::ItemText(const MenuCommand& command) const {

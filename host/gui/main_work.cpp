@@ -3,12 +3,12 @@
 
 #include "afx/dc.h"
 #include "afx/exception.h"
-#include "host/chart_file.h"
-#include "host/database_file.h"
+#include "host/chart/chart_file.h"
 #include "host/gui/dialog_progress.h"
 #include "host/gui/main_window.h"
 #include "host/gui/unsaved_recording.h"
-#include "host/logger_file.h"
+#include "host/logger/logger_file.h"
+#include "host/session/database_file.h"
 #include "platform/picture.h"
 
 namespace {

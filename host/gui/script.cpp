@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "host/console.h"
+#include "host/command_line/console.h"
 #include "host/texts.h"
 
 namespace {

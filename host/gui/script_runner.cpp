@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "afx/dc.h"
-#include "host/chart_file.h"
+#include "host/chart/chart_file.h"
 #include "host/gui/shown_pixels.h"
 #include "platform/picture.h"
 #include "platform/scripted_input.h"

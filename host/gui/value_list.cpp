@@ -6,7 +6,7 @@
 #include "chart/col_size_tracker.h"
 #include "frame/app_stock.h"
 #include "host/gui/pane_font.h"
-#include "host/value_text.h"
+#include "host/session/value_text.h"
 
 namespace {
 constexpr LONG kStandardWidths[ValueList::kColumns] = {140, 80, 60};

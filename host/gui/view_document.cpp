@@ -1,8 +1,8 @@
 #include "host/gui/view_document.h"
 
-#include "host/database_file.h"
 #include "host/gui/chart_scene.h"
-#include "host/session_file.h"
+#include "host/session/database_file.h"
+#include "host/session/session_file.h"
 
 void ViewDocument::Open(const std::string& path, WorkProgress& progress) {
     SessionFile file = OpenSession(path, &progress);

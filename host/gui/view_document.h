@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/gui/view_history.h"
-#include "host/session.h"
+#include "host/session/session.h"
 #include "host/work_progress.h"
 
 class ViewDocument {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/chart_tag.h"
+#include "host/chart/chart_tag.h"
 #include "platform/win32.h"
 #include "propdb/property_db_interface.h"
 

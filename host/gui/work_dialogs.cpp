@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "afx/message_map.h"
-#include "host/download.h"
 #include "host/gui/file_dialog.h"
+#include "host/measurement/download.h"
 #include "host/texts.h"
 #include "platform/picture.h"
 #include "res/ids.h"

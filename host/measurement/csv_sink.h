@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "afx/file.h"
-#include "host/reading_writer.h"
-#include "host/session.h"
+#include "host/measurement/reading_writer.h"
+#include "host/session/session.h"
 
 class CsvSink {
 public:

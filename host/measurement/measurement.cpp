@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "comm/comm_exception.h"
-#include "host/channel_intervals.h"
+#include "host/logger/channel_intervals.h"
 #include "host/texts.h"
 
 namespace {
@@ -339,7 +339,8 @@ void Measurement::Lost(const Trouble& trouble, bool reading) {
     // A line that broke off is made anew at once, for a network's may have ended for no lasting reason: then the reading is still
     // made. A port that is gone is looked for every second, however long it is away, and what comes back is asked at once; only a
     // logger that is there and silent is left in peace for longer and longer.
-    const bool gone = !reading || trouble.cause == CCommException::DeviceNotOpen || trouble.cause == CCommException::HardwareError;
+    const bool gone =
+        !reading || trouble.cause == CCommException::DeviceNotOpen || trouble.cause == CCommException::HardwareError;
     if (gone) m_pause = kShortestPause;
     m_retryAt = fresh && trouble.cause == CCommException::HardwareError ? now : now + m_pause;
     if (!gone) m_pause = std::min(2 * m_pause, kLongestPause);
@@ -352,7 +353,8 @@ void Measurement::Lost(const Trouble& trouble, bool reading) {
         } else {
             // Missing since the reading was due, not since it was given up.
             const __int64 due = m_calendar.At(DueOf(m_slot));
-            m_gaps->Failed(m_plan.interval == 0 ? time : std::clamp(due, m_lastTime + 1, time), {{trouble.cause, trouble.text, {}}}, 0);
+            m_gaps->Failed(m_plan.interval == 0 ? time : std::clamp(due, m_lastTime + 1, time),
+                           {{trouble.cause, trouble.text, {}}}, 0);
             m_slotFailed = true;
         }
     }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "host/console.h"
+#include "host/command_line/console.h"
 #include "host/texts.h"
 
 namespace {
@@ -33,7 +33,8 @@ public:
     bool Exists(const std::string& path) override { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
     DWORD Create(const std::string& path, CPropertyDB& facts, CRecorder& recorder) override {
         if (!Exists(path)) return recorder.Create(path, facts);
-        // Whoever records into the one that is to be replaced must not go on into nothing; and it stays until the new one is whole.
+        // Whoever records into the one that is to be replaced must not go on into nothing; and it stays until the new one is
+        // whole.
         std::unique_ptr<IRecordingFile> held;
         DWORD error = CRecordingFile::OpenToWrite(path, CRecordingFile::kForceEvery, held);
         held.reset();
@@ -42,7 +43,8 @@ public:
         DeleteFileA(fresh.c_str());
         error = recorder.Create(fresh, facts);
         if (error == ERROR_SUCCESS) error = recorder.Close();
-        if (error == ERROR_SUCCESS && !MoveFileExA(fresh.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        if (error == ERROR_SUCCESS &&
+            !MoveFileExA(fresh.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
             error = GetLastError();
         if (error == ERROR_SUCCESS) return recorder.Resume(path);
         DeleteFileA(fresh.c_str());
@@ -72,7 +74,8 @@ RecordingWriter::File RecordingWriter::NameFor(__int64 time) const {
 
 DWORD RecordingWriter::Create(const File& file, __int64 time) {
     const bool resumes = m_plan.append && m_store.Exists(file.recording);
-    const DWORD error = resumes ? m_store.Resume(file.recording, *m_recorder) : m_store.Create(file.recording, m_facts, *m_recorder);
+    const DWORD error =
+        resumes ? m_store.Resume(file.recording, *m_recorder) : m_store.Create(file.recording, m_facts, *m_recorder);
     if (error != ERROR_SUCCESS) return error;
     m_files.push_back(file);
     m_fileBegan = time;
@@ -166,7 +169,8 @@ DWORD RecordingWriter::Write(const Record& record) {
     DWORD error = ERROR_SUCCESS;
     switch (record.kind) {
         case Record::Reading:
-            if (const DWORD shorter = m_recorder->CheckLength(); shorter == ERROR_HANDLE_EOF) m_listener.OnWriting(m_files.back().recording, shorter);
+            if (const DWORD shorter = m_recorder->CheckLength(); shorter == ERROR_HANDLE_EOF)
+                m_listener.OnWriting(m_files.back().recording, shorter);
             error = m_recorder->AddReading(record.time, record.values.data(), record.flags.data());
             if (error == ERROR_SUCCESS && record.HasValue()) ++m_written;
             break;
@@ -241,7 +245,8 @@ void RecordingWriter::RotateIfDue(__int64 time) {
     if ((!old && !large) || !Drain()) return;
     const File file = NameFor(time);
     auto next = std::make_unique<CRecorder>();
-    if (const DWORD error = m_store.Create(file.recording, m_facts, *next)) return Tell(error, file.recording);  // goes on in the old one, and tries again
+    if (const DWORD error = m_store.Create(file.recording, m_facts, *next))
+        return Tell(error, file.recording);  // goes on in the old one, and tries again
     const size_t slash = file.recording.find_last_of("/\\");
     m_recorder->AddEvent({time, RE_CONTINUED, 0, slash == std::string::npos ? file.recording : file.recording.substr(slash + 1)});
     m_recorder->Close();

@@ -1,4 +1,4 @@
-#include "host/line_editor.h"
+#include "host/command_line/line_editor.h"
 
 #include <editline/readline.h>
 

@@ -1,4 +1,4 @@
-#include "host/xml_document.h"
+#include "host/session/xml_document.h"
 
 #include <expat.h>
 
@@ -6,7 +6,7 @@
 #include <new>
 
 #include "afx/file.h"
-#include "host/xml_reading.h"
+#include "host/session/xml_reading.h"
 
 namespace {
 struct Reading : XmlReading {

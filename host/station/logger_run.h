@@ -13,7 +13,7 @@
 #include "host/measurement/csv_sink.h"
 #include "host/measurement/measurement.h"
 #include "host/measurement/recording_writer.h"
-#include "host/session.h"
+#include "host/session/session.h"
 #include "host/station/logger_report.h"
 #include "host/station/station_file.h"
 

@@ -5,15 +5,15 @@
 #include <optional>
 
 #include "afx/collections.h"
-#include "host/channel_intervals.h"
-#include "host/database_file.h"
-#include "host/description_check.h"
-#include "host/logger_file.h"
-#include "host/recording_files.h"
-#include "host/recording_plan.h"
-#include "host/span_words.h"
+#include "host/command_line/span_words.h"
+#include "host/logger/channel_intervals.h"
+#include "host/logger/description_check.h"
+#include "host/logger/logger_file.h"
+#include "host/measurement/recording_plan.h"
+#include "host/session/database_file.h"
+#include "host/session/recording_files.h"
+#include "host/session/value_text.h"
 #include "host/texts.h"
-#include "host/value_text.h"
 
 namespace {
 constexpr const char* kKeys[] = {"sName",

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host/download.h"
 #include "host/host_app.h"
+#include "host/measurement/download.h"
 #include "host/measurement/recording_writer.h"
 #include "propdb/property_db.h"
 

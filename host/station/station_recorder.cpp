@@ -4,11 +4,11 @@
 #include <cstdlib>
 
 #include "comm/task.h"
-#include "host/database_file.h"
-#include "host/logger_file.h"
-#include "host/recording_files.h"
-#include "host/recording_plan.h"
-#include "host/replaceable_file.h"
+#include "host/logger/logger_file.h"
+#include "host/measurement/recording_plan.h"
+#include "host/session/database_file.h"
+#include "host/session/recording_files.h"
+#include "host/session/replaceable_file.h"
 #include "host/stop_request.h"
 #include "host/texts.h"
 #include "platform/service.h"

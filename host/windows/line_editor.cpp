@@ -1,5 +1,5 @@
 // The console edits lines and keeps their history itself.
-#include "host/line_editor.h"
+#include "host/command_line/line_editor.h"
 
 #include <cstdio>
 #include <iostream>

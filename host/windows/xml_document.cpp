@@ -1,10 +1,10 @@
-#include "host/xml_document.h"
+#include "host/session/xml_document.h"
 
 #include <algorithm>
 #include <new>
 
 #include "afx/file.h"
-#include "host/xml_reading.h"
+#include "host/session/xml_reading.h"
 #include "platform/win32.h"
 
 #include <objidl.h>

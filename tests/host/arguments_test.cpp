@@ -1,13 +1,13 @@
 // The words of a command line, and files that are given twice.
-#include "host/arguments.h"
+#include "host/command_line/arguments.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 
-#include "host/console.h"
-#include "host/database_file.h"
+#include "host/command_line/console.h"
+#include "host/session/database_file.h"
 
 namespace {
 // The sentence of the refusal; empty when there is none.

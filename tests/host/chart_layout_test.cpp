@@ -1,4 +1,4 @@
-#include "host/chart_layout.h"
+#include "host/chart/chart_layout.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/dashed_line.h"
+#include "host/chart/dashed_line.h"
 
 #include <gtest/gtest.h>
 

@@ -3,10 +3,10 @@
 
 #include <fstream>
 
-#include "host/console.h"
-#include "host/database_file.h"
+#include "host/command_line/console.h"
+#include "host/session/database_file.h"
+#include "host/session/value_text.h"
 #include "host/texts.h"
-#include "host/value_text.h"
 
 namespace {
 constexpr const char* kPath = "database-xml-test.xml";

@@ -1,12 +1,12 @@
 // The keys of logger descriptions.
-#include "host/description_check.h"
+#include "host/logger/description_check.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "host/channel_intervals.h"
-#include "host/console.h"
+#include "host/command_line/console.h"
+#include "host/logger/channel_intervals.h"
 
 namespace {
 constexpr const char* kKeys[] = {"nSlave", "Line.nBaud", "Channels.*.nRegister", "Channels.*.rScale", nullptr};

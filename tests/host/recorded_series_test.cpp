@@ -1,5 +1,5 @@
 // Charts of recordings that are read where they are, beside those of the sessions that are made of them.
-#include "host/recorded_series.h"
+#include "host/session/recorded_series.h"
 
 #include <gtest/gtest.h>
 
@@ -9,12 +9,12 @@
 #include <fstream>
 #include <random>
 
-#include "host/chart_file.h"
-#include "host/column_format.h"
-#include "host/database_file.h"
-#include "host/recording_files.h"
-#include "host/session_file.h"
-#include "host/time_stamp.h"
+#include "host/chart/chart_file.h"
+#include "host/session/column_format.h"
+#include "host/session/database_file.h"
+#include "host/session/recording_files.h"
+#include "host/session/session_file.h"
+#include "host/session/time_stamp.h"
 #include "record/recorder.h"
 #include "time/locale_cache.h"
 
@@ -104,7 +104,8 @@ TEST_F(Recorded, LinesAreThoseOfTheSession) {
             for (size_t i = 0; i < 3; ++i) {
                 const CDoubleArray& values = folded.session->Channels()[(i + 2) % 3].values;
                 const ReducedSeries line = ReduceSeries({times.GetData(), values.GetData(), kCount}, mapping);
-                ASSERT_TRUE(Same(lines[i], line)) << round << " " << i << " " << lines[i].points.size() << " " << line.points.size();
+                ASSERT_TRUE(Same(lines[i], line))
+                    << round << " " << i << " " << lines[i].points.size() << " " << line.points.size();
             }
         }
         fs::remove(session);
@@ -221,9 +222,10 @@ TEST_F(Recorded, DamageLeavesTheRest) {
 
 // The example of docs/formats.md.
 TEST_F(Recorded, TheLayoutIsAsDescribed) {
-    const unsigned char bytes[] = {0x4F, 0x52, 0x56, 0x49, 0x4B, 0x52, 0x45, 0x43, 0x01, 0,    0x01, 0,    0x07, 0,    0,    0,    0xD3, 0x7E,
-                                   0xC5, 0x39, 0xD7, 0x4F, 0x02, 0,    0x11, 0,    0,    0,    0x09, 0x28, 0xCB, 0xC7, 0xAE, 0x06, 0x3E, 0x0B,
-                                   0x01, 0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0xF8, 0x3F, 0};
+    const unsigned char bytes[] = {0x4F, 0x52, 0x56, 0x49, 0x4B, 0x52, 0x45, 0x43, 0x01, 0,    0x01, 0, 0x07, 0,
+                                   0,    0,    0xD3, 0x7E, 0xC5, 0x39, 0xD7, 0x4F, 0x02, 0,    0x11, 0, 0,    0,
+                                   0x09, 0x28, 0xCB, 0xC7, 0xAE, 0x06, 0x3E, 0x0B, 0x01, 0,    0,    0, 0,    0,
+                                   0,    0,    0,    0,    0,    0,    0,    0,    0xF8, 0x3F, 0};
     std::ofstream(recording, std::ios::binary).write(reinterpret_cast<const char*>(bytes), sizeof bytes);
     CRecordingReader reader;
     ASSERT_EQ(reader.Open(recording), 0u);
@@ -236,11 +238,20 @@ TEST(ColumnFormat, OneNotationForAColumn) {
     const struct {
         double low, high, value;
         const char* text;
-    } cases[] = {{0, 100, 20.5, "20.500"},           {-3, 21.25, 1, "1.0000"},      {1000.001, 1000.0035, 1000.002, "1000.00200"},
-                 {0, 0, 0, "0.00000"},               {0, 1e6, 12, "12"},            {1e20, 2e20, 1.5e20, "1.50000e+20"},
-                 {1e-9, 5e-8, 1e-9, "1.00000e-09"},  {-1, 1, -0.0000001, "0.00000"}, {0, 100, kNan, ""},
-                 {0, 100, -HUGE_VAL, "-inf"},        {5, 5, 5, "5.00000"},          {0, 123456789, 1, "1"}};
-    for (const auto& one : cases) EXPECT_EQ(ColumnFormat(one.low, one.high).Text(one.value), one.text) << one.low << " " << one.high;
+    } cases[] = {{0, 100, 20.5, "20.500"},
+                 {-3, 21.25, 1, "1.0000"},
+                 {1000.001, 1000.0035, 1000.002, "1000.00200"},
+                 {0, 0, 0, "0.00000"},
+                 {0, 1e6, 12, "12"},
+                 {1e20, 2e20, 1.5e20, "1.50000e+20"},
+                 {1e-9, 5e-8, 1e-9, "1.00000e-09"},
+                 {-1, 1, -0.0000001, "0.00000"},
+                 {0, 100, kNan, ""},
+                 {0, 100, -HUGE_VAL, "-inf"},
+                 {5, 5, 5, "5.00000"},
+                 {0, 123456789, 1, "1"}};
+    for (const auto& one : cases)
+        EXPECT_EQ(ColumnFormat(one.low, one.high).Text(one.value), one.text) << one.low << " " << one.high;
 }
 
 TEST(TimeStamp, BothWays) {
@@ -258,15 +269,16 @@ TEST(TimeStamp, BothWays) {
     const struct {
         const char* text;
         LocalStamp result;
-    } cases[] = {{"2026-07-01 12:00:00,250", LocalStamp::Read},      {"2026-11-01 01:30:00.000", LocalStamp::Ambiguous},
-                 {"2026-11-01 03:30:00.000", LocalStamp::Read},      {"2026-03-08 02:30:00.000", LocalStamp::Wrong},
-                 {"2026-02-30 12:00:00.000", LocalStamp::Wrong},     {"2026-07-01T12:00:00.000", LocalStamp::Wrong},
-                 {"2026-07-01 12:00:00.", LocalStamp::Wrong},        {"", LocalStamp::Wrong}};
+    } cases[] = {{"2026-07-01 12:00:00,250", LocalStamp::Read},  {"2026-11-01 01:30:00.000", LocalStamp::Ambiguous},
+                 {"2026-11-01 03:30:00.000", LocalStamp::Read},  {"2026-03-08 02:30:00.000", LocalStamp::Wrong},
+                 {"2026-02-30 12:00:00.000", LocalStamp::Wrong}, {"2026-07-01T12:00:00.000", LocalStamp::Wrong},
+                 {"2026-07-01 12:00:00.", LocalStamp::Wrong},    {"", LocalStamp::Wrong}};
     for (const auto& one : cases) {
         __int64 time = 0;
         ASSERT_EQ(FromLocalStamp(one.text, time), one.result) << one.text;
         std::string again;
         AppendLocalStamp(again, time, ".");
-        EXPECT_EQ(one.result == LocalStamp::Read ? again.substr(0, 19) : "", one.result == LocalStamp::Read ? std::string(one.text).substr(0, 19) : "");
+        EXPECT_EQ(one.result == LocalStamp::Read ? again.substr(0, 19) : "",
+                  one.result == LocalStamp::Read ? std::string(one.text).substr(0, 19) : "");
     }
 }

@@ -1,4 +1,4 @@
-#include "host/time_ticks.h"
+#include "host/chart/time_ticks.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <random>
 #include <set>
 
-#include "host/time_input.h"
+#include "host/command_line/time_input.h"
 #include "tests/support/regional_settings.h"
 #include "time/local_zone.h"
 #include "time/locale_cache.h"

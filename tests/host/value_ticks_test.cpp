@@ -1,11 +1,11 @@
-#include "host/value_ticks.h"
+#include "host/chart/value_ticks.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <set>
 
-#include "host/unit_prefix.h"
+#include "host/chart/unit_prefix.h"
 #include "tests/host/value_ranges.h"
 #include "tests/support/regional_settings.h"
 #include "time/locale_cache.h"

@@ -1,8 +1,8 @@
 // What lies beneath the DCs of this home: canvases that several DCs share.
 #include <gtest/gtest.h>
 
-#include "platform/posix/canvas_internal.h"
-#include "platform/posix/errors.h"
+#include "platform/posix/drawing/canvas_internal.h"
+#include "platform/posix/kernel/errors.h"
 
 using namespace orvik::detail;
 

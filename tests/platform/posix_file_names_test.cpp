@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/text_internal.h"
+#include "platform/posix/text/text_internal.h"
 #include "platform/win32.h"
 
 using namespace orvik::detail;

@@ -1,7 +1,7 @@
 // Text and file names at the edge of the Linux twin.
 #include <gtest/gtest.h>
 
-#include "platform/posix/text_internal.h"
+#include "platform/posix/text/text_internal.h"
 #include "platform/win32.h"
 
 using namespace orvik::detail;

@@ -7,7 +7,7 @@
 #include <map>
 #include <set>
 
-#include "host/download.h"
+#include "host/measurement/download.h"
 #include "host/measurement/measurement.h"
 #include "host/measurement/recording_writer.h"
 #include "plugins/modbus/modbus_logger.h"

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "platform/posix/images_internal.h"
-#include "platform/posix/resources.h"
+#include "platform/posix/drawing/images_internal.h"
+#include "platform/posix/resources/resources.h"
 #include "res/embedded.h"
 
 using namespace orvik::detail;

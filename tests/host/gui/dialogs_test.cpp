@@ -11,8 +11,8 @@
 #include <set>
 
 #include "comm/task.h"
-#include "host/database_file.h"
 #include "host/gui/script_runner.h"
+#include "host/session/database_file.h"
 #include "platform/picture.h"
 #include "res/ids.h"
 #include "tests/host/gui/hands.h"

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/console.h"
+#include "host/command_line/console.h"
 
 namespace {
 TEST(ScriptTest, ReadsEveryGesture) {

@@ -7,8 +7,8 @@
 #include <tuple>
 
 #include "frame/app_stock.h"
-#include "host/database_file.h"
 #include "host/gui/unsaved_recording.h"
+#include "host/session/database_file.h"
 #include "record/recorder.h"
 #include "tests/host/gui/hands.h"
 

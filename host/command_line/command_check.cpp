@@ -1,0 +1,48 @@
+// check: a logger description or a station, without a device.
+#include <set>
+
+#include "host/command_line/arguments.h"
+#include "host/command_line/commands.h"
+#include "host/command_line/span_words.h"
+#include "host/logger/logger_file.h"
+#include "host/session/session.h"
+#include "host/station/station_file.h"
+#include "host/texts.h"
+
+namespace {
+ExitCode CheckStation(CHostApp& app, const std::string& path) {
+    try {
+        std::set<std::string> ports;
+        const Station station = ReadStation(app, path);
+        for (const auto& logger : station.loggers) {
+            CPropertyDB description = logger->description;
+            const Session session(description, logger->plan.port);
+            ports.insert(logger->plan.port);
+            Print(ToUtf8(logger->key) + "  " + ToUtf8(logger->plan.port) + "  " + WordsFromSpan(logger->record.interval) + "  " +
+                  std::to_string(session.Channels().size()) + "  " + ToUtf8(logger->record.path));
+        }
+        Print(Say(Text::StationWhole,
+                  {ToUtf8(station.name), std::to_string(station.loggers.size()), std::to_string(ports.size())}));
+        return kDone;
+    } catch (const StationMistakes& mistakes) {
+        for (const std::string& sentence : mistakes.sentences) PrintError(sentence);
+        return kWrongUse;
+    }
+}
+}  // namespace
+
+ExitCode RunCheck(CHostApp& app, const Words& words) {
+    const Arguments arguments(words, {}, {}, 1);
+    const std::string& path = arguments.At(0, "FILE");
+    CPropertyDB description;
+    LoadLoggerDescription(path, description);
+    if (IsStation(description)) return CheckStation(app, path);
+    MakeLogger(app, description);  // what it cannot use, it says
+    const Session session(description, "");
+    for (const Session::Channel& channel : session.Channels()) {
+        std::string line = ToUtf8(channel.key) + "  " + ToUtf8(channel.name);
+        if (!channel.unit.empty()) line += "  " + ToUtf8(channel.unit);
+        Print(line);
+    }
+    return kDone;
+}

@@ -1,0 +1,69 @@
+// write: set one channel of a logger, and show what it then holds.
+#include <cmath>
+
+#include "host/command_line/arguments.h"
+#include "host/command_line/commands.h"
+#include "host/logger/logger_file.h"
+#include "host/measurement/download.h"
+#include "host/session/value_text.h"
+#include "host/stop_request.h"
+#include "host/texts.h"
+
+namespace {
+// A channel by its key or, where no other has it, by its name.
+size_t ChannelOf(const Session& session, const std::string& wanted) {
+    const std::vector<Session::Channel>& all = session.Channels();
+    std::vector<size_t> named;
+    std::string there, keys;
+    for (size_t i = 0; i < all.size(); ++i) {
+        if (all[i].key == wanted) return i;
+        there += (i == 0 ? "" : ", ") + ToUtf8(all[i].name);
+        if (all[i].name != wanted) continue;
+        keys += (named.empty() ? "" : ", ") + ToUtf8(all[i].key);
+        named.push_back(i);
+    }
+    if (named.empty()) throw Failure{kWrongUse, Say(Text::NoChannel, {ToUtf8(wanted), there})};
+    if (named.size() > 1) throw Failure{kWrongUse, Say(Text::ChannelTwice, {ToUtf8(wanted), keys})};
+    return named.front();
+}
+}  // namespace
+
+ExitCode RunWrite(CHostApp& app, const Words& words) {
+    const Arguments arguments(words, {"--port", "--logger", "--channel", "--value", "--timeout"}, {}, 0);
+    const std::string port = arguments.Require("--port"), wanted = arguments.Require("--channel");
+    const std::string typed = ToUtf8(arguments.Require("--value"));
+    const DWORD timeout = arguments.Milliseconds("--timeout", 1, 600'000, MeasurementPlan().timeout);
+    double value = 0;
+    if (!RealFromText(typed, value) || !std::isfinite(value)) throw Failure{kWrongUse, Say(Text::ValueNoNumber, {typed})};
+    CPropertyDB description;
+    LoadLoggerDescription(arguments.Require("--logger"), description);
+    const std::unique_ptr<ILogger> logger = MakeLogger(app, description);
+    const Session session(description, port);
+    const size_t index = ChannelOf(session, wanted);
+    const Session::Channel& channel = session.Channels()[index];
+
+    const StopRequest stop(logger.get());
+    try {
+        logger->Connect(port.c_str(), timeout);
+    } catch (CCommException* failure) {
+        const LONG code = failure->m_nError;
+        throw Failure{kCommunicationFailed, WhyNotOpened(port, code, TakeMessage(failure))};
+    }
+    double held = 0;
+    try {
+        held = logger->Write(static_cast<int>(index), value);
+    } catch (CCommException* failure) {
+        // Refused before anything was sent, or by the line or the logger.
+        const bool refused = failure->m_nError == CCommException::AccessDenied;
+        const std::string why = TakeMessage(failure);
+        if (refused) throw Failure{kWrongUse, Say(Text::NotSet, {ToUtf8(channel.name), why})};
+        throw Failure{kCommunicationFailed, Say(Text::PortFailed, {ToUtf8(port), why})};
+    }
+    const auto shown = [&](double each) { return WholeTextOf(each) + (channel.unit.empty() ? "" : " " + ToUtf8(channel.unit)); };
+    Print(Say(Text::ValueSet, {ToUtf8(channel.name), shown(value), shown(held)}));
+    // What a conversion to other units and back may change, and no step of any register.
+    constexpr double kSame = 1e-12;
+    if (!(std::abs(held - value) <= kSame * std::abs(value)))
+        throw Failure{kCommunicationFailed, Say(Text::OtherValue, {ToUtf8(channel.name)})};
+    return kDone;
+}

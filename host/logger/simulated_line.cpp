@@ -1,0 +1,46 @@
+#include "host/logger/simulated_line.h"
+
+#include "host/command_line/console.h"
+#include "host/command_line/speech.h"
+
+namespace {
+constexpr DWORD kSlice = 50;    // ms until Stop is seen
+constexpr DWORD kBetween = 30;  // ms between the pieces of an answer
+}  // namespace
+
+SimulatedLine::SimulatedLine(SimulatedLogger& logger, Text withoutPorts, const std::string& link) : m_logger(logger) {
+    const DWORD error = m_port.Create(link.empty() ? nullptr : link.c_str());
+    if (error == ERROR_NOT_SUPPORTED) throw Failure{kWrongUse, Say(withoutPorts)};
+    if (error != 0) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(link), Reason(error)})};
+    m_logger.SetLine(PortName());
+}
+
+void SimulatedLine::Serve() {
+    SimulatedLogger::Asker asker;
+    Speech speech(m_logger);
+    while (!m_stopping && m_port.IsPlugged()) {
+        LineFaults::Fate fate;
+        if (speech.Next(fate)) Deliver(fate);
+        BYTE block[512];
+        DWORD got = 0;
+        if (m_port.Read(block, sizeof block, got, speech.Wait(kSlice)) != 0) return;
+        if (got != 0 && m_logger.Receive(asker, block, got, fate)) Deliver(fate);
+    }
+}
+
+void SimulatedLine::Deliver(const LineFaults::Fate& fate) {
+    // A serial line has no connection to drop: its device goes away.
+    if (fate.unplug || fate.drop) return m_port.Unplug();
+    if (fate.bytes.empty()) return;
+    Pause(fate.late);
+    if (fate.first != 0) {
+        m_port.Write(fate.bytes.data(), static_cast<DWORD>(fate.first));
+        Pause(kBetween);
+    }
+    m_port.Write(fate.bytes.data() + fate.first, static_cast<DWORD>(fate.bytes.size() - fate.first));
+}
+
+void SimulatedLine::Pause(DWORD milliseconds) const {
+    for (; milliseconds != 0 && !m_stopping; milliseconds -= std::min(milliseconds, kSlice))
+        Sleep(std::min(milliseconds, kSlice));
+}

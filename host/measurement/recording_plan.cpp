@@ -1,0 +1,57 @@
+#include "host/measurement/recording_plan.h"
+
+#include "host/command_line/console.h"
+#include "host/command_line/span_words.h"
+#include "host/session/database_file.h"
+#include "host/session/recording_copy.h"
+#include "host/session/recording_files.h"
+#include "host/session/replaceable_file.h"
+#include "host/session/session_file.h"
+#include "host/texts.h"
+#include "record/recording_reader.h"
+
+void SetRotation(const std::string& name, const std::string& text, RecordingWriter::Plan& record) {
+    constexpr unsigned __int64 kLeast = 64 * 1024, kLargest = 1ull << 50;
+    constexpr __int64 kShortest = 1'000'000;
+    if (const auto span = SpanFromWords(text)) {
+        if (*span < kShortest || *span > kLongestSpan)
+            throw Failure{kWrongUse, Say(Text::SpanRange, {name, WordsFromSpan(kShortest), WordsFromSpan(kLongestSpan)})};
+        record.rotateEvery = *span;
+    } else if (const auto bytes = BytesFromWords(text)) {
+        if (*bytes < kLeast || *bytes > kLargest)
+            throw Failure{kWrongUse, Say(Text::BytesRange, {name, std::to_string(kLeast), std::to_string(kLargest)})};
+        record.rotateSize = *bytes;
+    } else {
+        throw Failure{kWrongUse, Say(Text::NotARotation, {name})};
+    }
+}
+
+void CheckEarlier(const RecordingWriter::Plan& record, bool force, CPropertyDB& description) {
+    if (record.rotateEvery != 0 || record.rotateSize != 0) return;  // names that nothing has yet
+    std::unique_ptr<IRecordingFile> held;
+    if (FileExists(record.path) &&
+        CRecordingFile::OpenToWrite(record.path, CRecordingFile::kForceEvery, held) == ERROR_SHARING_VIOLATION)
+        throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(record.path)})};
+    held.reset();
+    if (record.append && FileExists(record.path)) {
+        CRecordingReader reader;
+        if (const DWORD error = reader.Open(record.path))
+            throw Failure{kFileFailed, Say(Text::FileNotOpened, {ToUtf8(record.path), Reason(error)})};
+        return RequireSameLogger(record.path, reader.Facts(), description);
+    }
+    if (record.append && !record.target.empty() && FileExists(record.target)) {
+        // The session becomes a recording again, goes on, and takes its own place at the end.
+        const SessionFile session = OpenSession(record.target);
+        RequireSameLogger(record.target, *session.db, description);
+        StoreAsRecording(record.path, *session.session, *session.db);
+        return;
+    }
+    if (force) return;
+    if (!record.target.empty()) {
+        RequireReplaceable(record.target);
+        if (FileExists(record.path))
+            throw Failure{kFileFailed, Say(Text::LeftOver, {ToUtf8(record.path), ToUtf8(record.target)})};
+    } else {
+        RequireReplaceable(record.path);
+    }
+}

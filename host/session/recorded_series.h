@@ -1,0 +1,87 @@
+// The readings of a recording where they are: in their file. What a chart or a list needs of them is taken from the recording's
+// index and from those spans of the file that have to be looked at; decoded spans are kept in a bounded store. As long as the
+// recording was when it was opened. One thread.
+//
+// Readings that are damaged, or that the file does not give, are not there; Unread tells how many bytes that cost so far.
+#pragma once
+
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "frame/numeric_arrays.h"
+#include "host/chart/series_reduction.h"
+#include "host/session/recorded_notes.h"
+#include "propdb/property_db.h"
+#include "record/recording_index.h"
+#include "record/recording_reader.h"
+
+// A row that marks where a stretch without readings begins.
+bool MarksGap(const BYTE* flags, size_t channels);
+
+class RecordedSeries {
+public:
+    // A Failure with a sentence for what cannot be opened.
+    explicit RecordedSeries(const std::string& path);
+
+    const std::string& Path() const { return m_path; }
+    // What the recording knows of its session, with a name for every channel whatever became of it.
+    CPropertyDB& Facts() { return m_facts; }
+    const RecordedNotes& Notes() const { return m_notes; }
+    const CRecordingIndex& Index() const { return m_index; }
+    size_t ChannelCount() const { return m_reader.ChannelCount(); }
+    unsigned __int64 Count() const { return m_index.ReadingCount(); }
+    bool HasFailed() const { return m_failed; }           // the file could not be read somewhere
+    unsigned __int64 Unread() const { return m_unread; }  // bytes that were found damaged
+    unsigned __int64 Torn() const { return m_torn; }      // bytes behind the last whole block
+    // What of this a user should know; empty where all is well.
+    std::string Trouble() const;
+
+    // The value of the last reading that asked for it; NaN without any.
+    double LastValue(size_t channel);
+    // The lines of these channels, as ReduceSeries makes them. The mappings, one for each, differ in their values only.
+    std::vector<ReducedSeries> Reduce(const std::vector<size_t>& channels, const std::vector<PlotMapping>& mappings);
+
+    // What every reading needs: all times and values, each of the arrays one a reading, as a session keeps them. The notes then
+    // have a gap for each damaged place.
+    void ReadAll(CInt64Array& times, std::vector<CDoubleArray>& values);
+    // Of what ReadAll has found: readings that were made, which those rows that mark the begin of a gap are not.
+    unsigned __int64 Made() const { return m_made; }
+
+private:
+    // A span's readings, one after the other, each with all its values.
+    struct Decoded {
+        size_t span = 0;
+        std::vector<__int64> times;
+        std::vector<double> values;
+        size_t Size() const { return times.size() * sizeof(__int64) + values.size() * sizeof(double); }
+    };
+    using Columns = std::vector<std::vector<SeriesColumn>>;  // by the channels asked for
+
+    static double CellOf(const CRecordingReader& reader, size_t channel);
+    void ReadNotes();
+    void CompleteFacts();
+    std::shared_ptr<const Decoded> Decode(size_t span);
+    double LastIn(size_t span, size_t channel, double otherwise);
+    size_t CountBefore(double time, bool orAt);
+    const Columns& ColumnsOf(const ColumnPlan& plan, const std::vector<size_t>& channels);
+    std::vector<ReducedSeries> ReduceFew(const ColumnPlan& plan, const std::vector<size_t>& channels,
+                                         const std::vector<PlotMapping>& mappings);
+
+    const std::string m_path;
+    CRecordingReader m_reader;
+    CRecordingIndex m_index;
+    CPropertyDB m_facts;
+    RecordedNotes m_notes;
+    unsigned __int64 m_end = 0, m_unread = 0, m_torn = 0, m_made = 0;
+    bool m_failed = false;
+    std::vector<bool> m_ownIntervals;                     // channels that are not read every time
+    std::vector<bool> m_noted;                            // spans whose damage was counted
+    std::list<std::shared_ptr<const Decoded>> m_decoded;  // the latest first
+    size_t m_decodedSize = 0;
+    // What was gathered last: a chart is drawn anew with other values' ranges more often than with other times.
+    ColumnPlan m_plan;
+    std::vector<size_t> m_channels;
+    Columns m_columns;
+};

@@ -1,0 +1,348 @@
+#include "platform/posix/dialogs/menu.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+
+#include "platform/posix/window/window_internal.h"
+
+namespace {
+constexpr UINT kStates = MF_GRAYED | MF_DISABLED | MF_CHECKED | MF_HILITE | MF_DEFAULT;
+constexpr UINT kTypes = MF_BITMAP | MF_MENUBARBREAK | MF_MENUBREAK | MF_OWNERDRAW | MF_SEPARATOR | MFT_RADIOCHECK;
+constexpr size_t kMostItems = 0x7FFF;
+constexpr int kDeepest = 25;  // as many levels as anybody can open
+
+struct Item {
+    UINT type = MF_STRING, state = 0;
+    UINT_PTR id = 0;
+    HMENU submenu = nullptr;
+    std::string text;
+    ULONG_PTR data = 0;
+};
+struct Menu {
+    bool popup = false;
+    std::vector<Item> items;
+};
+
+// All menus have one lock: whoever changes one is a window's thread, and quick.
+struct Menus {
+    std::mutex lock;
+    std::map<HMENU, Menu> made;
+    std::map<HACCEL, std::vector<ACCEL>> tables;
+    uintptr_t last = 0x20000;
+};
+Menus& TheMenus() {
+    static Menus* menus = new Menus;
+    return *menus;
+}
+
+HMENU NewMenu(bool popup) {
+    Menus& menus = TheMenus();
+    const std::lock_guard lock(menus.lock);
+    const auto handle = reinterpret_cast<HMENU>(menus.last += 2);
+    menus.made[handle].popup = popup;
+    return handle;
+}
+
+Menu* Find(HMENU handle) {
+    Menus& menus = TheMenus();
+    const auto found = menus.made.find(handle);
+    return found == menus.made.end() ? nullptr : &found->second;
+}
+
+// The item that a position or a command names, the menu or a submenu holding it; null, with error 1456, for none.
+Item* FindItem(HMENU handle, UINT item, UINT flags, HMENU* holder = nullptr, size_t* at = nullptr, int depth = 0) {
+    Menu* menu = Find(handle);
+    if (menu == nullptr) {
+        SetLastError(ERROR_INVALID_MENU_HANDLE);
+        return nullptr;
+    }
+    const auto found = [&](size_t index) {
+        if (holder != nullptr) *holder = handle;
+        if (at != nullptr) *at = index;
+        return &menu->items[index];
+    };
+    if ((flags & MF_BYPOSITION) != 0) {
+        if (item < menu->items.size()) return found(item);
+        SetLastError(ERROR_MENU_ITEM_NOT_FOUND);
+        return nullptr;
+    }
+    for (size_t i = 0; i < menu->items.size(); ++i) {
+        Item& each = menu->items[i];
+        if (each.submenu == nullptr && each.id == item) return found(i);
+        if (each.submenu == nullptr || depth == kDeepest || Find(each.submenu) == nullptr) continue;
+        if (Item* below = FindItem(each.submenu, item, flags, holder, at, depth + 1)) return below;
+    }
+    SetLastError(ERROR_MENU_ITEM_NOT_FOUND);
+    return nullptr;
+}
+
+Item MakeItem(UINT flags, UINT_PTR id, LPCSTR text) {
+    Item item;
+    item.type = flags & kTypes;
+    item.state = flags & kStates;
+    item.id = id;
+    if ((flags & MF_POPUP) != 0) item.submenu = reinterpret_cast<HMENU>(id);
+    if ((flags & MF_OWNERDRAW) != 0)
+        item.data = reinterpret_cast<ULONG_PTR>(text);
+    else if ((flags & (MF_BITMAP | MF_SEPARATOR)) == 0 && text != nullptr)
+        item.text = text;
+    if (item.text.empty() && text == nullptr && (flags & (MF_BITMAP | MF_OWNERDRAW | MF_POPUP)) == 0) item.type |= MF_SEPARATOR;
+    return item;
+}
+
+BOOL Insert(HMENU handle, UINT position, UINT flags, Item item) {
+    Menus& menus = TheMenus();
+    const std::lock_guard lock(menus.lock);
+    Menu* menu = Find(handle);
+    if (menu == nullptr || (item.submenu != nullptr && Find(item.submenu) == nullptr))
+        return orvik::detail::Finish(ERROR_INVALID_MENU_HANDLE);
+    if (menu->items.size() >= kMostItems) return orvik::detail::Finish(ERROR_NOT_ENOUGH_MEMORY);
+    size_t at = menu->items.size();
+    HMENU holder = handle;
+    if ((flags & MF_BYPOSITION) != 0)
+        at = std::min<size_t>(position, at);
+    else if (FindItem(handle, position, flags, &holder, &at) != nullptr)
+        menu = Find(holder);
+    menu->items.insert(menu->items.begin() + static_cast<ptrdiff_t>(at), std::move(item));
+    return TRUE;
+}
+
+// Menus below, each once; a menu that holds itself does no harm.
+void Collect(HMENU handle, std::vector<HMENU>& list) {
+    list.push_back(handle);
+    for (size_t i = 0; i < list.size(); ++i) {
+        const Menu* menu = Find(list[i]);
+        if (menu == nullptr) continue;
+        for (const Item& item : menu->items) {
+            if (item.submenu != nullptr && std::find(list.begin(), list.end(), item.submenu) == list.end())
+                list.push_back(item.submenu);
+        }
+    }
+}
+}  // namespace
+
+using orvik::detail::Finish;
+
+HMENU CreateMenu() { return NewMenu(false); }
+HMENU CreatePopupMenu() { return NewMenu(true); }
+
+BOOL IsMenu(HMENU menu) {
+    const std::lock_guard lock(TheMenus().lock);
+    return Find(menu) != nullptr;
+}
+
+BOOL DestroyMenu(HMENU menu) {
+    Menus& menus = TheMenus();
+    const std::lock_guard lock(menus.lock);
+    if (Find(menu) == nullptr) return Finish(ERROR_INVALID_MENU_HANDLE);
+    std::vector<HMENU> gone;
+    Collect(menu, gone);
+    for (const HMENU each : gone) menus.made.erase(each);
+    return TRUE;
+}
+
+BOOL AppendMenuA(HMENU menu, UINT flags, UINT_PTR id, LPCSTR text) {
+    return Insert(menu, 0xFFFFFFFFu, flags | MF_BYPOSITION, MakeItem(flags, id, text));
+}
+
+BOOL InsertMenuA(HMENU menu, UINT position, UINT flags, UINT_PTR id, LPCSTR text) {
+    return Insert(menu, position, flags, MakeItem(flags, id, text));
+}
+
+BOOL ModifyMenuA(HMENU menu, UINT position, UINT flags, UINT_PTR id, LPCSTR text) {
+    const std::lock_guard lock(TheMenus().lock);
+    Item* item = FindItem(menu, position, flags);
+    if (item == nullptr) return FALSE;
+    *item = MakeItem(flags, id, text);
+    return TRUE;
+}
+
+BOOL RemoveMenu(HMENU menu, UINT position, UINT flags) {
+    const std::lock_guard lock(TheMenus().lock);
+    HMENU holder = nullptr;
+    size_t at = 0;
+    if (FindItem(menu, position, flags, &holder, &at) == nullptr) return FALSE;
+    auto& items = Find(holder)->items;
+    items.erase(items.begin() + static_cast<ptrdiff_t>(at));
+    return TRUE;
+}
+
+BOOL DeleteMenu(HMENU menu, UINT position, UINT flags) {
+    HMENU submenu = nullptr;
+    {
+        const std::lock_guard lock(TheMenus().lock);
+        if (const Item* item = FindItem(menu, position, flags)) submenu = item->submenu;
+    }
+    if (!RemoveMenu(menu, position, flags)) return FALSE;
+    if (submenu != nullptr) DestroyMenu(submenu);
+    return TRUE;
+}
+
+int GetMenuItemCount(HMENU handle) {
+    const std::lock_guard lock(TheMenus().lock);
+    const Menu* menu = Find(handle);
+    if (menu == nullptr) SetLastError(ERROR_INVALID_MENU_HANDLE);
+    return menu == nullptr ? -1 : static_cast<int>(menu->items.size());
+}
+
+UINT GetMenuItemID(HMENU menu, int position) {
+    const std::lock_guard lock(TheMenus().lock);
+    const Item* item = FindItem(menu, static_cast<UINT>(position), MF_BYPOSITION);
+    return item == nullptr || item->submenu != nullptr ? 0xFFFFFFFFu : static_cast<UINT>(item->id);
+}
+
+HMENU GetSubMenu(HMENU menu, int position) {
+    const std::lock_guard lock(TheMenus().lock);
+    const Item* item = FindItem(menu, static_cast<UINT>(position), MF_BYPOSITION);
+    return item == nullptr ? nullptr : item->submenu;
+}
+
+int GetMenuStringA(HMENU menu, UINT which, LPSTR out, int size, UINT flags) {
+    if (out != nullptr && size > 0) *out = 0;
+    const std::lock_guard lock(TheMenus().lock);
+    const Item* item = FindItem(menu, which, flags);
+    if (item == nullptr) return 0;
+    if (out == nullptr || size <= 0) return static_cast<int>(item->text.size());
+    const size_t length = std::min(item->text.size(), static_cast<size_t>(size) - 1);
+    std::memcpy(out, item->text.data(), length);
+    out[length] = 0;
+    return static_cast<int>(length);
+}
+
+UINT GetMenuState(HMENU menu, UINT which, UINT flags) {
+    const std::lock_guard lock(TheMenus().lock);
+    const Item* item = FindItem(menu, which, flags);
+    if (item == nullptr) return 0xFFFFFFFFu;
+    const UINT state = item->state | item->type;
+    if (item->submenu == nullptr) return state;
+    const Menu* below = Find(item->submenu);
+    return ((state | MF_POPUP) & 0xFF) | (below == nullptr ? 0 : static_cast<UINT>(below->items.size() & 0xFF) << 8);
+}
+
+BOOL EnableMenuItem(HMENU menu, UINT which, UINT enable) {
+    const std::lock_guard lock(TheMenus().lock);
+    Item* item = FindItem(menu, which, enable);
+    if (item == nullptr) return -1;
+    const UINT before = item->state & (MF_GRAYED | MF_DISABLED);
+    item->state = (item->state & ~(MF_GRAYED | MF_DISABLED)) | (enable & (MF_GRAYED | MF_DISABLED));
+    return static_cast<BOOL>(before);
+}
+
+DWORD CheckMenuItem(HMENU menu, UINT which, UINT check) {
+    const std::lock_guard lock(TheMenus().lock);
+    Item* item = FindItem(menu, which, check);
+    if (item == nullptr) return 0xFFFFFFFFu;
+    const DWORD before = item->state & MF_CHECKED;
+    item->state = (item->state & ~MF_CHECKED) | (check & MF_CHECKED);
+    return before;
+}
+
+BOOL CheckMenuRadioItem(HMENU menu, UINT first, UINT last, UINT which, UINT flags) {
+    const std::lock_guard lock(TheMenus().lock);
+    bool found = false;
+    for (UINT each = first; each <= last && each - first <= kMostItems; ++each) {
+        Item* item = FindItem(menu, each, flags);
+        if (item == nullptr || (item->type & MF_SEPARATOR) != 0) continue;
+        if (each == which) {
+            item->type |= MFT_RADIOCHECK;
+            item->state |= MF_CHECKED;
+            found = true;
+        } else {
+            item->state &= ~MF_CHECKED;
+        }
+    }
+    return found;
+}
+
+BOOL SetMenuDefaultItem(HMENU handle, UINT which, UINT byPosition) {
+    const std::lock_guard lock(TheMenus().lock);
+    Menu* menu = Find(handle);
+    if (menu == nullptr) return Finish(ERROR_INVALID_MENU_HANDLE);
+    Item* item = which == 0xFFFFFFFFu ? nullptr : FindItem(handle, which, byPosition ? MF_BYPOSITION : MF_BYCOMMAND);
+    if (item == nullptr && which != 0xFFFFFFFFu) return FALSE;
+    for (Item& each : menu->items) each.state &= ~MF_DEFAULT;
+    if (item != nullptr) item->state |= MF_DEFAULT;
+    return TRUE;
+}
+
+HMENU GetMenu(HWND handle) {
+    const std::lock_guard kernel(orvik::detail::KernelLock());
+    const orvik::detail::Window* window = orvik::detail::FindWindowOf(handle);
+    return window == nullptr ? nullptr : window->menu;
+}
+
+BOOL SetMenu(HWND handle, HMENU menu) {
+    if (menu != nullptr && !IsMenu(menu)) return Finish(ERROR_INVALID_MENU_HANDLE);
+    const std::lock_guard kernel(orvik::detail::KernelLock());
+    orvik::detail::Window* window = orvik::detail::FindWindowOf(handle);
+    if (window == nullptr || (window->style & WS_CHILD) != 0) return Finish(ERROR_INVALID_WINDOW_HANDLE);
+    window->menu = menu;
+    return TRUE;
+}
+
+BOOL DrawMenuBar(HWND window) { return Finish(IsWindow(window) ? ERROR_SUCCESS : ERROR_INVALID_WINDOW_HANDLE); }
+
+BOOL TrackPopupMenu(HMENU menu, UINT flags, int, int, int, HWND window, LPCRECT) {
+    if (!IsMenu(menu)) return Finish(ERROR_INVALID_MENU_HANDLE);
+    if (!IsWindow(window)) return Finish(ERROR_INVALID_WINDOW_HANDLE);
+    if ((flags & TPM_NONOTIFY) == 0) {
+        SendMessageA(window, WM_ENTERMENULOOP, TRUE, 0);
+        SendMessageA(window, WM_INITMENU, reinterpret_cast<WPARAM>(menu), 0);
+        SendMessageA(window, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu), 0);
+        SendMessageA(window, WM_UNINITMENUPOPUP, reinterpret_cast<WPARAM>(menu), 0);
+        SendMessageA(window, WM_EXITMENULOOP, TRUE, 0);
+    }
+    return (flags & TPM_RETURNCMD) == 0;
+}
+
+HACCEL CreateAcceleratorTableA(LPACCEL entries, int count) {
+    if (entries == nullptr || count < 1 || count > 32767) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    Menus& menus = TheMenus();
+    const std::lock_guard lock(menus.lock);
+    const auto handle = reinterpret_cast<HACCEL>(menus.last += 2);
+    menus.tables[handle].assign(entries, entries + count);
+    return handle;
+}
+
+BOOL DestroyAcceleratorTable(HACCEL table) {
+    Menus& menus = TheMenus();
+    const std::lock_guard lock(menus.lock);
+    return menus.tables.erase(table) != 0;
+}
+
+int TranslateAcceleratorA(HWND window, HACCEL table, LPMSG message) {
+    if (window == nullptr || message == nullptr) return FALSE;
+    const UINT kind = message->message;
+    const bool down = kind == WM_KEYDOWN || kind == WM_SYSKEYDOWN, character = kind == WM_CHAR || kind == WM_SYSCHAR;
+    if (!down && !character) return FALSE;
+    std::vector<ACCEL> entries;
+    {
+        Menus& menus = TheMenus();
+        const std::lock_guard lock(menus.lock);
+        const auto found = menus.tables.find(table);
+        if (found == menus.tables.end()) return FALSE;
+        entries = found->second;
+    }
+    const bool alt = GetKeyState(VK_MENU) < 0;
+    const int held = (GetKeyState(VK_SHIFT) < 0 ? FSHIFT : 0) | (GetKeyState(VK_CONTROL) < 0 ? FCONTROL : 0) | (alt ? FALT : 0);
+    const auto wanted = std::find_if(entries.begin(), entries.end(), [&](const ACCEL& each) {
+        if (each.key != message->wParam) return false;
+        if ((each.fVirt & FVIRTKEY) != 0) return down && (each.fVirt & (FSHIFT | FCONTROL | FALT)) == held;
+        return character && ((each.fVirt & FALT) != 0) == (kind == WM_SYSCHAR);
+    });
+    if (wanted == entries.end()) return FALSE;
+    const HMENU menu = GetMenu(window);
+    UINT state = 0;
+    if (menu != nullptr) {
+        SendMessageA(window, WM_INITMENU, reinterpret_cast<WPARAM>(menu), 0);
+        state = GetMenuState(menu, wanted->cmd, MF_BYCOMMAND);
+        if (state == 0xFFFFFFFFu) state = 0;
+    }
+    if (IsWindowEnabled(window) && (state & (MF_GRAYED | MF_DISABLED)) == 0)
+        SendMessageA(window, WM_COMMAND, MAKEWPARAM(wanted->cmd, 1), 0);
+    return TRUE;
+}

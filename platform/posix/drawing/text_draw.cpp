@@ -1,0 +1,340 @@
+#include "platform/posix/drawing/text_draw.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/posix/drawing/dc_internal.h"
+#include "platform/posix/kernel/handle_table_internal.h"
+#include "platform/posix/text/text_internal.h"
+
+using namespace orvik::detail;
+
+namespace {
+
+constexpr UINT kHorizontal = TA_LEFT | TA_RIGHT | TA_CENTER, kVertical = TA_TOP | TA_BOTTOM | TA_BASELINE;
+
+std::string_view Given(LPCSTR text, int length) {
+    if (text == nullptr) return {};
+    return {text, length < 0 ? std::strlen(text) : static_cast<size_t>(length)};
+}
+
+void FillSolid(Dc& dc, const RECT& rect, COLORREF color) {
+    FillLook look;
+    look.color = color;
+    dc.place.canvas->Fill({&rect, 1}, look, PATCOPY, dc.Clip());
+}
+
+// The rectangle of a turned text cell, in the colour behind the text.
+void FillTurned(Dc& dc, const FontFace& face, POINT base, int width) {
+    const int ascent = face.Font().ascent, descent = face.Font().descent;
+    const auto corner = [&](int along, int down) {
+        const POINT step = face.Step(along, down);
+        return POINT{base.x + step.x, base.y + step.y};
+    };
+    const POINT corners[] = {corner(0, -ascent), corner(width, -ascent), corner(width, descent), corner(0, descent)};
+    const DWORD count = 4;
+    FillLook look;
+    look.color = dc.state.bkColor;
+    dc.place.canvas->Polygons(corners, {&count, 1}, ALTERNATE, look, R2_COPYPEN, dc.Clip());
+}
+
+// The lines under and through a text.
+void DrawRules(Dc& dc, const FontFace& face, POINT base, int width, const PixelRegion& clip) {
+    const TextFont& font = face.Font();
+    const int thick = std::max(1, font.pixels / 14);
+    const auto rule = [&](int down) {
+        FillLook look;
+        look.color = dc.state.textColor;
+        const POINT a = face.Step(0, down), b = face.Step(width, down), c = face.Step(width, down + thick),
+                    d = face.Step(0, down + thick);
+        if (font.escapement == 0) {
+            const RECT rect = {base.x, base.y + down, base.x + width, base.y + down + thick};
+            dc.place.canvas->Fill({&rect, 1}, look, PATCOPY, clip);
+            return;
+        }
+        const POINT corners[] = {{base.x + a.x, base.y + a.y},
+                                 {base.x + b.x, base.y + b.y},
+                                 {base.x + c.x, base.y + c.y},
+                                 {base.x + d.x, base.y + d.y}};
+        const DWORD count = 4;
+        dc.place.canvas->Polygons(corners, {&count, 1}, ALTERNATE, look, R2_COPYPEN, clip);
+    };
+    if (font.underline) rule(std::max(1, font.descent / 3));
+    if (font.strikeOut) rule(-font.ascent / 3);
+}
+
+// Lines of a text as DrawText lays them out: the characters to draw, and which one is underlined.
+struct TextLine {
+    std::string text;
+    size_t mark = std::string::npos;  // of the prefix
+};
+
+// One paragraph's text without its prefixes.
+TextLine WithoutPrefix(std::string_view text, UINT format) {
+    TextLine line;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if ((format & DT_NOPREFIX) == 0 && text[i] == '&') {
+            if (++i == text.size()) break;
+            if (text[i] != '&') line.mark = line.text.size();
+        }
+        line.text += text[i];
+    }
+    if ((format & DT_HIDEPREFIX) != 0) line.mark = std::string::npos;
+    return line;
+}
+
+void ExpandTabs(const FontFace& face, TextLine& line) {
+    constexpr int kStop = 8;  // average characters
+    const int stop = std::max(1, kStop * static_cast<int>(face.Metrics().tmAveCharWidth)), space = std::max(1, face.Advance(' '));
+    std::string wide;
+    for (size_t i = 0; i < line.text.size(); ++i) {
+        if (line.mark == i) line.mark = wide.size();
+        if (line.text[i] != '\t') {
+            wide += line.text[i];
+            continue;
+        }
+        const int at = face.Extent(wide);
+        wide.append(static_cast<size_t>(std::max(1, (at / stop * stop + stop - at + space / 2) / space)), ' ');
+    }
+    line.text = std::move(wide);
+}
+
+// Splits a line where words end, so that every piece is at most `width` wide; a longer word stands alone.
+void BreakWords(const FontFace& face, const TextLine& whole, int width, std::vector<TextLine>& lines) {
+    size_t begin = 0;
+    do {
+        size_t end = begin, lastBreak = std::string::npos;
+        int extent = 0;
+        while (end < whole.text.size()) {
+            extent += face.Advance(whole.text[end]);
+            if (extent > width && lastBreak != std::string::npos) break;
+            if (whole.text[end] == ' ' && end > begin) lastBreak = end;
+            ++end;
+        }
+        size_t next = end;
+        if (end < whole.text.size()) {
+            end = lastBreak;
+            next = end;
+            while (next < whole.text.size() && whole.text[next] == ' ') ++next;
+        }
+        TextLine piece{whole.text.substr(begin, end - begin)};
+        if (whole.mark != std::string::npos && whole.mark >= begin && whole.mark < end) piece.mark = whole.mark - begin;
+        lines.push_back(std::move(piece));
+        begin = next;
+    } while (begin < whole.text.size());
+}
+
+std::vector<TextLine> LayOut(const FontFace& face, std::string_view text, int width, UINT format) {
+    std::vector<TextLine> lines;
+    size_t begin = 0;
+    while (begin <= text.size()) {
+        size_t end = text.size(), next = text.size() + 1;
+        if ((format & DT_SINGLELINE) == 0) {
+            const size_t found = text.find_first_of("\r\n", begin);
+            if (found != std::string_view::npos) {
+                end = found;
+                next = found + (text.substr(found, 2) == "\r\n" ? 2 : 1);
+            }
+        }
+        TextLine line = WithoutPrefix(text.substr(begin, end - begin), format);
+        if ((format & DT_EXPANDTABS) != 0) ExpandTabs(face, line);
+        if ((format & DT_WORDBREAK) != 0 && (format & DT_SINGLELINE) == 0)
+            BreakWords(face, line, width, lines);
+        else
+            lines.push_back(std::move(line));
+        begin = next;
+    }
+    // A line end at the very end begins no further line.
+    if (lines.size() > 1 && lines.back().text.empty()) lines.pop_back();
+    return lines;
+}
+
+void CutWithEllipsis(const FontFace& face, TextLine& line, int width) {
+    if (face.Extent(line.text) <= width) return;
+    constexpr std::string_view kEllipsis = "...";
+    const int room = width - face.Extent(kEllipsis);
+    int extent = 0;
+    size_t fit = 0;
+    while (fit < line.text.size() && extent + face.Advance(line.text[fit]) <= room) extent += face.Advance(line.text[fit++]);
+    if (fit == 0 && !line.text.empty()) fit = 1;  // at least one character shows
+    line.text = line.text.substr(0, fit) + std::string(kEllipsis);
+    if (line.mark != std::string::npos && line.mark >= fit) line.mark = std::string::npos;
+}
+
+}  // namespace
+
+BOOL TextOutA(HDC dc, int x, int y, LPCSTR text, int length) {
+    return ExtTextOutA(dc, x, y, 0, nullptr, text, static_cast<UINT>(std::max(length, 0)), nullptr);
+}
+
+BOOL ExtTextOutA(HDC dc, int x, int y, UINT options, const RECT* rect, LPCSTR text, UINT length, const int* widths) {
+    const auto found = FindDc(dc);
+    if (found == nullptr) return FALSE;
+    const FontFace& face = found->Face();
+    const std::string_view bytes = text != nullptr ? std::string_view(text, length) : std::string_view();
+    PixelRegion clip = found->Clip();
+    if (rect != nullptr && (options & (ETO_OPAQUE | ETO_CLIPPED)) != 0) {
+        const RECT area = Normalised(found->ToCanvas(*rect));
+        if ((options & ETO_OPAQUE) != 0) FillSolid(*found, area, found->state.bkColor);
+        if ((options & ETO_CLIPPED) != 0) clip.Combine(area, RGN_AND);
+    }
+    if (bytes.empty()) return TRUE;
+
+    std::vector<int> offsets(bytes.size());
+    int64_t at = 0;
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        offsets[i] = static_cast<int>(std::clamp<int64_t>(at, -0x7FFFFFF, 0x7FFFFFF));
+        at += widths != nullptr ? widths[i] : face.Advance(bytes[i]);
+    }
+    const int width = static_cast<int>(std::clamp<int64_t>(at, -0x7FFFFFF, 0x7FFFFFF));
+
+    DcState& state = found->state;
+    const POINT place = found->ToCanvas((state.textAlign & TA_UPDATECP) != 0 ? state.position : POINT{x, y});
+    const UINT horizontal = state.textAlign & kHorizontal, vertical = state.textAlign & kVertical;
+    const int along = horizontal == TA_CENTER ? -(width / 2) : horizontal == TA_RIGHT ? -width : 0;
+    const int down = vertical == TA_BASELINE ? 0 : vertical == TA_BOTTOM ? -face.Font().descent : face.Font().ascent;
+    const POINT step = face.Step(along, down);
+    const POINT base = {place.x + step.x, place.y + step.y};
+    if ((state.textAlign & TA_UPDATECP) != 0 && horizontal != TA_CENTER) {
+        const POINT move = face.Step(horizontal == TA_RIGHT ? -width : width, 0);
+        state.position = {state.position.x + move.x, state.position.y + move.y};
+    }
+    if (state.bkMode == OPAQUE) {
+        if (face.Font().escapement == 0) {
+            // Where the rectangle is filled already, this is the same colour again.
+            const RECT cell = {base.x, base.y - face.Font().ascent, base.x + width, base.y + face.Font().descent};
+            FillLook look;
+            look.color = state.bkColor;
+            found->place.canvas->Fill({&cell, 1}, look, PATCOPY, clip);
+        } else {
+            FillTurned(*found, face, base, width);
+        }
+    }
+    const std::string utf8 = Utf8From1252(bytes);
+    TextRun run;
+    run.font = &face.Font();
+    run.face = &face;
+    run.bytes = bytes, run.utf8 = utf8;
+    run.offsets = offsets;
+    run.width = width;
+    run.base = base;
+    run.align = horizontal;
+    run.color = state.textColor;
+    found->place.canvas->Text(run, clip);
+    if (!found->place.canvas->IsPage()) DrawRules(*found, face, base, width, clip);
+    return TRUE;
+}
+
+int DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format) {
+    const auto found = FindDc(dc);
+    if (found == nullptr || rect == nullptr) return 0;
+    const FontFace& face = found->Face();
+    const int lineHeight = static_cast<int>(face.Metrics().tmHeight) +
+                           ((format & DT_EXTERNALLEADING) != 0 ? static_cast<int>(face.Metrics().tmExternalLeading) : 0);
+    const int width = rect->right - rect->left;
+    const std::string_view given = Given(text, length);
+    std::vector<TextLine> lines;
+    if (!given.empty()) lines = LayOut(face, given, width, format);
+    const int height = lineHeight * static_cast<int>(lines.size());
+    if ((format & DT_END_ELLIPSIS) != 0 && !lines.empty())
+        for (TextLine& line : lines) CutWithEllipsis(face, line, width);
+
+    int top = rect->top;
+    if ((format & DT_SINGLELINE) != 0) {
+        if ((format & DT_VCENTER) != 0)
+            top += (rect->bottom - rect->top - height) / 2;
+        else if ((format & DT_BOTTOM) != 0)
+            top = rect->bottom - height;
+    }
+    if ((format & DT_CALCRECT) != 0) {
+        int widest = 0;
+        for (const TextLine& line : lines) widest = std::max(widest, face.Extent(line.text));
+        rect->right = rect->left + widest;
+        rect->bottom = rect->top + height;
+        return top + height - rect->top;
+    }
+
+    const int saved = SaveDC(dc);
+    SetTextAlign(dc, TA_LEFT | TA_TOP);
+    if ((format & DT_NOCLIP) == 0) IntersectClipRect(dc, rect->left, rect->top, rect->right, rect->bottom);
+    int y = top;
+    for (const TextLine& line : lines) {
+        const int extent = face.Extent(line.text);
+        const int x = (format & DT_CENTER) != 0  ? rect->left + (width - extent) / 2
+                      : (format & DT_RIGHT) != 0 ? rect->right - extent
+                                                 : rect->left;
+        TextOutA(dc, x, y, line.text.data(), static_cast<int>(line.text.size()));
+        if (line.mark != std::string::npos) {
+            const int from = x + face.Extent(std::string_view(line.text).substr(0, line.mark));
+            const int under = y + face.Font().ascent + 1;
+            FillSolid(*found, found->ToCanvas(RECT{from, under, from + face.Advance(line.text[line.mark]), under + 1}),
+                      found->state.textColor);
+        }
+        y += lineHeight;
+    }
+    RestoreDC(dc, saved);
+    return top + height - rect->top;
+}
+
+BOOL GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, SIZE* size) {
+    return GetTextExtentExPointA(dc, text, length, 0, nullptr, nullptr, size);
+}
+
+BOOL GetTextExtentExPointA(HDC dc, LPCSTR text, int length, int maximum, int* fit, int* widths, SIZE* size) {
+    const auto found = FindDc(dc);
+    if (found == nullptr) return FALSE;
+    if (size == nullptr || length < 0 || (text == nullptr && length > 0) || (fit != nullptr && maximum < -1))
+        return Finish(ERROR_INVALID_PARAMETER);
+    const FontFace& face = found->Face();
+    const std::string_view bytes = length > 0 ? std::string_view(text, static_cast<size_t>(length)) : std::string_view();
+    int count = 0;
+    if (fit != nullptr || widths != nullptr) {
+        int extent = 0;
+        for (const char character : bytes) {
+            extent += face.Advance(character);
+            if (fit != nullptr && maximum >= 0 && extent > maximum) break;
+            if (widths != nullptr) widths[count] = extent;
+            ++count;
+        }
+    }
+    if (fit != nullptr) *fit = count;
+    *size = {face.Extent(bytes), face.Metrics().tmHeight};
+    return TRUE;
+}
+
+BOOL GetCharWidth32A(HDC dc, UINT first, UINT last, int* widths) {
+    const auto found = FindDc(dc);
+    if (found == nullptr) return FALSE;
+    if (widths == nullptr || first > last || last > 255) return Finish(ERROR_INVALID_PARAMETER);
+    for (UINT code = first; code <= last; ++code) widths[code - first] = found->Face().Advance(static_cast<char>(code));
+    return TRUE;
+}
+
+BOOL GetTextMetricsA(HDC dc, LPTEXTMETRICA metrics) {
+    const auto found = FindDc(dc);
+    if (found == nullptr || metrics == nullptr) return FALSE;
+    *metrics = found->Face().Metrics();
+    return TRUE;
+}
+
+int GetTextFaceA(HDC dc, int size, LPSTR name) {
+    const auto found = FindDc(dc);
+    if (found == nullptr) return 0;
+    std::string family;
+    const std::string& utf8 = found->Face().Font().family;
+    // A family's name in Windows-1252; what it cannot hold is left out.
+    for (size_t i = 0; i < utf8.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(utf8[i]);
+        if (byte < 0x80)
+            family += utf8[i];
+        else if ((byte == 0xC2 || byte == 0xC3) && i + 1 < utf8.size())
+            family += static_cast<char>((byte & 3) << 6 | (utf8[++i] & 0x3F));
+    }
+    const int whole = static_cast<int>(family.size()) + 1;
+    if (name == nullptr) return whole;
+    if (size <= 0) return 0;
+    const int copied = std::min(whole, size);
+    std::memcpy(name, family.c_str(), static_cast<size_t>(copied));
+    name[copied - 1] = 0;
+    return copied;
+}

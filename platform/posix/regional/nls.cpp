@@ -1,0 +1,438 @@
+#include "platform/posix/regional/nls.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "platform/posix/kernel/errors.h"
+#include "platform/posix/regional/crt_time.h"
+#include "platform/posix/regional/locale_data_internal.h"
+#include "platform/posix/regional/locale_pictures_internal.h"
+
+using namespace orvik::detail;
+
+namespace {
+
+constexpr const char* kClockLetters = "hHms";
+constexpr const char* kDateLetters = "dMy";
+
+// The user's locale of each group of settings, and what SetLocaleInfoA put over it.
+struct UserSettings {
+    const LocaleData* names;
+    const LocaleData* clock;
+    const LocaleData* numbers;
+    const LocaleData* money;
+    std::map<LCTYPE, std::string> changed;
+};
+
+const LocaleData& FromEnvironment(const char* category) {
+    for (const char* variable : {"LC_ALL", category, "LANG"})
+        if (const char* value = std::getenv(variable); value && *value) return LocaleByName(value);
+    return LocaleByName("");
+}
+
+UserSettings ReadEnvironment() {
+    return {&FromEnvironment("LC_CTYPE"),
+            &FromEnvironment("LC_TIME"),
+            &FromEnvironment("LC_NUMERIC"),
+            &FromEnvironment("LC_MONETARY"),
+            {}};
+}
+
+// Settings are never changed once they are shared, only replaced: who holds them needs no lock and no copy.
+using SharedSettings = std::shared_ptr<const UserSettings>;
+
+struct User {
+    std::mutex lock;
+    SharedSettings settings = std::make_shared<UserSettings>(ReadEnvironment());
+};
+User& TheUser() {
+    static User user;
+    return user;
+}
+
+SharedSettings Fixed(const LocaleData& locale) {
+    return std::make_shared<UserSettings>(UserSettings{&locale, &locale, &locale, &locale, {}});
+}
+
+// The settings that an id names, with (the user's) or without changes; null for an id without a locale.
+SharedSettings SettingsOf(LCID locale, LCTYPE item) {
+    const LCID plain = LANGIDFROMLCID(locale);
+    User& user = TheUser();
+    const std::lock_guard guard(user.lock);
+    const bool mine =
+        plain == 0 || plain == LOCALE_USER_DEFAULT || plain == LOCALE_SYSTEM_DEFAULT || plain == user.settings->names->lcid;
+    if (!mine) {
+        const LocaleData* data = LocaleById(plain);
+        return data ? Fixed(*data) : nullptr;
+    }
+    if (!(item & LOCALE_NOUSEROVERRIDE)) return user.settings;
+    const auto unchanged = std::make_shared<UserSettings>(*user.settings);
+    unchanged->changed.clear();
+    return unchanged;
+}
+
+// What a setting is, its changes included.
+std::optional<std::string> Value(const UserSettings& s, LCTYPE item) {
+    if (const auto changed = s.changed.find(item); changed != s.changed.end()) return changed->second;
+    const auto flag = [](bool on) { return std::string(on ? "1" : "0"); };
+    const auto within = [item](LCTYPE first, LCTYPE count) { return item >= first && item < first + count; };
+    if (within(LOCALE_SDAYNAME1, 7)) return s.clock->days[item - LOCALE_SDAYNAME1];
+    if (within(LOCALE_SABBREVDAYNAME1, 7)) return s.clock->shortDays[item - LOCALE_SABBREVDAYNAME1];
+    if (within(LOCALE_SMONTHNAME1, 12)) return s.clock->months[item - LOCALE_SMONTHNAME1];
+    if (within(LOCALE_SABBREVMONTHNAME1, 12)) return s.clock->shortMonths[item - LOCALE_SABBREVMONTHNAME1];
+    switch (item) {
+        case LOCALE_ILANGUAGE: {
+            static constexpr char kDigits[] = "0123456789abcdef";
+            std::string hex;
+            for (int shift = 12; shift >= 0; shift -= 4) hex += kDigits[(s.names->lcid >> shift) & 0xF];
+            return hex;
+        }
+        case LOCALE_SLANGUAGE:
+            return s.names->fullName;
+        case LOCALE_SENGLANGUAGE:
+            return s.names->languageName;
+        case LOCALE_SCOUNTRY:
+        case LOCALE_SENGCOUNTRY:
+            return s.names->countryName;
+        case LOCALE_SISO639LANGNAME:
+            return s.names->language;
+        case LOCALE_SISO3166CTRYNAME:
+            return s.names->country;
+        case LOCALE_ICOUNTRY:
+            return s.names->countryCode;
+        case LOCALE_IMEASURE:
+            return s.names->measure;
+        case LOCALE_IDEFAULTANSICODEPAGE:
+            return "1252";
+        case LOCALE_SLIST:
+            return s.numbers->list;
+        case LOCALE_SDECIMAL:
+            return s.numbers->decimal;
+        case LOCALE_STHOUSAND:
+            return s.numbers->thousand;
+        case LOCALE_SGROUPING:
+            return s.numbers->grouping;
+        case LOCALE_IDIGITS:
+            return "2";
+        case LOCALE_ILZERO:
+            return "1";
+        case LOCALE_SCURRENCY:
+            return s.money->currency;
+        case LOCALE_ICURRDIGITS:
+            return s.money->currencyDigits;
+        case LOCALE_ICURRENCY:
+            return s.money->currencyOrder;
+        case LOCALE_INEGCURR:
+            return s.money->negativeCurrency;
+        case LOCALE_SSHORTDATE:
+            return s.clock->shortDate;
+        case LOCALE_SLONGDATE:
+            return s.clock->longDate;
+        case LOCALE_STIMEFORMAT:
+            return s.clock->timePicture;
+        case LOCALE_S1159:
+            return s.clock->morning;
+        case LOCALE_S2359:
+            return s.clock->afternoon;
+        // These follow the pictures, also when the pictures were changed.
+        case LOCALE_STIME:
+            return PictureSeparator(*Value(s, LOCALE_STIMEFORMAT), kClockLetters);
+        case LOCALE_ITIME:
+            return flag(FirstPictureLetter(*Value(s, LOCALE_STIMEFORMAT), "hH") == 'H');
+        case LOCALE_ITIMEMARKPOSN:
+            return flag(FirstPictureLetter(*Value(s, LOCALE_STIMEFORMAT), "hHt") == 't');
+        case LOCALE_ITLZERO:
+            return flag(PictureRun(*Value(s, LOCALE_STIMEFORMAT), "hH") > 1);
+        case LOCALE_SDATE:
+            return PictureSeparator(*Value(s, LOCALE_SSHORTDATE), kDateLetters);
+        case LOCALE_IDATE: {
+            const char first = FirstPictureLetter(*Value(s, LOCALE_SSHORTDATE), kDateLetters);
+            return first == 'y' ? "2" : first == 'd' ? "1" : "0";
+        }
+        default:
+            return std::nullopt;
+    }
+}
+
+bool IsNumber(LCTYPE item) {
+    switch (item) {
+        case LOCALE_ILANGUAGE:
+        case LOCALE_ICOUNTRY:
+        case LOCALE_IMEASURE:
+        case LOCALE_IDIGITS:
+        case LOCALE_ILZERO:
+        case LOCALE_ICURRDIGITS:
+        case LOCALE_ICURRENCY:
+        case LOCALE_INEGCURR:
+        case LOCALE_IDATE:
+        case LOCALE_ITIME:
+        case LOCALE_ITLZERO:
+        case LOCALE_ITIMEMARKPOSN:
+        case LOCALE_IDEFAULTANSICODEPAGE:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Longest text of a setting that may be changed, terminator included, as documented; 0 for one that may not.
+size_t LongestText(LCTYPE item) {
+    switch (item) {
+        case LOCALE_SLIST:
+        case LOCALE_SDECIMAL:
+        case LOCALE_STHOUSAND:
+        case LOCALE_SDATE:
+        case LOCALE_STIME:
+            return 4;
+        case LOCALE_SGROUPING:
+            return 10;
+        case LOCALE_SCURRENCY:
+            return 13;
+        case LOCALE_S1159:
+        case LOCALE_S2359:
+            return 15;
+        case LOCALE_SSHORTDATE:
+        case LOCALE_SLONGDATE:
+        case LOCALE_STIMEFORMAT:
+            return 80;
+        case LOCALE_IMEASURE:
+        case LOCALE_ILZERO:
+        case LOCALE_ICURRENCY:
+        case LOCALE_ITIME:
+            return 2;
+        case LOCALE_IDIGITS:
+        case LOCALE_ICURRDIGITS:
+        case LOCALE_INEGCURR:
+            return 3;
+        default:
+            return 0;
+    }
+}
+
+int Fail(DWORD code) {
+    SetLastError(code);
+    return 0;
+}
+
+int Deliver(const std::string& text, LPSTR out, int size) {
+    const int needed = static_cast<int>(text.size()) + 1;
+    if (size == 0) return needed;
+    if (size < 0 || !out) return Fail(ERROR_INVALID_PARAMETER);
+    if (size < needed) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    std::memcpy(out, text.c_str(), text.size() + 1);
+    return needed;
+}
+
+void AppendPadded(std::string& out, unsigned value, size_t run) {
+    if (run >= 2 && value < 10) out += '0';
+    char digits[12];
+    out.append(digits, static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
+}
+
+// The changed value of an item, else the given one.
+const std::string& Changed(const UserSettings& s, LCTYPE item, const std::string& standing) {
+    const auto changed = s.changed.find(item);
+    return changed != s.changed.end() ? changed->second : standing;
+}
+
+// Walks a picture: letters of `letters` come in runs, quoted text and everything else go to `literal`.
+template <class Run, class Literal>
+void WalkPicture(const std::string& picture, const char* letters, Run run, Literal literal) {
+    for (size_t i = 0; i < picture.size();) {
+        if (picture[i] == '\'') {
+            for (++i; i < picture.size(); ++i) {
+                if (picture[i] == '\'') {
+                    ++i;
+                    if (i >= picture.size() || picture[i] != '\'') break;  // two quotes within quoted text are one quote
+                }
+                literal(picture[i]);
+            }
+        } else if (std::strchr(letters, picture[i])) {
+            size_t end = i;
+            while (end < picture.size() && picture[end] == picture[i]) ++end;
+            run(picture[i], end - i);
+            i = end;
+        } else {
+            literal(picture[i++]);
+        }
+    }
+}
+
+// A field that a flag leaves out takes the literal text before it with it, so that "h:mm:ss tt" shortens to "h:mm tt".
+std::string WriteTime(const SYSTEMTIME& t, const std::string& picture, DWORD flags, const UserSettings& s) {
+    std::string out, literal;
+    const auto leftOut = [flags](char letter) {
+        if (letter == 't') return (flags & TIME_NOTIMEMARKER) != 0;
+        if (letter == 's') return (flags & (TIME_NOSECONDS | TIME_NOMINUTESORSECONDS)) != 0;
+        return letter == 'm' && (flags & TIME_NOMINUTESORSECONDS) != 0;
+    };
+    WalkPicture(
+        picture, "hHmst",
+        [&](char letter, size_t run) {
+            if (leftOut(letter)) {
+                literal.clear();
+                return;
+            }
+            out += literal;
+            literal.clear();
+            unsigned hour = t.wHour;
+            if (letter == 'h' && !(flags & TIME_FORCE24HOURFORMAT)) hour = (hour + 11) % 12 + 1;
+            if (letter == 'h' || letter == 'H') AppendPadded(out, hour, run);
+            if (letter == 'm') AppendPadded(out, t.wMinute, run);
+            if (letter == 's') AppendPadded(out, t.wSecond, run);
+            if (letter == 't') {
+                const std::string& mark =
+                    t.wHour < 12 ? Changed(s, LOCALE_S1159, s.clock->morning) : Changed(s, LOCALE_S2359, s.clock->afternoon);
+                out.append(mark, 0, run == 1 ? 1 : std::string::npos);
+            }
+        },
+        [&](char c) { literal += c; });
+    return out + literal;
+}
+
+std::string WriteDate(const SYSTEMTIME& d, const std::string& picture, const UserSettings& s) {
+    bool namesDay = false;
+    WalkPicture(
+        picture, "dMyg", [&](char letter, size_t run) { namesDay |= letter == 'd' && run <= 2; }, [](char) {});
+    std::string out;
+    const unsigned weekday = (d.wDayOfWeek + 6u) % 7;  // from Monday
+    WalkPicture(
+        picture, "dMyg",
+        [&](char letter, size_t run) {
+            const unsigned month = d.wMonth - 1u;
+            switch (letter) {
+                case 'd':
+                    if (run <= 2)
+                        AppendPadded(out, d.wDay, run);
+                    else
+                        out += run == 3 ? s.clock->shortDays[weekday] : s.clock->days[weekday];
+                    break;
+                case 'M':
+                    if (run <= 2)
+                        AppendPadded(out, d.wMonth, run);
+                    else if (run == 3)
+                        out += s.clock->shortMonths[month];
+                    else
+                        out += namesDay ? s.clock->monthsInDates[month] : s.clock->months[month];
+                    break;
+                case 'y':
+                    if (run <= 2)
+                        AppendPadded(out, d.wYear % 100u, run);
+                    else
+                        AppendPadded(out, d.wYear, 1);
+                    break;
+                default:
+                    out += s.clock->eras[1];
+            }
+        },
+        [&](char c) { out += c; });
+    return out;
+}
+
+}  // namespace
+
+namespace orvik::detail {
+void ReloadRegionalSettings() {
+    User& user = TheUser();
+    auto fresh = std::make_shared<UserSettings>(ReadEnvironment());
+    const std::lock_guard guard(user.lock);
+    user.settings = std::move(fresh);
+}
+}  // namespace orvik::detail
+
+LCID GetUserDefaultLCID() {
+    User& user = TheUser();
+    const std::lock_guard guard(user.lock);
+    return user.settings->names->lcid;
+}
+UINT GetACP() { return 1252; }
+
+int GetLocaleInfoA(LCID locale, LCTYPE item, LPSTR out, int size) {
+    const LCTYPE plain = item & ~(LOCALE_NOUSEROVERRIDE | LOCALE_RETURN_NUMBER);
+    const auto settings = SettingsOf(locale, item);
+    if (!settings) return Fail(ERROR_INVALID_PARAMETER);
+    const auto value = Value(*settings, plain);
+    if (!value) return Fail(ERROR_INVALID_FLAGS);
+    if (!(item & LOCALE_RETURN_NUMBER)) return Deliver(*value, out, size);
+    if (!IsNumber(plain)) return Fail(ERROR_INVALID_FLAGS);
+    if (size == 0) return sizeof(DWORD);
+    if (!out || size < static_cast<int>(sizeof(DWORD))) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    const auto number = static_cast<DWORD>(std::strtoul(value->c_str(), nullptr, plain == LOCALE_ILANGUAGE ? 16 : 10));
+    std::memcpy(out, &number, sizeof number);
+    return sizeof number;
+}
+
+BOOL SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text) {
+    const LCID plain = LANGIDFROMLCID(locale);
+    item &= ~LOCALE_NOUSEROVERRIDE;
+    if (!text) return Fail(ERROR_INVALID_PARAMETER);
+    const size_t longest = LongestText(item);
+    if (longest == 0) return Fail(ERROR_INVALID_FLAGS);
+    if (std::strlen(text) >= longest) return Fail(ERROR_INVALID_PARAMETER);
+    User& user = TheUser();
+    const std::lock_guard guard(user.lock);
+    const auto fresh = std::make_shared<UserSettings>(*user.settings);
+    UserSettings& s = *fresh;
+    if (plain != 0 && plain != LOCALE_USER_DEFAULT && plain != LOCALE_SYSTEM_DEFAULT && plain != s.names->lcid)
+        return Fail(ERROR_INVALID_PARAMETER);
+    switch (item) {
+        case LOCALE_STIME:
+            s.changed[LOCALE_STIMEFORMAT] = ReplacePictureSeparator(*Value(s, LOCALE_STIMEFORMAT), kClockLetters, text);
+            break;
+        case LOCALE_SDATE:
+            s.changed[LOCALE_SSHORTDATE] = ReplacePictureSeparator(*Value(s, LOCALE_SSHORTDATE), kDateLetters, text);
+            break;
+        case LOCALE_ITIME: {
+            std::string picture = *Value(s, LOCALE_STIMEFORMAT);
+            bool quoted = false;
+            for (char& c : picture) {
+                if (c == '\'') quoted = !quoted;
+                if (!quoted && (c == 'h' || c == 'H')) c = *text == '1' ? 'H' : 'h';
+            }
+            s.changed[LOCALE_STIMEFORMAT] = picture;
+            break;
+        }
+        default:
+            s.changed[item] = text;
+    }
+    user.settings = fresh;
+    return TRUE;
+}
+
+int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR picture, LPSTR out, int size) {
+    const auto settings = SettingsOf(locale, flags & LOCALE_NOUSEROVERRIDE);
+    if (!settings) return Fail(ERROR_INVALID_PARAMETER);
+    if (flags & ~(TIME_NOMINUTESORSECONDS | TIME_NOSECONDS | TIME_NOTIMEMARKER | TIME_FORCE24HOURFORMAT | LOCALE_NOUSEROVERRIDE))
+        return Fail(ERROR_INVALID_FLAGS);
+    SYSTEMTIME now;
+    if (!time) GetLocalTime(&now), time = &now;
+    if (time->wHour > 23 || time->wMinute > 59 || time->wSecond > 59 || time->wMilliseconds > 999)
+        return Fail(ERROR_INVALID_PARAMETER);
+    const std::string text =
+        picture ? WriteTime(*time, picture, flags, *settings)
+                : WriteTime(*time, Changed(*settings, LOCALE_STIMEFORMAT, settings->clock->timePicture), flags, *settings);
+    return Deliver(text, out, size);
+}
+
+int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR picture, LPSTR out, int size) {
+    const auto settings = SettingsOf(locale, flags & LOCALE_NOUSEROVERRIDE);
+    if (!settings) return Fail(ERROR_INVALID_PARAMETER);
+    if (flags & ~(DATE_SHORTDATE | DATE_LONGDATE | LOCALE_NOUSEROVERRIDE)) return Fail(ERROR_INVALID_FLAGS);
+    if (picture && (flags & (DATE_SHORTDATE | DATE_LONGDATE))) return Fail(ERROR_INVALID_FLAGS);
+    SYSTEMTIME given;
+    if (date)
+        given = *date;
+    else
+        GetLocalTime(&given);
+    given.wHour = given.wMinute = given.wSecond = given.wMilliseconds = 0;
+    FILETIME ft;
+    if (!SystemTimeToFileTime(&given, &ft) || !FileTimeToSystemTime(&ft, &given)) return Fail(ERROR_INVALID_PARAMETER);
+    const LCTYPE standing = flags & DATE_LONGDATE ? LOCALE_SLONGDATE : LOCALE_SSHORTDATE;
+    return Deliver(WriteDate(given, picture ? std::string(picture) : *Value(*settings, standing), *settings), out, size);
+}
