@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/text/text_internal.h"
 #include "platform/win32.h"
 

@@ -1,6 +1,7 @@
 // Text and file names at the edge of the Linux twin.
 #include <gtest/gtest.h>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/text/text_internal.h"
 #include "platform/win32.h"
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "platform/posix/drawing/images_internal.h"
+#include "platform/posix/resources/images_internal.h"
 #include "platform/posix/resources/resources.h"
 #include "res/embedded.h"
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/posix/window/window_class_internal.h"
 #include "platform/posix/window/window_internal.h"
 
 namespace orvik::detail {

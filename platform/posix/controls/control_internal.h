@@ -108,14 +108,4 @@ LRESULT CALLBACK ProgressProcedure(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK HeaderProcedure(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK ListViewProcedure(HWND, UINT, WPARAM, LPARAM);
 
-// The classes that are there for every program.
-struct SystemClass {
-    const char* name;
-    UINT style;
-    int extra;  // bytes for the program
-    WNDPROC procedure;
-    ATOM atom;  // 0: any
-};
-std::span<const SystemClass> SystemClasses();
-
 }  // namespace orvik::detail

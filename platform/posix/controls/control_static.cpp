@@ -1,6 +1,6 @@
 // The static control: texts, icons, frames and lines.
 #include "platform/posix/controls/control_internal.h"
-#include "platform/posix/drawing/images_internal.h"
+#include "platform/posix/resources/images_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -34,12 +34,6 @@ struct DialogTemplate {
 
 // Reads a template of either kind. The bytes carry no length: they are trusted, as the system does.
 DialogTemplate ReadTemplate(const void* bytes);
-// The module's own templates, in the extended kind's bytes.
-struct EmbeddedDialog {
-    WORD id;
-    std::vector<unsigned char> english, swedish;
-};
-std::vector<EmbeddedDialog> EmbeddedDialogs();
 
 class Dialog final : public Control {
 public:

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "platform/posix/dialogs/dialog_internal.h"
+#include "platform/posix/resources/embedded_dialogs_internal.h"
 #include "platform/posix/text/text_internal.h"
 
 namespace orvik::detail {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/new_file_internal.h"
-#include "platform/posix/text/text_internal.h"
+#include "platform/posix/files/path_internal.h"
 
 namespace orvik::detail {
 // Not by /proc, which names a file that is replaced meanwhile "(deleted)"; and folders are left to the system, whose names may be

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/posix/input/input.h"
+#include "platform/posix/window/messages.h"
 
 #define MF_BYCOMMAND 0x0000u
 #define MF_ENABLED 0x0000u

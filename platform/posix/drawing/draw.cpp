@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "platform/posix/drawing/dc_internal.h"
-#include "platform/posix/drawing/images_internal.h"
 #include "platform/posix/kernel/handle_table_internal.h"
+#include "platform/posix/resources/images_internal.h"
 
 using namespace orvik::detail;
 

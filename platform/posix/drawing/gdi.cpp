@@ -8,7 +8,6 @@
 
 #include "platform/posix/drawing/gdi_internal.h"
 #include "platform/posix/kernel/handle_table_internal.h"
-#include "platform/posix/window/window_internal.h"
 
 using namespace orvik::detail;
 
@@ -331,26 +330,5 @@ BOOL DeleteObject(HGDIOBJ object) {
     }
     last = std::move(found->second);
     table.objects.erase(found);
-    return TRUE;
-}
-
-BOOL SystemParametersInfoA(UINT action, UINT, PVOID data, UINT) {
-    if (SystemInputParameter(action, data)) return TRUE;
-    if (action != SPI_GETNONCLIENTMETRICS || data == nullptr) return Finish(ERROR_INVALID_PARAMETER);
-    const UINT size = *static_cast<const UINT*>(data);
-    constexpr UINT kBeforePadding = offsetof(NONCLIENTMETRICSA, iPaddedBorderWidth);
-    if (size != sizeof(NONCLIENTMETRICSA) && size != kBeforePadding) return Finish(ERROR_INVALID_PARAMETER);
-    NONCLIENTMETRICSA metrics{};
-    metrics.cbSize = size;
-    // The desktop's usual measures at 96 dots an inch, in pixels.
-    metrics.iBorderWidth = 1;
-    metrics.iScrollWidth = metrics.iScrollHeight = 17;
-    metrics.iCaptionWidth = 36;
-    metrics.iCaptionHeight = metrics.iSmCaptionWidth = metrics.iSmCaptionHeight = 22;
-    metrics.iMenuWidth = metrics.iMenuHeight = 19;
-    metrics.lfCaptionFont = metrics.lfSmCaptionFont = metrics.lfMenuFont = metrics.lfStatusFont = metrics.lfMessageFont =
-        GuiFont();
-    metrics.iPaddedBorderWidth = 4;
-    std::memcpy(data, &metrics, size);
     return TRUE;
 }

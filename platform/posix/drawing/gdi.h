@@ -106,8 +106,6 @@ struct LOGBRUSH {
     ULONG_PTR lbHatch;
 };
 
-#define SPI_GETNONCLIENTMETRICS 0x0029u
-
 struct NONCLIENTMETRICSA {
     UINT cbSize;
     int iBorderWidth;
@@ -151,6 +149,3 @@ ORVIK_API DWORD WINAPI GetObjectType(HGDIOBJ object);
 // 0 for a bad handle.
 ORVIK_API int WINAPI GetObjectA(HANDLE object, int size, LPVOID buffer);
 ORVIK_API BOOL WINAPI DeleteObject(HGDIOBJ object);
-// Only SPI_GETNONCLIENTMETRICS, in both documented sizes (344 bytes, and 340 without the padded border): other queries are
-// error 87.
-ORVIK_API BOOL WINAPI SystemParametersInfoA(UINT action, UINT parameter, PVOID data, UINT winIni);

@@ -3,8 +3,8 @@
 #include <cerrno>
 #include <string>
 
-#include "platform/posix/files/drives_internal.h"
 #include "platform/posix/files/files.h"
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/errors_internal.h"
 #include "platform/posix/text/text_internal.h"
 

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "platform/posix/files/files.h"
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/errors_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 namespace {
 using orvik::detail::ErrorFromErrno;

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <string>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/errors_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 namespace {
 struct Descriptor {

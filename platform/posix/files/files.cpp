@@ -16,6 +16,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/handle_table_internal.h"
 #include "platform/posix/text/text_internal.h"
 

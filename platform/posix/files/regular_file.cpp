@@ -11,8 +11,8 @@
 #include <string>
 
 #include "platform/posix/files/files.h"
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/io_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 namespace orvik::detail {
 namespace {

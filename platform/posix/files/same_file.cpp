@@ -1,6 +1,6 @@
 #include <sys/stat.h>
 
-#include "platform/posix/text/text_internal.h"
+#include "platform/posix/files/path_internal.h"
 #include "platform/same_file_internal.h"
 #include "platform/win32.h"
 

@@ -60,30 +60,6 @@ void RunMessageHooks(MSG& message, UINT remove) {
     t_hookDepth = depth;
 }
 
-bool SystemInputParameter(UINT action, PVOID data) {
-    // The settings of a fresh desktop: a delay of half a second, the fastest repetition, three lines a notch.
-    const auto set = [&](UINT value) {
-        *static_cast<UINT*>(data) = value;
-        return true;
-    };
-    if (data == nullptr) return false;
-    switch (action) {
-        case SPI_GETKEYBOARDDELAY:
-            return set(1);
-        case SPI_GETKEYBOARDSPEED:
-            return set(31);
-        case SPI_GETWHEELSCROLLLINES:
-        case SPI_GETWHEELSCROLLCHARS:
-            return set(3);
-        case SPI_GETWORKAREA: {
-            const std::lock_guard kernel(KernelLock());
-            *static_cast<RECT*>(data) = Desktop().rectangle;
-            return true;
-        }
-        default:
-            return false;
-    }
-}
 }  // namespace orvik::detail
 
 using namespace orvik::detail;

@@ -3,7 +3,8 @@
 // state and cursor belong to the calling thread; the pointer's place is one for all.
 #pragma once
 
-#include "platform/posix/window/window_place.h"
+#include "platform/api.h"
+#include "platform/posix/types.h"
 
 #define MK_LBUTTON 0x0001
 #define MK_RBUTTON 0x0002
@@ -89,6 +90,7 @@
 
 #define SPI_GETKEYBOARDSPEED 0x000Au
 #define SPI_GETKEYBOARDDELAY 0x0016u
+#define SPI_GETNONCLIENTMETRICS 0x0029u
 #define SPI_GETWORKAREA 0x0030u
 #define SPI_GETWHEELSCROLLLINES 0x0068u
 #define SPI_GETWHEELSCROLLCHARS 0x006Cu
@@ -119,3 +121,7 @@ ORVIK_API HCURSOR WINAPI GetCursor();
 ORVIK_API HHOOK WINAPI SetWindowsHookExA(int kind, HOOKPROC procedure, HINSTANCE module, DWORD threadId);
 ORVIK_API BOOL WINAPI UnhookWindowsHookEx(HHOOK hook);
 ORVIK_API LRESULT WINAPI CallNextHookEx(HHOOK hook, int code, WPARAM wParam, LPARAM lParam);
+
+// Only SPI_GETNONCLIENTMETRICS, in both documented sizes (344 bytes, and 340 without the padded border): other queries are
+// error 87.
+ORVIK_API BOOL WINAPI SystemParametersInfoA(UINT action, UINT parameter, PVOID data, UINT winIni);

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string>
 
-#include "platform/posix/text/text_internal.h"
+#include "platform/posix/files/path_internal.h"
 
 DWORD OrvikArgumentText(const char* word, char* out, DWORD size) {
     const std::string text = orvik::detail::HousePath(word);

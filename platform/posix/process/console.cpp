@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/errors.h"
 #include "platform/posix/text/text_internal.h"
 #include "platform/service.h"

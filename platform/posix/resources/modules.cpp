@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/errors_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 using namespace orvik::detail;
 

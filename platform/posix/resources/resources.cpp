@@ -13,10 +13,11 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/posix/dialogs/dialog_internal.h"
-#include "platform/posix/drawing/images_internal.h"
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/errors.h"
 #include "platform/posix/regional/locale_data_internal.h"
+#include "platform/posix/resources/embedded_dialogs_internal.h"
+#include "platform/posix/resources/images_internal.h"
 #include "platform/posix/text/text_internal.h"
 #include "res/embedded.h"
 

@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/errors_internal.h"
 #include "platform/posix/resources/version_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 namespace orvik::detail {
 

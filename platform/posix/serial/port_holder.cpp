@@ -5,8 +5,8 @@
 #include <fstream>
 #include <string>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/serial/port_names_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 namespace fs = std::filesystem;
 

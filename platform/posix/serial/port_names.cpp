@@ -3,8 +3,8 @@
 #include <charconv>
 #include <cstdlib>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/serial/port_names_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 namespace orvik::detail {
 namespace {

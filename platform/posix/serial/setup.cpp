@@ -14,9 +14,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/handle_table_internal.h"
 #include "platform/posix/serial/port_names_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 namespace orvik::detail {
 namespace {

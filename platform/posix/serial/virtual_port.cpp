@@ -9,9 +9,9 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/clock_internal.h"
 #include "platform/posix/kernel/errors_internal.h"
-#include "platform/posix/text/text_internal.h"
 
 using namespace orvik::detail;
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "platform/posix/files/drives_internal.h"
 #include "platform/posix/kernel/errors.h"
 
 namespace orvik::detail {
@@ -12,7 +11,7 @@ namespace {
 constexpr char16_t kHigh[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
                                 0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
                                 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-constexpr char32_t kInvalid = 0xFFFFFFFF;
+}  // namespace
 
 void AppendUtf8(std::string& out, char32_t c) {
     if (c < 0x80) {
@@ -32,7 +31,6 @@ void AppendUtf8(std::string& out, char32_t c) {
     }
 }
 
-// Takes one character off the front; kInvalid (one byte taken) where the bytes are no shortest-form UTF-8.
 char32_t TakeUtf8(std::string_view& text) {
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned first = byte(0);
@@ -52,7 +50,6 @@ char32_t TakeUtf8(std::string_view& text) {
     text.remove_prefix(good ? length : 1);
     return good ? c : kInvalid;
 }
-}  // namespace
 
 char16_t UnicodeFrom1252(unsigned char byte) { return byte >= 0x80 && byte < 0xA0 ? kHigh[byte - 0x80] : byte; }
 
@@ -84,27 +81,6 @@ bool IsBeyond1252(std::string_view name) {
         beyond |= ByteFromUnicode(c) < 0;
     }
     return beyond;
-}
-
-std::string SystemPath(std::string_view name) {
-    constexpr std::string_view kLiteral = R"(\\?\)";  // "take the rest as it is", which it is here anyway
-    if (name.substr(0, kLiteral.size()) == kLiteral) name.remove_prefix(kLiteral.size());
-    const bool otherComputer = name.substr(0, 2) == R"(\\)";
-    std::string path = IsBeyond1252(name) ? std::string(name) : Utf8From1252(name);
-    std::replace(path.begin(), path.end(), '\\', '/');
-    if (otherComputer) return std::string(kNowhere) + path;
-    return HasDrive(path) ? DrivePath(path) : path;
-}
-
-std::string HousePath(std::string_view name) {
-    std::string out;
-    for (std::string_view rest = name; !rest.empty();) {
-        const char32_t c = TakeUtf8(rest);
-        const int byte = c == kInvalid ? -1 : ByteFromUnicode(c);
-        if (byte < 0) return std::string(name);
-        out += static_cast<char>(byte);
-    }
-    return out;
 }
 
 namespace {

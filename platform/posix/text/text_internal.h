@@ -1,5 +1,4 @@
-// Single characters and whole texts between Windows-1252 and Unicode, and the one conversion of file names at the edge of the
-// system. Any thread; no state, but names with a drive follow the process's drives (drives_internal.h).
+// Single characters and whole texts between Windows-1252, UTF-8 and Unicode. Any thread; no state.
 #pragma once
 
 #include <string>
@@ -8,6 +7,11 @@
 #include "platform/posix/text/text.h"
 
 namespace orvik::detail {
+inline constexpr char32_t kInvalid = 0xFFFFFFFF;
+void AppendUtf8(std::string& out, char32_t character);
+// Takes one character off the front; kInvalid (one byte taken) where the bytes are no shortest-form UTF-8.
+char32_t TakeUtf8(std::string_view& text);
+
 // The Unicode character of a Windows-1252 byte; the five unassigned bytes are the C1 controls of the same number.
 char16_t UnicodeFrom1252(unsigned char byte);
 // The byte of a character, or -1 for one that Windows-1252 does not hold.
@@ -17,12 +21,4 @@ std::string Utf8From1252(std::string_view text);
 char LowerCase1252(char byte);
 // Whether a name already is UTF-8 and holds a character that Windows-1252 lacks.
 bool IsBeyond1252(std::string_view name);
-
-// The name that the system's file calls take for a name in this house's text. Windows-1252 text becomes UTF-8; text beyond
-// Windows-1252 passes as it stands, so that a file named in any script can be reached.
-// A backslash separates folders as "/" does; a drive letter leads to its folder; a name of another computer (two backslashes
-// first) leads nowhere. docs/files.md has the whole rule.
-std::string SystemPath(std::string_view name);
-// The reverse for names that the system gives: Windows-1252 where it can be said in it, else as it stands.
-std::string HousePath(std::string_view name);
 }  // namespace orvik::detail

@@ -106,6 +106,20 @@
 #define WM_USER 0x0400u
 #define WM_APP 0x8000u
 
+#define QS_KEY 0x0001u
+#define QS_MOUSEMOVE 0x0002u
+#define QS_MOUSEBUTTON 0x0004u
+#define QS_POSTMESSAGE 0x0008u
+#define QS_TIMER 0x0010u
+#define QS_PAINT 0x0020u
+#define QS_SENDMESSAGE 0x0040u
+#define QS_HOTKEY 0x0080u
+#define QS_ALLPOSTMESSAGE 0x0100u
+#define QS_MOUSE (QS_MOUSEMOVE | QS_MOUSEBUTTON)
+#define QS_INPUT (QS_MOUSE | QS_KEY)
+#define QS_ALLEVENTS (QS_INPUT | QS_POSTMESSAGE | QS_TIMER | QS_PAINT | QS_HOTKEY)
+#define QS_ALLINPUT (QS_ALLEVENTS | QS_SENDMESSAGE)
+
 #define PM_NOREMOVE 0x0000u
 #define PM_REMOVE 0x0001u
 #define PM_NOYIELD 0x0002u
@@ -154,3 +168,8 @@ ORVIK_API BOOL WINAPI TranslateMessage(const MSG* message);
 // it names one of the thread's timers, which is then set anew. Periods below 10 ms are 10 ms. 0 on failure.
 ORVIK_API UINT_PTR WINAPI SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
 ORVIK_API BOOL WINAPI KillTimer(HWND window, UINT_PTR id);
+
+// As WaitForMultipleObjects, with a count of 0 to 63; also ends, with WAIT_OBJECT_0 + count, when a message of a kind in
+// `wakeMask` came after the thread last looked at its queue.
+ORVIK_API DWORD WINAPI MsgWaitForMultipleObjects(DWORD count, const HANDLE* objects, BOOL waitAll, DWORD milliseconds,
+                                                 DWORD wakeMask);

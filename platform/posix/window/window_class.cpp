@@ -2,7 +2,6 @@
 #include <cstring>
 #include <map>
 
-#include "platform/posix/controls/control_internal.h"
 #include "platform/posix/window/window_class_internal.h"
 
 namespace orvik::detail {

@@ -146,11 +146,10 @@ void EraseNow(HWND window);
 
 // Focus and activation, without the lock; all windows are the calling thread's.
 bool Activate(HWND window, bool byMouse);
-void MoveFocus(HWND window);                         // null for nobody; the messages of a focus change
-void LeaveWindow(HWND window);                       // it was hidden or goes: activation, focus and capture go elsewhere
-HWND ForegroundWindow();                             // under the lock
-void RunMessageHooks(MSG& message, UINT remove);     // without the lock
-bool SystemInputParameter(UINT action, PVOID data);  // the part of SystemParametersInfoA that concerns input; false if it is not
+void MoveFocus(HWND window);                      // null for nobody; the messages of a focus change
+void LeaveWindow(HWND window);                    // it was hidden or goes: activation, focus and capture go elsewhere
+HWND ForegroundWindow();                          // under the lock
+void RunMessageHooks(MSG& message, UINT remove);  // without the lock
 LRESULT DefaultAnswer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);  // to what concerns place, painting and input
 LRESULT PaintingAnswer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 POINT PointerPlace();  // under the lock

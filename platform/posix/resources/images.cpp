@@ -1,4 +1,4 @@
-#include "platform/posix/drawing/images_internal.h"
+#include "platform/posix/resources/images_internal.h"
 
 namespace orvik::detail {
 namespace {

@@ -1,0 +1,63 @@
+// What programs ask about the desktop's settings.
+#include <cstddef>
+#include <cstring>
+
+#include "platform/posix/drawing/gdi.h"
+#include "platform/posix/window/window_internal.h"
+
+using namespace orvik::detail;
+
+namespace {
+BOOL Refuse() {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+}
+
+// The part that concerns input; false if it is none.
+bool InputParameter(UINT action, PVOID data) {
+    // The settings of a fresh desktop: a delay of half a second, the fastest repetition, three lines a notch.
+    const auto set = [&](UINT value) {
+        *static_cast<UINT*>(data) = value;
+        return true;
+    };
+    if (data == nullptr) return false;
+    switch (action) {
+        case SPI_GETKEYBOARDDELAY:
+            return set(1);
+        case SPI_GETKEYBOARDSPEED:
+            return set(31);
+        case SPI_GETWHEELSCROLLLINES:
+        case SPI_GETWHEELSCROLLCHARS:
+            return set(3);
+        case SPI_GETWORKAREA: {
+            const std::lock_guard kernel(KernelLock());
+            *static_cast<RECT*>(data) = Desktop().rectangle;
+            return true;
+        }
+        default:
+            return false;
+    }
+}
+}  // namespace
+
+BOOL SystemParametersInfoA(UINT action, UINT, PVOID data, UINT) {
+    if (InputParameter(action, data)) return TRUE;
+    if (action != SPI_GETNONCLIENTMETRICS || data == nullptr) return Refuse();
+    const UINT size = *static_cast<const UINT*>(data);
+    constexpr UINT kBeforePadding = offsetof(NONCLIENTMETRICSA, iPaddedBorderWidth);
+    if (size != sizeof(NONCLIENTMETRICSA) && size != kBeforePadding) return Refuse();
+    NONCLIENTMETRICSA metrics{};
+    metrics.cbSize = size;
+    // The desktop's usual measures at 96 dots an inch, in pixels.
+    metrics.iBorderWidth = 1;
+    metrics.iScrollWidth = metrics.iScrollHeight = 17;
+    metrics.iCaptionWidth = 36;
+    metrics.iCaptionHeight = metrics.iSmCaptionWidth = metrics.iSmCaptionHeight = 22;
+    metrics.iMenuWidth = metrics.iMenuHeight = 19;
+    LOGFONTA font{};
+    GetObjectA(GetStockObject(DEFAULT_GUI_FONT), sizeof font, &font);
+    metrics.lfCaptionFont = metrics.lfSmCaptionFont = metrics.lfMenuFont = metrics.lfStatusFont = metrics.lfMessageFont = font;
+    metrics.iPaddedBorderWidth = 4;
+    std::memcpy(data, &metrics, size);
+    return TRUE;
+}
