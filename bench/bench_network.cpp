@@ -1,19 +1,10 @@
 // A transport over a network beside a bare pair of send and recv: 12 bytes out, the far end sends them back. The far end is the
 // same thread in both cases, so a ratio tells what the layers cost.
 #include <benchmark/benchmark.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
-#include <cstdlib>
 #include <string>
-#include <thread>
-#include <vector>
 
-#include "bench/bench_support.h"
+#include "bench/loopback.h"
 #include "comm/line_connection.h"
 #include "comm/serial_orvik.h"
 #include "comm/transport.h"
@@ -21,67 +12,9 @@
 namespace {
 constexpr size_t kFrame = 12;  // a Modbus TCP request
 
-// Sends back what comes, to one that connects.
-class Echo {
-public:
-    Echo() {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        BENCH_REQUIRE(bind(m_listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 && listen(m_listener, 1) == 0);
-        socklen_t length = sizeof address;
-        getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &length);
-        m_port = ntohs(address.sin_port);
-        m_thread = std::thread([this] {
-            const int fd = accept(m_listener, nullptr, nullptr);
-            NoDelay(fd);
-            char bytes[kFrame];
-            while (recv(fd, bytes, kFrame, MSG_WAITALL) == ssize_t{kFrame} &&
-                   send(fd, bytes, kFrame, MSG_NOSIGNAL) == ssize_t{kFrame}) {
-            }
-            close(fd);
-        });
-    }
-    ~Echo() {
-        m_thread.join();  // when its client has gone
-        close(m_listener);
-    }
-    static void NoDelay(int fd) {
-        const int on = 1;
-        setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    }
-    uint16_t Port() const { return m_port; }
-
-private:
-    const int m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    uint16_t m_port = 0;
-    std::thread m_thread;
-};
-
-class RawTrip {
-public:
-    explicit RawTrip(const Echo& echo) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(echo.Port());
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        BENCH_REQUIRE(connect(m_fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0);
-        Echo::NoDelay(m_fd);
-    }
-    ~RawTrip() { close(m_fd); }
-    void operator()() {
-        char bytes[kFrame] = {};
-        BENCH_REQUIRE(send(m_fd, bytes, kFrame, 0) == ssize_t{kFrame});
-        BENCH_REQUIRE(recv(m_fd, bytes, kFrame, MSG_WAITALL) == ssize_t{kFrame});
-    }
-
-private:
-    const int m_fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-};
-
 class TransportTrip {
 public:
-    explicit TransportTrip(const Echo& echo) {
+    explicit TransportTrip(const bench::LoopbackServer& echo) {
         m_connection->AddRef();
         m_transport = OrvikMakeTransport(m_port, *m_connection);
         const std::string address = "tcp://127.0.0.1:" + std::to_string(echo.Port());
@@ -106,32 +39,21 @@ private:
     std::vector<BYTE> m_received;
 };
 
-double Median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + static_cast<ptrdiff_t>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
-
 // The ways take turns, and a ratio is the median of those of the turns: how long a wake-up takes depends on what else goes on.
 void NetworkRoundTrips(benchmark::State& state) {
-    constexpr int trips = 50;
-    Echo echoes[2];
-    RawTrip raw(echoes[0]);
+    const auto same = [](const bench::Octets& request) -> const bench::Octets& { return request; };
+    bench::LoopbackServer echoes[] = {{kFrame, same}, {kFrame, same}};
+    bench::BareTrip raw(echoes[0], bench::Octets(kFrame), kFrame);
     TransportTrip transport(echoes[1]);
-    const auto measure = [](auto& trip) {
-        trip();  // the machine has just done something else
-        const auto start = std::chrono::steady_clock::now();
-        for (int i = 0; i < trips; ++i) trip();
-        return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count() / trips;
-    };
     std::vector<double> byRaw, byTransport, ratio;
     for (auto _ : state) {
-        byRaw.push_back(measure(raw));
-        byTransport.push_back(measure(transport));
+        byRaw.push_back(bench::TimeTrips(raw));
+        byTransport.push_back(bench::TimeTrips(transport));
         ratio.push_back(byTransport.back() / byRaw.back());
     }
-    state.counters["raw_ns"] = Median(byRaw);
-    state.counters["transport_ns"] = Median(byTransport);
-    state.counters["transport/raw"] = Median(ratio);
+    state.counters["raw_ns"] = bench::Median(byRaw);
+    state.counters["transport_ns"] = bench::Median(byTransport);
+    state.counters["transport/raw"] = bench::Median(ratio);
 }
 
 BENCHMARK(NetworkRoundTrips)->Iterations(300)->UseRealTime()->Unit(benchmark::kMillisecond);

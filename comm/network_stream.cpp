@@ -91,8 +91,9 @@ void NetworkStream::Send(std::span<const BYTE> bytes, TimePoint until) {
 bool NetworkStream::Receive(std::vector<BYTE>& received, TimePoint until) {
     CheckLine();
     // The first look after a request lingers, as long as the far end is one that answers at once.
-    const TimePoint soon = std::chrono::steady_clock::now() + kSoon;
+    const TimePoint now = std::chrono::steady_clock::now(), soon = now + kSoon;
     if (TakeWaiting(received, m_asked && m_prompt && soon <= until)) return true;
+    if (until <= now) return false;  // whoever only looks
     // Messages that came before wake nobody: they are looked at soon, but not in the way of an answer.
     TimePoint next = std::min(until, soon);
     for (;;) {

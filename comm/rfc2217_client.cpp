@@ -61,9 +61,11 @@ void Rfc2217Client::SendSettings(std::vector<BYTE>& out) {
 }
 
 void Rfc2217Client::OnMessage(BYTE option, std::span<const BYTE> content, std::vector<BYTE>&) {
-    if (option != kComPort || content.size() < 2 || m_state != SettingUp) return;
+    if (option != kComPort || content.empty() || m_state != SettingUp) return;
     const unsigned command = content[0] - unsigned{kFromServer};
     if (command > kControl || (m_open >> command & 1) == 0) return;  // notifications, and what nobody waits for
+    // Four bytes of the rate, one of anything else: what is longer or shorter was damaged, and confirms nothing.
+    if (content.size() != (command == kBaud ? 5u : 2u)) return;
     const DWORD value = Number(content.subspan(1));
     const DWORD asked = command == kBaud       ? m_line.baud
                         : command == kDataSize ? static_cast<DWORD>(m_line.dataBits)

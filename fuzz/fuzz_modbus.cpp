@@ -1,29 +1,11 @@
 // Modbus answers that come damaged, cut, late, not at all or, on a network, twice: what a reading gives was
 // sent in that reading, for that channel. And any bytes, as answers of both kinds.
-#include <cmath>
-#include <map>
-
-#include "comm/comm_exception.h"
-#include "fuzz/fuzz_support.h"
+#include "fuzz/fuzz_line.h"
 #include "plugins/modbus/modbus_logger.h"
 #include "plugins/modbus/modbus_mbap.h"
 #include "plugins/modbus/modbus_simulator.h"
 
 namespace {
-class Input {
-public:
-    Input(const uint8_t* data, size_t size) : m_data(data, size) {}
-    BYTE Next() {
-        if (m_at == m_data.size()) return 0;
-        return m_data[m_at++];
-    }
-    bool IsOver() const { return m_at == m_data.size(); }
-
-private:
-    std::span<const uint8_t> m_data;
-    size_t m_at = 0;
-};
-
 // Registers, coils and 64 bits of two slaves.
 modbus::Description Device() {
     modbus::Description description;
@@ -44,50 +26,27 @@ modbus::Description Device() {
     return description;
 }
 
-class Line : public ITransport {
+class Line : public fuzz::DamagedLine {
 public:
-    Line(Input& input, bool network) : m_input(input), m_network(network), m_simulator(Device()), m_device(Device()) {
+    // Up to three bits that are wrong are always found by the CRC; a network has none, and its head and lengths are what counts.
+    // A serial line is relied on to say everything once.
+    Line(fuzz::Input& input, bool network)
+        : DamagedLine(input, {.flippable = network ? 9u : 0u, .stray = !network, .twice = network}),
+          m_network(network),
+          m_simulator(Device()),
+          m_device(Device()) {
         m_simulator.SetLine(network ? "tcp://x" : "COM1");
-    }
-    // What was sent since the last call, by channel.
-    std::multimap<size_t, double> TakeSent() { return std::exchange(m_sent, {}); }
-
-    void Open(const char*, const CLineSettings&, TimePoint) override {
-        m_open = true;
-        m_coming.clear();
-    }
-    void Close() override { m_open = false; }
-    bool IsOpen() const override { return m_open; }
-    bool IsShared() const override { return true; }
-    TimePoint Now() override { return m_now; }
-    void Abort() override {}
-
-    void Send(std::span<const BYTE> bytes, TimePoint) override {
-        Check();
-        CByteArray reply;
-        m_simulator.Receive(bytes.data(), bytes.size(), reply);
-        std::vector<BYTE> answer(reply.GetData(), reply.GetData() + reply.GetSize());
-        Note(bytes, answer);
-        Damage(answer);
-    }
-    bool Receive(std::vector<BYTE>& received, TimePoint until) override {
-        Check();
-        if (m_coming.empty() || m_coming.begin()->first > until) {
-            m_now = std::max(m_now, until);
-            return false;
-        }
-        m_now = std::max(m_now, m_coming.begin()->first);
-        const auto& bytes = m_coming.begin()->second;
-        received.insert(received.end(), bytes.begin(), bytes.end());
-        m_coming.erase(m_coming.begin());
-        return true;
     }
 
 private:
-    void Check() {
-        if (!m_open) OrvikThrowCommException(CCommException::DeviceNotOpen, nullptr);
+    std::vector<BYTE> AnswerTo(std::span<const BYTE> asked, std::multimap<size_t, double>& sent) override {
+        CByteArray reply;
+        m_simulator.Receive(asked.data(), asked.size(), reply);
+        std::vector<BYTE> answer(reply.GetData(), reply.GetData() + reply.GetSize());
+        Note(asked, answer, sent);
+        return answer;
     }
-    void Note(std::span<const BYTE> asked, std::span<const BYTE> given) {
+    void Note(std::span<const BYTE> asked, std::span<const BYTE> given, std::multimap<size_t, double>& sent) const {
         modbus::Request request;
         modbus::Answer answer;
         WORD transaction = 0;
@@ -108,55 +67,13 @@ private:
             if (m_device.slaves[channel.slave].address != request.slave || channel.function != request.function ||
                 channel.first < request.first || DWORD{channel.first} + channel.Count() > last)
                 continue;
-            m_sent.emplace(i, Decode(channel, answer.data.data(), static_cast<WORD>(channel.first - request.first)));
+            sent.emplace(i, Decode(channel, answer.data.data(), static_cast<WORD>(channel.first - request.first)));
         }
-    }
-    // Up to three bits that are wrong are always found by the CRC; a network has none, and its head and lengths are what counts.
-    void Damage(std::vector<BYTE> answer) {
-        TimePoint when = m_now + std::chrono::milliseconds(20);
-        switch (m_input.Next() % 8) {
-            case 1:
-                for (int flips = 1 + m_input.Next() % 3; flips > 0; --flips) {
-                    const size_t bit = (m_input.Next() * 256u + m_input.Next()) % (8 * (m_network ? 9 : answer.size()));
-                    answer[bit / 8] ^= static_cast<BYTE>(1 << bit % 8);
-                }
-                break;
-            case 2:
-                answer.resize(m_input.Next() % answer.size());
-                break;
-            case 3:
-                if (!m_network) answer.insert(answer.begin(), m_input.Next() % 5, m_input.Next());
-                break;
-            case 4:
-                // A serial line is relied on to say everything once.
-                if (m_network) m_coming.emplace(when, answer);
-                break;
-            case 5:
-                when += std::chrono::milliseconds(100 * m_input.Next());
-                break;
-            case 6:
-                m_coming.emplace(when, std::vector<BYTE>{answer.front()});
-                answer.erase(answer.begin());
-                when += std::chrono::milliseconds(m_input.Next());
-                break;
-            case 7:
-                return;
-            default:
-                break;
-        }
-        // In the order in which it was asked.
-        if (!m_coming.empty()) when = std::max(when, m_coming.rbegin()->first);
-        m_coming.emplace(when, answer);
     }
 
-    Input& m_input;
     const bool m_network;
     modbus::Simulator m_simulator;
     const modbus::Description m_device;
-    TimePoint m_now{std::chrono::hours(1)};
-    std::multimap<TimePoint, std::vector<BYTE>> m_coming;
-    std::multimap<size_t, double> m_sent;
-    bool m_open = false;
 };
 
 // What is found in any bytes is in them, to the last one.
@@ -195,29 +112,10 @@ void Parse(std::span<const uint8_t> bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Parse({data, std::min<size_t>(size, 2048)});
-    Input input(data, std::min<size_t>(size, 512));
+    fuzz::Input input(data, std::min<size_t>(size, 512));
     const bool network = input.Next() % 2 != 0;
     auto* const line = new Line(input, network);
     modbus::Logger logger(Device(), std::unique_ptr<ITransport>(line));
-    const char* const address = network ? "tcp://x" : "COM1";
-    logger.Connect(address, 1000);
-    for (int reading = 0; reading < 20 && !input.IsOver(); ++reading) {
-        CDoubleArray values;
-        try {
-            logger.ReadSample(values);
-        } catch (CCommException* failure) {
-            failure->Delete();
-        }
-        const auto sent = line->TakeSent();
-        for (INT_PTR i = 0; i < values.GetSize(); ++i) {
-            const double value = values.GetAt(i);
-            const auto [from, to] = sent.equal_range(static_cast<size_t>(i));
-            FUZZ_REQUIRE(std::isnan(value) || std::any_of(from, to, [value](const auto& each) { return each.second == value; }));
-        }
-        if (!line->IsOpen()) {
-            logger.Disconnect();
-            logger.Connect(address, 1000);
-        }
-    }
+    fuzz::ReadDamaged(logger, *line, network ? "tcp://x" : "COM1", input);
     return 0;
 }

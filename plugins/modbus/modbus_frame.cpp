@@ -37,6 +37,7 @@ bool Answer::Fits(const Request& request) const {
 
 std::vector<BYTE> EchoOf(const Request& request) {
     std::vector<BYTE> echo;
+    echo.reserve(kPlainRequest);
     AppendWord(echo, request.first);
     if (request.function == kWriteCoil) {
         AppendWord(echo, !request.data.empty() && (request.data[0] & 1) ? kCoilOn : WORD{0});

@@ -169,7 +169,7 @@ void Master::Hear(const Answer& answer) {
     state.heard |= !IsFromGateway(answer.exception);
 }
 
-void Master::Deliver(Question owner, const Answer& answer) {
+void Master::Deliver(Question owner, Answer answer) {
     m_answered |= owner == m_asked;
     // An earlier reading's is right, but too late; another master's is not ours to keep.
     if (owner < m_firstQuestion || owner - m_firstQuestion >= m_requests.size()) return;
@@ -179,7 +179,7 @@ void Master::Deliver(Question owner, const Answer& answer) {
         return;
     }
     if (!outcome.data.empty()) return;  // the answer to a repetition
-    outcome = {answer.data, 0, {}};
+    outcome = {std::move(answer.data), 0, {}};
     if (!std::exchange(m_told, true) && m_watch != nullptr) m_watch->OnAnswer();
 }
 

@@ -73,7 +73,7 @@ protected:
     // Something that a slave owes has come: it is there, unless a gateway speaks in its place.
     void Hear(const Answer& answer);
     // An answer that surely is this question's; of an earlier reading it counts for nothing.
-    void Deliver(Question owner, const Answer& answer);
+    void Deliver(Question owner, Answer answer);
     void TellLate(Duration late) const;
     State& StateOf(BYTE address);  // a slave of the description
     std::map<BYTE, State>& States() { return m_states; }

@@ -19,6 +19,7 @@ NetworkEnd FirstMessage(std::span<const BYTE> received, WORD& transaction, std::
 
 std::vector<BYTE> NetworkFrame(WORD transaction, BYTE slave, std::span<const BYTE> message) {
     std::vector<BYTE> frame;
+    frame.reserve(kHead + message.size());
     for (const WORD word : {transaction, WORD{0}, static_cast<WORD>(1 + message.size())}) AppendWord(frame, word);
     frame.push_back(slave);
     frame.insert(frame.end(), message.begin(), message.end());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <utility>
 
 #include "afx/string.h"
 #include "comm/comm_exception.h"
@@ -23,7 +24,8 @@ void NetworkMaster::Configure(const char* address, const CLineSettings& line, DW
 }
 
 void NetworkMaster::Begin() {
-    // What came since the last reading.
+    // What came since the last reading. Where everything was answered, and nobody else asks, that is nothing.
+    if (m_open.empty() && m_received.empty() && !m_transport.IsShared()) return;
     constexpr std::chrono::seconds kAtMost{1};
     for (const TimePoint limit = m_transport.Now() + kAtMost; m_transport.Now() < limit && Receive({});) continue;
 }
@@ -34,7 +36,7 @@ Master::End NetworkMaster::Exchange(const Request& request, Question question) {
     const WORD transaction = ++g_transaction;
     m_open.push_back({transaction, question, request, sent});
     m_transport.Send(NetworkFrame(transaction, request.slave, RequestMessage(request)), deadline);
-    while (!m_answered && m_transport.Now() < deadline && Receive(deadline)) continue;
+    while (Receive(deadline) && !m_answered && m_transport.Now() < deadline) continue;
     if (m_answered) return End::Answered;
     if (!m_received.empty()) Break();
     return m_anythingCame ? End::Damaged : End::Silence;
@@ -53,7 +55,7 @@ bool NetworkMaster::Receive(TimePoint until) {
         m_pending.emplace_back(transaction, std::move(answer));
     }
     if (!m_received.empty()) return true;
-    for (const auto& [transaction, answer] : m_pending) Take(transaction, answer);
+    for (auto& [transaction, answer] : m_pending) Take(transaction, std::move(answer));
     m_pending.clear();
     return true;
 }
@@ -65,19 +67,19 @@ void NetworkMaster::Break() {
     OrvikThrowCommException(CCommException::BadProtocol, text);
 }
 
-void NetworkMaster::Take(WORD transaction, const Answer& answer) {
+void NetworkMaster::Take(WORD transaction, Answer answer) {
     const auto open =
         std::find_if(m_open.begin(), m_open.end(), [&](const Open& each) { return each.transaction == transaction; });
     if (open == m_open.end() || !answer.Fits(open->request)) {
         m_anythingCame = true;  // with the number of no request, or of one that it does not answer
         return;
     }
-    const Open answered = *open;
+    const Open answered = std::move(*open);
     m_open.erase(open);
     Hear(answer);
     const Duration took = m_transport.Now() - answered.sent;
     if (took > StateOf(answer.slave).timeout) TellLate(took);
-    Deliver(answered.question, answer);
+    Deliver(answered.question, std::move(answer));
 }
 
 }  // namespace modbus

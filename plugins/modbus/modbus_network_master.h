@@ -25,7 +25,7 @@ private:
     void Begin() override;
     End Exchange(const Request& request, Question question) override;
     bool Receive(TimePoint until) override;
-    void Take(WORD transaction, const Answer& answer);
+    void Take(WORD transaction, Answer answer);
     [[noreturn]] void Break();
 
     std::vector<Open> m_open;  // in the order of sending

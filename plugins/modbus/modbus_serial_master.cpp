@@ -1,10 +1,10 @@
 #include "plugins/modbus/modbus_serial_master.h"
 
 #include <algorithm>
-#include <mutex>
 #include <utility>
 
 #include "plugins/modbus/modbus_plan.h"
+#include "plugins/support/line_book.h"
 
 namespace modbus {
 namespace {
@@ -21,24 +21,9 @@ SerialMaster::SerialMaster(ITransport& transport, const Description& description
     for (const Block& block : PlanBlocks(description)) m_usual.push_back(block.request);
 }
 
-std::shared_ptr<SerialMaster::LineBooks> SerialMaster::BooksOf(const std::string& line) {
-    // A list of everybody's, for a thread's own objects end at no sure moment.
-    struct List {
-        std::mutex lock;
-        std::map<std::pair<DWORD, std::string>, std::weak_ptr<LineBooks>> known;
-    };
-    static auto* const list = new List;
-    const std::lock_guard lock(list->lock);
-    std::erase_if(list->known, [](const auto& entry) { return entry.second.expired(); });
-    std::weak_ptr<LineBooks>& known = list->known[{::GetCurrentThreadId(), line}];
-    std::shared_ptr<LineBooks> books = known.lock();
-    if (!books) known = books = std::make_shared<LineBooks>();
-    return books;
-}
-
 void SerialMaster::Configure(const char* address, const CLineSettings& line, DWORD timeout) {
     Master::Configure(address, line, timeout);
-    if (!m_books || m_line != address) m_books = BooksOf(m_line = address);
+    if (!m_books || m_line != address) m_books = orvik::BookOfLine<LineBooks>(m_line = address);
     // 3.5 characters of silence separate frames; above 19,200 bit/s a fixed 1.75 ms (the serial line guide, 2.5.1.1).
     m_character = std::chrono::microseconds(static_cast<long long>(1e6 * line.BitsPerCharacter() / line.baud) + 1);
     m_gap = line.baud > 19200 ? std::chrono::microseconds(1750) : m_character * 7 / 2;

@@ -25,8 +25,6 @@ private:
         bool probeInVain = false;  // the last probe was not answered, nor anything since
     };
     using LineBooks = std::map<BYTE, Books>;  // by address
-    // Those of a line that this thread has open, or new ones.
-    static std::shared_ptr<LineBooks> BooksOf(const std::string& line);
     Books& BooksOf(BYTE slave) { return (*m_books)[slave]; }
 
     void Begin() override;

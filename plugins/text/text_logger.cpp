@@ -29,7 +29,7 @@ void Logger::Connect(const char* port, DWORD timeout) {
         m_connection->Enter(COrvikConnection::Disconnected);
         throw;
     }
-    m_reader.Opened(timeout);
+    m_reader.Opened(port, timeout);
     m_connection->Enter(COrvikConnection::Connected);
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "comm/comm_exception.h"
+#include "plugins/support/line_book.h"
 
 namespace text {
 namespace {
@@ -12,6 +13,7 @@ using namespace std::chrono_literals;
 constexpr size_t kMuch = 2048;
 constexpr auto kSettled = 50ms;
 constexpr int kPatience = 3, kTellable = 10, kForgotten = 20;  // time-outs
+constexpr int kDead = 3;                                       // readings in vain
 constexpr size_t kMostAtOnce = 1 << 20;                        // bytes that are thrown away before the clock is looked at
 }  // namespace
 
@@ -19,9 +21,15 @@ Reader::Reader(const Description& description, ITransport& transport)
     : m_description(description),
       m_transport(transport),
       m_splitter(description.end, description.longest),
-      m_echo(Trimmed(std::string_view(description.ask).substr(0, description.ask.find_last_not_of("\r\n") + 1))) {}
+      m_echo(Trimmed(std::string_view(description.ask).substr(0, description.ask.find_last_not_of("\r\n") + 1))),
+      m_line(std::make_shared<std::vector<Reader*>>(1, this)) {}
 
-void Reader::Opened(DWORD timeout) {
+Reader::~Reader() { std::erase(*m_line, this); }
+
+void Reader::Opened(const std::string& address, DWORD timeout) {
+    std::erase(*m_line, this);
+    m_line = orvik::BookOfLine<std::vector<Reader*>>(address);
+    m_line->push_back(this);
     m_timeout = std::chrono::milliseconds(std::max<DWORD>(timeout, 1));
     m_character = std::chrono::microseconds(
         static_cast<long long>(1e6 * m_description.line.BitsPerCharacter() / m_description.line.baud) + 1);
@@ -68,7 +76,8 @@ Reader::Failure Reader::Listen(const std::vector<BYTE>& due, std::vector<Outcome
 
 Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
     m_came = 0;
-    Settle(Discard(m_transport.Now()));
+    Discard(m_transport.Now());
+    AwaitOthers();
     while (!m_owed.empty() && m_transport.Now() - m_owed.front() > kForgotten * m_timeout) m_owed.pop_front();
     if (!m_owed.empty()) AwaitOwed(m_owed.back() + 2 * kPatience * m_timeout);
     size_t throwAway = m_owed.size();
@@ -82,11 +91,12 @@ Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& 
         m_owed.push_back(asked);
         m_transport.Send({reinterpret_cast<const BYTE*>(ask.data()), ask.size()}, asked + m_timeout);
         Failure failure = Await(asked + kPatience * m_timeout, false, throwAway == 0 ? m_watch : nullptr, due, outcomes);
+        if (failure.code == CCommException::ReceiveTimeout) ++m_inVain;
         if (failure.code == CCommException::ReceiveTimeout || failure.why == Sentence::HalfLine) return failure;
         const bool good = failure.code == 0;
         if (good) {
             m_answerLines = 0;
-            Settle(m_description.lines);
+            Settle(m_description.lines, m_watch);
         }
         // A line that was no answer: the answer may still come.
         doubtful |= !good;
@@ -99,16 +109,30 @@ Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& 
     }
 }
 
+bool Reader::IsDead() const { return m_inVain >= kDead; }
+
+// A line that came while nobody here waited for one. It is hardly a dead one's.
+void Reader::Credit(const Splitter::Line& line) {
+    const auto rank = [](const Reader& reader) { return std::pair(reader.IsDead(), reader.m_owed.front()); };
+    Reader* owner = nullptr;
+    for (Reader* const reader : *m_line) {
+        if (reader->m_owed.empty() || (owner != nullptr && rank(*owner) <= rank(*reader))) continue;
+        if (reader->IsAnswer(line)) owner = reader;
+    }
+    // What another's answer was late by can only be told in a reading of its own.
+    if (owner != nullptr) owner->Settle(1, owner == this ? m_watch : nullptr);
+}
+
 // So many lines of answers have come.
-void Reader::Settle(size_t lines) {
+void Reader::Settle(size_t lines, IReadingWatch* watch) {
+    m_inVain = 0;
     for (m_answerLines += lines; m_answerLines >= m_description.lines && !m_owed.empty(); m_answerLines -= m_description.lines) {
         const Duration took = m_transport.Now() - m_owed.front();
         m_owed.pop_front();
         // What was found much later says nothing of when it came.
         if (took <= m_timeout || took > kTellable * m_timeout) continue;
         m_late = true;
-        if (m_watch != nullptr)
-            m_watch->OnLateAnswer(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(took).count()));
+        if (watch != nullptr) watch->OnLateAnswer(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(took).count()));
     }
 }
 
@@ -117,14 +141,30 @@ void Reader::AwaitSilence() {
     const TimePoint limit = m_transport.Now() + 2 * kPatience * m_timeout;
     for (size_t before = m_came + 1; before != m_came && m_transport.Now() < limit;) {
         before = m_came;
-        Settle(Discard(m_transport.Now() + m_timeout));
+        Discard(m_transport.Now() + m_timeout);
     }
+}
+
+// Until when answers of others may come that are worth waiting for.
+std::optional<Reader::TimePoint> Reader::OthersOweUntil() const {
+    std::optional<TimePoint> latest;
+    for (const Reader* const other : *m_line) {
+        if (other == this || other->m_owed.empty() || other->IsDead()) continue;
+        latest = std::max(latest, std::optional(other->m_owed.back() + 2 * kPatience * other->m_timeout));
+    }
+    return latest;
+}
+
+void Reader::AwaitOthers() {
+    Splitter::Line line;
+    // Looked at anew each time: loggers may come and go during a wait.
+    for (auto until = OthersOweUntil(); until && Next(line, *until); until = OthersOweUntil()) Credit(line);
 }
 
 // Answers that nobody waits for any more are waited for all the same, so that they are not taken for others'.
 void Reader::AwaitOwed(TimePoint until) {
     Splitter::Line line;
-    while (!m_owed.empty() && Next(line, until)) Settle(IsAnswer(line) ? 1 : 0);
+    while (!m_owed.empty() && Next(line, until)) Credit(line);
 }
 
 // Whether a line can be one of an answer.
@@ -252,18 +292,16 @@ bool Reader::Take(Splitter::Line& line) {
     return false;
 }
 
-// Throws away what is there already and what comes until then, and tells how many answers were among it.
-size_t Reader::Discard(TimePoint until) {
-    size_t answers = 0;
+// Throws away what is there already and what comes until then.
+void Reader::Discard(TimePoint until) {
     Splitter::Line line;
     for (size_t bytes = 0; bytes < kMostAtOnce;) {
-        while (Take(line)) answers += !m_owed.empty() && IsAnswer(line) ? 1 : 0;
+        while (Take(line)) Credit(line);
         if (!Receive(until)) break;
         bytes += m_received.size();
         m_came += m_received.size();
     }
-    while (Take(line)) answers += !m_owed.empty() && IsAnswer(line) ? 1 : 0;
-    return answers;
+    while (Take(line)) Credit(line);
 }
 
 }  // namespace text

@@ -15,9 +15,15 @@
 // began. A bad answer is asked for again, up to three times; it may have been a line that nobody asked for, so the line is
 // listened to afterwards until the answer that may be left over has come, or a time-out has passed. An echo of the question is
 // passed over.
+//
+// Several loggers that are asked on one line wait for one another's late answers as well, until six time-outs after the question;
+// a line that comes meanwhile counts for the one who asked first of those whose it may be. One that has left three readings in a
+// row without an answer is not waited for: it is dead, and costs the others nothing.
 #pragma once
 
 #include <deque>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,9 +38,12 @@ namespace text {
 class Reader {
 public:
     Reader(const Description& description, ITransport& transport);
+    ~Reader();
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
 
-    // The line was opened; milliseconds for every answer.
-    void Opened(DWORD timeout);
+    // The line at this address was opened; milliseconds for every answer.
+    void Opened(const std::string& address, DWORD timeout);
     // Told of answers and late ones; null for nobody.
     void Watch(IReadingWatch* watch) { m_watch = watch; }
 
@@ -62,9 +71,13 @@ private:
     bool Next(Splitter::Line& line, TimePoint until);
     bool Receive(TimePoint until);
     bool Take(Splitter::Line& line);
-    size_t Discard(TimePoint until);
+    void Discard(TimePoint until);
     void Forget();
-    void Settle(size_t lines);
+    bool IsDead() const;
+    void Credit(const Splitter::Line& line);
+    void Settle(size_t lines, IReadingWatch* watch);
+    std::optional<TimePoint> OthersOweUntil() const;
+    void AwaitOthers();
     void AwaitOwed(TimePoint until);
     void AwaitSilence();
     bool IsAnswer(const Splitter::Line& line) const;
@@ -87,8 +100,10 @@ private:
     TimePoint m_lastBytes{};       // when some came
     std::deque<TimePoint> m_owed;  // when questions were asked that may still be answered
     size_t m_answerLines = 0;      // of an answer that is owed, that have come
+    int m_inVain = 0;              // readings in a row that came to an end without an answer
     bool m_late = false;           // answers have been later than the time-out
     const std::string m_echo;
+    std::shared_ptr<std::vector<Reader*>> m_line;  // all readers on it, this one among them
 };
 
 }  // namespace text

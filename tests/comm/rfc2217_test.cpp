@@ -190,10 +190,11 @@ TEST_F(Rfc2217Test, TellsWhatTheServerDoesNotDo) {
         UINT text;
     };
     const std::string noPort = "\xff\xfd\0\xff\xfe,"s;
-    for (const Case& c :
-         {Case{"no serial port", noPort, 6, 8220}, Case{"no telnet", "login: ", 6, 8220},
-          Case{"nothing is confirmed", kAgreed, 7, 8221}, Case{"another rate", kAgreed + Confirmed("\0\0\x25\x80"s), 7, 8222},
-          Case{"another parity", kAgreed + Confirmed("\0\0\x4b\0"s, "\1"), 7, 8222}}) {
+    for (const Case& c : {Case{"no serial port", noPort, 6, 8220}, Case{"no telnet", "login: ", 6, 8220},
+                          Case{"nothing is confirmed", kAgreed, 7, 8221},
+                          Case{"a rate of too many bytes", kAgreed + Confirmed("\1\0\0\x4b\0"s), 7, 8221},
+                          Case{"another rate", kAgreed + Confirmed("\0\0\x25\x80"s), 7, 8222},
+                          Case{"another parity", kAgreed + Confirmed("\0\0\x4b\0"s, "\1"), 7, 8222}}) {
         SCOPED_TRACE(c.what);
         EXPECT_EQ(Told(c.code, c.text), WhyNot(c.says));
         EXPECT_FALSE(transport->IsOpen());

@@ -6,6 +6,7 @@
 
 #include "plugins/modbus/modbus_logger.h"
 #include "tests/modbus/simulated_wire.h"
+#include "tests/support/borrowed_line.h"
 #include "tests/support/time_limit.h"
 
 namespace {
@@ -134,23 +135,6 @@ Tally ReadMany(Line& line, int readings) {
     }
     return tally;
 }
-
-// A line that somebody else has, too.
-class Borrowed : public ITransport {
-public:
-    explicit Borrowed(ITransport& line) : m_line(line) {}
-    void Open(const char* address, const CLineSettings& line, TimePoint until) override { m_line.Open(address, line, until); }
-    void Close() override {}
-    bool IsOpen() const override { return m_line.IsOpen(); }
-    bool IsShared() const override { return true; }
-    TimePoint Now() override { return m_line.Now(); }
-    void Send(std::span<const BYTE> bytes, TimePoint until) override { m_line.Send(bytes, until); }
-    bool Receive(std::vector<BYTE>& received, TimePoint until) override { return m_line.Receive(received, until); }
-    void Abort() override {}
-
-private:
-    ITransport& m_line;
-};
 }  // namespace
 
 TEST(ModbusLateAnswers, LoggersThatShareALineKeepTheirOwn) {
@@ -159,7 +143,7 @@ TEST(ModbusLateAnswers, LoggersThatShareALineKeepTheirOwn) {
         modbus::Description two = FourChannels(2);
         two.channels = {two.channels[1], two.channels[2]};  // one of each slave
         for (modbus::Channel& channel : two.channels) channel.first = first;
-        return std::make_unique<modbus::Logger>(two, std::make_unique<Borrowed>(wire));
+        return std::make_unique<modbus::Logger>(two, std::make_unique<BorrowedLine>(wire));
     };
     const std::unique_ptr<modbus::Logger> loggers[] = {make(100), make(200), make(300)};
     for (const auto& logger : loggers) logger->Connect("COM1", 1000);

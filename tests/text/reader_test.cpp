@@ -5,6 +5,7 @@
 #include <random>
 
 #include "plugins/text/text_logger.h"
+#include "tests/support/borrowed_line.h"
 #include "tests/text/described.h"
 #include "tests/text/scripted_line.h"
 
@@ -261,6 +262,46 @@ TEST(TextReader, AnAnswerIsOfItsReading) {
         }
     }
     EXPECT_GT(good, 8000);
+}
+
+// Two loggers of one kind on one line, each late now and then; and one that is dead.
+TEST(TextReader, LoggersThatShareALineKeepTheirOwn) {
+    std::mt19937 random(5);
+    const auto chance = [&](double most) { return std::uniform_real_distribution<double>(0, most)(random); };
+    for (const bool dead : {false, true}) {
+        ScriptedLine line;
+        line.onSend = [&](std::string_view asked) {
+            if (dead && asked[0] == '1') return;
+            // What is said is the time, a day later for each device.
+            const double said = line.Seconds() + 86'400 * (asked[0] - '0');
+            if (chance(1) > 0.05)
+                line.Come(line.Seconds() + (chance(1) < 0.1 ? chance(5.5) : 0.1), std::to_string(said) + "\r\n");
+        };
+        std::unique_ptr<text::Logger> loggers[2];
+        for (int i = 0; i < 2; ++i) {
+            const std::string ask = "sAsk=" + std::to_string(i + 1) + "?\\n; ";
+            loggers[i] = std::make_unique<text::Logger>(Described(ask + kOne), std::make_unique<BorrowedLine>(line));
+            loggers[i]->Connect("COM1", 1000);
+        }
+        int good = 0;
+        double took = 0;
+        for (int round = 0; round < 4000; ++round) {
+            const double began = line.Seconds() + 86'400 * (round % 2 + 1);
+            CDoubleArray values;
+            try {
+                loggers[round % 2]->ReadSample(values);
+                ASSERT_GE(values[0], began - 1e-5) << round;
+                ASSERT_LT(values[0], began + 1000) << round;
+                ++good;
+            } catch (CCommException* failure) {
+                failure->Delete();
+            }
+            if (round % 2 == 1) took += line.Seconds() + 86'400 * 2 - began;
+            line.Idle(line.Seconds() + chance(1));
+        }
+        EXPECT_GT(good, dead ? 1750 : 3500);
+        EXPECT_LT(took / 2000, dead ? 1 : 1.5);
+    }
 }
 
 TEST(TextReader, WhatNeverEndsIsCutAndTold) {
