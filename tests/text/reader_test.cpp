@@ -24,13 +24,9 @@ public:
         late = failures = 0;
         reason.clear();
         CDoubleArray values;
-        try {
-            logger.ReadSample(values);
-        } catch (CCommException* failure) {
-            const std::string said = "!" + std::to_string(failure->m_nError);
-            reason = failure->m_strError.GetString();
-            failure->Delete();
-            return said;
+        if (const CommFailure failure = FailureOf([&] { logger.ReadSample(values); }); failure.code != 0) {
+            reason = failure.text;
+            return "!" + std::to_string(failure.code);
         }
         std::string said;
         for (INT_PTR i = 0; i < values.GetSize(); ++i) said += Number(values[i]) + " ";

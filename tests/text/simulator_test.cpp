@@ -58,13 +58,7 @@ public:
         unsigned from = 0;
         for (int i = 0; i < 20; ++i) {
             CDoubleArray values;
-            try {
-                m_logger.ReadSample(values);
-            } catch (CCommException* failure) {
-                failure->Delete();
-                continue;
-            }
-            if (std::isnan(values[0])) continue;
+            if (FailureOf([&] { m_logger.ReadSample(values); }).code != 0 || std::isnan(values[0])) continue;
             unsigned reading = from;
             while (reading < from + 60 && !IsOf(values, reading)) ++reading;
             EXPECT_LT(reading, from + 60) << values[0] << " " << values[1];
