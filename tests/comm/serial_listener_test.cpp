@@ -50,16 +50,25 @@ protected:
     WindowPort port;
 };
 
-TEST_F(ListenerTest, DataArrivesAsAMessage) {
+TEST_F(ListenerTest, DataArrivesAsAMessageOnlyIfTheMaskHasIt) {
     Open();
     EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
     peer.Send("hello");
-    const auto message = box.Next();
+    auto message = box.Next();
     ASSERT_TRUE(message);
     EXPECT_EQ(static_cast<UINT>(kMessage), message->message);
     EXPECT_EQ(0x00000001u, message->wParam);
     EXPECT_EQ(kParameter, message->lParam);
     EXPECT_EQ("hello", ReadAll(5));
+    EXPECT_EQ(0, port.SetMask(CSerial::EventCts));
+    peer.Send("not asked for");
+    EXPECT_EQ("not asked for", ReadAll(13));
+    EXPECT_FALSE(box.Waiting());
+    EXPECT_EQ(0, port.SetMask(CSerial::EventReceived));
+    peer.Send("asked for");
+    message = box.Next();
+    ASSERT_TRUE(message);
+    EXPECT_EQ(0x00000001u, message->wParam);
 }
 
 TEST_F(ListenerTest, MessageNumberZeroStandsForTheRegisteredOne) {
@@ -70,20 +79,6 @@ TEST_F(ListenerTest, MessageNumberZeroStandsForTheRegisteredOne) {
     const auto message = box.Next();
     ASSERT_TRUE(message);
     EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, message->message);
-}
-
-TEST_F(ListenerTest, AnEventOutsideTheMaskPostsNothing) {
-    Open();
-    EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-    EXPECT_EQ(0, port.SetMask(CSerial::EventCts));
-    peer.Send("not asked for");
-    EXPECT_EQ("not asked for", ReadAll(13));
-    EXPECT_FALSE(box.Waiting());
-    EXPECT_EQ(0, port.SetMask(CSerial::EventReceived));
-    peer.Send("asked for");
-    const auto message = box.Next();
-    ASSERT_TRUE(message);
-    EXPECT_EQ(0x00000001u, message->wParam);
 }
 
 TEST_F(ListenerTest, AnUnpluggedPortSaysFarewellOnce) {
@@ -108,17 +103,13 @@ TEST_F(ListenerTest, AnUnpluggedPortSaysFarewellOnce) {
     ASSERT_TRUE(box.Next());
 }
 
-TEST_F(ListenerTest, StartingTwiceKeepsTheOneThread) {
+TEST_F(ListenerTest, StartsOnceStopsAndStartsAgain) {
     Open();
     const HANDLE first = port.m_hThread;
     ASSERT_NE(nullptr, first);
     EXPECT_EQ(0, port.StartListener());
     EXPECT_EQ(first, port.m_hThread);
     EXPECT_EQ(WAIT_TIMEOUT, ::WaitForSingleObject(first, 0));
-}
-
-TEST_F(ListenerTest, StopsAndStartsAgain) {
-    Open();
     EXPECT_EQ(0, port.StopListener(INFINITE));
     EXPECT_EQ(nullptr, port.m_hThread);
     EXPECT_FALSE(port.m_fStopping);
@@ -165,7 +156,7 @@ TEST_F(ListenerTest, AStopWhoseTimeRanOutStillStops) {
     for (const HANDLE event : {slow.inside, slow.goOn, slow.ended}) ::CloseHandle(event);
 }
 
-TEST_F(ListenerTest, CloseClearsTheWindowAndKeepsTheParameter) {
+TEST_F(ListenerTest, OnlyAnOpenPortHasItsWindow) {
     Open();
     EXPECT_EQ(0, port.Close());
     EXPECT_EQ(nullptr, port.m_hwndDest.load());
@@ -175,9 +166,6 @@ TEST_F(ListenerTest, CloseClearsTheWindowAndKeepsTheParameter) {
     EXPECT_EQ(nullptr, port.m_hevtOverlappedWorkerThread);
     EXPECT_EQ(0, box.Empty());
     EXPECT_EQ(0, port.Close());
-}
-
-TEST_F(ListenerTest, AFailedOpenStartsNothing) {
     EXPECT_EQ(2, port.Open("COM77", box.Window(), kMessage, kParameter, 0, 0));
     EXPECT_EQ(nullptr, port.m_hThread);
     EXPECT_EQ(nullptr, port.m_hwndDest.load());
@@ -199,9 +187,6 @@ TEST_F(ListenerTest, ClosesAtAnyMomentOfAStream) {
         peer.Unplug();
         peer.Plug();
     }
-}
-
-TEST_F(ListenerTest, DestructionStopsTheListener) {
     {
         CSerialWnd other;
         ASSERT_EQ(0, other.Open(peer.Name(), box.Window(), kMessage, 0, 0, 0));
