@@ -35,27 +35,25 @@ TEST(TelnetTest, TellsDataFromCommandsAtAnyCut) {
     struct Case {
         std::string in, data, out, told;
     };
-    const Case cases[] = {
-        {"plain\0text\r\n"s, "plain\0text\r\n"s, "", ""},
-        {"a\xff\xff"s + "b", "a\xff"s + "b", "", ""},
-        {"a\xff\xf1"s + "b", "ab", "", ""},        // no operation
-        {"\xff\xfd\x18", "", "\xff\xfc\x18", ""},  // DO what is not known: WONT
-        {"\xff\xfb\x01", "", "\xff\xfe\x01", ""},  // WILL what is not wanted: DONT
-        {"\xff\xfc\x01\xff\xfe\x18", "", "", ""},  // WONT and DONT that change nothing
-        {"\xff\xfd\0\xff\xfd\0\xff\xfb\3"s, "", "\xff\xfb\0\xff\xfd\3"s, "+0;"},
-        {"\xff\xfd\0\xff\xfe\0"s, "", "\xff\xfb\0\xff\xfc\0"s, "+0;-0;"},
-        {"x\xff\xfa,in\xff\xff"
-         "side\xff\xf0y",
-         "xy", "",
-         "44:in\xff"
-         "side;"},
-        {"\xff\xfa\xff\xf0\xff\xfa,\xff\xf0", "", "", "44:;"},
-        {"\xff\xfa," + std::string(256, 'm') + "\xff\xf0", "", "", "44:" + std::string(256, 'm') + ";"},
-        {"\xff\xfa," + std::string(257, 'm') + "\xff\xf0z", "z", "", ""},
-        {"\xff\xfa,cut off\xff\xfb"
-         "data",
-         "data", "", ""},
-    };
+    const Case cases[] = {{"plain\0text\r\n"s, "plain\0text\r\n"s, "", ""},
+                          {"a\xff\xff"s + "b", "a\xff"s + "b", "", ""},
+                          {"a\xff\xf1"s + "b", "ab", "", ""},        // no operation
+                          {"\xff\xfd\x18", "", "\xff\xfc\x18", ""},  // DO what is not known: WONT
+                          {"\xff\xfb\x01", "", "\xff\xfe\x01", ""},  // WILL what is not wanted: DONT
+                          {"\xff\xfc\x01\xff\xfe\x18", "", "", ""},  // WONT and DONT that change nothing
+                          {"\xff\xfd\0\xff\xfd\0\xff\xfb\3"s, "", "\xff\xfb\0\xff\xfd\3"s, "+0;"},
+                          {"\xff\xfd\0\xff\xfe\0"s, "", "\xff\xfb\0\xff\xfc\0"s, "+0;-0;"},
+                          {"x\xff\xfa,in\xff\xff"
+                           "side\xff\xf0y",
+                           "xy", "",
+                           "44:in\xff"
+                           "side;"},
+                          {"\xff\xfa\xff\xf0\xff\xfa,\xff\xf0", "", "", "44:;"},
+                          {"\xff\xfa," + std::string(256, 'm') + "\xff\xf0", "", "", "44:" + std::string(256, 'm') + ";"},
+                          {"\xff\xfa," + std::string(257, 'm') + "\xff\xf0z", "z", "", ""},
+                          {"\xff\xfa,cut off\xff\xfb"
+                           "data",
+                           "data", "", ""}};
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.in));
         for (size_t cut = 0; cut <= c.in.size(); ++cut) {

@@ -43,8 +43,7 @@ TEST(SerialClosed, AnswersEveryOperationWithItsOwnNumber) {
         {"GetRing", [&] { return port.GetRing(); }, 0, 6},
         {"GetRLSD", [&] { return port.GetRLSD(); }, 0, 6},
         {"GetEventType", [&] { return port.GetEventType(); }, 0, 0},
-        {"Close", [&] { return port.Close(); }, 0, 0},
-    };
+        {"Close", [&] { return port.Close(); }, 0, 0}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         port.m_lLastError = 4711;

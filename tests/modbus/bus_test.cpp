@@ -243,17 +243,15 @@ TEST(ModbusNetwork, WhatDoesNotFitIsNoAnswer) {
         std::vector<BYTE> bytes;  // before each answer
         const char* fault;
         bool closes;
-    } rows[] = {
-        {"another unit", {}, "unit", false},
-        {"another function", {}, "function", false},
-        {"a message that is shorter than it says", {}, "length", true},
-        {"another protocol", {0, 1, 0, 1, 0, 5, 5, 3, 2, 0, 0}, nullptr, true},
-        {"a length of nothing", {0, 1, 0, 0, 0, 1, 5}, nullptr, true},
-        {"a length beyond any message", {0, 1, 0, 0, 1, 0, 5}, nullptr, true},
-        {"a byte count that lies", {0, 1, 0, 0, 0, 5, 5, 3, 4, 0, 0}, nullptr, true},
-        {"a frame that does not go on", {0, 1, 0, 0, 0, 99, 5, 3}, nullptr, true},
-        {"letters", {'2', '3', '.', '5', '\r', '\n'}, nullptr, true},
-    };
+    } rows[] = {{"another unit", {}, "unit", false},
+                {"another function", {}, "function", false},
+                {"a message that is shorter than it says", {}, "length", true},
+                {"another protocol", {0, 1, 0, 1, 0, 5, 5, 3, 2, 0, 0}, nullptr, true},
+                {"a length of nothing", {0, 1, 0, 0, 0, 1, 5}, nullptr, true},
+                {"a length beyond any message", {0, 1, 0, 0, 1, 0, 5}, nullptr, true},
+                {"a byte count that lies", {0, 1, 0, 0, 0, 5, 5, 3, 4, 0, 0}, nullptr, true},
+                {"a frame that does not go on", {0, 1, 0, 0, 0, 99, 5, 3}, nullptr, true},
+                {"letters", {'2', '3', '.', '5', '\r', '\n'}, nullptr, true}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Station station(Bus({5}), kNetwork);

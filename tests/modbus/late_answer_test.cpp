@@ -283,8 +283,7 @@ TEST(ModbusLateAnswers, FailuresAreToldByChannel) {
         {"one damaged", {.only = 200, .damaged = 1}, 0, {1}, {3}, 1 + 3 + 1 + 1 + 1},
         {"one refused", {.only = 200, .refused = 1, .exception = modbus::kIllegalAddress}, 0, {1}, {4}, 4},
         {"one busy", {.only = 200, .refused = 1}, 0, {1}, {4}, 1 + 3 + 1 + 1},
-        {"one behind a gateway", {.only = 200, .refused = 1, .exception = modbus::kNoTarget}, 0, {1}, {4}, 1 + 2 + 1 + 1},
-    };
+        {"one behind a gateway", {.only = 200, .refused = 1, .exception = modbus::kNoTarget}, 0, {1}, {4}, 1 + 2 + 1 + 1}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Line line(row.faults);

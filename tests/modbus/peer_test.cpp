@@ -167,12 +167,10 @@ void PollAndCompare(std::vector<std::string> words, const std::function<modbus::
         modbus::ValueType type;
         bool bigEndian;
         BYTE function;
-    } rows[kPolls] = {
-        {"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
-        {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
-        {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
-        {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4},
-    };
+    } rows[kPolls] = {{"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
+                      {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
+                      {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
+                      {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4}};
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.kind << row.bigEndian);
         const int first = std::string(row.kind).size() == 1 ? 1 : row.type == modbus::ValueType::Int32 ? 11 : 21;

@@ -113,8 +113,7 @@ TEST(TextReader, WhatTalksByItself) {
          {{0.1, "x\r\nB=1\r\nA=2\r\nA=3\r\n"}, {0.7, "B=4\r\n"}},
          {{0, "3 4 @0.7"}}},
         {"no value is an answer", kOne, {{0.1, "x\r\nnan\r\n"}}, {{0, "nan @0.1"}}},
-        {"a slow one is waited for", kOne + "; nEvery=10000", {{9, "1\r\n"}, {19, "2\r\n"}}, {{0, "1 @9"}, {9, "2 @19"}}},
-    };
+        {"a slow one is waited for", kOne + "; nEvery=10000", {{9, "1\r\n"}, {19, "2\r\n"}}, {{0, "1 @9"}, {9, "2 @19"}}}};
     for (const auto& one : cases) {
         SCOPED_TRACE(one.name);
         Told told(one.description);
@@ -203,8 +202,7 @@ TEST(TextReader, WhatIsAsked) {
          {{{0.2, "1\r\n"}, {4.5, "2\r\n"}}, {{0.1, "3\r\n"}, {0.2, "4\r\n"}}, {{0.1, "5\r\n"}, {0.2, "6\r\n"}}},
          {"!8", "5 6 @8.4"},
          3},
-        {"what is there is no answer", kAsked, {{{0.2, "1\r\n"}, {0.3, "9\r\n"}}, {{0.2, "2\r\n"}}}, {"1 @0.2", "2 @1.4"}, 2},
-    };
+        {"what is there is no answer", kAsked, {{{0.2, "1\r\n"}, {0.3, "9\r\n"}}, {{0.2, "2\r\n"}}}, {"1 @0.2", "2 @1.4"}, 2}};
     for (const auto& one : cases) {
         SCOPED_TRACE(one.name);
         Told told(one.description);
