@@ -50,23 +50,28 @@ protected:
     WindowPort port;
 };
 
-TEST_F(ListenerTest, DataArrivesAsAMessageOnlyIfTheMaskHasIt) {
+TEST_F(ListenerTest, DataArrivesAsAMessage) {
     Open();
     EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
     peer.Send("hello");
-    auto message = box.Next();
+    const auto message = box.Next();
     ASSERT_TRUE(message);
     EXPECT_EQ(static_cast<UINT>(kMessage), message->message);
     EXPECT_EQ(0x00000001u, message->wParam);
     EXPECT_EQ(kParameter, message->lParam);
     EXPECT_EQ("hello", ReadAll(5));
+}
+
+TEST_F(ListenerTest, AnEventOutsideTheMaskPostsNothing) {
+    Open();
+    EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
     EXPECT_EQ(0, port.SetMask(CSerial::EventCts));
     peer.Send("not asked for");
     EXPECT_EQ("not asked for", ReadAll(13));
     EXPECT_FALSE(box.Waiting());
     EXPECT_EQ(0, port.SetMask(CSerial::EventReceived));
     peer.Send("asked for");
-    message = box.Next();
+    const auto message = box.Next();
     ASSERT_TRUE(message);
     EXPECT_EQ(0x00000001u, message->wParam);
 }
