@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/comm/pump.h"
@@ -47,14 +49,11 @@ protected:
     Connection connection;
 };
 
-TEST_F(ConnectionTest, NamesItsEightStates) {
+TEST_F(ConnectionTest, HasItsStateDescriptionAndTime) {
     const char* const names[] = {"Initial", "Connecting", "Connected", "Disconnected", "Working", "Ready", "Closing",
                                  "Closed",  "",           ""};
     for (int i = 0; i < 10; ++i) EXPECT_STREQ(names[i], connection.StateName(static_cast<COrvikConnection::EState>(i)));
     EXPECT_STREQ("", connection.StateName(static_cast<COrvikConnection::EState>(-1)));
-}
-
-TEST_F(ConnectionTest, ANullDescriptionKeepsTheFormerText) {
     connection.StateTransition(COrvikConnection::Connecting, "dialling", TRUE);
     EXPECT_STREQ("dialling", connection.GetStateDescription());
     EXPECT_TRUE(connection.ShowWaitIcon());
@@ -63,9 +62,6 @@ TEST_F(ConnectionTest, ANullDescriptionKeepsTheFormerText) {
     EXPECT_FALSE(connection.ShowWaitIcon());
     connection.StateTransition(COrvikConnection::Connected, "", FALSE);
     EXPECT_STREQ("", connection.GetStateDescription());
-}
-
-TEST_F(ConnectionTest, StampsEachTransitionToTheMillisecond) {
     const CVXTTime before = CVXTTime::Now();
     connection.StateTransition(COrvikConnection::Ready, nullptr, FALSE);
     const CVXTTime after = CVXTTime::Now();
@@ -75,28 +71,18 @@ TEST_F(ConnectionTest, StampsEachTransitionToTheMillisecond) {
     EXPECT_EQ(0, stamp % 1000);
 }
 
-TEST_F(ConnectionTest, TellsTheLastSubscriberFirst) {
+TEST_F(ConnectionTest, TellsEveryTransitionToTheLastSubscriberFirst) {
     for (Subscriber* subscriber : {&a, &b, &c}) connection.AddStateChangedDelegate(subscriber->Delegate());
     connection.StateTransition(COrvikConnection::Connected, nullptr, FALSE);
     EXPECT_EQ((Log{"c2", "b2", "a2"}), log);
     EXPECT_EQ(::GetCurrentThreadId(), a.thread);
-}
-
-TEST_F(ConnectionTest, EveryTransitionNotifiesTheSameStateIncluded) {
-    connection.AddStateChangedDelegate(a.Delegate());
-    connection.StateTransition(COrvikConnection::Closed, nullptr, FALSE);
-    connection.StateTransition(COrvikConnection::Closed, nullptr, FALSE);
-    connection.StateTransition(COrvikConnection::Initial, nullptr, FALSE);
-    EXPECT_EQ((Log{"a7", "a7", "a0"}), log);
-}
-
-TEST_F(ConnectionTest, SubscribesOnceAndRemovesOnlyWhatIsListed) {
-    connection.AddStateChangedDelegate(a.Delegate());
-    connection.AddStateChangedDelegate(b.Delegate());
-    connection.AddStateChangedDelegate(a.Delegate());
+    connection.AddStateChangedDelegate(c.Delegate());  // who is there already is not told twice
     connection.RemoveStateChangedDelegate(c.Delegate());
-    connection.StateTransition(COrvikConnection::Ready, nullptr, FALSE);
-    EXPECT_EQ((Log{"b5", "a5"}), log);
+    connection.RemoveStateChangedDelegate(c.Delegate());
+    log.clear();
+    for (const auto state : {COrvikConnection::Closed, COrvikConnection::Closed, COrvikConnection::Initial})
+        connection.StateTransition(state, nullptr, FALSE);
+    EXPECT_EQ((Log{"b7", "a7", "b7", "a7", "b0", "a0"}), log);
     log.clear();
     connection.RemoveStateChangedDelegate(a.Delegate());
     connection.StateTransition(COrvikConnection::Ready, nullptr, FALSE);
@@ -140,31 +126,13 @@ TEST(ConnectionLife, ASubscriberMayDropTheLastReference) {
     EXPECT_EQ((Log{"b7"}), log);
 }
 
-struct Worker {
-    Connection& connection;
-    std::function<void(Connection&)> work;
-    static DWORD WINAPI Entry(LPVOID self) {
-        auto* const worker = static_cast<Worker*>(self);
-        worker->work(worker->connection);
-        return 0;
-    }
-    void Run() {
-        const Awaiting end("the worker to end");
-        const HANDLE thread = ::CreateThread(nullptr, 0, Entry, this, 0, nullptr);
-        ::WaitForSingleObject(thread, INFINITE);
-        ::CloseHandle(thread);
-    }
-};
-
 TEST_F(ConnectionTest, AWorkersTransitionIsToldOnTheMainThread) {
     connection.AddStateChangedDelegate(a.Delegate());
-    Worker{connection,
-           [](Connection& its) {
-               its.StateTransition(COrvikConnection::Connecting, "one", TRUE);
-               its.StateTransition(COrvikConnection::Connected, "two", FALSE);
-               its.StateTransition(COrvikConnection::Working, nullptr, TRUE);
-           }}
-        .Run();
+    std::thread([this] {
+        connection.StateTransition(COrvikConnection::Connecting, "one", TRUE);
+        connection.StateTransition(COrvikConnection::Connected, "two", FALSE);
+        connection.StateTransition(COrvikConnection::Working, nullptr, TRUE);
+    }).join();
     EXPECT_TRUE(log.empty()) << "nobody is told before the main thread handles its messages";
     EXPECT_EQ(COrvikConnection::Working, connection.m_eState);
     EXPECT_TRUE(PumpUntil([&] { return log.size() == 3; }));
@@ -174,30 +142,18 @@ TEST_F(ConnectionTest, AWorkersTransitionIsToldOnTheMainThread) {
 }
 
 TEST_F(ConnectionTest, AWorkerMayDescribeWhileOthersRead) {
-    volatile bool done = false;
-    struct Shared {
-        Connection& connection;
-        HANDLE start;
-    } shared{connection, ::CreateEventA(nullptr, TRUE, FALSE, nullptr)};
-    const HANDLE thread = ::CreateThread(
-        nullptr, 0,
-        [](LPVOID parameter) -> DWORD {
-            auto* const its = static_cast<Shared*>(parameter);
-            ::WaitForSingleObject(its->start, INFINITE);
-            for (int i = 0; i < 300; ++i)
-                its->connection.StateTransition(COrvikConnection::Working, i % 2 ? "odd" : "even and longer", TRUE);
-            return 0;
-        },
-        &shared, 0, nullptr);
-    ::SetEvent(shared.start);
+    std::atomic<bool> done = false;
+    std::thread worker([&] {
+        for (int i = 0; i < 300; ++i)
+            connection.StateTransition(COrvikConnection::Working, i % 2 ? "odd" : "even and longer", TRUE);
+        done = true;
+    });
     const Awaiting end("the worker to end");
     while (!done) {
         const CString text = connection.GetStateDescription();
         EXPECT_TRUE(text.IsEmpty() || text == "odd" || text == "even and longer");
-        done = ::WaitForSingleObject(thread, 0) == WAIT_OBJECT_0;
     }
-    ::CloseHandle(thread);
-    ::CloseHandle(shared.start);
+    worker.join();
     PumpOnce();
 }
 

@@ -5,13 +5,9 @@
 #include <functional>
 #include <thread>
 
-#include "comm/comm_exception.h"
-#include "comm/line_connection.h"
-#include "comm/serial_orvik.h"
 #include "comm/telnet.h"
-#include "comm/transport.h"
+#include "tests/comm/transport_user.h"
 #include "tests/support/tcp_peer.h"
-#include "tests/support/time_limit.h"
 
 namespace {
 using namespace std::chrono_literals;
@@ -39,27 +35,25 @@ TEST(TelnetTest, TellsDataFromCommandsAtAnyCut) {
     struct Case {
         std::string in, data, out, told;
     };
-    const Case cases[] = {
-        {"plain\0text\r\n"s, "plain\0text\r\n"s, "", ""},
-        {"a\xff\xff"s + "b", "a\xff"s + "b", "", ""},
-        {"a\xff\xf1"s + "b", "ab", "", ""},        // no operation
-        {"\xff\xfd\x18", "", "\xff\xfc\x18", ""},  // DO what is not known: WONT
-        {"\xff\xfb\x01", "", "\xff\xfe\x01", ""},  // WILL what is not wanted: DONT
-        {"\xff\xfc\x01\xff\xfe\x18", "", "", ""},  // WONT and DONT that change nothing
-        {"\xff\xfd\0\xff\xfd\0\xff\xfb\3"s, "", "\xff\xfb\0\xff\xfd\3"s, "+0;"},
-        {"\xff\xfd\0\xff\xfe\0"s, "", "\xff\xfb\0\xff\xfc\0"s, "+0;-0;"},
-        {"x\xff\xfa,in\xff\xff"
-         "side\xff\xf0y",
-         "xy", "",
-         "44:in\xff"
-         "side;"},
-        {"\xff\xfa\xff\xf0\xff\xfa,\xff\xf0", "", "", "44:;"},
-        {"\xff\xfa," + std::string(256, 'm') + "\xff\xf0", "", "", "44:" + std::string(256, 'm') + ";"},
-        {"\xff\xfa," + std::string(257, 'm') + "\xff\xf0z", "z", "", ""},
-        {"\xff\xfa,cut off\xff\xfb"
-         "data",
-         "data", "", ""},
-    };
+    const Case cases[] = {{"plain\0text\r\n"s, "plain\0text\r\n"s, "", ""},
+                          {"a\xff\xff"s + "b", "a\xff"s + "b", "", ""},
+                          {"a\xff\xf1"s + "b", "ab", "", ""},        // no operation
+                          {"\xff\xfd\x18", "", "\xff\xfc\x18", ""},  // DO what is not known: WONT
+                          {"\xff\xfb\x01", "", "\xff\xfe\x01", ""},  // WILL what is not wanted: DONT
+                          {"\xff\xfc\x01\xff\xfe\x18", "", "", ""},  // WONT and DONT that change nothing
+                          {"\xff\xfd\0\xff\xfd\0\xff\xfb\3"s, "", "\xff\xfb\0\xff\xfd\3"s, "+0;"},
+                          {"\xff\xfd\0\xff\xfe\0"s, "", "\xff\xfb\0\xff\xfc\0"s, "+0;-0;"},
+                          {"x\xff\xfa,in\xff\xff"
+                           "side\xff\xf0y",
+                           "xy", "",
+                           "44:in\xff"
+                           "side;"},
+                          {"\xff\xfa\xff\xf0\xff\xfa,\xff\xf0", "", "", "44:;"},
+                          {"\xff\xfa," + std::string(256, 'm') + "\xff\xf0", "", "", "44:" + std::string(256, 'm') + ";"},
+                          {"\xff\xfa," + std::string(257, 'm') + "\xff\xf0z", "z", "", ""},
+                          {"\xff\xfa,cut off\xff\xfb"
+                           "data",
+                           "data", "", ""}};
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.in));
         for (size_t cut = 0; cut <= c.in.size(); ++cut) {
@@ -95,13 +89,8 @@ std::string Confirmed(const std::string& baud = "\0\0\x4b\0"s, const std::string
     return Message("\x65" + baud) + Message("\x66\7") + Message("\x67" + parity) + Message("\x68\2") + Message("\x69\1");
 }
 
-class Rfc2217Test : public testing::Test {
+class Rfc2217Test : public testing::Test, public TransportUser {
 protected:
-    Rfc2217Test() { connection->AddRef(); }
-    ~Rfc2217Test() override {
-        transport.reset();
-        connection->Release();
-    }
     // Opens while the server says this, whatever it is asked.
     void Open(const std::string& says, ITransport::Duration within = 5s) {
         std::thread server([&] {
@@ -112,44 +101,19 @@ protected:
             std::thread& thread;
             ~Join() { thread.join(); }
         } join{server};
-        const CLineSettings line{19200, CSerial::DataBits7, CSerial::ParityEven, CSerial::StopBits2};
-        transport->Open(peer.Address("rfc2217").c_str(), line, transport->Now() + within);
+        TransportUser::Open(peer.Address("rfc2217"), {19200, CSerial::DataBits7, CSerial::ParityEven, CSerial::StopBits2},
+                            within);
     }
-    std::string WhyNot(const std::string& says, ITransport::Duration within = 300ms) {
-        try {
-            Open(says, within);
-        } catch (CCommException* failure) {
-            const std::string why = std::to_string(failure->m_nError) + failure->m_strError.GetString();
-            failure->Delete();
-            return why;
-        }
-        return "opened";
-    }
-    std::string Told(int code, UINT text) const {
-        CString picture, sentence;
-        picture.LoadString(text);
-        sentence.Format(picture, peer.Address("").substr(3).c_str());
-        return std::to_string(code) + sentence.GetString();
-    }
-    std::string Receive() {
-        std::vector<BYTE> received;
-        transport->Receive(received, transport->Now() + 5s);
-        return Text(received);
-    }
-
     const Awaiting m_call{"a call of the transport to end"};
     TcpPeer peer;
-    CSerialOrvik port;
-    CLineConnection* const connection = new CLineConnection;
-    std::unique_ptr<ITransport> transport = OrvikMakeTransport(port, *connection);
 };
 
 TEST_F(Rfc2217Test, SetsTheLineUpAndCarriesData) {
     // A modem state among the confirmations, and bytes from before the line was set up.
     Open(kAgreed + "early" + Message("\x6b\x30") + Confirmed());
     EXPECT_EQ(testing::PrintToString(kOffer + kAsked), testing::PrintToString(peer.Receive(kOffer.size() + kAsked.size())));
-    EXPECT_TRUE(transport->IsShared());
-    transport->Send(Bytes("\1\xff\2"), transport->Now() + 5s);
+    EXPECT_TRUE(line->IsShared());
+    Send("\1\xff\2");
     EXPECT_EQ("\1\xff\xff\2", peer.Receive(4));
     peer.Send(Message("\x6a\x40") + "\3\xff");
     EXPECT_EQ("\3", Receive());
@@ -158,24 +122,21 @@ TEST_F(Rfc2217Test, SetsTheLineUpAndCarriesData) {
     peer.Send("\xff\xfd\x18late");  // an option in the middle of things
     EXPECT_EQ("late", Receive());
     EXPECT_EQ("\xff\xfc\x18", peer.Receive(3));
-    std::vector<BYTE> none;
     peer.Send(Message("\x6b\x30"));
-    EXPECT_FALSE(transport->Receive(none, transport->Now() + 50ms));
+    EXPECT_EQ("", Receive(50ms));
 }
 
 TEST_F(Rfc2217Test, IsSetUpAnewForAnotherLogger) {
     Open(kAgreed + Confirmed());
     peer.Receive(kOffer.size() + kAsked.size());
-    CSerialOrvik otherPort;
-    CLineConnection otherConnection;
-    const auto other = OrvikMakeTransport(otherPort, otherConnection);
-    other->Open(peer.Address("rfc2217").c_str(), {}, other->Now() + 5s);
+    TransportUser other;
+    other.Open(peer.Address("rfc2217"));
     std::string asked;
     std::thread server([&] {
         asked = peer.Receive(kAsked.size());
         peer.Send(Message("\x65\0\0\x25\x80"s) + Message("\x66\x8") + Message("\x67\1") + Message("\x68\1") + Message("\x69\1"));
     });
-    other->Send(Bytes("x"), other->Now() + 5s);
+    other.Send("x");
     server.join();
     const std::string first = Message("\1\0\0\x25\x80"s) + Message("\2\x8") + Message("\3\1") + Message("\4\1");
     EXPECT_EQ(testing::PrintToString(first), testing::PrintToString(asked.substr(0, first.size())));
@@ -196,8 +157,8 @@ TEST_F(Rfc2217Test, TellsWhatTheServerDoesNotDo) {
                           Case{"another rate", kAgreed + Confirmed("\0\0\x25\x80"s), 7, 8222},
                           Case{"another parity", kAgreed + Confirmed("\0\0\x4b\0"s, "\1"), 7, 8222}}) {
         SCOPED_TRACE(c.what);
-        EXPECT_EQ(Told(c.code, c.text), WhyNot(c.says));
-        EXPECT_FALSE(transport->IsOpen());
+        EXPECT_EQ(Told(c.code, c.text, peer.Address()), FailureOf([&] { Open(c.says, 300ms); }));
+        EXPECT_FALSE(line->IsOpen());
     }
 }
 }  // namespace

@@ -52,9 +52,8 @@ protected:
     Task a{log, 'a'}, b{log, 'b'}, c{log, 'c'};
 };
 
-TEST_F(Scheduler, IsIdleWithoutTasks) { EXPECT_FALSE(Pass()); }
-
 TEST_F(Scheduler, RunsATaskOnceWhenItsTimeHasCome) {
+    EXPECT_FALSE(Pass());
     Add(a, 1'001);
     EXPECT_FALSE(Pass());
     EXPECT_EQ(log, "");
@@ -95,15 +94,11 @@ TEST_F(Scheduler, TellsWhetherEveryTaskWasIdle) {
     EXPECT_TRUE(scheduler.IsEmpty());
 }
 
-TEST_F(Scheduler, RegistersATaskOnce) {
+TEST_F(Scheduler, RegistersATaskOnceUntilItWithdraws) {
     Add(a, 0);
     EXPECT_FALSE(scheduler.Register(&a));
     EXPECT_EQ(scheduler.GetSize(), 1);
-}
-
-TEST_F(Scheduler, FalseWithdraws) {
     a.work = [] { return FALSE; };
-    Add(a, 0);
     Add(b, 0);
     EXPECT_EQ(Passes(1), "a");
     EXPECT_FALSE(scheduler.IsRegistered(&a));
@@ -141,7 +136,7 @@ TEST_F(Scheduler, EntriesGoOnlyWhenNoTaskIsRunning) {
     EXPECT_EQ(scheduler.GetSize(), 1);
 }
 
-TEST_F(Scheduler, APassWithinATaskSkipsIt) {
+TEST_F(Scheduler, ATaskThatRunsIsSkippedAndMayStartAnew) {
     a.work = [&] {
         a.RaiseShedule(At(0));
         Pass();
@@ -153,9 +148,8 @@ TEST_F(Scheduler, APassWithinATaskSkipsIt) {
     EXPECT_EQ(Passes(1), "ab");
     a.work = [] { return TRUE; };
     EXPECT_EQ(Passes(3), "a");
-}
-
-TEST_F(Scheduler, ATaskMayStopAndStartAnewWhileItRuns) {
+    scheduler.Withdraw(&b);
+    a.RaiseShedule(At(0));
     a.work = [&] {
         scheduler.Withdraw(&a);
         a.RaiseShedule(At(0));
@@ -163,7 +157,6 @@ TEST_F(Scheduler, ATaskMayStopAndStartAnewWhileItRuns) {
         a.work = [] { return TRUE; };
         return FALSE;
     };
-    Add(a, 0);
     EXPECT_EQ(Passes(1), "a");
     EXPECT_TRUE(scheduler.IsRegistered(&a));
     EXPECT_EQ(Passes(3), "a");
@@ -223,7 +216,7 @@ TEST_F(ProcessScheduler, StartRegistersAndMovesTheDueTime) {
     EXPECT_EQ(log, "a");
 }
 
-TEST_F(ProcessScheduler, DueTimesCountFromNowToTheMillisecond) {
+TEST_F(ProcessScheduler, DueTimesCountFromNowAndCanBePolledOnce) {
     Task task(log, 'a');
     EXPECT_EQ(task.Due() % 1'000'000, 0);
     const CVXTTime before = CVXTTime::Now();
@@ -232,10 +225,6 @@ TEST_F(ProcessScheduler, DueTimesCountFromNowToTheMillisecond) {
     EXPECT_GE(task.Due(), before.GetBinaryTime() + 4'294'967'295'000);
     EXPECT_LE(task.Due(), after.GetBinaryTime() + 4'294'967'295'000);
     EXPECT_EQ(task.Due() % 1'000, 0);
-}
-
-TEST_F(ProcessScheduler, ADueTimeCanBePolledOnce) {
-    Task task(log, 'a');
     task.RaiseShedule(3'600'000);
     EXPECT_FALSE(task.GetShedule());
     EXPECT_TRUE(task.GetSheduleState());

@@ -62,16 +62,6 @@ TEST_F(ListenerTest, DataArrivesAsAMessage) {
     EXPECT_EQ("hello", ReadAll(5));
 }
 
-TEST_F(ListenerTest, MessageNumberZeroStandsForTheRegisteredOne) {
-    EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, ::RegisterWindowMessageA("CSerialWnd_DefaultComMsg"));
-    EXPECT_GE(CSerialWnd::mg_nDefaultComMsg, 0xC000u);
-    Open(0);
-    peer.Send("x");
-    const auto message = box.Next();
-    ASSERT_TRUE(message);
-    EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, message->message);
-}
-
 TEST_F(ListenerTest, AnEventOutsideTheMaskPostsNothing) {
     Open();
     EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
@@ -84,6 +74,16 @@ TEST_F(ListenerTest, AnEventOutsideTheMaskPostsNothing) {
     const auto message = box.Next();
     ASSERT_TRUE(message);
     EXPECT_EQ(0x00000001u, message->wParam);
+}
+
+TEST_F(ListenerTest, MessageNumberZeroStandsForTheRegisteredOne) {
+    EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, ::RegisterWindowMessageA("CSerialWnd_DefaultComMsg"));
+    EXPECT_GE(CSerialWnd::mg_nDefaultComMsg, 0xC000u);
+    Open(0);
+    peer.Send("x");
+    const auto message = box.Next();
+    ASSERT_TRUE(message);
+    EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, message->message);
 }
 
 TEST_F(ListenerTest, AnUnpluggedPortSaysFarewellOnce) {
@@ -108,17 +108,13 @@ TEST_F(ListenerTest, AnUnpluggedPortSaysFarewellOnce) {
     ASSERT_TRUE(box.Next());
 }
 
-TEST_F(ListenerTest, StartingTwiceKeepsTheOneThread) {
+TEST_F(ListenerTest, StartsOnceStopsAndStartsAgain) {
     Open();
     const HANDLE first = port.m_hThread;
     ASSERT_NE(nullptr, first);
     EXPECT_EQ(0, port.StartListener());
     EXPECT_EQ(first, port.m_hThread);
     EXPECT_EQ(WAIT_TIMEOUT, ::WaitForSingleObject(first, 0));
-}
-
-TEST_F(ListenerTest, StopsAndStartsAgain) {
-    Open();
     EXPECT_EQ(0, port.StopListener(INFINITE));
     EXPECT_EQ(nullptr, port.m_hThread);
     EXPECT_FALSE(port.m_fStopping);
@@ -165,7 +161,7 @@ TEST_F(ListenerTest, AStopWhoseTimeRanOutStillStops) {
     for (const HANDLE event : {slow.inside, slow.goOn, slow.ended}) ::CloseHandle(event);
 }
 
-TEST_F(ListenerTest, CloseClearsTheWindowAndKeepsTheParameter) {
+TEST_F(ListenerTest, OnlyAnOpenPortHasItsWindow) {
     Open();
     EXPECT_EQ(0, port.Close());
     EXPECT_EQ(nullptr, port.m_hwndDest.load());
@@ -175,9 +171,6 @@ TEST_F(ListenerTest, CloseClearsTheWindowAndKeepsTheParameter) {
     EXPECT_EQ(nullptr, port.m_hevtOverlappedWorkerThread);
     EXPECT_EQ(0, box.Empty());
     EXPECT_EQ(0, port.Close());
-}
-
-TEST_F(ListenerTest, AFailedOpenStartsNothing) {
     EXPECT_EQ(2, port.Open("COM77", box.Window(), kMessage, kParameter, 0, 0));
     EXPECT_EQ(nullptr, port.m_hThread);
     EXPECT_EQ(nullptr, port.m_hwndDest.load());
@@ -199,9 +192,6 @@ TEST_F(ListenerTest, ClosesAtAnyMomentOfAStream) {
         peer.Unplug();
         peer.Plug();
     }
-}
-
-TEST_F(ListenerTest, DestructionStopsTheListener) {
     {
         CSerialWnd other;
         ASSERT_EQ(0, other.Open(peer.Name(), box.Window(), kMessage, 0, 0, 0));

@@ -112,29 +112,6 @@ TEST_F(SerialOrvikTest, RecordsThePortWhileItIsOpen) {
     EXPECT_EQ(nullptr, HolderOf("COM7"));
     EXPECT_TRUE(CSerialOrvik::m_mapPorts.IsEmpty());
     EXPECT_STREQ("COM7", port.m_strPort) << "the name outlives the port";
-}
-
-TEST_F(SerialOrvikTest, AFailedOpenRecordsNothing) {
-    EXPECT_EQ(2, port.Open("COM77", &connection, 0, 0));
-    EXPECT_EQ(nullptr, PortOf("COM77"));
-    EXPECT_EQ(nullptr, HolderOf("COM77"));
-    EXPECT_STREQ("", port.m_strPort);
-    Open();
-    EXPECT_EQ(1247, port.Open("COM78", nullptr, 0, 0));
-    EXPECT_EQ(&port, PortOf("COM7"));
-    EXPECT_EQ(&connection, HolderOf("COM7"));
-}
-
-TEST_F(SerialOrvikTest, ClosingANeverOpenedPortTouchesNoRecord) {
-    Open();
-    Port other;
-    EXPECT_EQ(0, other.Close());
-    EXPECT_EQ(&port, PortOf("COM7"));
-}
-
-TEST_F(SerialOrvikTest, ASecondCloseLeavesTheNextHolderOnRecord) {
-    Open();
-    EXPECT_EQ(0, port.Close());
     Port next;
     Connection other;
     ASSERT_EQ(0, next.Open(peer.Name(), &other, 0, 0));
@@ -143,6 +120,16 @@ TEST_F(SerialOrvikTest, ASecondCloseLeavesTheNextHolderOnRecord) {
     EXPECT_EQ(&other, HolderOf("COM7"));
     EXPECT_EQ(0, next.Close());
     EXPECT_EQ(nullptr, HolderOf("COM7"));
+    EXPECT_EQ(2, port.Open("COM77", &connection, 0, 0));
+    EXPECT_EQ(nullptr, PortOf("COM77"));
+    EXPECT_EQ(nullptr, HolderOf("COM77"));
+    Open();
+    EXPECT_EQ(1247, port.Open("COM78", nullptr, 0, 0));
+    EXPECT_EQ(&port, PortOf("COM7"));
+    EXPECT_EQ(&connection, HolderOf("COM7"));
+    Port never;
+    EXPECT_EQ(0, never.Close());
+    EXPECT_EQ(&port, PortOf("COM7"));
 }
 
 TEST_F(SerialOrvikTest, TheOtherWaysToOpenBypassTheRecords) {
@@ -154,17 +141,13 @@ TEST_F(SerialOrvikTest, TheOtherWaysToOpenBypassTheRecords) {
     EXPECT_EQ(0, other.Close());
 }
 
-TEST_F(SerialOrvikTest, BringsLineEventsToItsConnectionOnTheMainThread) {
+TEST_F(SerialOrvikTest, BringsLineEventsAndTheFarewellToTheMainThread) {
     Open();
     peer.Send("x");
     ASSERT_TRUE(PumpUntil([&] { return !connection.events.empty(); }));
     EXPECT_EQ(1u, connection.events[0].event);
     EXPECT_EQ(0u, connection.events[0].error);
     EXPECT_EQ(::GetCurrentThreadId(), connection.events[0].thread);
-}
-
-TEST_F(SerialOrvikTest, TellsItsConnectionThatTheDeviceIsGone) {
-    Open();
     peer.Unplug();
     const auto farewells = [&] {
         int count = 0;
@@ -193,7 +176,7 @@ TEST_F(SerialOrvikTest, KeepsItsWindowOverReopening) {
     EXPECT_EQ(0x0Au, connection.events[0].error);
 }
 
-TEST_F(SerialOrvikTest, TracesAnExchangeInHexadecimal) {
+TEST_F(SerialOrvikTest, TracesAnExchange) {
     Traced(true);
     Write("\x01\x02\x03");
     Receive("\xFE\x7F\x0A%\xAB");
@@ -201,10 +184,8 @@ TEST_F(SerialOrvikTest, TracesAnExchangeInHexadecimal) {
     port.DumpTrace();
     EXPECT_EQ((Text{"COM7 > 01 02 03 ", "COM7 < FE 7F 0A 25 AB "}), Lines());
     EXPECT_EQ(0, port.m_nTraceDirection);
-}
-
-TEST_F(SerialOrvikTest, TracesTextAsItWasReceived) {
-    Traced();
+    port.m_bTraceHex = false;
+    host.lines.clear();
     Write("%s%n 100 % \xE5\xE4\xF6\r\n");
     port.DumpTrace();
     EXPECT_EQ((Text{"COM7 > %s%n 100 % \xE5\xE4\xF6\r\n"}), Lines()) << "finished text, whatever it holds";
@@ -228,10 +209,7 @@ TEST_F(SerialOrvikTest, OneLineForEachChangeOfDirection) {
     Write("four");
     port.DumpTrace();
     EXPECT_EQ((Text{"COM7 > one two", "COM7 < three", "COM7 > four"}), Lines());
-}
-
-TEST_F(SerialOrvikTest, AReadOfNothingChangesTheDirectionToo) {
-    Traced();
+    host.lines.clear();
     Write("ask");
     char byte = 0;
     DWORD count = 99;
@@ -252,7 +230,7 @@ TEST_F(SerialOrvikTest, TracesWhatWasAskedToBeWrittenAndNeverChangesTheResult) {
     EXPECT_EQ((Text{" > lost"}), Lines());
 }
 
-TEST_F(SerialOrvikTest, CollectsNothingWhileTheHostDoesNotTrace) {
+TEST_F(SerialOrvikTest, CollectsNothingUnlessBothTrace) {
     Traced();
     host.tracing = 0;
     Write("quiet");
@@ -270,10 +248,8 @@ TEST_F(SerialOrvikTest, CollectsNothingWhileTheHostDoesNotTrace) {
     EXPECT_TRUE(host.lines.empty()) << "a line that may not be shown is dropped";
     EXPECT_EQ(0, port.m_nTraceDirection);
     EXPECT_STREQ("", port.m_strTrace);
-}
-
-TEST_F(SerialOrvikTest, CollectsNothingWithoutItsOwnSwitchOrAHost) {
-    Open();
+    host.tracing = 1;
+    port.m_bTraceEnabled = FALSE;
     Write("quiet");
     port.m_bTraceEnabled = TRUE;
     Connect2Application(nullptr);

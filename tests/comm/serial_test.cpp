@@ -14,8 +14,7 @@ TEST(SerialClosed, AnswersEveryOperationWithItsOwnNumber) {
     const struct {
         const char* what;
         std::function<LONG()> call;
-        LONG result;
-        LONG error;
+        LONG result, error;
     } cases[] = {
         {"Setup", [&] { return port.Setup(CSerial::Baudrate9600, CSerial::DataBits8, CSerial::ParityNone, CSerial::StopBits1); },
          6, 6},
@@ -31,21 +30,20 @@ TEST(SerialClosed, AnswersEveryOperationWithItsOwnNumber) {
         {"Read", [&] { return port.Read(&byte, 1, &count, nullptr, INFINITE); }, 6, 6},
         {"Purge", [&] { return port.Purge(); }, 6, 6},
         {"Break", [&] { return port.Break(); }, 6, 6},
-        {"GetBaudrate", [&] { return static_cast<LONG>(port.GetBaudrate()); }, -1, 6},
-        {"GetDataBits", [&] { return static_cast<LONG>(port.GetDataBits()); }, -1, 6},
-        {"GetParity", [&] { return static_cast<LONG>(port.GetParity()); }, -1, 6},
-        {"GetStopBits", [&] { return static_cast<LONG>(port.GetStopBits()); }, -1, 6},
-        {"GetHandshaking", [&] { return static_cast<LONG>(port.GetHandshaking()); }, -1, 6},
-        {"GetEventMask", [&] { return static_cast<LONG>(port.GetEventMask()); }, 0, 6},
-        {"GetEventChar", [&] { return static_cast<LONG>(port.GetEventChar()); }, 0, 6},
-        {"GetError", [&] { return static_cast<LONG>(port.GetError()); }, 0, 6},
-        {"GetCTS", [&] { return static_cast<LONG>(port.GetCTS()); }, 0, 6},
-        {"GetDSR", [&] { return static_cast<LONG>(port.GetDSR()); }, 0, 6},
-        {"GetRing", [&] { return static_cast<LONG>(port.GetRing()); }, 0, 6},
-        {"GetRLSD", [&] { return static_cast<LONG>(port.GetRLSD()); }, 0, 6},
-        {"GetEventType", [&] { return static_cast<LONG>(port.GetEventType()); }, 0, 0},
-        {"Close", [&] { return port.Close(); }, 0, 0},
-    };
+        {"GetBaudrate", [&] { return port.GetBaudrate(); }, -1, 6},
+        {"GetDataBits", [&] { return port.GetDataBits(); }, -1, 6},
+        {"GetParity", [&] { return port.GetParity(); }, -1, 6},
+        {"GetStopBits", [&] { return port.GetStopBits(); }, -1, 6},
+        {"GetHandshaking", [&] { return port.GetHandshaking(); }, -1, 6},
+        {"GetEventMask", [&] { return port.GetEventMask(); }, 0, 6},
+        {"GetEventChar", [&] { return port.GetEventChar(); }, 0, 6},
+        {"GetError", [&] { return port.GetError(); }, 0, 6},
+        {"GetCTS", [&] { return port.GetCTS(); }, 0, 6},
+        {"GetDSR", [&] { return port.GetDSR(); }, 0, 6},
+        {"GetRing", [&] { return port.GetRing(); }, 0, 6},
+        {"GetRLSD", [&] { return port.GetRLSD(); }, 0, 6},
+        {"GetEventType", [&] { return port.GetEventType(); }, 0, 0},
+        {"Close", [&] { return port.Close(); }, 0, 0}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         port.m_lLastError = 4711;
@@ -67,13 +65,9 @@ TEST(SerialMissing, IsToldByCheckPortAndOpen) {
     EXPECT_FALSE(port.IsOpen());
 }
 
-TEST_F(SerialTest, CheckPortFindsAPresentPortAndLeavesItFree) {
+TEST_F(SerialTest, OpensByPlainAndByDeviceName) {
     EXPECT_EQ(CSerial::PortAvailable, CSerial::CheckPort(peer.Name()));
     EXPECT_EQ(CSerial::PortAvailable, CSerial::CheckPort((R"(\\.\)" + peer.Port()).c_str()));
-    Open();
-}
-
-TEST_F(SerialTest, OpensByPlainAndByDeviceName) {
     EXPECT_EQ(0, port.Open((R"(\\.\)" + peer.Port()).c_str(), 0, 0, false));
     EXPECT_EQ(0, port.Close());
     SerialPeer above9("COM12");
@@ -82,7 +76,7 @@ TEST_F(SerialTest, OpensByPlainAndByDeviceName) {
     EXPECT_EQ("x", above9.Receive(1));
 }
 
-TEST_F(SerialTest, OpenStartsWithItsMaskTimeoutsAndMode) {
+TEST_F(SerialTest, OpensOnceAndAgainAfterClose) {
     ASSERT_EQ(0, port.Open(peer.Name(), 2048, 1024, true));
     EXPECT_TRUE(port.IsOpen());
     EXPECT_NE(nullptr, port.m_hevtOverlapped);
@@ -93,9 +87,7 @@ TEST_F(SerialTest, OpenStartsWithItsMaskTimeoutsAndMode) {
     EXPECT_EQ(nullptr, port.m_hevtOverlapped);
     ASSERT_EQ(0, port.Open(peer.Name(), 0, 0, false));
     EXPECT_EQ(nullptr, port.m_hevtOverlapped);
-}
-
-TEST_F(SerialTest, OpeningTwiceLeavesTheFirstAsItWas) {
+    ASSERT_EQ(0, port.Close());
     Open();
     const HANDLE first = port.GetCommHandle();
     EXPECT_EQ(1247, port.Open("COM77", 0, 0, false));
@@ -104,11 +96,8 @@ TEST_F(SerialTest, OpeningTwiceLeavesTheFirstAsItWas) {
     EXPECT_NE(nullptr, port.m_hevtOverlapped);
     port.Write("still open", nullptr, nullptr, kSoon);
     EXPECT_EQ("still open", peer.Receive(10));
-}
-
-TEST_F(SerialTest, ReopensAfterClose) {
     for (int i = 0; i < 3; ++i) {
-        Open(i % 2 == 0);
+        if (i > 0) Open(i % 2 == 0);
         port.m_lLastError = 5;
         EXPECT_EQ(0, port.Close());
         EXPECT_EQ(0, port.GetLastError());
@@ -116,7 +105,7 @@ TEST_F(SerialTest, ReopensAfterClose) {
     }
 }
 
-TEST_F(SerialTest, SetupReadsBack) {
+TEST_F(SerialTest, SetupReadsBackWhatALineHas) {
     Open();
     const struct { LONG baudrate, dataBits, stopBits; } cases[] = {{9600, 8, 0}, {19200, 7, 0}, {115200, 8, 2}, {300, 7, 2}};
     for (const auto& c : cases) {
@@ -127,10 +116,6 @@ TEST_F(SerialTest, SetupReadsBack) {
         EXPECT_EQ(c.stopBits, port.GetStopBits());
         EXPECT_EQ(CSerial::ParityNone, port.GetParity());
     }
-}
-
-TEST_F(SerialTest, SetupRefusesWhatNoLineHas) {
-    Open();
     ASSERT_EQ(0, port.Setup(CSerial::Baudrate9600, CSerial::DataBits7, CSerial::ParityNone, CSerial::StopBits2));
     const LONG error =
         port.Setup(CSerial::Baudrate9600, static_cast<CSerial::EDataBits>(17), CSerial::ParityNone, CSerial::StopBits1);
@@ -138,10 +123,6 @@ TEST_F(SerialTest, SetupRefusesWhatNoLineHas) {
     EXPECT_EQ(error, port.GetLastError());
     EXPECT_EQ(CSerial::DataBits7, port.GetDataBits());
     EXPECT_EQ(CSerial::StopBits2, port.GetStopBits());
-}
-
-TEST_F(SerialTest, ParityIsNoneWhileCheckingIsOff) {
-    Open();
     DCB dcb = State();
     dcb.Parity = 2;
     dcb.fParity = 0;
@@ -149,34 +130,24 @@ TEST_F(SerialTest, ParityIsNoneWhileCheckingIsOff) {
     EXPECT_EQ(CSerial::ParityNone, port.GetParity());
 }
 
-TEST_F(SerialTest, SoftwareHandshakeAndNoneReadBack) {
+TEST_F(SerialTest, HandshakesReadBack) {
     Open();
     for (const auto mode : {CSerial::HandshakeSoftware, CSerial::HandshakeOff, CSerial::HandshakeSoftware}) {
         EXPECT_EQ(0, port.SetupHandshaking(mode));
         EXPECT_EQ(mode, port.GetHandshaking());
     }
-}
-
-TEST_F(SerialTest, HandshakeOffRaisesTheLinesAndSoftwareDropsThem) {
-    Open();
-    ASSERT_EQ(0, port.SetupHandshaking(CSerial::HandshakeSoftware));
     EXPECT_FALSE(peer.Dtr());
     EXPECT_FALSE(peer.Rts());
     ASSERT_EQ(0, port.SetupHandshaking(CSerial::HandshakeOff));
     EXPECT_TRUE(peer.Dtr());
     EXPECT_TRUE(peer.Rts());
-}
-
-TEST_F(SerialTest, UnknownHandshakeChangesNothing) {
-    Open();
-    ASSERT_EQ(0, port.SetupHandshaking(CSerial::HandshakeSoftware));
     EXPECT_EQ(kInvalidArgument, port.SetupHandshaking(static_cast<CSerial::EHandshake>(3)));
     EXPECT_EQ(kInvalidArgument, port.SetupHandshaking(CSerial::HandshakeUnknown));
     EXPECT_EQ(kInvalidArgument, port.GetLastError());
-    EXPECT_EQ(CSerial::HandshakeSoftware, port.GetHandshaking());
+    EXPECT_EQ(CSerial::HandshakeOff, port.GetHandshaking());
 }
 
-TEST_F(SerialTest, ReadTimeoutsLeaveTheWriteTimeoutsAlone) {
+TEST_F(SerialTest, SettingsLeaveTheOthersAlone) {
     Open();
     COMMTIMEOUTS given = Timeouts();
     given.WriteTotalTimeoutConstant = 321;
@@ -195,17 +166,13 @@ TEST_F(SerialTest, ReadTimeoutsLeaveTheWriteTimeoutsAlone) {
     }
     EXPECT_EQ(kInvalidArgument, port.SetupReadTimeouts(static_cast<CSerial::EReadTimeout>(2)));
     EXPECT_EQ(MAXDWORD, Timeouts().ReadIntervalTimeout);
-}
-
-TEST_F(SerialTest, EventCharAdjustsTheMaskOnlyWhenAsked) {
-    Open();
     EXPECT_EQ(0, port.SetEventChar('\r', false));
     EXPECT_EQ(0x00C1u, port.GetEventMask());
     EXPECT_EQ(0, port.SetEventChar('\n', true));
     EXPECT_EQ(0x00C3u, port.GetEventMask());
 }
 
-TEST_F(SerialTest, ModemLinesFollowTheFarEnd) {
+TEST_F(SerialTest, ModemLinesAndBreakReachTheOtherEnd) {
     Open();
     const struct {
         const char* line;
@@ -219,10 +186,6 @@ TEST_F(SerialTest, ModemLinesFollowTheFarEnd) {
         EXPECT_FALSE((port.*raised.query)());
         EXPECT_EQ(0, port.GetLastError());
     }
-}
-
-TEST_F(SerialTest, BreakHoldsTheLineForItsTime) {
-    Open();
     EXPECT_EQ(0, port.Break());
     EXPECT_EQ(1, peer.BreakCount());
     EXPECT_GE(peer.BreakMilliseconds(), 99);  // counted in whole milliseconds on two clocks

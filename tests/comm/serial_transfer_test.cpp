@@ -50,7 +50,7 @@ TEST_F(SerialTest, NonBlockingReadTakesWhatIsThere) {
     }
 }
 
-TEST_F(SerialTest, EveryByteValueComesThrough) {
+TEST_F(SerialTest, EveryByteOfALargeTransferComesThrough) {
     Open();
     ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
     std::string all;
@@ -60,31 +60,17 @@ TEST_F(SerialTest, EveryByteValueComesThrough) {
     DWORD written = 0;
     EXPECT_EQ(0, port.Write(all.data(), all.size(), &written, nullptr, kSoon));
     EXPECT_EQ(all, peer.Receive(256));
+    peer.Send("old");
+    AwaitArrival();
+    EXPECT_EQ(0, port.Purge());
+    peer.Send("new");
+    EXPECT_EQ("new", Read(3));
+    peer.Stream();
+    const std::string bytes = Read(200000);
+    EXPECT_EQ(std::string(200000, 'S'), bytes);
 }
 
-TEST_F(SerialTest, BlockingReadWaitsForTheWholeCount) {
-    for (const bool overlapped : {false, true}) {
-        Open(overlapped);
-        ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-        peer.Send("12");
-        // The rest comes from another thread while the read waits; it may also come before, which is all the same.
-        const HANDLE sender = ::CreateThread(
-            nullptr, 0,
-            [](LPVOID far_end) -> DWORD {
-                ::Sleep(20);
-                static_cast<SerialPeer*>(far_end)->Send("345");
-                return 0;
-            },
-            &peer, 0, nullptr);
-        ASSERT_NE(nullptr, sender);
-        EXPECT_EQ("12345", Read(5));
-        ::WaitForSingleObject(sender, INFINITE);
-        ::CloseHandle(sender);
-        port.Close();
-    }
-}
-
-TEST_F(SerialTest, BlockingReadGivesUpAfterItsTimeAndLosesNothing) {
+TEST_F(SerialTest, AReadThatGivesUpLosesNothing) {
     Open();
     ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
     char byte = 0;
@@ -96,10 +82,6 @@ TEST_F(SerialTest, BlockingReadGivesUpAfterItsTimeAndLosesNothing) {
     }
     peer.Send("later");
     EXPECT_EQ("later", Read(5)) << "a cancelled read must not swallow what comes afterwards";
-}
-
-TEST_F(SerialTest, WhatCameBeforeAReadsTimeRanOutIsReadNext) {
-    Open();
     const auto runOut = [&](const char* sent) {
         ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
         peer.Send(sent);
@@ -159,7 +141,7 @@ protected:
     OVERLAPPED ov{};
 };
 
-TEST_F(CallersOverlapped, PendingReadIsCollectedByTheCaller) {
+TEST_F(CallersOverlapped, ReadsAreCollectedByTheCaller) {
     Open();
     ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
     char bytes[3] = "";
@@ -172,14 +154,10 @@ TEST_F(CallersOverlapped, PendingReadIsCollectedByTheCaller) {
     EXPECT_TRUE(::GetOverlappedResult(port.GetCommHandle(), &ov, &count, FALSE));
     EXPECT_EQ(3u, count);
     EXPECT_EQ("xyz", std::string(bytes, 3));
-}
-
-TEST_F(CallersOverlapped, AReadThatEndsAtOnceReleasesTheWaiter) {
-    Open();
     peer.Send("q");
     AwaitArrival();
     char byte = 0;
-    DWORD count = 0;
+    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadNonBlocking));
     EXPECT_EQ(0, port.Read(&byte, 1, &count, &ov, 0));
     EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
     EXPECT_TRUE(::GetOverlappedResult(port.GetCommHandle(), &ov, &count, FALSE));
@@ -200,13 +178,7 @@ TEST_F(CallersOverlapped, OneThreadWaitsForEventsWhileItReadsAndWrites) {
     EXPECT_EQ("answer", Read(6));
 }
 
-TEST_F(SerialTest, EventTypeIsCutToTheMask) {
-    Open();
-    port.m_eEvent = static_cast<CSerial::EEvent>(CSerial::EventReceived | CSerial::EventCts);
-    EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
-}
-
-TEST_F(SerialTest, WaitEventGivesUpAfterItsTimeAndWorksAgain) {
+TEST_F(SerialTest, EventsAreThoseOfTheMask) {
     Open();
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(1460, port.WaitEvent(nullptr, 20));
@@ -216,48 +188,8 @@ TEST_F(SerialTest, WaitEventGivesUpAfterItsTimeAndWorksAgain) {
     peer.Send("1");
     EXPECT_EQ(0, port.WaitEvent(nullptr, kSoon));
     EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
-}
-
-TEST_F(SerialTest, ModemLinesAndBreakAreEventsOfTheMask) {
-    Open();
-    const struct {
-        const char* line;
-        DWORD event;
-    } cases[] = {
-        {"cts", CSerial::EventCts}, {"dsr", CSerial::EventDsr}, {"dcd", CSerial::EventRlsd}, {"rng", CSerial::EventRing}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.line);
-        ASSERT_EQ(0, port.SetMask(c.event));
-        OVERLAPPED ov{};
-        ov.hEvent = ::CreateEventA(nullptr, TRUE, FALSE, nullptr);
-        ASSERT_EQ(0, port.WaitEvent(&ov, 0));
-        peer.Raise(c.line);
-        EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
-        EXPECT_EQ(c.event, static_cast<DWORD>(port.GetEventType()));
-        ::CloseHandle(ov.hEvent);
-    }
-    ASSERT_EQ(0, port.SetMask(CSerial::EventBreak));
-    OVERLAPPED ov{};
-    ov.hEvent = ::CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    ASSERT_EQ(0, port.WaitEvent(&ov, 0));
-    peer.Error("brk");
-    EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
-    EXPECT_EQ(CSerial::EventBreak, port.GetEventType());
-    ::CloseHandle(ov.hEvent);
-}
-
-TEST_F(SerialTest, PurgeEmptiesTheQueue) {
-    Open();
-    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-    peer.Send("old");
-    AwaitArrival();
-    EXPECT_EQ(0, port.Purge());
-    peer.Send("new");
-    EXPECT_EQ("new", Read(3));
-}
-
-TEST_F(SerialTest, SentIsAnEvent) {
-    Open();
+    port.m_eEvent = static_cast<CSerial::EEvent>(CSerial::EventReceived | CSerial::EventCts);
+    EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
     ASSERT_EQ(0, port.SetMask(CSerial::EventSent));
     EXPECT_EQ(0, port.Write("gone", nullptr, nullptr, kSoon));
     EXPECT_EQ("gone", peer.Receive(4));
@@ -265,11 +197,19 @@ TEST_F(SerialTest, SentIsAnEvent) {
     EXPECT_EQ(CSerial::EventSent, port.GetEventType());
 }
 
-TEST_F(SerialTest, ALargeTransferNeedsNoLargeQueue) {
+TEST_F(CallersOverlapped, ModemLinesAndBreakAreEventsOfTheMask) {
     Open();
-    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-    peer.Stream();
-    const std::string bytes = Read(200000);
-    EXPECT_EQ(std::string(200000, 'S'), bytes);
+    for (const auto& [line, event] :
+         {std::pair("cts", CSerial::EventCts), std::pair("dsr", CSerial::EventDsr), std::pair("dcd", CSerial::EventRlsd),
+          std::pair("rng", CSerial::EventRing), std::pair("brk", CSerial::EventBreak)}) {
+        SCOPED_TRACE(line);
+        ASSERT_EQ(0, port.SetMask(event));
+        ::ResetEvent(ov.hEvent);
+        ASSERT_EQ(0, port.WaitEvent(&ov, 0));
+        event == CSerial::EventBreak ? peer.Error(line) : peer.Raise(line);
+        EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
+        EXPECT_EQ(event, port.GetEventType());
+    }
 }
+
 }  // namespace

@@ -5,61 +5,23 @@
 #include <cctype>
 #include <thread>
 
-#include "comm/comm_exception.h"
-#include "comm/line_connection.h"
 #include "comm/serial_device.h"
-#include "comm/serial_orvik.h"
-#include "comm/transport.h"
+#include "tests/comm/transport_user.h"
 #include "tests/support/ports/serial_peer.h"
 #include "tests/support/tcp_peer.h"
-#include "tests/support/time_limit.h"
 
 namespace {
-using namespace std::chrono_literals;
 
-// One logger's way to its line.
-class User {
-public:
-    User() { connection->AddRef(); }
-    ~User() {
-        line.reset();
-        connection->Release();
-    }
-    User(const User&) = delete;
-    User& operator=(const User&) = delete;
-    void Open(const std::string& address, DWORD baud = 9600) {
-        line->Open(address.c_str(), CLineSettings{baud}, line->Now() + 5s);
-    }
-    void Send(std::string_view text) { line->Send({reinterpret_cast<const BYTE*>(text.data()), text.size()}, line->Now() + 5s); }
-    std::string Receive() {
-        std::vector<BYTE> received;
-        line->Receive(received, line->Now() + 5s);
-        return {received.begin(), received.end()};
-    }
-    int FailureOfReceive() {
-        try {
-            Receive();
-        } catch (CCommException* failure) {
-            const int code = failure->m_nError;
-            failure->Delete();
-            return code;
-        }
-        return 0;
-    }
-
-    CSerialOrvik port;
-    CLineConnection* const connection = new CLineConnection;
-    std::unique_ptr<ITransport> line = OrvikMakeTransport(port, *connection);
-};
+using User = TransportUser;
 
 TEST(SharedLineTest, APortIsSetUpForWhoeverSends) {
     const Awaiting call("a call of a shared port to end");
     SerialPeer peer;
     User one, other;
-    one.Open(peer.Port(), 9600);
+    one.Open(peer.Port(), {9600});
     std::string sameName = peer.Port();
     for (char& c : sameName) c = static_cast<char>(std::tolower(c));
-    other.Open(sameName, 19200);
+    other.Open(sameName, {19200});
     EXPECT_TRUE(other.line->IsOpen());
     one.Send("a");
     EXPECT_EQ(CSerial::Baudrate9600, one.port.GetBaudrate());
@@ -89,7 +51,7 @@ TEST(SharedLineTest, AConnectionIsOpenedOnceAndClosedWithTheLast) {
     EXPECT_TRUE(one.line->IsShared());
     other.line->Abort();  // is its own affair
     one.Send("a");
-    EXPECT_EQ(9, other.FailureOfReceive());
+    EXPECT_EQ(9, other.FailureOfReceive().code);
     other.line->Close();
     other.Open(peer.Address());
     other.Send("b");
@@ -109,9 +71,9 @@ TEST(SharedLineTest, ALostConnectionIsOpenedAnewForAll) {
     for (User* user : {&one, &two, &three}) user->Open(peer.Address());
     peer.Accept();
     peer.Close();
-    EXPECT_EQ(7, two.FailureOfReceive());
+    EXPECT_EQ(7, two.FailureOfReceive().code);
     EXPECT_TRUE(two.connection->LineLost());
-    EXPECT_EQ(7, three.FailureOfReceive());
+    EXPECT_EQ(7, three.FailureOfReceive().code);
     EXPECT_TRUE(three.connection->LineLost());
     two.line->Close();
     two.Open(peer.Address());

@@ -6,21 +6,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/command_line/console.h"
 #include "host/session/database_file.h"
+#include "tests/host/sentence_of.h"
 
 namespace {
-// The sentence of the refusal; empty when there is none.
-template <class Act>
-std::string Refusal(Act act) {
-    try {
-        act();
-        return "";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.exitCode, kWrongUse);
-        return failure.sentence;
-    }
-}
 Arguments Read(const std::vector<std::string>& words) { return {words, {"--out", "--for"}, {"--all"}, 2, {"--tag"}}; }
 }  // namespace
 
@@ -34,23 +23,19 @@ TEST(Arguments, AValueStandsBehindTheOptionOrItsEqualsSign) {
 }
 
 TEST(Arguments, MistakesNameTheirOption) {
-    const struct {
-        std::vector<std::string> words;
-        const char* named;
-    } table[] = {
-        {{"--out"}, "--out needs"},
-        {{"--out="}, "--out needs"},
-        {{"--out", ""}, "--out needs"},
-        {{"--out", "--all"}, "--out"},
-        {{"--out", "--for=1 s"}, "--out"},
-        {{"--all=1"}, "--all takes no"},
-        {{"--al"}, "--al"},
-        {{"--oot=x"}, "\"--oot\""},
-        {{"--out=a", "--out", "b"}, "twice"},
-    };
-    for (const auto& row : table) EXPECT_NE(Refusal([&] { Read(row.words); }).find(row.named), std::string::npos) << row.words[0];
+    const std::pair<std::vector<std::string>, const char*> table[] = {{{"--out"}, "--out needs"},
+                                                                      {{"--out="}, "--out needs"},
+                                                                      {{"--out", ""}, "--out needs"},
+                                                                      {{"--out", "--all"}, "--out"},
+                                                                      {{"--out", "--for=1 s"}, "--out"},
+                                                                      {{"--all=1"}, "--all takes no"},
+                                                                      {{"--al"}, "--al"},
+                                                                      {{"--oot=x"}, "\"--oot\""},
+                                                                      {{"--out=a", "--out", "b"}, "twice"}};
+    for (const auto& [words, named] : table)
+        EXPECT_NE(SentenceOf([&, w = words] { Read(w); }).find(named), std::string::npos) << words[0];
     const auto span = [](const char* text) {
-        return Refusal([&] { Read({"--for", text}).Milliseconds("--for", 1, 604'800'000, 0); });
+        return SentenceOf([&] { Read({"--for", text}).Milliseconds("--for", 1, 604'800'000, 0); });
     };
     EXPECT_NE(span("1.5").find("such as"), std::string::npos);
     EXPECT_NE(span("2 weeks").find("1 ms to 7 d"), std::string::npos) << span("2 weeks");
@@ -73,7 +58,7 @@ TEST(Arguments, AFileThatIsGivenTwiceIsSeenThroughItsNames) {
     fs::create_directory_symlink("inner", "link", error);
     const bool linked = !error;
     const auto refusal = [](const char* one, const char* other) {
-        return Refusal([&] { RequireDifferentFiles({{"--logger", "none.xml"}, {"--out", one}, {"--trace", other}}); });
+        return SentenceOf([&] { RequireDifferentFiles({{"--logger", "none.xml"}, {"--out", one}, {"--trace", other}}); });
     };
     EXPECT_NE(refusal("a.odb", "./inner/../a.odb").find("--out and --trace"), std::string::npos);
     EXPECT_NE(refusal("new.odb", "inner/../new.odb"), "");

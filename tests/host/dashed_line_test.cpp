@@ -47,8 +47,7 @@ TEST(DashedLine, PatternsAreDashesAndDots) {
         {1, {{5, -1000}, {6, -2000}, {1e6f, -3000}}, ""},
         // A million pixels before the plot: 105,263 patterns and 1.5 pixels of the next. A line is drawn to 2 pixels outside.
         {1, {{-1'000'000, 5}, {10, 5}}, "-1.5-4.5 8-10"},
-        {1, {{90, 5}, {1'000'000, 5}, {1'000'000, 6}, {95, 6}}, "90-96 99.5-102 102-98"},
-    };
+        {1, {{90, 5}, {1'000'000, 5}, {1'000'000, 6}, {95, 6}}, "90-96 99.5-102 102-98"}};
     for (const auto& c : cases) EXPECT_EQ(PiecesOf(DashedLine(c.line, c.pattern, 1, kClip)), c.pieces) << c.pattern;
 }
 

@@ -3,10 +3,10 @@
 
 #include <fstream>
 
-#include "host/command_line/console.h"
 #include "host/session/database_file.h"
 #include "host/session/value_text.h"
 #include "host/texts.h"
+#include "tests/host/sentence_of.h"
 
 namespace {
 constexpr const char* kPath = "database-xml-test.xml";
@@ -20,13 +20,13 @@ protected:
         std::ofstream(kPath, std::ios::binary) << text;
         CPropertyDB db;
         std::string out;
-        try {
+        const auto load = [&] {
             LoadDatabase(kPath, db);
             if (strict) CheckXml(kPath);
-        } catch (const Failure& failure) {
-            EXPECT_EQ(failure.exitCode, kFileFailed);
+        };
+        if (const std::string sentence = SentenceOf(load, kFileFailed); !sentence.empty()) {
             EXPECT_TRUE(strict || db.IsEmpty()) << text;
-            return failure.sentence;
+            return sentence;
         }
         EXPECT_EQ(db.GetUsing(), "");
         CStringArray keys;
@@ -62,8 +62,7 @@ TEST_F(DatabaseXml, IsReadAsXmlHasIt) {
         {In("<!text!><PROPERTY name=\"a<b\" type=\"str\" size=\"1\">\xE9</PROPERTY>"), "a<b=str \xC3\xA9"},
         {In("<PROPERTY name=\"a\" type=\"str\" size=\"1\">one\r\ntwo</PROPERTY>"), "a=str one\r\ntwo"},
         {In("<PROPERTY name=\"a<b\" type=\"str\" size=\"1\">M\xC3\xA4t</PROPERTY>"), "a<b=str M\xC3\x83\xC2\xA4t"},
-        {In("<PROPERTY name=\"a\" type=\"later\" size=\"1\">x</PROPERTY>"), ""},
-    };
+        {In("<PROPERTY name=\"a\" type=\"later\" size=\"1\">x</PROPERTY>"), ""}};
     for (const auto& row : table) {
         EXPECT_EQ(Read(row.text), row.values) << row.text;
         const std::string brokenOff = Read(row.text.substr(0, row.text.rfind("</")));
@@ -75,29 +74,27 @@ TEST_F(DatabaseXml, AFaultIsToldWithItsPlace) {
     const struct {
         std::string text;
         const char* told;
-    } table[] = {
-        {In("<!-- --><PATH name='a'>\n</PROPERTYDB>"), "line 3, "},
-        {In("<!-- -->\n\n<PROPERTY name='a'>\xE4\xB8\xAD</PROPERTY>"), "line 4, "},
-        {In("<!-- -->\n<PROPERTY name='\xE4\xB8\xAD'>x</PROPERTY>"), "\xE4\xB8\xAD"},
-        {In("<PROPERTY name='a'>\n\xE4</PROPERTY>"), "line 3, column 1: this is neither"},
-        {"<!DOCTYPE x [<!ENTITY e 'e'>]>\n" + In("<PROPERTY name='a'>&e;</PROPERTY>"), "line 1, "},
-        {In("<PROPERTY name='a' name='b'>1</PROPERTY>"), "line 2, "},
-        {In("<PROPERTY name='a' type='u17'>1</PROPERTY>"), "u17"},
-        {In("<PROPERTY name='a' type='u16'>65536</PROPERTY>"), "65536"},
-        {In("<PROPERTY name='a' type='r64'>1,5</PROPERTY>"), "1,5"},
-        {In("<PROPERTY name='a' type='u16' size='2'>1</PROPERTY>"), "1 elements"},
-        {In("<PROPERTY name='a' type='u16' size='x'>1</PROPERTY>"), "\"x\""},
-        {In("<PROPERTY name='a' typ='u16'>1</PROPERTY>"), "typ"},
-        {In("<PROPERTY type='u16'>1</PROPERTY>"), "lacks its name"},
-        {In("<PROPERTY name='a'>1</PROPERTY><PROPERTY name='a'>2</PROPERTY>"), "twice"},
-        {In("<PROPERTY name='a'>1</PROPERTY><PROPERTY name='a.b'>2</PROPERTY>"), "a.b"},
-        {In("<PROPERTY name='a'><b>1</b></PROPERTY>"), "<b>"},
-        {In("stray <PATH name='a'/>"), "outside a PROPERTY"},
-        {In("<PROPERTY name='a'>1</PROPERTY>") + "<more/>", "line 3, "},
-        {In("<PATH name='" + std::string(3000, '.') + "'/>"), "too many folders"},
-        {"", "line 1, "},
-        {"no XML", "line 1, "},
-    };
+    } table[] = {{In("<!-- --><PATH name='a'>\n</PROPERTYDB>"), "line 3, "},
+                 {In("<!-- -->\n\n<PROPERTY name='a'>\xE4\xB8\xAD</PROPERTY>"), "line 4, "},
+                 {In("<!-- -->\n<PROPERTY name='\xE4\xB8\xAD'>x</PROPERTY>"), "\xE4\xB8\xAD"},
+                 {In("<PROPERTY name='a'>\n\xE4</PROPERTY>"), "line 3, column 1: this is neither"},
+                 {"<!DOCTYPE x [<!ENTITY e 'e'>]>\n" + In("<PROPERTY name='a'>&e;</PROPERTY>"), "line 1, "},
+                 {In("<PROPERTY name='a' name='b'>1</PROPERTY>"), "line 2, "},
+                 {In("<PROPERTY name='a' type='u17'>1</PROPERTY>"), "u17"},
+                 {In("<PROPERTY name='a' type='u16'>65536</PROPERTY>"), "65536"},
+                 {In("<PROPERTY name='a' type='r64'>1,5</PROPERTY>"), "1,5"},
+                 {In("<PROPERTY name='a' type='u16' size='2'>1</PROPERTY>"), "1 elements"},
+                 {In("<PROPERTY name='a' type='u16' size='x'>1</PROPERTY>"), "\"x\""},
+                 {In("<PROPERTY name='a' typ='u16'>1</PROPERTY>"), "typ"},
+                 {In("<PROPERTY type='u16'>1</PROPERTY>"), "lacks its name"},
+                 {In("<PROPERTY name='a'>1</PROPERTY><PROPERTY name='a'>2</PROPERTY>"), "twice"},
+                 {In("<PROPERTY name='a'>1</PROPERTY><PROPERTY name='a.b'>2</PROPERTY>"), "a.b"},
+                 {In("<PROPERTY name='a'><b>1</b></PROPERTY>"), "<b>"},
+                 {In("stray <PATH name='a'/>"), "outside a PROPERTY"},
+                 {In("<PROPERTY name='a'>1</PROPERTY>") + "<more/>", "line 3, "},
+                 {In("<PATH name='" + std::string(3000, '.') + "'/>"), "too many folders"},
+                 {"", "line 1, "},
+                 {"no XML", "line 1, "}};
     for (const auto& row : table) {
         const std::string sentence = Read(row.text);
         EXPECT_NE(sentence.find(row.told), std::string::npos) << row.text << "\n" << sentence;

@@ -5,8 +5,9 @@
 
 #include <cmath>
 
-#include "host/command_line/console.h"
 #include "host/logger/channel_intervals.h"
+#include "tests/host/sentence_of.h"
+#include "tests/support/described.h"
 
 namespace {
 constexpr const char* kKeys[] = {"nSlave", "Line.nBaud", "Channels.*.nRegister", "Channels.*.rScale", nullptr};
@@ -15,12 +16,7 @@ constexpr const char* kKeys[] = {"nSlave", "Line.nBaud", "Channels.*.nRegister",
 std::string Checked(const std::vector<const char*>& keys, const char* const* family = kKeys) {
     CPropertyDB db;
     for (const char* const key : keys) EXPECT_TRUE(db.SetValue(key, key));
-    try {
-        CheckKeys(db, family);
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.exitCode, kWrongUse);
-        return failure.sentence;
-    }
+    if (const std::string sentence = SentenceOf([&] { CheckKeys(db, family); }); !sentence.empty()) return sentence;
     CStringArray found;
     db.EnumAll(found);
     std::string text;
@@ -47,16 +43,14 @@ TEST(DescriptionCheck, WhatNobodyKnowsIsRefusedWithTheNearest) {
     const struct {
         std::vector<const char*> keys;
         const char *key, *meant;
-    } table[] = {
-        {{"Channels.a.rScal"}, "Channels.a.rScal is", "mean rScale?"},
-        {{"nregister"}, "nregister is", "mean Channels.<key>.nRegister?"},
-        {{"Chanels.a.nRegister"}, "Chanels.a.nRegister is", "mean Channels.a.nRegister?"},
-        {{"lines.baud"}, "lines.baud is", "mean Line.nBaud?"},
-        {{"sFamliy"}, "sFamliy is", "mean sFamily?"},
-        {{"Channels.a.rScale.x"}, "Channels.a.rScale.x is", "did you mean"},
-        {{"nSlave", "NSlave"}, "nSlave twice", "case"},
-        {{"Channels.1.rScale", "channels.1.rscale"}, "Channels.1.rScale twice", "case"},
-    };
+    } table[] = {{{"Channels.a.rScal"}, "Channels.a.rScal is", "mean rScale?"},
+                 {{"nregister"}, "nregister is", "mean Channels.<key>.nRegister?"},
+                 {{"Chanels.a.nRegister"}, "Chanels.a.nRegister is", "mean Channels.a.nRegister?"},
+                 {{"lines.baud"}, "lines.baud is", "mean Line.nBaud?"},
+                 {{"sFamliy"}, "sFamliy is", "mean sFamily?"},
+                 {{"Channels.a.rScale.x"}, "Channels.a.rScale.x is", "did you mean"},
+                 {{"nSlave", "NSlave"}, "nSlave twice", "case"},
+                 {{"Channels.1.rScale", "channels.1.rscale"}, "Channels.1.rScale twice", "case"}};
     for (const auto& row : table) {
         const std::string sentence = Checked(row.keys);
         EXPECT_NE(sentence.find(row.key), std::string::npos) << sentence;
@@ -72,38 +66,31 @@ TEST(DescriptionCheck, WhatNobodyKnowsIsRefusedWithTheNearest) {
 
 TEST(DescriptionCheck, IntervalsOfChannelsAreMultiples) {
     const struct {
-        const char *own, *group, *groups;
+        const char* settings;
         __int64 interval;
         const char* said;  // a sentence, or the steps
-    } table[] = {
-        {"10", nullptr, nullptr, 1'000'000, "1 10"},
-        {"0.5", nullptr, nullptr, 100'000, "1 5"},
-        {nullptr, "slow", "60", 1'000'000, "1 60"},
-        {"5", "slow", "60", 1'000'000, "1 5"},
-        {"1", nullptr, nullptr, 1'000'000, ""},
-        {"1.5", nullptr, nullptr, 1'000'000, "channel b, 1.5 s, is no whole multiple of the reading interval, 1 s"},
-        {"0.5", nullptr, nullptr, 1'000'000, "0.5 s, is no"},
-        {"1", nullptr, nullptr, 0, "1 s, is no"},
-        {"often", nullptr, nullptr, 1'000'000, "Channels.b.rInterval is no number"},
-        {"-1", nullptr, nullptr, 1'000'000, "Channels.b.rInterval is no number"},
-        {"nan", nullptr, nullptr, 1'000'000, "Channels.b.rInterval is no number"},
-        {nullptr, "fast", "60", 1'000'000, "Channels.b.sGroup names a group \"fast\""},
-        {nullptr, "slow", "0", 1'000'000, "Groups.slow.rInterval is no number"},
-    };
+    } table[] = {{"Channels.b.rInterval=10", 1'000'000, "1 10"},
+                 {"Channels.b.rInterval=0.5", 100'000, "1 5"},
+                 {"Channels.b.sGroup=slow; Groups.slow.rInterval=60", 1'000'000, "1 60"},
+                 {"Channels.b.rInterval=5; Channels.b.sGroup=slow; Groups.slow.rInterval=60", 1'000'000, "1 5"},
+                 {"Channels.b.rInterval=1", 1'000'000, ""},
+                 {"Channels.b.rInterval=1.5", 1'000'000, "channel b, 1.5 s, is no whole multiple of the reading interval, 1 s"},
+                 {"Channels.b.rInterval=0.5", 1'000'000, "0.5 s, is no"},
+                 {"Channels.b.rInterval=1", 0, "1 s, is no"},
+                 {"Channels.b.rInterval=often", 1'000'000, "Channels.b.rInterval is no number"},
+                 {"Channels.b.rInterval=-1", 1'000'000, "Channels.b.rInterval is no number"},
+                 {"Channels.b.rInterval=nan", 1'000'000, "Channels.b.rInterval is no number"},
+                 {"Channels.b.sGroup=fast; Groups.slow.rInterval=60", 1'000'000, "Channels.b.sGroup names a group \"fast\""},
+                 {"Channels.b.sGroup=slow; Groups.slow.rInterval=0", 1'000'000, "Groups.slow.rInterval is no number"}};
     for (const auto& row : table) {
         CPropertyDB db;
-        db.SetValue("Channels.a.sName", "A");
-        db.SetValue("Channels.b.sName", "B");
-        if (row.own != nullptr) db.SetValue("Channels.b.rInterval", row.own);
-        if (row.group != nullptr) db.SetValue("Channels.b.sGroup", row.group);
-        if (row.groups != nullptr) db.SetValue("Groups.slow.rInterval", row.groups);
-        std::string said;
-        try {
-            for (const DWORD step : ChannelSteps(db, row.interval)) said += (said.empty() ? "" : " ") + std::to_string(step);
-            EXPECT_EQ(said, row.said);
-        } catch (const Failure& failure) {
-            EXPECT_NE(failure.sentence.find(row.said), std::string::npos) << failure.sentence;
-        }
+        Describe(db, std::string("Channels.a.sName=A; Channels.b.sName=B; ") + row.settings);
+        std::string steps;
+        const std::string sentence = SentenceOf([&] {
+            for (const DWORD step : ChannelSteps(db, row.interval)) steps += (steps.empty() ? "" : " ") + std::to_string(step);
+        });
+        EXPECT_TRUE(sentence.empty() ? steps == row.said : sentence.find(row.said) != std::string::npos)
+            << row.settings << ": " << steps << sentence;
     }
     EXPECT_TRUE(IsNotDue(NotDueValue()) && std::isnan(NotDueValue()) && !IsNotDue(std::nan("")));
 }

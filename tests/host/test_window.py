@@ -1,12 +1,11 @@
 """The window host under Wine, as a user has it: a real window on a virtual screen, with the pointer and the keys of that screen.
 
 Nothing here knows how the window is built. Where the axes and comments stand is read off its picture; what has happened is waited
-for, in the window's title, its picture, the pointer's looks or a file, however long a busy machine takes, and never guessed by
+for, in the window's title, its picture or a file, however long a busy machine takes, and never guessed by
 time. The pictures of each flow are kept in --pictures, to be looked at.
 """
 import argparse
 import atexit
-import ctypes
 import math
 import os
 import pathlib
@@ -112,33 +111,6 @@ class Picture:
         """The middle of the only comment."""
         found = [(x, y) for y in range(self.height) for x in range(0, self.width, 4) if self.is_at(x, y, COMMENT)]
         return (sum(x for x, _ in found) // len(found), sum(y for _, y in found) // len(found)) if found else None
-
-
-class PointerLook:
-    """What the pointer looks like: its pixels, from the screen itself."""
-
-    class Image(ctypes.Structure):
-        _fields_ = [("x", ctypes.c_short), ("y", ctypes.c_short), ("width", ctypes.c_ushort), ("height", ctypes.c_ushort),
-                    ("xhot", ctypes.c_ushort), ("yhot", ctypes.c_ushort), ("serial", ctypes.c_ulong),
-                    ("pixels", ctypes.POINTER(ctypes.c_ulong))]
-
-    def __init__(self):
-        self.x11, self.fixes = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXfixes.so.3")
-        self.x11.XOpenDisplay.restype = ctypes.c_void_p
-        self.fixes.XFixesGetCursorImage.restype = ctypes.POINTER(self.Image)
-        self.fixes.XFixesGetCursorImage.argtypes = self.x11.XFree.argtypes = self.x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
-        self.display = self.x11.XOpenDisplay(None)
-        self.fixes.XFixesQueryExtension(ctypes.c_void_p(self.display), ctypes.byref(ctypes.c_int()), ctypes.byref(ctypes.c_int()))
-
-    def __call__(self):
-        image = self.fixes.XFixesGetCursorImage(self.display)
-        look = image.contents
-        pixels = (look.width, look.height, look.xhot, look.yhot, tuple(look.pixels[:look.width * look.height]))
-        self.x11.XFree(image)
-        return pixels
-
-    def close(self):
-        self.x11.XCloseDisplay(self.display)
 
 
 class Window:
@@ -337,28 +309,6 @@ class WindowFlow(unittest.TestCase):
         again.becomes(views[-1], "the view that was saved")
         again.keep("7-reopened")
         self.assertEqual(again.close(), 0)
-
-    def test_the_pointer_tells_what_can_be_grabbed(self):
-        window = self.open()
-        first = self.charted(window)
-        look = PointerLook()
-        self.addCleanup(look.close)
-        looks = {}
-        for name, place in {
-                "plot": self.at(0.6, 0.5), "comment": first.comment(), "value axis": (self.left - 4, self.at(0, 0.5)[1]),
-                "its labels": (self.left - 18, self.at(0, 0.5)[1]), "its unit": (self.left - 8, self.top - 8),
-                "time axis": (self.at(0.5, 0)[0], self.bottom + 5), "its dates": (self.at(0.5, 0)[0], self.bottom + 24),
-                "list": (first.width - 40, 200)
-        }.items():
-            before = look()
-            window.point(*place)
-            try:
-                until(lambda: look() != before, "another pointer over the " + name)
-            except AssertionError:
-                raise AssertionError(f"the pointer over the {name} is that of the last place") from None
-            looks[name] = look()
-        self.assertEqual(len(set(looks.values())), len(looks))
-        self.assertEqual(window.close(), 0)
 
     def test_swedish_users_have_swedish_menus(self):
         window = self.open(language="sv_SE.UTF-8")

@@ -6,8 +6,9 @@
 
 #include "plugins/modbus/modbus_logger.h"
 #include "plugins/modbus/modbus_mbap.h"
-#include "propdb/property_db.h"
 #include "tests/modbus/simulator_wire.h"
+#include "tests/support/comm_failure.h"
+#include "tests/support/described.h"
 
 namespace {
 using std::chrono::milliseconds;
@@ -53,13 +54,7 @@ public:
         wire.askedAt.clear();
         wire.sent.clear();
         const auto begun = wire.Now();
-        int code = 0;
-        try {
-            logger.ReadSample(values);
-        } catch (CCommException* failure) {
-            code = failure->m_nError;
-            failure->Delete();
-        }
+        const int code = FailureOf([&] { logger.ReadSample(values); }).code;
         took = wire.Now() - begun;
         return code;
     }
@@ -248,17 +243,15 @@ TEST(ModbusNetwork, WhatDoesNotFitIsNoAnswer) {
         std::vector<BYTE> bytes;  // before each answer
         const char* fault;
         bool closes;
-    } rows[] = {
-        {"another unit", {}, "unit", false},
-        {"another function", {}, "function", false},
-        {"a message that is shorter than it says", {}, "length", true},
-        {"another protocol", {0, 1, 0, 1, 0, 5, 5, 3, 2, 0, 0}, nullptr, true},
-        {"a length of nothing", {0, 1, 0, 0, 0, 1, 5}, nullptr, true},
-        {"a length beyond any message", {0, 1, 0, 0, 1, 0, 5}, nullptr, true},
-        {"a byte count that lies", {0, 1, 0, 0, 0, 5, 5, 3, 4, 0, 0}, nullptr, true},
-        {"a frame that does not go on", {0, 1, 0, 0, 0, 99, 5, 3}, nullptr, true},
-        {"letters", {'2', '3', '.', '5', '\r', '\n'}, nullptr, true},
-    };
+    } rows[] = {{"another unit", {}, "unit", false},
+                {"another function", {}, "function", false},
+                {"a message that is shorter than it says", {}, "length", true},
+                {"another protocol", {0, 1, 0, 1, 0, 5, 5, 3, 2, 0, 0}, nullptr, true},
+                {"a length of nothing", {0, 1, 0, 0, 0, 1, 5}, nullptr, true},
+                {"a length beyond any message", {0, 1, 0, 0, 1, 0, 5}, nullptr, true},
+                {"a byte count that lies", {0, 1, 0, 0, 0, 5, 5, 3, 4, 0, 0}, nullptr, true},
+                {"a frame that does not go on", {0, 1, 0, 0, 0, 99, 5, 3}, nullptr, true},
+                {"letters", {'2', '3', '.', '5', '\r', '\n'}, nullptr, true}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Station station(Bus({5}), kNetwork);
@@ -291,66 +284,45 @@ TEST(ModbusNetwork, AnAnswerOfAnotherLengthIsNone) {
 }
 
 TEST(ModbusBus, SlavesOfASerialLineHaveItsNumbers) {
-    modbus::Description description = Bus({255});
-    Station station(description, kNetwork);
+    Station station(Bus({255}), kNetwork);
     EXPECT_EQ(station.Read(), 0);
-    try {
-        station.logger.Connect(kSerial, 1000);
-        ADD_FAILURE() << "nobody hears 255 there";
-    } catch (CCommException* failure) {
-        EXPECT_EQ(failure->m_nError, 3);
-        failure->Delete();
-    }
+    EXPECT_EQ(FailureOf([&] { station.logger.Connect(kSerial, 1000); }).code, 3) << "nobody hears 255 there";
 }
 
 TEST(ModbusWriting, SetsAndReadsBack) {
     const struct {
-        const char *number, *type, *order, *function;
-        double scale, value;
-        int sends;  // the function that is seen on the line; 0: nothing is sent
-        int code;
-    } rows[] = {
-        {"1", "bool", "high", "5", 1, 1, 5, 0},
-        {"1", "bool", "high", "15", 1, 0, 15, 0},
-        {"1", "bool", "high", "5", 1, 2, 0, 5},
-        {"40001", "int16", "BA", "6", 0.1, -21.3, 6, 0},
-        {"40001", "int16", "high", "16", 1, -300, 16, 0},
-        {"40001", "int16", "high", "6", 1, 32768, 0, 5},
-        {"40001", "int16", "high", "6", 0.1, 21.35, 0, 5},
-        {"40001", "uint32", "CDAB", "16", 1, 3232235778, 16, 0},
-        {"40001", "float32", "DCBA", "16", 1, 0.1, 16, 0},
-        {"40001", "float64", "GHEFCDAB", "16", 2, -1e100, 16, 0},
-        {"40001", "uint64", "high", "16", 1, 0x1p60, 16, 0},
-        {"40001", "bcd32", "high", "16", 1, 12345678, 16, 0},
-        {"40001", "bcd32", "high", "16", 1, -1, 0, 5},
-        {"40001", "int16", "high", nullptr, 1, 5, 0, 5},  // not to be written
-        {"30001", "int16", "high", nullptr, 1, 5, 0, 5},
-    };
+        const char *settings, *function;  // none: not to be written
+        double value;
+        int sends;  // the function that is seen on the line; 0: nothing is sent, and the code is 5
+    } rows[] = {{"nNumber=1; sType=bool", "5", 1, 5},
+                {"nNumber=1; sType=bool", "15", 0, 15},
+                {"nNumber=1; sType=bool", "5", 2, 0},
+                {"nNumber=40001; sType=int16; sOrder=BA; rScale=0.1", "6", -21.3, 6},
+                {"nNumber=40001; sType=int16", "16", -300, 16},
+                {"nNumber=40001; sType=int16", "6", 32768, 0},
+                {"nNumber=40001; sType=int16; rScale=0.1", "6", 21.35, 0},
+                {"nNumber=40001; sType=uint32; sOrder=CDAB", "16", 3232235778, 16},
+                {"nNumber=40001; sType=float32; sOrder=DCBA", "16", 0.1, 16},
+                {"nNumber=40001; sType=float64; sOrder=GHEFCDAB; rScale=2", "16", -1e100, 16},
+                {"nNumber=40001; sType=uint64", "16", 0x1p60, 16},
+                {"nNumber=40001; sType=bcd32", "16", 12345678, 16},
+                {"nNumber=40001; sType=bcd32", "16", -1, 0},
+                {"nNumber=40001; sType=int16", nullptr, 5, 0},
+                {"nNumber=30001; sType=int16", nullptr, 5, 0}};
     for (const char* address : {kSerial, kNetwork}) {
         for (const auto& row : rows) {
-            SCOPED_TRACE(testing::Message() << address << ' ' << row.number << ' ' << row.type << ' ' << row.value);
+            SCOPED_TRACE(testing::Message() << address << ' ' << row.settings << ' ' << row.value);
             CPropertyDB db;
-            db.SetValue("nSlave", 5u);
-            db.SetValue("Channels.a.nNumber", row.number);
-            db.SetValue("Channels.a.sType", row.type);
-            db.SetValue("Channels.a.sOrder", row.order);
-            db.SetValue("Channels.a.rScale", row.scale);
-            if (row.function != nullptr) {
-                db.SetValue("Channels.a.bWritable", 1u);
-                db.SetValue("Channels.a.nWrite", row.function);
-            }
+            Describe(db, "nSlave=5");
+            db.BeginUsing("Channels.a");
+            Describe(db, row.settings);
+            if (row.function != nullptr) Describe(db, std::string("bWritable=1; nWrite=") + row.function);
+            db.EndUsing();
             Station station(modbus::ReadDescription(db), address);
             station.Read();
             station.wire.sent.clear();
-            int code = 0;
             double held = 0;
-            try {
-                held = station.logger.Write(0, row.value);
-            } catch (CCommException* failure) {
-                code = failure->m_nError;
-                failure->Delete();
-            }
-            EXPECT_EQ(code, row.code);
+            EXPECT_EQ(FailureOf([&] { held = station.logger.Write(0, row.value); }).code, row.sends == 0 ? 5 : 0);
             ASSERT_EQ(station.wire.sent.size(), row.sends == 0 ? 0u : 2u);
             if (row.sends == 0) continue;
             EXPECT_EQ(station.wire.sent[0][address == kNetwork ? 7 : 1], row.sends);
@@ -362,21 +334,9 @@ TEST(ModbusWriting, SetsAndReadsBack) {
 }
 
 TEST(ModbusWriting, WhatTheLoggerRefusesIsTold) {
-    modbus::Description description = Bus({5});
-    Station station(description);
-    station.Read();
-    modbus::Description writable = description;
+    modbus::Description writable = Bus({5});
     writable.channels[0].write = modbus::kWriteRegister;
-    // Its simulator knows of no writing.
-    auto* const wire = new SimulatorWire(description);
-    modbus::Logger logger(writable, std::unique_ptr<ITransport>(wire));
+    modbus::Logger logger(writable, std::make_unique<SimulatorWire>(Bus({5})));  // which knows of no writing
     logger.Connect(kSerial, 1000);
-    try {
-        logger.Write(0, 4);
-        ADD_FAILURE();
-    } catch (CCommException* failure) {
-        EXPECT_EQ(failure->m_nError, 4);
-        EXPECT_STREQ(failure->m_strError, "Illegal response (Modbus 2)");
-        failure->Delete();
-    }
+    EXPECT_EQ(FailureOf([&] { logger.Write(0, 4); }), (CommFailure{4, "Illegal response (Modbus 2)"}));
 }

@@ -1,41 +1,31 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <sstream>
 
-#include "comm/comm_exception.h"
 #include "plugins/modbus/modbus_plan.h"
 #include "plugins/modbus/modbus_simulator.h"
-#include "propdb/property_db.h"
+#include "tests/support/comm_failure.h"
+#include "tests/support/described.h"
 
 using namespace modbus;
 
 namespace {
-class ModbusDescription : public testing::Test {
-protected:
-    ModbusDescription() {
-        db.SetValue("nSlave", static_cast<unsigned short>(5));
-        AddChannel("1", 10, "uint16");
-    }
-    void AddChannel(const char* key, unsigned short number, const char* type) {
-        db.BeginUsingFmt("Channels.%s", key);
-        db.SetValue("nRegister", number);
-        db.SetValue("sType", type);
-        db.EndUsing();
-    }
-    // The text of the refusal; empty when the description is accepted.
-    std::string Refusal() {
-        try {
-            ReadDescription(db);
-            return "";
-        } catch (CCommException* failure) {
-            EXPECT_EQ(failure->m_nError, 3);
-            const std::string text = static_cast<const char*>(failure->m_strError);
-            failure->Delete();
-            return text;
-        }
-    }
+// A description with a channel that has these settings, or from the top those that begin with ".".
+CPropertyDB With(const std::string& settings) {
     CPropertyDB db;
-};
+    Describe(db, "nSlave=5; Channels.1.nRegister=10; Channels.1.sType=uint16");
+    std::istringstream each(settings);
+    for (std::string one; std::getline(each, one, ';');) Describe(db, one[0] == '.' ? one.substr(1) : "Channels.1." + one);
+    return db;
+}
+Description Read(CPropertyDB db) { return ReadDescription(db); }
+// The text of the refusal; empty when the description is accepted.
+std::string Refusal(CPropertyDB db) {
+    const CommFailure failure = FailureOf([&] { ReadDescription(db); });
+    EXPECT_EQ(failure.code, failure.text.empty() ? 0 : 3);
+    return failure.text;
+}
 
 Channel Of(ValueType type, ByteOrder order = kHighFirst, double scale = 1, double offset = 0) {
     Channel channel;
@@ -53,8 +43,8 @@ std::vector<BYTE> Bytes(const std::vector<WORD>& words) {
 }
 }  // namespace
 
-TEST_F(ModbusDescription, WhatIsLeftOutHasItsStandard) {
-    const Description description = ReadDescription(db);
+TEST(ModbusDescription, WhatIsLeftOutHasItsStandard) {
+    const Description description = Read(With(""));
     EXPECT_EQ(description.slaves[0].address, 5);
     EXPECT_EQ(description.line.baud, 9600u);
     EXPECT_EQ(static_cast<int>(description.line.dataBits), 8);
@@ -64,117 +54,87 @@ TEST_F(ModbusDescription, WhatIsLeftOutHasItsStandard) {
     EXPECT_EQ(description.channels[0].name, "1");
 }
 
-TEST_F(ModbusDescription, EveryMistakeNamesItsKey) {
-    EXPECT_EQ(Refusal(), "");
-    const struct {
-        const char* key;
-        const char* kind;
-        const char* text;
-        double number;
-    } mistakes[] = {
-        {"nSlave", "number", nullptr, 256},
-        {"Line.nBaud", "number", nullptr, 9600.5},
-        {"Line.sParity", "text", "maybe", 0},
-        {"Channels.1.sType", "text", "int128", 0},
-        {"Channels.1.nBit", "number", nullptr, 3},
-        {"Channels.1.nLength", "number", nullptr, 3},
-        {"Channels.1.nNumber", "number", nullptr, 40001},  // beside nRegister
-        {"Channels.1.sOrder", "text", "ABCD", 0},
-        {"Channels.1.sSlave", "text", "1", 0},
-        {"Channels.1.rInvalid", "number", nullptr, -1},
-        {"Channels.1.sInvalid", "text", "65535 0x10000", 0},
-        {"Channels.1.nWrite", "number", nullptr, 16},
-        {"Channels.1.bWritable", "text", "maybe", 0},
-        {"nMost", "number", nullptr, 126},
-        {"nAttempts", "number", nullptr, 0},
-        {"Channels.1.sOrder", "text", "middle", 0},
-        {"Channels.1.nRegister", "number", nullptr, 65536},
-        {"Channels.1.nFunction", "number", nullptr, 6},
-        {"Channels.1.rScale", "number", nullptr, 0},
-        {"Channels.1.rOffset", "number", nullptr, INFINITY},
-        {"Channels.1.nRegister", "text", "ten", 0},
-        {"Channels.1.nRegister", "text", "10 x", 0},
-        {"Channels.1.nRegister", "text", "", 0},
-        {"Channels.1.rScale", "text", "0,1", 0},
-        {"Channels.1.rOffset", "text", "inf", 0},
-    };
-    for (const auto& mistake : mistakes) {
-        CPropertyDB whole(db);
-        db.Remove(mistake.key);
-        if (mistake.text != nullptr) {
-            db.SetValue(mistake.key, mistake.text);
-        } else {
-            db.SetValue(mistake.key, mistake.number);
-        }
-        EXPECT_EQ(Refusal().rfind(mistake.key, 0), 0u) << mistake.key << ": " << Refusal();
-        db = whole;
+TEST(ModbusDescription, EveryMistakeNamesItsKey) {
+    for (const std::string mistake : {".nSlave=256",
+                                      ".Line.nBaud=9600.5",
+                                      ".Line.sParity=maybe",
+                                      ".nMost=126",
+                                      ".nAttempts=0",
+                                      "sType=int128",
+                                      "nBit=3",
+                                      "nLength=3",
+                                      "nNumber=40001",
+                                      "sOrder=ABCD",
+                                      "sOrder=middle",
+                                      "sSlave=1",
+                                      "rInvalid=-1",
+                                      "sInvalid=65535 0x10000",
+                                      "nWrite=16",
+                                      "bWritable=maybe",
+                                      "nRegister=65536",
+                                      "nRegister=ten",
+                                      "nRegister=10 x",
+                                      "nRegister=",
+                                      "nFunction=6",
+                                      "rScale=0",
+                                      "rScale=0,1",
+                                      "rOffset=inf"}) {
+        const std::string key = mistake.substr(0, mistake.find('='));
+        const std::string named = key[0] == '.' ? key.substr(1) : "Channels.1." + key, said = Refusal(With(mistake));
+        EXPECT_TRUE(said.starts_with(named)) << mistake << ": " << said;
     }
-    db.Remove("Channels");
-    EXPECT_EQ(Refusal().rfind("Channels", 0), 0u);
+    CPropertyDB none = With("");
+    none.Remove("Channels");
+    EXPECT_TRUE(Refusal(none).starts_with("Channels"));
+    // In text, decimals are told how they are to be written.
+    EXPECT_NE(Refusal(With("rScale=0,1")).find("point"), std::string::npos);
+    // What is only wrong together with something else.
+    const struct {
+        const char *named, *settings;
+    } rows[] = {{"Channels.1.nBit", "sType=bool"},     // which?
+                {"Channels.1.nLength", "sType=text"},  // how long?
+                {"Channels.1.rValue1", "rRaw1=4"},
+                {"Channels.1.sType", "nFunction=1"},  // the coil would be a uint16
+                {"Channels.1.bWritable", "nFunction=4;bWritable=1"},
+                {"Channels.1.bWritable", "sType=bool;nBit=2;bWritable=yes"},
+                {"Channels.1.bWritable", "sType=text;nLength=2;bWritable=true"},
+                {"Channels.1.nWrite", "bWritable=1;nWrite=5"},
+                {"Channels.1.nRegister", "sType=int64;nRegister=65533"},
+                {"Channels.1.sOrder", "sType=uint64;sOrder=ABCD"},
+                {"Channels.1.rScale", "rRaw1=0;rValue1=1;rRaw2=4;rValue2=3;rScale=2"},
+                {"Channels.1.rRaw2", "rRaw1=4;rValue1=1;rRaw2=4;rValue2=3"},
+                {"Channels.1.sType", ".nMost=1;sType=int32"},
+                {"Channels.1.sSlave", ".Slaves.a.nSlave=1;sSlave=b"},
+                {"Channels.1.sSlave", ".Slaves.a.nSlave=1;sSlave=a;nSlave=2"},
+                {"Slaves.b.nSlave", ".Slaves.a.nSlave=1;.Slaves.b.nSlave=1"},
+                {"Slaves.a.nSlave", ".Slaves.a.sName=x"}};
+    for (const auto& row : rows) EXPECT_TRUE(Refusal(With(row.settings)).starts_with(row.named)) << row.settings;
 }
 
-TEST_F(ModbusDescription, ANumberMayBeOfAnyKind) {
+TEST(ModbusDescription, ANumberMayBeOfAnyKind) {
     CByteArray slave;
     slave.Add(247);
     CInt32Array integer;
     integer.Add(19200);
-    db.Remove("nSlave");
+    CPropertyDB db = With("rScale= 0.1 ;rOffset=-2.5e1");
+    for (const char* key : {"nSlave", "Channels.1.nRegister"}) db.Remove(key);
     db.SetValue("nSlave", slave);
     db.SetValue("Line.nBaud", integer);
     db.SetValue("Line.nDataBits", static_cast<__int64>(7));
-    db.SetValue("Channels.1.rScale", " 0.1 ");
-    db.SetValue("Channels.1.rOffset", "-2.5e1");
-    const Description description = ReadDescription(db);
+    db.SetValue("Channels.1.nRegister", 20.0);
+    const Description description = Read(db);
     EXPECT_EQ(description.slaves[0].address, 247);
     EXPECT_EQ(description.line.baud, 19200u);
     EXPECT_EQ(static_cast<int>(description.line.dataBits), 7);
+    EXPECT_EQ(description.channels[0].first, 20);
     EXPECT_EQ(description.channels[0].scale, 0.1);
     EXPECT_EQ(description.channels[0].offset, -25);
-    // In text, decimals are told how they are to be written.
-    db.SetValue("Channels.1.rScale", "0,1");
-    EXPECT_NE(Refusal().find("point"), std::string::npos);
+    db.Remove("Channels.1.rOffset");
+    db.SetValue("Channels.1.rOffset", INFINITY);
+    EXPECT_TRUE(Refusal(db).starts_with("Channels.1.rOffset"));
 }
 
-// What is only wrong together with something else.
-TEST_F(ModbusDescription, ContradictionsNameTheirKey) {
-    struct Setting {
-        const char *key, *text;
-    };
-    const struct {
-        const char* named;
-        std::vector<Setting> settings;  // of the channel, or with a "." from the top
-    } rows[] = {
-        {"Channels.1.nBit", {{"sType", "bool"}}},     // which?
-        {"Channels.1.nLength", {{"sType", "text"}}},  // how long?
-        {"Channels.1.rValue1", {{"rRaw1", "4"}}},
-        {"Channels.1.sType", {{"nFunction", "1"}}},  // the coil would be a uint16
-        {"Channels.1.bWritable", {{"nFunction", "4"}, {"bWritable", "1"}}},
-        {"Channels.1.bWritable", {{"sType", "bool"}, {"nBit", "2"}, {"bWritable", "yes"}}},
-        {"Channels.1.bWritable", {{"sType", "text"}, {"nLength", "2"}, {"bWritable", "true"}}},
-        {"Channels.1.nWrite", {{"bWritable", "1"}, {"nWrite", "5"}}},
-        {"Channels.1.nRegister", {{"sType", "int64"}, {"nRegister", "65533"}}},
-        {"Channels.1.sOrder", {{"sType", "uint64"}, {"sOrder", "ABCD"}}},
-        {"Channels.1.rScale", {{"rRaw1", "0"}, {"rValue1", "1"}, {"rRaw2", "4"}, {"rValue2", "3"}, {"rScale", "2"}}},
-        {"Channels.1.rRaw2", {{"rRaw1", "4"}, {"rValue1", "1"}, {"rRaw2", "4"}, {"rValue2", "3"}}},
-        {"Channels.1.sType", {{".nMost", "1"}, {"sType", "int32"}}},
-        {"Channels.1.sSlave", {{".Slaves.a.nSlave", "1"}, {"sSlave", "b"}}},
-        {"Channels.1.sSlave", {{".Slaves.a.nSlave", "1"}, {"sSlave", "a"}, {"nSlave", "2"}}},
-        {"Slaves.b.nSlave", {{".Slaves.a.nSlave", "1"}, {".Slaves.b.nSlave", "1"}}},
-        {"Slaves.a.nSlave", {{".Slaves.a.sName", "x"}}},
-    };
-    for (const auto& row : rows) {
-        CPropertyDB whole(db);
-        for (const Setting& setting : row.settings) {
-            const std::string key = setting.key[0] == '.' ? setting.key + 1 : std::string("Channels.1.") + setting.key;
-            db.Remove(key.c_str());
-            db.SetValue(key.c_str(), setting.text);
-        }
-        EXPECT_EQ(Refusal().rfind(row.named, 0), 0u) << row.named << ": " << Refusal();
-        db = whole;
-    }
-}
-
-TEST_F(ModbusDescription, ManualsNumbersSayKindAndPlace) {
+TEST(ModbusDescription, ManualsNumbersSayKindAndPlace) {
     const struct {
         const char* number;
         int function, first;  // 0: refused
@@ -184,29 +144,24 @@ TEST_F(ModbusDescription, ManualsNumbersSayKindAndPlace) {
                 {"4000001", 0, 0},    {"50001", 0, 0},    {"", 0, 0},       {"4x001", 0, 0}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.number);
-        db.Remove("Channels.1");
-        db.SetValue("Channels.1.nNumber", row.number);
-        db.SetValue("Channels.1.sType", row.function == 1 || row.function == 2 ? "bool" : "int16");
-        ASSERT_EQ(Refusal().empty(), row.function != 0) << Refusal();
+        const bool bit = row.function == 1 || row.function == 2;
+        CPropertyDB db = With(std::string("nNumber=") + row.number + (bit ? ";sType=bool" : ";sType=int16"));
+        db.Remove("Channels.1.nRegister");
+        ASSERT_EQ(Refusal(db).empty(), row.function != 0);
         if (row.function == 0) continue;
-        const Channel channel = ReadDescription(db).channels[0];
+        const Channel channel = Read(db).channels[0];
         EXPECT_EQ(channel.function, row.function);
         EXPECT_EQ(channel.first, row.first);
     }
 }
 
-TEST_F(ModbusDescription, ChannelsFindTheirSlave) {
-    db.SetValue("nTimeout", 700u);
-    db.SetValue("Slaves.boiler.nSlave", static_cast<unsigned short>(7));
-    db.SetValue("Slaves.boiler.sName", "Boiler");
-    db.SetValue("Slaves.boiler.nMost", 10u);
-    AddChannel("2", 10, "int16");
-    AddChannel("3", 10, "int16");
-    AddChannel("4", 10, "int16");
-    db.SetValue("Channels.2.sSlave", "boiler");
-    db.SetValue("Channels.3.nSlave", 7u);
-    db.SetValue("Channels.4.nSlave", 9u);
-    const Description description = ReadDescription(db);
+TEST(ModbusDescription, ChannelsFindTheirSlave) {
+    CPropertyDB db = With(".nTimeout=700;.Slaves.boiler.nSlave=7;.Slaves.boiler.sName=Boiler;.Slaves.boiler.nMost=10");
+    for (const char* const settings : {"2.sSlave=boiler", "3.nSlave=7", "4.nSlave=9"}) {
+        const std::string channel = std::string("Channels.") + settings;
+        Describe(db, channel + "; " + channel.substr(0, 11) + "nRegister=10; " + channel.substr(0, 11) + "sType=int16");
+    }
+    const Description description = Read(db);
     ASSERT_EQ(description.slaves.size(), 3u);
     const int addresses[] = {5, 7, 7, 9};
     for (size_t i = 0; i < 4; ++i) EXPECT_EQ(description.slaves[description.channels[i].slave].address, addresses[i]);
@@ -216,92 +171,57 @@ TEST_F(ModbusDescription, ChannelsFindTheirSlave) {
     EXPECT_EQ(description.slaves[2].most, 125);
 }
 
-TEST_F(ModbusDescription, TwoPointsMakeALine) {
-    db.SetValue("Channels.1.rRaw1", 4000.0);
-    db.SetValue("Channels.1.rValue1", -50.0);
-    db.SetValue("Channels.1.rRaw2", 20000.0);
-    db.SetValue("Channels.1.rValue2", 150.0);
-    const Channel channel = ReadDescription(db).channels[0];
+TEST(ModbusDescription, TwoPointsMakeALine) {
+    const Channel channel = Read(With("rRaw1=4000;rValue1=-50;rRaw2=20000;rValue2=150")).channels[0];
     for (const auto& [raw, value] : {std::pair(4000, -50.0), std::pair(12000, 50.0), std::pair(20000, 150.0)})
         EXPECT_DOUBLE_EQ(Decode(channel, Bytes({static_cast<WORD>(raw)}).data()), value);
 }
 
-// Worked out by hand from the types' definitions.
-TEST_F(ModbusDescription, EveryTypeAndOrderHasItsValue) {
-    const double none = std::nan("");
-    const struct {
-        const char *type, *order;
+// Type, order, registers, one more setting, and the value: worked out by hand from the types' definitions.
+TEST(ModbusDescription, EveryTypeAndOrderHasItsValue) {
+    std::istringstream rows(
+        R"(int16 high C0A8 = -16216 | int16 low C0A8 = -16216 | uint16 AB C0A8 = 49320 | uint16 BA A8C0 = 49320 |
+        int32 high C0A80102 = -1062731518 | uint32 ABCD C0A80102 = 3232235778 | uint32 low 0102C0A8 = 3232235778 |
+        uint32 cdab 0102C0A8 = 3232235778 | uint32 BADC A8C00201 = 3232235778 | uint32 DCBA 0201A8C0 = 3232235778 |
+        float32 high C0A80102 = -5.25012302398681640625 | float32 high 7FC00000 = nan |
+        uint64 high 0001020304050607 = 0x1020304050607 | uint64 ABCDEFGH 0001020304050607 = 0x1020304050607 |
+        uint64 BADCFEHG 0100030205040706 = 0x1020304050607 | uint64 CDABGHEF 0203000106070405 = 0x1020304050607 |
+        uint64 DCBAHGFE 0302010007060504 = 0x1020304050607 | uint64 EFGHABCD 0405060700010203 = 0x1020304050607 |
+        uint64 FEHGBADC 0504070601000302 = 0x1020304050607 | uint64 GHEFCDAB 0607040502030001 = 0x1020304050607 |
+        uint64 low 0607040502030001 = 0x1020304050607 | uint64 HGFEDCBA 0706050403020100 = 0x1020304050607 |
+        uint64 high 0020000000000001 = 0x20000000000000 | uint64 high FFFFFFFFFFFFFFFF = 0x1p64 | int64 high FFFFFFFFFFFFFFFE = -2 |
+        float64 high BFF8000000000000 = -1.5 | float64 low 000000000000BFF8 = -1.5 | bcd16 high 1234 = 1234 | bcd16 BA 3412 = 1234 |
+        bcd16 high 12A4 = nan | bcd32 CDAB 56781234 = 12345678 | bool high 0400 nBit=10 = 1 | bool BA 0400 nBit=2 = 1 |
+        bool high FBFF nBit=10 = 0 | text high 2D32312E3520 nLength=3 = -21.5 | text BA 322D2E310035 nLength=3 = -21.5 |
+        text high 2B3100003939 nLength=3 = 1 | text high 45525220 nLength=2 = nan | text high 2020 nLength=1 = nan |
+        text high 6E616E20 nLength=2 = nan | uint16 high FFFF sInvalid=32767 0xffff = nan |
+        uint16 high 7FFF sInvalid=32767 0xffff = nan | int16 high 8000 rInvalid=-32768 = nan |
+        float32 high C61C3F9A rInvalid=-9999.9 = nan | uint64 high FFFFFFFFFFFFFFFF sInvalid=0xFFFFFFFFFFFFFFFF = nan |
+        uint64 high FFFFFFFFFFFFFFFE sInvalid=0xFFFFFFFFFFFFFFFF = 0x1p64 | text high 3939 nLength=1;rInvalid=99 = nan)");
+    for (std::string row; std::getline(rows >> std::ws, row, '|');) {
+        SCOPED_TRACE(row);
+        const size_t sign = row.find(" = ");
+        std::istringstream text(row.substr(0, sign));
+        const double expected = std::stod(row.substr(sign + 3));
+        std::string type, order, registers, more;
+        text >> type >> order >> registers >> std::ws;
+        std::getline(text, more);
         std::vector<WORD> words;
-        double value;
-        const char *key = nullptr, *text = nullptr;  // one more setting
-    } rows[] = {
-        {"int16", "high", {0xC0A8}, -16216},
-        {"int16", "low", {0xC0A8}, -16216},
-        {"uint16", "AB", {0xC0A8}, 49320},
-        {"uint16", "BA", {0xA8C0}, 49320},
-        {"int32", "high", {0xC0A8, 0x0102}, -1062731518},
-        {"uint32", "ABCD", {0xC0A8, 0x0102}, 3232235778},
-        {"uint32", "low", {0x0102, 0xC0A8}, 3232235778},
-        {"uint32", "cdab", {0x0102, 0xC0A8}, 3232235778},
-        {"uint32", "BADC", {0xA8C0, 0x0201}, 3232235778},
-        {"uint32", "DCBA", {0x0201, 0xA8C0}, 3232235778},
-        {"float32", "high", {0xC0A8, 0x0102}, -5.25012302398681640625},
-        {"float32", "high", {0x7FC0, 0}, none},
-        {"uint64", "high", {0x0001, 0x0203, 0x0405, 0x0607}, 0x1020304050607},
-        {"uint64", "ABCDEFGH", {0x0001, 0x0203, 0x0405, 0x0607}, 0x1020304050607},
-        {"uint64", "BADCFEHG", {0x0100, 0x0302, 0x0504, 0x0706}, 0x1020304050607},
-        {"uint64", "CDABGHEF", {0x0203, 0x0001, 0x0607, 0x0405}, 0x1020304050607},
-        {"uint64", "DCBAHGFE", {0x0302, 0x0100, 0x0706, 0x0504}, 0x1020304050607},
-        {"uint64", "EFGHABCD", {0x0405, 0x0607, 0x0001, 0x0203}, 0x1020304050607},
-        {"uint64", "FEHGBADC", {0x0504, 0x0706, 0x0100, 0x0302}, 0x1020304050607},
-        {"uint64", "GHEFCDAB", {0x0607, 0x0405, 0x0203, 0x0001}, 0x1020304050607},
-        {"uint64", "low", {0x0607, 0x0405, 0x0203, 0x0001}, 0x1020304050607},
-        {"uint64", "HGFEDCBA", {0x0706, 0x0504, 0x0302, 0x0100}, 0x1020304050607},
-        {"uint64", "high", {0x0020, 0, 0, 1}, 0x20000000000000},  // 2^53 + 1: to the nearest
-        {"uint64", "high", {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF}, 0x1p64},
-        {"int64", "high", {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFE}, -2},
-        {"float64", "high", {0xBFF8, 0, 0, 0}, -1.5},
-        {"float64", "low", {0, 0, 0, 0xBFF8}, -1.5},
-        {"bcd16", "high", {0x1234}, 1234},
-        {"bcd16", "BA", {0x3412}, 1234},
-        {"bcd16", "high", {0x12A4}, none},
-        {"bcd32", "CDAB", {0x5678, 0x1234}, 12345678},
-        {"bool", "high", {0x0400}, 1, "nBit", "10"},
-        {"bool", "BA", {0x0400}, 1, "nBit", "2"},
-        {"bool", "high", {0xFBFF}, 0, "nBit", "10"},
-        {"text", "high", {0x2D32, 0x312E, 0x3520}, -21.5, "nLength", "3"},  // "-21.5 "
-        {"text", "BA", {0x322D, 0x2E31, 0x0035}, -21.5, "nLength", "3"},
-        {"text", "high", {0x2B31, 0x0000, 0x3939}, 1, "nLength", "3"},  // "+1", then a zero
-        {"text", "high", {0x4552, 0x5220}, none, "nLength", "2"},       // "ERR "
-        {"text", "high", {0x2020}, none, "nLength", "1"},
-        {"text", "high", {0x6E61, 0x6E20}, none, "nLength", "2"},  // "nan "
-        {"uint16", "high", {0xFFFF}, none, "sInvalid", "32767 0xffff"},
-        {"uint16", "high", {0x7FFF}, none, "sInvalid", "32767 0xffff"},
-        {"int16", "high", {0x8000}, none, "rInvalid", "-32768"},
-        {"float32", "high", {0xC61C, 0x3F9A}, none, "rInvalid", "-9999.9"},
-        {"uint64", "high", {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF}, none, "sInvalid", "0xFFFFFFFFFFFFFFFF"},
-        {"uint64", "high", {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFE}, 0x1p64, "sInvalid", "0xFFFFFFFFFFFFFFFF"},
-        {"text", "high", {0x3939}, none, "rInvalid", "99"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.type << ' ' << row.order << ' ' << row.value);
-        db.Remove("Channels.1");
-        AddChannel("1", 0, row.type);
-        db.SetValue("Channels.1.sOrder", row.order);
-        if (row.key != nullptr) db.SetValue((std::string("Channels.1.") + row.key).c_str(), row.text);
-        if (std::string(row.type) == "text") db.SetValue("Channels.1.nLength", static_cast<unsigned>(row.words.size()));
-        ASSERT_EQ(Refusal(), "");
-        const Channel channel = ReadDescription(db).channels[0];
-        ASSERT_EQ(channel.Count(), row.words.size());
-        const double value = Decode(channel, Bytes(row.words).data());
-        if (std::isnan(row.value)) {
+        for (size_t i = 0; i < registers.size(); i += 4)
+            words.push_back(static_cast<WORD>(std::stoul(registers.substr(i, 4), nullptr, 16)));
+        const CPropertyDB db = With("sType=" + type + ";sOrder=" + order + ";" + more);
+        ASSERT_EQ(Refusal(db), "");
+        const Channel channel = Read(db).channels[0];
+        ASSERT_EQ(channel.Count(), words.size());
+        const double value = Decode(channel, Bytes(words).data());
+        if (std::isnan(expected)) {
             EXPECT_TRUE(std::isnan(value)) << value;
             continue;
         }
-        EXPECT_EQ(value, row.value);
+        EXPECT_EQ(value, expected);
         const bool exact = channel.type != ValueType::Text && channel.type != ValueType::Bool && value < 0x1p53;
         if (exact) {
-            EXPECT_EQ(Encode(channel, value), row.words);
+            EXPECT_EQ(Encode(channel, value), words);
         }
     }
 }
@@ -327,34 +247,19 @@ TEST(ModbusValues, EncodeTakesTheNearest) {
 }
 
 TEST(ModbusValues, WhatATypeCannotHoldIsKnown) {
-    const struct {
+    using enum ValueType;
+    struct Case {
         ValueType type;
         double scale, value;
-        bool can;
-    } rows[] = {
-        {ValueType::Int16, 1, 32767, true},
-        {ValueType::Int16, 1, 32768, false},
-        {ValueType::Int16, 1, -32769, false},
-        {ValueType::Uint16, 1, -1, false},
-        {ValueType::Uint16, 0.1, 21.3, true},  // 212.99999999999997
-        {ValueType::Uint16, 0.1, 21.35, false},
-        {ValueType::Uint16, 1, 0.5, false},
-        {ValueType::Uint32, 0.001, 4294967.295, true},
-        {ValueType::Int64, 1, 0x1p62, true},
-        {ValueType::Int64, 1, 0x1p63, false},
-        {ValueType::Int64, 1, -0x1p63, true},
-        {ValueType::Uint64, 1, 0x1p64, false},
-        {ValueType::Float32, 1, 0.1, true},
-        {ValueType::Float32, 1, 1e39, false},
-        {ValueType::Float64, 1, 1e300, true},
-        {ValueType::Float64, 1, INFINITY, false},
-        {ValueType::Float64, 1, NAN, false},
-        {ValueType::Bcd16, 1, 9999, true},
-        {ValueType::Bcd16, 1, 10000, false},
-        {ValueType::Bool, 1, 1, true},
-        {ValueType::Bool, 1, 2, false},
     };
-    for (const auto& row : rows) EXPECT_EQ(CanHold(Of(row.type, kHighFirst, row.scale), row.value), row.can) << row.value;
+    const Case can[] = {{Int16, 1, 32767},   {Uint16, 0.1, 21.3}, {Uint32, 0.001, 4294967.295},
+                        {Int64, 1, 0x1p62},  {Int64, 1, -0x1p63}, {Float32, 1, 0.1},
+                        {Float64, 1, 1e300}, {Bcd16, 1, 9999},    {Bool, 1, 1}};
+    const Case cannot[] = {{Int16, 1, 32768},      {Int16, 1, -32769}, {Uint16, 1, -1},     {Uint16, 0.1, 21.35},
+                           {Uint16, 1, 0.5},       {Int64, 1, 0x1p63}, {Uint64, 1, 0x1p64}, {Float32, 1, 1e39},
+                           {Float64, 1, INFINITY}, {Float64, 1, NAN},  {Bcd16, 1, 10000},   {Bool, 1, 2}};
+    for (const Case& one : can) EXPECT_TRUE(CanHold(Of(one.type, kHighFirst, one.scale), one.value)) << one.value;
+    for (const Case& one : cannot) EXPECT_FALSE(CanHold(Of(one.type, kHighFirst, one.scale), one.value)) << one.value;
 }
 
 TEST(ModbusPlan, JoinsNeighboursAndNothingElse) {

@@ -56,25 +56,19 @@ public:
     }
 
     // What comes here goes there, and back: whoever opens one of both names has whoever opens the other at the far end.
-    void Join(const FarEnd& other) {
-        m_thread = std::thread([this, there = other.m_fd] {
-            while (!m_stopping) {
-                pollfd waiting[] = {{m_fd, POLLIN, 0}, {there, POLLIN, 0}};
-                if (poll(waiting, 2, 20) <= 0) continue;
-                for (const int end : {0, 1}) {
-                    BYTE block[256];
-                    if (!(waiting[end].revents & POLLIN)) continue;
-                    const ssize_t got = read(waiting[end].fd, block, sizeof block);
-                    if (got > 0 && write(waiting[1 - end].fd, block, static_cast<size_t>(got)) < 0) return;
-                }
-            }
-        });
+    void Join(FarEnd& other) {
+        for (const auto& [from, to] : {std::pair(this, &other), std::pair(&other, this)}) {
+            from->ServeBytes([to = to](const BYTE* bytes, size_t size) {
+                to->Send({bytes, bytes + size});
+                return std::vector<BYTE>();
+            });
+        }
     }
 
     // Whatever comes is handed to `answer`, piece by piece; what it gives goes back.
     void ServeBytes(std::function<std::vector<BYTE>(const BYTE*, size_t)> answer) {
-        m_thread = std::thread([this, answer = std::move(answer)] {
-            while (!m_stopping) {
+        m_thread = std::thread([this, answer = std::move(answer)]() mutable {
+            while (!m_stopping && m_fd >= 0) {
                 pollfd waiting = {m_fd, POLLIN, 0};
                 if (poll(&waiting, 1, 20) <= 0 || !(waiting.revents & POLLIN)) continue;
                 BYTE block[256];
@@ -87,26 +81,16 @@ public:
 
     // Each whole request is handed to `answer`; what it gives goes back as it stands. A result of "" keeps silent.
     void Serve(std::function<std::vector<BYTE>(const modbus::Request&, int number)> answer) {
-        m_thread = std::thread([this, answer = std::move(answer)] {
-            std::vector<BYTE> received;
-            for (int number = 1; !m_stopping;) {
-                pollfd waiting = {m_fd, POLLIN, 0};
-                if (poll(&waiting, 1, 20) <= 0 || !(waiting.revents & POLLIN)) continue;
-                BYTE block[256];
-                const ssize_t got = read(m_fd, block, sizeof block);
-                if (got <= 0) continue;
-                received.insert(received.end(), block, block + got);
-                modbus::Request request;
-                size_t used = 0;
-                if (!modbus::FindRequest(received, request, used)) continue;
-                received.clear();
-                const std::vector<BYTE> reply = answer(request, number++);
-                if (reply.empty() && m_pullAfter == number - 1) {
-                    close(std::exchange(m_fd, -1));
-                    return;
-                }
-                if (!reply.empty() && write(m_fd, reply.data(), reply.size()) < 0) return;
-            }
+        ServeBytes([this, answer = std::move(answer), received = std::vector<BYTE>(), number = 0](const BYTE* bytes,
+                                                                                                  size_t size) mutable {
+            received.insert(received.end(), bytes, bytes + size);
+            modbus::Request request;
+            size_t used = 0;
+            if (!modbus::FindRequest(received, request, used)) return std::vector<BYTE>();
+            received.clear();
+            const std::vector<BYTE> reply = answer(request, ++number);
+            if (reply.empty() && m_pullAfter == number) close(std::exchange(m_fd, -1));
+            return reply;
         });
     }
     // From within `answer`: a piece of the answer ahead of the rest.

@@ -1,5 +1,6 @@
 // Others' implementations on the far end: servers of libmodbus and pymodbus are read as they read themselves, and mbpoll reads
 // the simulator, over a pseudo-terminal and over a network.
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <modbus.h>
 #include <spawn.h>
@@ -16,22 +17,21 @@
 #include "plugins/modbus/modbus_simulator.h"
 #include "propdb/property_db.h"
 #include "tests/modbus/far_end.h"
-#include "tests/modbus/listening_socket.h"
+#include "tests/support/tcp_peer.h"
 
 namespace {
 // A description of channels in the order in which they are added.
 class Device {
 public:
     explicit Device(unsigned slave) { m_db.SetValue("nSlave", slave); }
-    void Add(unsigned slave, unsigned function, unsigned first, const char* type, const char* order, unsigned bit = 0) {
-        CString key;
-        key.Format("Channels.%05u.", m_count++);
-        m_db.SetValue(key + "nSlave", slave);
-        m_db.SetValue(key + "nFunction", function);
-        m_db.SetValue(key + "nRegister", first);
-        m_db.SetValue(key + "sType", type);
-        m_db.SetValue(key + "sOrder", order);
-        if (std::string(type) == "bool" && function > 2) m_db.SetValue(key + "nBit", bit);
+    void Add(unsigned slave, unsigned function, unsigned first, const char* type, const char* order) {
+        m_db.BeginUsingFmt("Channels.%05u", m_count++);
+        m_db.SetValue("nSlave", slave);
+        m_db.SetValue("nFunction", function);
+        m_db.SetValue("nRegister", first);
+        m_db.SetValue("sType", type);
+        m_db.SetValue("sOrder", order);
+        m_db.EndUsing();
     }
     CPropertyDB& Database() { return m_db; }
     modbus::Description Description() { return modbus::ReadDescription(m_db); }
@@ -159,19 +159,18 @@ private:
     modbus::Simulator m_simulator;
 };
 
-// What mbpoll understands, against the answer that it was given.
+constexpr int kPolls = 8;
+// What mbpoll understands, against the answer that it was given; a call and a connection for each poll.
 void PollAndCompare(std::vector<std::string> words, const std::function<modbus::Answer()>& given) {
     const struct {
         const char* kind;
         modbus::ValueType type;
         bool bigEndian;
         BYTE function;
-    } rows[] = {
-        {"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
-        {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
-        {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
-        {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4},
-    };
+    } rows[kPolls] = {{"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
+                      {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
+                      {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
+                      {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4}};
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.kind << row.bigEndian);
         const int first = std::string(row.kind).size() == 1 ? 1 : row.type == modbus::ValueType::Int32 ? 11 : 21;
@@ -262,7 +261,10 @@ TEST(ModbusPeer, LibmodbusOverANetwork) {
     modbus_t* const context = modbus_new_tcp("127.0.0.1", 0);
     int listening = modbus_tcp_listen(context, 1);
     ASSERT_GE(listening, 0);
-    const std::string address = UrlOf(listening);
+    sockaddr_in name{};
+    socklen_t size = sizeof name;
+    getsockname(listening, reinterpret_cast<sockaddr*>(&name), &size);
+    const std::string address = "tcp://127.0.0.1:" + std::to_string(ntohs(name.sin_port));
     std::thread server([&] {
         modbus_tcp_accept(context, &listening);
         uint8_t query[MODBUS_TCP_MAX_ADU_LENGTH];
@@ -292,11 +294,8 @@ TEST(ModbusPeer, LibmodbusIsWrittenTo) {
     device.Add(17, 3, 10, "int16", "high");
     device.Add(17, 3, 12, "float32", "CDAB");
     device.Add(17, 3, 20, "int64", "high");
-    for (unsigned i = 0; i < 5; ++i) {
-        CString key;
-        key.Format("Channels.%05u.bWritable", i);
-        device.Database().SetValue(key, 1u);
-    }
+    for (const char* number : {"0", "1", "2", "3", "4"})
+        device.Database().SetValue((std::string("Channels.0000") + number + ".bWritable").c_str(), 1u);
     device.Database().SetValue("Channels.00001.nWrite", 15u);
     modbus::Logger logger(device.Description());
     logger.Connect(far.Name(), 2000);
@@ -336,20 +335,20 @@ TEST(ModbusPeer, MbpollReadsTheSimulatorOverASerialLine) {
 
 TEST(ModbusPeer, MbpollReadsTheSimulatorOverANetwork) {
     Device device = Polled();
-    const int listening = Listening();
-    Simulated simulated(device, UrlOf(listening).c_str());
+    TcpPeer peer;
+    const std::string address = peer.Address();
+    Simulated simulated(device, address.c_str());
     std::mutex guard;
     std::thread server([&] {
-        for (int connection; (connection = accept(listening, nullptr, nullptr)) >= 0; close(connection)) {
-            BYTE block[256];
-            for (ssize_t got; (got = recv(connection, block, sizeof block, 0)) > 0;) {
-                const std::lock_guard lock(guard);
-                const std::vector<BYTE> reply = simulated.Answer(block, static_cast<size_t>(got));
-                if (send(connection, reply.data(), reply.size(), MSG_NOSIGNAL) < 0) break;
-            }
+        for (int poll = 0; poll < kPolls; ++poll) {
+            peer.Accept();
+            const std::string asked = peer.Receive(12);
+            const std::lock_guard lock(guard);
+            const std::vector<BYTE> reply = simulated.Answer(reinterpret_cast<const BYTE*>(asked.data()), asked.size());
+            peer.Send({reinterpret_cast<const char*>(reply.data()), reply.size()});
         }
     });
-    PollAndCompare({"-m", "tcp", "-p", std::to_string(PortOf(listening)), "127.0.0.1"}, [&] {
+    PollAndCompare({"-m", "tcp", "-p", address.substr(address.rfind(':') + 1), "127.0.0.1"}, [&] {
         const std::lock_guard lock(guard);
         modbus::Answer answer;
         WORD transaction = 0;
@@ -357,7 +356,5 @@ TEST(ModbusPeer, MbpollReadsTheSimulatorOverANetwork) {
         EXPECT_EQ(modbus::FirstAnswer(simulated.last, transaction, answer, used), modbus::NetworkEnd::Whole);
         return answer;
     });
-    shutdown(listening, SHUT_RDWR);
     server.join();
-    close(listening);
 }

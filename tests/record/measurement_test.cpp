@@ -95,6 +95,7 @@ public:
         for (const CRecordedEvent& event : events) kinds.push_back(event.kind);
         return kinds;
     }
+    void Clear() { rows.clear(), gaps.clear(), events.clear(); }
     Begin begin;
     std::vector<Row> rows;
     std::vector<CRecordedGap> gaps;
@@ -109,7 +110,11 @@ protected:
     MeasurementPlan plan;
     std::unique_ptr<Measurement> measurement;
 
+    // From the beginning.
     void Run(__int64 until = 100 * kHour) {
+        measurement.reset();
+        clock = {}, sink.Clear();
+        logger.reads.clear(), logger.connects.clear(), logger.selected.clear();
         measurement = std::make_unique<Measurement>(logger, 2, sink, clock, plan);
         while (!measurement->IsOver() && clock.now < until) {
             measurement->Run();
@@ -120,7 +125,7 @@ protected:
 };
 }  // namespace
 
-TEST_F(MeasurementTest, ReadsAtEvenTimesWhateverThePluginsStateIs) {
+TEST_F(MeasurementTest, ReadsAtEvenTimes) {
     plan.count = 4;
     Run();
     EXPECT_EQ(logger.reads, (std::vector<__int64>{0, kSecond, 2 * kSecond, 3 * kSecond}));
@@ -128,6 +133,15 @@ TEST_F(MeasurementTest, ReadsAtEvenTimesWhateverThePluginsStateIs) {
     EXPECT_EQ(sink.rows[2].time, kBegun + 2 * kSecond);
     EXPECT_TRUE(sink.gaps.empty());
     EXPECT_EQ(sink.Kinds(), (std::vector<WORD>{RE_CONNECTED, RE_ENDED}));
+    plan.count = 1;
+    logger.read = [&](int, CDoubleArray&) {
+        clock.now += 2 * kSecond;
+        logger.watch->OnAnswer();
+        clock.now += kSecond;
+        logger.watch->OnAnswer();
+    };
+    Run();
+    EXPECT_EQ(sink.rows[0].time, kBegun + 2 * kSecond);
 }
 
 // Whatever comes out of a plug-in is that reading's failure, with its text; the others are there.
@@ -136,27 +150,19 @@ TEST_F(MeasurementTest, SurvivesItsPlugin) {
         std::function<void(CDoubleArray&)> fault;
         const char* text;
         WORD cause;
-    } rows[] = {
-        {[](CDoubleArray&) { Silent(); }, "silent", 8},
-        {[](CDoubleArray&) { throw std::invalid_argument("stod"); }, "stod", GC_PLUGIN},
-        {[](CDoubleArray&) { throw 42; }, "plug-in", GC_PLUGIN},
-        {[](CDoubleArray&) { throw std::string("text"); }, "plug-in", GC_PLUGIN},
-        {[](CDoubleArray&) { AfxThrowInvalidArgException(); }, "", GC_PLUGIN},
-        {[](CDoubleArray& values) { values.SetSize(1); }, "1 values for 2", GC_PLUGIN},
-        {[](CDoubleArray& values) { values.SetSize(5); }, "5 values for 2", GC_PLUGIN},
-        {[](CDoubleArray& values) { values.RemoveAll(); }, "0 values for 2", GC_PLUGIN},
-    };
+    } rows[] = {{[](CDoubleArray&) { Silent(); }, "silent", 8},
+                {[](CDoubleArray&) { throw std::invalid_argument("stod"); }, "stod", GC_PLUGIN},
+                {[](CDoubleArray&) { throw 42; }, "plug-in", GC_PLUGIN},
+                {[](CDoubleArray&) { throw std::string("text"); }, "plug-in", GC_PLUGIN},
+                {[](CDoubleArray&) { AfxThrowInvalidArgException(); }, "", GC_PLUGIN},
+                {[](CDoubleArray& values) { values.SetSize(1); }, "1 values for 2", GC_PLUGIN},
+                {[](CDoubleArray& values) { values.SetSize(5); }, "5 values for 2", GC_PLUGIN},
+                {[](CDoubleArray& values) { values.RemoveAll(); }, "0 values for 2", GC_PLUGIN}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
-        clock = {};
-        sink = {};
-        logger.reads.clear();
         plan.count = 4;
-        logger.read = [&](int number, CDoubleArray& values) {
-            if (clock.now >= kSecond && clock.now < 2 * kSecond) {
-                row.fault(values);
-            }
-            static_cast<void>(number);
+        logger.read = [&](int, CDoubleArray& values) {
+            if (clock.now >= kSecond && clock.now < 2 * kSecond) row.fault(values);
         };
         Run();
         ASSERT_EQ(sink.gaps.size(), 1u);
@@ -185,7 +191,6 @@ TEST_F(MeasurementTest, KeepsTheOtherChannelsOfAReading) {
     EXPECT_FALSE(sink.gaps[0].text.empty());
     // A NaN that the logger means is a value.
     logger.read = [&](int, CDoubleArray& values) { values.SetAt(0, std::nan("")); };
-    sink = {};
     Run();
     EXPECT_EQ(sink.rows[0].flags, (std::vector<BYTE>{RF_NO_VALUE, RF_GOOD}));
     EXPECT_TRUE(sink.gaps.empty());
@@ -222,9 +227,6 @@ TEST_F(MeasurementTest, AChannelThatWasDueAndMissedIsMissing) {
     EXPECT_EQ(sink.gaps[0].missed, 3u);
     EXPECT_EQ(measurement->Missing(), 3u);
     // The whole logger was silent when it was due: it is asked for with the next reading that is made.
-    clock = {};
-    sink = {};
-    logger.reads.clear();
     logger.read = [&](int, CDoubleArray&) {
         if (clock.now >= 3 * kSecond && clock.now < 4 * kSecond) Silent();
     };
@@ -241,9 +243,6 @@ TEST_F(MeasurementTest, PassesOverReadingsForWhichNoChannelIsDue) {
     plan.steps = {4, 6};
     Run();
     EXPECT_EQ(logger.reads, (std::vector<__int64>{0, 4 * kSecond, 6 * kSecond, 8 * kSecond, 12 * kSecond}));
-    clock = {};
-    sink = {};
-    logger.reads.clear();
     logger.read = [&](int, CDoubleArray&) {
         if (clock.now >= 4 * kSecond && clock.now < 8 * kSecond) Silent();
     };
@@ -265,18 +264,6 @@ TEST_F(MeasurementTest, APatientOneWaitsForItsPort) {
     EXPECT_EQ(sink.gaps[0].missed, 2u);
 }
 
-TEST_F(MeasurementTest, AReadingHasTheTimeOfItsFirstAnswer) {
-    plan.count = 1;
-    logger.read = [&](int, CDoubleArray&) {
-        clock.now += 2 * kSecond;
-        logger.watch->OnAnswer();
-        clock.now += kSecond;
-        logger.watch->OnAnswer();
-    };
-    Run();
-    EXPECT_EQ(sink.rows[0].time, kBegun + 2 * kSecond);
-}
-
 TEST_F(MeasurementTest, WhatWasMissedIsLeftOut) {
     plan.count = 10;
     logger.read = [&](int number, CDoubleArray&) {
@@ -292,9 +279,6 @@ TEST_F(MeasurementTest, WhatWasMissedIsLeftOut) {
     EXPECT_EQ(sink.gaps[0].until, kBegun + 5 * kSecond);
     // Or, for who wants that, put off.
     plan.shifts = true;
-    clock = {};
-    sink = {};
-    logger.reads.clear();
     Run();
     EXPECT_EQ(logger.reads.size(), 10u);
     EXPECT_EQ(logger.reads[2] - logger.reads[1], 5'500'000);
@@ -307,15 +291,11 @@ TEST_F(MeasurementTest, EndsWhenItsTimeIsOver) {
         __int64 duration, interval, takes;
         size_t readings;
         __int64 latest;
-    } rows[] = {
-        {5 * kSecond, kSecond, 0, 5, 5 * kSecond},
-        {5 * kSecond, kSecond, 2'700'000, 2, 5'400'000},
-        {5 * kSecond, 0, kSecond, 5, 5 * kSecond},
-        {kSecond, 10 * kSecond, 0, 1, kSecond},
-    };
+    } rows[] = {{5 * kSecond, kSecond, 0, 5, 5 * kSecond},
+                {5 * kSecond, kSecond, 2'700'000, 2, 5'400'000},
+                {5 * kSecond, 0, kSecond, 5, 5 * kSecond},
+                {kSecond, 10 * kSecond, 0, 1, kSecond}};
     for (const auto& row : rows) {
-        clock = {};
-        sink = {};
         plan.duration = row.duration;
         plan.interval = row.interval;
         logger.read = [&](int, CDoubleArray&) { clock.now += row.takes; };
@@ -327,7 +307,7 @@ TEST_F(MeasurementTest, EndsWhenItsTimeIsOver) {
 }
 
 // However often it broke off before: what was away and is back is not a silent logger.
-TEST_F(MeasurementTest, APortThatWasGoneIsAskedAtOnce) {
+TEST_F(MeasurementTest, APortThatWasGoneIsAskedForEverySecond) {
     plan.duration = kMinute;
     plan.interval = kSecond;
     logger.read = [&](int number, CDoubleArray&) {
@@ -335,26 +315,6 @@ TEST_F(MeasurementTest, APortThatWasGoneIsAskedAtOnce) {
     };
     Run();
     for (size_t i = 2; i < logger.connects.size(); ++i) EXPECT_EQ(logger.connects[i] - logger.connects[i - 1], kSecond) << i;
-}
-
-TEST_F(MeasurementTest, ASilentLoggerIsAskedLessAndLessOften) {
-    plan.duration = 10 * kMinute;
-    plan.interval = kSecond;
-    logger.read = [&](int number, CDoubleArray&) {
-        if (number > 1 && clock.now < 5 * kMinute) Silent();
-    };
-    Run();
-    ASSERT_GT(logger.connects.size(), 8u);
-    const __int64 pauses[] = {2, 4, 8, 16, 30, 30, 30};
-    for (size_t i = 0; i < std::size(pauses); ++i) EXPECT_EQ(logger.connects[i + 2] - logger.connects[i + 1], pauses[i] * kSecond) << i;
-    ASSERT_EQ(sink.gaps.size(), 1u);
-    EXPECT_GT(sink.gaps[0].attempts, 8u);
-    EXPECT_EQ(sink.Values().size() + sink.gaps[0].missed, 600u);
-    EXPECT_EQ(sink.Kinds(), (std::vector<WORD>{RE_CONNECTED, RE_LOST, RE_CONNECTED, RE_ENDED}));
-    EXPECT_EQ(measurement->Missing(), sink.gaps[0].missed);
-}
-
-TEST_F(MeasurementTest, AnAdapterIsLookedForEverySecond) {
     plan.duration = 3 * kHour;
     plan.interval = 100'000;
     logger.read = [&](int number, CDoubleArray&) {
@@ -368,6 +328,24 @@ TEST_F(MeasurementTest, AnAdapterIsLookedForEverySecond) {
     EXPECT_LE(logger.reads[5] - 2 * kHour, kSecond);
     EXPECT_LE(sink.gaps.size(), 2u);
     EXPECT_EQ(sink.Values().size() + measurement->Missing(), 108'000u);
+}
+
+TEST_F(MeasurementTest, ASilentLoggerIsAskedLessAndLessOften) {
+    plan.duration = 10 * kMinute;
+    plan.interval = kSecond;
+    logger.read = [&](int number, CDoubleArray&) {
+        if (number > 1 && clock.now < 5 * kMinute) Silent();
+    };
+    Run();
+    ASSERT_GT(logger.connects.size(), 8u);
+    const __int64 pauses[] = {2, 4, 8, 16, 30, 30, 30};
+    for (size_t i = 0; i < std::size(pauses); ++i)
+        EXPECT_EQ(logger.connects[i + 2] - logger.connects[i + 1], pauses[i] * kSecond) << i;
+    ASSERT_EQ(sink.gaps.size(), 1u);
+    EXPECT_GT(sink.gaps[0].attempts, 8u);
+    EXPECT_EQ(sink.Values().size() + sink.gaps[0].missed, 600u);
+    EXPECT_EQ(sink.Kinds(), (std::vector<WORD>{RE_CONNECTED, RE_LOST, RE_CONNECTED, RE_ENDED}));
+    EXPECT_EQ(measurement->Missing(), sink.gaps[0].missed);
 }
 
 // One silence of a logger that is read every ten minutes costs nothing.
@@ -394,7 +372,6 @@ TEST_F(MeasurementTest, GivesUpWhenTold) {
     EXPECT_EQ(measurement->End(), Measurement::Ended::GivenUp);
     EXPECT_EQ(measurement->LastFailure(), "silent");
     EXPECT_LT(clock.now, 2 * kMinute);
-    sink = {};
     logger.connect = [](int) { OrvikThrowCommException(CCommException::AccessDenied, nullptr); };
     Run();
     EXPECT_EQ(measurement->End(), Measurement::Ended::NeverConnected);
@@ -404,9 +381,6 @@ TEST_F(MeasurementTest, GivesUpWhenTold) {
 
 TEST_F(MeasurementTest, AClockThatIsSetIsAnEvent) {
     for (const __int64 by : {-kHour, kHour, -2 * kSecond}) {
-        clock = {};
-        sink = {};
-        logger.reads.clear();
         plan.count = 40;
         logger.read = [&](int number, CDoubleArray&) {
             if (number == 10) clock.set = by;
@@ -419,16 +393,12 @@ TEST_F(MeasurementTest, AClockThatIsSetIsAnEvent) {
         EXPECT_EQ(sink.events[1].amount, by);
     }
     // A calendar that is led back gently is followed: a minute later both say the same.
-    sink = {};
-    clock = {};
     logger.read = [&](int, CDoubleArray&) { clock.set = 400'000; };
     Run();
     EXPECT_EQ(sink.rows.back().time, kBegun + 39 * kSecond + 400'000);
     for (size_t i = 1; i < sink.rows.size(); ++i) EXPECT_LE(sink.rows[i].time - sink.rows[i - 1].time, 1'100'000);
     // What was recorded before ends later than it is now.
-    sink = {};
     sink.begin.lastTime = kBegun + kHour;
-    clock = {};
     Run();
     EXPECT_GT(sink.rows.front().time, sink.begin.lastTime);
     EXPECT_EQ(sink.rows[1].time - sink.rows[0].time, kSecond);
@@ -460,9 +430,8 @@ TEST_F(MeasurementTest, MemoryStaysWhatItWas) {
     RecordingWriter writer(facts, record, told);
     plan.count = kReadings;
     plan.interval = 604'800;
-    const auto in = [](__int64 at, __int64 from, __int64 to) { return at % to >= from; };
     logger.read = [&](int, CDoubleArray&) {
-        if (in(clock.now, 9'900 * kSecond, 10'000 * kSecond)) Silent();
+        if (clock.now % (10'000 * kSecond) >= 9'900 * kSecond) Silent();
     };
     Measurement week(logger, 2, writer, clock, plan);
     size_t early = 0, most = 0;

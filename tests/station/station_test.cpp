@@ -137,7 +137,16 @@ protected:
             }
         }
     }
-    bool IsOver(const std::string& key) { return loggers[key].run == nullptr; }
+    void UntilAllAreOver() {
+        Until([&] {
+            return std::all_of(loggers.begin(), loggers.end(), [](const auto& one) { return one.second.run == nullptr; });
+        });
+    }
+    void End(const std::string& key) {
+        LoggerRun& run = *loggers[key].run;
+        run.Abort();
+        ports[run.Plan().plan.port]->Wake();
+    }
     // Rows with values in the first channel, and in the second.
     std::pair<size_t, size_t> Rows(const std::string& key) const {
         CRecordingReader reader;
@@ -156,9 +165,7 @@ protected:
 TEST_F(StationTest, LoggersOfSeveralPortsAreReadSideBySide) {
     constexpr DWORD kCount = 40;
     for (const char* const key : {"a1", "a2", "b1", "c1", "c2", "c3"}) Add(key, {key[0]}, MemoryLogger::Well, kCount);
-    Until([&] {
-        return std::all_of(loggers.begin(), loggers.end(), [](const auto& entry) { return entry.second.run == nullptr; });
-    });
+    UntilAllAreOver();
     EXPECT_GT(news, 0u);
     for (const auto& [key, one] : loggers) {
         SCOPED_TRACE(key);
@@ -190,13 +197,8 @@ TEST_F(StationTest, DeadOnesEndWhenTheyAreAskedTo) {
     });
     EXPECT_EQ(state("blocked"), LoggerState::Starting);
     EXPECT_NE(loggers["nowhere"].report.why.find("x.rec"), std::string::npos);
-    for (auto& [key, one] : loggers) {
-        one.run->Abort();
-        ports[one.run->Plan().plan.port]->Wake();
-    }
-    Until([&] {
-        return std::all_of(loggers.begin(), loggers.end(), [](const auto& entry) { return entry.second.run == nullptr; });
-    });
+    for (auto& [key, one] : loggers) End(key);
+    UntilAllAreOver();
     EXPECT_EQ(loggers["away"].sentences.size(), 1u) << "told once, not with every attempt";
     EXPECT_GT(loggers["silent"].report.missing, 0u);
 }
@@ -208,15 +210,13 @@ TEST_F(StationTest, LoggersComeAndGoOnARunningPort) {
         const std::string key = "r" + std::to_string(round);
         Add(key, "p", MemoryLogger::Well, kForEver);
         Until([&] { return loggers[key].report.made > 3; });
-        loggers[key].run->Abort();
-        ports["p"]->Wake();
-        Until([&] { return IsOver(key); });
+        End(key);
+        Until([&] { return loggers[key].run == nullptr; });
     }
     const auto made = loggers["stays"].report.made;
     Until([&] { return loggers["stays"].report.made > made; });
-    loggers["stays"].run->Abort();
-    ports["p"]->Wake();
-    Until([&] { return IsOver("stays"); });
+    End("stays");
+    UntilAllAreOver();
 }
 
 // A plug-in that does not come back is known by the time that its reading takes; others are not suspected for long.
@@ -229,11 +229,8 @@ TEST_F(StationTest, AThreadThatHangsIsFound) {
     clock.ahead = kHour;
     Until([&] { return !ports["w"]->Hangs(); });
     EXPECT_TRUE(ports["b"]->Hangs());
-    for (auto& [key, one] : loggers) {
-        one.run->Abort();
-        ports[one.run->Plan().plan.port]->Wake();
-    }
-    Until([&] { return IsOver("well") && IsOver("blocked"); });
+    for (auto& [key, one] : loggers) End(key);
+    UntilAllAreOver();
 }
 
 TEST_F(StationTest, TheStatusComesBackFromItsFile) {
@@ -242,14 +239,9 @@ TEST_F(StationTest, TheStatusComesBackFromItsFile) {
     status.started = 1'795'000'000'000'000, status.written = status.started + 5'000'000;
     StationStatus::Logger logger;
     logger.key = "m1", logger.port = "COM3";
-    logger.channels = {{"1", "Air",
-                        "\xB0"
-                        "C"},
-                       {"2", "None", ""}};
+    logger.channels = {{"1", "Air", "\260C"}, {"2", "None", ""}};
     logger.report.state = LoggerState::Partly;
-    logger.report.why =
-        "Fl\xC3\xB6"
-        "de fails";
+    logger.report.why = "Fl\303\266de fails";
     logger.report.made = 10'000'000'000, logger.report.missing = 3;
     logger.report.last = {{21.5, status.written}, {std::nan(""), status.written}};
     logger.report.causes = {{"Receive timeout", {1}, 2}, {"Device not open", {}, 1}};

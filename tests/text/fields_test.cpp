@@ -34,88 +34,71 @@ const std::string kRegex = "sFields=regex; sPattern=^t(?<a>[^ ]+)(?: h(?<b>.*))?
 }  // namespace
 
 TEST(TextFields, ValuesOfLines) {
+    const std::string kPrefixed = kTwo + "Channels.1.sPrefix=T; Channels.1.sSuffix=C", kNone = kTwo + "sNoValue=---|ERR|9.9E37";
     const struct {
         std::string description;
-        std::vector<std::string> lines;
-        const char* values;
+        std::vector<std::pair<std::string, const char*>> lines;  // and their values; the lines of one answer parted by "\n"
     } cases[] = {
-        // Fields in a row.
-        {kTwo, {"23.5,41.2"}, "23.5 41.2"},
-        {kTwo, {" 23.5 ;\t-41 "}, "23.5 -41"},
-        {kTwo, {"23.5\t41.2"}, "23.5 41.2"},
-        {kTwo, {"  +.5   41. 7"}, "0.5 41"},
-        {kTwo, {"1e3,-2.5E-1,x"}, "1000 -0.25"},
-        {kTwo, {"23.5"}, "23.5 !"},
-        {kTwo, {"23.5,"}, "23.5 !"},
-        {kTwo, {"abc,41"}, "! 41"},
-        {kTwo, {"1.2.3,12:30"}, "! !"},
-        {kTwo, {"0x1F,1e999"}, "! !"},
-        {kTwo, {"--5,+-5"}, "! !"},
-        {kTwo, {"inf,NaN"}, "! -"},
-        {kTwo, {"23.5 C,1013 hPa"}, "23.5 1013"},
         {kTwo,
-         {"23.5\xB0"
-          "C,3.2 m3/h"},
-         "23.5 3.2"},
-        {kTwo,
-         {"23.5\xC2\xB0"
-          "C,400 W/m2"},
-         "23.5 400"},
-        {kTwo, {"23.5 C 7,41%!"}, "! 41"},
-        {kTwo, {"1 234,5"}, "! 5"},
-        {kTwo + "sDecimal=,", {"23,5;41,2"}, "23.5 41.2"},
-        {kTwo + "sDecimal=,", {"23,5 41,2"}, "23.5 41.2"},
-        {kTwo + "sDecimal=,", {"1.234,5;41"}, "! 41"},
-        {kTwo + "sSeparator=semicolon", {"1,5;2"}, "! 2"},
-        {kTwo + "sSeparator=::", {"1::2::3"}, "1 2"},
-        {kTwo + "sSeparator=\\x20", {"1 2"}, "1 2"},
-        {kTwo + "sSeparator=blanks", {" 1   2"}, "1 2"},
-        {kTwo + "nFields=2", {"23,41"}, "23 41"},
-        {kTwo + "nFields=2", {"23,4124,42"}, "! !"},  // the end between two lines was lost
-        {kTwo + "Channels.1.sPrefix=T; Channels.1.sSuffix=C", {"T23.5C,1"}, "23.5 1"},
-        {kTwo + "Channels.1.sPrefix=T; Channels.1.sSuffix=C", {"T23.5F,1"}, "! 1"},
-        {kTwo + "Channels.1.sPrefix=T; Channels.1.sSuffix=C", {"23.5C,1"}, "! 1"},
-        {kTwo + "Channels.1.rScale=0.1; Channels.1.rOffset=-40", {"500,-0"}, "10 -0"},
-        {kTwo + "sNoValue=---|ERR|9.9E37", {"---,err"}, "- -"},
-        {kTwo + "sNoValue=---|ERR|9.9E37", {"+9.90000000E+37,"}, "- !"},
-        {kTwo + "sNoValue=|-", {",-"}, "- -"},
-        // Fixed columns.
-        {kColumns, {"ab 23.5  1013"}, "23.5 1013"},
-        {kColumns, {"ab-23.5-101.2"}, "-23.5 -101.2"},
-        {kColumns, {"ab 23.5"}, "23.5 !"},
-        {kColumns, {"ab"}, "! !"},
-        // name=value.
-        {kKeys, {"T=23.5C, RH=41 %"}, "23.5 41"},
-        {kKeys, {"RH: 41 T: 23.5"}, "23.5 41"},
-        {kKeys, {"T=23.5 C RH = 41 %"}, "23.5 41"},
-        {kKeys, {"ST=7 T=23.5|RH=41|"}, "23.5 41"},
-        {kKeys, {"T=23.5"}, "23.5 !"},
-        {kKeys, {"T=1 T=2 RH="}, "! !"},
-        {kKeys + "sSeparator=comma", {"T = 23.5 , RH:41"}, "23.5 41"},
-        {kKeys + "sSeparator=comma", {"Air T=1,T=2,RH=3"}, "2 3"},
-        {kKeys + "sDecimal=,", {"T=23,5 RH=41,2"}, "23.5 41.2"},
-        {kKeys, {"T=23,5 RH=41,x"}, "! 41"},
-        {kKeys + "nLines=2; sFirst=T", {"T=23.5", "RH=41"}, "23.5 41"},
-        {kKeys + "nLines=2; sFirst=T; Channels.2.nLine=1", {"T=23.5", "RH=41"}, "23.5 !"},
-        // JSON.
-        {kJson, {"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]}"}, "23.5 25"},
-        {kJson, {" { \"air\" : { \"t\" : \"23.5 C\" } , \"p\" : [ 0 , true ] } "}, "23.5 1"},
-        {kJson, {"{\"air\":{\"t\":null},\"p\":[0,\"x\"]}"}, "- !"},
-        {kJson, {"{\"air\":{\"t\":1,\"t\":2},\"p\":[0]}"}, "! !"},
-        {kJson, {"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]"}, "! !"},
-        {kJson, {"{\"air\":{\"t\":023.5},\"p\":[1,2]}"}, "! !"},
-        // Patterns.
-        {kRegex, {"t23.5 h41"}, "23.5 41"},
-        {kRegex, {"t23.5"}, "23.5 !"},
-        {kRegex, {"T23.5 h41"}, "! !"},
-        // Several lines.
-        {"nLines=2; sAsk=?; Channels.1.nField=1; Channels.2.nField=1; Channels.2.nLine=2", {"1,2", "3,4"}, "1 3"},
-        // Bytes that are no text.
-        {kTwo, {std::string("1\0,2", 4)}, "! 2"},
-        {kTwo, {"\xFF\xFE,\x01"}, "! !"},
-    };
-    for (const auto& one : cases)
-        EXPECT_EQ(Values(ReadFields(Described(one.description), one.lines)), one.values) << one.description << one.lines[0];
+         {{"23.5,41.2", "23.5 41.2"},
+          {" 23.5 ;\t-41 ", "23.5 -41"},
+          {"23.5\t41.2", "23.5 41.2"},
+          {"  +.5   41. 7", "0.5 41"},
+          {"1e3,-2.5E-1,x", "1000 -0.25"},
+          {"23.5", "23.5 !"},
+          {"23.5,", "23.5 !"},
+          {"abc,41", "! 41"},
+          {"1.2.3,12:30", "! !"},
+          {"0x1F,1e999", "! !"},
+          {"--5,+-5", "! !"},
+          {"inf,NaN", "! -"},
+          {"23.5 C,1013 hPa", "23.5 1013"},
+          {"23.5\260C,3.2 m3/h", "23.5 3.2"},
+          {"23.5\302\260C,400 W/m2", "23.5 400"},
+          {"23.5 C 7,41%!", "! 41"},
+          {"1 234,5", "! 5"},
+          {std::string("1\0,2", 4), "! 2"},
+          {"\xFF\xFE,\x01", "! !"}}},
+        {kTwo + "sDecimal=,", {{"23,5;41,2", "23.5 41.2"}, {"23,5 41,2", "23.5 41.2"}, {"1.234,5;41", "! 41"}}},
+        {kTwo + "sSeparator=semicolon", {{"1,5;2", "! 2"}}},
+        {kTwo + "sSeparator=::", {{"1::2::3", "1 2"}}},
+        {kTwo + "sSeparator=\\x20", {{"1 2", "1 2"}}},
+        {kTwo + "sSeparator=blanks", {{" 1   2", "1 2"}}},
+        {kTwo + "nFields=2", {{"23,41", "23 41"}, {"23,4124,42", "! !"}}},  // the end between two lines was lost
+        {kPrefixed, {{"T23.5C,1", "23.5 1"}, {"T23.5F,1", "! 1"}, {"23.5C,1", "! 1"}}},
+        {kTwo + "Channels.1.rScale=0.1; Channels.1.rOffset=-40", {{"500,-0", "10 -0"}}},
+        {kNone, {{"---,err", "- -"}, {"+9.90000000E+37,", "- !"}}},
+        {kTwo + "sNoValue=|-", {{",-", "- -"}}},
+        {kColumns, {{"ab 23.5  1013", "23.5 1013"}, {"ab-23.5-101.2", "-23.5 -101.2"}, {"ab 23.5", "23.5 !"}, {"ab", "! !"}}},
+        {kKeys,
+         {{"T=23.5C, RH=41 %", "23.5 41"},
+          {"RH: 41 T: 23.5", "23.5 41"},
+          {"T=23.5 C RH = 41 %", "23.5 41"},
+          {"ST=7 T=23.5|RH=41|", "23.5 41"},
+          {"T=23.5", "23.5 !"},
+          {"T=1 T=2 RH=", "! !"},
+          {"T=23,5 RH=41,x", "! 41"}}},
+        {kKeys + "sSeparator=comma", {{"T = 23.5 , RH:41", "23.5 41"}, {"Air T=1,T=2,RH=3", "2 3"}}},
+        {kKeys + "sDecimal=,", {{"T=23,5 RH=41,2", "23.5 41.2"}}},
+        {kKeys + "nLines=2; sFirst=T", {{"T=23.5\nRH=41", "23.5 41"}}},
+        {kKeys + "nLines=2; sFirst=T; Channels.2.nLine=1", {{"T=23.5\nRH=41", "23.5 !"}}},
+        {kJson,
+         {{"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]}", "23.5 25"},
+          {" { \"air\" : { \"t\" : \"23.5 C\" } , \"p\" : [ 0 , true ] } ", "23.5 1"},
+          {"{\"air\":{\"t\":null},\"p\":[0,\"x\"]}", "- !"},
+          {"{\"air\":{\"t\":1,\"t\":2},\"p\":[0]}", "! !"},
+          {"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]", "! !"},
+          {"{\"air\":{\"t\":023.5},\"p\":[1,2]}", "! !"}}},
+        {kRegex, {{"t23.5 h41", "23.5 41"}, {"t23.5", "23.5 !"}, {"T23.5 h41", "! !"}}},
+        {"nLines=2; sAsk=?; Channels.1.nField=1; Channels.2.nField=1; Channels.2.nLine=2", {{"1,2\n3,4", "1 3"}}}};
+    for (const auto& one : cases) {
+        for (const auto& [text, values] : one.lines) {
+            const size_t end = text.find('\n');
+            std::vector<std::string> lines{text.substr(0, end)};
+            if (end != std::string::npos) lines.push_back(text.substr(end + 1));
+            EXPECT_EQ(Values(ReadFields(Described(one.description), lines)), values) << one.description << text;
+        }
+    }
 }
 
 TEST(TextFields, AFailureShowsTheLine) {
@@ -133,79 +116,61 @@ TEST(TextFields, AFailureShowsTheLine) {
 }
 
 TEST(TextFields, EveryMistakeOfADescriptionNamesItsKey) {
-    const char* const mistakes[] = {"sAsk=\\q",
-                                    "sEnd=\\x1",
-                                    "nLines=0",
-                                    "nLines=2",  // sFirst is missing
-                                    "nMostLength=20000",
-                                    "sFields=xml",
-                                    "sSeparator=\\",
-                                    "sDecimal=;",
-                                    "sChecksum=md5",
-                                    "nEvery=0",
-                                    "Channels.1.nField=0",
-                                    "Channels.1.rScale=0",
-                                    "Channels.1.nLine=2",
-                                    "Channels.1.sPrefix=\\"};
-    for (const std::string mistake : mistakes) {
-        const std::string key = mistake == "nLines=2" ? "sFirst" : mistake.substr(0, mistake.find('='));
-        CPropertyDB db;
-        Describe(db, kTwo);
-        Describe(db, mistake);
-        const std::string refusal = RefusalOf([&] { ReadDescription(db); });
-        EXPECT_TRUE(refusal.starts_with(key + ": ")) << mistake << " -> " << refusal;
-    }
-    const std::pair<std::string, const char*> missing[] = {
-        {"sName=x", "Channels"},
-        {"Channels.1.sName=x", "Channels.1.nField"},
-        {"sFields=columns; Channels.1.nColumn=1", "Channels.1.nWidth"},
-        {"sFields=json; Channels.1.sName=x", "Channels.1.sKey"},
-        {"sFields=regex; sPattern=(; Channels.1.sGroup=x", "sPattern"},
-        {"sFields=regex; sPattern=x; Channels.1.sGroup=x", "Channels.1.sGroup"},
-        {kTwo + "nFields=1", "Channels.2.nField"},
-        {kTwo + "sDecimal=,; sSeparator=comma", "sDecimal"},
-        {kTwo + "sAsk=?; nSkip=1", "nSkip"}};
-    for (const auto& [description, key] : missing) {
-        const std::string refusal = RefusalOf([&, text = description] { Described(text); });
-        EXPECT_TRUE(refusal.starts_with(std::string(key) + ": ")) << description << " -> " << refusal;
-    }
+    const auto expectNamed = [](const std::string& key, const std::string& description) {
+        const std::string refusal = RefusalOf([&] { Described(description); });
+        EXPECT_TRUE(refusal.starts_with(key + ": ")) << description << " -> " << refusal;
+    };
+    for (const std::string mistake :
+         {"sAsk=\\q", "sEnd=\\x1", "nLines=0", "nMostLength=20000", "sFields=xml", "sSeparator=\\", "sDecimal=;", "sChecksum=md5",
+          "nEvery=0", "Channels.1.nField=0", "Channels.1.rScale=0", "Channels.1.nLine=2", "Channels.1.sPrefix=\\"})
+        expectNamed(mistake.substr(0, mistake.find('=')), kTwo + mistake);
+    const std::pair<const char*, std::string> missing[] = {
+        {"sFirst", kTwo + "nLines=2"},
+        {"Channels", "sName=x"},
+        {"Channels.1.nField", "Channels.1.sName=x"},
+        {"Channels.1.nWidth", "sFields=columns; Channels.1.nColumn=1"},
+        {"Channels.1.sKey", "sFields=json; Channels.1.sName=x"},
+        {"sPattern", "sFields=regex; sPattern=(; Channels.1.sGroup=x"},
+        {"Channels.1.sGroup", "sFields=regex; sPattern=x; Channels.1.sGroup=x"},
+        {"Channels.2.nField", kTwo + "nFields=1"},
+        {"sDecimal", kTwo + "sDecimal=,; sSeparator=comma"},
+        {"nSkip", kTwo + "sAsk=?; nSkip=1"}};
+    for (const auto& [key, description] : missing) expectNamed(key, description);
 }
 
 TEST(TextChecksum, TakesTheRightOneOnly) {
-    const struct {
+    using enum Checksum;
+    struct Case {
         Checksum kind;
-        const char* line;
-        const char* rest;  // null: wrong, empty: missing
-    } cases[] = {
-        {Checksum::Xor, "$WIMWV,214.8,R,0.1,K,A*28", "$WIMWV,214.8,R,0.1,K,A"},
-        {Checksum::Xor, "!AB*03", "!AB"},
-        {Checksum::Xor, "$WIMWV,214.9,R,0.1,K,A*28", nullptr},
-        {Checksum::Xor, "$AB03", ""},
-        {Checksum::Xor, "$AB*0", ""},
-        {Checksum::Xor, "", ""},
-        {Checksum::Sum, "123*96", "123"},
-        {Checksum::Sum, "12396", "123"},
-        {Checksum::Sum, "124*96", nullptr},
-        {Checksum::Crc16, "123456789*4B37", "123456789"},  // the check value of this CRC
-        {Checksum::Crc16, "1234567894b37", "123456789"},
-        {Checksum::Crc16, "123456789*4B36", nullptr},
-        {Checksum::Crc16, "4B", ""},
-        {Checksum::None, "23.5*00", "23.5*00"},
+        const char *line, *rest = "";
     };
-    for (const auto& one : cases) {
-        std::string_view line = one.line;
-        const ChecksumResult result = TakeChecksum(one.kind, line);
-        const bool right = one.rest != nullptr && *one.rest != 0;
-        EXPECT_EQ(result, right                 ? ChecksumResult::Right
-                          : one.rest == nullptr ? ChecksumResult::Wrong
-                                                : ChecksumResult::Missing)
-            << one.line;
-        EXPECT_EQ(line, right ? one.rest : one.line);
-        if (!right) continue;
-        std::string made = one.rest;
-        AddChecksum(one.kind, made);
+    const Case right[] = {{Xor, "$WIMWV,214.8,R,0.1,K,A*28", "$WIMWV,214.8,R,0.1,K,A"},
+                          {Xor, "!AB*03", "!AB"},
+                          {Sum, "123*96", "123"},
+                          {Sum, "12396", "123"},
+                          {Crc16, "123456789*4B37", "123456789"},
+                          {Crc16, "1234567894b37", "123456789"},
+                          {None, "23.5*00", "23.5*00"}};  // 4B37 is the check value of this CRC
+    for (const auto& [kind, text, rest] : right) {
+        std::string_view line = text;
+        EXPECT_EQ(TakeChecksum(kind, line), ChecksumResult::Right) << text;
+        EXPECT_EQ(line, rest);
+        std::string made = rest;
+        AddChecksum(kind, made);
         line = made;
-        EXPECT_EQ(TakeChecksum(one.kind, line), ChecksumResult::Right) << made;
+        EXPECT_EQ(TakeChecksum(kind, line), ChecksumResult::Right) << made;
+    }
+    for (const Case& one : {Case{Xor, "$WIMWV,214.9,R,0.1,K,A*28"},
+                            {Sum, "124*96"},
+                            {Crc16, "123456789*4B36"},
+                            {Xor, "$AB03"},
+                            {Xor, "$AB*0"},
+                            {Xor, ""},
+                            {Crc16, "4B"}}) {
+        std::string_view line = one.line;
+        const bool there = line.size() > 6 || one.kind == Sum;
+        EXPECT_EQ(TakeChecksum(one.kind, line), there ? ChecksumResult::Wrong : ChecksumResult::Missing) << one.line;
+        EXPECT_EQ(line, one.line);
     }
 }
 

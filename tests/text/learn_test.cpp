@@ -84,8 +84,7 @@ TEST(TextLearn, DescribesWhatItHeard) {
         {"boot 1\nready\n5\n6\n7\n", "nFields=1; sFields=separator", "7"},
         {"1\n2\n3\n4\n", "nFields=1", "4"},
         {"12:30:00 23.5\n12:30:01 23.6\n12:30:02 23.7\n", "Channels.1.nField=2", "23.7"},
-        {"1,2,3,4,5,6,7,8,9,10\n1,2,3,4,5,6,7,8,9,10\n1,2,3,4,5,6,7,8,9,10\n", "Channels.01.nField=1", "1 2 3 4 5 6 7 8 9 10"},
-    };
+        {"1,2,3,4,5,6,7,8,9,10\n1,2,3,4,5,6,7,8,9,10\n1,2,3,4,5,6,7,8,9,10\n", "Channels.01.nField=1", "1 2 3 4 5 6 7 8 9 10"}};
     for (const auto& one : cases) {
         const Learnt learnt(one.heard);
         EXPECT_GE(learnt.sure, kSure) << one.heard;

@@ -31,37 +31,31 @@ std::string Refusal(const std::string& pattern) {
 // Expected results are worked out by the rules of Perl's expressions.
 TEST(TextPattern, TakesWhatPerlWouldTake) {
     const struct {
-        const char* pattern;
-        const char* text;
-        const char* groups;
-    } cases[] = {
-        {"(?<t>-?\\d+\\.\\d+)", "T=-23.50 C", "t=-23.50"},
-        {"^(?P<a>[^,]*),(?P<b>.*)$", "1,2,3", "a=1 b=2,3"},
-        {"(?<a>a|ab)(?<b>c|bcd)(?<c>d*)", "abcd", "a=a b=bcd c="},
-        {"(?<x>a*)(?<y>a*)", "aaa", "x=aaa y="},
-        {"(?<x>a*?)(?<y>a*)", "aaa", "x= y=aaa"},
-        {"(?<x>a+?)(?<y>a?"
-         "?)(?<z>a*)$",
-         "aaa", "x=a y= z=aa"},
-        {"(?<x>(?:ab){2,3})", "abababab", "x=ababab"},
-        {"(?<x>(?:ab){2,3}?)", "abababab", "x=abab"},
-        {"(?<x>a{3})(?<y>a{2,})", "aaaaaa", "x=aaa y=aaa"},
-        {"^(?<x>a{3})$", "aa", "no"},
-        {"(?:(?<a>a)|(?<b>b))+", "ab", "a=a b=b"},
-        {"(?:(?<a>a)|(?<b>b))", "b", "a=- b=b"},
-        {"(?<x>(?:a*)*)b", "aab", "x=aa"},
-        {"(?<x>(?:a|b|)*)c", "abc", "x=ab"},
-        {"x(?<n>\\w+)y", "axbyxcdy", "n=byxcd"},
-        {"\\bT(?<t>\\d+)", "ST12 T34", "t=34"},
-        {"(?<t>\\d+)\\B", "123", "t=12"},
-        {"[]x](?<t>[^]]+)]", "x7]", "t=7"},
-        {"(?<t>[-+.0-9]+)", "v +1.5-", "t=+1.5-"},
-        {"(?<t>[\\d.]+)\\xB0", "21.5\xB0", "t=21.5"},
-        {"^$", "", ""},
-        {"a|b|(?<c>)", "", "c="},
-        {"(?<t>.)$", "a\xFF", "t=\xFF"},
-        {"end", "the en", "no"},
-    };
+        const char *pattern, *text, *groups;
+    } cases[] = {{"(?<t>-?\\d+\\.\\d+)", "T=-23.50 C", "t=-23.50"},
+                 {"^(?P<a>[^,]*),(?P<b>.*)$", "1,2,3", "a=1 b=2,3"},
+                 {"(?<a>a|ab)(?<b>c|bcd)(?<c>d*)", "abcd", "a=a b=bcd c="},
+                 {"(?<x>a*)(?<y>a*)", "aaa", "x=aaa y="},
+                 {"(?<x>a*?)(?<y>a*)", "aaa", "x= y=aaa"},
+                 {"(?<x>a+?)(?<y>a?\?)(?<z>a*)$", "aaa", "x=a y= z=aa"},
+                 {"(?<x>(?:ab){2,3})", "abababab", "x=ababab"},
+                 {"(?<x>(?:ab){2,3}?)", "abababab", "x=abab"},
+                 {"(?<x>a{3})(?<y>a{2,})", "aaaaaa", "x=aaa y=aaa"},
+                 {"^(?<x>a{3})$", "aa", "no"},
+                 {"(?:(?<a>a)|(?<b>b))+", "ab", "a=a b=b"},
+                 {"(?:(?<a>a)|(?<b>b))", "b", "a=- b=b"},
+                 {"(?<x>(?:a*)*)b", "aab", "x=aa"},
+                 {"(?<x>(?:a|b|)*)c", "abc", "x=ab"},
+                 {"x(?<n>\\w+)y", "axbyxcdy", "n=byxcd"},
+                 {"\\bT(?<t>\\d+)", "ST12 T34", "t=34"},
+                 {"(?<t>\\d+)\\B", "123", "t=12"},
+                 {"[]x](?<t>[^]]+)]", "x7]", "t=7"},
+                 {"(?<t>[-+.0-9]+)", "v +1.5-", "t=+1.5-"},
+                 {"(?<t>[\\d.]+)\\xB0", "21.5\xB0", "t=21.5"},
+                 {"^$", "", ""},
+                 {"a|b|(?<c>)", "", "c="},
+                 {"(?<t>.)$", "a\xFF", "t=\xFF"},
+                 {"end", "the en", "no"}};
     for (const auto& one : cases) EXPECT_EQ(Groups(one.pattern, one.text), one.groups) << one.pattern << " in " << one.text;
 }
 

@@ -25,13 +25,9 @@ public:
         late = failures = 0;
         reason.clear();
         CDoubleArray values;
-        try {
-            logger.ReadSample(values);
-        } catch (CCommException* failure) {
-            const std::string said = "!" + std::to_string(failure->m_nError);
-            reason = failure->m_strError.GetString();
-            failure->Delete();
-            return said;
+        if (const CommFailure failure = FailureOf([&] { logger.ReadSample(values); }); failure.code != 0) {
+            reason = failure.text;
+            return "!" + std::to_string(failure.code);
         }
         std::string said;
         for (INT_PTR i = 0; i < values.GetSize(); ++i) said += Number(values[i]) + " ";
@@ -118,8 +114,7 @@ TEST(TextReader, WhatTalksByItself) {
          {{0.1, "x\r\nB=1\r\nA=2\r\nA=3\r\n"}, {0.7, "B=4\r\n"}},
          {{0, "3 4 @0.7"}}},
         {"no value is an answer", kOne, {{0.1, "x\r\nnan\r\n"}}, {{0, "nan @0.1"}}},
-        {"a slow one is waited for", kOne + "; nEvery=10000", {{9, "1\r\n"}, {19, "2\r\n"}}, {{0, "1 @9"}, {9, "2 @19"}}},
-    };
+        {"a slow one is waited for", kOne + "; nEvery=10000", {{9, "1\r\n"}, {19, "2\r\n"}}, {{0, "1 @9"}, {9, "2 @19"}}}};
     for (const auto& one : cases) {
         SCOPED_TRACE(one.name);
         Told told(one.description);
@@ -208,8 +203,7 @@ TEST(TextReader, WhatIsAsked) {
          {{{0.2, "1\r\n"}, {4.5, "2\r\n"}}, {{0.1, "3\r\n"}, {0.2, "4\r\n"}}, {{0.1, "5\r\n"}, {0.2, "6\r\n"}}},
          {"!8", "5 6 @8.4"},
          3},
-        {"what is there is no answer", kAsked, {{{0.2, "1\r\n"}, {0.3, "9\r\n"}}, {{0.2, "2\r\n"}}}, {"1 @0.2", "2 @1.4"}, 2},
-    };
+        {"what is there is no answer", kAsked, {{{0.2, "1\r\n"}, {0.3, "9\r\n"}}, {{0.2, "2\r\n"}}}, {"1 @0.2", "2 @1.4"}, 2}};
     for (const auto& one : cases) {
         SCOPED_TRACE(one.name);
         Told told(one.description);

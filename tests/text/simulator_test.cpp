@@ -22,8 +22,7 @@ const std::string kDescriptions[] = {
     "sFields=regex; sPattern=^T (?<t>[-+]?\\d+\\.\\d) C,.*RH (?<h>\\S+)$; Channels.1.sGroup=t; Channels.2.sGroup=h" + kScaled,
     "sAsk=MEAS?\\r\\n; Channels.1.nField=1; Channels.1.sPrefix=+; Channels.2.nField=2" + kScaled,
     "nLines=2; sFirst=A; sFields=keys; Channels.1.sKey=A; Channels.2.sKey=B; Channels.2.nLine=2" + kScaled,
-    "nSkip=2; Channels.1.nField=1; Channels.2.nField=2" + kScaled,
-};
+    "nSkip=2; Channels.1.nField=1; Channels.2.nField=2" + kScaled};
 
 // Readings of the simulated logger by the real one.
 class Pair {
@@ -58,13 +57,7 @@ public:
         unsigned from = 0;
         for (int i = 0; i < 20; ++i) {
             CDoubleArray values;
-            try {
-                m_logger.ReadSample(values);
-            } catch (CCommException* failure) {
-                failure->Delete();
-                continue;
-            }
-            if (std::isnan(values[0])) continue;
+            if (FailureOf([&] { m_logger.ReadSample(values); }).code != 0 || std::isnan(values[0])) continue;
             unsigned reading = from;
             while (reading < from + 60 && !IsOf(values, reading)) ++reading;
             EXPECT_LT(reading, from + 60) << values[0] << " " << values[1];

@@ -1,15 +1,11 @@
 // What Wine does differently from Windows, and this home does like Windows (docs/wine.md).
-#include <chrono>
-#include <optional>
 #include <thread>
 
-#include "comm/comm_exception.h"
-#include "comm/line_connection.h"
-#include "comm/serial_orvik.h"
+#include "comm/serial_device.h"
 #include "comm/serial_wnd.h"
-#include "comm/transport.h"
 #include "tests/comm/mailbox.h"
 #include "tests/comm/serial_fixture.h"
+#include "tests/comm/transport_user.h"
 
 namespace {
 constexpr DWORD kBriefly = 30;  // ms in which something that must not happen would have happened
@@ -26,26 +22,20 @@ TEST_F(SerialTest, AHeldPortIsInUse) {
         EXPECT_EQ(0, port.Close());
         EXPECT_EQ(CSerial::PortAvailable, CSerial::CheckPort(peer.Name()));
     }
+    OpenSerial other;
+    EXPECT_EQ(0, other.Open(peer.Device().c_str(), 0, 0, true));
+    EXPECT_EQ(0, other.Write("path", nullptr, nullptr, kSoon));
+    EXPECT_EQ("path", peer.Receive(4));
+    EXPECT_EQ(5, port.Open(peer.Name(), 0, 0, true)) << "one device, however it is called";
 }
 
 TEST_F(SerialTest, APortOfAnotherThreadIsNotShared) {
-    const auto open = [this](ITransport& line) { line.Open(peer.Name(), {}, line.Now() + std::chrono::seconds(5)); };
-    CSerialOrvik ports[2];
-    CLineConnection holder;
-    const auto held = OrvikMakeTransport(ports[0], holder);
-    open(*held);
+    TransportUser holder;
+    holder.Open(peer.Name());
     std::thread([&] {
-        CLineConnection late;
-        const auto refused = OrvikMakeTransport(ports[1], late);
-        try {
-            open(*refused);
-            ADD_FAILURE() << "opened twice";
-        } catch (CCommException* failure) {
-            EXPECT_EQ(CCommException::AccessDenied, failure->m_nError);
-            failure->Delete();
-        }
+        TransportUser late;
+        EXPECT_EQ(CCommException::AccessDenied, FailureOf([&] { late.Open(peer.Name()); }).code);
     }).join();
-    held->Close();
 }
 
 TEST_F(SerialTest, TheRecordsStayWithTheHolder) {
@@ -61,7 +51,7 @@ TEST_F(SerialTest, TheRecordsStayWithTheHolder) {
     EXPECT_EQ(0, first.Close());
 }
 
-TEST_F(SerialTest, ParityReadsBack) {
+TEST_F(SerialTest, ParityAndHandshakeReadBack) {
     Open();
     for (const auto parity : {CSerial::ParityOdd, CSerial::ParityEven, CSerial::ParityMark, CSerial::ParitySpace}) {
         EXPECT_EQ(0, port.Setup(CSerial::Baudrate19200, CSerial::DataBits7, parity, CSerial::StopBits1));
@@ -70,10 +60,6 @@ TEST_F(SerialTest, ParityReadsBack) {
     }
     EXPECT_EQ(0, port.Setup(CSerial::Baudrate19200, CSerial::DataBits7, CSerial::ParityNone, CSerial::StopBits1));
     EXPECT_EQ(0u, static_cast<unsigned>(State().fParity));
-}
-
-TEST_F(SerialTest, EveryHandshakeSetsItsLines) {
-    Open();
     const struct {
         CSerial::EHandshake mode;
         DWORD dtr, rts, cts, dsr, xon;
@@ -93,7 +79,7 @@ TEST_F(SerialTest, EveryHandshakeSetsItsLines) {
     }
 }
 
-TEST_F(SerialTest, EventCharReadsBackAndTellsWhenItComes) {
+TEST_F(SerialTest, EventsAreToldForNewBytesOnly) {
     Open();
     EXPECT_EQ(0, port.SetEventChar('\r', true));
     EXPECT_EQ('\r', port.GetEventChar());
@@ -104,6 +90,13 @@ TEST_F(SerialTest, EventCharReadsBackAndTellsWhenItComes) {
     EXPECT_EQ(0, port.WaitEvent(nullptr, kSoon));
     EXPECT_EQ(CSerial::EventCharReceived, port.GetEventType());
     EXPECT_EQ("no end yet\r", Read(64));
+    ASSERT_EQ(0, port.SetMask(CSerial::EventReceived));
+    peer.Send("1");
+    AwaitArrival();
+    EXPECT_EQ(1460, port.WaitEvent(nullptr, kBriefly)) << "the byte is unread, but not new";
+    peer.Send("2");
+    AwaitArrival();
+    EXPECT_EQ("12", Read(10));
 }
 
 TEST_F(SerialTest, LineErrorsAreToldOnce) {
@@ -125,24 +118,7 @@ TEST_F(SerialTest, LineErrorsAreToldOnce) {
     peer.Error("frame");
     peer.Error("parity");
     EXPECT_EQ(CSerial::ErrorFraming | CSerial::ErrorParity, static_cast<DWORD>(port.GetError()));
-}
-
-TEST_F(SerialTest, ANonBlockingReadOfNothingEndsAtOnce) {
-    for (const bool overlapped : {true, false}) {
-        Open(overlapped);
-        EXPECT_EQ("", Read(10, INFINITE));
-        port.Close();
-    }
-}
-
-TEST_F(SerialTest, ReceivedIsToldForNewBytesOnly) {
-    Open();
-    peer.Send("1");
-    AwaitArrival();
-    EXPECT_EQ(1460, port.WaitEvent(nullptr, kBriefly)) << "the byte is unread, but not new";
-    peer.Send("2");
-    AwaitArrival();
-    EXPECT_EQ("12", Read(10));
+    EXPECT_EQ("", Read(10, INFINITE)) << "a read of nothing ends at once";
 }
 
 TEST_F(SerialTest, WhatHappenedBetweenTwoWaitsIsTold) {
@@ -190,12 +166,18 @@ TEST_F(SerialTest, LineErrorsComeInTheHighHalfOfTheMessage) {
     EXPECT_EQ(0, window.Close());
 }
 
-TEST_F(SerialTest, ADevicePathOpensLikeAName) {
-    OpenSerial other;
-    EXPECT_EQ(0, other.Open(peer.Device().c_str(), 0, 0, true));
-    EXPECT_EQ(0, other.Write("path", nullptr, nullptr, kSoon));
-    EXPECT_EQ("path", peer.Receive(4));
-    EXPECT_EQ(5, port.Open(peer.Name(), 0, 0, true)) << "one device, however it is called";
+TEST_F(SerialTest, ASecondEnumerationListsEveryPortAgain) {
+    CArray<CSerialDevice, const CSerialDevice&> devices;
+    EXPECT_TRUE(CSerialDevice::EnumSerialDevices(devices));
+    const INT_PTR count = devices.GetSize();
+    EXPECT_TRUE(CSerialDevice::EnumSerialDevices(devices));
+    ASSERT_EQ(2 * count, devices.GetSize());
+    bool found = false;
+    for (INT_PTR i = 0; i < count; ++i) {
+        EXPECT_STREQ(devices[i].GetPortName(), devices[count + i].GetPortName());
+        found |= devices[i].GetPortName() == peer.Name();
+    }
+    EXPECT_TRUE(found);
 }
 
 TEST(SerialStrange, NoPortIsNoPort) {

@@ -65,19 +65,19 @@ std::string Listed(const char* port) {
 
 TEST(SetupDevices, AreListedByNameAndDescription) {
     Devices made;
-    SP_DEVINFO_DATA* const plain = made.Add(R"(ROOT\ORVIKTEST\0000)");
-    ASSERT_NE(nullptr, plain);
-    made.Name(plain, REG_SZ, std::string("COM210", 7));
-    made.Describe(plain, "Logger cable");
-    SP_DEVINFO_DATA* const undescribed = made.Add(R"(ROOT\ORVIKTEST\0001)");
-    ASSERT_NE(nullptr, undescribed);
-    made.Name(undescribed, REG_SZ, std::string("COM211", 7));
-    SP_DEVINFO_DATA* const odd = made.Add(R"(ROOT\ORVIKTEST\0002)");
-    ASSERT_NE(nullptr, odd);
-    made.Name(odd, REG_SZ, std::string("CNCA0", 6));
-    SP_DEVINFO_DATA* const binary = made.Add(R"(ROOT\ORVIKTEST\0003)");
-    ASSERT_NE(nullptr, binary);
-    made.Name(binary, REG_BINARY, std::string("COM212", 7));
+    const struct {
+        const char *id, *name, *description;
+        DWORD type;
+    } devices[] = {{R"(ROOT\ORVIKTEST\0000)", "COM210", "Logger cable", REG_SZ},
+                   {R"(ROOT\ORVIKTEST\0001)", "COM211", nullptr, REG_SZ},
+                   {R"(ROOT\ORVIKTEST\0002)", "CNCA0", nullptr, REG_SZ},
+                   {R"(ROOT\ORVIKTEST\0003)", "COM212", nullptr, REG_BINARY}};
+    for (const auto& [id, name, description, type] : devices) {
+        SP_DEVINFO_DATA* const device = made.Add(id);
+        ASSERT_NE(nullptr, device) << id;
+        made.Name(device, type, std::string(name, std::strlen(name) + 1));
+        if (description != nullptr) made.Describe(device, description);
+    }
     SP_DEVINFO_DATA* const nameless = made.Add(R"(ROOT\ORVIKTEST\0004)");
     ASSERT_NE(nullptr, nameless);
     ::RegCloseKey(made.Key(nameless));

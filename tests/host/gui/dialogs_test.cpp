@@ -1,5 +1,5 @@
-// The window's dialogs: what they show, take and refuse, and the progress of long work. In the language of the process; pictures
-// of all go to the folder that ORVIK_DIALOG_PICTURES names, if it names one. The same on both homes.
+// The window's dialogs: what they show, take and refuse, and the progress of long work. In the language of the process.
+// The same on both homes.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -12,10 +12,9 @@
 
 #include "comm/task.h"
 #include "host/gui/script_runner.h"
-#include "host/session/database_file.h"
-#include "platform/picture.h"
 #include "res/ids.h"
 #include "tests/host/gui/hands.h"
+#include "tests/host/sentence_of.h"
 #include "tests/support/regional_settings.h"
 #include "time/locale_cache.h"
 #include "time/span_text.h"
@@ -182,23 +181,8 @@ protected:
             }
         }
     }
-    static void Keep(HWND window, const std::string& name) {
+    static void Paint(HWND window) {
         ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-        const char* const pictures = std::getenv("ORVIK_DIALOG_PICTURES");
-        if (pictures == nullptr) return;
-        CRect client;
-        ::GetClientRect(window, client);
-        const HDC dc = ::GetDC(window);
-        // A screen takes its time to show a window.
-        for (int i = 0; i < 100 && ::GetPixel(dc, 1, 1) == RGB(0, 0, 0); ++i) {
-            ::Sleep(10);
-            ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-            MSG message;
-            while (::PeekMessageA(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE)) ::DispatchMessageA(&message);
-        }
-        const std::string end = Say(Text::WorkOpen) == "Open" ? "-en.png" : "-sv.png";
-        EXPECT_TRUE(::OrvikSavePixels(dc, client, (std::string(pictures) + "/" + name + end).c_str()));
-        ::ReleaseDC(window, dc);
     }
 
     RegionalSettings settings;
@@ -209,47 +193,33 @@ protected:
 
 TEST_F(Dialogs, EveryOneIsReachedByKeyFitsAndCanBeGivenUp) {
     const auto before = hands.Settled();
-    struct Case {
-        const char* name;
-        UINT key;
-        bool control;
+    const auto look = [&](const char* name) {
+        return Step([=](HWND dialog) {
+            ExpectUsable(dialog, name);
+            Paint(dialog);
+            ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+        });
     };
-    for (const Case& one : std::initializer_list<Case>{{"range", 'G', true},
-                                                       {"time-range", 'T', true},
-                                                       {"picture", 'P', true},
-                                                       {"download", 'D', true},
-                                                       {"about", VK_F1, false}}) {
-        const Answers answers(hands.window->m_hWnd, {[&](HWND dialog) {
-                                  ExpectUsable(dialog, one.name);
-                                  Keep(dialog, one.name);
-                                  ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
-                              }});
-        hands.Key(one.key, false, one.control);
+    for (const auto& [name, key] : {std::pair("range", 'G'), std::pair("time-range", 'T'), std::pair("picture", 'P'),
+                                    std::pair("download", 'D'), std::pair("about", static_cast<char>(VK_F1))}) {
+        const Answers answers(hands.window->m_hWnd, {look(name)});
+        hands.Key(static_cast<UINT>(key), false, key != VK_F1);
     }
     // Alt+Enter: of the axis, or of the channel whose row has the keys; Enter there as well.
     for (const bool list : {false, true}) {
         ::SetFocus(list ? hands.window->List().m_hWnd : hands.window->Chart().m_hWnd);
-        const Answers answers(hands.window->m_hWnd, {[&](HWND dialog) {
-                                  ExpectUsable(dialog, "properties");
-                                  Keep(dialog, list ? "properties-channel" : "properties");
-                                  ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
-                              }});
+        const Answers answers(hands.window->m_hWnd, {look("properties")});
         ::SendMessageA(::GetFocus(), WM_SYSKEYDOWN, VK_RETURN, 1 | (1 << 29));
     }
     EXPECT_FALSE(hands.History().CanUndo());
     EXPECT_TRUE(TellingHost::told.empty());
     EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
-    Keep(hands.window->m_hWnd, "window");
+    Paint(hands.window->m_hWnd);
 }
 
 TEST_F(Dialogs, AScriptThatLeavesOneOpenEndsAndSaysSo) {
     ScriptRunner runner(*hands.window, "my.txt", ParseScript("my.txt", "key escape\nkey Ctrl+G\nkey Tab"));
-    try {
-        runner.Run(path);
-        ADD_FAILURE();
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.sentence, Say(Text::ScriptLine, {"my.txt", "3", Say(Text::ScriptAsked)}));
-    }
+    EXPECT_EQ(SentenceOf([&] { runner.Run(path); }), Say(Text::ScriptLine, {"my.txt", "3", Say(Text::ScriptAsked)}));
     EXPECT_FALSE(hands.window->IsAsking());
     EXPECT_FALSE(hands.History().CanUndo());
 }
@@ -356,7 +326,7 @@ TEST_F(Dialogs, EachPropertyThatIsChangedIsAStep) {
            done(Text::StepColour);
            EXPECT_EQ(hands.State().channels[2].colour, RGB(0x10, 0x20, 0x30));
            EXPECT_EQ(hands.window->List().OnGetCellTextColor(2, 0), RGB(0x10, 0x20, 0x30));
-           Keep(dialog, "properties-changed");
+           Paint(dialog);
            Press(dialog, IDOK);
        }});
     EXPECT_EQ(steps.size(), 4u);
@@ -492,7 +462,7 @@ TEST_F(Dialogs, ADownloadShowsItsProgressAndKeepsWhatWasReadWhenCancelled) {
             hands.Pump();
             const size_t now = hands.window->Document().GetSession()->Count();
             if (!asked && now >= cancelAt && ::IsWindow(dialog)) {
-                Keep(dialog, "download-progress");
+                Paint(dialog);
                 EXPECT_EQ(FieldText(dialog, IDC_ORVIK_MESSAGE2),
                           HouseText(Text::WorkCount, {std::to_string(now), std::to_string(count)}));
                 Press(dialog, IDCANCEL);

@@ -34,33 +34,25 @@ ViewState State() {
 }
 
 TEST(GestureTest, FindsWhatStandsAtAPlace) {
-    struct Case {
-        POINT point;
-        Hit hit;
-    };
     using enum Spot;
-    const Case cases[] = {
-        {{110, 60}, {Plot, 0}},
-        {{160, 85}, {Tag, 0}},
-        {{190, 95}, {Tag, 1}},  // the one on top
-        {{350, 150}, {Selection, 0, CZoomSelection::HIT_BODY}},
-        {{302, 102}, {Selection, 0, CZoomSelection::HIT_NORTHWEST}},
-        {{397, 150}, {Selection, 0, CZoomSelection::HIT_EAST}},
-        {{95, 100}, {AxisZoom, 0}},
-        {{100, 100}, {Plot, 0}},  // the plot goes before what its edge shares
-        {{70, 100}, {AxisRubber, 0}},
-        {{70, 40}, {AxisDrag, 0}},
-        {{505, 100}, {AxisZoom, 1}},
-        {{520, 100}, {AxisRubber, 1}},
-        {{520, 40}, {AxisDrag, 1}},
-        {{200, 255}, {AxisZoom, kTimeAxis}},
-        {{200, 270}, {AxisRubber, kTimeAxis}},
-        {{10, 10}, {Nowhere, 0}},
-        {{-5, 9999}, {Nowhere, 0}},
-    };
-    for (const Case& one : cases) {
-        EXPECT_EQ(HitTest(Parts(), one.point), one.hit) << one.point.x << "," << one.point.y;
-    }
+    const std::pair<POINT, Hit> cases[] = {{{110, 60}, {Plot, 0}},
+                                           {{160, 85}, {Tag, 0}},
+                                           {{190, 95}, {Tag, 1}},
+                                           {{350, 150}, {Selection, 0, CZoomSelection::HIT_BODY}},
+                                           {{302, 102}, {Selection, 0, CZoomSelection::HIT_NORTHWEST}},
+                                           {{397, 150}, {Selection, 0, CZoomSelection::HIT_EAST}},
+                                           {{95, 100}, {AxisZoom, 0}},
+                                           {{100, 100}, {Plot, 0}},
+                                           {{70, 100}, {AxisRubber, 0}},
+                                           {{70, 40}, {AxisDrag, 0}},
+                                           {{505, 100}, {AxisZoom, 1}},
+                                           {{520, 100}, {AxisRubber, 1}},
+                                           {{520, 40}, {AxisDrag, 1}},
+                                           {{200, 255}, {AxisZoom, kTimeAxis}},
+                                           {{200, 270}, {AxisRubber, kTimeAxis}},
+                                           {{10, 10}, {Nowhere, 0}},
+                                           {{-5, 9999}, {Nowhere, 0}}};
+    for (const auto& [point, hit] : cases) EXPECT_EQ(HitTest(Parts(), point), hit) << point.x << "," << point.y;
     EXPECT_EQ(HitTest(ViewParts(), {0, 0}).spot, Spot::Nowhere);
 }
 

@@ -14,14 +14,7 @@
 
 void Hands::WriteSession(const std::string& path, int readings) {
     CPropertyDB description, db;
-    const char* const channels[][2] = {{"Air",
-                                        "\xB0"
-                                        "C"},
-                                       {"Humidity", "%"},
-                                       {"Soil",
-                                        "\xB0"
-                                        "C"},
-                                       {"Wind", "km/h"}};
+    const char* const channels[][2] = {{"Air", "\260C"}, {"Humidity", "%"}, {"Soil", "\260C"}, {"Wind", "km/h"}};
     description.SetValue("sName", "Station");
     for (int i = 0; i < 4; ++i) {
         const std::string at = "Channels." + std::to_string(i + 1);
@@ -191,30 +184,39 @@ TEST_F(WindowTest, EachGestureIsOneNamedStep) {
 
 TEST_F(WindowTest, TheKeyboardDoesWhatThePointerDoes) {
     const auto before = hands.Pixels();
+    const auto did = [&](Text step) {
+        ASSERT_TRUE(hands.History().CanUndo()) << Say(step);
+        EXPECT_EQ(Say(hands.History().UndoName()), Say(step));
+        hands.Key('Z', false, true);
+        EXPECT_FALSE(hands.History().CanUndo());
+    };
     struct Case {
         int tabs;
         UINT key;
-        bool shift, control;
         Text step;
+        bool shift = false, control = false;
     };
     // One Tab: the time axis; then three axes, the tag.
-    for (const Case& one : std::initializer_list<Case>{{0, VK_RIGHT, false, false, Text::StepPan},
-                                                       {0, VK_ADD, false, false, Text::StepZoom},
-                                                       {1, VK_LEFT, false, false, Text::StepPan},
-                                                       {1, VK_RIGHT, true, false, Text::StepStretchAxis},
-                                                       {2, VK_UP, false, true, Text::StepStretchAxis},
-                                                       {2, VK_SUBTRACT, false, false, Text::StepZoomAxis},
-                                                       {2, VK_NEXT, false, false, Text::StepSwapAxes},
-                                                       {5, VK_DOWN, false, false, Text::StepMoveTag},
-                                                       {5, VK_DELETE, false, false, Text::StepRemoveTag},
-                                                       {0, 'R', false, true, Text::StepSelect}}) {
+    const Case cases[] = {{0, VK_RIGHT, Text::StepPan},
+                          {0, VK_ADD, Text::StepZoom},
+                          {1, VK_LEFT, Text::StepPan},
+                          {1, VK_RIGHT, Text::StepStretchAxis, true},
+                          {2, VK_UP, Text::StepStretchAxis, false, true},
+                          {2, VK_SUBTRACT, Text::StepZoomAxis},
+                          {2, VK_NEXT, Text::StepSwapAxes},
+                          {5, VK_DOWN, Text::StepMoveTag},
+                          {5, VK_DELETE, Text::StepRemoveTag},
+                          {0, 'R', Text::StepSelect, false, true}};
+    for (const Case& one : cases) {
         hands.Key(VK_ESCAPE);
         for (int i = 0; i < one.tabs; ++i) hands.Key(VK_TAB);
         hands.Key(one.key, one.shift, one.control);
-        ASSERT_TRUE(hands.History().CanUndo()) << Say(one.step);
-        EXPECT_EQ(Say(hands.History().UndoName()), Say(one.step));
-        hands.Key('Z', false, true);
-        EXPECT_FALSE(hands.History().CanUndo());
+        did(one.step);
+    }
+    // What a menu sends.
+    for (const auto& [command, step] : {std::pair(kCommandZoomIn, Text::StepZoom), std::pair(kCommandSelect, Text::StepSelect)}) {
+        ::SendMessageA(hands.window->m_hWnd, WM_COMMAND, command, 0);
+        did(step);
     }
     hands.Key('Y', false, true);
     ASSERT_TRUE(hands.State().selection);
@@ -239,26 +241,6 @@ TEST_F(WindowTest, TheKeyboardDoesWhatThePointerDoes) {
     while (hands.History().CanUndo()) hands.Key('Z', false, true);
     hands.Key(VK_ESCAPE);
     EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
-}
-
-// What a menu sends reaches the command that its item is about.
-TEST_F(WindowTest, TheMenuCommands) {
-    const auto choose = [&](UINT command) {
-        ::SendMessageA(hands.window->m_hWnd, WM_COMMAND, command, 0);
-        hands.Pump();
-        return hands.History().CanUndo() ? hands.History().UndoName() : Text::MenuUndo;
-    };
-    const auto before = hands.Pixels();
-    EXPECT_EQ(choose(kCommandZoomIn), Text::StepZoom);
-    EXPECT_EQ(choose(kCommandResetAll), Text::StepResetAll);
-    EXPECT_EQ(choose(kCommandSelect), Text::StepSelect);
-    EXPECT_EQ(choose(kCommandZoomSelection), Text::StepZoom);
-    EXPECT_EQ(choose(kCommandChannels + 1), Text::StepChannel);
-    EXPECT_EQ(hands.State().hidden.size(), 1u);
-    for (int i = 0; i < 4; ++i) choose(kCommandUndo);
-    EXPECT_EQ(choose(kCommandUndo), Text::MenuUndo);
-    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
-    EXPECT_EQ(choose(kCommandRedo), Text::StepZoom);
 }
 
 TEST_F(WindowTest, ACancelledDragLeavesNothingBehind) {
@@ -288,40 +270,35 @@ TEST_F(WindowTest, WhatHappensInTheMiddleOfADragLeavesNoTrace) {
         while (hands.window->Command(kCommandUndo)) {
         }
     };
+    const std::pair<const char*, std::function<void()>> happens[] = {
+        {"the capture is lost", [] { ::ReleaseCapture(); }},
+        {"it leaves the window, by far, and ends there",
+         [&] {
+             hands.Point(WM_MOUSEMOVE, {-3000, 20000});
+             hands.Point(WM_LBUTTONUP, {30000, -3000});
+         }},
+        {"the session's data come anew; commands of the menu are refused meanwhile",
+         [&] {
+             EXPECT_FALSE(hands.window->Command(kCommandResetAll) || hands.window->Command(kCommandUndo));
+             hands.window->Chart().DataChanged();
+         }},
+        {"the plot shrinks to nothing, and comes back", [&] {
+             for (const SIZE small : {SIZE{3, 30}, SIZE{130, 30}, SIZE{200, 90}}) {
+                 hands.window->SetClientSize(small);
+                 hands.Pixels();
+             }
+             hands.window->SetClientSize({640, 420});
+         }}};
     for (const auto& [a, b] : Drags()) {
-        const POINT end = b;
-        // The capture is lost: the drag ends where it is.
-        DragWhile(a, b, [] { ::ReleaseCapture(); });
-        Release(end);
-        undo();
-        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << "capture " << a.x << "," << a.y;
-        // A drag leaves the window, by far, and ends there.
-        DragWhile(a, b, [&] {
-            hands.Point(WM_MOUSEMOVE, {-3000, 20000});
-            hands.Point(WM_LBUTTONUP, {30000, -3000});
-        });
-        undo();
-        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << "far " << a.x << "," << a.y;
-        // Its axes go: the session's data come anew. Commands of the menu are refused meanwhile.
-        DragWhile(a, b, [&] {
-            EXPECT_FALSE(hands.window->Command(kCommandResetAll) || hands.window->Command(kCommandUndo));
-            hands.window->Chart().DataChanged();
-            Release(end);
-        });
-        undo();
-        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << "axes " << a.x << "," << a.y;
-        // The plot shrinks to nothing, and comes back.
-        DragWhile(a, b, [&] {
-            for (const SIZE small : {SIZE{3, 30}, SIZE{130, 30}, SIZE{200, 90}}) {
-                hands.window->SetClientSize(small);
-                hands.Pixels();
-            }
-            hands.window->SetClientSize({640, 420});
-            Release(end);
-        });
-        hands.Pump();
-        undo();
-        EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << "size " << a.x << "," << a.y;
+        for (const auto& [what, work] : happens) {
+            DragWhile(a, b, [&, end = b, then = work] {
+                then();
+                Release(end);
+            });
+            hands.Pump();
+            undo();
+            EXPECT_EQ(hands.Difference(hands.Settled(), before), "") << what << " " << a.x << "," << a.y;
+        }
     }
 }
 
@@ -359,24 +336,24 @@ TEST_F(WindowTest, ThePointerTellsWhatADragWouldDo) {
     const RECT column = hands.window->List().ColumnRect(0);
     struct Case {
         POINT at;
-        HCURSOR cursor, shift, control;
+        HCURSOR cursor, shift = cursor, control = cursor;
     };
     const HCURSOR arrow = ::LoadCursorA(nullptr, IDC_ARROW);
     const POINT free = {selection.right + 20, selection.bottom + 20};
-    for (const Case& one : std::initializer_list<Case>{
-             {free, hCursorCursor, hCursorCursor, hCursorCursor},
-             {Hands::Middle(selection), hSizeAllCursor, hSizeAllCursor, hSizeAllCursor},
-             {{selection.left + 5, selection.top + 5}, hSizeNWSECursor, hSizeNWSECursor, hSizeNWSECursor},
-             {{selection.right - 5, selection.top + 5}, hSizeNESWCursor, hSizeNESWCursor, hSizeNESWCursor},
-             {{parts.tags[0].left + 2, parts.tags[0].top + 2}, hTextMoveCursor, hTextMoveCursor, hTextMoveCursor},
-             {Hands::Middle(parts.time.zoom), hZoomXCursor, hZoomXCursor, hZoomXCursor},
-             {Hands::Middle(parts.axes[0].zoom), hZoomYCursor, hZoomYCursor, hZoomYCursor},
-             {Hands::Middle(parts.time.rubber), hMoveXExtCursor, hMoveXOrgCursor, hMoveXCursor},
-             {Hands::Middle(parts.axes[1].rubber), hMoveYExtCursor, hMoveYOrgCursor, hMoveYCursor},
-             {Hands::Middle(parts.axes[0].drag), hDragCursor, hDragCursor, hDragCursor},
-             {Hands::Middle(bar), hCurVSplitter, hCurVSplitter, hCurVSplitter},
-             {{bar.right + column.right, 8}, hCurSizeColumn, hCurSizeColumn, hCurSizeColumn},
-             {{2, 2}, arrow, arrow, arrow}}) {
+    for (const Case& one :
+         std::initializer_list<Case>{{free, hCursorCursor},
+                                     {Hands::Middle(selection), hSizeAllCursor},
+                                     {{selection.left + 5, selection.top + 5}, hSizeNWSECursor},
+                                     {{selection.right - 5, selection.top + 5}, hSizeNESWCursor},
+                                     {{parts.tags[0].left + 2, parts.tags[0].top + 2}, hTextMoveCursor},
+                                     {Hands::Middle(parts.time.zoom), hZoomXCursor},
+                                     {Hands::Middle(parts.axes[0].zoom), hZoomYCursor},
+                                     {Hands::Middle(parts.time.rubber), hMoveXExtCursor, hMoveXOrgCursor, hMoveXCursor},
+                                     {Hands::Middle(parts.axes[1].rubber), hMoveYExtCursor, hMoveYOrgCursor, hMoveYCursor},
+                                     {Hands::Middle(parts.axes[0].drag), hDragCursor},
+                                     {Hands::Middle(bar), hCurVSplitter},
+                                     {{bar.right + column.right, 8}, hCurSizeColumn},
+                                     {{2, 2}, arrow}}) {
         for (const auto& [cursor, shift, control] :
              {std::tuple{one.cursor, false, false}, std::tuple{one.shift, true, false}, std::tuple{one.control, false, true}}) {
             ::SetCursor(nullptr);
@@ -473,10 +450,7 @@ TEST_F(WindowTest, KeepsItsViewInTheSession) {
     hands.window->Chart().SetFocusMark({});
     const ViewState state = hands.State();
     EXPECT_EQ(state.tags.size(), 2u);
-    EXPECT_TRUE(state.time && state.selection &&
-                state.axes[0].unit !=
-                    "\xB0"
-                    "C");
+    EXPECT_TRUE(state.time && state.selection && state.axes[0].unit != "\260C");
     const auto picture = hands.Settled();
     EXPECT_TRUE(hands.window->Document().IsModified());
     ASSERT_TRUE(hands.window->SaveTo(path));
