@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
 #include <utility>
+
+#include "platform/house_text_internal.h"
 
 namespace {
 constexpr WORD kNullTag = 0;
@@ -390,32 +393,64 @@ void AfxWriteStringLength(CArchive& ar, DWORD_PTR nLength) {
     }
 }
 
-DWORD_PTR AfxReadStringLength(CArchive& ar) {
+namespace {
+// The length of a text, in units of two bytes where it is `wide`: only a UTF-8 process can hold what such a text may say.
+DWORD_PTR ReadTextLength(CArchive& ar, bool& wide) {
     BYTE small = 0;
     ar >> small;
     if (small != 0xFF) return small;
     WORD word = 0;
     ar >> word;
-    // 0xFFFE announces a text of two-byte characters.
-    if (word == 0xFFFE) AfxThrowArchiveException(CArchiveException::genericException, ar.m_strFileName);
+    if (word == 0xFFFE) {
+        if (wide || !orvik::detail::HouseIsUtf8())
+            AfxThrowArchiveException(CArchiveException::genericException, ar.m_strFileName);
+        wide = true;
+        return ReadTextLength(ar, wide);
+    }
     if (word != 0xFFFF) return word;
     uint32_t dword = 0;
     ar >> dword;
     return dword;
 }
+}  // namespace
 
-CArchive& operator<<(CArchive& ar, const CString& text) {
-    const auto length = static_cast<UINT>(text.GetLength());
-    AfxWriteStringLength(ar, length);
-    ar.Write(text.GetString(), length);
-    return ar;
+DWORD_PTR AfxReadStringLength(CArchive& ar) {
+    bool wide = false;
+    const DWORD_PTR length = ReadTextLength(ar, wide);
+    // The caller expects bytes.
+    if (wide) AfxThrowArchiveException(CArchiveException::genericException, ar.m_strFileName);
+    return length;
 }
 
-CArchive& operator>>(CArchive& ar, CString& text) {
-    const DWORD_PTR length = AfxReadStringLength(ar);
-    text.Empty();
-    if (length == 0) return ar;
-    // Short lengths are cheap to believe; the others are held against the file.
+namespace {
+constexpr WORD kTwoByteText = 0xFFFE;
+
+// What an archive holds for a text of a UTF-8 process: Windows-1252 where that can say it, so that any reader can read it, else
+// UTF-16.
+struct ArchivedText {
+    std::string bytes;
+    std::u16string units;
+    bool wide = false;
+};
+ArchivedText Archived(std::string_view text) {
+    ArchivedText out;
+    for (std::string_view rest = text; !rest.empty();) {
+        const char32_t character = orvik::detail::TakeHouse(rest);
+        const int byte = orvik::detail::ByteFromUnicode(character);
+        out.wide |= byte < 0;
+        out.bytes += static_cast<char>(byte);
+        if (character >= 0x10000) {
+            out.units += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
+            out.units += static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
+        } else {
+            out.units += static_cast<char16_t>(character);
+        }
+    }
+    return out;
+}
+
+// So many bytes behind what `text` holds. Short lengths are cheap to believe; the others are held against the file.
+void ReadBytes(CArchive& ar, CString& text, DWORD_PTR length) {
     constexpr DWORD_PTR kBlock = 65536;
     if (length > 255 && length > ar.GetBytesLeft()) AfxThrowArchiveException(CArchiveException::endOfFile, ar.m_strFileName);
     for (DWORD_PTR have = 0; have < length;) {
@@ -428,5 +463,62 @@ CArchive& operator>>(CArchive& ar, CString& text) {
         have += want;
         text.ReleaseBuffer(static_cast<int>(have));
     }
+}
+
+// Units of UTF-16, little-endian. A unit that is half of a character without the other half becomes U+FFFD.
+std::string HouseFromUnits(std::string_view bytes) {
+    const auto unit = [&](size_t at) {
+        return static_cast<char32_t>(static_cast<unsigned char>(bytes[at]) | static_cast<unsigned char>(bytes[at + 1]) << 8);
+    };
+    std::string out;
+    for (size_t at = 0; at + 1 < bytes.size(); at += 2) {
+        char32_t character = unit(at);
+        const bool first = character >= 0xD800 && character < 0xDC00;
+        if (first && at + 3 < bytes.size() && unit(at + 2) >= 0xDC00 && unit(at + 2) < 0xE000) {
+            at += 2;
+            character = 0x10000 + ((character - 0xD800) << 10) + (unit(at) - 0xDC00);
+        } else if (character >= 0xD800 && character < 0xE000) {
+            character = 0xFFFD;
+        }
+        orvik::detail::AppendHouse(out, character);
+    }
+    return out;
+}
+}  // namespace
+
+CArchive& operator<<(CArchive& ar, const CString& text) {
+    if (orvik::detail::HouseIsUtf8() && orvik::detail::AsciiPrefix(text.GetView()) != text.GetView().size()) {
+        const ArchivedText archived = Archived(text.GetView());
+        if (archived.wide) {
+            ar << static_cast<BYTE>(0xFF) << kTwoByteText;
+            AfxWriteStringLength(ar, archived.units.size());
+            for (const char16_t unit : archived.units) ar << static_cast<WORD>(unit);
+        } else {
+            AfxWriteStringLength(ar, archived.bytes.size());
+            ar.Write(archived.bytes.data(), static_cast<UINT>(archived.bytes.size()));
+        }
+        return ar;
+    }
+    const auto length = static_cast<UINT>(text.GetLength());
+    AfxWriteStringLength(ar, length);
+    ar.Write(text.GetString(), length);
+    return ar;
+}
+
+CArchive& operator>>(CArchive& ar, CString& text) {
+    bool wide = false;
+    const DWORD_PTR length = ReadTextLength(ar, wide);
+    text.Empty();
+    if (length == 0) return ar;
+    if (!wide) {
+        ReadBytes(ar, text, length);
+        if (orvik::detail::HouseIsUtf8() && orvik::detail::AsciiPrefix(text.GetView()) != text.GetView().size())
+            text = orvik::detail::HouseFrom1252(text.GetView());
+        return ar;
+    }
+    if (length > 0x3FFFFFFF) AfxThrowArchiveException(CArchiveException::endOfFile, ar.m_strFileName);
+    CString units;
+    ReadBytes(ar, units, length * 2);
+    text = HouseFromUnits(units.GetView());
     return ar;
 }

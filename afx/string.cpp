@@ -2,6 +2,7 @@
 
 #include "afx/exception.h"
 #include "afx/text_1252.h"
+#include "platform/house_text_internal.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -173,6 +174,7 @@ int CString::Compare(LPCSTR text) const {
 int CString::Compare(const CString& text) const { return CompareBytes(GetView(), text.GetView()); }
 
 int CString::CompareNoCase(LPCSTR text) const {
+    if (orvik::detail::HouseIsUtf8()) return orvik::detail::CompareNoCase(GetView(), text != nullptr ? text : "");
     const auto* a = reinterpret_cast<const unsigned char*>(m_text);
     const auto* b = reinterpret_cast<const unsigned char*>(text != nullptr ? text : "");
     for (;; ++a, ++b) {
@@ -303,15 +305,34 @@ int CString::Delete(int index, int count) {
     return GetLength();
 }
 
+namespace {
+void ChangeCase(CString& text, char32_t (*character)(char32_t), unsigned char (*byte)(unsigned char)) {
+    if (!orvik::detail::HouseIsUtf8() || orvik::detail::AsciiPrefix(text.GetView()) == text.GetView().size()) {
+        const int length = text.GetLength();
+        char* const buffer = length > 0 ? text.GetBuffer(length) : nullptr;
+        for (int i = 0; i < length; ++i) buffer[i] = static_cast<char>(byte(static_cast<unsigned char>(buffer[i])));
+        return;
+    }
+    std::string changed;
+    for (std::string_view rest = text.GetView(); !rest.empty();) {
+        // A byte that belongs to no character stays as it is.
+        const char first = rest.front();
+        const char32_t one = orvik::detail::TakeUtf8(rest);
+        if (one == orvik::detail::kInvalid)
+            changed += first;
+        else
+            orvik::detail::AppendUtf8(changed, character(one));
+    }
+    text = std::string_view(changed);
+}
+}  // namespace
+
 CString& CString::MakeLower() {
-    for (char* at = m_text; at != m_text + Header().length; ++at)
-        *at = static_cast<char>(orvik::detail::ToLower1252(static_cast<unsigned char>(*at)));
+    ChangeCase(*this, orvik::detail::LowerCase, orvik::detail::ToLower1252);
     return *this;
 }
-
 CString& CString::MakeUpper() {
-    for (char* at = m_text; at != m_text + Header().length; ++at)
-        *at = static_cast<char>(orvik::detail::ToUpper1252(static_cast<unsigned char>(*at)));
+    ChangeCase(*this, orvik::detail::UpperCase, orvik::detail::ToUpper1252);
     return *this;
 }
 

@@ -1,6 +1,7 @@
 #include "frame/module.h"
 
 #include "afx/module.h"
+#include "platform/house_text_internal.h"
 #include "platform/module_entry.h"
 
 namespace {
@@ -20,6 +21,7 @@ int ModuleEntry(HINSTANCE module, DWORD reason) {
 }  // namespace orvik::detail
 
 void OrvikShared_InitModule() {
+    orvik::detail::FixHouseText();
     // Made with the system flag and then without it, so that the library is searched like any other.
     auto* library = new CDynLinkLibrary(g_extensionModule, TRUE);
     library->m_bSystem = FALSE;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/win32.h"
+#include "platform/house_text.h"
 
 namespace {
 struct Pair {
@@ -20,8 +20,6 @@ bool IsSwedish() {
     static const bool swedish = (GetUserDefaultUILanguage() & kPrimary) == kSwedish;
     return swedish;
 }
-
-std::wstring::size_type Size(int count) { return count > 0 ? static_cast<size_t>(count) : 0; }
 
 // The word that a "{1:one|many}" at `at` stands for, and its length; 0 where there is none.
 size_t Plural(std::string_view pattern, size_t at, std::initializer_list<std::string_view> arguments, std::string_view& word) {
@@ -77,49 +75,13 @@ std::string Reason(unsigned long error) {
     }
 }
 
-namespace {
-// By way of UTF-16, in which the system's two conversions meet. `lossless` tells whether every character could be said.
-std::string Convert(std::string_view text, UINT from, UINT to, bool& lossless) {
-    lossless = true;
-    if (text.empty()) return {};
-    const int bytes = static_cast<int>(text.size());
-    const DWORD strict = from == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
-    std::basic_string<WCHAR> wide(Size(MultiByteToWideChar(from, strict, text.data(), bytes, nullptr, 0)), 0);
-    if (wide.empty()) {
-        lossless = false;
-        return std::string(text);
-    }
-    MultiByteToWideChar(from, strict, text.data(), bytes, wide.data(), static_cast<int>(wide.size()));
-    BOOL replaced = FALSE;
-    BOOL* replacedOut = to == CP_UTF8 ? nullptr : &replaced;  // not to be asked of UTF-8
-    const DWORD exact = to == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;
-    const int length = static_cast<int>(wide.size());
-    std::string out(Size(WideCharToMultiByte(to, exact, wide.data(), length, nullptr, 0, nullptr, replacedOut)), 0);
-    WideCharToMultiByte(to, exact, wide.data(), length, out.data(), static_cast<int>(out.size()), nullptr, replacedOut);
-    lossless = !replaced && !out.empty();
-    return out;
-}
-}  // namespace
-
 size_t WidthOf(std::string_view utf8) {
     const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
     return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), begins));
 }
 
-std::string ToUtf8(std::string_view houseText) {
-    // A word of the command line that Windows-1252 cannot say has stayed UTF-8.
-    bool said, lossless;
-    const std::string asBytes = Convert(houseText, CP_UTF8, 1252, said);
-    if (!said && asBytes != houseText) return std::string(houseText);
-    return Convert(houseText, 1252, CP_UTF8, lossless);
-}
-
-bool FromUtf8(std::string_view utf8, std::string& houseText) {
-    bool lossless;
-    std::string converted = Convert(utf8, CP_UTF8, 1252, lossless);
-    if (lossless) houseText = std::move(converted);
-    return lossless;
-}
+std::string ToUtf8(std::string_view houseText) { return OrvikUtf8FromText(houseText); }
+bool FromUtf8(std::string_view utf8, std::string& houseText) { return OrvikTextFromUtf8(utf8, houseText); }
 
 std::string ToHouse(std::string_view utf8) {
     std::string house;

@@ -4,6 +4,7 @@
 
 #include "afx/exception.h"
 #include "afx/file.h"
+#include "platform/house_text_internal.h"
 #include "record/crc32c_internal.h"
 #include "record/recording_format_internal.h"
 
@@ -22,7 +23,7 @@ bool IsDisplaced(const unsigned char* bytes, size_t left, size_t& budget) {
     budget -= length;
     return Crc32c(bytes + kBlockHeader, length) == crc;
 }
-}
+}  // namespace
 
 CRecordingReader::CRecordingReader() = default;
 CRecordingReader::~CRecordingReader() = default;
@@ -181,7 +182,7 @@ ERecordItem CRecordingReader::Take() {
             in >> gap.number >> gap.from >> gap.until >> gap.missed >> gap.attempts >> gap.cause >> channels;
             gap.channels.resize(std::min<size_t>(channels, in.Left() / 2));
             in.Bytes(gap.channels.data(), 2 * gap.channels.size());
-            gap.text = in.Text(in.Left());
+            gap.text = HouseFromEither(in.Text(in.Left()));
             if (!in.Whole() || gap.channels.size() != channels) return damaged();
             m_gap = std::move(gap);
             return RI_GAP;
@@ -189,7 +190,7 @@ ERecordItem CRecordingReader::Take() {
         case kEventBlock: {
             CRecordedEvent event;
             in >> event.time >> event.kind >> event.amount;
-            event.text = in.Text(in.Left());
+            event.text = HouseFromEither(in.Text(in.Left()));
             if (!in.Whole()) return damaged();
             m_event = std::move(event);
             return RI_EVENT;

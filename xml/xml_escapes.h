@@ -1,5 +1,7 @@
 // The escapes of the XML dialect. Text escapes "&", "<", ">" and seven letters by number; attributes escape "&" and the two
-// quotes. No other byte is escaped: bytes above 127 stand as they are, although the declaration names UTF-8. That is the format.
+// quotes. No other byte is escaped: in a Windows-1252 process bytes above 127 stand as they are, although the declaration names
+// UTF-8. That is the format. In a UTF-8 process what is written is UTF-8, whatever the text holds, and any reference by number is
+// read.
 // Pure functions; any thread. Internal.
 #pragma once
 

@@ -1,5 +1,6 @@
 #include "xml/xml_scanner.h"
 
+#include "platform/house_text_internal.h"
 #include "xml/xml_escapes.h"
 
 #include <algorithm>
@@ -34,7 +35,12 @@ std::string_view Trimmed(std::string_view text) {
 }  // namespace
 
 XmlScanner::XmlScanner(CFile& file, const XmlEntities& entities, XmlEvents& events)
-    : m_file(file), m_entities(entities), m_events(events), m_buffer(new char[kBlock + 1]), m_capacity(kBlock) {
+    : m_file(file),
+      m_entities(entities),
+      m_events(events),
+      m_buffer(new char[kBlock + 1]),
+      m_capacity(kBlock),
+      m_utf8(HouseIsUtf8()) {
     m_buffer[0] = 0;
 }
 
@@ -85,13 +91,14 @@ bool XmlScanner::ReadTag(unsigned long depth) {
     char ch = Get();
     if (nameFrom == nameTo) return false;
     m_attributes.m_places.clear();
+    m_attributes.m_converted.clear();
     if (Is(ch, kWhite)) {
         ch = GetBeyondWhite();
         if (!ReadAttributes(ch)) return false;
     }
     if (ch == '/' || ch == '?') {
         if (Get() != '>' || meta != (ch == '?')) return false;
-        m_attributes.m_base = m_buffer.get() + m_keep;
+        ShowAttributes();
         const std::string_view name = Piece(nameFrom, nameTo);
         return meta ? m_events.OnMeta(depth, name, m_attributes) : m_events.OnEmptyElement(depth, name, m_attributes);
     }
@@ -106,7 +113,7 @@ bool XmlScanner::ReadTag(unsigned long depth) {
     const bool escapes = !children && SkipTo('<');
 
     // From here on the buffer does not move until the event is over.
-    m_attributes.m_base = m_buffer.get() + m_keep;
+    ShowAttributes();
     const std::string_view name = Piece(nameFrom, nameTo);
     if (name.size() != m_lastName.size()) m_lastName = name;
     m_open.push_back({m_names.size(), depth, depth});
@@ -118,12 +125,60 @@ bool XmlScanner::ReadTag(unsigned long depth) {
         return true;
     }
     std::string_view text = Trimmed(Piece(textFrom, Offset()));
+    if (IsForeign(text)) {
+        m_converted = Utf8From1252(text);
+        text = m_converted;
+    }
     if (escapes) text = text.substr(0, UnescapeText(const_cast<char*>(text.data()), text.size(), m_entities));
     if (!m_events.OnTextElement(depth, name, m_attributes, text)) return false;
     if (!ReadEndTag()) return false;
     m_names.resize(m_open.back().name);
     m_open.pop_back();
     return true;
+}
+
+void XmlScanner::ShowAttributes() {
+    m_attributes.m_base = m_buffer.get() + m_keep;
+    if (!m_utf8) return;
+    for (XmlAttributes::Place& place : m_attributes.m_places) {
+        const std::string_view value(m_attributes.m_base + place.value, place.valueLength);
+        if (!IsForeign(value)) continue;
+        m_attributes.m_converted.push_back(Utf8From1252(value));
+        place.converted = m_attributes.m_converted.size();
+    }
+}
+
+bool XmlScanner::IsForeign(std::string_view piece) {
+    if (!m_utf8 || m_characters == Characters::House || AsciiPrefix(piece) == piece.size()) return false;
+    if (m_characters == Characters::Unknown)
+        m_characters = RestIsUtf8(piece.data()) ? Characters::House : Characters::Windows1252;
+    return m_characters == Characters::Windows1252;
+}
+
+// Of what the buffer holds from `from` on and what the file has behind it; the file's position stays.
+bool XmlScanner::RestIsUtf8(const char* from) {
+    std::string part(from, static_cast<size_t>(m_buffer.get() + m_end - from));
+    const ULONGLONG position = m_file.Seek(0, CFile::current);
+    bool good = true;
+    for (bool atEnd = false; good && !atEnd;) {
+        // A character may go on in the next part.
+        std::string_view rest = part;
+        rest.remove_prefix(AsciiPrefix(rest));
+        constexpr size_t kLongest = 4;
+        while (good && rest.size() >= kLongest) {
+            good = TakeUtf8(rest) != kInvalid;
+            rest.remove_prefix(AsciiPrefix(rest));
+        }
+        const size_t kept = rest.size();
+        std::string next(rest);
+        next.resize(kept + kBlock);
+        const UINT got = good ? m_file.Read(next.data() + kept, static_cast<UINT>(kBlock)) : 0;
+        next.resize(kept + got);
+        part = std::move(next);
+        atEnd = got == 0;
+    }
+    m_file.Seek(static_cast<LONGLONG>(position), CFile::begin);
+    return good && IsUtf8(part);
 }
 
 bool XmlScanner::ReadComment(unsigned long depth) {
@@ -135,7 +190,8 @@ bool XmlScanner::ReadComment(unsigned long depth) {
     const size_t to = Offset();
     Get();
     if (Get() != '>') return false;
-    return m_events.OnComment(depth, Piece(from, to));
+    const std::string_view text = Piece(from, to);
+    return m_events.OnComment(depth, IsForeign(text) ? Utf8From1252(text) : std::string(text));
 }
 
 // `ch` is the byte behind the white space that follows the name, and in the end the byte that follows the attributes.
@@ -150,6 +206,7 @@ bool XmlScanner::ReadAttributes(char& ch) {
         const bool escapes = SkipTo('"');
         size_t length = Offset() - valueFrom;
         if (Get() != '"') return false;
+        IsForeign(Piece(valueFrom, valueFrom + length));  // to be asked of the bytes as they came
         if (escapes) length = UnescapeAttribute(m_buffer.get() + m_keep + valueFrom, length);
         m_attributes.m_places.push_back({nameFrom, nameTo - nameFrom, valueFrom, length});
         ch = GetBeyondWhite();

@@ -9,6 +9,7 @@
 #include "xml/xml_text.h"
 
 #include <cstring>
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,7 +24,11 @@ class XmlAttributes {
 public:
     size_t Count() const { return m_places.size(); }
     std::string_view Name(size_t index) const { return {m_base + m_places[index].name, m_places[index].nameLength}; }
-    std::string_view Value(size_t index) const { return {m_base + m_places[index].value, m_places[index].valueLength}; }
+    std::string_view Value(size_t index) const {
+        const Place& place = m_places[index];
+        return place.converted != 0 ? m_converted[place.converted - 1]
+                                    : std::string_view(m_base + place.value, place.valueLength);
+    }
     // Of attributes of the same name the last counts. The name is a literal.
     template <size_t Size>
     bool Find(const char (&name)[Size], std::string_view& value) const {
@@ -39,8 +44,10 @@ private:
     friend class XmlScanner;
     struct Place {
         size_t name, nameLength, value, valueLength;  // offsets from the tag's first byte
+        size_t converted = 0;                         // from 1 on: the value is one of `m_converted`
     };
     std::vector<Place> m_places;
+    std::deque<std::string> m_converted;  // values whose characters are not those of the file
     const char* m_base = nullptr;
 };
 
@@ -87,8 +94,14 @@ private:
     bool ReadComment(unsigned long depth);
     bool ReadAttributes(char& ch);
     bool ReadPlainAttribute(char& ch);
+    void ShowAttributes();  // ready for an event
     bool ReadEndTag();
     bool CloseElement();
+
+    // In a UTF-8 process a file that is no UTF-8 as a whole is Windows-1252: true when `piece`, which the buffer holds, has to be
+    // converted for that. Asks the file once, at the first byte above 127.
+    bool IsForeign(std::string_view piece);
+    bool RestIsUtf8(const char* from);
 
     bool Fill();
     char PeekSecond();  // the byte after the next one
@@ -126,8 +139,11 @@ private:
     ULONGLONG m_shown = 0;
     XmlAttributes m_attributes;
     std::vector<OpenElement> m_open;
-    std::string m_names;     // of the open elements, one behind another
-    std::string m_lastName;  // of some element before
+    std::string m_names;      // of the open elements, one behind another
+    std::string m_lastName;   // of some element before
+    std::string m_converted;  // the text of an element
     bool m_refused = false;
+    const bool m_utf8;
+    enum class Characters : unsigned char { Unknown, House, Windows1252 } m_characters = Characters::Unknown;
 };
 }  // namespace orvik::detail

@@ -11,8 +11,8 @@ namespace orvik::detail {
 
 // A class, title or menu in a template: a text, or a number in a resource.
 struct TemplateName {
-    std::string text;  // Windows-1252
-    WORD number = 0;   // not 0: instead of the text
+    std::string text;
+    WORD number = 0;  // not 0: instead of the text
 };
 
 struct TemplateItem {

@@ -39,15 +39,17 @@ HWND Walk(const std::vector<HWND>& list, size_t from, bool previous, Fits fits) 
 }
 
 // The letter after a single "&", in lower case; 0 without one.
-char Mnemonic(HWND window) {
+char32_t Mnemonic(HWND window) {
     char text[256];
     const int length = GetWindowTextA(window, text, sizeof text);
     for (int i = 0; i + 1 < length; ++i) {
         if (text[i] != '&') continue;
         if (text[i + 1] == '&')
             ++i;
-        else
-            return LowerCase1252(text[i + 1]);
+        else {
+            std::string_view rest(text + i + 1, static_cast<size_t>(length - i - 1));
+            return LowerCase(TakeHouse(rest));
+        }
     }
     return 0;
 }
@@ -60,8 +62,11 @@ bool PressMnemonic(HWND window, Dialog& dialog, char key) {
     const HWND focus = GetFocus();
     size_t from = Find(list, focus);
     if (from == list.size()) from = list.size() - 1;
+    const std::string_view one(&key, 1);
+    std::string_view rest = one;
+    const char32_t letter = LowerCase(TakeHouse(rest));
     const HWND found = Walk(list, from, false, [&](HWND each) {
-        return Usable(each) && !IsButton(each, DLGC_WANTCHARS) && Mnemonic(each) == LowerCase1252(key);
+        return Usable(each) && !IsButton(each, DLGC_WANTCHARS) && Mnemonic(each) == letter;
     });
     if (found == nullptr) return false;
     if (IsButton(found, DLGC_BUTTON)) {

@@ -80,10 +80,9 @@ public:
             name.number = Word();
             return name;
         }
-        for (; c != 0; c = Word()) {
-            const int byte = ByteFromUnicode(c);
-            name.text += byte < 0 ? '?' : static_cast<char>(byte);
-        }
+        std::u16string text;
+        for (; c != 0; c = Word()) text += static_cast<char16_t>(c);
+        name.text = HouseFromUtf16(text);
         return name;
     }
     void Align() { m_at = m_start + (static_cast<size_t>(m_at - m_start) + 3) / 4 * 4; }

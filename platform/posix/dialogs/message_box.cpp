@@ -16,8 +16,8 @@ int MessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT type) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    const std::string line = orvik::detail::Utf8From1252(caption != nullptr ? caption : "Error") + ": " +
-                             orvik::detail::Utf8From1252(text != nullptr ? text : "") + "\n";
+    const std::string line = orvik::detail::Utf8FromHouse(caption != nullptr ? caption : "Error") + ": " +
+                             orvik::detail::Utf8FromHouse(text != nullptr ? text : "") + "\n";
     std::fputs(line.c_str(), stderr);
     const UINT wanted = (type & MB_DEFMASK) >> 8;
     const bool there = wanted < 3 && kButtons[set][wanted] != 0;

@@ -29,7 +29,7 @@ FcPattern* Match(const LOGFONTA& description) {
     const auto addFamily = [&](const std::string& name) {
         FcPatternAddString(wanted, FC_FAMILY, reinterpret_cast<const FcChar8*>(name.c_str()));
     };
-    if (description.lfFaceName[0] != 0) addFamily(Utf8From1252(description.lfFaceName));
+    if (description.lfFaceName[0] != 0) addFamily(Utf8FromHouse(description.lfFaceName));
     const bool fixed = (description.lfPitchAndFamily & 3) == FIXED_PITCH || (description.lfPitchAndFamily & 0xF0) == FF_MODERN;
     addFamily(fixed ? "DejaVu Sans Mono" : (description.lfPitchAndFamily & 0xF0) == FF_ROMAN ? "DejaVu Serif" : "DejaVu Sans");
     if (description.lfWeight != FW_DONTCARE) FcPatternAddInteger(wanted, FC_WEIGHT, FontconfigWeight(description.lfWeight));

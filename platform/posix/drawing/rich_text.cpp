@@ -179,10 +179,19 @@ private:
     // Signed 16 bits in older documents.
     void Unicode(int number) {
         const int unit = number < 0 ? number + 0x10000 : number;
-        const int byte = unit > 0 && unit < 0x10000 ? detail::ByteFromUnicode(static_cast<char32_t>(unit)) : -1;
-        const char ch = byte > 0 ? static_cast<char>(byte) : '?';
         m_toSkip = 0;
-        Put({&ch, 1});
+        // Characters beyond the first 65,536 come as two of these.
+        if (unit >= 0xD800 && unit < 0xDC00) {
+            m_high = unit;
+        } else {
+            std::string said;
+            const bool pair = m_high != 0 && unit >= 0xDC00 && unit < 0xE000;
+            const int character = pair ? 0x10000 + ((m_high - 0xD800) << 10) + (unit - 0xDC00) : unit;
+            const bool known = character > 0 && (pair || character < 0xD800 || (character >= 0xE000 && character < 0x10000));
+            detail::AppendHouse(said, known ? static_cast<char32_t>(character) : U'?');
+            m_high = 0;
+            Put(said);
+        }
         m_toSkip = Fallback();
     }
 
@@ -202,6 +211,7 @@ private:
     bool m_ended = false;
     size_t m_depth = 0;
     size_t m_skipFrom = 0;  // the depth of the group that is left out, 0 for none
+    int m_high = 0;         // the first half of a character that comes in two
     int m_toSkip = 0;       // characters of a fallback still to come
     std::array<int, kMostGroups> m_fallbacks{1};
     std::string m_plain;

@@ -320,16 +320,7 @@ BOOL GetTextMetricsA(HDC dc, LPTEXTMETRICA metrics) {
 int GetTextFaceA(HDC dc, int size, LPSTR name) {
     const auto found = FindDc(dc);
     if (found == nullptr) return 0;
-    std::string family;
-    const std::string& utf8 = found->Face().Font().family;
-    // A family's name in Windows-1252; what it cannot hold is left out.
-    for (size_t i = 0; i < utf8.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(utf8[i]);
-        if (byte < 0x80)
-            family += utf8[i];
-        else if ((byte == 0xC2 || byte == 0xC3) && i + 1 < utf8.size())
-            family += static_cast<char>((byte & 3) << 6 | (utf8[++i] & 0x3F));
-    }
+    const std::string family = HouseFromUtf8(found->Face().Font().family);
     const int whole = static_cast<int>(family.size()) + 1;
     if (name == nullptr) return whole;
     if (size <= 0) return 0;

@@ -113,24 +113,38 @@ struct Search : KernelObject {
 // "*" any run, "?" any one character; the case of letters is that of the pattern or not. No recursion, and time is bounded by the
 // product of the two lengths.
 bool MatchesPattern(std::string_view pattern, std::string_view name) {
-    const bool plain = IsBeyond1252(name);
-    const auto fold = [plain](char c) { return plain && (c & 0x80) ? c : LowerCase1252(c); };
-    size_t p = 0, n = 0, star = std::string_view::npos, from = 0;
-    while (n < name.size()) {
-        if (p < pattern.size() && pattern[p] == '*') {
-            star = p++;
-            from = n;
-        } else if (p < pattern.size() && (pattern[p] == '?' || fold(pattern[p]) == fold(name[n]))) {
-            ++p, ++n;
-        } else if (star != std::string_view::npos) {
-            p = star + 1;  // the last run takes one more
-            n = ++from;
+    const bool plain = !HouseIsUtf8() && IsBeyond1252(name);
+    const auto take = [plain](std::string_view rest, char32_t& character) {
+        if (HouseIsUtf8()) {
+            character = LowerCase(TakeHouse(rest));
+        } else {
+            const char byte = rest.front();
+            character = static_cast<unsigned char>(plain && (byte & 0x80) ? byte : LowerCase1252(byte));
+            rest.remove_prefix(1);
+        }
+        return rest;
+    };
+    std::string_view star, from;
+    bool starred = false;
+    while (!name.empty()) {
+        char32_t of = 0, wanted = 0;
+        const std::string_view after = take(name, of);
+        if (!pattern.empty() && pattern.front() == '*') {
+            pattern.remove_prefix(1);
+            star = pattern, from = name, starred = true;
+            continue;
+        }
+        const std::string_view behind = pattern.empty() ? pattern : take(pattern, wanted);
+        if (!pattern.empty() && (pattern.front() == '?' || wanted == of)) {
+            pattern = behind, name = after;
+        } else if (starred) {
+            pattern = star;  // the last run takes one more
+            name = from = take(from, of);
         } else {
             return false;
         }
     }
-    while (p < pattern.size() && pattern[p] == '*') ++p;
-    return p == pattern.size();
+    return pattern.find_first_not_of('*') == pattern.npos;
 }
 
 // The pattern as documented: without a wildcard it is a name, and names are exact here; ".*" at the end is also matched by a name

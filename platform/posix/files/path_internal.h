@@ -23,7 +23,7 @@ std::string DrivePath(std::string_view name);
 inline constexpr std::string_view kNowhere = "/dev/null/no drive";
 
 // The name that the system's file calls take for a name in this house's text. Windows-1252 text becomes UTF-8; text beyond
-// Windows-1252 passes as it stands, so that a file named in any script can be reached.
+// Windows-1252 passes as it stands, so that a file named in any script can be reached; a UTF-8 process's names are its own.
 // A backslash separates folders as "/" does; a drive letter leads to its folder; a name of another computer (two backslashes
 // first) leads nowhere. docs/files.md has the whole rule.
 std::string SystemPath(std::string_view name);

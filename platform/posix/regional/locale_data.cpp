@@ -96,7 +96,7 @@ void Names(const icu::Locale& locale, LocaleData& to) {
     const auto fill = [&count](const UnicodeString* names, auto& out, int32_t first) {
         for (size_t i = 0; i < out.size(); ++i) {
             const auto from = static_cast<int32_t>((i + static_cast<size_t>(first)) % out.size());
-            if (names) out[i] = AnsiFromUnicode(names[from + (count > static_cast<int32_t>(out.size()) ? 1 : 0)]);
+            if (names) out[i] = HouseFromUnicode(names[from + (count > static_cast<int32_t>(out.size()) ? 1 : 0)]);
         }
     };
     // ICU's weekdays stand at 1 (Sunday) to 7; Windows counts from Monday.
@@ -110,7 +110,7 @@ void Names(const icu::Locale& locale, LocaleData& to) {
     to.morning = "AM", to.afternoon = "PM";
     const UnicodeString* marks = symbols.getAmPmStrings(count);
     to.ownDesignators = count >= 2 && CanBeSaid(marks[0]) && CanBeSaid(marks[1]) && marks[0] != marks[1];
-    if (to.ownDesignators) to.morning = AnsiFromUnicode(marks[0]), to.afternoon = AnsiFromUnicode(marks[1]);
+    if (to.ownDesignators) to.morning = HouseFromUnicode(marks[0]), to.afternoon = HouseFromUnicode(marks[1]);
 }
 
 // What the reader of times of day asks of designators: it moves on by the length of the other one, and keeps eight characters.
@@ -138,7 +138,7 @@ void Pictures(icu::Locale locale, LocaleData& to) {
 
 // The first character of a separator is what readers look at: one of several characters, or one that cannot be said, is replaced.
 std::string Separator(const UnicodeString& text, const char* otherwise) {
-    return text.length() == 1 && CanBeSaid(text) ? AnsiFromUnicode(text) : otherwise;
+    return text.length() == 1 && CanBeSaid(text) ? HouseFromUnicode(text) : otherwise;
 }
 
 // Of Latin digits, which are those that are written.
@@ -150,7 +150,7 @@ void Numbers(icu::Locale locale, LocaleData& to) {
     to.decimal = Separator(symbols.getSymbol(Symbols::kDecimalSeparatorSymbol), ".");
     to.thousand = Separator(symbols.getSymbol(Symbols::kGroupingSeparatorSymbol), to.decimal == "," ? "." : ",");
     if (to.thousand == to.decimal) to.thousand = to.decimal == "," ? "." : ",";
-    to.currency = AnsiFromUnicode(symbols.getSymbol(Symbols::kCurrencySymbol));
+    to.currency = HouseFromUnicode(symbols.getSymbol(Symbols::kCurrencySymbol));
     // Windows separates list items by a semicolon where the comma is the decimal separator.
     to.list = to.decimal == "," ? ";" : ",";
     to.grouping = "3;0";
@@ -174,8 +174,8 @@ std::unique_ptr<LocaleData> Make(const icu::Locale& locale) {
     data->lcid = uloc_getLCID(locale.getName());
     data->language = locale.getLanguage();
     data->country = locale.getCountry();
-    data->languageName = AnsiFromUnicode(locale.getDisplayLanguage(english, text));
-    data->countryName = AnsiFromUnicode(locale.getDisplayCountry(english, text));
+    data->languageName = HouseFromUnicode(locale.getDisplayLanguage(english, text));
+    data->countryName = HouseFromUnicode(locale.getDisplayCountry(english, text));
     data->fullName = data->countryName.empty() ? data->languageName : data->languageName + " (" + data->countryName + ")";
     data->countryCode = CallingCode(data->country);
     UErrorCode status = U_ZERO_ERROR;

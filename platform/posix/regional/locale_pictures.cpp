@@ -98,7 +98,7 @@ void LeaveOutEras(std::vector<Piece>& pieces) {
 std::string Quoted(const UnicodeString& text) {
     std::string out;
     bool open = false;
-    for (const char c : AnsiFromUnicode(text)) {
+    for (const char c : HouseFromUnicode(text)) {
         if (IsLetter(static_cast<unsigned char>(c)) != open) out += '\'', open = !open;
         out += c;
     }
@@ -156,7 +156,7 @@ std::string ClockPicture(const UnicodeString& pattern, bool designatorsUsable) {
     char separator = ':';
     if (hour != none && minute == hour + 2 && hour[1].text.length() == 1 && CanBeSaid(hour[1].text)) {
         const char16_t c = hour[1].text[0];
-        if (c != u' ' && !IsLetter(c)) separator = AnsiFromUnicode(hour[1].text)[0];
+        if (c != u' ' && !IsLetter(c)) separator = HouseFromUnicode(hour[1].text)[0];
     }
     const bool twelve = hour != none && hour->letter == 'h' && mark != none && designatorsUsable;
     const auto run = [none](auto piece) { return piece != none ? std::min<size_t>(piece->run, 2) : 2; };

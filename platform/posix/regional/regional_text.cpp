@@ -4,25 +4,19 @@
 
 namespace orvik::detail {
 namespace {
-int ByteOf(UChar32 c) {
-    if (c == 0x202F) c = 0xA0;
-    if (c == 0x2212) c = '-';
-    return ByteFromUnicode(static_cast<char32_t>(c));
-}
+char32_t Said(UChar32 c) { return c == 0x202F ? 0xA0u : c == 0x2212 ? U'-' : static_cast<char32_t>(c); }
 }  // namespace
 
-std::string AnsiFromUnicode(const icu::UnicodeString& text) {
+std::string HouseFromUnicode(const icu::UnicodeString& text) {
     std::string out;
-    for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
-        const int byte = ByteOf(text.char32At(i));
-        out += byte < 0 ? '?' : static_cast<char>(byte);
-    }
+    for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) AppendHouse(out, Said(text.char32At(i)));
     return out;
 }
 
 bool CanBeSaid(const icu::UnicodeString& text) {
+    std::string out;
     for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1))
-        if (ByteOf(text.char32At(i)) < 0) return false;
+        if (!AppendHouse(out, Said(text.char32At(i)))) return false;
     return true;
 }
 }  // namespace orvik::detail

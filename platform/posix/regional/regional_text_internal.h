@@ -1,4 +1,4 @@
-// Between ICU's text and Windows-1252, for regional settings.
+// Between ICU's text and this house's, for regional settings.
 // Any thread.
 #pragma once
 
@@ -7,9 +7,9 @@
 #include <string>
 
 namespace orvik::detail {
-// Characters that Windows-1252 lacks become "?"; the narrow no-break space of modern locale data becomes the no-break space 0xA0,
-// and the mathematical minus the hyphen, as regional settings on Windows have them.
-std::string AnsiFromUnicode(const icu::UnicodeString& text);
+// Characters that this house's text lacks become "?"; the narrow no-break space of modern locale data becomes the no-break space
+// 0xA0, and the mathematical minus the hyphen, as regional settings on Windows have them.
+std::string HouseFromUnicode(const icu::UnicodeString& text);
 // Whether none of them becomes "?" there.
 bool CanBeSaid(const icu::UnicodeString& text);
 }  // namespace orvik::detail

@@ -41,15 +41,6 @@ std::u16string Wide(const char* utf8) {
     return out;
 }
 
-std::string Narrow(const std::u16string& wide) {
-    std::string out;
-    for (const char16_t c : wide) {
-        const int byte = ByteFromUnicode(c);
-        out += byte < 0 ? '?' : static_cast<char>(byte);
-    }
-    return out;
-}
-
 }  // namespace
 
 // A resource in the form that the resource compiler gives it: text blocks of sixteen, group directories, single images.
@@ -93,7 +84,7 @@ private:
         for (const EmbeddedText& text : EmbeddedTexts())
             for (const LANGID language : {kEnglish, kSwedish}) {
                 const std::u16string wide = Wide(language == kSwedish ? text.swedish : text.english);
-                m_texts[{text.id, language}] = Narrow(wide);
+                m_texts[{text.id, language}] = HouseFromUtf16(wide);
                 auto& block = blocks[{static_cast<WORD>(text.id / kTextsInBlock + 1), language}];
                 block.resize(kTextsInBlock);
                 block[text.id % kTextsInBlock] = wide;

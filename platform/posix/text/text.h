@@ -4,7 +4,7 @@
 #include "platform/api.h"
 #include "platform/posix/types.h"
 
-#define CP_ACP 0u  // 1252 here, whatever the process locale
+#define CP_ACP 0u  // 1252, or UTF-8 where the process chose it (platform/house_text.h), whatever its locale
 #define CP_OEMCP 1u
 #define CP_UTF8 65001u
 #define MB_PRECOMPOSED 0x1u

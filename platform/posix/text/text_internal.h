@@ -1,24 +1,17 @@
-// Single characters and whole texts between Windows-1252, UTF-8 and Unicode. Any thread; no state.
+// Windows-1252 byte by byte, where a text of it may also be a name that it cannot say. Any thread; no state.
 #pragma once
 
 #include <string>
 #include <string_view>
 
+#include "platform/house_text_internal.h"
 #include "platform/posix/text/text.h"
 
 namespace orvik::detail {
-inline constexpr char32_t kInvalid = 0xFFFFFFFF;
-void AppendUtf8(std::string& out, char32_t character);
-// Takes one character off the front; kInvalid (one byte taken) where the bytes are no shortest-form UTF-8.
-char32_t TakeUtf8(std::string_view& text);
-
-// The Unicode character of a Windows-1252 byte; the five unassigned bytes are the C1 controls of the same number.
-char16_t UnicodeFrom1252(unsigned char byte);
-// The byte of a character, or -1 for one that Windows-1252 does not hold.
-int ByteFromUnicode(char32_t character);
-std::string Utf8From1252(std::string_view text);
 // The lower-case letter of a Windows-1252 byte, other bytes as they are.
 char LowerCase1252(char byte);
 // Whether a name already is UTF-8 and holds a character that Windows-1252 lacks.
 bool IsBeyond1252(std::string_view name);
+// From UTF-16; "?" for what this house's text lacks.
+std::string HouseFromUtf16(std::u16string_view text);
 }  // namespace orvik::detail
