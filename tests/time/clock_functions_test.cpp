@@ -66,10 +66,10 @@ TEST(FileTimes, KnownDates) {
 }
 
 TEST(FileTimes, ImpossibleDatesAreRefused) {
-    const SYSTEMTIME cases[] = {{1600, 12, 0, 31, 0, 0, 0, 0}, {2024, 0, 0, 1, 0, 0, 0, 0},    {2024, 13, 0, 1, 0, 0, 0, 0},
-                                {2024, 4, 0, 31, 0, 0, 0, 0},  {2024, 1, 0, 0, 0, 0, 0, 0},    {2024, 1, 0, 1, 24, 0, 0, 0},
-                                {2024, 1, 0, 1, 0, 60, 0, 0},  {2024, 1, 0, 1, 0, 0, 0, 1'000}};
-    for (const SYSTEMTIME& system : cases) {
+    for (const SYSTEMTIME& system :
+         {SYSTEMTIME{1600, 12, 0, 31, 0, 0, 0, 0}, SYSTEMTIME{2024, 0, 0, 1, 0, 0, 0, 0}, SYSTEMTIME{2024, 13, 0, 1, 0, 0, 0, 0},
+          SYSTEMTIME{2024, 4, 0, 31, 0, 0, 0, 0}, SYSTEMTIME{2024, 1, 0, 0, 0, 0, 0, 0}, SYSTEMTIME{2024, 1, 0, 1, 24, 0, 0, 0},
+          SYSTEMTIME{2024, 1, 0, 1, 0, 60, 0, 0}, SYSTEMTIME{2024, 1, 0, 1, 0, 0, 0, 1'000}}) {
         FILETIME file = FileTime(7);
         EXPECT_FALSE(SystemTimeToFileTime(&system, &file)) << system.wYear << '-' << system.wMonth << '-' << system.wDay;
     }

@@ -89,8 +89,7 @@ TEST_F(DateText, ReadsNamesOfTheUsersLanguage) {
 }
 
 TEST_F(DateText, WritesBothPictures) {
-    m_text.Set(LOCALE_SSHORTDATE, "dd.MM.yy");
-    m_text.Set(LOCALE_SLONGDATE, "dddd 'den' d MMMM yyyy MMMMM");
+    m_text.Set(LOCALE_SSHORTDATE, "dd.MM.yy"), m_text.Set(LOCALE_SLONGDATE, "dddd 'den' d MMMM yyyy MMMMM");
     CString text("before");
     EXPECT_EQ(_NlsSetShortDate(text, Noon(2020, 2, 1)), 1);
     EXPECT_STREQ(text, "01.02.20");

@@ -55,15 +55,12 @@ TEST_F(LocaleCacheTest, HoldsTheUsersSettings) {
 }
 
 TEST_F(LocaleCacheTest, ThousandSeparatorStaysWhileDigitsAreNotGrouped) {
-    m_settings.Set(LOCALE_SGROUPING, "3;0");
-    m_settings.Set(LOCALE_STHOUSAND, "'");
+    m_settings.Set(LOCALE_SGROUPING, "3;0"), m_settings.Set(LOCALE_STHOUSAND, "'");
     NlsToolsUpdate();
-    m_settings.Set(LOCALE_SGROUPING, "0;0");
-    m_settings.Set(LOCALE_STHOUSAND, "_");
+    m_settings.Set(LOCALE_SGROUPING, "0;0"), m_settings.Set(LOCALE_STHOUSAND, "_");
     NlsToolsUpdate();
     EXPECT_EQ(NlsGetThousandSep(), '\'');  // not read again
-    m_settings.Set(LOCALE_SGROUPING, "3;0");
-    m_settings.Set(LOCALE_STHOUSAND, "");
+    m_settings.Set(LOCALE_SGROUPING, "3;0"), m_settings.Set(LOCALE_STHOUSAND, "");
     NlsToolsUpdate();
     EXPECT_EQ(NlsGetThousandSep(), 0);
 }

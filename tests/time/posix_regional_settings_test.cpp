@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "platform/win32.h"
+#include "tests/support/last_error.h"
 
 namespace {
 
@@ -166,22 +167,18 @@ TEST_F(Environment, ChangesTakeEffectAtOnceAndPicturesRule) {
     EXPECT_TRUE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, ""));
     EXPECT_EQ(Item(LOCALE_SDATE), "");
     EXPECT_TRUE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, "abc"));
-    EXPECT_FALSE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, "abcd"));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
-    EXPECT_FALSE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SLANGUAGE, "x"));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
+    EXPECT_FAILS(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, "abcd"), ERROR_INVALID_PARAMETER);
+    EXPECT_FAILS(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SLANGUAGE, "x"), ERROR_INVALID_FLAGS);
     EXPECT_FALSE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SLIST, nullptr));
 }
 
 TEST_F(Environment, BuffersAndNumbers) {
     Use("LC_ALL", "sv_SE");
     char text[8] = "unchan";
-    EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, text, 8), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_FAILS(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, text, 8), ERROR_INSUFFICIENT_BUFFER);
     EXPECT_STREQ(text, "unchan");
     EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, nullptr, 0), 11);
-    EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, 0x7777, text, 8), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
+    EXPECT_FAILS(GetLocaleInfoA(LOCALE_USER_DEFAULT, 0x7777, text, 8), ERROR_INVALID_FLAGS);
     DWORD number = 0;
     EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_ICOUNTRY | LOCALE_RETURN_NUMBER, reinterpret_cast<char*>(&number), 4),
               4);

@@ -9,9 +9,7 @@
 #include <memory>
 #include <tuple>
 
-#include "afx/archive.h"
-#include "afx/exception.h"
-#include "afx/file.h"
+#include "tests/afx/bytes.h"
 #include "tests/support/regional_settings.h"
 #include "time/local_zone.h"
 #include "time/local_zone_internal.h"
@@ -34,22 +32,14 @@ CVXTTimeSpan Span(__int64 count) { return CVXTTimeSpan(count, TST_MICROSECONDS);
 // "2024-05-07 15:04:05", in local time.
 std::string Fields(const CVXTTime& time) {
     int y, mo, d, h, mi, s;
-    time.GetDate(&y, &mo, &d);
-    time.GetTime(&h, &mi, &s);
+    time.GetDate(&y, &mo, &d), time.GetTime(&h, &mi, &s);
     char text[64];
     std::snprintf(text, sizeof text, "%d-%02d-%02d %02d:%02d:%02d", y, mo, d, h, mi, s);
     return text;
 }
 
 HRESULT ResultOf(const std::function<void()>& make) {
-    try {
-        make();
-    } catch (COleException* e) {
-        const HRESULT result = e->m_sc;
-        e->Delete();
-        return result;
-    }
-    return S_OK;
+    return Caught<COleException, HRESULT>(make, S_OK, [](const COleException& failure) { return failure.m_sc; });
 }
 
 }  // namespace
@@ -149,8 +139,7 @@ TEST(TimePoint, FieldSelectors) {
     EXPECT_EQ(Local(2023, 1, 1).Get(TT_DAYOFYEAR), 0);
     EXPECT_EQ(Local(2023, 1, 31).Get(TT_MONTH), 1);
     EXPECT_EQ(Local(2024, 3, 1).Get(TT_DAYOFYEAR), 60);
-    time.GetDate(nullptr, nullptr, nullptr);
-    time.GetTime(nullptr, nullptr, nullptr);
+    time.GetDate(nullptr, nullptr, nullptr), time.GetTime(nullptr, nullptr, nullptr);
 }
 
 TEST(TimePoint, WeekNumbers) {
@@ -298,33 +287,16 @@ TEST(TimePoint, FormatFollowsTheUsersSettings) {
     NlsToolsUpdate();
     EXPECT_STREQ((Local(2024, 5, 7, 15, 4, 5)).Format(), "5/7/2024 3:04:05 PM");
     const TextLanguage swedish(LANG_SWEDISH);
-    settings.Set(LOCALE_SSHORTDATE, "dddd 'den' d MMMM yy");
-    settings.Set(LOCALE_STIMEFORMAT, "H.mm");
+    settings.Set(LOCALE_SSHORTDATE, "dddd 'den' d MMMM yy"), settings.Set(LOCALE_STIMEFORMAT, "H.mm");
     NlsToolsUpdate();
     EXPECT_STREQ((Local(2024, 5, 5, 7)).Format(), "S\xF6ndag den 5 Maj 24 7.00");
 }
 
 TEST(TimePoint, ArchiveHoldsEightBytes) {
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        At(0x0102030405060708).Serialize(ar);
-    }
-    ASSERT_EQ(file.GetLength(), 8u);
-    file.SeekToBegin();
-    unsigned char first = 0;
-    file.Read(&first, 1);
-    EXPECT_EQ(first, 8);
-    file.SeekToBegin();
-    CArchive ar(&file, CArchive::load);
+    const std::string bytes = afx_test::Stored([](CArchive& ar) { At(0x0102030405060708).Serialize(ar); });
+    EXPECT_EQ(bytes, "\x08\x07\x06\x05\x04\x03\x02\x01");
     CVXTTime time = At(1);
-    time.Serialize(ar);
+    afx_test::ExpectLoads(bytes, [&](CArchive& ar) { time.Serialize(ar); });
     EXPECT_EQ(time.GetBinaryTime(), 0x0102030405060708);
-    try {
-        time.Serialize(ar);
-        FAIL() << "read beyond the end";
-    } catch (CArchiveException* e) {
-        EXPECT_EQ(e->m_cause, CArchiveException::endOfFile);
-        e->Delete();
-    }
+    EXPECT_EQ(afx_test::Loaded("", [&](CArchive& ar) { time.Serialize(ar); }), CArchiveException::endOfFile);
 }
