@@ -1,6 +1,7 @@
 #include "afx/archive.h"
 #include "tests/propdb/property_db_fixture.h"
 #include "tests/support/table.h"
+#include "tests/support/test_folder.h"
 
 #include <bit>
 #include <clocale>
@@ -17,10 +18,6 @@
 namespace {
 namespace fs = std::filesystem;
 
-std::string BytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 void WriteBytes(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 bool LoadBytes(CPropertyDB& database, std::string bytes, bool xml) {
@@ -33,21 +30,9 @@ std::string StoredBytes(CPropertyDB& database, bool xml) {
     return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<size_t>(file.GetLength())};
 }
 
-class PropertyDbFiles : public testing::Test {
+class PropertyDbFiles : public testing::Test, protected TestFolder {
 protected:
     CPropertyDB db;
-    fs::path folder;
-
-    void SetUp() override {
-        folder = fs::temp_directory_path() / ("orvik_propdb_" + std::to_string(reinterpret_cast<uintptr_t>(this)) +
-                                              testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::create_directories(folder);
-    }
-    void TearDown() override { fs::remove_all(folder); }
-    std::string Path(const char* name) const { return (folder / name).string(); }
-    size_t FilesThere() const {
-        return static_cast<size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-    }
 
     // One of each kind, in two nodes.
     void Fill() {
@@ -59,16 +44,10 @@ protected:
         for (__int64 number : {std::numeric_limits<__int64>::min(), std::numeric_limits<__int64>::max()}) wide.Add(number);
         CInt32Array narrow;
         narrow.Add(-1);
-        db.SetValue("Units.3.sName", "m\xE4tv\xE4rde <&> 'x' \"y\"");
-        db.SetValue("Units.3.texts", texts);
-        db.SetValue("Units.3.nMode", 4000000000u);
-        db.SetValue("Units.word", static_cast<unsigned short>(65535));
-        db.SetValue("Units.fLeft", 0.1f);
-        db.SetValue("Units.reals", reals);
-        db.SetValue("wide", wide);
-        db.SetValue("narrow", narrow);
-        db.SetValue("font", LOGFONTA{});
-        db.SetValue("none", CWordArray());
+        db.SetValue("Units.3.sName", "m\xE4tv\xE4rde <&> 'x' \"y\""), db.SetValue("Units.3.texts", texts);
+        db.SetValue("Units.3.nMode", 4000000000u), db.SetValue("Units.word", static_cast<unsigned short>(65535));
+        db.SetValue("Units.fLeft", 0.1f), db.SetValue("Units.reals", reals), db.SetValue("wide", wide);
+        db.SetValue("narrow", narrow), db.SetValue("font", LOGFONTA{}), db.SetValue("none", CWordArray());
     }
 };
 constexpr const char kXml[] =
@@ -121,9 +100,7 @@ TEST_F(PropertyDbFiles, XmlBringsBackWhatItHolds) {
 }
 
 TEST_F(PropertyDbFiles, ArchiveBytes) {
-    db.SetValue("a", 1);
-    db.SetValue("n.b", "x");
-    db.SetValue("n.c", 2);
+    db.SetValue("a", 1), db.SetValue("n.b", "x"), db.SetValue("n.c", 2);
     using namespace std::string_literals;
     EXPECT_EQ(StoredBytes(db, false), "\0\0\2\0\1a\xFF\xFF\0\0\x0B\0"s + "CDWordArray\1\0\1\0\0\0\1n\xFF\xFF\0\0\x0E\0"s +
                                           "CMapStringToOb\2\0\1"s + "b\xFF\xFF\0\0\x0C\0"s + "CStringArray\1\0\1x\1"s +
@@ -172,9 +149,7 @@ TEST_F(PropertyDbFiles, ExactRealsComeBackFromXmlBitByBit) {
         if (std::isfinite(single)) floats.Add(single);
         if (std::isfinite(real)) doubles.Add(real);
     }
-    db.SetValue("d", doubles);
-    db.SetValue("f", floats);
-    db.SetExactReals(TRUE);
+    db.SetValue("d", doubles), db.SetValue("f", floats), db.SetExactReals(TRUE);
     CPropertyDB read;
     ASSERT_TRUE(LoadBytes(read, StoredBytes(db, true), true));
     CDoubleArray doublesBack;
@@ -188,9 +163,7 @@ TEST_F(PropertyDbFiles, ExactRealsComeBackFromXmlBitByBit) {
         ASSERT_EQ(std::bit_cast<uint32_t>(floatsBack[i]), std::bit_cast<uint32_t>(floats[i])) << floats[i];
 
     CPropertyDB shortest;
-    shortest.SetExactReals(TRUE);
-    shortest.SetValue("f", 0.1f);
-    shortest.SetValue("d", 1e100);
+    shortest.SetExactReals(TRUE), shortest.SetValue("f", 0.1f), shortest.SetValue("d", 1e100);
     const std::string text = StoredBytes(shortest, true);
     EXPECT_NE(text.find(">0.1<"), text.npos) << text;
     EXPECT_NE(text.find(">1E+100<"), text.npos) << text;
@@ -203,9 +176,7 @@ TEST_F(PropertyDbFiles, EmptyDatabases) {
 }
 
 TEST_F(PropertyDbFiles, EntriesWithoutObjectStayOut) {
-    db.SetValue("a.v", 1);
-    db.Rename("a.m", "x");
-    db.Rename("m", "y");
+    db.SetValue("a.v", 1), db.Rename("a.m", "x"), db.Rename("m", "y");
     for (bool xml : {true, false}) {
         CPropertyDB read;
         ASSERT_TRUE(LoadBytes(read, StoredBytes(db, xml), xml));
@@ -254,10 +225,8 @@ TEST_F(PropertyDbFiles, XmlReadingTable) {
 TEST_F(PropertyDbFiles, LoadsAddToWhatIsThere) {
     for (bool xml : {true, false}) {
         CPropertyDB source, target;
-        source.SetValue("n.a", 1);
-        source.SetValue("b", 2);
-        target.SetValue("b", 1);
-        target.SetValue("c", 3);
+        source.SetValue("n.a", 1), source.SetValue("b", 2);
+        target.SetValue("b", 1), target.SetValue("c", 3);
         ASSERT_TRUE(LoadBytes(target, StoredBytes(source, xml), xml));
         EXPECT_EQ(Contents(target), "b = CDWordArray 2\nc = CDWordArray 3\nn.a = CDWordArray 1\n");
     }
@@ -292,7 +261,7 @@ TEST_F(PropertyDbFiles, DeepTreesAreRefusedBothWays) {
     EXPECT_FALSE(db.StoreToFile(&file, 1, 0));
     EXPECT_FALSE(db.StoreToFile(&file, 0, 0));
     EXPECT_FALSE(db.StoreToFile(Path("deep.odb").c_str(), 0) || db.StoreToFile(Path("deep.xml").c_str(), 0));
-    EXPECT_EQ(FilesThere(), 0u);
+    EXPECT_EQ(Count(), 0u);
 
     std::string nested = "<PROPERTYDB>", archive("\0\0\1\0", 4);
     archive += std::string("\0\xFF\xFF\0\0\x0E\0", 7) + "CMapStringToOb" + std::string("\1\0", 2);
@@ -378,13 +347,7 @@ TEST_F(PropertyDbFiles, SerializeRaisesOnDamage) {
     std::string bytes(3, '\0');
     CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), 3);
     CArchive archive(&file, CArchive::load);
-    try {
-        db.Serialize(archive);
-        ADD_FAILURE() << "no exception";
-    } catch (CArchiveException* failure) {
-        EXPECT_EQ(failure->m_cause, CArchiveException::endOfFile);
-        failure->Delete();
-    }
+    EXPECT_EQ(CauseOf<CArchiveException>([&] { db.Serialize(archive); }), CArchiveException::endOfFile);
 }
 
 // ---- files by name
@@ -400,14 +363,14 @@ TEST_F(PropertyDbFiles, TheNameChoosesTheForm) {
         EXPECT_TRUE(read.LoadFromFile(Path(name).c_str())) << name;
         EXPECT_EQ(Contents(read), Contents(db));
     }
-    EXPECT_EQ(FilesThere(), 6u);  // nothing else is left
+    EXPECT_EQ(Count(), 6u);  // nothing else is left
 }
 
 TEST_F(PropertyDbFiles, PathAndFlagsFollowSuccess) {
     db.SetValue("a", 1);
     EXPECT_EQ(db.GetLoadFilePath(), "");
     EXPECT_EQ(db.GetFileName(1), "");
-    for (const std::string& bad : {Path("no/such/folder.odb"), folder.string(), std::string()})
+    for (const std::string& bad : {Path("no/such/folder.odb"), Folder().string(), std::string()})
         EXPECT_FALSE(db.StoreToFile(bad.c_str(), 0)) << bad;
     EXPECT_FALSE(db.StoreToFile(static_cast<const char*>(nullptr), 0));
     EXPECT_TRUE(db.IsModified());
@@ -419,7 +382,7 @@ TEST_F(PropertyDbFiles, PathAndFlagsFollowSuccess) {
     EXPECT_EQ(db.GetFileName(0), "my.data");
 
     CPropertyDB read;
-    for (const std::string& bad : {Path("missing.xml"), folder.string(), std::string()})
+    for (const std::string& bad : {Path("missing.xml"), Folder().string(), std::string()})
         EXPECT_FALSE(read.LoadFromFile(bad.c_str()));
     EXPECT_EQ(read.GetLoadFilePath(), "");
     EXPECT_TRUE(read.LoadFromFile(Path("my.data.xml").c_str()));
@@ -449,7 +412,7 @@ TEST_F(PropertyDbFiles, FilesThatCannotBeReplacedStay) {
     db.SetValue("a", 1);
     EXPECT_FALSE(db.StoreToFile(path.c_str(), 0));
     EXPECT_EQ(BytesOf(path), "old");
-    EXPECT_EQ(FilesThere(), 1u);
+    EXPECT_EQ(Count(), 1u);
     fs::permissions(path, fs::perms::owner_write, fs::perm_options::add);
     EXPECT_TRUE(db.StoreToFile(path.c_str(), 0));
 }

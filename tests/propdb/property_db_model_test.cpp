@@ -66,8 +66,7 @@ TEST_F(PropertyDb, EmptyKeyNamesTheRootForCountingAndNothingElse) {
 }
 
 TEST_F(PropertyDb, UsingPathsNest) {
-    db.BeginUsing("Units");
-    db.BeginUsing("3");
+    db.BeginUsing("Units"), db.BeginUsing("3");
     EXPECT_EQ(db.GetUsing(), "Units.3.");
     EXPECT_TRUE(db.SetValue("Name", "x") && db.Find("Name"));
     EXPECT_TRUE(db.Find(""));  // the node used
@@ -99,13 +98,11 @@ TEST_F(PropertyDb, UsingPathIsFormattedAndCut) {
 }
 
 TEST_F(PropertyDb, UsingPathBeyond65535IsRefusedAndStillPairs) {
-    db.BeginUsing("a");
-    db.BeginUsing(std::string(70000, 'x').c_str());
+    db.BeginUsing("a"), db.BeginUsing(std::string(70000, 'x').c_str());
     EXPECT_EQ(db.GetUsing(), "a.");
     db.BeginUsing("b");
     EXPECT_EQ(db.GetUsing(), "a.b.");
-    db.EndUsing();
-    db.EndUsing();
+    db.EndUsing(), db.EndUsing();
     EXPECT_EQ(db.GetUsing(), "a.");
     db.BeginUsing(std::string(65532, 'x').c_str());  // with both dots exactly 65,535
     EXPECT_EQ(db.GetUsing().GetLength(), 65535);
@@ -116,9 +113,7 @@ TEST_F(PropertyDb, UsingPathBeyond65535IsRefusedAndStillPairs) {
 }
 
 TEST_F(PropertyDb, UniqueAndFullKeysIgnoreTheUsingPath) {
-    db.SetValue("a.v", 1);
-    db.SetPath("a.n");
-    db.BeginUsing("a");
+    db.SetValue("a.v", 1), db.SetPath("a.n"), db.BeginUsing("a");
     using Row = std::tuple<const char*, bool, bool>;
     for (const auto& [key, unique, full] : {Row{"a", false, false}, Row{"a.v", false, true}, Row{"a.n", false, false},
                                             Row{"v", true, false}, Row{"a.x", true, false}, Row{"x.y", true, false},
@@ -165,8 +160,7 @@ TEST_F(PropertyDb, ScalarsRoundTripAndShareKinds) {
 TEST_F(PropertyDb, TimesAndSpansAreInt64) {
     CVXTTime time;
     time.SetBinaryTime(1234567890123456);
-    db.SetValue("t", time);
-    db.SetValue("s", CVXTTimeSpan(-3, TST_SECONDS));
+    db.SetValue("t", time), db.SetValue("s", CVXTTimeSpan(-3, TST_SECONDS));
     EXPECT_TRUE(Reads("t", static_cast<__int64>(1234567890123456)));
     EXPECT_TRUE(Reads("s", static_cast<__int64>(-3000000)));
     CVXTTimeSpan span;
@@ -180,8 +174,7 @@ TEST_F(PropertyDb, TimesAndSpansAreInt64) {
 TEST_F(PropertyDb, LongsAreNeverCut) {
     const long least = std::numeric_limits<long>::min();
     const unsigned long most = std::numeric_limits<unsigned long>::max();
-    db.SetValue("l", least);
-    db.SetValue("u", most);
+    db.SetValue("l", least), db.SetValue("u", most);
     EXPECT_TRUE(Reads("l", least));
     EXPECT_TRUE(Reads("u", most));
     EXPECT_EQ(Described(db, "l").substr(0, 11), sizeof(long) == 8 ? "CInt64Array" : "CDWordArray");
@@ -199,9 +192,7 @@ TEST_F(PropertyDb, LongsAreNeverCut) {
 }
 
 TEST_F(PropertyDb, Structures) {
-    db.SetValue("P", POINT{3, -4});
-    db.SetValue("R", RECT{1, 2, 3, -4});
-    db.SetValue("D", CBCGPRect(1, 2, 3, 4));
+    db.SetValue("P", POINT{3, -4}), db.SetValue("R", RECT{1, 2, 3, -4}), db.SetValue("D", CBCGPRect(1, 2, 3, 4));
     EXPECT_EQ(Described(db, "P"), "CDWordArray 3 4294967292");
     EXPECT_EQ(Described(db, "D"), "CDoubleArray 0x1p+0 0x1.8p+1 0x1p+1 0x1p+2");  // left, right, top, bottom
     POINT point{};
@@ -333,8 +324,7 @@ TEST_F(PropertyDb, DerivedClassesSeeEveryWrite) {
         }
         void BeginUsing(const char* path) override { CPropertyDB::BeginUsing((std::string("w") + path).c_str()); }
     } watcher;
-    watcher.SetValue("a", 5);
-    watcher.SetValue("p", POINT{1, 2});
+    watcher.SetValue("a", 5), watcher.SetValue("p", POINT{1, 2});
     EXPECT_EQ(watcher.words, 2);
     EXPECT_EQ(watcher.objects, 4);
     EXPECT_EQ(Contents(watcher), "a = CDWordArray 5\na2 = CDWordArray 5\np = CDWordArray 1 2\np2 = CDWordArray 1 2\n");
@@ -361,8 +351,7 @@ TEST_F(PropertyDb, FlagsSayWhatHappened) {
 // ---- removing and renaming
 
 TEST_F(PropertyDb, RemoveTakesWhatIsBelow) {
-    db.SetValue("a.b.c", 1);
-    db.SetValue("a.d", 2);
+    db.SetValue("a.b.c", 1), db.SetValue("a.d", 2);
     EXPECT_FALSE(db.Remove("a.x"));
     EXPECT_FALSE(db.Remove("a.d.x"));
     EXPECT_TRUE(db.Remove("a.b"));
@@ -374,8 +363,7 @@ TEST_F(PropertyDb, RemoveTakesWhatIsBelow) {
 }
 
 TEST_F(PropertyDb, RenameMovesWithinTheNode) {
-    db.SetValue("a.b.c", 1);
-    db.SetValue("a.d", 2);
+    db.SetValue("a.b.c", 1), db.SetValue("a.d", 2);
     EXPECT_TRUE(db.Rename("a.b", "n"));
     EXPECT_TRUE(db.Rename("a", "top"));
     EXPECT_EQ(Contents(db), "top.d = CDWordArray 2\ntop.n.c = CDWordArray 1\n");
@@ -473,9 +461,7 @@ TEST_F(PropertyDb, DeepTreesNeedNoStack) {
 // ---- copies
 
 TEST_F(PropertyDb, CopiesHoldTheTreeAlone) {
-    db.SetValue("a.v", 1);
-    db.SetPath("a.empty");
-    db.BeginUsing("a");
+    db.SetValue("a.v", 1), db.SetPath("a.empty"), db.BeginUsing("a");
     const CPropertyDB copy(db);
     EXPECT_EQ(Contents(copy), "a.empty = CMapStringToOb\na.v = CDWordArray 1\n");
     EXPECT_EQ(copy.GetUsing(), "");
@@ -510,13 +496,8 @@ TEST_F(PropertyDb, OverlayCopyTable) {
 
 TEST_F(PropertyDb, OverlayCopyMergesAndKeepsKinds) {
     CPropertyDB source;
-    source.SetValue("a", 1);
-    source.SetValue("b", 2);
-    source.SetPath("n");
-    source.BeginUsing("ignored");
-    db.SetValue("u.a", "text");
-    db.SetValue("u.kept", 3);
-    db.BeginUsing("u");
+    source.SetValue("a", 1), source.SetValue("b", 2), source.SetPath("n"), source.BeginUsing("ignored");
+    db.SetValue("u.a", "text"), db.SetValue("u.kept", 3), db.BeginUsing("u");
     EXPECT_TRUE(db.OverlayCopy(source, nullptr, nullptr, 1));  // relative to this database's using path
     EXPECT_EQ(Contents(db), "u.a = CStringArray [text]\nu.b = CDWordArray 2\nu.kept = CDWordArray 3\nu.n = CMapStringToOb\n");
     EXPECT_TRUE(db.Copy(source, nullptr, nullptr, 1));

@@ -137,8 +137,7 @@ TEST(PropertyDbMemory, Archive) {
         nodes += key(i) + std::string("\1\x80\0\0", 4);
         arrays += key(i) + std::string("\1\x80\0\0", 4);
     }
-    ExpectBounded("tiny nodes", nodes, false);
-    ExpectBounded("tiny arrays", arrays, false);
+    ExpectBounded("tiny nodes", nodes, false), ExpectBounded("tiny arrays", arrays, false);
     chains += std::string("\1-", 2) + newClass("CMapStringToOb") + zero;
     for (size_t i = 0; i < kCount / 200; ++i) {
         chains += key(i);
