@@ -9,6 +9,7 @@
 #include "afx/archive.h"
 #include "afx/exception.h"
 #include "afx/file.h"
+#include "tests/support/raises.h"
 
 namespace afx_test {
 inline std::string Word(unsigned value) {
@@ -37,37 +38,29 @@ template <class Load>
 int Loaded(const std::string& bytes, Load load, UINT mode = CArchive::load) {
     std::string copy = bytes;
     CMemFile file(reinterpret_cast<BYTE*>(copy.data()), static_cast<UINT>(copy.size()));
-    try {
+    return CauseOf<CArchiveException>([&] {
         CArchive archive(&file, mode);
         load(archive);
-    } catch (CArchiveException* failure) {
-        const int cause = failure->m_cause;
-        failure->Delete();
-        return cause;
-    }
-    return -1;
+    });
+}
+
+template <class Load>
+int LoadedAsTree(const std::string& bytes, Load load) {
+    return Loaded(bytes, load, CArchive::load | CArchive::bTreeOnly);
+}
+template <class Load>
+void ExpectLoads(const std::string& bytes, Load load) {
+    EXPECT_EQ(Loaded(bytes, load), -1);
 }
 
 template <class Call>
 void ExpectInvalidArg(Call call) {
-    try {
-        call();
-        ADD_FAILURE() << "no exception";
-    } catch (CInvalidArgException* failure) {
-        failure->Delete();
-    }
+    EXPECT_TRUE(Raises<CInvalidArgException>(call));
 }
 
 // The cause of the file exception that the call raises, or -1.
 template <class Call>
 int FileCause(Call call) {
-    try {
-        call();
-    } catch (CFileException* failure) {
-        const int cause = failure->m_cause;
-        failure->Delete();
-        return cause;
-    }
-    return -1;
+    return CauseOf<CFileException>(call);
 }
 }  // namespace afx_test

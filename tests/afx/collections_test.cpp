@@ -30,8 +30,7 @@ std::string Keys(const CMapStringToString& map) {
 TEST(StringMap, KeepsTheOrderInWhichKeysCame) {
     CMapStringToString map;
     EXPECT_EQ(map.GetStartPosition(), nullptr);
-    map.SetAt("b", "1");
-    map.SetAt("a", "2");
+    map.SetAt("b", "1"), map.SetAt("a", "2");
     map["c"] = "3";
     map.SetAt("b", "4");  // keeps its place
     EXPECT_EQ(Keys(map), "b=4 a=2 c=3 ");
@@ -136,9 +135,7 @@ TEST(MapStringToOb, ArchivesCountKeysAndObjects) {
     EXPECT_EQ(bytes, Word(2) + Text("n") + NewClass("CMapStringToOb") + Word(1) + Text("w") + NewClass("CWordArray") + Word(1) +
                          Word(7) + Text("nil") + Word(0));
     CMapStringToOb back;
-    EXPECT_EQ(Loaded(
-                  bytes, [&](CArchive& ar) { back.Serialize(ar); }, CArchive::load | CArchive::bTreeOnly),
-              -1);
+    EXPECT_EQ(LoadedAsTree(bytes, [&](CArchive& ar) { back.Serialize(ar); }), -1);
     EXPECT_EQ(Stored([&](CArchive& ar) { back.Serialize(ar); }), bytes);
     DeleteTree(back);
 }
@@ -147,9 +144,7 @@ TEST(MapStringToOb, AFailedLoadKeepsWhatCameBefore) {
     const std::string bytes = Word(2) + Text("a") + NewClass("CWordArray") + Word(0) + Text("b") + NewClass("CMapStringToOb") +
                               Word(9) + Text("c") + Word(0x8001) + Word(0);
     CMapStringToOb map;
-    EXPECT_EQ(Loaded(
-                  bytes, [&](CArchive& ar) { map.Serialize(ar); }, CArchive::load | CArchive::bTreeOnly),
-              CArchiveException::endOfFile);
+    EXPECT_EQ(LoadedAsTree(bytes, [&](CArchive& ar) { map.Serialize(ar); }), CArchiveException::endOfFile);
     EXPECT_EQ(map.GetCount(), 1);
     EXPECT_NE(map["a"], nullptr);
     DeleteTree(map);
@@ -162,7 +157,7 @@ TEST(MapStringToOb, AKeyComesOnceInAnArchive) {
     DeleteTree(map);
     CWordArray own;
     map.SetAt("a", &own);  // one that was there before is replaced; its owner knows it
-    EXPECT_EQ(Loaded(Word(1) + bytes.substr(2, bytes.size() - 8), [&](CArchive& ar) { map.Serialize(ar); }), -1);
+    ExpectLoads(Word(1) + bytes.substr(2, bytes.size() - 8), [&](CArchive& ar) { map.Serialize(ar); });
     EXPECT_NE(map["a"], &own);
     DeleteTree(map);
 }
@@ -179,8 +174,7 @@ TEST(MapStringToOb, EveryTurnedBitIsSurvived) {
     raw.SetSize(5);
     root.SetAt("Units", &node);
     node.SetAt("A", &leaf);
-    leaf.SetAt("Name", &texts);
-    leaf.SetAt("Value", &numbers);
+    leaf.SetAt("Name", &texts), leaf.SetAt("Value", &numbers);
     node.SetAt("Raw", &raw);
     const std::string bytes = Stored([&](CArchive& ar) { root.Serialize(ar); });
     int failed = 0;
@@ -188,8 +182,7 @@ TEST(MapStringToOb, EveryTurnedBitIsSurvived) {
         std::string damaged = bytes;
         damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << (bit % 8)));
         CMapStringToOb back;
-        failed += Loaded(
-                      damaged, [&](CArchive& ar) { back.Serialize(ar); }, CArchive::load | CArchive::bTreeOnly) != -1;
+        failed += LoadedAsTree(damaged, [&](CArchive& ar) { back.Serialize(ar); }) != -1;
         DeleteTree(back);
     }
     EXPECT_GT(failed, 0);
@@ -197,12 +190,11 @@ TEST(MapStringToOb, EveryTurnedBitIsSurvived) {
 
 TEST(MapStringToString, Archives) {
     CMapStringToString map;
-    map.SetAt("k", "v");
-    map.SetAt("", "w");
+    map.SetAt("k", "v"), map.SetAt("", "w");
     const std::string bytes = Word(2) + Text("k") + Text("v") + Text("") + Text("w");
     EXPECT_EQ(Stored([&](CArchive& ar) { map.Serialize(ar); }), bytes);
     CMapStringToString back;
-    EXPECT_EQ(Loaded(bytes, [&](CArchive& ar) { back.Serialize(ar); }), -1);
+    ExpectLoads(bytes, [&](CArchive& ar) { back.Serialize(ar); });
     EXPECT_EQ(Keys(back), "k=v =w ");
     for (size_t length = 0; length < bytes.size(); ++length)
         EXPECT_EQ(Loaded(bytes.substr(0, length), [&](CArchive& ar) { back.Serialize(ar); }), CArchiveException::endOfFile);
@@ -237,9 +229,7 @@ TEST(PtrList, LinksBothWays) {
     ExpectInvalidArg([&] { list.GetHead(); });
     ExpectInvalidArg([&] { list.RemoveTail(); });
     const POSITION b = list.AddTail(&things[1]);
-    list.AddHead(&things[0]);
-    list.AddTail(&things[3]);
-    list.InsertAfter(b, &things[2]);
+    list.AddHead(&things[0]), list.AddTail(&things[3]), list.InsertAfter(b, &things[2]);
     std::vector<int*> forward, backward;
     for (POSITION p = list.GetHeadPosition(); p != nullptr;) forward.push_back(list.GetNext(p));
     for (POSITION p = list.GetTailPosition(); p != nullptr;) backward.insert(backward.begin(), list.GetPrev(p));

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -61,37 +62,27 @@ protected:
 
 // Half way between two pixels the upper or left one is taken; the last pixel is not drawn.
 TEST_F(DcTest, LinesInEveryOctant) {
-    const struct {
-        POINT to;
-        std::vector<POINT> expected;
-    } cases[] = {{{8, 6}, {{4, 4}, {5, 4}, {6, 5}, {7, 5}}},
-                 {{0, 6}, {{4, 4}, {3, 4}, {2, 5}, {1, 5}}},
-                 {{8, 2}, {{4, 4}, {5, 3}, {6, 3}, {7, 2}}},
-                 {{0, 2}, {{4, 4}, {3, 3}, {2, 3}, {1, 2}}},
-                 {{6, 8}, {{4, 4}, {4, 5}, {5, 6}, {5, 7}}},
-                 {{2, 8}, {{4, 4}, {3, 5}, {3, 6}, {2, 7}}},
-                 {{6, 0}, {{4, 4}, {4, 3}, {5, 2}, {5, 1}}},
-                 {{2, 0}, {{4, 4}, {3, 3}, {3, 2}, {2, 1}}},
-                 {{7, 7}, {{4, 4}, {5, 5}, {6, 6}}},
-                 {{1, 7}, {{4, 4}, {3, 5}, {2, 6}}},
-                 {{7, 4}, {{4, 4}, {5, 4}, {6, 4}}},
-                 {{4, 1}, {{4, 4}, {4, 3}, {4, 2}}},
-                 {{4, 4}, {}}};
-    for (const auto& line : cases) {
-        SCOPED_TRACE(testing::Message() << line.to.x << ", " << line.to.y);
+    using Row = std::tuple<POINT, std::vector<POINT>>;
+    for (const auto& [to, expected] :
+         {Row{{8, 6}, {{4, 4}, {5, 4}, {6, 5}, {7, 5}}}, Row{{0, 6}, {{4, 4}, {3, 4}, {2, 5}, {1, 5}}},
+          Row{{8, 2}, {{4, 4}, {5, 3}, {6, 3}, {7, 2}}}, Row{{0, 2}, {{4, 4}, {3, 3}, {2, 3}, {1, 2}}},
+          Row{{6, 8}, {{4, 4}, {4, 5}, {5, 6}, {5, 7}}}, Row{{2, 8}, {{4, 4}, {3, 5}, {3, 6}, {2, 7}}},
+          Row{{6, 0}, {{4, 4}, {4, 3}, {5, 2}, {5, 1}}}, Row{{2, 0}, {{4, 4}, {3, 3}, {3, 2}, {2, 1}}},
+          Row{{7, 7}, {{4, 4}, {5, 5}, {6, 6}}}, Row{{1, 7}, {{4, 4}, {3, 5}, {2, 6}}}, Row{{7, 4}, {{4, 4}, {5, 4}, {6, 4}}},
+          Row{{4, 1}, {{4, 4}, {4, 3}, {4, 2}}}, Row{{4, 4}, {}}}) {
+        SCOPED_TRACE(testing::Message() << to.x << ", " << to.y);
         Clear();
         dc.MoveTo(4, 4);
-        EXPECT_TRUE(dc.LineTo(line.to));
-        EXPECT_EQ(Marks(), static_cast<int>(line.expected.size()));
-        for (const POINT& point : line.expected) EXPECT_EQ(dc.GetPixel(point), RGB(0, 0, 0)) << point.x << ", " << point.y;
-        EXPECT_TRUE(dc.GetCurrentPosition() == line.to);
+        EXPECT_TRUE(dc.LineTo(to));
+        EXPECT_EQ(Marks(), static_cast<int>(expected.size()));
+        for (const POINT& point : expected) EXPECT_EQ(dc.GetPixel(point), RGB(0, 0, 0)) << point.x << ", " << point.y;
+        EXPECT_TRUE(dc.GetCurrentPosition() == to);
     }
 }
 
 // A line far beyond the picture has the pixels of its visible part.
 TEST_F(DcTest, LinesFromOutside) {
-    dc.MoveTo(-100000, -50000);
-    dc.LineTo(100000, 50000);
+    dc.MoveTo(-100000, -50000), dc.LineTo(100000, 50000);
     EXPECT_EQ(Picture(6, 3), "##..../..##../....##");
 }
 
@@ -103,10 +94,7 @@ TEST_F(DcTest, BrokenLinesBeginAnewAndFillTheirGaps) {
     dc.Polyline(corner, 3);
     EXPECT_EQ(Picture(10, 5), "###...###./........../........../........../........#.");
     Clear();
-    dc.SetBkMode(OPAQUE);
-    dc.SetBkColor(RGB(255, 0, 0));
-    dc.MoveTo(0, 0);
-    dc.LineTo(8, 0);
+    dc.SetBkMode(OPAQUE), dc.SetBkColor(RGB(255, 0, 0)), dc.MoveTo(0, 0), dc.LineTo(8, 0);
     EXPECT_EQ(Picture(10, 1), "###+++##..");
     dc.SelectObject(old);
 }
@@ -122,16 +110,13 @@ TEST_F(DcTest, EveryRasterOperation) {
     for (int mode = R2_BLACK; mode <= R2_WHITE; ++mode) {
         dc.FillSolidRect(0, 0, kWidth, kHeight, RGB(0x33, 0xCC, 0x55));
         EXPECT_NE(dc.SetROP2(mode), 0);
-        dc.MoveTo(0, 0);
-        dc.LineTo(1, 0);
-        dc.Rectangle(2, 2, 6, 6);
+        dc.MoveTo(0, 0), dc.LineTo(1, 0), dc.Rectangle(2, 2, 6, 6);
         EXPECT_EQ(pixels[0] & all, expected[mode - 1] & all) << "line, mode " << mode;
         EXPECT_EQ(pixels[2 * kWidth + 2] & all, expected[mode - 1] & all) << "edge, mode " << mode;
         EXPECT_EQ(pixels[4 * kWidth + 4] & all, expected[mode - 1] & all) << "inside, mode " << mode;
     }
     EXPECT_EQ(dc.SetROP2(17), 0);
-    dc.SelectObject(oldPen);
-    dc.SelectObject(oldBrush);
+    dc.SelectObject(oldPen), dc.SelectObject(oldBrush);
 }
 
 TEST_F(DcTest, InvertedFiguresVanishTheSecondTime) {
@@ -140,14 +125,9 @@ TEST_F(DcTest, InvertedFiguresVanishTheSecondTime) {
     const std::vector<uint32_t> ground = All();
     CPen pen(PS_DOT, 1, RGB(255, 255, 255));
     CPen* const old = dc.SelectObject(&pen);
-    dc.SelectStockObject(NULL_BRUSH);
-    dc.SetBkMode(TRANSPARENT);
-    dc.SetROP2(R2_NOT);
+    dc.SelectStockObject(NULL_BRUSH), dc.SetBkMode(TRANSPARENT), dc.SetROP2(R2_NOT);
     for (int round = 0; round < 2; ++round) {
-        dc.Rectangle(18, 9, 3, 2);
-        dc.MoveTo(-5, 3);
-        dc.LineTo(40, 9);
-        dc.InvertRect(CRect(4, 4, 20, 8));
+        dc.Rectangle(18, 9, 3, 2), dc.MoveTo(-5, 3), dc.LineTo(40, 9), dc.InvertRect(CRect(4, 4, 20, 8));
         dc.DrawFocusRect(CRect(1, 1, 12, 11));
         EXPECT_EQ(All() == ground, round == 1);
     }
@@ -155,8 +135,7 @@ TEST_F(DcTest, InvertedFiguresVanishTheSecondTime) {
 }
 
 TEST_F(DcTest, RectanglesExcludeTheirRightAndBottom) {
-    dc.SelectStockObject(NULL_BRUSH);
-    dc.Rectangle(1, 1, 5, 4);
+    dc.SelectStockObject(NULL_BRUSH), dc.Rectangle(1, 1, 5, 4);
     EXPECT_EQ(Picture(6, 5), "....../.####./.#..#./.####./......");
     Clear();
     dc.SelectStockObject(BLACK_BRUSH);
@@ -168,8 +147,7 @@ TEST_F(DcTest, RectanglesExcludeTheirRightAndBottom) {
     dc.FillRect(CRect(1, 1, 5, 4), &black);
     EXPECT_EQ(Picture(6, 5), "....../.####./.####./.####./......");
     Clear();
-    dc.FrameRect(CRect(0, 0, 4, 3), &black);
-    dc.Draw3dRect(5, 0, 3, 3, RGB(0, 0, 0), RGB(1, 1, 1));
+    dc.FrameRect(CRect(0, 0, 4, 3), &black), dc.Draw3dRect(5, 0, 3, 3, RGB(0, 0, 0), RGB(1, 1, 1));
     EXPECT_EQ(Picture(8, 3), "####.##+/#..#.#.+/####.+++");
 }
 
@@ -189,9 +167,7 @@ TEST_F(DcTest, CopiesThatOverlapKeepTheSource) {
 
 TEST_F(DcTest, ClipRegionsAndOriginsAreSavedAndRestored) {
     EXPECT_EQ(dc.SaveDC(), 1);
-    dc.SetWindowOrg(-2, -1);
-    dc.SetTextColor(RGB(1, 2, 3));
-    dc.IntersectClipRect(0, 0, 6, 4);
+    dc.SetWindowOrg(-2, -1), dc.SetTextColor(RGB(1, 2, 3)), dc.IntersectClipRect(0, 0, 6, 4);
     EXPECT_EQ(dc.ExcludeClipRect(1, 1, 3, 2), COMPLEXREGION);
     CRect box;
     EXPECT_EQ(dc.GetClipBox(box), COMPLEXREGION);
@@ -211,15 +187,13 @@ TEST_F(DcTest, ClipRegionsAndOriginsAreSavedAndRestored) {
 }
 
 TEST_F(DcTest, RegionsCombine) {
-    const struct {
+    struct Row {
         int mode, looks;
         CRect box;
-    } cases[] = {{RGN_AND, SIMPLEREGION, {2, 2, 4, 4}},
-                 {RGN_OR, COMPLEXREGION, {0, 0, 6, 6}},
-                 {RGN_XOR, COMPLEXREGION, {0, 0, 6, 6}},
-                 {RGN_DIFF, COMPLEXREGION, {0, 0, 4, 4}},
-                 {RGN_COPY, SIMPLEREGION, {0, 0, 4, 4}}};
-    for (const auto& combination : cases) {
+    };
+    for (const Row& combination : {Row{RGN_AND, SIMPLEREGION, {2, 2, 4, 4}}, Row{RGN_OR, COMPLEXREGION, {0, 0, 6, 6}},
+                                   Row{RGN_XOR, COMPLEXREGION, {0, 0, 6, 6}}, Row{RGN_DIFF, COMPLEXREGION, {0, 0, 4, 4}},
+                                   Row{RGN_COPY, SIMPLEREGION, {0, 0, 4, 4}}}) {
         CRgn first, second, result;
         first.CreateRectRgn(0, 0, 4, 4), second.CreateRectRgn(2, 2, 6, 6), result.CreateRectRgn(0, 0, 0, 0);
         EXPECT_EQ(result.CombineRgn(&first, &second, combination.mode), combination.looks) << combination.mode;
@@ -243,8 +217,7 @@ TEST_F(DcTest, ObjectsInUse) {
     HPEN pen = ::CreatePen(PS_SOLID, 1, RGB(1, 2, 3));
     const HGDIOBJ old = ::SelectObject(dc, pen);
     EXPECT_TRUE(::DeleteObject(pen));
-    dc.MoveTo(0, 0);
-    dc.LineTo(1, 0);
+    dc.MoveTo(0, 0), dc.LineTo(1, 0);
     EXPECT_EQ(dc.GetPixel(0, 0), RGB(1, 2, 3));
     ::SelectObject(dc, old);
     EXPECT_EQ(::GetObjectType(pen), 0u);
@@ -283,9 +256,7 @@ TEST_F(DcTest, TextMeasuresAndAlignment) {
     dc.SetBkMode(TRANSPARENT);
     const auto draw = [&](UINT align, int x, int y) {
         Clear();
-        dc.SetBkMode(TRANSPARENT);
-        dc.SetTextAlign(align);
-        dc.TextOut(x, y, "1", 1);
+        dc.SetBkMode(TRANSPARENT), dc.SetTextAlign(align), dc.TextOut(x, y, "1", 1);
         return All();
     };
     const std::vector<uint32_t> left = draw(TA_LEFT | TA_TOP, 5, -1);

@@ -12,7 +12,8 @@
 #include "afx/exception.h"
 #include "afx/message_box.h"
 #include "res/ids.h"
-#include "tests/support/regional_settings.h"
+#include "tests/support/dialog_fixture.h"
+#include "tests/support/raises.h"
 
 namespace {
 
@@ -79,48 +80,19 @@ public:
         ++exchanges;
         CDialog::DoDataExchange(pDX);
         DDX_Control(pDX, kName, edit);
-        DDX_Text(pDX, kName, name);
-        DDX_Text(pDX, kCount, count);
+        DDX_Text(pDX, kName, name), DDX_Text(pDX, kCount, count);
         DDX_Check(pDX, kFlag, flag);
         DDX_Radio(pDX, kRadio1, radio);
     }
     int Focus() const { return ::GetDlgCtrlID(::GetFocus()); }
-    // A key as the message loop would see it.
-    void Key(UINT key) {
-        MSG message = {};
-        message.hwnd = ::GetFocus();
-        message.message = WM_KEYDOWN;
-        message.wParam = key;
-        message.lParam = 1;
-        if (!PreTranslateMessage(&message)) ADD_FAILURE() << "not the dialog's";
-    }
-    void Letter(char c) {
-        MSG message = {};
-        message.hwnd = ::GetFocus();
-        message.message = WM_SYSCHAR;
-        message.wParam = static_cast<unsigned char>(c);
-        message.lParam = 0x20000001;
-        PreTranslateMessage(&message);
+    // Keys as the message loop would see them.
+    void Key(UINT key) { EXPECT_TRUE(Translate(WM_KEYDOWN, key, 1)) << "not the dialog's"; }
+    void Letter(char c) { Translate(WM_SYSCHAR, static_cast<unsigned char>(c), 0x20000001); }
+    bool Translate(UINT message, WPARAM wParam, LPARAM lParam) {
+        MSG read{::GetFocus(), message, wParam, lParam, 0, {}};
+        return PreTranslateMessage(&read) != FALSE;
     }
 };
-
-// Keeps the boxes instead of showing them.
-class QuietApp : public CWinApp {
-public:
-    QuietApp() : CWinApp("dialogs") {}
-    int DoMessageBox(LPCSTR text, UINT, UINT) override {
-        boxes.emplace_back(text);
-        return IDOK;
-    }
-    std::vector<std::string> boxes;
-};
-
-void Hold(int key, bool down) {
-    BYTE keys[256];
-    GetKeyboardState(keys);
-    keys[key] = down ? 0x80 : 0;
-    SetKeyboardState(keys);
-}
 
 }  // namespace
 
@@ -128,16 +100,16 @@ TEST(Dialogs, TabOrderMnemonicsAndDefaultButton) {
     const Template fields = Fields();
     FieldsDialog dialog;
     ASSERT_TRUE(dialog.CreateIndirect(fields.Get()));
-    dialog.ShowWindow(SW_SHOW);
-    dialog.GotoDlgCtrl(dialog.GetDlgItem(kName));
+    dialog.ShowWindow(SW_SHOW), dialog.GotoDlgCtrl(dialog.GetDlgItem(kName));
     EXPECT_EQ(dialog.Focus(), kName);
     std::vector<int> order;
     for (int i = 0; i < 6; ++i) dialog.Key(VK_TAB), order.push_back(dialog.Focus());
     // The chosen radio button stands for its group; disabled controls and texts are passed over; the end leads to the start.
     EXPECT_EQ(order, (std::vector<int>{kCount, kFlag, kRadio2, IDOK, IDCANCEL, kName}));
-    Hold(VK_SHIFT, true);
-    dialog.Key(VK_TAB);
-    Hold(VK_SHIFT, false);
+    {
+        const HeldKey shift(VK_SHIFT);
+        dialog.Key(VK_TAB);
+    }
     EXPECT_EQ(dialog.Focus(), IDCANCEL);
     EXPECT_EQ(dialog.SendDlgItemMessage(IDCANCEL, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON, DLGC_DEFPUSHBUTTON);
     EXPECT_EQ(LOWORD(dialog.GetDefID()), IDOK);  // it looks like the default one, but is not
@@ -145,8 +117,7 @@ TEST(Dialogs, TabOrderMnemonicsAndDefaultButton) {
     EXPECT_EQ(dialog.SendDlgItemMessage(IDOK, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON, DLGC_DEFPUSHBUTTON);
     EXPECT_EQ(HIWORD(dialog.GetDefID()), DC_HASDEFID);
 
-    dialog.GotoDlgCtrl(dialog.GetDlgItem(kRadio2));
-    dialog.Key(VK_UP);
+    dialog.GotoDlgCtrl(dialog.GetDlgItem(kRadio2)), dialog.Key(VK_UP);
     EXPECT_EQ(dialog.Focus(), kRadio1);
     EXPECT_EQ(dialog.IsDlgButtonChecked(kRadio1), 1u);
     EXPECT_EQ(dialog.IsDlgButtonChecked(kRadio2), 0u);
@@ -192,7 +163,7 @@ TEST(Dialogs, AnItemIsTakenOverFromTheTemplate) {
 }
 
 TEST(Dialogs, ExchangeDataAndRefuseIt) {
-    QuietApp app;
+    TellingApp app;
     const Template fields = Fields();
     FieldsDialog dialog;
     dialog.name = "r\xE4knare";
@@ -203,51 +174,35 @@ TEST(Dialogs, ExchangeDataAndRefuseIt) {
     EXPECT_STREQ(text, "r\xE4knare");
     EXPECT_EQ(dialog.GetDlgItemInt(kCount), 5u);
     EXPECT_EQ(dialog.edit.m_hWnd, ::GetDlgItem(dialog.m_hWnd, kName));
-    const struct {
+    struct Row {
         const char* text;
         bool good;
         int value;
-    } cases[] = {{"7", true, 7},
-                 {" -12 ", true, -12},
-                 {"", false, 0},
-                 {"x", false, 0},
-                 {"3x", false, 0},
-                 {"2147483648", false, 0},
-                 {"-2147483648", true, -2147483647 - 1},
-                 {"99999999999999999999999", false, 0}};
-    for (const auto& c : cases) {
+    };
+    for (const Row& c :
+         {Row{"7", true, 7}, Row{" -12 ", true, -12}, Row{"", false, 0}, Row{"x", false, 0}, Row{"3x", false, 0},
+          Row{"2147483648", false, 0}, Row{"-2147483648", true, -2147483647 - 1}, Row{"99999999999999999999999", false, 0}}) {
         dialog.count = 1;
-        app.boxes.clear();
-        dialog.GotoDlgCtrl(dialog.GetDlgItem(IDCANCEL));
-        dialog.SetDlgItemText(kCount, c.text);
+        app.told.clear();
+        dialog.GotoDlgCtrl(dialog.GetDlgItem(IDCANCEL)), dialog.SetDlgItemText(kCount, c.text);
         EXPECT_EQ(dialog.UpdateData(TRUE) != FALSE, c.good) << c.text;
         EXPECT_EQ(dialog.count, c.good ? c.value : 1) << c.text;
-        EXPECT_EQ(app.boxes.size(), c.good ? 0u : 1u) << c.text;  // told once
+        EXPECT_EQ(app.told.size(), c.good ? 0u : 1u) << c.text;  // told once
         EXPECT_EQ(dialog.Focus(), c.good ? IDCANCEL : kCount) << c.text;
         if (c.good) continue;
-        int from = -1, to = -1;
-        const LRESULT selection = dialog.SendDlgItemMessage(kCount, EM_GETSEL);
-        from = LOWORD(selection), to = HIWORD(selection);
-        EXPECT_EQ(from, 0) << c.text;
-        EXPECT_EQ(to, static_cast<int>(std::string(c.text).size())) << c.text;
+        EXPECT_EQ(dialog.SendDlgItemMessage(kCount, EM_GETSEL), MAKELONG(0, std::string(c.text).size())) << c.text;
     }
-    dialog.SetDlgItemText(kCount, "8");
-    dialog.CheckRadioButton(kRadio1, kRadio2, kRadio1);
+    dialog.SetDlgItemText(kCount, "8"), dialog.CheckRadioButton(kRadio1, kRadio2, kRadio1);
     dialog.CheckDlgButton(kFlag, BST_UNCHECKED);
     EXPECT_TRUE(dialog.UpdateData());
     EXPECT_EQ(dialog.radio, 0);
     EXPECT_EQ(dialog.flag, 0);
     CDataExchange exchange(&dialog, TRUE);
-    EXPECT_THROW(
-        try { exchange.PrepareCtrl(9999); } catch (CNotSupportedException* e) {
-            e->Delete();
-            throw 1;
-        },
-        int);
+    EXPECT_TRUE(Raises<CNotSupportedException>([&] { exchange.PrepareCtrl(9999); }));
 }
 
 TEST(Dialogs, ModalEnds) {
-    QuietApp app;
+    TellingApp app;
     const Template fields = Fields();
     const auto run = [&](std::function<void(FieldsDialog&)> onInit, CWnd* parent = nullptr) {
         FieldsDialog dialog;
@@ -264,19 +219,14 @@ TEST(Dialogs, ModalEnds) {
     EXPECT_EQ(run(post(WM_COMMAND, IDCANCEL)), IDCANCEL);
     EXPECT_EQ(run(post(WM_CLOSE, 0)), IDCANCEL);
     EXPECT_EQ(run([](FieldsDialog& dialog) { dialog.EndDialog(77); }), 77);
-    EXPECT_EQ(run([](FieldsDialog& dialog) {
-                  dialog.SetDlgItemText(kCount, "bad");
-                  dialog.PostMessage(WM_COMMAND, IDOK);  // refused: the dialog stays
-                  dialog.PostMessage(WM_COMMAND, IDCANCEL);
-              }),
-              IDCANCEL);
-    EXPECT_EQ(app.boxes.size(), 1u);
-    EXPECT_EQ(run([](FieldsDialog& dialog) {
-                  MSG key = {};
-                  key.hwnd = ::GetDlgItem(dialog.m_hWnd, kName);
-                  ::PostMessageA(key.hwnd, WM_KEYDOWN, VK_ESCAPE, 1);
-              }),
-              IDCANCEL);
+    const auto refused = [](FieldsDialog& dialog) {
+        dialog.SetDlgItemText(kCount, "bad");
+        for (const int id : {IDOK, IDCANCEL}) dialog.PostMessage(WM_COMMAND, static_cast<WPARAM>(id));  // it stays at first
+    };
+    EXPECT_EQ(run(refused), IDCANCEL);
+    EXPECT_EQ(app.told.size(), 1u);
+    const auto escape = [](FieldsDialog& dialog) { ::PostMessageA(::GetDlgItem(dialog, kName), WM_KEYDOWN, VK_ESCAPE, 1); };
+    EXPECT_EQ(run(escape), IDCANCEL);
 
     // The quit message ends the dialog and is there for the loop outside.
     EXPECT_EQ(run([](FieldsDialog&) { ::PostQuitMessage(3); }), -1);
@@ -289,13 +239,11 @@ TEST(Dialogs, ModalEnds) {
     CWnd owner;
     ASSERT_TRUE(owner.CreateEx(0, nullptr, "owner", WS_POPUP, 0, 0, 300, 200, nullptr, nullptr));
     owner.ShowWindow(SW_SHOW);
-    EXPECT_EQ(run(
-                  [&](FieldsDialog& dialog) {
-                      EXPECT_FALSE(owner.IsWindowEnabled());
-                      dialog.PostMessage(WM_COMMAND, IDOK);
-                  },
-                  &owner),
-              IDOK);
+    const auto look = [&](FieldsDialog& dialog) {
+        EXPECT_FALSE(owner.IsWindowEnabled());
+        dialog.PostMessage(WM_COMMAND, IDOK);
+    };
+    EXPECT_EQ(run(look, &owner), IDOK);
     EXPECT_TRUE(owner.IsWindowEnabled());
     struct Destroyer {
         static void CALLBACK Now(HWND window, UINT, UINT_PTR id, DWORD) {

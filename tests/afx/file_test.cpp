@@ -4,20 +4,14 @@
 #include <filesystem>
 
 #include "tests/afx/bytes.h"
+#include "tests/support/test_folder.h"
 
 using namespace afx_test;
 
 namespace {
-class File : public testing::Test {
+class File : public testing::Test, protected TestFolder {
 protected:
-    void SetUp() override {
-        m_folder = std::filesystem::temp_directory_path() / ("afx_file_test_" + std::to_string(GetCurrentThreadId()));
-        std::filesystem::remove_all(m_folder);
-        std::filesystem::create_directories(m_folder);
-    }
-    void TearDown() override { std::filesystem::remove_all(m_folder); }
-
-    CString Path(const char* name) const { return CString((m_folder / name).string().c_str()); }
+    CString Path(const char* name) const { return CString(TestFolder::Path(name).c_str()); }
     static std::string Contents(const CString& path) {
         CFile file(path, CFile::modeRead | CFile::shareDenyNone);
         std::string text(static_cast<size_t>(file.GetLength()), 0);
@@ -26,10 +20,8 @@ protected:
     }
     static void Put(const CString& path, const std::string& text) {
         CFile file(path, CFile::modeCreate | CFile::modeWrite);
-        file.Write(text.data(), static_cast<UINT>(text.size()));
-        file.Close();
+        file.Write(text.data(), static_cast<UINT>(text.size())), file.Close();
     }
-    std::filesystem::path m_folder;
 };
 
 TEST_F(File, WritesSeeksAndReads) {
@@ -49,9 +41,7 @@ TEST_F(File, WritesSeeksAndReads) {
     EXPECT_EQ(file.GetLength(), 5u);
     EXPECT_EQ(file.SeekToEnd(), 5u);
     file.Seek(8, CFile::begin);  // behind the end
-    file.Write("!", 1);
-    file.Flush();
-    file.Close();
+    file.Write("!", 1), file.Flush(), file.Close();
     EXPECT_EQ(Contents(Path("a.bin")), std::string("hello\0\0\0!", 9));
 }
 
@@ -114,8 +104,7 @@ TEST_F(File, TellsStatus) {
 }
 
 TEST_F(File, RenamesAndRemoves) {
-    Put(Path("a"), "a");
-    Put(Path("b"), "b");
+    Put(Path("a"), "a"), Put(Path("b"), "b");
     EXPECT_EQ(FileCause([&] { CFile::Rename(Path("a"), Path("b")); }), CFileException::accessDenied);  // never replaces
     EXPECT_EQ(Contents(Path("b")), "b");
     CFile::Rename(Path("a"), Path("c"));
@@ -127,14 +116,12 @@ TEST_F(File, RenamesAndRemoves) {
 
 TEST(MemFile, GrowsAndFillsGapsWithZero) {
     CMemFile file(1);
-    file.Write("abc", 3);
-    file.Seek(5, CFile::begin);
+    file.Write("abc", 3), file.Seek(5, CFile::begin);
     EXPECT_EQ(file.GetLength(), 3u);
     file.Write("f", 1);
     EXPECT_EQ(file.GetLength(), 6u);
     EXPECT_EQ(std::memcmp(file.GetBufferPtr(), "abc\0\0f", 6), 0);
-    file.SetLength(2);
-    file.SetLength(4);
+    file.SetLength(2), file.SetLength(4);
     EXPECT_EQ(std::memcmp(file.GetBufferPtr(), "ab\0\0", 4), 0);
     char buffer[4] = {'x', 'x', 'x', 'x'};
     EXPECT_EQ(file.Seek(1, CFile::begin), 1u);

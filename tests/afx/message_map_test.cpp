@@ -75,10 +75,7 @@ protected:
         Told("not now");
         return FALSE;
     }
-    afx_msg void OnUpdateSave(CCmdUI* state) {
-        state->Enable(FALSE);
-        state->SetCheck(1);
-    }
+    afx_msg void OnUpdateSave(CCmdUI* state) { state->Enable(FALSE), state->SetCheck(1); }
     afx_msg void OnChange() { Told("change"); }
     afx_msg void OnNotify17(NMHDR*, LRESULT* result) { *result = 17; }
     DECLARE_MESSAGE_MAP()
@@ -148,25 +145,18 @@ TEST(MessageMap, HandsEachMessageToItsMember) {
     };
     const HWND self = window.m_hWnd;
     const auto handle = reinterpret_cast<WPARAM>(self);
-    const Case cases[] = {{WM_SIZE, 0, MAKELPARAM(7, 9), 0, "size 7,9;"},
-                          {WM_MOUSEMOVE, 5, MAKELPARAM(-3, 40), 0, "move 5 -3,40;"},
-                          {WM_LBUTTONDOWN, 1, MAKELPARAM(1, -2), 0, "press 1,-2;"},
-                          {WM_MOUSEWHEEL, MAKEWPARAM(8, -120), MAKELPARAM(3, 4), 1, "wheel -120 3,4;"},
-                          {WM_KEYDOWN, VK_ESCAPE, MAKELPARAM(2, 1), 0, "key 27x2;"},
-                          {WM_SETCURSOR, handle, MAKELPARAM(1, 512), 1, "cursor 1 1 512;"},
-                          {WM_CAPTURECHANGED, 0, 0, 0, "capture lost;"},
-                          {WM_TIMER, 3, 0, 0, "timer 3;"},
-                          {WM_HSCROLL, MAKEWPARAM(5, 44), 0, 0, "scroll 5 44;"},
-                          {WM_GETDLGCODE, 0, 0, 4, ""},
-                          {WM_PAINT, 0, 0, 0, "paint;"},
-                          {WM_CTLCOLORSTATIC, 0, 0, reinterpret_cast<LRESULT>(GetStockObject(WHITE_BRUSH)), "colour 6;"},
-                          {WM_CONTEXTMENU, handle, -1, 0, "context -1,-1;"},
-                          {WM_COMMAND, 100, 0, 1, "save;"},
-                          {WM_COMMAND, MAKEWPARAM(100, 1), 0, 1, "save;"},
-                          {WM_COMMAND, 209, 0, 1, "any 209;"},
-                          {WM_COMMAND, 205, 0, 1, "not now;any 205;"},
-                          {WM_COMMAND, 210, 0, 0, ""}};
-    for (const Case& each : cases) {
+    for (const Case& each :
+         {Case{WM_SIZE, 0, MAKELPARAM(7, 9), 0, "size 7,9;"}, Case{WM_MOUSEMOVE, 5, MAKELPARAM(-3, 40), 0, "move 5 -3,40;"},
+          Case{WM_LBUTTONDOWN, 1, MAKELPARAM(1, -2), 0, "press 1,-2;"},
+          Case{WM_MOUSEWHEEL, MAKEWPARAM(8, -120), MAKELPARAM(3, 4), 1, "wheel -120 3,4;"},
+          Case{WM_KEYDOWN, VK_ESCAPE, MAKELPARAM(2, 1), 0, "key 27x2;"},
+          Case{WM_SETCURSOR, handle, MAKELPARAM(1, 512), 1, "cursor 1 1 512;"}, Case{WM_CAPTURECHANGED, 0, 0, 0, "capture lost;"},
+          Case{WM_TIMER, 3, 0, 0, "timer 3;"}, Case{WM_HSCROLL, MAKEWPARAM(5, 44), 0, 0, "scroll 5 44;"},
+          Case{WM_GETDLGCODE, 0, 0, 4, ""}, Case{WM_PAINT, 0, 0, 0, "paint;"},
+          Case{WM_CTLCOLORSTATIC, 0, 0, reinterpret_cast<LRESULT>(GetStockObject(WHITE_BRUSH)), "colour 6;"},
+          Case{WM_CONTEXTMENU, handle, -1, 0, "context -1,-1;"}, Case{WM_COMMAND, 100, 0, 1, "save;"},
+          Case{WM_COMMAND, MAKEWPARAM(100, 1), 0, 1, "save;"}, Case{WM_COMMAND, 209, 0, 1, "any 209;"},
+          Case{WM_COMMAND, 205, 0, 1, "not now;any 205;"}, Case{WM_COMMAND, 210, 0, 0, ""}}) {
         window.m_told.clear();
         EXPECT_EQ(window.SendMessage(each.message, each.wParam, each.lParam), each.answer) << each.message << " " << each.told;
         EXPECT_EQ(window.m_told, each.told);

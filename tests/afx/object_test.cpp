@@ -2,6 +2,7 @@
 #include "afx/object.h"
 
 #include <memory>
+#include <tuple>
 
 #include "afx/app.h"
 #include "afx/array.h"
@@ -10,6 +11,7 @@
 #include "afx/module.h"
 #include "afx/time.h"
 #include "tests/afx/bytes.h"
+#include "tests/support/dialog_fixture.h"
 #include "tests/support/regional_settings.h"
 
 using namespace afx_test;
@@ -109,70 +111,50 @@ TEST(Exceptions, SpeakTheUsersLanguage) {
     const COleException ole(E_INVALIDARG);
     const CArchiveException archive(CArchiveException::genericException, "a.odb"), last(CArchiveException::bufferFull), other(99);
     const CFileException file(CFileException::accessDenied), end(CFileException::endOfFile);
-    const struct {
-        const CException& failure;
-        const char *english, *swedish;
-    } cases[] = {{memory, "Out of memory.", "Slut p\xE5 minne."},
-                 {ole, "The operation failed (0x80070057).", "\xC5tg\xE4rden misslyckades (0x80070057)."},
-                 {archive, "a.odb: The file cannot be read or stored.", "a.odb: Filen kan inte l\xE4sas eller lagras."},
-                 {last, "The file does not fit its buffer.", "Filen ryms inte i sin buffert."},
-                 {other, "The file cannot be read or stored.", "Filen kan inte l\xE4sas eller lagras."},
-                 {file, "Access to the file was denied.", "\xC5tkomst till filen nekades."},
-                 {end, "The file ends too early.", "Filen slutar f\xF6r tidigt."}};
-    for (const auto& one : cases)
-        for (const bool swedish : {false, true}) {
-            const TextLanguage language(swedish ? LANG_SWEDISH : LANG_ENGLISH);
+    using Row = std::tuple<const CException*, const char*, const char*>;
+    for (const auto& [failure, english, swedish] :
+         {Row{&memory, "Out of memory.", "Slut p\xE5 minne."},
+          Row{&ole, "The operation failed (0x80070057).", "\xC5tg\xE4rden misslyckades (0x80070057)."},
+          Row{&archive, "a.odb: The file cannot be read or stored.", "a.odb: Filen kan inte l\xE4sas eller lagras."},
+          Row{&last, "The file does not fit its buffer.", "Filen ryms inte i sin buffert."},
+          Row{&other, "The file cannot be read or stored.", "Filen kan inte l\xE4sas eller lagras."},
+          Row{&file, "Access to the file was denied.", "\xC5tkomst till filen nekades."},
+          Row{&end, "The file ends too early.", "Filen slutar f\xF6r tidigt."}})
+        for (const WORD language : {WORD{LANG_ENGLISH}, WORD{LANG_SWEDISH}}) {
+            const TextLanguage spoken(language);
             char text[80];
-            EXPECT_TRUE(one.failure.GetErrorMessage(text, sizeof text));
-            EXPECT_STREQ(text, swedish ? one.swedish : one.english);
+            EXPECT_TRUE(failure->GetErrorMessage(text, sizeof text));
+            EXPECT_STREQ(text, language == LANG_SWEDISH ? swedish : english);
         }
 }
 
 TEST(Exceptions, SystemCodesHaveCauses) {
-    struct {
-        LONG code;
-        int cause;
-    } const cases[] = {{0, CFileException::none},         {2, CFileException::fileNotFound},
-                       {3, CFileException::badPath},      {4, CFileException::tooManyOpenFiles},
-                       {5, CFileException::accessDenied}, {32, CFileException::sharingViolation},
-                       {112, CFileException::diskFull},   {9999, CFileException::genericException}};
-    for (const auto& c : cases) EXPECT_EQ(CFileException::OsErrorToException(c.code), c.cause) << c.code;
+    using Row = std::tuple<LONG, int>;
+    for (const auto& [code, cause] : {Row{0, CFileException::none}, Row{2, CFileException::fileNotFound},
+                                      Row{3, CFileException::badPath}, Row{4, CFileException::tooManyOpenFiles},
+                                      Row{5, CFileException::accessDenied}, Row{32, CFileException::sharingViolation},
+                                      Row{112, CFileException::diskFull}, Row{9999, CFileException::genericException}})
+        EXPECT_EQ(CFileException::OsErrorToException(code), cause) << code;
 }
-
-// An application that keeps what it is asked to show.
-class TestApp : public CWinApp {
-public:
-    using CWinApp::CWinApp;
-    int DoMessageBox(LPCSTR prompt, UINT type, UINT) override {
-        m_shown = prompt;
-        m_type = type;
-        return IDYES;
-    }
-    CString m_shown;
-    UINT m_type = 0;
-};
 
 TEST(App, IsOneAndKnowsItsThread) {
     EXPECT_EQ(AfxGetApp(), nullptr);
     EXPECT_EQ(AfxGetMainThreadID(), GetCurrentThreadId());
     EXPECT_STREQ(AfxGetAppName(), "test_afx");
     {
-        TestApp app("Logger");
+        TellingApp app("Logger", IDYES);
         EXPECT_EQ(AfxGetApp(), &app);
         EXPECT_EQ(app.m_nThreadID, GetCurrentThreadId());
         EXPECT_STREQ(AfxGetAppName(), "Logger");
         ExpectInvalidArg([] { CWinApp second; });
         EXPECT_EQ(AfxGetApp(), &app);
         EXPECT_EQ(AfxMessageBox("Really?", MB_YESNO), IDYES);
-        EXPECT_EQ(app.m_shown, "Really?");
-        EXPECT_EQ(app.m_type, MB_YESNO | MB_ICONEXCLAMATION);
         CInvalidArgException failure(FALSE);
         failure.ReportError(MB_OK | MB_ICONSTOP);
-        EXPECT_EQ(app.m_shown, "An argument is not valid.");
-        EXPECT_EQ(app.m_type, static_cast<UINT>(MB_OK | MB_ICONSTOP));
-        CException plain;
-        plain.ReportError();
-        EXPECT_EQ(app.m_shown, "The operation failed.");
+        CException().ReportError();
+        EXPECT_EQ(app.told, (std::vector<std::string>{"Really?", "An argument is not valid.", "The operation failed."}));
+        EXPECT_EQ(app.types[0], MB_YESNO | MB_ICONEXCLAMATION);
+        EXPECT_EQ(app.types[1], static_cast<UINT>(MB_OK | MB_ICONSTOP));
     }
     EXPECT_EQ(AfxGetApp(), nullptr);
 }
@@ -216,29 +198,22 @@ TEST(Module, StateIsTheApplicationsUnlessSet) {
 }
 
 TEST(OleDateTime, CountsDaysFromItsEpoch) {
-    struct {
+    struct Row {
         int year, month, day, hour, minute, second;
         double date;
         int weekday, dayOfYear;
-    } const cases[] = {
-        {1899, 12, 30, 0, 0, 0, 0, 7, 364},       {1899, 12, 29, 6, 0, 0, -1.25, 6, 363},
-        {1900, 1, 1, 0, 0, 0, 2, 2, 1},           {1970, 1, 1, 12, 0, 0, 25569.5, 5, 1},
-        {2000, 2, 29, 0, 0, 0, 36585, 3, 60},     {2000, 12, 31, 18, 0, 0, 36891.75, 1, 366},
-        {9999, 12, 31, 0, 0, 0, 2958465, 6, 365}, {100, 1, 1, 0, 0, 0, -657434, 6, 1},
     };
-    for (const auto& c : cases) {
+    for (const Row& c : {Row{1899, 12, 30, 0, 0, 0, 0, 7, 364}, Row{1899, 12, 29, 6, 0, 0, -1.25, 6, 363},
+                         Row{1900, 1, 1, 0, 0, 0, 2, 2, 1}, Row{1970, 1, 1, 12, 0, 0, 25569.5, 5, 1},
+                         Row{2000, 2, 29, 0, 0, 0, 36585, 3, 60}, Row{2000, 12, 31, 18, 0, 0, 36891.75, 1, 366},
+                         Row{9999, 12, 31, 0, 0, 0, 2958465, 6, 365}, Row{100, 1, 1, 0, 0, 0, -657434, 6, 1}}) {
         const COleDateTime made(c.year, c.month, c.day, c.hour, c.minute, c.second);
         EXPECT_EQ(made.GetStatus(), COleDateTime::valid);
         EXPECT_EQ(made.m_dt, c.date);
-        const COleDateTime read(c.date);
-        EXPECT_EQ(read.GetYear(), c.year);
-        EXPECT_EQ(read.GetMonth(), c.month);
-        EXPECT_EQ(read.GetDay(), c.day);
-        EXPECT_EQ(read.GetHour(), c.hour);
-        EXPECT_EQ(read.GetMinute(), c.minute);
-        EXPECT_EQ(read.GetSecond(), c.second);
-        EXPECT_EQ(read.GetDayOfWeek(), c.weekday) << c.date;
-        EXPECT_EQ(read.GetDayOfYear(), c.dayOfYear) << c.date;
+        const COleDateTime r(c.date);
+        EXPECT_EQ(std::tuple(r.GetYear(), r.GetMonth(), r.GetDay(), r.GetHour(), r.GetMinute(), r.GetSecond()),
+                  std::tuple(c.year, c.month, c.day, c.hour, c.minute, c.second));
+        EXPECT_EQ(std::tuple(r.GetDayOfWeek(), r.GetDayOfYear()), std::tuple(c.weekday, c.dayOfYear)) << c.date;
     }
 }
 
@@ -252,16 +227,13 @@ TEST(OleDateTime, EverySecondOfADayComesBack) {
     }
     // The last fraction of a second of a day rounds into the next one.
     const COleDateTime late(45351 + 86399.9 / 86400);
-    EXPECT_EQ(late.GetDay(), 1);
-    EXPECT_EQ(late.GetMonth(), 3);
-    EXPECT_EQ(late.GetHour(), 0);
+    EXPECT_EQ(std::tuple(late.GetMonth(), late.GetDay(), late.GetHour()), std::tuple(3, 1, 0));
 }
 
 TEST(OleDateTime, RefusesWhatIsNoDate) {
-    EXPECT_EQ(COleDateTime(2023, 2, 29, 0, 0, 0).GetStatus(), COleDateTime::invalid);
-    EXPECT_EQ(COleDateTime(2023, 13, 1, 0, 0, 0).GetStatus(), COleDateTime::invalid);
-    EXPECT_EQ(COleDateTime(2023, 1, 1, 24, 0, 0).GetStatus(), COleDateTime::invalid);
-    EXPECT_EQ(COleDateTime(99, 1, 1, 0, 0, 0).GetStatus(), COleDateTime::invalid);
+    for (const COleDateTime& time : {COleDateTime(2023, 2, 29, 0, 0, 0), COleDateTime(2023, 13, 1, 0, 0, 0),
+                                     COleDateTime(2023, 1, 1, 24, 0, 0), COleDateTime(99, 1, 1, 0, 0, 0)})
+        EXPECT_EQ(time.GetStatus(), COleDateTime::invalid);
     EXPECT_EQ(COleDateTime(1e300).GetYear(), COleDateTime::error);
     EXPECT_EQ(COleDateTime(2023, 2, 29, 0, 0, 0).GetSecond(), COleDateTime::error);
     SYSTEMTIME fields;

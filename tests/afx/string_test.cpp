@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <tuple>
 #include <utility>
 
 #include "tests/afx/bytes.h"
@@ -53,48 +54,35 @@ TEST(String, IndexMayReadTheFinalZeroButNotBeyond) {
 
 TEST(String, PartsAreCutToTheText) {
     const CString text("abcdef");
-    struct {
-        int first, count;
-        const char* expected;
-    } const cases[] = {{0, 3, "abc"}, {2, 2, "cd"},  {4, 9, "ef"}, {6, 1, ""},
-                       {9, 1, ""},    {-2, 2, "ab"}, {1, -1, ""},  {2, INT_MAX, "cdef"}};
-    for (const auto& c : cases) EXPECT_EQ(text.Mid(c.first, c.count), c.expected) << c.first << ',' << c.count;
-    EXPECT_EQ(text.Mid(4), "ef");
-    EXPECT_EQ(text.Left(2), "ab");
-    EXPECT_EQ(text.Left(99), "abcdef");
-    EXPECT_EQ(text.Right(2), "ef");
-    EXPECT_EQ(text.Right(-1), "");
-    EXPECT_EQ(text.SpanIncluding("cba"), "abc");
-    EXPECT_EQ(text.SpanExcluding("ed"), "abc");
-    EXPECT_EQ(text.SpanExcluding("x"), "abcdef");
+    using Row = std::tuple<int, int, const char*>;
+    for (const auto& [first, count, expected] : {Row{0, 3, "abc"}, Row{2, 2, "cd"}, Row{4, 9, "ef"}, Row{6, 1, ""}, Row{9, 1, ""},
+                                                 Row{-2, 2, "ab"}, Row{1, -1, ""}, Row{2, INT_MAX, "cdef"}})
+        EXPECT_EQ(text.Mid(first, count), expected) << first << ',' << count;
+    using Part = std::pair<CString, const char*>;
+    for (const auto& [part, expected] :
+         {Part{text.Mid(4), "ef"}, Part{text.Left(2), "ab"}, Part{text.Left(99), "abcdef"}, Part{text.Right(2), "ef"},
+          Part{text.Right(-1), ""}, Part{text.SpanIncluding("cba"), "abc"}, Part{text.SpanExcluding("ed"), "abc"},
+          Part{text.SpanExcluding("x"), "abcdef"}})
+        EXPECT_EQ(part, expected);
 }
 
 TEST(String, FindsPositions) {
     const CString text("a.b.c");
-    struct {
-        int start, expected;
-    } const dots[] = {{0, 1}, {1, 1}, {2, 3}, {4, -1}, {5, -1}, {6, -1}, {-1, -1}};
-    for (const auto& c : dots) EXPECT_EQ(text.Find('.', c.start), c.expected) << c.start;
-    EXPECT_EQ(text.Find("b.c"), 2);
-    EXPECT_EQ(text.Find("b.d"), -1);
-    EXPECT_EQ(text.Find(""), 0);
-    EXPECT_EQ(text.ReverseFind('.'), 3);
-    EXPECT_EQ(text.ReverseFind('x'), -1);
-    EXPECT_EQ(text.FindOneOf("cb"), 2);
-    EXPECT_EQ(CString().Find('x'), -1);
+    using Row = std::tuple<int, int>;
+    for (const auto& [start, expected] : {Row{0, 1}, Row{1, 1}, Row{2, 3}, Row{4, -1}, Row{5, -1}, Row{6, -1}, Row{-1, -1}})
+        EXPECT_EQ(text.Find('.', start), expected) << start;
+    EXPECT_EQ(std::tuple(text.Find("b.c"), text.Find("b.d"), text.Find(""), CString().Find('x')), std::tuple(2, -1, 0, -1));
+    EXPECT_EQ(std::tuple(text.ReverseFind('.'), text.ReverseFind('x'), text.FindOneOf("cb")), std::tuple(3, -1, 2));
 }
 
 TEST(String, ReplacesAndTellsHowOften) {
-    struct {
+    struct Row {
         const char *text, *from, *to, *expected;
         int count;
-    } const cases[] = {{"a&b&", "&", "&amp;", "a&amp;b&amp;", 2},
-                       {"aaa", "aa", "b", "ba", 1},
-                       {"abc", "", "x", "abc", 0},
-                       {"abc", "x", "y", "abc", 0},
-                       {"abab", "ab", "", "", 2},
-                       {"abc", "b", nullptr, "ac", 1}};
-    for (const auto& c : cases) {
+    };
+    for (const Row& c :
+         {Row{"a&b&", "&", "&amp;", "a&amp;b&amp;", 2}, Row{"aaa", "aa", "b", "ba", 1}, Row{"abc", "", "x", "abc", 0},
+          Row{"abc", "x", "y", "abc", 0}, Row{"abab", "ab", "", "", 2}, Row{"abc", "b", nullptr, "ac", 1}}) {
         CString text(c.text);
         EXPECT_EQ(text.Replace(c.from, c.to), c.count) << c.text;
         EXPECT_EQ(text, c.expected);
@@ -131,13 +119,12 @@ TEST(String, ComparesUnsignedBytes) {
 }
 
 TEST(String, TrimsSetsAndWhiteSpace) {
-    struct {
-        const char *text, *both, *left, *right;
-    } const cases[] = {{" \t a b\r\n", "a b", "a b\r\n", " \t a b"}, {"   ", "", "", ""}, {"", "", "", ""}, {"x", "x", "x", "x"}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(CString(c.text).Trim(), c.both);
-        EXPECT_EQ(CString(c.text).TrimLeft(), c.left);
-        EXPECT_EQ(CString(c.text).TrimRight(), c.right);
+    using Row = std::tuple<const char*, const char*, const char*, const char*>;
+    for (const auto& [text, both, left, right] : {Row{" \t a b\r\n", "a b", "a b\r\n", " \t a b"}, Row{"   ", "", "", ""},
+                                                  Row{"", "", "", ""}, Row{"x", "x", "x", "x"}}) {
+        EXPECT_EQ(CString(text).Trim(), both);
+        EXPECT_EQ(CString(text).TrimLeft(), left);
+        EXPECT_EQ(CString(text).TrimRight(), right);
     }
     EXPECT_EQ(CString("..a..").Trim('.'), "a");
     EXPECT_EQ(CString("-+7+-").TrimLeft("+-"), "7+-");
@@ -200,8 +187,7 @@ TEST(String, BuffersAreTakenOver) {
     buffer[4] = 0;
     text.ReleaseBuffer();
     EXPECT_EQ(text, "abcd");
-    text.GetBuffer(8);
-    text.ReleaseBuffer(2);
+    text.GetBuffer(8), text.ReleaseBuffer(2);
     EXPECT_EQ(text, "ab");
     ExpectInvalidArg([&] { text.ReleaseBuffer(1000); });
     CString empty;
@@ -221,10 +207,9 @@ TEST(String, KeepsEmbeddedZeros) {
 
 TEST(String, AddsInEveryCombination) {
     const CString a("a");
-    EXPECT_EQ(a + a, "aa");
-    EXPECT_EQ(a + "b", "ab");
-    EXPECT_EQ("b" + a, "ba");
-    EXPECT_EQ(a + 'c', "ac");
-    EXPECT_EQ('c' + a, "ca");
+    using Sum = std::pair<CString, const char*>;
+    for (const auto& [sum, expected] :
+         {Sum{a + a, "aa"}, Sum{a + "b", "ab"}, Sum{"b" + a, "ba"}, Sum{a + 'c', "ac"}, Sum{'c' + a, "ca"}})
+        EXPECT_EQ(sum, expected);
 }
 }  // namespace

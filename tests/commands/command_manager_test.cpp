@@ -5,8 +5,10 @@
 #include <deque>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "commands/group_commands.h"
+#include "tests/support/raises.h"
 #include "tests/support/time_limit.h"
 
 namespace {
@@ -86,26 +88,23 @@ protected:
 };
 
 TEST_F(CommandManager, WalksBackAndForth) {
-    const struct {
-        const char *what, *walk, *expected;
-    } cases[] = {
-        {"nothing done", "<>", "1 |1 |"},
-        {"one by one, beyond both ends", "ab7><<<>>>", "1 |7 -b|1 -a|1 |1 +a|7 +b|1 |undo"},
-        {"commands that show nothing are passed over", "a0b2c0d0e<<<>>", "1 -e|2 -d-c-b|1 -a|2 +a+b|1 +c+d+e|undo"},
-        {"and none is left behind them", "a0b2f0<>>", "2 -f-b|2 +b|1 +f|undo"},
-        {"a new command ends the undone ones first", "abc<<d<<", "1 -c|1 -b|!c~c!b~b|1 -d|1 -a|redo"},
-        {"all undone ones", "ad<<e<", "1 -d|1 -a|!a~a!d~d|1 -e|redo"},
-        {"a group is one step", "x(ab)y<<<>>>", "1 -y|1 -b-a|1 -x|1 +x|1 +a+b|1 +y|undo"},
-        {"it is undone before its begin", "(ab)<", "1 -b-a|redo"},
-        {"and done at its end", "(ab)<><", "1 -b-a|1 +a+b|1 -b-a|redo"},
-        {"a new command ends it with its markers", "(ab)<c<", "1 -b-a|!a~a!b~b|1 -c|redo"},
-        {"what its commands answer does not matter", "x(a0b5c0)<>()<<", "1 -c-b-a|1 +a+b+c|1 |1 -c-b-a|undoredo"},
-        {"groups hold groups", "x(a(b(c)d)e)<<>>", "1 -e-d-c-b-a|1 -x|1 +x|1 +a+b+c+d+e|undo"},
-        {"an unfinished one goes back one by one and forth as a whole", "x(ab<<<<>>", "1 -b|1 -a|-2 |1 -x|1 +x|1 +a+b|undo"},
-        {"an end without a begin goes back as a whole and is told forth", "a)b<<>>>", "1 -b|1 -a|1 +a|-2 |1 +b|undo"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Walk(c.walk), c.expected) << c.what;
+    using Row = std::tuple<const char*, const char*, const char*>;
+    for (const auto& [what, walk, expected] :
+         {Row{"nothing done", "<>", "1 |1 |"},
+          Row{"one by one, beyond both ends", "ab7><<<>>>", "1 |7 -b|1 -a|1 |1 +a|7 +b|1 |undo"},
+          Row{"commands that show nothing are passed over", "a0b2c0d0e<<<>>", "1 -e|2 -d-c-b|1 -a|2 +a+b|1 +c+d+e|undo"},
+          Row{"and none is left behind them", "a0b2f0<>>", "2 -f-b|2 +b|1 +f|undo"},
+          Row{"a new command ends the undone ones first", "abc<<d<<", "1 -c|1 -b|!c~c!b~b|1 -d|1 -a|redo"},
+          Row{"all undone ones", "ad<<e<", "1 -d|1 -a|!a~a!d~d|1 -e|redo"},
+          Row{"a group is one step", "x(ab)y<<<>>>", "1 -y|1 -b-a|1 -x|1 +x|1 +a+b|1 +y|undo"},
+          Row{"it is undone before its begin", "(ab)<", "1 -b-a|redo"},
+          Row{"and done at its end", "(ab)<><", "1 -b-a|1 +a+b|1 -b-a|redo"},
+          Row{"a new command ends it with its markers", "(ab)<c<", "1 -b-a|!a~a!b~b|1 -c|redo"},
+          Row{"what its commands answer does not matter", "x(a0b5c0)<>()<<", "1 -c-b-a|1 +a+b+c|1 |1 -c-b-a|undoredo"},
+          Row{"groups hold groups", "x(a(b(c)d)e)<<>>", "1 -e-d-c-b-a|1 -x|1 +x|1 +a+b+c+d+e|undo"},
+          Row{"an unfinished one goes back one by one and forth as a whole", "x(ab<<<<>>", "1 -b|1 -a|-2 |1 -x|1 +x|1 +a+b|undo"},
+          Row{"an end without a begin goes back as a whole and is told forth", "a)b<<>>>", "1 -b|1 -a|1 +a|-2 |1 +b|undo"}}) {
+        EXPECT_EQ(Walk(walk), expected) << what;
     }
 }
 
@@ -144,12 +143,7 @@ TEST_F(CommandManager, ACopyOfAFailedCommandHasFailed) {
 }
 
 TEST_F(CommandManager, RefusesNoCommand) {
-    try {
-        manager.DoCommand(nullptr);
-        ADD_FAILURE();
-    } catch (CInvalidArgException* failure) {
-        failure->Delete();
-    }
+    EXPECT_TRUE(Raises<CInvalidArgException>([&] { manager.DoCommand(nullptr); }));
 }
 
 TEST_F(CommandManager, AGroupWhoseBeginningWasCutOffEndsAtTheBoundary) {
@@ -186,9 +180,7 @@ TEST_F(CommandManager, RemoveAllEndsEveryCommandFromTheOldest) {
 TEST_F(CommandManager, DyingEndsEveryCommand) {
     {
         COrvikCommandManager shortLived;
-        shortLived.DoCommand(new Step(log, "a"));
-        shortLived.BeginGroup();
-        shortLived.DoCommand(new Step(log, "b"));
+        shortLived.DoCommand(new Step(log, "a")), shortLived.BeginGroup(), shortLived.DoCommand(new Step(log, "b"));
     }
     EXPECT_EQ(log, "!a~a!b~b");
 }
@@ -222,8 +214,7 @@ TEST_F(CommandManager, AgreesWithAPlainModelOfUndo) {
         const auto kind = (random() % 40 == 0 ? random() : static_cast<unsigned>(i / 150)) % 3;
         if (kind == 0) {
             ASSERT_TRUE(manager.DoCommand(new Set(value, i + 1)));
-            states.resize(place + 1);
-            states.push_back(i + 1);
+            states.resize(place + 1), states.push_back(i + 1);
             if (states.size() > 100) states.pop_front();
             place = states.size() - 1;
         } else if (kind == 1) {

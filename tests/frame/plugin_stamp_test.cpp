@@ -20,8 +20,7 @@ protected:
 
     EPluginFit Check(const std::string& content) {
         CFile file(m_path.c_str(), CFile::modeCreate | CFile::modeWrite);
-        file.Write(content.data(), static_cast<UINT>(content.size()));
-        file.Close();
+        file.Write(content.data(), static_cast<UINT>(content.size())), file.Close();
         return OrvikCheckPlugin(m_path.c_str(), family, version);
     }
     static std::string Stamp(const char* moduleVersion, const char* familyName) {
@@ -46,9 +45,8 @@ TEST_F(PluginStamp, FitsOrNamesTheOtherVersion) {
 
 TEST_F(PluginStamp, IsFoundAcrossTheBordersOfBlocks) {
     const std::string stamp = Stamp(ORVIK_MODULE_VERSION, "Cedar");
-    for (size_t before = (1 << 16) - stamp.size() - 1; before <= (1 << 16) + 1; ++before) {
+    for (size_t before = (1 << 16) - stamp.size() - 1; before <= (1 << 16) + 1; ++before)
         ASSERT_EQ(Check(std::string(before, '\x7F') + stamp), PF_FITS) << before;
-    }
 }
 
 TEST_F(PluginStamp, EverythingElseIsNoPlugin) {

@@ -61,10 +61,7 @@ public:
         Send(WM_KEYUP, static_cast<WPARAM>(key), static_cast<LPARAM>(0xC0000001));
         if (with != 0) Hold(with, false);
     }
-    void Click(int x, int y) {
-        Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
-        Send(WM_LBUTTONUP, 0, MAKELPARAM(x, y));
-    }
+    void Click(int x, int y) { Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y)), Send(WM_LBUTTONUP, 0, MAKELPARAM(x, y)); }
     std::string Text() const {
         char text[1024];
         const int length = GetWindowTextA(control, text, sizeof text);
@@ -73,7 +70,12 @@ public:
     // What was told since the last call, in words between blanks.
     std::string Told() { return std::exchange(log, {}); }
 
-    virtual std::string Name(UINT code) const { return std::to_string(static_cast<int>(code)); }
+    // What a notification is called, where it has a name.
+    std::map<UINT, std::string> names;
+    std::string Name(UINT code) const {
+        const auto found = names.find(code);
+        return found != names.end() ? found->second : std::to_string(static_cast<int>(code));
+    }
     // The answer to a WM_NOTIFY message.
     virtual LRESULT Notified(const NMHDR&) { return 0; }
 

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "tests/platform/control_host.h"
+#include "tests/support/table.h"
 
 namespace {
 
@@ -11,71 +13,43 @@ class Progress : public ControlHost {};
 
 TEST_F(Progress, Messages) {
     Make("msctls_progress32", 0);
-    const struct {
-        UINT message;
-        WPARAM wParam;
-        LPARAM lParam;
-        LRESULT answer, position;
-    } steps[] = {
-        {PBM_GETPOS, 0, 0, 0, 0},
-        {PBM_SETRANGE32, 0, 200, MAKELONG(0, 100), 0},
-        {PBM_SETPOS, 100, 0, 0, 100},
-        {PBM_DELTAPOS, 50, 0, 100, 150},
-        {PBM_DELTAPOS, 100, 0, 150, 200},  // held at the end
-        {PBM_SETPOS, 190, 0, 200, 190},
-        {PBM_SETSTEP, 15, 0, 10, 190},
-        {PBM_STEPIT, 0, 0, 190, 5},  // beyond the end a step starts over
-        {PBM_SETPOS, static_cast<WPARAM>(-5), 0, 5, 0},
-        {PBM_SETRANGE, 0, MAKELPARAM(10, 20), MAKELONG(0, 200), 10},
-        {PBM_GETRANGE, TRUE, 0, 10, 10},
-        {PBM_GETRANGE, FALSE, 0, 20, 10},
-    };
-    for (const auto& step : steps) {
-        EXPECT_EQ(Send(step.message, step.wParam, step.lParam), step.answer) << step.message - WM_USER;
-        EXPECT_EQ(Send(PBM_GETPOS), step.position) << step.message - WM_USER;
+    using Row = std::tuple<UINT, WPARAM, LPARAM, LRESULT, LRESULT>;
+    for (const auto& [message, wParam, lParam, answer, position] :
+         {Row{PBM_GETPOS, 0, 0, 0, 0}, Row{PBM_SETRANGE32, 0, 200, MAKELONG(0, 100), 0}, Row{PBM_SETPOS, 100, 0, 0, 100},
+          Row{PBM_DELTAPOS, 50, 0, 100, 150}, Row{PBM_DELTAPOS, 100, 0, 150, 200},  // held at the end
+          Row{PBM_SETPOS, 190, 0, 200, 190}, Row{PBM_SETSTEP, 15, 0, 10, 190},
+          Row{PBM_STEPIT, 0, 0, 190, 5},  // beyond the end a step starts over
+          Row{PBM_SETPOS, static_cast<WPARAM>(-5), 0, 5, 0}, Row{PBM_SETRANGE, 0, MAKELPARAM(10, 20), MAKELONG(0, 200), 10},
+          Row{PBM_GETRANGE, TRUE, 0, 10, 10}, Row{PBM_GETRANGE, FALSE, 0, 20, 10}}) {
+        EXPECT_EQ(Send(message, wParam, lParam), answer) << message - WM_USER;
+        EXPECT_EQ(Send(PBM_GETPOS), position) << message - WM_USER;
     }
     PBRANGE range = {};
     Ask(PBM_GETRANGE, TRUE, &range);
     EXPECT_EQ(range.iLow, 10);
     EXPECT_EQ(range.iHigh, 20);
-    Send(PBM_SETRANGE32, static_cast<WPARAM>(-100000), 100000);
-    Send(PBM_SETPOS, static_cast<WPARAM>(-70000));
+    Send(PBM_SETRANGE32, static_cast<WPARAM>(-100000), 100000), Send(PBM_SETPOS, static_cast<WPARAM>(-70000));
     EXPECT_EQ(static_cast<int>(Send(PBM_GETPOS)), -70000);
 }
 
 class Buttons : public ControlHost {
 protected:
-    std::string Name(UINT code) const override {
-        switch (code) {
-            case BN_CLICKED:
-                return "click";
-            case BN_DBLCLK:
-                return "double";
-            case BN_SETFOCUS:
-                return "focus";
-            case BN_KILLFOCUS:
-                return "blur";
-            default:
-                return ControlHost::Name(code);
-        }
-    }
+    Buttons() { names = {{BN_CLICKED, "click"}, {BN_DBLCLK, "double"}, {BN_SETFOCUS, "focus"}, {BN_KILLFOCUS, "blur"}}; }
 };
 
 TEST_F(Buttons, ClickByKind) {
-    const struct {
+    struct Row {
         DWORD style;
         LRESULT codes;
         int checks[3];  // after each of three clicks
         const char* told;
-    } kinds[] = {
-        {BS_PUSHBUTTON, DLGC_BUTTON | DLGC_UNDEFPUSHBUTTON, {0, 0, 0}, "click"},
-        {BS_DEFPUSHBUTTON, DLGC_BUTTON | DLGC_DEFPUSHBUTTON, {0, 0, 0}, "click"},
-        {BS_CHECKBOX, DLGC_BUTTON, {0, 0, 0}, "click"},
-        {BS_AUTOCHECKBOX, DLGC_BUTTON, {1, 0, 1}, "click"},
-        {BS_AUTO3STATE, DLGC_BUTTON, {1, 2, 0}, "click"},
-        {BS_AUTORADIOBUTTON, DLGC_BUTTON | DLGC_RADIOBUTTON, {1, 1, 1}, "click"},
     };
-    for (const auto& kind : kinds) {
+    for (const Row& kind :
+         {Row{BS_PUSHBUTTON, DLGC_BUTTON | DLGC_UNDEFPUSHBUTTON, {0, 0, 0}, "click"},
+          Row{BS_DEFPUSHBUTTON, DLGC_BUTTON | DLGC_DEFPUSHBUTTON, {0, 0, 0}, "click"},
+          Row{BS_CHECKBOX, DLGC_BUTTON, {0, 0, 0}, "click"}, Row{BS_AUTOCHECKBOX, DLGC_BUTTON, {1, 0, 1}, "click"},
+          Row{BS_AUTO3STATE, DLGC_BUTTON, {1, 2, 0}, "click"},
+          Row{BS_AUTORADIOBUTTON, DLGC_BUTTON | DLGC_RADIOBUTTON, {1, 1, 1}, "click"}}) {
         Make("Button", kind.style, "&Press", 100, 30);
         EXPECT_EQ(Send(WM_GETDLGCODE), kind.codes) << kind.style;
         for (const int check : kind.checks) {
@@ -126,8 +100,7 @@ TEST_F(Buttons, OneRadioButtonOfAGroup) {
         for (const HWND each : radios) out += static_cast<char>('0' + SendMessageA(each, BM_GETCHECK, 0, 0));
         return out;
     };
-    SendMessageA(radios[3], BM_CLICK, 0, 0);
-    SendMessageA(radios[0], BM_CLICK, 0, 0);
+    SendMessageA(radios[3], BM_CLICK, 0, 0), SendMessageA(radios[0], BM_CLICK, 0, 0);
     EXPECT_EQ(states(), "1001");
     SendMessageA(radios[2], BM_CLICK, 0, 0);
     EXPECT_EQ(states(), "0011");
@@ -140,28 +113,15 @@ TEST_F(Buttons, OneRadioButtonOfAGroup) {
 
 class Edits : public ControlHost {
 public:
-    std::string Name(UINT code) const override {
-        switch (code) {
-            case EN_SETFOCUS:
-                return "focus";
-            case EN_KILLFOCUS:
-                return "blur";
-            case EN_CHANGE:
-                return "change";
-            case EN_UPDATE:
-                return "update";
-            case EN_MAXTEXT:
-                return "max";
-            default:
-                return ControlHost::Name(code);
-        }
+    Edits() {
+        names = {
+            {EN_SETFOCUS, "focus"}, {EN_KILLFOCUS, "blur"}, {EN_CHANGE, "change"}, {EN_UPDATE, "update"}, {EN_MAXTEXT, "max"}};
     }
     // Text with the selection between "[" and "]".
     std::string State() {
         std::string text = Text();
         const LRESULT selection = Send(EM_GETSEL);
-        text.insert(HIWORD(selection), "]");
-        text.insert(LOWORD(selection), "[");
+        text.insert(HIWORD(selection), "]"), text.insert(LOWORD(selection), "[");
         return text;
     }
 };
@@ -178,32 +138,31 @@ TEST_F(Edits, OneLine) {
         void (*act)(Edits&);
         const char *state, *told;  // null: homes tell more or less of it
     };
-    static const Step steps[] = {
-        {"set text", [](Edits& e) { SetWindowTextA(e.control, "hello world"); }, "[]hello world", "update change"},
-        {"select", [](Edits& e) { e.Send(EM_SETSEL, 6, 11); }, "hello [world]", ""},
-        {"type over", [](Edits& e) { e.Type("x"); }, "hello x[]", "update change"},
-        {"undo", [](Edits& e) { e.Send(EM_UNDO); }, "hello [world]", nullptr},
-        {"none", [](Edits& e) { e.Send(EM_SETSEL, static_cast<WPARAM>(-1), 0); }, "hello world[]", ""},
-        {"backspace", [](Edits& e) { e.Type("\b\b"); }, "hello wor[]", "update change update change"},
-        {"home", [](Edits& e) { e.Press(VK_HOME); }, "[]hello wor", ""},
-        {"right, extending", [](Edits& e) { e.Press(VK_RIGHT, VK_SHIFT); }, "[h]ello wor", ""},
-        {"caret", [](Edits& e) { e.Send(EM_SETSEL, 1, 1); }, "h[]ello wor", ""},
-        {"next word", [](Edits& e) { e.Press(VK_RIGHT, VK_CONTROL); }, "hello []wor", ""},
-        {"delete", [](Edits& e) { e.Press(VK_DELETE); }, "hello []or", "update change"},
-        {"end", [](Edits& e) { e.Press(VK_END, VK_SHIFT); }, "hello [or]", ""},
-        {"cut", [](Edits& e) { e.Send(WM_CUT); }, "hello []", "update change"},
-        {"paste", [](Edits& e) { e.Send(WM_PASTE); }, "hello or[]", "update change"},
-        {"all", [](Edits& e) { e.Send(EM_SETSEL, 0, -1); }, "[hello or]", ""},
-        {"clear", [](Edits& e) { e.Send(WM_CLEAR); }, "[]", "update change"},
-        {"limit", [](Edits& e) { e.Send(EM_LIMITTEXT, 4); }, "[]", ""},
-        {"typing to the limit", [](Edits& e) { e.Type("abcd"); }, "abcd[]",
-         "update change update change update change update change"},
-        {"typing beyond", [](Edits& e) { e.Type("e"); }, "abcd[]", nullptr},
-        {"replace", [](Edits& e) { e.Send(EM_SETSEL, 1, 3), e.Ask(EM_REPLACESEL, TRUE, "Q"); }, "aQ[]d", "update change"},
-        {"read-only", [](Edits& e) { e.Send(EM_SETREADONLY, TRUE), e.Type("z\b"), e.Press(VK_DELETE); }, "aQ[]d", ""},
-        {"writable", [](Edits& e) { e.Send(EM_SETREADONLY, FALSE), e.Type("\r\t"); }, "aQ[]d", ""},
-    };
-    for (const Step& step : steps) {
+    for (const Step& step :
+         Table(Step{"set text", [](Edits& e) { SetWindowTextA(e.control, "hello world"); }, "[]hello world", "update change"},
+               Step{"select", [](Edits& e) { e.Send(EM_SETSEL, 6, 11); }, "hello [world]", ""},
+               Step{"type over", [](Edits& e) { e.Type("x"); }, "hello x[]", "update change"},
+               Step{"undo", [](Edits& e) { e.Send(EM_UNDO); }, "hello [world]", nullptr},
+               Step{"none", [](Edits& e) { e.Send(EM_SETSEL, static_cast<WPARAM>(-1), 0); }, "hello world[]", ""},
+               Step{"backspace", [](Edits& e) { e.Type("\b\b"); }, "hello wor[]", "update change update change"},
+               Step{"home", [](Edits& e) { e.Press(VK_HOME); }, "[]hello wor", ""},
+               Step{"right, extending", [](Edits& e) { e.Press(VK_RIGHT, VK_SHIFT); }, "[h]ello wor", ""},
+               Step{"caret", [](Edits& e) { e.Send(EM_SETSEL, 1, 1); }, "h[]ello wor", ""},
+               Step{"next word", [](Edits& e) { e.Press(VK_RIGHT, VK_CONTROL); }, "hello []wor", ""},
+               Step{"delete", [](Edits& e) { e.Press(VK_DELETE); }, "hello []or", "update change"},
+               Step{"end", [](Edits& e) { e.Press(VK_END, VK_SHIFT); }, "hello [or]", ""},
+               Step{"cut", [](Edits& e) { e.Send(WM_CUT); }, "hello []", "update change"},
+               Step{"paste", [](Edits& e) { e.Send(WM_PASTE); }, "hello or[]", "update change"},
+               Step{"all", [](Edits& e) { e.Send(EM_SETSEL, 0, -1); }, "[hello or]", ""},
+               Step{"clear", [](Edits& e) { e.Send(WM_CLEAR); }, "[]", "update change"},
+               Step{"limit", [](Edits& e) { e.Send(EM_LIMITTEXT, 4); }, "[]", ""},
+               Step{"typing to the limit", [](Edits& e) { e.Type("abcd"); }, "abcd[]",
+                    "update change update change update change update change"},
+               Step{"typing beyond", [](Edits& e) { e.Type("e"); }, "abcd[]", nullptr},
+               Step{"replace", [](Edits& e) { e.Send(EM_SETSEL, 1, 3), e.Ask(EM_REPLACESEL, TRUE, "Q"); }, "aQ[]d",
+                    "update change"},
+               Step{"read-only", [](Edits& e) { e.Send(EM_SETREADONLY, TRUE), e.Type("z\b"), e.Press(VK_DELETE); }, "aQ[]d", ""},
+               Step{"writable", [](Edits& e) { e.Send(EM_SETREADONLY, FALSE), e.Type("\r\t"); }, "aQ[]d", ""})) {
         step.act(*this);
         EXPECT_EQ(State(), step.state) << step.what;
         const std::string told = Told();
@@ -226,18 +185,15 @@ TEST_F(Edits, OneLine) {
 }
 
 TEST_F(Edits, Styles) {
-    Make("Edit", ES_NUMBER);
-    Type("1a-2");
-    EXPECT_EQ(Text(), "12");
-    DestroyWindow(control);
-    Make("Edit", ES_UPPERCASE);
-    Type("ab\xE5");
-    EXPECT_EQ(Text(), "AB\xC5");
-    DestroyWindow(control);
-    Make("Edit", ES_PASSWORD);
-    Type("secret");
-    EXPECT_EQ(Text(), "secret");
-    EXPECT_NE(Send(EM_GETPASSWORDCHAR), 0);
+    using Row = std::tuple<DWORD, const char*, const char*>;
+    for (const auto& [style, typed, text] :
+         {Row{ES_NUMBER, "1a-2", "12"}, Row{ES_UPPERCASE, "ab\xE5", "AB\xC5"}, Row{ES_PASSWORD, "secret", "secret"}}) {
+        Make("Edit", style);
+        Type(typed);
+        EXPECT_EQ(Text(), text);
+        EXPECT_EQ(Send(EM_GETPASSWORDCHAR) != 0, style == ES_PASSWORD);
+        DestroyWindow(control);
+    }
 }
 
 TEST_F(Edits, SeveralLines) {
@@ -246,16 +202,12 @@ TEST_F(Edits, SeveralLines) {
     SetWindowTextA(control, "one\r\ntwo\r\n\r\nfour");
     EXPECT_EQ(Told(), "");  // a text set by the program is not told of here
     EXPECT_EQ(Send(EM_GETLINECOUNT), 4);
-    const struct {
-        UINT message;
-        WPARAM wParam;
-        LRESULT answer;
-    } questions[] = {
-        {EM_LINEINDEX, 0, 0},  {EM_LINEINDEX, 1, 5},    {EM_LINEINDEX, 2, 10},   {EM_LINEINDEX, 3, 12},
-        {EM_LINEINDEX, 4, -1}, {EM_LINEFROMCHAR, 4, 0}, {EM_LINEFROMCHAR, 5, 1}, {EM_LINEFROMCHAR, 99, 3},
-        {EM_LINELENGTH, 0, 3}, {EM_LINELENGTH, 6, 3},   {EM_LINELENGTH, 10, 0},  {EM_LINELENGTH, 12, 4},
-    };
-    for (const auto& q : questions) EXPECT_EQ(Send(q.message, q.wParam), q.answer) << q.message - EM_GETSEL << " " << q.wParam;
+    using Row = std::tuple<UINT, WPARAM, LRESULT>;
+    for (const auto& [message, wParam, answer] :
+         {Row{EM_LINEINDEX, 0, 0}, Row{EM_LINEINDEX, 1, 5}, Row{EM_LINEINDEX, 2, 10}, Row{EM_LINEINDEX, 3, 12},
+          Row{EM_LINEINDEX, 4, -1}, Row{EM_LINEFROMCHAR, 4, 0}, Row{EM_LINEFROMCHAR, 5, 1}, Row{EM_LINEFROMCHAR, 99, 3},
+          Row{EM_LINELENGTH, 0, 3}, Row{EM_LINELENGTH, 6, 3}, Row{EM_LINELENGTH, 10, 0}, Row{EM_LINELENGTH, 12, 4}})
+        EXPECT_EQ(Send(message, wParam), answer) << message - EM_GETSEL << " " << wParam;
     char line[16] = {16};
     EXPECT_EQ(Ask(EM_GETLINE, 3, line), 4);
     EXPECT_EQ(std::string(line, 4), "four");
@@ -275,9 +227,7 @@ TEST_F(Edits, SeveralLines) {
 
 class Lists : public ControlHost {
 protected:
-    std::string Name(UINT code) const override {
-        return code == LBN_SELCHANGE ? "change" : code == LBN_DBLCLK ? "double" : ControlHost::Name(code);
-    }
+    Lists() { names = {{LBN_SELCHANGE, "change"}, {LBN_DBLCLK, "double"}}; }
 };
 
 TEST_F(Lists, ListBox) {
@@ -286,29 +236,22 @@ TEST_F(Lists, ListBox) {
     char text[16];
     EXPECT_EQ(Ask(LB_GETTEXT, 0, text), 5);
     EXPECT_STREQ(text, "Apple");
-    const struct {
+    struct Row {
         UINT message;
         WPARAM wParam;
         const char* text;
         LRESULT answer;
-    } steps[] = {
-        {LB_GETCOUNT, 0, nullptr, 3},
-        {LB_GETCURSEL, 0, nullptr, LB_ERR},
-        {LB_FINDSTRING, static_cast<WPARAM>(-1), "P", 2},
-        {LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), "P", LB_ERR},
-        {LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), "FIG", 1},
-        {LB_INSERTSTRING, 1, "zz", 1},  // unsorted where it is put
-        {LB_SETCURSEL, 2, nullptr, 2},
-        {LB_GETSEL, 2, nullptr, 1},
-        {LB_DELETESTRING, 0, nullptr, 3},
-        {LB_GETCURSEL, 0, nullptr, 1},
-        {LB_SETCURSEL, 9, nullptr, LB_ERR},
-        {LB_SETCURSEL, static_cast<WPARAM>(-1), nullptr, LB_ERR},
-        {LB_SELECTSTRING, static_cast<WPARAM>(-1), "pe", 2},
-        {LB_GETTEXTLEN, 2, nullptr, 4},
-        {LB_GETTEXTLEN, 3, nullptr, LB_ERR},
     };
-    for (const auto& step : steps) EXPECT_EQ(Ask(step.message, step.wParam, step.text), step.answer) << step.message;
+    for (const Row& step :
+         {Row{LB_GETCOUNT, 0, nullptr, 3}, Row{LB_GETCURSEL, 0, nullptr, LB_ERR},
+          Row{LB_FINDSTRING, static_cast<WPARAM>(-1), "P", 2}, Row{LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), "P", LB_ERR},
+          Row{LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), "FIG", 1},
+          Row{LB_INSERTSTRING, 1, "zz", 1},  // unsorted where it is put
+          Row{LB_SETCURSEL, 2, nullptr, 2}, Row{LB_GETSEL, 2, nullptr, 1}, Row{LB_DELETESTRING, 0, nullptr, 3},
+          Row{LB_GETCURSEL, 0, nullptr, 1}, Row{LB_SETCURSEL, 9, nullptr, LB_ERR},
+          Row{LB_SETCURSEL, static_cast<WPARAM>(-1), nullptr, LB_ERR}, Row{LB_SELECTSTRING, static_cast<WPARAM>(-1), "pe", 2},
+          Row{LB_GETTEXTLEN, 2, nullptr, 4}, Row{LB_GETTEXTLEN, 3, nullptr, LB_ERR}})
+        EXPECT_EQ(Ask(step.message, step.wParam, step.text), step.answer) << step.message;
     EXPECT_EQ(Told(), "");
     Send(LB_SETITEMDATA, 2, 4711);
     EXPECT_EQ(Send(LB_GETITEMDATA, 2), 4711);
@@ -326,23 +269,9 @@ TEST_F(Lists, ListBox) {
 
 class Combos : public ControlHost {
 protected:
-    std::string Name(UINT code) const override {
-        switch (code) {
-            case CBN_SELCHANGE:
-                return "change";
-            case CBN_SELENDOK:
-                return "ok";
-            case CBN_DROPDOWN:
-                return "drop";
-            case CBN_CLOSEUP:
-                return "close";
-            case CBN_EDITCHANGE:
-                return "edit";
-            case CBN_EDITUPDATE:
-                return "update";
-            default:
-                return ControlHost::Name(code);
-        }
+    Combos() {
+        names = {{CBN_SELCHANGE, "change"}, {CBN_SELENDOK, "ok"},     {CBN_DROPDOWN, "drop"},
+                 {CBN_CLOSEUP, "close"},    {CBN_EDITCHANGE, "edit"}, {CBN_EDITUPDATE, "update"}};
     }
 };
 
@@ -392,8 +321,7 @@ TEST_F(Combos, WithField) {
     EXPECT_EQ(Told(), "");
     const HWND field = GetWindow(control, GW_CHILD);
     ASSERT_NE(field, nullptr);
-    SendMessageA(field, EM_SETSEL, 0, -1);
-    SendMessageA(field, WM_CHAR, 'x', 1);
+    SendMessageA(field, EM_SETSEL, 0, -1), SendMessageA(field, WM_CHAR, 'x', 1);
     EXPECT_EQ(Text(), "x");
     EXPECT_EQ(Told(), "update edit");
     Send(CB_SETCURSEL, 0);
@@ -410,9 +338,7 @@ TEST_F(ScrollBars, RangeAndKeys) {
     EXPECT_EQ(SetScrollInfo(control, SB_CTL, &info, TRUE), 90);  // the last page is whole
     info = {sizeof info, SIF_ALL, 0, 0, 0, 0, 0};
     EXPECT_TRUE(GetScrollInfo(control, SB_CTL, &info));
-    EXPECT_EQ(info.nMax, 99);
-    EXPECT_EQ(info.nPage, 10u);
-    EXPECT_EQ(info.nPos, 90);
+    EXPECT_EQ(std::tuple(info.nMax, info.nPage, info.nPos), std::tuple(99, 10u, 90));
     EXPECT_EQ(SetScrollPos(control, SB_CTL, 30, TRUE), 90);
     EXPECT_EQ(GetScrollPos(control, SB_CTL), 30);
     // The bar may stay with the mouse until the button is up again, so that comes first.
@@ -432,7 +358,7 @@ TEST_F(ScrollBars, RangeAndKeys) {
 
 class Statics : public ControlHost {
 protected:
-    std::string Name(UINT code) const override { return code == STN_CLICKED ? "click" : ControlHost::Name(code); }
+    Statics() { names = {{STN_CLICKED, "click"}}; }
 };
 
 TEST_F(Statics, TextsAndClicks) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "tests/platform/window_log.h"
+#include "tests/support/last_error.h"
 
 using namespace window_test;
 
@@ -58,20 +59,16 @@ TEST_F(InputTest, PointerGoesToTheWindowBelowAndAsksForItsCursor) {
     EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_ARROW));
     OrvikPostPointer(top, WM_MOUSEMOVE, 60, 50);  // over the child, whose parent is asked first
     EXPECT_EQ(Input(true), (Log{"kid cursor kid 1", "top cursor kid 1", "kid mouse 0 10,10"}));
-    OrvikPostPointer(top, WM_LBUTTONDOWN, 60, 50);
-    OrvikPostPointer(top, WM_LBUTTONUP, 60, 50);
-    OrvikPostPointer(top, WM_LBUTTONDBLCLK, 60, 50);
-    OrvikPostPointer(top, WM_LBUTTONUP, 60, 50);
+    OrvikPostPointer(top, WM_LBUTTONDOWN, 60, 50), OrvikPostPointer(top, WM_LBUTTONUP, 60, 50);
+    OrvikPostPointer(top, WM_LBUTTONDBLCLK, 60, 50), OrvikPostPointer(top, WM_LBUTTONUP, 60, 50);
     EXPECT_EQ(Input(), (Log{"top child 513", "kid press 1 10,10", "kid release 0 10,10", "top child 515", "kid double 1 10,10",
                             "kid release 0 10,10"}));
     EnableWindow(kid, FALSE);  // the pointer goes through
     OrvikPostPointer(top, WM_MOUSEMOVE, 60, 50);
     EXPECT_EQ(Input(true), (Log{"top cursor top 1", "top mouse 0 60,50"}));
-    EnableWindow(kid, TRUE);
-    EnableWindow(top, FALSE);
+    EnableWindow(kid, TRUE), EnableWindow(top, FALSE);
     Take();
-    OrvikPostPointer(top, WM_LBUTTONDOWN, 60, 50);
-    OrvikPostPointer(top, WM_LBUTTONUP, 60, 50);
+    OrvikPostPointer(top, WM_LBUTTONDOWN, 60, 50), OrvikPostPointer(top, WM_LBUTTONUP, 60, 50);
     EXPECT_EQ(Input(true), Log{"top cursor top -2"});
 }
 
@@ -81,22 +78,16 @@ TEST_F(InputTest, CaptureTakesWhatLiesOutside) {
     OrvikPostKey(top, VK_CONTROL, TRUE);
     OrvikPostPointer(top, WM_MOUSEMOVE, -10, 500);
     OrvikPostKey(top, VK_CONTROL, FALSE);
-    OrvikPostPointer(top, WM_LBUTTONUP, 10, 10);
-    OrvikPostPointer(top, WM_MOUSEMOVE, 10, 10);
+    OrvikPostPointer(top, WM_LBUTTONUP, 10, 10), OrvikPostPointer(top, WM_MOUSEMOVE, 10, 10);
     EXPECT_EQ(Input(), (Log{"top child 513", "kid press 1 10,10", "top key 17", "kid mouse 9 -60,460", "top keyup 17",
                             "kid release 0 -40,-30", "kid capture none", "top mouse 0 10,10"}));
 }
 
 TEST_F(InputTest, KeysGoToTheFocusAndHoldWhileTheyAreRead) {
     SetFocus(kid);
-    OrvikPostKey(top, VK_SHIFT, TRUE);
-    OrvikPostKey(top, 'X', TRUE);
-    OrvikPostKey(top, 'X', FALSE);
-    OrvikPostKey(top, VK_SHIFT, FALSE);
-    OrvikPostKey(top, 'X', TRUE);
-    OrvikPostKey(top, 'X', FALSE);
-    OrvikPostKey(top, VK_ESCAPE, TRUE);
-    OrvikPostKey(top, VK_ESCAPE, FALSE);
+    OrvikPostKey(top, VK_SHIFT, TRUE), OrvikPostKey(top, 'X', TRUE), OrvikPostKey(top, 'X', FALSE);
+    OrvikPostKey(top, VK_SHIFT, FALSE), OrvikPostKey(top, 'X', TRUE), OrvikPostKey(top, 'X', FALSE);
+    OrvikPostKey(top, VK_ESCAPE, TRUE), OrvikPostKey(top, VK_ESCAPE, FALSE);
     EXPECT_GE(GetKeyState(VK_SHIFT), 0);  // nothing happens before it is read
     Pump();
     Log keys;
@@ -115,8 +106,7 @@ TEST_F(InputTest, WheelAndRightButtonClimbToTheParent) {
     SetFocus(kid);
     OrvikPostPointer(top, WM_MOUSEWHEEL, 60, 50, -WHEEL_DELTA);
     EXPECT_EQ(Input(), (Log{"kid wheel -120 160,150", "top wheel -120 160,150"}));
-    OrvikPostPointer(top, WM_RBUTTONDOWN, 60, 50);
-    OrvikPostPointer(top, WM_RBUTTONUP, 60, 50);
+    OrvikPostPointer(top, WM_RBUTTONDOWN, 60, 50), OrvikPostPointer(top, WM_RBUTTONUP, 60, 50);
     const Log told = Input();
     ASSERT_GE(told.size(), 2u);
     EXPECT_EQ(told[told.size() - 2], "kid context");
@@ -179,6 +169,5 @@ TEST_F(InputTest, BadStepsAreRefused) {
     OrvikPostPointer(top, WM_MOUSEMOVE, 60, 50);
     DestroyWindow(top);  // before it was read
     EXPECT_LE(Input().size(), 1u);
-    EXPECT_FALSE(OrvikPostPointer(top, WM_MOUSEMOVE, 0, 0));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_WINDOW_HANDLE));
+    EXPECT_FAILS(OrvikPostPointer(top, WM_MOUSEMOVE, 0, 0), ERROR_INVALID_WINDOW_HANDLE);
 }

@@ -61,45 +61,28 @@ protected:
     }
     LRESULT Notified(const NMHDR& header) override {
         const auto& told = reinterpret_cast<const NMLISTVIEW&>(header);
-        switch (header.code) {
-            case LVN_ITEMCHANGED:
-                Note("changed" + std::to_string(told.iItem) + ":" + std::to_string(told.uOldState) + ">" +
-                     std::to_string(told.uNewState));
-                break;
-            case LVN_ITEMCHANGING:
-                return told.iItem == forbidden;
-            case LVN_INSERTITEM:
-                Note("insert" + std::to_string(told.iItem));
-                break;
-            case LVN_DELETEITEM:
-                Note("delete" + std::to_string(told.iItem) + "=" + std::to_string(told.lParam));
-                break;
-            case LVN_DELETEALLITEMS:
-                Note("all");
-                break;
-            case LVN_COLUMNCLICK:
-                Note("column" + std::to_string(told.iSubItem));
-                break;
-            case LVN_GETDISPINFOA: {
-                auto& info = const_cast<NMLVDISPINFOA&>(reinterpret_cast<const NMLVDISPINFOA&>(header));
-                if (info.item.mask & LVIF_TEXT && info.item.iItem == 0) info.item.pszText = const_cast<char*>("asked");
-                break;
-            }
-            case NM_CUSTOMDRAW: {
-                auto& draw = const_cast<NMLVCUSTOMDRAW&>(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
-                if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
-                if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT) {
-                    draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
-                    return CDRF_NOTIFYSUBITEMDRAW;
-                }
-                draw.clrText = 0x00FF00;
-                draw.clrTextBk = draw.iSubItem == 0 ? 0x0000FF : 0xFF0000;
-                return CDRF_DODEFAULT;
-            }
-            default:
-                break;
+        const UINT code = header.code;
+        const auto item = [&told] { return std::to_string(told.iItem); };
+        if (code == LVN_ITEMCHANGING) return told.iItem == forbidden;
+        if (code == LVN_ITEMCHANGED)
+            Note("changed" + item() + ":" + std::to_string(told.uOldState) + ">" + std::to_string(told.uNewState));
+        if (code == LVN_INSERTITEM) Note("insert" + item());
+        if (code == LVN_DELETEITEM) Note("delete" + item() + "=" + std::to_string(told.lParam));
+        if (code == LVN_DELETEALLITEMS) Note("all");
+        if (code == LVN_COLUMNCLICK) Note("column" + std::to_string(told.iSubItem));
+        if (code == LVN_GETDISPINFOA) {
+            auto& info = const_cast<NMLVDISPINFOA&>(reinterpret_cast<const NMLVDISPINFOA&>(header));
+            if (info.item.mask & LVIF_TEXT && info.item.iItem == 0) info.item.pszText = const_cast<char*>("asked");
         }
-        return 0;
+        if (code != NM_CUSTOMDRAW) return 0;
+        auto& draw = const_cast<NMLVCUSTOMDRAW&>(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
+        if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+        if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT) {
+            draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
+            return CDRF_NOTIFYSUBITEMDRAW;
+        }
+        draw.clrText = 0x00FF00, draw.clrTextBk = draw.iSubItem == 0 ? 0x0000FF : 0xFF0000;
+        return CDRF_DODEFAULT;
     }
     int forbidden = -100;
 };
@@ -177,8 +160,7 @@ TEST_F(ListView, Keys) {
     EXPECT_EQ(Marked(), "2 / 2");
     Press(VK_DOWN, VK_SHIFT);
     EXPECT_EQ(Marked(), "2 3 / 3");
-    Press(VK_UP, VK_SHIFT);
-    Press(VK_UP, VK_SHIFT);
+    Press(VK_UP, VK_SHIFT), Press(VK_UP, VK_SHIFT);
     EXPECT_EQ(Marked(), "1 2 / 1");
     Press(VK_END);
     EXPECT_EQ(Marked(), "5 / 5");
@@ -189,8 +171,7 @@ TEST_F(ListView, Keys) {
     DestroyWindow(control);
 
     MakeList(LVS_SINGLESEL, 3);
-    State(0, LVIS_SELECTED, LVIS_SELECTED);
-    State(2, LVIS_SELECTED, LVIS_SELECTED);
+    State(0, LVIS_SELECTED, LVIS_SELECTED), State(2, LVIS_SELECTED, LVIS_SELECTED);
     EXPECT_EQ(Marked().substr(0, 2), "2 ");
     EXPECT_EQ(Send(LVM_GETSELECTEDCOUNT), 1);
 }
@@ -237,12 +218,10 @@ TEST_F(ListView, Header) {
     EXPECT_EQ(title.left, 80);
     EXPECT_EQ(title.right, 160);
     const LPARAM middle = MAKELPARAM(120, (title.top + title.bottom) / 2);
-    SendMessageA(header, WM_LBUTTONDOWN, MK_LBUTTON, middle);
-    SendMessageA(header, WM_LBUTTONUP, 0, middle);
+    SendMessageA(header, WM_LBUTTONDOWN, MK_LBUTTON, middle), SendMessageA(header, WM_LBUTTONUP, 0, middle);
     EXPECT_EQ(Told(), "column1");
     const LPARAM edge = MAKELPARAM(79, (title.top + title.bottom) / 2), wider = MAKELPARAM(109, (title.top + title.bottom) / 2);
-    SendMessageA(header, WM_LBUTTONDOWN, MK_LBUTTON, edge);
-    SendMessageA(header, WM_MOUSEMOVE, MK_LBUTTON, wider);
+    SendMessageA(header, WM_LBUTTONDOWN, MK_LBUTTON, edge), SendMessageA(header, WM_MOUSEMOVE, MK_LBUTTON, wider);
     SendMessageA(header, WM_LBUTTONUP, 0, wider);
     EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), 110);
     char text[16] = "";
@@ -288,8 +267,7 @@ TEST_F(ListView, ColoursOfCells) {
     const HDC dc = GetDC(control);
     for (const int row : {0, 1}) {
         RECT name = {LVIR_LABEL, 0, 0, 0}, value = {LVIR_BOUNDS, 1, 0, 0};
-        Ask(LVM_GETITEMRECT, static_cast<WPARAM>(row), &name);
-        Ask(LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), &value);
+        Ask(LVM_GETITEMRECT, static_cast<WPARAM>(row), &name), Ask(LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), &value);
         const int y = (name.top + name.bottom) / 2;
         EXPECT_EQ(GetPixel(dc, name.left + 30, y), 0x0000FFu) << row;
         EXPECT_EQ(GetPixel(dc, value.left + 30, y), 0xFF0000u) << row;

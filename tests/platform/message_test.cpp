@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/win32.h"
+#include "tests/support/last_error.h"
 
 namespace {
 constexpr DWORD kLong = 10'000;
@@ -96,15 +97,12 @@ TEST_F(MessageTest, ClassesAreKnownByNameAndInstance) {
     WNDCLASSA info{};
     EXPECT_TRUE(GetClassInfoA(Instance(), "ORVIKmessagetest", &info));
     EXPECT_EQ(info.lpfnWndProc, &Procedure);
-    EXPECT_EQ(RegisterClassA(&info), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_ALREADY_EXISTS});
-    EXPECT_FALSE(GetClassInfoA(Instance(), "OrvikNoSuchClass", &info));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_DOES_NOT_EXIST});
+    EXPECT_FAILS(RegisterClassA(&info), ERROR_CLASS_ALREADY_EXISTS);
+    EXPECT_FAILS(GetClassInfoA(Instance(), "OrvikNoSuchClass", &info), ERROR_CLASS_DOES_NOT_EXIST);
     EXPECT_TRUE(GetClassInfoA(nullptr, "static", &info));
     EXPECT_EQ(CreateWindowExA(0, "OrvikNoSuchClass", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, Instance(), nullptr), nullptr);
     window = Make();
-    EXPECT_FALSE(UnregisterClassA(kClass, Instance()));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_HAS_WINDOWS});
+    EXPECT_FAILS(UnregisterClassA(kClass, Instance()), ERROR_CLASS_HAS_WINDOWS);
 }
 
 TEST_F(MessageTest, WindowKeepsNumbersAndText) {
@@ -158,8 +156,7 @@ TEST_F(MessageTest, MessagesOfADeadWindowAreDropped) {
     DestroyWindow(window);
     MSG message{};
     EXPECT_FALSE(PeekMessageA(&message, nullptr, WM_USER, WM_APP, PM_REMOVE));
-    EXPECT_FALSE(PostMessageA(window, WM_USER + 10, 1, 0));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
+    EXPECT_FAILS(PostMessageA(window, WM_USER + 10, 1, 0), ERROR_INVALID_WINDOW_HANDLE);
     EXPECT_EQ(SendMessageA(window, WM_USER + 1, 1, 0), 0);
 }
 
@@ -209,10 +206,7 @@ TEST_F(MessageTest, WindowsEndWithTheirThread) {
 
 TEST_F(MessageTest, OtherThreadsMayNotDestroy) {
     window = Make();
-    std::thread([this] {
-        EXPECT_FALSE(DestroyWindow(window));
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
-    }).join();
+    std::thread([this] { EXPECT_FAILS(DestroyWindow(window), ERROR_ACCESS_DENIED); }).join();
     EXPECT_TRUE(IsWindow(window));
 }
 

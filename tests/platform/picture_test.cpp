@@ -9,8 +9,11 @@
 #include <limits>
 #include <random>
 #include <sstream>
+#include <tuple>
 
 #include "tests/platform/png_reader.h"
+#include "tests/support/last_error.h"
+#include "tests/support/test_folder.h"
 
 namespace fs = std::filesystem;
 
@@ -19,19 +22,8 @@ constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 // "Temperatur å ä ö ° µ €" and what XML would misunderstand, in Windows-1252.
 constexpr char kLetters[] = "<\xE5 \xE4 \xF6 \xB0 \xB5 \x80> & \"x\"";
 
-class Picture : public testing::Test {
+class Picture : public testing::Test, protected TestFolder {
 protected:
-    Picture() {
-        m_folder = fs::temp_directory_path() / ("orvik-picture-" + std::to_string(std::random_device()()));
-        fs::create_directories(m_folder);
-    }
-    ~Picture() override {
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    std::string Path(const std::string& name) const { return (m_folder / name).string(); }
-    size_t FileCount() const { return static_cast<size_t>(std::distance(fs::directory_iterator(m_folder), {})); }
-
     template <class Drawing>
     std::string Draw(const std::string& name, int width, int height, Drawing draw) const {
         const HDC dc = OrvikBeginPicture(Path(name).c_str(), width, height);
@@ -42,11 +34,8 @@ protected:
         // ORVIK_PICTURES keeps what was drawn, for whoever wants to look at it.
         if (const char* keep = std::getenv("ORVIK_PICTURES"))
             fs::copy_file(Path(name), fs::path(keep) / name, fs::copy_options::overwrite_existing);
-        return FileBytes(Path(name));
+        return Read(name);
     }
-
-private:
-    fs::path m_folder;
 };
 
 HFONT Font(int height, int weight = FW_NORMAL, int escapement = 0) {
@@ -88,8 +77,7 @@ void DrawSample(HDC dc) {
         const Selected pen(dc, CreatePen(PS_SOLID, 1, RGB(0, 0, 128)));
         const Selected brush(dc, CreateSolidBrush(RGB(255, 255, 0)));
         MoveToEx(dc, 40, 20, nullptr);
-        LineTo(dc, 40, 160);
-        LineTo(dc, 280, 160);
+        LineTo(dc, 40, 160), LineTo(dc, 280, 160);
         Rectangle(dc, 240, 30, 270, 50);
         const POINT triangle[] = {{60, 150}, {80, 150}, {70, 130}};
         Polygon(dc, triangle, 3);
@@ -122,8 +110,7 @@ void DrawSample(HDC dc) {
     SetTextColor(dc, RGB(0x20, 0x40, 0x60));
     {
         const Selected font(dc, Font(-13));
-        Write(dc, 160, 180, kLetters, TA_CENTER | TA_TOP);
-        Write(dc, 280, 15, "right\x01 bound", TA_RIGHT | TA_BASELINE);
+        Write(dc, 160, 180, kLetters, TA_CENTER | TA_TOP), Write(dc, 280, 15, "right\x01 bound", TA_RIGHT | TA_BASELINE);
         SetBkMode(dc, OPAQUE);
         SetBkColor(dc, RGB(255, 224, 192));
         Write(dc, 45, 40, "  on paper", TA_LEFT | TA_BOTTOM);
@@ -229,26 +216,20 @@ TEST_F(Picture, PngHasThePixelsThatWereDrawn) {
 }
 
 TEST_F(Picture, BadNamesAndSizesAreRefused) {
-    struct {
-        const char* name;
-        int width, height;
-        DWORD error;
-    } const cases[] = {
-        {"a.bmp", 10, 10, ERROR_INVALID_PARAMETER},   {"png", 10, 10, ERROR_INVALID_PARAMETER},
-        {".png", 10, 10, ERROR_INVALID_PARAMETER},    {"a.png ", 10, 10, ERROR_INVALID_PARAMETER},
-        {"a.png", 0, 10, ERROR_INVALID_PARAMETER},    {"a.svg", 10, -1, ERROR_INVALID_PARAMETER},
-        {"a.pdf", 16385, 1, ERROR_INVALID_PARAMETER}, {"a.png", 16384, 4097, ERROR_NOT_ENOUGH_MEMORY},
-    };
-    for (const auto& c : cases) {
+    using Row = std::tuple<const char*, int, int, DWORD>;
+    for (const auto& [name, width, height, error] :
+         {Row{"a.bmp", 10, 10, ERROR_INVALID_PARAMETER}, Row{"png", 10, 10, ERROR_INVALID_PARAMETER},
+          Row{".png", 10, 10, ERROR_INVALID_PARAMETER}, Row{"a.png ", 10, 10, ERROR_INVALID_PARAMETER},
+          Row{"a.png", 0, 10, ERROR_INVALID_PARAMETER}, Row{"a.svg", 10, -1, ERROR_INVALID_PARAMETER},
+          Row{"a.pdf", 16385, 1, ERROR_INVALID_PARAMETER}, Row{"a.png", 16384, 4097, ERROR_NOT_ENOUGH_MEMORY}}) {
         SetLastError(0);
-        EXPECT_EQ(OrvikBeginPicture(c.name, c.width, c.height), nullptr) << c.name;
-        EXPECT_EQ(GetLastError(), c.error) << c.name << ' ' << c.width << ' ' << c.height;
+        EXPECT_EQ(OrvikBeginPicture(name, width, height), nullptr) << name;
+        EXPECT_EQ(GetLastError(), error) << name << ' ' << width << ' ' << height;
     }
     EXPECT_EQ(OrvikBeginPicture(nullptr, 1, 1), nullptr);
-    EXPECT_FALSE(OrvikEndPicture(nullptr, TRUE));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    EXPECT_FAILS(OrvikEndPicture(nullptr, TRUE), ERROR_INVALID_HANDLE);
     EXPECT_FALSE(OrvikIsPrinting(nullptr));
-    EXPECT_EQ(FileCount(), 0u);
+    EXPECT_EQ(Count(), 0u);
 }
 
 // What a page cannot hold is told, and the previous file stays.
@@ -258,9 +239,8 @@ TEST_F(Picture, PagesRefuseBitmapsInSvg) {
     const HDC memory = CreateCompatibleDC(nullptr);
     BitBlt(dc, 0, 0, 1, 1, memory, 0, 0, SRCCOPY);
     DeleteDC(memory);
-    EXPECT_FALSE(OrvikEndPicture(dc, TRUE));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_SUPPORTED));
-    EXPECT_EQ(FileBytes(Path("a.svg")), "previous");
+    EXPECT_FAILS(OrvikEndPicture(dc, TRUE), ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(Read("a.svg"), "previous");
 }
 
 // A level line of one pixel and its neighbours, an even slope and its mirror image, a clip, a moved origin, a dot.
@@ -269,11 +249,9 @@ TEST_F(Picture, SmoothLinesCoverWhatTheyShould) {
         const auto line = [&](std::initializer_list<ORVIK_CURVE_POINT> points, float width) {
             EXPECT_TRUE(OrvikSmoothPolyline(dc, points.begin(), static_cast<int>(points.size()), 0, width));
         };
-        line({{10, 10}, {30, 10}}, 1);
-        line({{10, 20.5f}, {30, 20.5f}}, 1);
+        line({{10, 10}, {30, 10}}, 1), line({{10, 20.5f}, {30, 20.5f}}, 1);
         line({{50, 10}, {99, 40}, {148, 10}}, 2);  // mirrored about x = 99
-        line({{20, 60}}, 6);
-        line({{10, 80}, {20, 80}, {kNaN, kNaN}, {40, 80}, {50, 80}}, 1);
+        line({{20, 60}}, 6), line({{10, 80}, {20, 80}, {kNaN, kNaN}, {40, 80}, {50, 80}}, 1);
         line({{1e30f, 100}, {-1e30f, 100}}, 0.5f);
         SaveDC(dc);
         SetWindowOrgEx(dc, -100, -50, nullptr);
@@ -325,10 +303,8 @@ TEST_F(Picture, SmoothLinesCoverWhatTheyShould) {
 
     const ORVIK_CURVE_POINT point = {0, 0};
     const HDC dc = OrvikBeginPicture(Path("x.png").c_str(), 5, 5);
-    for (const float width : {0.0f, -1.0f, 101.0f, kNaN}) {
-        EXPECT_FALSE(OrvikSmoothPolyline(dc, &point, 1, 0, width));
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    }
+    for (const float width : {0.0f, -1.0f, 101.0f, kNaN})
+        EXPECT_FAILS(OrvikSmoothPolyline(dc, &point, 1, 0, width), ERROR_INVALID_PARAMETER);
     EXPECT_FALSE(OrvikSmoothPolyline(dc, nullptr, 1, 0, 1));
     EXPECT_FALSE(OrvikSmoothPolyline(nullptr, &point, 1, 0, 1));
     OrvikEndPicture(dc, FALSE);
@@ -341,15 +317,13 @@ TEST_F(Picture, PixelsOfADcAreSaved) {
     FillRect(dc, &spot, brush);
     DeleteObject(brush);
     EXPECT_TRUE(OrvikSavePixels(dc, &area, Path("part.png").c_str()));
-    const PngImage part = ReadPng(FileBytes(Path("part.png")));
+    const PngImage part = ReadPng(Read("part.png"));
     const uint32_t w = 0xFFFFFF, o = 0xFF8000;
     EXPECT_EQ(part.width, 4);
     EXPECT_EQ(part.pixels, (std::vector<uint32_t>{w, w, w, w, w, o, o, w, w, o, o, w}));
-    for (const auto& [rect, name] : {std::pair{&none, "a.png"}, {&area, "a.svg"}, {static_cast<const RECT*>(nullptr), "a.png"}}) {
-        EXPECT_FALSE(OrvikSavePixels(dc, rect, Path(name).c_str()));
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    }
+    for (const auto& [rect, name] : {std::pair{&none, "a.png"}, {&area, "a.svg"}, {static_cast<const RECT*>(nullptr), "a.png"}})
+        EXPECT_FAILS(OrvikSavePixels(dc, rect, Path(name).c_str()), ERROR_INVALID_PARAMETER);
     OrvikEndPicture(dc, FALSE);
-    EXPECT_EQ(FileCount(), 1u);
+    EXPECT_EQ(Count(), 1u);
 }
 }  // namespace

@@ -12,12 +12,13 @@ namespace {
 // Any pixels must come back, whatever patterns they make: noise, runs, repeated rows, plain areas, repetitions at the longest
 // distance, and codes so uneven that they must be flattened.
 TEST(PngWriter, PixelsComeBack) {
-    struct {
+    std::mt19937 random(7);
+    struct Row {
         int width, height;
         uint32_t colours;  // 0: all
-    } const cases[] = {{1, 1, 2}, {2, 1, 0}, {7, 1, 0}, {1, 9, 3}, {300, 200, 1}, {257, 129, 0}, {640, 300, 40}, {10923, 5, 0}};
-    std::mt19937 random(7);
-    for (const auto& c : cases) {
+    };
+    for (const Row& c : {Row{1, 1, 2}, Row{2, 1, 0}, Row{7, 1, 0}, Row{1, 9, 3}, Row{300, 200, 1}, Row{257, 129, 0},
+                         Row{640, 300, 40}, Row{10923, 5, 0}}) {
         const auto width = static_cast<size_t>(c.width);
         std::vector<uint32_t> pixels(width * static_cast<size_t>(c.height));
         for (size_t i = 0; i < pixels.size(); ++i) {
@@ -39,10 +40,7 @@ TEST(PdfWriter, FileIsWellFormed) {
     text.x = 100, text.y = 50, text.text = "(\xE5\xB0\x80\\", text.size = 12, text.anchor = VectorAnchor::end, text.width = 60;
     sink->Text(text);
     const std::vector<VectorRect> nothing, left = {{0, 0, 10, 300}};
-    sink->SetClip(&nothing);
-    sink->Fill({1, 1, 77, 77}, 0);
-    sink->SetClip(&left);
-    sink->Fill({1, 1, 55, 33}, 0x0000FF);
+    sink->SetClip(&nothing), sink->Fill({1, 1, 77, 77}, 0), sink->SetClip(&left), sink->Fill({1, 1, 55, 33}, 0x0000FF);
     const std::string pdf = sink->Finish();
 
     const size_t table = std::strtoul(pdf.c_str() + pdf.find("startxref\n") + 10, nullptr, 10);

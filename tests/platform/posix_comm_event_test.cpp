@@ -5,8 +5,10 @@
 
 #include <cstring>
 #include <thread>
+#include <tuple>
 
 #include "tests/platform/posix_port_fixture.h"
+#include "tests/support/last_error.h"
 
 TEST_F(PortTest, SettingTheMaskEndsAPendingWait) {
     Open();
@@ -14,8 +16,7 @@ TEST_F(PortTest, SettingTheMaskEndsAPendingWait) {
     Overlapped first, second;
     DWORD events = 99, other = 0;
     ASSERT_FALSE(WaitCommEvent(port, &events, &first));
-    EXPECT_FALSE(WaitCommEvent(port, &other, &second));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_FAILS(WaitCommEvent(port, &other, &second), ERROR_INVALID_PARAMETER);
     std::thread setter([&] { EXPECT_TRUE(SetCommMask(port, EV_RXCHAR)); });
     EXPECT_EQ(WaitForSingleObject(first.hEvent, kLong), WAIT_OBJECT_0);
     setter.join();
@@ -24,8 +25,7 @@ TEST_F(PortTest, SettingTheMaskEndsAPendingWait) {
     EXPECT_TRUE(GetCommMask(port, &mask));
     EXPECT_EQ(mask, DWORD{EV_RXCHAR});
     ASSERT_TRUE(SetCommMask(port, 0));
-    EXPECT_FALSE(WaitCommEvent(port, &events, &first));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_FAILS(WaitCommEvent(port, &events, &first), ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(PortTest, PurgeDropsWhatWasReceived) {
@@ -47,45 +47,30 @@ TEST_F(PortTest, PurgeDropsWhatWasReceived) {
     ASSERT_TRUE(PurgeComm(port, PURGE_RXCLEAR));
     EXPECT_EQ(WaitForSingleObject(ov.hEvent, 0), WAIT_TIMEOUT);
     ASSERT_TRUE(PurgeComm(port, PURGE_RXABORT));
-    EXPECT_FALSE(GetOverlappedResult(port, &ov, &count, FALSE));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_OPERATION_ABORTED});
+    EXPECT_FAILS(GetOverlappedResult(port, &ov, &count, FALSE), ERROR_OPERATION_ABORTED);
 }
 
 TEST_F(PortTest, SettingsReadBackAsAsked) {
     Open();
-    const struct {
-        DWORD baud;
-        BYTE size, parity, stop;
-        bool taken;
-    } cases[] = {
-        {9600, 8, NOPARITY, ONESTOPBIT, true},
-        {19200, 7, EVENPARITY, TWOSTOPBITS, true},
-        {12345, 8, ODDPARITY, ONESTOPBIT, true},
-        {300, 5, MARKPARITY, ONE5STOPBITS, true},
-        {115200, 6, SPACEPARITY, ONESTOPBIT, true},
-        {0, 8, NOPARITY, ONESTOPBIT, false},
-        {MAXDWORD, 8, NOPARITY, ONESTOPBIT, false},
-        {9600, 9, NOPARITY, ONESTOPBIT, false},
-        {9600, 8, 5, ONESTOPBIT, false},
-        {9600, 8, NOPARITY, 3, false},
-        {9600, 8, NOPARITY, ONE5STOPBITS, false},
-        {9600, 5, NOPARITY, TWOSTOPBITS, false},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.baud << ' ' << int{c.size} << ' ' << int{c.parity} << ' ' << int{c.stop});
+    using Row = std::tuple<DWORD, BYTE, BYTE, BYTE, bool>;
+    for (const auto& [baud, size, parity, stop, taken] :
+         {Row{9600, 8, NOPARITY, ONESTOPBIT, true}, Row{19200, 7, EVENPARITY, TWOSTOPBITS, true},
+          Row{12345, 8, ODDPARITY, ONESTOPBIT, true}, Row{300, 5, MARKPARITY, ONE5STOPBITS, true},
+          Row{115200, 6, SPACEPARITY, ONESTOPBIT, true}, Row{0, 8, NOPARITY, ONESTOPBIT, false},
+          Row{MAXDWORD, 8, NOPARITY, ONESTOPBIT, false}, Row{9600, 9, NOPARITY, ONESTOPBIT, false},
+          Row{9600, 8, 5, ONESTOPBIT, false}, Row{9600, 8, NOPARITY, 3, false}, Row{9600, 8, NOPARITY, ONE5STOPBITS, false},
+          Row{9600, 5, NOPARITY, TWOSTOPBITS, false}}) {
+        SCOPED_TRACE(testing::Message() << baud << ' ' << int{size} << ' ' << int{parity} << ' ' << int{stop});
         DCB before{}, wanted{}, after{};
         ASSERT_TRUE(GetCommState(port, &before));
         wanted = before;
-        wanted.BaudRate = c.baud;
-        wanted.ByteSize = c.size;
-        wanted.Parity = c.parity;
-        wanted.StopBits = c.stop;
-        wanted.fParity = c.parity != NOPARITY;
+        wanted.BaudRate = baud, wanted.ByteSize = size, wanted.Parity = parity, wanted.StopBits = stop;
+        wanted.fParity = parity != NOPARITY;
         SetLastError(0);
-        EXPECT_EQ(SetCommState(port, &wanted) != FALSE, c.taken);
-        EXPECT_EQ(GetLastError(), c.taken ? DWORD{0} : DWORD{ERROR_INVALID_PARAMETER});
+        EXPECT_EQ(SetCommState(port, &wanted) != FALSE, taken);
+        EXPECT_EQ(GetLastError(), taken ? DWORD{0} : DWORD{ERROR_INVALID_PARAMETER});
         ASSERT_TRUE(GetCommState(port, &after));
-        EXPECT_EQ(std::memcmp(&after, c.taken ? &wanted : &before, sizeof after), 0);
+        EXPECT_EQ(std::memcmp(&after, taken ? &wanted : &before, sizeof after), 0);
     }
 }
 
@@ -98,8 +83,7 @@ TEST_F(PortTest, SoftwareHandshakeBytesPassUnlessAskedFor) {
     ASSERT_TRUE(GetCommState(port, &dcb));
     dcb.fOutX = TRUE;
     ASSERT_TRUE(SetCommState(port, &dcb));
-    FarSends("\x13");
-    FarSends("\x11");
+    FarSends("\x13"), FarSends("\x11");
     ASSERT_TRUE(WriteFile(port, "go", 2, &count, &ov) || WaitForSingleObject(ov.hEvent, kLong) == WAIT_OBJECT_0);
     EXPECT_EQ(FarGets(2), "go");
     dcb.fOutX = FALSE;
@@ -114,8 +98,7 @@ TEST_F(PortTest, SoftwareHandshakeBytesPassUnlessAskedFor) {
 TEST_F(PortTest, ModemLinesAreMissingOnAPseudoTerminal) {
     Open();
     DWORD status = 0;
-    EXPECT_FALSE(GetCommModemStatus(port, &status));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FUNCTION});
+    EXPECT_FAILS(GetCommModemStatus(port, &status), ERROR_INVALID_FUNCTION);
     // A mask with modem lines waits for the rest of it.
     ASSERT_TRUE(SetCommMask(port, EV_CTS | EV_DSR | EV_RING | EV_RLSD | EV_RXCHAR));
     Overlapped ov;
@@ -130,8 +113,7 @@ TEST_F(PortTest, OtherProgramsExclusiveUseIsRespected) {
     const int fd = open(far.GetDeviceName().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_GE(fd, 0);
     ASSERT_EQ(ioctl(fd, TIOCEXCL), 0);
-    EXPECT_EQ(OpenAgain(), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_FAILS(OpenAgain(), ERROR_ACCESS_DENIED);
     ASSERT_EQ(ioctl(fd, TIOCNXCL), 0);
     Open();
     close(fd);
@@ -143,16 +125,12 @@ TEST(PortHandles, WrongUseIsRefused) {
     char byte = 0;
     const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     for (const HANDLE bad : {HANDLE{}, INVALID_HANDLE_VALUE, event, reinterpret_cast<HANDLE>(0x1234567890), GetCurrentThread()}) {
-        EXPECT_FALSE(GetCommState(bad, &dcb));
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
-        EXPECT_FALSE(ReadFile(bad, &byte, 1, &count, nullptr));
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
-        EXPECT_FALSE(CancelIo(bad));
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+        EXPECT_FAILS(GetCommState(bad, &dcb), ERROR_INVALID_HANDLE);
+        EXPECT_FAILS(ReadFile(bad, &byte, 1, &count, nullptr), ERROR_INVALID_HANDLE);
+        EXPECT_FAILS(CancelIo(bad), ERROR_INVALID_HANDLE);
     }
     EXPECT_TRUE(CloseHandle(event));
-    EXPECT_FALSE(CloseHandle(event));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_FAILS(CloseHandle(event), ERROR_INVALID_HANDLE);
     // Its place in the table is used again, and the old handle still names nothing.
     const HANDLE next = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     EXPECT_NE(next, event);
@@ -161,11 +139,10 @@ TEST(PortHandles, WrongUseIsRefused) {
     CloseHandle(next);
     for (const char* missing :
          {R"(\\.\COM250)", R"(\\.\COM0)", R"(\\.\COM)", R"(\\.\)", R"(\\.\/dev/no-such-port)", R"(\\.\lpt1)"}) {
-        EXPECT_EQ(CreateFileA(missing, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr),
-                  INVALID_HANDLE_VALUE);
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND}) << missing;
+        EXPECT_FAILS(CreateFileA(missing, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr),
+                     ERROR_FILE_NOT_FOUND)
+            << missing;
     }
-    EXPECT_EQ(CreateFileA(R"(\\.\/dev/null)", GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr),
-              INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FUNCTION});
+    EXPECT_FAILS(CreateFileA(R"(\\.\/dev/null)", GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr),
+                 ERROR_INVALID_FUNCTION);
 }

@@ -3,6 +3,7 @@
 
 #include "platform/posix/drawing/canvas_internal.h"
 #include "platform/posix/kernel/errors.h"
+#include "tests/support/last_error.h"
 
 using namespace orvik::detail;
 
@@ -35,8 +36,7 @@ TEST(Canvas, DcsShareItByOriginAndClip) {
     EXPECT_EQ(target->clip.Box().right, 12);
     EXPECT_TRUE(EndCanvasDC(child));
     EXPECT_FALSE(EndCanvasDC(child));
-    EXPECT_EQ(SetROP2(child, R2_NOT), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_FAILS(SetROP2(child, R2_NOT), ERROR_INVALID_HANDLE);
     EXPECT_TRUE(EndCanvasDC(whole));
     EXPECT_EQ(MakeImageCanvas(0, 5), nullptr);
     EXPECT_EQ(MakeImageCanvas(40000, 5), nullptr);

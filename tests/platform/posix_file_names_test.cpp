@@ -7,11 +7,13 @@
 #include <map>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/posix/files/path_internal.h"
 #include "platform/posix/text/text_internal.h"
 #include "platform/win32.h"
+#include "tests/support/last_error.h"
 
 using namespace orvik::detail;
 namespace fs = std::filesystem;
@@ -52,16 +54,12 @@ TEST_F(PosixFileNames, DrivesAndBackslashesLeadToTheSameFile) {
     fs::create_directory("sub");
     Make("sub/a.txt");
     const std::string path = folder.string();
-    std::string windows = "C:" + path + "/sub/a.txt";
-    EXPECT_TRUE(IsThere(windows));
+    const std::string slashes = "C:" + path + "/sub/a.txt";
+    std::string windows = slashes;
     std::replace(windows.begin(), windows.end(), '/', '\\');
-    EXPECT_TRUE(IsThere(windows));
-    EXPECT_TRUE(IsThere("c" + windows.substr(1)));
-    EXPECT_TRUE(IsThere(windows.substr(2)));
-    EXPECT_TRUE(IsThere("\\\\?\\" + windows));
-    EXPECT_TRUE(IsThere("sub\\a.txt"));
-    EXPECT_TRUE(IsThere(".\\sub/..\\sub\\a.txt"));
-    EXPECT_TRUE(IsThere("c:sub\\a.txt"));
+    for (const std::string& name : {slashes, windows, "c" + windows.substr(1), windows.substr(2), "\\\\?\\" + windows,
+                                    std::string("sub\\a.txt"), std::string(".\\sub/..\\sub\\a.txt"), std::string("c:sub\\a.txt")})
+        EXPECT_TRUE(IsThere(name)) << name;
     EXPECT_EQ(SystemPath("C:"), path);
     EXPECT_EQ(SystemPath("C:\\"), "/");
     EXPECT_EQ(SystemPath("C:\\m\xE4t\\\x80"), "/m\xC3\xA4t/\xE2\x82\xAC");
@@ -83,19 +81,16 @@ TEST_F(PosixFileNames, OtherComputersAndMissingDrivesLeadNowhere) {
 TEST_F(PosixFileNames, NamesHaveTheirCaseAndPatternsDoNot) {
     for (const char* name : {"a.txt", "A.TXT", "\xC3\xA5.txt", "\xC3\x85.TXT", "none"}) Make(name);
     EXPECT_FALSE(IsThere("a.TXT"));
-    EXPECT_EQ(Find("a.txt"), Names{"a.txt"});
-    EXPECT_EQ(Find("a.TXT"), Names());
-    EXPECT_EQ(Find("a.tx?"), (Names{"A.TXT", "a.txt"}));
-    EXPECT_EQ(Find("\xE5*"), (Names{"\xC5.TXT", "\xE5.txt"}));
-    EXPECT_EQ(Find("?.txt"), (Names{"A.TXT", "a.txt", "\xC5.TXT", "\xE5.txt"}));
+    using Row = std::pair<const char*, Names>;
+    for (const auto& [pattern, names] :
+         {Row{"a.txt", {"a.txt"}}, Row{"a.TXT", {}}, Row{"a.tx?", {"A.TXT", "a.txt"}}, Row{"\xE5*", {"\xC5.TXT", "\xE5.txt"}},
+          Row{"?.txt", {"A.TXT", "a.txt", "\xC5.TXT", "\xE5.txt"}}, Row{"n*.*", {"none"}}, Row{"**n**e**", {"none"}}})
+        EXPECT_EQ(Find(pattern), names) << pattern;
     EXPECT_EQ(Find("*.*").size(), 7u);
-    EXPECT_EQ(Find("n*.*"), Names{"none"});
-    EXPECT_EQ(Find("**n**e**"), Names{"none"});
 }
 
 TEST_F(PosixFileNames, NamesThatCannotBeNamedBackArePassedOver) {
-    Make("a\\b.txt");
-    Make("c:d.txt");
+    Make("a\\b.txt"), Make("c:d.txt");
     Make("\xE6\xB8\xAC.txt");  // beyond Windows-1252: as it stands
     EXPECT_EQ(Find("*.txt"), (Names{"c:d.txt", "\xE6\xB8\xAC.txt"}));
     EXPECT_TRUE(IsThere("./c:d.txt"));
@@ -128,13 +123,10 @@ TEST_F(PosixFileNames, ACopyKeepsTimeAndPermissions) {
     ASSERT_TRUE(CopyFileA("a.txt", "b.txt", TRUE));
     EXPECT_EQ(fs::last_write_time("a.txt"), fs::last_write_time("b.txt"));
     EXPECT_EQ(fs::status("b.txt").permissions(), fs::perms::owner_read);
-    EXPECT_FALSE(CopyFileA("a.txt", "b.txt", FALSE));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_SUPPORTED});
-    EXPECT_FALSE(CopyFileA("/dev/null", "c.txt", TRUE));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_SUPPORTED});
+    EXPECT_FAILS(CopyFileA("a.txt", "b.txt", FALSE), ERROR_NOT_SUPPORTED);
+    EXPECT_FAILS(CopyFileA("/dev/null", "c.txt", TRUE), ERROR_NOT_SUPPORTED);
     fs::create_symlink("nowhere", "link");
-    EXPECT_FALSE(CopyFileA("a.txt", "link", TRUE));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_EXISTS});
+    EXPECT_FAILS(CopyFileA("a.txt", "link", TRUE), ERROR_FILE_EXISTS);
 }
 
 TEST_F(PosixFileNames, FreeSpaceIsThatOfTheDisk) {
@@ -145,29 +137,19 @@ TEST_F(PosixFileNames, FreeSpaceIsThatOfTheDisk) {
     ASSERT_TRUE(GetDiskFreeSpaceExA("C:\\", &mine, &whole, &any));
     EXPECT_EQ(ULONGLONG{sectors} * bytes * all, whole.QuadPart);
     EXPECT_LE(mine.QuadPart, any.QuadPart);
-    EXPECT_FALSE(GetDiskFreeSpaceA("C:\\tmp", &sectors, &bytes, &free, &all));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_DIR_NOT_ROOT});
-    EXPECT_FALSE(GetDiskFreeSpaceExA("Q:\\", &mine, nullptr, nullptr));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
+    EXPECT_FAILS(GetDiskFreeSpaceA("C:\\tmp", &sectors, &bytes, &free, &all), ERROR_DIR_NOT_ROOT);
+    EXPECT_FAILS(GetDiskFreeSpaceExA("Q:\\", &mine, nullptr, nullptr), ERROR_PATH_NOT_FOUND);
 }
 
 TEST(PosixText, ComparesWithoutCase) {
-    const struct {
-        LPCSTR first, second;
-        int order;
-    } cases[] = {{"a.txt", "A.TXT", 0},
-                 {"\xE5 \x9A", "\xC5 \x8A", 0},
-                 {"\xFF", "\x9F", 0},
-                 {"a", "B", -1},
-                 {"b", "A", 1},
-                 {"a", "ab", -1},
-                 {"", "", 0},
-                 {nullptr, "", -1},
-                 {nullptr, nullptr, 0},
-                 {"\xD7", "\xF7", -1},                   // signs, not letters
-                 {"\xE6\xB8\x8A", "\xE6\xB8\x9A", -1}};  // two characters beyond Windows-1252
-    for (const auto& c : cases) {
-        EXPECT_EQ(lstrcmpiA(c.first, c.second), c.order);
-        EXPECT_EQ(lstrcmpiA(c.second, c.first), -c.order);
+    // two characters beyond Windows-1252
+    using Row = std::tuple<LPCSTR, LPCSTR, int>;
+    for (const auto& [first, second, order] :
+         {Row{"a.txt", "A.TXT", 0}, Row{"\xE5 \x9A", "\xC5 \x8A", 0}, Row{"\xFF", "\x9F", 0}, Row{"a", "B", -1}, Row{"b", "A", 1},
+          Row{"a", "ab", -1}, Row{"", "", 0}, Row{nullptr, "", -1}, Row{nullptr, nullptr, 0},
+          Row{"\xD7", "\xF7", -1},  // signs, not letters
+          Row{"\xE6\xB8\x8A", "\xE6\xB8\x9A", -1}}) {
+        EXPECT_EQ(lstrcmpiA(first, second), order);
+        EXPECT_EQ(lstrcmpiA(second, first), -order);
     }
 }

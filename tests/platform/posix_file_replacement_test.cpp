@@ -16,28 +16,18 @@
 #include <vector>
 
 #include "platform/file_replacement.h"
+#include "tests/support/test_folder.h"
 
 namespace fs = std::filesystem;
 using orvik::detail::ReplaceWholeFile;
 
 namespace {
-std::string FileBytes(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-class WholeFile : public testing::Test {
+class WholeFile : public testing::Test, protected TestFolder {
 protected:
-    WholeFile() {
-        fs::create_directories(m_folder);
-        std::ofstream(Target()) << "previous";
-    }
-    ~WholeFile() override {
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
+    WholeFile() { Write("a.xml", "previous"); }
     fs::path Target() const { return m_folder / "a.xml"; }
-    size_t FileCount() const { return static_cast<size_t>(std::distance(fs::directory_iterator(m_folder), {})); }
+    // Whether the file is stored, and if not, why.
+    static DWORD Store(const fs::path& path, const std::string& content) { return ReplaceWholeFile(path.string(), content); }
 
     // How a process ends that writes 100,000 bytes where 5,000 may be written.
     int WriteTooMuch(void (*onLimit)(int)) const {
@@ -46,49 +36,47 @@ protected:
             const rlimit limit = {5000, 5000};
             setrlimit(RLIMIT_FSIZE, &limit);
             signal(SIGXFSZ, onLimit);
-            _exit(static_cast<int>(ReplaceWholeFile(Target().string(), std::string(100000, 'x'))));
+            _exit(static_cast<int>(Store(Target(), std::string(100000, 'x'))));
         }
         int status = 0;
         waitpid(child, &status, 0);
         return status;
     }
-
-    fs::path m_folder = fs::temp_directory_path() / ("orvik-whole-file-" + std::to_string(std::random_device()()));
+    const fs::path& m_folder = Folder();
 };
 
 TEST_F(WholeFile, FullDiskLeavesThePreviousFileAlone) {
     const int status = WriteTooMuch(SIG_IGN);
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), static_cast<int>(ERROR_DISK_FULL));
-    EXPECT_EQ(FileBytes(Target()), "previous");
-    EXPECT_EQ(FileCount(), 1u);
+    EXPECT_EQ(BytesOf(Target()), "previous");
+    EXPECT_EQ(Count(), 1u);
 }
 
 TEST_F(WholeFile, KillLeavesThePreviousFileAlone) {
     const int status = WriteTooMuch(SIG_DFL);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ) << status;
-    EXPECT_EQ(FileBytes(Target()), "previous");
-    EXPECT_EQ(ReplaceWholeFile(Target().string(), "next"), static_cast<DWORD>(ERROR_SUCCESS))
-        << "the file left over is in nobody's way";
-    EXPECT_EQ(FileBytes(Target()), "next");
-    EXPECT_EQ(FileCount(), 1u) << "and gone";
+    EXPECT_EQ(BytesOf(Target()), "previous");
+    EXPECT_EQ(Store(Target(), "next"), DWORD{ERROR_SUCCESS}) << "the file left over is in nobody's way";
+    EXPECT_EQ(BytesOf(Target()), "next");
+    EXPECT_EQ(Count(), 1u) << "and gone";
 }
 
 TEST_F(WholeFile, LinksAndPermissionsAreKept) {
     fs::permissions(Target(), fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink(Target(), m_folder / "link.xml");
-    EXPECT_EQ(ReplaceWholeFile((m_folder / "link.xml").string(), "next"), static_cast<DWORD>(ERROR_SUCCESS));
+    EXPECT_EQ(Store(m_folder / "link.xml", "next"), DWORD{ERROR_SUCCESS});
     EXPECT_TRUE(fs::is_symlink(m_folder / "link.xml"));
-    EXPECT_EQ(FileBytes(Target()), "next");
+    EXPECT_EQ(BytesOf(Target()), "next");
     EXPECT_EQ(fs::status(Target()).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     fs::permissions(Target(), fs::perms::owner_read);
-    EXPECT_EQ(ReplaceWholeFile(Target().string(), "never"), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(Store(Target(), "never"), DWORD{ERROR_ACCESS_DENIED});
     fs::create_symlink(m_folder / "nowhere", m_folder / "dangling.xml");
-    EXPECT_NE(ReplaceWholeFile((m_folder / "dangling.xml").string(), "never"), static_cast<DWORD>(ERROR_SUCCESS));
+    EXPECT_NE(Store(m_folder / "dangling.xml", "never"), DWORD{ERROR_SUCCESS});
     EXPECT_TRUE(fs::is_symlink(m_folder / "dangling.xml"));
-    EXPECT_EQ(FileBytes(Target()), "next");
+    EXPECT_EQ(BytesOf(Target()), "next");
     ASSERT_EQ(mkfifo((m_folder / "pipe").c_str(), 0600), 0);
-    EXPECT_NE(ReplaceWholeFile((m_folder / "pipe").string(), "never"), static_cast<DWORD>(ERROR_SUCCESS));
+    EXPECT_NE(Store(m_folder / "pipe", "never"), DWORD{ERROR_SUCCESS});
     EXPECT_TRUE(fs::is_fifo(m_folder / "pipe"));
 }
 
@@ -106,7 +94,7 @@ TEST_F(WholeFile, WhereNothingCanStandBesideItTheFileIsWrittenOver) {
             setrlimit(RLIMIT_FSIZE, &size);
             signal(SIGXFSZ, SIG_IGN);
             fs::permissions(m_folder, fs::perms::owner_read | fs::perms::owner_exec);
-            const DWORD error = ReplaceWholeFile(Target().string(), content);
+            const DWORD error = Store(Target(), content);
             fs::permissions(m_folder, fs::perms::owner_all);
             _exit(static_cast<int>(error));
         }
@@ -117,21 +105,21 @@ TEST_F(WholeFile, WhereNothingCanStandBesideItTheFileIsWrittenOver) {
     for (const size_t size : {3000, 20, 0, 4000}) {
         const std::string content(size, 'n');
         EXPECT_EQ(write(content, RLIM_INFINITY), static_cast<int>(ERROR_SUCCESS));
-        EXPECT_EQ(FileBytes(Target()), content);
+        EXPECT_EQ(BytesOf(Target()), content);
     }
     EXPECT_EQ(write(std::string(100'000, 'x'), 5000), static_cast<int>(ERROR_DISK_FULL));
-    EXPECT_EQ(FileBytes(Target()), std::string(4000, 'n'));
-    EXPECT_EQ(FileCount(), 1u);
+    EXPECT_EQ(BytesOf(Target()), std::string(4000, 'n'));
+    EXPECT_EQ(Count(), 1u);
 }
 
 // What only root can show: the file stays its owner's.
 TEST_F(WholeFile, AnAdministratorLeavesTheFileItsOwners) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root";
     ASSERT_EQ(chown(Target().c_str(), 12345, 54321), 0);
-    EXPECT_EQ(ReplaceWholeFile(Target().string(), "next"), static_cast<DWORD>(ERROR_SUCCESS));
+    EXPECT_EQ(Store(Target(), "next"), DWORD{ERROR_SUCCESS});
     struct stat info;
     ASSERT_EQ(stat(Target().c_str(), &info), 0);
-    EXPECT_TRUE(info.st_uid == 12345 && info.st_gid == 54321 && FileBytes(Target()) == "next");
+    EXPECT_TRUE(info.st_uid == 12345 && info.st_gid == 54321 && BytesOf(Target()) == "next");
 }
 
 // Names that this house cannot say, on the way to the file and in a link to it.
@@ -143,12 +131,12 @@ TEST_F(WholeFile, FoldersOfAnyNameAreReached) {
     fs::create_symlink(odd.filename() / "f.xml", m_folder / "link.xml");
     for (const char* name : {"way/f.xml", "link.xml"}) {
         for (const std::string content : {"one", "longer than before"}) {
-            EXPECT_EQ(ReplaceWholeFile((m_folder / name).string(), content), static_cast<DWORD>(ERROR_SUCCESS)) << name;
-            EXPECT_EQ(FileBytes(odd / "f.xml"), content) << name;
+            EXPECT_EQ(Store(m_folder / name, content), DWORD{ERROR_SUCCESS}) << name;
+            EXPECT_EQ(BytesOf(odd / "f.xml"), content) << name;
         }
     }
     EXPECT_EQ(std::distance(fs::directory_iterator(odd), {}), 1);
-    EXPECT_EQ(FileCount(), 4u);
+    EXPECT_EQ(Count(), 4u);
 }
 
 // Two programs store one file again and again, a third is killed now and then: it is always one of them, whole, and nothing else
@@ -161,11 +149,8 @@ TEST_F(WholeFile, OfSeveralWritersTheLastOneWins) {
     for (const char letter : {'a', 'b'}) {
         const pid_t child = fork();
         if (child == 0) {
-            for (int i = 0; i < stores; ++i) {
-                if (ReplaceWholeFile(Target().string(), std::string(static_cast<size_t>(1000 + i % 7 * 3000), letter)) !=
-                    ERROR_SUCCESS)
-                    _exit(1);
-            }
+            for (int i = 0; i < stores; ++i)
+                if (Store(Target(), std::string(static_cast<size_t>(1000 + i % 7 * 3000), letter)) != ERROR_SUCCESS) _exit(1);
             _exit(0);
         }
         writers.push_back(child);
@@ -177,13 +162,13 @@ TEST_F(WholeFile, OfSeveralWritersTheLastOneWins) {
         if (++looks % 50 == 0) {
             const pid_t child = fork();
             if (child == 0) {
-                for (;;) ReplaceWholeFile(Target().string(), std::string(50'000, 'c'));
+                for (;;) Store(Target(), std::string(50'000, 'c'));
             }
             usleep(static_cast<useconds_t>(random() % 3000));
             kill(child, SIGKILL);
             waitpid(child, nullptr, 0);
         }
-        const std::string found = FileBytes(Target());
+        const std::string found = BytesOf(Target());
         if (!found.empty()) {  // there is none before the first store
             ASSERT_EQ(found.find_first_not_of(found[0]), std::string::npos);
             ASSERT_TRUE(found.size() == 50'000 || found.size() % 1000 == 0);
@@ -197,7 +182,7 @@ TEST_F(WholeFile, OfSeveralWritersTheLastOneWins) {
         }
     }
     EXPECT_TRUE(ended);
-    EXPECT_EQ(ReplaceWholeFile(Target().string(), "last"), static_cast<DWORD>(ERROR_SUCCESS));
-    EXPECT_EQ(FileCount(), 1u);
+    EXPECT_EQ(Store(Target(), "last"), DWORD{ERROR_SUCCESS});
+    EXPECT_EQ(Count(), 1u);
 }
 }  // namespace

@@ -53,9 +53,8 @@ protected:
     void Arrive(DWORD count) {
         const Awaiting arrival("bytes to arrive at the port");
         COMSTAT status{};
-        for (ULONGLONG start = GetTickCount64(); status.cbInQue < count && GetTickCount64() - start < kLong;) {
+        for (ULONGLONG start = GetTickCount64(); status.cbInQue < count && GetTickCount64() - start < kLong;)
             ASSERT_TRUE(ClearCommError(port, nullptr, &status));
-        }
         ASSERT_GE(status.cbInQue, count);
     }
 

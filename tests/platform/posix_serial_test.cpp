@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "tests/platform/posix_port_fixture.h"
+#include "tests/support/last_error.h"
 
 TEST_F(PortTest, BlockingReadWaitsForTheWholeCount) {
     Open();
@@ -14,8 +15,7 @@ TEST_F(PortTest, BlockingReadWaitsForTheWholeCount) {
     ASSERT_FALSE(ReadFile(port, got, 4, &count, &ov));
     ASSERT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
     EXPECT_EQ(WaitForSingleObject(ov.hEvent, 20), WAIT_TIMEOUT);
-    EXPECT_FALSE(GetOverlappedResult(port, &ov, &count, FALSE));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_IO_INCOMPLETE});
+    EXPECT_FAILS(GetOverlappedResult(port, &ov, &count, FALSE), ERROR_IO_INCOMPLETE);
     FarSends("cd");
     EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
     ASSERT_TRUE(GetOverlappedResult(port, &ov, &count, FALSE));
@@ -29,17 +29,14 @@ TEST_F(PortTest, ReadTimeoutsFollowTheirRules) {
         const char* sent;
         const char* expected;
     };
-    const Case cases[] = {
-        {"a total time-out without bytes", 0, 0, 30, "", ""},
-        {"a total time-out keeps what came", 0, 0, 30, "ab", "ab"},
-        {"a total time-out from the count", 0, 5, 0, "ab", "ab"},
-        {"a gap ends the read", 20, 0, 0, "ab", "ab"},
-        {"the first byte ends the read", MAXDWORD, MAXDWORD, kLong, "a", "a"},
-        {"no first byte in time", MAXDWORD, MAXDWORD, 30, "", ""},
-        {"an endless gap leaves the total", MAXDWORD, 0, 30, "ab", "ab"},
-    };
     Open(0);
-    for (const Case& c : cases) {
+    for (const Case& c :
+         {Case{"a total time-out without bytes", 0, 0, 30, "", ""},
+          Case{"a total time-out keeps what came", 0, 0, 30, "ab", "ab"},
+          Case{"a total time-out from the count", 0, 5, 0, "ab", "ab"}, Case{"a gap ends the read", 20, 0, 0, "ab", "ab"},
+          Case{"the first byte ends the read", MAXDWORD, MAXDWORD, kLong, "a", "a"},
+          Case{"no first byte in time", MAXDWORD, MAXDWORD, 30, "", ""},
+          Case{"an endless gap leaves the total", MAXDWORD, 0, 30, "ab", "ab"}}) {
         SCOPED_TRACE(c.what);
         SetReading(c.interval, c.multiplier, c.constant);
         FarSends(c.sent);
@@ -63,8 +60,7 @@ TEST_F(PortTest, CancelEndsTheThreadsOwnOperationsOnly) {
         std::thread([&] {
             EXPECT_FALSE(ReadFile(port, &byte, 1, &count, &reading));
             EXPECT_TRUE(CancelIo(port));
-            EXPECT_FALSE(GetOverlappedResult(port, &reading, &count, FALSE));
-            EXPECT_EQ(GetLastError(), DWORD{ERROR_OPERATION_ABORTED});
+            EXPECT_FAILS(GetOverlappedResult(port, &reading, &count, FALSE), ERROR_OPERATION_ABORTED);
         }).join();
         EXPECT_EQ(WaitForSingleObject(waiting.hEvent, 0), WAIT_TIMEOUT);
         FarSends("x");
@@ -82,8 +78,7 @@ TEST_F(PortTest, OperationsEndWithTheirThread) {
         EXPECT_FALSE(ReadFile(port, &byte, 1, &count, &ov));
     }).join();
     DWORD count = 0;
-    EXPECT_FALSE(GetOverlappedResult(port, &ov, &count, FALSE));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_OPERATION_ABORTED});
+    EXPECT_FAILS(GetOverlappedResult(port, &ov, &count, FALSE), ERROR_OPERATION_ABORTED);
 }
 
 TEST_F(PortTest, WriterWaitsWhileTheBufferIsFull) {
@@ -119,9 +114,8 @@ TEST_F(PortTest, FullReceiveBufferLeavesTheRestWithTheSystem) {
     std::string got(much.size(), 0);
     DWORD events = 0, count = 0;
     Overlapped waiting, reading;
-    while ((events & EV_RX80FULL) == 0) {
+    while ((events & EV_RX80FULL) == 0)
         ASSERT_TRUE(WaitCommEvent(port, &events, &waiting) || WaitForSingleObject(waiting.hEvent, kLong) == WAIT_OBJECT_0);
-    }
     if (!ReadFile(port, got.data(), static_cast<DWORD>(got.size()), &count, &reading)) {
         ASSERT_EQ(WaitForSingleObject(reading.hEvent, kLong), WAIT_OBJECT_0);
         ASSERT_TRUE(GetOverlappedResult(port, &reading, &count, FALSE));
@@ -169,10 +163,7 @@ TEST_F(PortTest, UnpluggingEndsABlockedReadAndWrite) {
     far.Unplug();
     const HANDLE both[] = {reading.hEvent, writing.hEvent};
     EXPECT_EQ(WaitForMultipleObjects(2, both, TRUE, kLong), WAIT_OBJECT_0);
-    for (Overlapped* each : {&reading, &writing}) {
-        EXPECT_FALSE(GetOverlappedResult(port, each, &count, FALSE));
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_READY});
-    }
+    for (Overlapped* each : {&reading, &writing}) EXPECT_FAILS(GetOverlappedResult(port, each, &count, FALSE), ERROR_NOT_READY);
 }
 
 // A listener, a reader, a writer and a closer at once; what counts is that the sanitizers find nothing and everybody ends.
@@ -189,28 +180,17 @@ TEST_F(PortTest, ManyThreadsShareAPort) {
                 if (WaitForSingleObject(ov.hEvent, kLong) != WAIT_OBJECT_0 || !ClearCommError(shared, &errors, nullptr)) break;
             }
         });
-        std::thread reader([&] {
+        const auto move = [shared](bool out) {
             Overlapped ov;
-            for (DWORD count = 0;;) {
-                char bytes[64];
-                if (!ReadFile(shared, bytes, sizeof bytes, &count, &ov)) {
-                    if (GetLastError() != ERROR_IO_PENDING) break;
-                    WaitForSingleObject(ov.hEvent, 1);
-                    CancelIo(shared);
-                }
+            for (DWORD count = 0;; Sleep(0)) {
+                char bytes[64] = "1234567";
+                if (out ? WriteFile(shared, bytes, 8, &count, &ov) : ReadFile(shared, bytes, sizeof bytes, &count, &ov)) continue;
+                if (GetLastError() != ERROR_IO_PENDING) break;
+                WaitForSingleObject(ov.hEvent, 1);
+                CancelIo(shared);
             }
-        });
-        std::thread writer([&] {
-            Overlapped ov;
-            for (DWORD count = 0;;) {
-                if (!WriteFile(shared, "12345678", 8, &count, &ov)) {
-                    if (GetLastError() != ERROR_IO_PENDING) break;
-                    WaitForSingleObject(ov.hEvent, 1);
-                    CancelIo(shared);
-                }
-                Sleep(0);
-            }
-        });
+        };
+        std::thread reader(move, false), writer(move, true);
         for (int i = 0; i < 50; ++i) {
             FarSends("abcdefgh");
             FarGets(1);

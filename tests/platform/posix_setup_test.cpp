@@ -10,6 +10,7 @@
 
 #include "platform/virtual_port.h"
 #include "platform/win32.h"
+#include "tests/support/last_error.h"
 
 namespace fs = std::filesystem;
 
@@ -21,12 +22,10 @@ protected:
         root = pattern;
         fs::create_directories(root / "sys/class/tty");
         fs::create_directories(root / "ports");
-        setenv("ORVIK_SYSFS", (root / "sys").c_str(), 1);
-        setenv("ORVIK_PORTS_DIR", (root / "ports").c_str(), 1);
+        setenv("ORVIK_SYSFS", (root / "sys").c_str(), 1), setenv("ORVIK_PORTS_DIR", (root / "ports").c_str(), 1);
     }
     void TearDown() override {
-        unsetenv("ORVIK_SYSFS");
-        unsetenv("ORVIK_PORTS_DIR");
+        unsetenv("ORVIK_SYSFS"), unsetenv("ORVIK_PORTS_DIR");
         fs::remove_all(root);
     }
     // A terminal of the kernel; with hardware behind it if a place in the tree is given.
@@ -77,17 +76,12 @@ TEST_F(DeviceListTest, ListsHardwareAlone) {
     Tty("ttyS0", "pnp/00:01", "4");        // a real chip
     Tty("ttyS1", "platform/serial", "0");  // a place for one
     Tty("ttyUSB1", "usb1/1-1/1-1:1.0/ttyUSB1");
-    Product("usb1/1-1",
-            "Pr\xC3\xBC"
-            "fkabel");
+    Product("usb1/1-1", "Pr\xC3\274fkabel");
     Tty("ttyACM0", "usb1/1-2/1-2:1.0");
     Product("usb1/1-2", "Logger \xD0\x96");
     Tty("ttyUSB40", "usb1/1-3/1-3:1.0/ttyUSB40");  // beyond the fixed numbers
-    const Listed expected = {{"COM1", "Serial port (ttyS0)"},
-                             {"COM34",
-                              "Pr\xFC"
-                              "fkabel (ttyUSB1)"},
-                             {"COM65", "Logger \xD0\x96 (ttyACM0)"}};
+    const Listed expected = {
+        {"COM1", "Serial port (ttyS0)"}, {"COM34", "Pr\374fkabel (ttyUSB1)"}, {"COM65", "Logger \xD0\x96 (ttyACM0)"}};
     EXPECT_EQ(List(), expected);
 }
 
@@ -106,10 +100,8 @@ TEST_F(DeviceListTest, LinksNamePortsOnce) {
     };
     const HANDLE port = open(R"(\\.\com7)");
     ASSERT_NE(port, INVALID_HANDLE_VALUE) << GetLastError();
-    EXPECT_EQ(open(R"(\\.\)" + far.GetDeviceName()), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(open("COM8"), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+    EXPECT_FAILS(open(R"(\\.\)" + far.GetDeviceName()), ERROR_ACCESS_DENIED);
+    EXPECT_FAILS(open("COM8"), ERROR_FILE_NOT_FOUND);
     COMMCONFIG config{};
     DWORD size = 10;
     EXPECT_FALSE(GetDefaultCommConfigA("COM7", &config, &size));
@@ -124,8 +116,7 @@ TEST_F(DeviceListTest, WrongUseIsRefused) {
     DWORD count = 9, size = 2;
     EXPECT_TRUE(SetupDiClassGuidsFromNameA("Modem", nullptr, 0, &count));
     EXPECT_EQ(count, 0u);
-    EXPECT_FALSE(SetupDiClassGuidsFromNameA("ports", nullptr, 0, &count));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_FAILS(SetupDiClassGuidsFromNameA("ports", nullptr, 0, &count), ERROR_INSUFFICIENT_BUFFER);
     EXPECT_EQ(count, 1u);
     EXPECT_EQ(SetupDiGetClassDevsA(nullptr, nullptr, nullptr, DIGCF_PRESENT), INVALID_HANDLE_VALUE);
     EXPECT_FALSE(SetupDiDestroyDeviceInfoList(INVALID_HANDLE_VALUE));

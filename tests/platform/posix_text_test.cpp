@@ -4,6 +4,7 @@
 #include "platform/posix/files/path_internal.h"
 #include "platform/posix/text/text_internal.h"
 #include "platform/win32.h"
+#include "tests/support/last_error.h"
 
 using namespace orvik::detail;
 
@@ -21,8 +22,7 @@ TEST(PosixText, NamesBeyondWindows1252StayReachable) {
 
 TEST(PosixText, ConversionReportsWhatItCannotSay) {
     WCHAR wide[8];
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xC3", 2, wide, 8), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_UNICODE_TRANSLATION});
+    EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xC3", 2, wide, 8), ERROR_NO_UNICODE_TRANSLATION);
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xF0\x9F\x98\x80", 4, wide, 8), 2);  // a surrogate pair
     EXPECT_EQ(wide[0], 0xD83D);
     EXPECT_EQ(wide[1], 0xDE00);
@@ -33,8 +33,7 @@ TEST(PosixText, ConversionReportsWhatItCannotSay) {
     EXPECT_EQ(WideCharToMultiByte(1252, 0, u"\u20AC\u6E2C", 2, narrow, 4, "#", &used), 2);
     EXPECT_EQ(std::string(narrow, 2), "\x80#");
     EXPECT_TRUE(used);
-    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, u"\u6E2C", 1, narrow, 2, nullptr, nullptr), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_FAILS(WideCharToMultiByte(CP_UTF8, 0, u"\u6E2C", 1, narrow, 2, nullptr, nullptr), ERROR_INSUFFICIENT_BUFFER);
 }
 
 TEST(PosixFiles, FullNameIsResolvedInTheText) {
@@ -47,15 +46,11 @@ TEST(PosixFiles, FullNameIsResolvedInTheText) {
 }
 
 TEST(PosixFiles, MissingFileAndMissingFolderDiffer) {
-    EXPECT_EQ(GetFileAttributesA("/tmp/no-such-file-here"), INVALID_FILE_ATTRIBUTES);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
-    EXPECT_EQ(GetFileAttributesA("/tmp/no-such-folder/file"), INVALID_FILE_ATTRIBUTES);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
+    EXPECT_FAILS(GetFileAttributesA("/tmp/no-such-file-here"), ERROR_FILE_NOT_FOUND);
+    EXPECT_FAILS(GetFileAttributesA("/tmp/no-such-folder/file"), ERROR_PATH_NOT_FOUND);
 }
 
 TEST(PosixModules, AFileThatIsNoLibraryIsRefused) {
-    EXPECT_EQ(LoadLibraryA("/proc/self/maps"), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_BAD_FORMAT});
-    EXPECT_EQ(LoadLibraryA("/tmp/no-such-library.so"), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+    EXPECT_FAILS(LoadLibraryA("/proc/self/maps"), ERROR_BAD_FORMAT);
+    EXPECT_FAILS(LoadLibraryA("/tmp/no-such-library.so"), ERROR_FILE_NOT_FOUND);
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/win32.h"
+#include "tests/support/last_error.h"
 
 namespace {
 std::vector<std::string> g_told;
@@ -69,13 +70,10 @@ TEST_F(WindowTreeTest, MessagesForAWindowIncludeItsChildren) {
 }
 
 TEST_F(WindowTreeTest, WrongParentsAreRefused) {
-    EXPECT_EQ(Make("child", nullptr, WS_CHILD), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_TLW_WITH_WSCHILD});
-    EXPECT_EQ(Make("child", reinterpret_cast<HWND>(static_cast<UINT_PTR>(0x22)), WS_CHILD), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
+    EXPECT_FAILS(Make("child", nullptr, WS_CHILD), ERROR_TLW_WITH_WSCHILD);
+    EXPECT_FAILS(Make("child", reinterpret_cast<HWND>(static_cast<UINT_PTR>(0x22)), WS_CHILD), ERROR_INVALID_WINDOW_HANDLE);
     const HWND top = Make("top", nullptr, WS_POPUP), child = Make("child", top, WS_CHILD);
-    EXPECT_EQ(SetParent(top, child), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_FAILS(SetParent(top, child), ERROR_INVALID_PARAMETER);
     DestroyWindow(top);
 }
 
@@ -100,8 +98,7 @@ TEST(Queues, AreBoundedAndBelongToThreadsThatRead) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_ENOUGH_QUOTA});
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
     }
-    EXPECT_FALSE(PostThreadMessageA(0x7FFFFFFF, WM_USER, 0, 0));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_THREAD_ID});
+    EXPECT_FAILS(PostThreadMessageA(0x7FFFFFFF, WM_USER, 0, 0), ERROR_INVALID_THREAD_ID);
 }
 
 // What is posted must not make the reader jump to any address.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/win32.h"
+#include "tests/support/last_error.h"
 
 namespace {
 constexpr DWORD kLong = 10'000;  // ms; only reached by a failing test
@@ -24,8 +25,7 @@ DWORD WINAPI WaitForParameter(LPVOID event) {
 
 TEST(Events, ManualResetStaysAndAutoResetLetsOneThrough) {
     const Event manual(true, true), automatic(false, true);
-    EXPECT_EQ(WaitForSingleObject(manual.handle, 0), DWORD{WAIT_OBJECT_0});
-    EXPECT_EQ(WaitForSingleObject(manual.handle, 0), DWORD{WAIT_OBJECT_0});
+    for (int turn = 0; turn < 2; ++turn) EXPECT_EQ(WaitForSingleObject(manual.handle, 0), DWORD{WAIT_OBJECT_0});
     EXPECT_TRUE(ResetEvent(manual.handle));
     EXPECT_EQ(WaitForSingleObject(manual.handle, 0), DWORD{WAIT_TIMEOUT});
     EXPECT_EQ(WaitForSingleObject(automatic.handle, 0), DWORD{WAIT_OBJECT_0});
@@ -35,9 +35,8 @@ TEST(Events, ManualResetStaysAndAutoResetLetsOneThrough) {
 TEST(Waits, AnyGivesTheFirstAndTakesOnlyThat) {
     const Event a(false), b(false, true), c(false, true);
     const HANDLE all[] = {a.handle, b.handle, c.handle};
-    EXPECT_EQ(WaitForMultipleObjects(3, all, FALSE, 0), DWORD{WAIT_OBJECT_0 + 1});
-    EXPECT_EQ(WaitForMultipleObjects(3, all, FALSE, 0), DWORD{WAIT_OBJECT_0 + 2});
-    EXPECT_EQ(WaitForMultipleObjects(3, all, FALSE, 0), DWORD{WAIT_TIMEOUT});
+    for (const DWORD result : {DWORD{WAIT_OBJECT_0 + 1}, DWORD{WAIT_OBJECT_0 + 2}, DWORD{WAIT_TIMEOUT}})
+        EXPECT_EQ(WaitForMultipleObjects(3, all, FALSE, 0), result);
 }
 
 TEST(Waits, AllTakesNothingUntilAllAreThere) {
@@ -45,8 +44,7 @@ TEST(Waits, AllTakesNothingUntilAllAreThere) {
     const HANDLE both[] = {a.handle, b.handle};
     EXPECT_EQ(WaitForMultipleObjects(2, both, TRUE, 0), DWORD{WAIT_TIMEOUT});
     EXPECT_EQ(WaitForSingleObject(a.handle, 0), DWORD{WAIT_OBJECT_0});  // still there
-    SetEvent(a.handle);
-    SetEvent(b.handle);
+    SetEvent(a.handle), SetEvent(b.handle);
     EXPECT_EQ(WaitForMultipleObjects(2, both, TRUE, 0), DWORD{WAIT_OBJECT_0});
     EXPECT_EQ(WaitForMultipleObjects(2, both, FALSE, 0), DWORD{WAIT_TIMEOUT});
 }
@@ -54,12 +52,9 @@ TEST(Waits, AllTakesNothingUntilAllAreThere) {
 TEST(Waits, BadHandlesFail) {
     HANDLE closed = CreateEventA(nullptr, TRUE, TRUE, nullptr);
     CloseHandle(closed);
-    EXPECT_EQ(WaitForSingleObject(closed, 0), DWORD{WAIT_FAILED});
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
-    EXPECT_FALSE(SetEvent(closed));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
-    EXPECT_EQ(WaitForMultipleObjects(0, &closed, FALSE, 0), DWORD{WAIT_FAILED});
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_FAILS(WaitForSingleObject(closed, 0), ERROR_INVALID_HANDLE);
+    EXPECT_FAILS(SetEvent(closed), ERROR_INVALID_HANDLE);
+    EXPECT_FAILS(WaitForMultipleObjects(0, &closed, FALSE, 0), ERROR_INVALID_PARAMETER);
 }
 
 TEST(Threads, EndSignalsAndKeepsTheExitCode) {
@@ -118,19 +113,16 @@ TEST(Waits, EverySignalReachesOneWaiter) {
     SetEvent(shared.work);
     EXPECT_EQ(WaitForMultipleObjects(3, threads.data(), TRUE, kLong), DWORD{WAIT_OBJECT_0});
     for (const HANDLE thread : threads) CloseHandle(thread);
-    CloseHandle(shared.work);
-    CloseHandle(shared.taken);
+    CloseHandle(shared.work), CloseHandle(shared.taken);
 }
 
 TEST(Memory, BlocksAreGivenClearedAndFreed) {
-    auto* block = static_cast<unsigned char*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, 100));
-    ASSERT_NE(block, nullptr);
-    EXPECT_EQ(block[99], 0);
-    EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, block));
-    block = static_cast<unsigned char*>(LocalAlloc(LPTR, 100));
-    ASSERT_NE(block, nullptr);
-    EXPECT_EQ(block[0], 0);
-    EXPECT_EQ(LocalFree(block), nullptr);
+    const auto cleared = [](void* block) { return block != nullptr && static_cast<unsigned char*>(block)[99] == 0; };
+    void* const heap = HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, 100);
+    void* const local = LocalAlloc(LPTR, 100);
+    EXPECT_TRUE(cleared(heap) && cleared(local));
+    EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, heap));
+    EXPECT_EQ(LocalFree(local), nullptr);
 }
 
 TEST(Fonts, KeepTheirDescription) {

@@ -35,6 +35,13 @@ protected:
         ReleaseDC(window, dc);
         return color;
     }
+    struct Spot {
+        int x, y;
+        COLORREF color;
+    };
+    static void ExpectPixels(HWND window, const std::vector<Spot>& spots) {
+        for (const Spot& spot : spots) EXPECT_EQ(Pixel(window, spot.x, spot.y), spot.color) << spot.x << "," << spot.y;
+    }
     static std::string Text(const RECT& r) {
         return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
                std::to_string(r.bottom);
@@ -54,8 +61,7 @@ TEST_F(WindowImageTest, PaintComesAfterPostedMessagesAndBeforeTimers) {
     Sleep(40);
     m_colors[top] = kRed;
     const RECT first{10, 20, 30, 40}, second{25, 30, 50, 60};
-    InvalidateRect(top, &first, FALSE);
-    InvalidateRect(top, &second, FALSE);
+    InvalidateRect(top, &first, FALSE), InvalidateRect(top, &second, FALSE);
     PostMessageA(top, WM_USER, 0, 0);
     RECT update;
     EXPECT_TRUE(GetUpdateRect(top, &update, FALSE));
@@ -67,13 +73,7 @@ TEST_F(WindowImageTest, PaintComesAfterPostedMessagesAndBeforeTimers) {
     told.resize(3);
     EXPECT_EQ(told, (Log{"top user", "top paint", "top timer"}));
     EXPECT_EQ(Text(m_painted[top]), "10,20,50,60");
-    struct Spot {
-        int x, y;
-        COLORREF color;
-    };
-    for (const Spot& spot :
-         {Spot{10, 20, kRed}, Spot{49, 59, kRed}, Spot{9, 20, kWhite}, Spot{45, 25, kWhite}, Spot{12, 50, kWhite}})
-        EXPECT_EQ(Pixel(top, spot.x, spot.y), spot.color) << spot.x << "," << spot.y;
+    ExpectPixels(top, {{10, 20, kRed}, {49, 59, kRed}, {9, 20, kWhite}, {45, 25, kWhite}, {12, 50, kWhite}});
     EXPECT_FALSE(GetUpdateRect(top, nullptr, FALSE));
     InvalidateRect(top, nullptr, TRUE);
     ValidateRect(top, nullptr);
@@ -89,9 +89,7 @@ TEST_F(WindowImageTest, ChildrenAndSiblingsClip) {
     EXPECT_EQ(Pixel(top, 5, 5), static_cast<COLORREF>(CLR_INVALID));  // hidden
     ShowWindow(top, SW_SHOW);
     UpdateWindow(top);
-    EXPECT_EQ(Pixel(top, 25, 25), kRed);
-    EXPECT_EQ(Pixel(top, 60, 60), kRed);  // a lies upon b
-    EXPECT_EQ(Pixel(top, 100, 80), kBlue);
+    ExpectPixels(top, {{25, 25, kRed}, {60, 60, kRed}, {100, 80, kBlue}});  // a lies upon b
     // What the window draws stays below its children, what b draws below a.
     HDC dc = GetDC(top);
     Fill(dc, {0, 0, 200, 100}, RGB(0, 255, 0));
@@ -99,18 +97,14 @@ TEST_F(WindowImageTest, ChildrenAndSiblingsClip) {
     dc = GetDC(b);
     Fill(dc, {-100, -100, 500, 500}, RGB(1, 2, 3));
     ReleaseDC(b, dc);
-    EXPECT_EQ(Pixel(top, 5, 5), RGB(0, 255, 0));
-    EXPECT_EQ(Pixel(top, 60, 60), kRed);
-    EXPECT_EQ(Pixel(top, 100, 80), RGB(1, 2, 3));
-    EXPECT_EQ(Pixel(top, 120, 80), RGB(0, 255, 0));
+    constexpr COLORREF kGreen = RGB(0, 255, 0);
+    ExpectPixels(top, {{5, 5, kGreen}, {60, 60, kRed}, {100, 80, RGB(1, 2, 3)}, {120, 80, kGreen}});
     SetWindowPos(b, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     UpdateWindow(top);
     EXPECT_EQ(Pixel(top, 60, 60), kBlue);
     MoveWindow(b, 90, 50, 70, 40, TRUE);
     UpdateWindow(top);
-    EXPECT_EQ(Pixel(top, 60, 60), kRed);
-    EXPECT_EQ(Pixel(top, 85, 85), kWhite);
-    EXPECT_EQ(Pixel(top, 95, 60), kBlue);
+    ExpectPixels(top, {{60, 60, kRed}, {85, 85, kWhite}, {95, 60, kBlue}});
     DestroyWindow(b);
     UpdateWindow(top);
     EXPECT_EQ(Pixel(top, 95, 60), kWhite);
@@ -156,15 +150,13 @@ TEST_F(WindowImageTest, UpdateRegionsKeepTheirShape) {
     Pump();
     m_colors[top] = kRed;
     const RECT first{10, 20, 30, 40}, second{50, 60, 70, 80}, part{50, 60, 70, 70};
-    InvalidateRect(top, &first, FALSE);
-    InvalidateRect(top, &second, FALSE);
+    InvalidateRect(top, &first, FALSE), InvalidateRect(top, &second, FALSE);
     const HRGN region = CreateRectRgn(0, 0, 500, 500);
     EXPECT_EQ(GetUpdateRgn(top, region, FALSE), COMPLEXREGION);
     EXPECT_TRUE(PtInRegion(region, 29, 39));
     EXPECT_TRUE(PtInRegion(region, 50, 60));
     EXPECT_FALSE(PtInRegion(region, 40, 50));  // between the two
-    ValidateRect(top, &first);
-    ValidateRect(top, &part);
+    ValidateRect(top, &first), ValidateRect(top, &part);
     EXPECT_EQ(GetUpdateRgn(top, region, FALSE), SIMPLEREGION);
     RECT box;
     GetRgnBox(region, &box);

@@ -3,53 +3,30 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "platform/win32.h"
+#include "tests/support/table.h"
 
 namespace window_test {
 
 using Log = std::vector<std::string>;
 
-struct Noted {
-    UINT message;
-    const char* name;
-};
-inline constexpr Noted kNoted[] = {{WM_CREATE, "create"},
-                                   {WM_DESTROY, "destroy"},
-                                   {WM_NCDESTROY, "gone"},
-                                   {WM_SIZE, "size"},
-                                   {WM_MOVE, "move"},
-                                   {WM_SHOWWINDOW, "show"},
-                                   {WM_ACTIVATE, "activate"},
-                                   {WM_SETFOCUS, "focus"},
-                                   {WM_KILLFOCUS, "unfocus"},
-                                   {WM_ENABLE, "enable"},
-                                   {WM_CANCELMODE, "cancel"},
-                                   {WM_CAPTURECHANGED, "capture"},
-                                   {WM_PARENTNOTIFY, "child"},
-                                   {WM_WINDOWPOSCHANGED, "placed"},
-                                   {WM_PAINT, "paint"},
-                                   {WM_ERASEBKGND, "erase"},
-                                   {WM_SETCURSOR, "cursor"},
-                                   {WM_MOUSEMOVE, "mouse"},
-                                   {WM_LBUTTONDOWN, "press"},
-                                   {WM_LBUTTONUP, "release"},
-                                   {WM_LBUTTONDBLCLK, "double"},
-                                   {WM_RBUTTONDOWN, "right"},
-                                   {WM_MOUSEWHEEL, "wheel"},
-                                   {WM_KEYDOWN, "key"},
-                                   {WM_KEYUP, "keyup"},
-                                   {WM_SYSKEYDOWN, "syskey"},
-                                   {WM_CHAR, "char"},
-                                   {WM_COMMAND, "command"},
-                                   {WM_INITMENUPOPUP, "menu"},
-                                   {WM_CONTEXTMENU, "context"},
-                                   {WM_TIMER, "timer"},
-                                   {WM_USER, "user"}};
+using Noted = std::pair<UINT, const char*>;
+inline const auto kNoted =
+    Table(Noted{WM_CREATE, "create"}, Noted{WM_DESTROY, "destroy"}, Noted{WM_NCDESTROY, "gone"}, Noted{WM_SIZE, "size"},
+          Noted{WM_MOVE, "move"}, Noted{WM_SHOWWINDOW, "show"}, Noted{WM_ACTIVATE, "activate"}, Noted{WM_SETFOCUS, "focus"},
+          Noted{WM_KILLFOCUS, "unfocus"}, Noted{WM_ENABLE, "enable"}, Noted{WM_CANCELMODE, "cancel"},
+          Noted{WM_CAPTURECHANGED, "capture"}, Noted{WM_PARENTNOTIFY, "child"}, Noted{WM_WINDOWPOSCHANGED, "placed"},
+          Noted{WM_PAINT, "paint"}, Noted{WM_ERASEBKGND, "erase"}, Noted{WM_SETCURSOR, "cursor"}, Noted{WM_MOUSEMOVE, "mouse"},
+          Noted{WM_LBUTTONDOWN, "press"}, Noted{WM_LBUTTONUP, "release"}, Noted{WM_LBUTTONDBLCLK, "double"},
+          Noted{WM_RBUTTONDOWN, "right"}, Noted{WM_MOUSEWHEEL, "wheel"}, Noted{WM_KEYDOWN, "key"}, Noted{WM_KEYUP, "keyup"},
+          Noted{WM_SYSKEYDOWN, "syskey"}, Noted{WM_CHAR, "char"}, Noted{WM_COMMAND, "command"}, Noted{WM_INITMENUPOPUP, "menu"},
+          Noted{WM_CONTEXTMENU, "context"}, Noted{WM_TIMER, "timer"}, Noted{WM_USER, "user"});
 
 class WindowLogTest : public testing::Test {
 protected:
@@ -70,9 +47,8 @@ protected:
         SetKeyboardState(keys);
     }
     void TearDown() override {
-        for (const auto& [window, name] : std::map<HWND, std::string>(m_names)) {
+        for (const auto& [window, name] : std::map<HWND, std::string>(m_names))
             if (IsWindow(window)) DestroyWindow(window);
-        }
         Pump();
         EXPECT_TRUE(UnregisterClassA(kClass, nullptr));
         Self() = nullptr;
@@ -122,51 +98,31 @@ private:
         const auto pair = [](LPARAM l) {
             return std::to_string(static_cast<short>(LOWORD(l))) + "," + std::to_string(static_cast<short>(HIWORD(l)));
         };
-        switch (message) {
-            case WM_SIZE:
-            case WM_MOVE:
-                return pair(lParam);
-            case WM_SHOWWINDOW:
-            case WM_ENABLE:
-                return std::to_string(wParam);
-            case WM_ACTIVATE:
-                return std::to_string(LOWORD(wParam)) + " " + NameOf(reinterpret_cast<HWND>(lParam));
-            case WM_SETFOCUS:
-            case WM_KILLFOCUS:
-                return NameOf(reinterpret_cast<HWND>(wParam));
-            case WM_CAPTURECHANGED:
-                return NameOf(reinterpret_cast<HWND>(lParam));
-            case WM_PARENTNOTIFY:
-                return std::to_string(LOWORD(wParam));
-            case WM_SETCURSOR:
-                return NameOf(reinterpret_cast<HWND>(wParam)) + " " + std::to_string(static_cast<short>(LOWORD(lParam)));
-            case WM_MOUSEMOVE:
-            case WM_LBUTTONDOWN:
-            case WM_LBUTTONUP:
-            case WM_LBUTTONDBLCLK:
-            case WM_RBUTTONDOWN:
-                return std::to_string(wParam) + " " + pair(lParam);
-            case WM_MOUSEWHEEL:
-                return std::to_string(static_cast<short>(HIWORD(wParam))) + " " + pair(lParam);
-            case WM_KEYDOWN:
-            case WM_KEYUP:
-            case WM_SYSKEYDOWN:
-            case WM_CHAR:
-                return std::to_string(wParam);
-            case WM_COMMAND:
-                return std::to_string(LOWORD(wParam)) + "," + std::to_string(HIWORD(wParam));
-            default:
-                return "";
-        }
+        const auto is = [message](std::initializer_list<UINT> these) {
+            return std::find(these.begin(), these.end(), message) != these.end();
+        };
+        const auto name = [this](auto window) { return NameOf(reinterpret_cast<HWND>(window)); };
+        if (is({WM_SIZE, WM_MOVE})) return pair(lParam);
+        if (is({WM_SHOWWINDOW, WM_ENABLE, WM_KEYDOWN, WM_KEYUP, WM_SYSKEYDOWN, WM_CHAR})) return std::to_string(wParam);
+        if (is({WM_ACTIVATE})) return std::to_string(LOWORD(wParam)) + " " + name(lParam);
+        if (is({WM_SETFOCUS, WM_KILLFOCUS})) return name(wParam);
+        if (is({WM_CAPTURECHANGED})) return name(lParam);
+        if (is({WM_PARENTNOTIFY})) return std::to_string(LOWORD(wParam));
+        if (is({WM_SETCURSOR})) return name(wParam) + " " + std::to_string(static_cast<short>(LOWORD(lParam)));
+        if (is({WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_RBUTTONDOWN}))
+            return std::to_string(wParam) + " " + pair(lParam);
+        if (is({WM_MOUSEWHEEL})) return std::to_string(static_cast<short>(HIWORD(wParam))) + " " + pair(lParam);
+        if (is({WM_COMMAND})) return std::to_string(LOWORD(wParam)) + "," + std::to_string(HIWORD(wParam));
+        return "";
     }
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         WindowLogTest* self = Self();
         if (self == nullptr) return DefWindowProcA(window, message, wParam, lParam);
         if (self->m_names.count(window) == 0) self->m_names[window] = self->m_making;
-        for (const Noted& noted : kNoted) {
-            if (noted.message != message) continue;
+        for (const auto& [number, name] : kNoted) {
+            if (number != message) continue;
             const std::string arguments = self->Arguments(message, wParam, lParam);
-            self->m_log.push_back(self->NameOf(window) + " " + noted.name + (arguments.empty() ? "" : " ") + arguments);
+            self->m_log.push_back(self->NameOf(window) + " " + name + (arguments.empty() ? "" : " ") + arguments);
         }
         LRESULT answer = 0;
         if (self->Answer(window, message, wParam, lParam, answer)) return answer;

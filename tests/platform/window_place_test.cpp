@@ -1,5 +1,6 @@
 // Where windows are, what they are told when that changes, and who has activation, focus and capture.
 #include "tests/platform/window_log.h"
+#include "tests/support/last_error.h"
 
 using namespace window_test;
 
@@ -38,12 +39,11 @@ TEST_F(WindowPlaceTest, TellsWindowsWhatHappensToThem) {
         RECT place;
         Log told;
     };
-    const Step steps[] = {{"moved", {20, 30, 120, 80}, {"kid placed", "kid move 20,30"}},
-                          {"sized", {20, 30, 140, 90}, {"kid placed", "kid size 120,60"}},
-                          {"both", {0, 0, 50, 40}, {"kid placed", "kid move 0,0", "kid size 50,40"}},
-                          {"neither", {0, 0, 50, 40}, {}},
-                          {"negative size", {-5, -6, -15, -7}, {"kid placed", "kid move -5,-6", "kid size 0,0"}}};
-    for (const Step& step : steps) {
+    for (const Step& step :
+         {Step{"moved", {20, 30, 120, 80}, {"kid placed", "kid move 20,30"}},
+          Step{"sized", {20, 30, 140, 90}, {"kid placed", "kid size 120,60"}},
+          Step{"both", {0, 0, 50, 40}, {"kid placed", "kid move 0,0", "kid size 50,40"}}, Step{"neither", {0, 0, 50, 40}, {}},
+          Step{"negative size", {-5, -6, -15, -7}, {"kid placed", "kid move -5,-6", "kid size 0,0"}}}) {
         const RECT& r = step.place;
         MoveWindow(kid, static_cast<int>(r.left), static_cast<int>(r.top), static_cast<int>(r.right - r.left),
                    static_cast<int>(r.bottom - r.top), TRUE);
@@ -189,8 +189,7 @@ TEST_F(WindowPlaceTest, AMenuGoesWithItsWindow) {
     EXPECT_EQ(GetMenu(top), first);
     EXPECT_FALSE(SetMenu(child, second));
     EXPECT_EQ(GetDlgCtrlID(child), 7);
-    EXPECT_FALSE(SetMenu(top, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(0x7FFF1))));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_MENU_HANDLE});
+    EXPECT_FAILS(SetMenu(top, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(0x7FFF1))), ERROR_INVALID_MENU_HANDLE);
     EXPECT_EQ(GetMenu(top), first);
     EXPECT_TRUE(SetMenu(top, second));
     EXPECT_TRUE(IsMenu(first));  // the caller's again

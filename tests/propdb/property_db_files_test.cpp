@@ -1,5 +1,7 @@
 #include "afx/archive.h"
 #include "tests/propdb/property_db_fixture.h"
+#include "tests/support/table.h"
+#include "tests/support/test_folder.h"
 
 #include <bit>
 #include <clocale>
@@ -11,14 +13,11 @@
 #include <iterator>
 #include <limits>
 #include <random>
+#include <tuple>
 
 namespace {
 namespace fs = std::filesystem;
 
-std::string BytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 void WriteBytes(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 bool LoadBytes(CPropertyDB& database, std::string bytes, bool xml) {
@@ -31,21 +30,9 @@ std::string StoredBytes(CPropertyDB& database, bool xml) {
     return {reinterpret_cast<const char*>(file.GetBufferPtr()), static_cast<size_t>(file.GetLength())};
 }
 
-class PropertyDbFiles : public testing::Test {
+class PropertyDbFiles : public testing::Test, protected TestFolder {
 protected:
     CPropertyDB db;
-    fs::path folder;
-
-    void SetUp() override {
-        folder = fs::temp_directory_path() / ("orvik_propdb_" + std::to_string(reinterpret_cast<uintptr_t>(this)) +
-                                              testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::create_directories(folder);
-    }
-    void TearDown() override { fs::remove_all(folder); }
-    std::string Path(const char* name) const { return (folder / name).string(); }
-    size_t FilesThere() const {
-        return static_cast<size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-    }
 
     // One of each kind, in two nodes.
     void Fill() {
@@ -57,16 +44,10 @@ protected:
         for (__int64 number : {std::numeric_limits<__int64>::min(), std::numeric_limits<__int64>::max()}) wide.Add(number);
         CInt32Array narrow;
         narrow.Add(-1);
-        db.SetValue("Units.3.sName", "m\xE4tv\xE4rde <&> 'x' \"y\"");
-        db.SetValue("Units.3.texts", texts);
-        db.SetValue("Units.3.nMode", 4000000000u);
-        db.SetValue("Units.word", static_cast<unsigned short>(65535));
-        db.SetValue("Units.fLeft", 0.1f);
-        db.SetValue("Units.reals", reals);
-        db.SetValue("wide", wide);
-        db.SetValue("narrow", narrow);
-        db.SetValue("font", LOGFONTA{});
-        db.SetValue("none", CWordArray());
+        db.SetValue("Units.3.sName", "m\xE4tv\xE4rde <&> 'x' \"y\""), db.SetValue("Units.3.texts", texts);
+        db.SetValue("Units.3.nMode", 4000000000u), db.SetValue("Units.word", static_cast<unsigned short>(65535));
+        db.SetValue("Units.fLeft", 0.1f), db.SetValue("Units.reals", reals), db.SetValue("wide", wide);
+        db.SetValue("narrow", narrow), db.SetValue("font", LOGFONTA{}), db.SetValue("none", CWordArray());
     }
 };
 constexpr const char kXml[] =
@@ -87,6 +68,9 @@ constexpr const char kXml[] =
     "</PROPERTYDB>\r\n";
 
 std::string Xml(const std::string& body) { return "<PROPERTYDB>" + body + "</PROPERTYDB>"; }
+std::string P(const char* name, const char* type, const char* size, const std::string& text) {
+    return std::string("<PROPERTY name=\"") + name + "\" type=\"" + type + "\" size=\"" + size + "\">" + text + "</PROPERTY>";
+}
 }  // namespace
 
 // ---- the forms
@@ -116,36 +100,11 @@ TEST_F(PropertyDbFiles, XmlBringsBackWhatItHolds) {
 }
 
 TEST_F(PropertyDbFiles, ArchiveBytes) {
-    db.SetValue("a", 1);
-    db.SetValue("n.b", "x");
-    db.SetValue("n.c", 2);
-    EXPECT_EQ(StoredBytes(db, false), std::string("\0\0"
-                                                  "\2\0"
-                                                  "\1a"
-                                                  "\xFF\xFF"
-                                                  "\0\0"
-                                                  "\x0B\0"
-                                                  "CDWordArray"
-                                                  "\1\0"
-                                                  "\1\0\0\0"
-                                                  "\1n"
-                                                  "\xFF\xFF"
-                                                  "\0\0"
-                                                  "\x0E\0"
-                                                  "CMapStringToOb"
-                                                  "\2\0"
-                                                  "\1b"
-                                                  "\xFF\xFF"
-                                                  "\0\0"
-                                                  "\x0C\0"
-                                                  "CStringArray"
-                                                  "\1\0"
-                                                  "\1x"
-                                                  "\1c"
-                                                  "\x01\x80"
-                                                  "\1\0"
-                                                  "\2\0\0\0",
-                                                  2 + 2 + 2 + 6 + 11 + 6 + 2 + 6 + 14 + 2 + 2 + 6 + 12 + 4 + 2 + 2 + 6));
+    db.SetValue("a", 1), db.SetValue("n.b", "x"), db.SetValue("n.c", 2);
+    using namespace std::string_literals;
+    EXPECT_EQ(StoredBytes(db, false), "\0\0\2\0\1a\xFF\xFF\0\0\x0B\0"s + "CDWordArray\1\0\1\0\0\0\1n\xFF\xFF\0\0\x0E\0"s +
+                                          "CMapStringToOb\2\0\1"s + "b\xFF\xFF\0\0\x0C\0"s + "CStringArray\1\0\1x\1"s +
+                                          "c\x01\x80\1\0\2\0\0\0"s);
 }
 
 TEST_F(PropertyDbFiles, ArchiveHoldsEverythingToTheLastBit) {
@@ -166,8 +125,7 @@ TEST_F(PropertyDbFiles, NodesAndValuesOfManyClassesInLargeArchives) {
 }
 
 TEST_F(PropertyDbFiles, SpecialNumbersSurviveXml) {
-    db.SetValue("inf", std::numeric_limits<double>::infinity());
-    db.SetValue("minus", -std::numeric_limits<float>::infinity());
+    db.SetValue("inf", std::numeric_limits<double>::infinity()), db.SetValue("minus", -std::numeric_limits<float>::infinity());
     db.SetValue("nan", std::nan(""));
     CPropertyDB read;
     ASSERT_TRUE(LoadBytes(read, StoredBytes(db, true), true));
@@ -191,9 +149,7 @@ TEST_F(PropertyDbFiles, ExactRealsComeBackFromXmlBitByBit) {
         if (std::isfinite(single)) floats.Add(single);
         if (std::isfinite(real)) doubles.Add(real);
     }
-    db.SetValue("d", doubles);
-    db.SetValue("f", floats);
-    db.SetExactReals(TRUE);
+    db.SetValue("d", doubles), db.SetValue("f", floats), db.SetExactReals(TRUE);
     CPropertyDB read;
     ASSERT_TRUE(LoadBytes(read, StoredBytes(db, true), true));
     CDoubleArray doublesBack;
@@ -207,9 +163,7 @@ TEST_F(PropertyDbFiles, ExactRealsComeBackFromXmlBitByBit) {
         ASSERT_EQ(std::bit_cast<uint32_t>(floatsBack[i]), std::bit_cast<uint32_t>(floats[i])) << floats[i];
 
     CPropertyDB shortest;
-    shortest.SetExactReals(TRUE);
-    shortest.SetValue("f", 0.1f);
-    shortest.SetValue("d", 1e100);
+    shortest.SetExactReals(TRUE), shortest.SetValue("f", 0.1f), shortest.SetValue("d", 1e100);
     const std::string text = StoredBytes(shortest, true);
     EXPECT_NE(text.find(">0.1<"), text.npos) << text;
     EXPECT_NE(text.find(">1E+100<"), text.npos) << text;
@@ -218,16 +172,11 @@ TEST_F(PropertyDbFiles, ExactRealsComeBackFromXmlBitByBit) {
 TEST_F(PropertyDbFiles, EmptyDatabases) {
     EXPECT_EQ(StoredBytes(db, true), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<PROPERTYDB/>\r\n");
     EXPECT_EQ(StoredBytes(db, false), std::string(4, '\0'));
-    CPropertyDB read;
-    EXPECT_TRUE(LoadBytes(read, StoredBytes(db, true), true));
-    EXPECT_TRUE(LoadBytes(read, StoredBytes(db, false), false));
-    EXPECT_TRUE(read.IsEmpty());
+    for (const bool xml : {true, false}) EXPECT_TRUE(LoadBytes(db, StoredBytes(db, xml), xml) && db.IsEmpty());
 }
 
 TEST_F(PropertyDbFiles, EntriesWithoutObjectStayOut) {
-    db.SetValue("a.v", 1);
-    db.Rename("a.m", "x");
-    db.Rename("m", "y");
+    db.SetValue("a.v", 1), db.Rename("a.m", "x"), db.Rename("m", "y");
     for (bool xml : {true, false}) {
         CPropertyDB read;
         ASSERT_TRUE(LoadBytes(read, StoredBytes(db, xml), xml));
@@ -239,61 +188,45 @@ TEST_F(PropertyDbFiles, EntriesWithoutObjectStayOut) {
 // ---- reading XML
 
 TEST_F(PropertyDbFiles, XmlReadingTable) {
-    const struct {
-        std::string body;
-        bool loads;
-        const char* contents;
-    } cases[] = {
-        {"<PROPERTY name=\"a\" type=\"str\" size=\"1\">a;b</PROPERTY>", true, "a = CStringArray [a] [b]\n"},
-        {"<PROPERTY name=\"a\" type=\"str\" size=\"3\">x</PROPERTY>", true, "a = CStringArray [x] [] []\n"},
-        {"<PROPERTY name=\"a\" type=\"str\" size=\"0\"></PROPERTY>", true, "a = CStringArray\n"},
-        {"<PROPERTY name=\"a\" type=\"str\" size=\"1\"> two words </PROPERTY>", true, "a = CStringArray [two words]\n"},
-        {"<PROPERTY name=\"a\" type=\"u16\" size=\"3\">65537;-1;x</PROPERTY>", true, "a = CWordArray 1 65535 0\n"},
-        {"<PROPERTY name=\"a\" type=\"u32\" size=\"2\"> 4294967295 ; +7;9</PROPERTY>", true, "a = CDWordArray 4294967295 7\n"},
-        {"<PROPERTY name=\"a\" type=\"r64\" size=\"2\">1E-05;1,5</PROPERTY>", true,
-         "a = CDoubleArray 0x1.4f8b588e368f1p-17 0x1p+0\n"},
-        {"<PROPERTY name=\"a\" type=\"i64\" size=\"1\">-5</PROPERTY>", true, "a = CInt64Array -5\n"},
-        {"<PROPERTY name=\"a\" type=\"u8\" size=\"1\">1</PROPERTY><PROPERTY name=\"b\" type=\"u16\" size=\"1\">1</PROPERTY>",
-         true, "b = CWordArray 1\n"},
-        {"<PROPERTY name=\"&quot;a.b&quot;\" type=\"u16\" size=\"1\">1</PROPERTY>", true, "\"a.b\" = CWordArray 1\n"},
-        {"<PATH name=\"p\"><PROPERTY name=\"a\" type=\"u16\" size=\"1\">1</PROPERTY></PATH>", true, "p.a = CWordArray 1\n"},
-        {"<PROPERTY name=\"a\" type=\"u16\" size=\"1\">1</PROPERTY><PROPERTY name=\"n.m.a\" type=\"u16\" size=\"1\">2</PROPERTY>"
-         "<PROPERTY name=\"n.m.b\" type=\"u16\" size=\"1\">3</PROPERTY><PROPERTY name=\"a.x\" type=\"u16\" "
-         "size=\"1\">4</PROPERTY>",
-         true, "a = CWordArray 1\nn.m.a = CWordArray 2\nn.m.b = CWordArray 3\n"},
-        {"<PATH name=\"p\"/><!c!><?m?>", true, ""},  // an empty node is not made again
-        {"<PROPERTYDB><PATH name=\"p\"/></PROPERTYDB>", false, ""},
-        {"<PROPERTY name=\"a\" type=\"u16\">1</PROPERTY>", false, ""},
-        {"<PROPERTY name=\"a\" size=\"1\">1</PROPERTY>", false, ""},
-        {"<PROPERTY type=\"u16\" size=\"1\">1</PROPERTY>", false, ""},
-        {"<OTHER name=\"a\" type=\"u16\" size=\"1\">1</OTHER>", false, ""},
-        {"<OTHER><x/></OTHER>", false, ""},
-        {"<PATH><PATH name=\"a\"/></PATH>", false, ""},
-        {"<PROPERTY name=\"a\" type=\"u16\" size=\"4000000000\">1</PROPERTY>", false, ""},
-        {"<PROPERTY name=\"a\" type=\"str\" size=\"18446744073709551617\">1</PROPERTY>", false, ""},
-        {"<PROPERTY name=\"a\" type=\"u16\" size=\"-1\">1</PROPERTY>", false, ""},
-        {"<PROPERTY name=\"a\" type=\"u16\" size=\"60\">1</PROPERTY><PROPERTY name=\"b\" type=\"u16\" "
-         "size=\"70\">1</PROPERTY>.......",
-         false, nullptr},
-        {"text", false, ""},
-        {"", false, ""},
-    };
-    for (const auto& c : cases) {
+    const std::string a1 = P("a", "u16", "1", "1");
+    using Row = std::pair<std::string, const char*>;
+    for (const auto& [body, contents] :
+         Table(Row{P("a", "str", "1", "a;b"), "a = CStringArray [a] [b]\n"},
+               Row{P("a", "str", "3", "x"), "a = CStringArray [x] [] []\n"}, Row{P("a", "str", "0", ""), "a = CStringArray\n"},
+               Row{P("a", "str", "1", " two words "), "a = CStringArray [two words]\n"},
+               Row{P("a", "u16", "3", "65537;-1;x"), "a = CWordArray 1 65535 0\n"},
+               Row{P("a", "u32", "2", " 4294967295 ; +7;9"), "a = CDWordArray 4294967295 7\n"},
+               Row{P("a", "r64", "2", "1E-05;1,5"), "a = CDoubleArray 0x1.4f8b588e368f1p-17 0x1p+0\n"},
+               Row{P("a", "i64", "1", "-5"), "a = CInt64Array -5\n"},
+               Row{P("a", "u8", "1", "1") + P("b", "u16", "1", "1"), "b = CWordArray 1\n"},
+               Row{P("&quot;a.b&quot;", "u16", "1", "1"), "\"a.b\" = CWordArray 1\n"},
+               Row{"<PATH name=\"p\">" + a1 + "</PATH>", "p.a = CWordArray 1\n"},
+               Row{a1 + P("n.m.a", "u16", "1", "2") + P("n.m.b", "u16", "1", "3") + P("a.x", "u16", "1", "4"),
+                   "a = CWordArray 1\nn.m.a = CWordArray 2\nn.m.b = CWordArray 3\n"},
+               Row{"<PATH name=\"p\"/><!c!><?m?>", ""})) {  // an empty node is not made again
         CPropertyDB read;
-        EXPECT_EQ(LoadBytes(read, Xml(c.body), true), c.loads) << c.body;
-        if (c.contents) {
-            EXPECT_EQ(Contents(read), c.contents) << c.body;
-        }
+        EXPECT_TRUE(LoadBytes(read, Xml(body), true)) << body;
+        EXPECT_EQ(Contents(read), contents) << body;
     }
+    for (const std::string& body :
+         Table(Xml("<PATH name=\"p\"/>"), std::string("<PROPERTY name=\"a\" type=\"u16\">1</PROPERTY>"),
+               std::string("<PROPERTY name=\"a\" size=\"1\">1</PROPERTY>"),
+               std::string("<PROPERTY type=\"u16\" size=\"1\">1</PROPERTY>"),
+               std::string("<OTHER name=\"a\" type=\"u16\" size=\"1\">1</OTHER>"), std::string("<OTHER><x/></OTHER>"),
+               std::string("<PATH><PATH name=\"a\"/></PATH>"), P("a", "u16", "4000000000", "1"),
+               P("a", "str", "18446744073709551617", "1"), P("a", "u16", "-1", "1"), std::string("text"), std::string())) {
+        CPropertyDB read;
+        EXPECT_FALSE(LoadBytes(read, Xml(body), true)) << body;
+        EXPECT_EQ(Contents(read), "") << body;
+    }
+    EXPECT_FALSE(LoadBytes(db, Xml(P("a", "u16", "60", "1") + P("b", "u16", "70", "1") + "......."), true));
 }
 
 TEST_F(PropertyDbFiles, LoadsAddToWhatIsThere) {
     for (bool xml : {true, false}) {
         CPropertyDB source, target;
-        source.SetValue("n.a", 1);
-        source.SetValue("b", 2);
-        target.SetValue("b", 1);
-        target.SetValue("c", 3);
+        source.SetValue("n.a", 1), source.SetValue("b", 2);
+        target.SetValue("b", 1), target.SetValue("c", 3);
         ASSERT_TRUE(LoadBytes(target, StoredBytes(source, xml), xml));
         EXPECT_EQ(Contents(target), "b = CDWordArray 2\nc = CDWordArray 3\nn.a = CDWordArray 1\n");
     }
@@ -328,7 +261,7 @@ TEST_F(PropertyDbFiles, DeepTreesAreRefusedBothWays) {
     EXPECT_FALSE(db.StoreToFile(&file, 1, 0));
     EXPECT_FALSE(db.StoreToFile(&file, 0, 0));
     EXPECT_FALSE(db.StoreToFile(Path("deep.odb").c_str(), 0) || db.StoreToFile(Path("deep.xml").c_str(), 0));
-    EXPECT_EQ(FilesThere(), 0u);
+    EXPECT_EQ(Count(), 0u);
 
     std::string nested = "<PROPERTYDB>", archive("\0\0\1\0", 4);
     archive += std::string("\0\xFF\xFF\0\0\x0E\0", 7) + "CMapStringToOb" + std::string("\1\0", 2);
@@ -382,26 +315,22 @@ TEST_F(PropertyDbFiles, ForeignArchivesAreRefused) {
         tag += static_cast<char>(std::strlen(name));
         return tag + '\0' + name;
     };
-    const struct {
-        const char* what;
-        std::string bytes;
-    } cases[] = {
-        {"unknown class", archive(classTag("CNothing"))},
-        {"class outside the nine", archive(classTag("CVXTTime") + std::string(8, '\0'))},
-        {"another outside the nine", archive(classTag("CMapStringToString") + std::string(2, '\0'))},
-        {"wrong schema", archive(classTag("CDWordArray", 7) + std::string("\0\0", 2))},
-        {"object met before", std::string("\0\0\2\0\1a", 6) + classTag("CDWordArray") + std::string("\0\0\1b\2\0", 6)},
-        {"class index never given", archive(std::string("\5\x80\0\0", 4))},
-        {"object taken for a class",
-         std::string("\0\0\2\0\1a", 6) + classTag("CDWordArray") + std::string("\0\0\1b\2\x80\0\0", 8)},
-        {"huge count", archive(classTag("CDWordArray") + std::string("\xFF\xFF\xFF\xFF\xFF\x7F", 6))},
-        {"huger count", archive(classTag("CStringArray") + "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F")},
-        {"huge root", std::string("\0\0\xFF\xFF\xFF\xFF\xFF\x7F", 8)},
-        {"huge text", archive(classTag("CStringArray") + std::string("\1\0\xFF\xFF\xFF\xFF\xFF\xFF\x7F", 9))},
-    };
-    for (const auto& c : cases) {
+    using Row = std::tuple<const char*, std::string>;
+    for (const auto& [what, bytes] :
+         {Row{"unknown class", archive(classTag("CNothing"))},
+          Row{"class outside the nine", archive(classTag("CVXTTime") + std::string(8, '\0'))},
+          Row{"another outside the nine", archive(classTag("CMapStringToString") + std::string(2, '\0'))},
+          Row{"wrong schema", archive(classTag("CDWordArray", 7) + std::string("\0\0", 2))},
+          Row{"object met before", std::string("\0\0\2\0\1a", 6) + classTag("CDWordArray") + std::string("\0\0\1b\2\0", 6)},
+          Row{"class index never given", archive(std::string("\5\x80\0\0", 4))},
+          Row{"object taken for a class",
+              std::string("\0\0\2\0\1a", 6) + classTag("CDWordArray") + std::string("\0\0\1b\2\x80\0\0", 8)},
+          Row{"huge count", archive(classTag("CDWordArray") + std::string("\xFF\xFF\xFF\xFF\xFF\x7F", 6))},
+          Row{"huger count", archive(classTag("CStringArray") + "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F")},
+          Row{"huge root", std::string("\0\0\xFF\xFF\xFF\xFF\xFF\x7F", 8)},
+          Row{"huge text", archive(classTag("CStringArray") + std::string("\1\0\xFF\xFF\xFF\xFF\xFF\xFF\x7F", 9))}}) {
         CPropertyDB read;
-        EXPECT_FALSE(LoadBytes(read, c.bytes, false)) << c.what;
+        EXPECT_FALSE(LoadBytes(read, bytes, false)) << what;
         EXPECT_TRUE(read.SetValue("new", 1));
     }
     // A null entry is left out.
@@ -418,42 +347,31 @@ TEST_F(PropertyDbFiles, SerializeRaisesOnDamage) {
     std::string bytes(3, '\0');
     CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), 3);
     CArchive archive(&file, CArchive::load);
-    try {
-        db.Serialize(archive);
-        ADD_FAILURE() << "no exception";
-    } catch (CArchiveException* failure) {
-        EXPECT_EQ(failure->m_cause, CArchiveException::endOfFile);
-        failure->Delete();
-    }
+    EXPECT_EQ(CauseOf<CArchiveException>([&] { db.Serialize(archive); }), CArchiveException::endOfFile);
 }
 
 // ---- files by name
 
 TEST_F(PropertyDbFiles, TheNameChoosesTheForm) {
     db.SetValue("a", 1);
-    for (const char* name : {"a.xml", "b.XML", ".xMl"}) {
+    using Row = std::pair<const char*, char>;
+    for (const auto& [name, first] :
+         {Row{"a.xml", '<'}, Row{"b.XML", '<'}, Row{".xMl", '<'}, Row{"a.odb", '\0'}, Row{"xml", '\0'}, Row{"a.xml2", '\0'}}) {
         ASSERT_TRUE(db.StoreToFile(Path(name).c_str(), 0)) << name;
-        EXPECT_EQ(BytesOf(Path(name)).substr(0, 5), "<?xml") << name;
+        EXPECT_EQ(BytesOf(Path(name))[0], first) << name;
         CPropertyDB read;
         EXPECT_TRUE(read.LoadFromFile(Path(name).c_str())) << name;
         EXPECT_EQ(Contents(read), Contents(db));
     }
-    for (const char* name : {"a.odb", "xml", "a.xml2"}) {
-        ASSERT_TRUE(db.StoreToFile(Path(name).c_str(), 0)) << name;
-        EXPECT_EQ(BytesOf(Path(name))[0], '\0') << name;
-        CPropertyDB read;
-        EXPECT_TRUE(read.LoadFromFile(Path(name).c_str())) << name;
-    }
-    EXPECT_EQ(FilesThere(), 6u);  // nothing else is left
+    EXPECT_EQ(Count(), 6u);  // nothing else is left
 }
 
 TEST_F(PropertyDbFiles, PathAndFlagsFollowSuccess) {
     db.SetValue("a", 1);
     EXPECT_EQ(db.GetLoadFilePath(), "");
     EXPECT_EQ(db.GetFileName(1), "");
-    EXPECT_FALSE(db.StoreToFile(Path("no/such/folder.odb").c_str(), 0));
-    EXPECT_FALSE(db.StoreToFile(folder.string().c_str(), 0));
-    EXPECT_FALSE(db.StoreToFile("", 0));
+    for (const std::string& bad : {Path("no/such/folder.odb"), Folder().string(), std::string()})
+        EXPECT_FALSE(db.StoreToFile(bad.c_str(), 0)) << bad;
     EXPECT_FALSE(db.StoreToFile(static_cast<const char*>(nullptr), 0));
     EXPECT_TRUE(db.IsModified());
     EXPECT_EQ(db.GetLoadFilePath(), "");
@@ -464,9 +382,8 @@ TEST_F(PropertyDbFiles, PathAndFlagsFollowSuccess) {
     EXPECT_EQ(db.GetFileName(0), "my.data");
 
     CPropertyDB read;
-    EXPECT_FALSE(read.LoadFromFile(Path("missing.xml").c_str()));
-    EXPECT_FALSE(read.LoadFromFile(folder.string().c_str()));
-    EXPECT_FALSE(read.LoadFromFile(""));
+    for (const std::string& bad : {Path("missing.xml"), Folder().string(), std::string()})
+        EXPECT_FALSE(read.LoadFromFile(bad.c_str()));
     EXPECT_EQ(read.GetLoadFilePath(), "");
     EXPECT_TRUE(read.LoadFromFile(Path("my.data.xml").c_str()));
     EXPECT_EQ(read.GetFileName(0), "my.data");
@@ -495,7 +412,7 @@ TEST_F(PropertyDbFiles, FilesThatCannotBeReplacedStay) {
     db.SetValue("a", 1);
     EXPECT_FALSE(db.StoreToFile(path.c_str(), 0));
     EXPECT_EQ(BytesOf(path), "old");
-    EXPECT_EQ(FilesThere(), 1u);
+    EXPECT_EQ(Count(), 1u);
     fs::permissions(path, fs::perms::owner_write, fs::perm_options::add);
     EXPECT_TRUE(db.StoreToFile(path.c_str(), 0));
 }

@@ -3,6 +3,7 @@
 
 #include "afx/exception.h"
 #include "propdb/property_db.h"
+#include "tests/support/raises.h"
 
 #include <gtest/gtest.h>
 
@@ -62,13 +63,4 @@ inline std::string Contents(const CPropertyDB& database) {
     return all;
 }
 
-template <class Call>
-bool RaisesInvalidArgument(Call call) {
-    try {
-        call();
-    } catch (CInvalidArgException* failure) {
-        failure->Delete();
-        return true;
-    }
-    return false;
-}
+inline bool RaisesInvalidArgument(const std::function<void()>& call) { return Raises<CInvalidArgException>(call); }

@@ -41,9 +41,7 @@ TEST_F(RefPropertyDB, IsOneDatabaseOnEveryPath) {
 }
 
 TEST_F(RefPropertyDB, ACopyInheritsTheCountAsItStands) {
-    db->SetValue("a.b", 1);
-    db->AddRef();
-    db->AddRef();
+    db->SetValue("a.b", 1), db->AddRef(), db->AddRef();
     auto* const copy = new SharedDB(*db, copyAlive);
     EXPECT_EQ(Contents(*copy), "a.b = CDWordArray 1\n");
     db->SetValue("a.b", 2);
@@ -55,8 +53,7 @@ TEST_F(RefPropertyDB, ACopyInheritsTheCountAsItStands) {
 }
 
 TEST_F(RefPropertyDB, AssignmentReplacesTheTreeAndKeepsTheCount) {
-    db->SetValue("new", 1);
-    db->AddRef();
+    db->SetValue("new", 1), db->AddRef();
     SharedDB target(copyAlive);
     target.SetValue("old", 2);
     for (int i = 0; i < 4; ++i) target.AddRef();

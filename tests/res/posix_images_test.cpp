@@ -1,6 +1,7 @@
 // The decoder of cursor and icon files on the home whose system has none.
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "platform/posix/resources/images_internal.h"
@@ -45,14 +46,11 @@ TEST(IconFiles, EveryCutIsRefusedOrDecodedWithinBounds) {
 TEST(IconFiles, DamagedHeadersAreRefused) {
     const auto good = Small(32, std::vector<unsigned char>(16 + 8));
     EXPECT_TRUE(DecodeIconBitmap(good));
-    const struct {
-        size_t at;
-        unsigned char value;
-    } damage[] = {{0, 12}, {4, 0}, {6, 1}, {8, 3}, {11, 0x80}, {14, 16}, {16, 1}};
-    for (const auto& d : damage) {
+    using Row = std::tuple<size_t, unsigned char>;
+    for (const auto& [at, value] : {Row{0, 12}, Row{4, 0}, Row{6, 1}, Row{8, 3}, Row{11, 0x80}, Row{14, 16}, Row{16, 1}}) {
         auto bad = good;
-        bad[d.at] = d.value;
-        EXPECT_FALSE(DecodeIconBitmap(bad)) << d.at;
+        bad[at] = value;
+        EXPECT_FALSE(DecodeIconBitmap(bad)) << at;
     }
     auto far = File(152);
     far[18] = 0xFF, far[19] = 0xFF;  // the entry's place in the file

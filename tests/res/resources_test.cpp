@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/win32.h"
@@ -29,21 +30,17 @@ std::vector<unsigned char> Bytes(HRSRC resource) {
 }  // namespace
 
 TEST(Texts, BothLanguages) {
-    const struct {
-        UINT id;
-        const char *english, *swedish;
-    } cases[] = {
-        {823, "Source and target directories\nare the same.", "K\xE4lla och m\xE5lmapp\n\xE4r samma."},
-        {833, "Hardware access denied", "\xC5tkomst till h\xE5rdvara nekad"},
-        {844, "%s Properties ", "Egenskaper f\xF6r %s"},
-    };
-    for (const auto& c : cases) {
+    using Row = std::tuple<UINT, const char*, const char*>;
+    for (const auto& [id, english, swedish] :
+         {Row{823, "Source and target directories\nare the same.", "K\xE4lla och m\xE5lmapp\n\xE4r samma."},
+          Row{833, "Hardware access denied", "\xC5tkomst till h\xE5rdvara nekad"},
+          Row{844, "%s Properties ", "Egenskaper f\xF6r %s"}}) {
         {
             const TextLanguage language(LANG_ENGLISH);
-            EXPECT_EQ(Text(c.id), c.english) << c.id;
+            EXPECT_EQ(Text(id), english) << id;
         }
         const TextLanguage language(LANG_SWEDISH);
-        EXPECT_EQ(Text(c.id), c.swedish) << c.id;
+        EXPECT_EQ(Text(id), swedish) << id;
     }
     const TextLanguage french(0x0C);
     EXPECT_EQ(Text(828), "No error");  // neither language: English
@@ -88,21 +85,19 @@ TEST(Texts, BlocksByLanguage) {
 }
 
 TEST(Images, CursorsHaveTheirHotSpots) {
-    const struct {
-        UINT id;
-        DWORD x, y;
-    } cases[] = {{143, 13, 13}, {145, 15, 15}, {146, 15, 15}, {147, 15, 15}, {148, 15, 15}, {149, 13, 13},
-                 {150, 13, 13}, {151, 2, 2},   {152, 15, 15}, {153, 15, 15}, {154, 15, 15}, {155, 15, 15},
-                 {156, 15, 15}, {157, 15, 15}, {158, 2, 2},   {160, 15, 15}, {162, 15, 15}, {165, 15, 15}};
-    for (const auto& c : cases) {
-        EXPECT_TRUE(FindResourceA(Module(), MAKEINTRESOURCEA(c.id), RT_GROUP_CURSOR)) << c.id;
-        const HCURSOR cursor = LoadCursorW(Module(), MAKEINTRESOURCEW(c.id));
-        ASSERT_TRUE(cursor) << c.id;
+    using Row = std::tuple<UINT, DWORD, DWORD>;
+    for (const auto& [id, x, y] :
+         {Row{143, 13, 13}, Row{145, 15, 15}, Row{146, 15, 15}, Row{147, 15, 15}, Row{148, 15, 15}, Row{149, 13, 13},
+          Row{150, 13, 13}, Row{151, 2, 2}, Row{152, 15, 15}, Row{153, 15, 15}, Row{154, 15, 15}, Row{155, 15, 15},
+          Row{156, 15, 15}, Row{157, 15, 15}, Row{158, 2, 2}, Row{160, 15, 15}, Row{162, 15, 15}, Row{165, 15, 15}}) {
+        EXPECT_TRUE(FindResourceA(Module(), MAKEINTRESOURCEA(id), RT_GROUP_CURSOR)) << id;
+        const HCURSOR cursor = LoadCursorW(Module(), MAKEINTRESOURCEW(id));
+        ASSERT_TRUE(cursor) << id;
         ICONINFO info{};
-        ASSERT_TRUE(GetIconInfo(cursor, &info)) << c.id;
+        ASSERT_TRUE(GetIconInfo(cursor, &info)) << id;
         EXPECT_FALSE(info.fIcon);
-        EXPECT_EQ(info.xHotspot, c.x) << c.id;
-        EXPECT_EQ(info.yHotspot, c.y) << c.id;
+        EXPECT_EQ(info.xHotspot, x) << id;
+        EXPECT_EQ(info.yHotspot, y) << id;
     }
     EXPECT_FALSE(LoadCursorW(Module(), MAKEINTRESOURCEW(167)));  // an icon's id
     EXPECT_FALSE(LoadCursorA(Module(), MAKEINTRESOURCEA(144)));

@@ -17,11 +17,11 @@
 // An application that keeps what its user would have been told.
 class TellingApp : public CWinApp {
 public:
-    TellingApp() : CWinApp("Dialog test") {}
+    explicit TellingApp(LPCSTR name = "Dialog test", int answer = IDOK) : CWinApp(name), m_answer(answer) {}
     int DoMessageBox(LPCSTR prompt, UINT type, UINT) override {
         told.emplace_back(prompt);
         types.push_back(type);
-        return IDOK;
+        return m_answer;
     }
     // The one message since the last call; empty, with a failure, if it was none or several.
     std::string Told() {
@@ -32,6 +32,9 @@ public:
     }
     std::vector<std::string> told;
     std::vector<UINT> types;
+
+private:
+    int m_answer;
 };
 
 // Handles what waits.

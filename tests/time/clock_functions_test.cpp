@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <tuple>
 
 #include "platform/win32.h"
 
@@ -20,15 +21,12 @@ FILETIME FileTime(long long units) {
 }  // namespace
 
 TEST(ClockFunctions, LimitsOfTheRunTime) {
-    const struct {
-        int year, month, day;
-        bool good;
-    } cases[] = {{1969, 12, 30, false}, {1970, 1, 3, true}, {3000, 12, 30, true}, {3001, 1, 3, false}, {30'000, 1, 1, false}};
-    for (const auto& c : cases) {
+    using Row = std::tuple<int, int, int, bool>;
+    for (const auto& [year, month, day, good] : {Row{1969, 12, 30, false}, Row{1970, 1, 3, true}, Row{3000, 12, 30, true},
+                                                 Row{3001, 1, 3, false}, Row{30'000, 1, 1, false}}) {
         tm fields{};
-        fields.tm_year = c.year - 1900, fields.tm_mon = c.month - 1, fields.tm_mday = c.day, fields.tm_hour = 12,
-        fields.tm_isdst = -1;
-        EXPECT_EQ(_mktime64(&fields) != -1, c.good) << c.year;
+        fields.tm_year = year - 1900, fields.tm_mon = month - 1, fields.tm_mday = day, fields.tm_hour = 12, fields.tm_isdst = -1;
+        EXPECT_EQ(_mktime64(&fields) != -1, good) << year;
     }
     tm fields{};
     __time64_t time = -1;
@@ -45,40 +43,33 @@ TEST(ClockFunctions, FieldsAreNormalised) {
     fields.tm_year = 124, fields.tm_mon = 13, fields.tm_mday = 30, fields.tm_hour = 12, fields.tm_isdst = -1;  // 30 February 2025
     const __time64_t time = _mktime64(&fields);
     ASSERT_NE(time, -1);
-    EXPECT_EQ(fields.tm_year, 125);
-    EXPECT_EQ(fields.tm_mon, 2);
-    EXPECT_EQ(fields.tm_mday, 2);
-    EXPECT_EQ(fields.tm_wday, 0);
+    EXPECT_EQ(std::tie(fields.tm_year, fields.tm_mon, fields.tm_mday, fields.tm_wday), std::tuple(125, 2, 2, 0));
     tm back{};
     EXPECT_EQ(_localtime64_s(&back, &time), 0);
-    EXPECT_EQ(back.tm_mday, 2);
-    EXPECT_EQ(back.tm_hour, 12);
+    EXPECT_EQ(std::tie(back.tm_mday, back.tm_hour), std::tuple(2, 12));
 }
 
 TEST(FileTimes, KnownDates) {
-    const struct {
-        SYSTEMTIME system;
-        long long units;
-    } cases[] = {{{1601, 1, 1, 1, 0, 0, 0, 0}, 0},
-                 {{1970, 1, 4, 1, 0, 0, 0, 0}, 116'444'736'000'000'000},
-                 {{2000, 2, 2, 29, 23, 59, 59, 999}, 125'963'423'999'990'000},
-                 {{2024, 5, 2, 7, 15, 4, 5, 678}, 133'595'678'456'780'000},
-                 {{30'827, 12, 5, 31, 23, 59, 59, 999}, 9'223'149'887'999'990'000}};
-    for (const auto& c : cases) {
+    using Row = std::tuple<SYSTEMTIME, long long>;
+    for (const auto& [system, units] :
+         {Row{{1601, 1, 1, 1, 0, 0, 0, 0}, 0}, Row{{1970, 1, 4, 1, 0, 0, 0, 0}, 116'444'736'000'000'000},
+          Row{{2000, 2, 2, 29, 23, 59, 59, 999}, 125'963'423'999'990'000},
+          Row{{2024, 5, 2, 7, 15, 4, 5, 678}, 133'595'678'456'780'000},
+          Row{{30'827, 12, 5, 31, 23, 59, 59, 999}, 9'223'149'887'999'990'000}}) {
         FILETIME file{};
-        ASSERT_TRUE(SystemTimeToFileTime(&c.system, &file));
-        EXPECT_EQ(Units(file), c.units) << c.system.wYear;
+        ASSERT_TRUE(SystemTimeToFileTime(&system, &file));
+        EXPECT_EQ(Units(file), units) << system.wYear;
         SYSTEMTIME back{};
         ASSERT_TRUE(FileTimeToSystemTime(&file, &back));
-        EXPECT_EQ(std::memcmp(&back, &c.system, sizeof back), 0) << c.system.wYear;
+        EXPECT_EQ(std::memcmp(&back, &system, sizeof back), 0) << system.wYear;
     }
 }
 
 TEST(FileTimes, ImpossibleDatesAreRefused) {
-    const SYSTEMTIME cases[] = {{1600, 12, 0, 31, 0, 0, 0, 0}, {2024, 0, 0, 1, 0, 0, 0, 0},    {2024, 13, 0, 1, 0, 0, 0, 0},
-                                {2024, 4, 0, 31, 0, 0, 0, 0},  {2024, 1, 0, 0, 0, 0, 0, 0},    {2024, 1, 0, 1, 24, 0, 0, 0},
-                                {2024, 1, 0, 1, 0, 60, 0, 0},  {2024, 1, 0, 1, 0, 0, 0, 1'000}};
-    for (const SYSTEMTIME& system : cases) {
+    for (const SYSTEMTIME& system :
+         {SYSTEMTIME{1600, 12, 0, 31, 0, 0, 0, 0}, SYSTEMTIME{2024, 0, 0, 1, 0, 0, 0, 0}, SYSTEMTIME{2024, 13, 0, 1, 0, 0, 0, 0},
+          SYSTEMTIME{2024, 4, 0, 31, 0, 0, 0, 0}, SYSTEMTIME{2024, 1, 0, 0, 0, 0, 0, 0}, SYSTEMTIME{2024, 1, 0, 1, 24, 0, 0, 0},
+          SYSTEMTIME{2024, 1, 0, 1, 0, 60, 0, 0}, SYSTEMTIME{2024, 1, 0, 1, 0, 0, 0, 1'000}}) {
         FILETIME file = FileTime(7);
         EXPECT_FALSE(SystemTimeToFileTime(&system, &file)) << system.wYear << '-' << system.wMonth << '-' << system.wDay;
     }

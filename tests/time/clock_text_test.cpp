@@ -1,5 +1,8 @@
 #include "time/clock_text.h"
 
+#include <tuple>
+
+#include "tests/support/table.h"
 #include "tests/time/regional_fixture.h"
 #include "time/local_nls_tools.h"
 
@@ -26,84 +29,46 @@ protected:
     ClockText() {
         m_text.Enter(kRegions[1]);  // American
     }
-    void Designators(const char* morning, const char* afternoon) {
-        m_text.Set(LOCALE_S1159, morning), m_text.Set(LOCALE_S2359, afternoon);
-    }
     RegionalText m_text;
 };
 
 }  // namespace
 
 TEST_F(ClockText, Reads) {
-    const struct {
-        const char* text;
-        int time;
-    } cases[] = {{"12:30", -1},
-                 {"12:30:", At(12, 30, 0)},
-                 {"  7:05:09.5  ", At(7, 5, 9, 500)},
-                 {"7:05:09,25", At(7, 5, 9, 250)},
-                 {"7:05:09.123", At(7, 5, 9, 123)},
-                 {"7:05:09.1234", -1},
-                 {"7:05:09.", At(7, 5, 9)},
-                 {"1:2:3:4", -1},
-                 {"::", 0},
-                 {":5:", At(0, 5, 0)},
-                 {"123:00:00", -1},
-                 {"1:123:00", -1},
-                 {"1:00:123", -1},
-                 {"24:00:00", -1},
-                 {"23:59:59", At(23, 59, 59)},
-                 {"1:60:00", -1},
-                 {"1:00:60", -1},
-                 {"1.00.00", -1},
-                 {"12:00:00 AM", 0},
-                 {"12:00:00AM", 0},
-                 {"1:00:00 PM", At(13, 0, 0)},
-                 {"12:00:00 PM  ", At(12, 0, 0)},
-                 {"0:00:00 PM", At(12, 0, 0)},
-                 {"13:00:00 PM", -1},
-                 {"13:00:00 AM", -1},
-                 {"1:00:00 pm", -1},
-                 {"1:00:00 PMx", -1},
-                 {"1:00:00 P", -1},
-                 {"1:00:00.5 PM", At(13, 0, 0, 500)},
-                 {"1:00:00 PM.5", -1},
-                 {"", -1},
-                 {nullptr, -1},
-                 {"x", -1}};
-    for (const auto& c : cases) EXPECT_EQ(Read(c.text), c.time) << c.text;
+    using Row = std::tuple<const char*, int>;
+    for (const auto& [text, time] : Table(
+             Row{"12:30", -1}, Row{"12:30:", At(12, 30, 0)}, Row{"  7:05:09.5  ", At(7, 5, 9, 500)},
+             Row{"7:05:09,25", At(7, 5, 9, 250)}, Row{"7:05:09.123", At(7, 5, 9, 123)}, Row{"7:05:09.1234", -1},
+             Row{"7:05:09.", At(7, 5, 9)}, Row{"1:2:3:4", -1}, Row{"::", 0}, Row{":5:", At(0, 5, 0)}, Row{"123:00:00", -1},
+             Row{"1:123:00", -1}, Row{"1:00:123", -1}, Row{"24:00:00", -1}, Row{"23:59:59", At(23, 59, 59)}, Row{"1:60:00", -1},
+             Row{"1:00:60", -1}, Row{"1.00.00", -1}, Row{"12:00:00 AM", 0}, Row{"12:00:00AM", 0}, Row{"1:00:00 PM", At(13, 0, 0)},
+             Row{"12:00:00 PM  ", At(12, 0, 0)}, Row{"0:00:00 PM", At(12, 0, 0)}, Row{"13:00:00 PM", -1}, Row{"13:00:00 AM", -1},
+             Row{"1:00:00 pm", -1}, Row{"1:00:00 PMx", -1}, Row{"1:00:00 P", -1}, Row{"1:00:00.5 PM", At(13, 0, 0, 500)},
+             Row{"1:00:00 PM.5", -1}, Row{"", -1}, Row{nullptr, -1}, Row{"x", -1}))
+        EXPECT_EQ(Read(text), time) << text;
     CVXTTime time = kBefore;
     EXPECT_EQ(CLocalNlsTools().GetTime("12:30:05.25", time), 1);
     EXPECT_EQ(time.GetBinaryTime(), CVXTTime(2001, 2, 3, 12, 30, 5, -1).GetBinaryTime() + 250'000);
 }
 
 TEST_F(ClockText, MovesOnByTheOtherDesignator) {
-    Designators("A", "PMX");
-    EXPECT_EQ(Read("1:00:00 PMX"), -1);           // one character on: "MX" is left
-    EXPECT_EQ(Read("1:00:00 A"), At(1, 0, 0));    // beyond the end is the end
-    EXPECT_EQ(Read("1:00:00 Axy"), At(1, 0, 0));  // three on
-    EXPECT_EQ(Read("1:00:00 Axyz"), -1);
-    Designators("AMX", "P");
-    EXPECT_EQ(Read("1:00:00 Pxy"), At(13, 0, 0));
-    EXPECT_EQ(Read("1:00:00 P"), At(13, 0, 0));
-    EXPECT_EQ(Read("1:00:00 AMX"), -1);
-    Designators("AM", "AMPM");  // the afternoon is tried first
-    EXPECT_EQ(Read("1:00:00 AMxx"), At(1, 0, 0));
-    EXPECT_EQ(Read("1:00:00 AMPM"), -1);
-}
-
-TEST_F(ClockText, EmptyDesignatorsMatchWhateverFollows) {
-    Designators("AM", "");
-    EXPECT_EQ(Read("1:00:00 xy"), At(13, 0, 0));
-    EXPECT_EQ(Read("1:00:00 AM"), At(13, 0, 0));
-    EXPECT_EQ(Read("1:00:00 xyz"), -1);
-    EXPECT_EQ(Read("13:00:00 xy"), -1);
-    EXPECT_EQ(Read("1:00:00"), At(1, 0, 0));
-    Designators("", "PM");
-    EXPECT_EQ(Read("1:00:00 PM"), -1);  // moves on by none
-    EXPECT_EQ(Read("12:00:00 xy"), 0);
-    Designators("", "");
-    EXPECT_EQ(Read("1:00:00 x"), -1);
+    using Row = std::tuple<const char*, const char*, const char*, int>;
+    for (const auto& [morning, afternoon, text, time] :
+         {Row{"A", "PMX", "1:00:00 PMX", -1},           // one character on: "MX" is left
+          Row{"A", "PMX", "1:00:00 A", At(1, 0, 0)},    // beyond the end is the end
+          Row{"A", "PMX", "1:00:00 Axy", At(1, 0, 0)},  // three on
+          Row{"A", "PMX", "1:00:00 Axyz", -1}, Row{"AMX", "P", "1:00:00 Pxy", At(13, 0, 0)},
+          Row{"AMX", "P", "1:00:00 P", At(13, 0, 0)}, Row{"AMX", "P", "1:00:00 AMX", -1},
+          Row{"AM", "AMPM", "1:00:00 AMxx", At(1, 0, 0)},  // the afternoon is tried first
+          Row{"AM", "AMPM", "1:00:00 AMPM", -1},
+          // empty ones match whatever follows
+          Row{"AM", "", "1:00:00 xy", At(13, 0, 0)}, Row{"AM", "", "1:00:00 AM", At(13, 0, 0)}, Row{"AM", "", "1:00:00 xyz", -1},
+          Row{"AM", "", "13:00:00 xy", -1}, Row{"AM", "", "1:00:00", At(1, 0, 0)},
+          Row{"", "PM", "1:00:00 PM", -1},  // moves on by none
+          Row{"", "PM", "12:00:00 xy", 0}, Row{"", "", "1:00:00 x", -1}}) {
+        m_text.Set(LOCALE_S1159, morning), m_text.Set(LOCALE_S2359, afternoon);
+        EXPECT_EQ(Read(text), time) << text;
+    }
 }
 
 TEST_F(ClockText, EmptyTimeSeparatorMatchesNothing) {
@@ -113,21 +78,16 @@ TEST_F(ClockText, EmptyTimeSeparatorMatchesNothing) {
 }
 
 TEST_F(ClockText, Writes) {
-    const struct {
-        const char *picture, *decimal;
-        int milliseconds;
-        const char* text;
-    } cases[] = {{"HH:mm:ss", ",", 1, "09:05:07,045"},
-                 {"HH:mm:ss", ",", 0, "09:05:07"},
-                 {"h:mm:ss tt", ".", 1, "9:05:07 AM.045"},
-                 {"H.mm.ss", "::", 1, "9.05.07::045"},  // the whole separator
-                 {"'kl' H.m.s", "", 1, "kl 9.5.7045"}};
     CVXTTime time(2020, 2, 1, 9, 5, 7, -1);
     time.SetBinaryTime(time.GetBinaryTime() + 45'999);
-    for (const auto& c : cases) {
-        m_text.Set(LOCALE_STIMEFORMAT, c.picture), m_text.Set(LOCALE_SDECIMAL, c.decimal);
+    using Row = std::tuple<const char*, const char*, int, const char*>;
+    for (const auto& [picture, decimal, milliseconds, expected] :
+         {Row{"HH:mm:ss", ",", 1, "09:05:07,045"}, Row{"HH:mm:ss", ",", 0, "09:05:07"},
+          Row{"h:mm:ss tt", ".", 1, "9:05:07 AM.045"}, Row{"H.mm.ss", "::", 1, "9.05.07::045"},  // the whole separator
+          Row{"'kl' H.m.s", "", 1, "kl 9.5.7045"}}) {
+        m_text.Set(LOCALE_STIMEFORMAT, picture), m_text.Set(LOCALE_SDECIMAL, decimal);
         CString text("before");
-        EXPECT_EQ(_NlsSetTime(text, time, c.milliseconds), 1);
-        EXPECT_STREQ(text, c.text);
+        EXPECT_EQ(_NlsSetTime(text, time, milliseconds), 1);
+        EXPECT_STREQ(text, expected);
     }
 }

@@ -1,5 +1,6 @@
 #include "time/date_text.h"
 
+#include "tests/support/table.h"
 #include "tests/time/regional_fixture.h"
 #include "time/clock_text.h"
 #include "time/local_nls_tools.h"
@@ -18,54 +19,35 @@ CVXTTime Noon(int year, int month, int day) { return CVXTTime(year, month, day, 
 }  // namespace
 
 TEST_F(DateText, ReadsByPictures) {
-    const struct {
+    struct Row {
         const char *picture, *text;
         int year, month, day;  // year 0 for failure
-    } cases[] = {
-        {"d.M.yyyy", "1.2.2020", 2020, 2, 1},
-        {"d.M.yyyy", "001.0002.2020", 2020, 2, 1},  // any number of digits
-        {"d.M.yyyy", "1.2.2020 and more", 2020, 2, 1},
-        {"d.M.yyyy", "1.2", 0, 0, 0},
-        {"d.M.yyyy", "1.2.", 0, 0, 0},  // four digits need one
-        {"d.M.yyyy", "1.2.1899", 0, 0, 0},
-        {"d.M.yyyy", "1.2.2042", 0, 0, 0},
-        {"d.M.yyyy", "1.2.2041", 2041, 2, 1},
-        {"d.M.yyyy", "31.4.2020", 2020, 5, 1},
-        {"d.M.yyyy", "0.3.2020", 2020, 2, 29},
-        {"d.M.yyyy", "5.0.2020", 2019, 12, 5},
-        {"d.M.yyyy", ".3.2020", 2020, 2, 29},
-        {"d.M.yyyy", "1.2.99999999999", 0, 0, 0},
-        {"d.M.yyyy", "", 0, 0, 0},
-        {"dd.MM.yy", "01.02.69", 2069, 2, 1},
-        {"dd.MM.yy", "01.02.70", 1970, 2, 1},
-        {"dd.MM.yy", "01.02.", 2000, 2, 1},
-        {"dd.MM.yy", "01.02.100", 0, 0, 0},
-        {"dd.MM.yyyy", "1.2.99", 0, 0, 0},
-        {"MMMM yyyy d", "January 2020 5", 0, 0, 0},     // the name does not move the reader on
-        {"d yyyy MMMM", "5 2020 January", 2020, 1, 5},  // at the end it does no harm
-        {"d yyyy MMM", "5 2020 Jan", 2020, 1, 5},
-        {"d yyyy MMM", "5 2020 jan", 0, 0, 0},
-        {"d yyyy MMM", "5 2020 January", 0, 0, 0},  // the whole word counts
-        {"d yyyy MMM", "5 2020 Jan.", 2020, 1, 5},
-        {"d yyyy MMM", "5 2020 ", 0, 0, 0},
-        {"d MMM yyyy", "5 Jan 2020", 0, 0, 0},
-        {"d yyyy MMMMM'May'", "5 2020 May", 0, 0, 0},      // such a run reads nothing, so there is no month
-        {"d-M-yyyy dddd", "5-4-2020 Monday", 2020, 4, 5},  // checked to be a weekday, and no more
-        {"d-M-yyyy ddd", "5-4-2020 Mon", 2020, 4, 5},
-        {"d-M-yyyy ddd", "5-4-2020 Monday", 0, 0, 0},
-        {"d-M-yyyy ddddd", "5-4-2020 ", 2020, 4, 5},
-        {"d-M-yyyyyd", "5-4-7", 0, 0, 0},
-        {"d'th of 'M', 'yyyy", "5th of 4, 2020", 2020, 4, 5},
-        {"d'th of 'M', 'yyyy", "5 th of 4, 2020", 0, 0, 0},
-        {"d/M/yyyy' no end", "5/4/2020 no end", 2020, 4, 5},
-        {"d/M/yyyy' no end", "5/4/2020 no en", 0, 0, 0},
-        {"d/M/yyyy''", "5/4/2020", 2020, 4, 5},
-        {"M/yyyy", "4/2020", 0, 0, 0},
-        {"d/M", "5/4", 0, 0, 0},
-        {"dM yyyy", "5 2020", 2019, 12, 5},
-        {"d/M/d/yyyy", "1/2/3/2020", 2020, 2, 3},  // the last one counts
     };
-    for (const auto& c : cases) {
+    for (const Row& c :
+         Table(Row{"d.M.yyyy", "1.2.2020", 2020, 2, 1}, Row{"d.M.yyyy", "001.0002.2020", 2020, 2, 1},  // any number of digits
+               Row{"d.M.yyyy", "1.2.2020 and more", 2020, 2, 1}, Row{"d.M.yyyy", "1.2", 0, 0, 0},
+               Row{"d.M.yyyy", "1.2.", 0, 0, 0},  // four digits need one
+               Row{"d.M.yyyy", "1.2.1899", 0, 0, 0}, Row{"d.M.yyyy", "1.2.2042", 0, 0, 0},
+               Row{"d.M.yyyy", "1.2.2041", 2041, 2, 1}, Row{"d.M.yyyy", "31.4.2020", 2020, 5, 1},
+               Row{"d.M.yyyy", "0.3.2020", 2020, 2, 29}, Row{"d.M.yyyy", "5.0.2020", 2019, 12, 5},
+               Row{"d.M.yyyy", ".3.2020", 2020, 2, 29}, Row{"d.M.yyyy", "1.2.99999999999", 0, 0, 0}, Row{"d.M.yyyy", "", 0, 0, 0},
+               Row{"dd.MM.yy", "01.02.69", 2069, 2, 1}, Row{"dd.MM.yy", "01.02.70", 1970, 2, 1},
+               Row{"dd.MM.yy", "01.02.", 2000, 2, 1}, Row{"dd.MM.yy", "01.02.100", 0, 0, 0}, Row{"dd.MM.yyyy", "1.2.99", 0, 0, 0},
+               Row{"MMMM yyyy d", "January 2020 5", 0, 0, 0},     // the name does not move the reader on
+               Row{"d yyyy MMMM", "5 2020 January", 2020, 1, 5},  // at the end it does no harm
+               Row{"d yyyy MMM", "5 2020 Jan", 2020, 1, 5}, Row{"d yyyy MMM", "5 2020 jan", 0, 0, 0},
+               Row{"d yyyy MMM", "5 2020 January", 0, 0, 0},  // the whole word counts
+               Row{"d yyyy MMM", "5 2020 Jan.", 2020, 1, 5}, Row{"d yyyy MMM", "5 2020 ", 0, 0, 0},
+               Row{"d MMM yyyy", "5 Jan 2020", 0, 0, 0},
+               Row{"d yyyy MMMMM'May'", "5 2020 May", 0, 0, 0},      // such a run reads nothing, so there is no month
+               Row{"d-M-yyyy dddd", "5-4-2020 Monday", 2020, 4, 5},  // checked to be a weekday, and no more
+               Row{"d-M-yyyy ddd", "5-4-2020 Mon", 2020, 4, 5}, Row{"d-M-yyyy ddd", "5-4-2020 Monday", 0, 0, 0},
+               Row{"d-M-yyyy ddddd", "5-4-2020 ", 2020, 4, 5}, Row{"d-M-yyyyyd", "5-4-7", 0, 0, 0},
+               Row{"d'th of 'M', 'yyyy", "5th of 4, 2020", 2020, 4, 5}, Row{"d'th of 'M', 'yyyy", "5 th of 4, 2020", 0, 0, 0},
+               Row{"d/M/yyyy' no end", "5/4/2020 no end", 2020, 4, 5}, Row{"d/M/yyyy' no end", "5/4/2020 no en", 0, 0, 0},
+               Row{"d/M/yyyy''", "5/4/2020", 2020, 4, 5}, Row{"M/yyyy", "4/2020", 0, 0, 0}, Row{"d/M", "5/4", 0, 0, 0},
+               Row{"dM yyyy", "5 2020", 2019, 12, 5}, Row{"d/M/d/yyyy", "1/2/3/2020", 2020, 2, 3}  // the last one counts
+               )) {
         m_text.Set(LOCALE_SLONGDATE, c.picture);
         CVXTTime time = kBefore;
         EXPECT_EQ(_NlsGetLongDate(c.text, time), c.year != 0) << c.picture << ": " << c.text;
@@ -107,8 +89,7 @@ TEST_F(DateText, ReadsNamesOfTheUsersLanguage) {
 }
 
 TEST_F(DateText, WritesBothPictures) {
-    m_text.Set(LOCALE_SSHORTDATE, "dd.MM.yy");
-    m_text.Set(LOCALE_SLONGDATE, "dddd 'den' d MMMM yyyy MMMMM");
+    m_text.Set(LOCALE_SSHORTDATE, "dd.MM.yy"), m_text.Set(LOCALE_SLONGDATE, "dddd 'den' d MMMM yyyy MMMMM");
     CString text("before");
     EXPECT_EQ(_NlsSetShortDate(text, Noon(2020, 2, 1)), 1);
     EXPECT_STREQ(text, "01.02.20");

@@ -1,5 +1,9 @@
 #include "time/locale_cache.h"
 
+#include <initializer_list>
+#include <string>
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/regional_settings.h"
@@ -24,15 +28,15 @@ protected:
 }  // namespace
 
 TEST_F(LocaleCacheTest, HoldsTheUsersSettings) {
-    const struct {
+    struct Row {
         void (RegionalSettings::*country)();
         char decimal, thousand, list, date, time;
         const char *shortDate, *timePicture, *morning, *afternoon;
-    } cases[] = {{&RegionalSettings::Swedish, ',', '\xA0', ';', '-', ':', "yyyy-MM-dd", "HH:mm:ss", "fm", "em"},
-                 {&RegionalSettings::American, '.', ',', ',', '/', ':', "M/d/yyyy", "h:mm:ss tt", "AM", "PM"},
-                 {&RegionalSettings::German, ',', '.', ';', '.', ':', "dd.MM.yyyy", "HH:mm:ss", "", ""},
-                 {&RegionalSettings::Indian, '.', ',', ',', '-', ':', "dd-MM-yyyy", "hh:mm:ss tt", "am", "pm"}};
-    for (const auto& c : cases) {
+    };
+    for (const Row& c : {Row{&RegionalSettings::Swedish, ',', '\xA0', ';', '-', ':', "yyyy-MM-dd", "HH:mm:ss", "fm", "em"},
+                         Row{&RegionalSettings::American, '.', ',', ',', '/', ':', "M/d/yyyy", "h:mm:ss tt", "AM", "PM"},
+                         Row{&RegionalSettings::German, ',', '.', ';', '.', ':', "dd.MM.yyyy", "HH:mm:ss", "", ""},
+                         Row{&RegionalSettings::Indian, '.', ',', ',', '-', ':', "dd-MM-yyyy", "hh:mm:ss tt", "am", "pm"}}) {
         (m_settings.*c.country)();
         NlsToolsUpdate();
         EXPECT_EQ(NlsGetDecimalSep(), c.decimal) << c.shortDate;
@@ -51,15 +55,12 @@ TEST_F(LocaleCacheTest, HoldsTheUsersSettings) {
 }
 
 TEST_F(LocaleCacheTest, ThousandSeparatorStaysWhileDigitsAreNotGrouped) {
-    m_settings.Set(LOCALE_SGROUPING, "3;0");
-    m_settings.Set(LOCALE_STHOUSAND, "'");
+    m_settings.Set(LOCALE_SGROUPING, "3;0"), m_settings.Set(LOCALE_STHOUSAND, "'");
     NlsToolsUpdate();
-    m_settings.Set(LOCALE_SGROUPING, "0;0");
-    m_settings.Set(LOCALE_STHOUSAND, "_");
+    m_settings.Set(LOCALE_SGROUPING, "0;0"), m_settings.Set(LOCALE_STHOUSAND, "_");
     NlsToolsUpdate();
     EXPECT_EQ(NlsGetThousandSep(), '\'');  // not read again
-    m_settings.Set(LOCALE_SGROUPING, "3;0");
-    m_settings.Set(LOCALE_STHOUSAND, "");
+    m_settings.Set(LOCALE_SGROUPING, "3;0"), m_settings.Set(LOCALE_STHOUSAND, "");
     NlsToolsUpdate();
     EXPECT_EQ(NlsGetThousandSep(), 0);
 }
@@ -90,39 +91,30 @@ TEST_F(LocaleCacheTest, RegisterLoadsWordsAndMessages) {
 }
 
 TEST_F(LocaleCacheTest, Names) {
+    const auto names = [](CString (*name)(int), std::initializer_list<int> numbers) {
+        std::string all;
+        for (const int number : numbers) all += name(number) + ' ';
+        return all;
+    };
     {
         const TextLanguage english(LANG_ENGLISH);
-        EXPECT_STREQ(NlsGetLongMonth(1), "January");
-        EXPECT_STREQ(NlsGetLongMonth(12), "December");
-        EXPECT_STREQ(NlsGetShortMonth(1), "Jan");
-        EXPECT_STREQ(NlsGetShortDay(0), "Sun");
-        EXPECT_STREQ(NlsGetLongDay(6), "Saturday");
-        EXPECT_STREQ(NlsGetShortMonth(0), "December");  // the text that has the id
-        EXPECT_STREQ(NlsGetLongMonth(-5'000), "");
+        EXPECT_EQ(names(NlsGetLongMonth, {1, 12, -5'000}), "January December  ");
+        EXPECT_EQ(names(NlsGetShortMonth, {1, 0}), "Jan December ");  // of 0 the text that has the id
+        EXPECT_EQ(names(NlsGetShortDay, {0}) + names(NlsGetLongDay, {6}), "Sun Saturday ");
     }
     const TextLanguage swedish(LANG_SWEDISH);
-    EXPECT_STREQ(NlsGetLongMonth(5), "Maj");
-    EXPECT_STREQ(NlsGetShortMonth(10), "Okt");
-    EXPECT_STREQ(NlsGetLongDay(0), "S\xF6ndag");
-    EXPECT_STREQ(NlsGetShortDay(6), "L\xF6r");
+    EXPECT_EQ(names(NlsGetLongMonth, {5}) + names(NlsGetShortMonth, {10}), "Maj Okt ");
+    EXPECT_EQ(names(NlsGetLongDay, {0}) + names(NlsGetShortDay, {6}), "S\xF6ndag L\xF6r ");
 }
 
 TEST(DatePicture, Elements) {
     const TextLanguage english(LANG_ENGLISH);
-    const struct {
-        const char *picture, *text;
-    } cases[] = {{"yyyy-MM-dd", "2024-05-07"},
-                 {"M/d/yy", "5/7/24"},
-                 {"dddd, MMMM d, yyyy", "Tuesday, May 7, 2024"},
-                 {"ddd MMM", "Tue May"},
-                 {"MMMMM|ddddd|y|yyy|yyyyy", "||||"},
-                 {"d'th of' MMMM", "7th of May"},
-                 {"'dMy''d'", "dMyd"},
-                 {"''d", "7"},
-                 {"d 'of May", "7 of May"},
-                 {"'", ""},
-                 {"D m Y h\xE5", "D m Y h\xE5"},
-                 {"", ""}};
-    for (const auto& c : cases) EXPECT_STREQ(WriteDatePicture(c.picture, {2024, 5, 7, 2}), c.text) << c.picture;
+    using Row = std::tuple<const char*, const char*>;
+    for (const auto& [picture, text] :
+         {Row{"yyyy-MM-dd", "2024-05-07"}, Row{"M/d/yy", "5/7/24"}, Row{"dddd, MMMM d, yyyy", "Tuesday, May 7, 2024"},
+          Row{"ddd MMM", "Tue May"}, Row{"MMMMM|ddddd|y|yyy|yyyyy", "||||"}, Row{"d'th of' MMMM", "7th of May"},
+          Row{"'dMy''d'", "dMyd"}, Row{"''d", "7"}, Row{"d 'of May", "7 of May"}, Row{"'", ""}, Row{"D m Y h\xE5", "D m Y h\xE5"},
+          Row{"", ""}})
+        EXPECT_STREQ(WriteDatePicture(picture, {2024, 5, 7, 2}), text) << picture;
     EXPECT_STREQ(WriteDatePicture("yy yyyy", {2005, 1, 1, 6}), "05 2005");
 }

@@ -6,8 +6,10 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <tuple>
 
 #include "platform/win32.h"
+#include "tests/support/last_error.h"
 
 namespace {
 
@@ -54,6 +56,16 @@ std::string Date(DWORD flags, const char* picture, const SYSTEMTIME& date = kAft
 
 }  // namespace
 
+// Wine takes 29 February of any year for a date; Windows and this home do not.
+TEST(FileTimes, LeapDaysNeedALeapYear) {
+    using Row = std::tuple<WORD, BOOL>;
+    for (const auto& [year, good] : {Row{2024, TRUE}, Row{2023, FALSE}, Row{2000, TRUE}, Row{1900, FALSE}}) {
+        const SYSTEMTIME system = {year, 2, 0, 29, 0, 0, 0, 0};
+        FILETIME file{};
+        EXPECT_EQ(SystemTimeToFileTime(&system, &file), good) << year;
+    }
+}
+
 TEST_F(Environment, CountriesAsWindowsSpellsThem) {
     const LCTYPE items[] = {LOCALE_SDECIMAL,  LOCALE_STHOUSAND,   LOCALE_SLIST,         LOCALE_SGROUPING, LOCALE_SSHORTDATE,
                             LOCALE_SLONGDATE, LOCALE_STIMEFORMAT, LOCALE_S1159,         LOCALE_S2359,     LOCALE_SDATE,
@@ -61,23 +73,21 @@ TEST_F(Environment, CountriesAsWindowsSpellsThem) {
                             LOCALE_ITIME,     LOCALE_ITLZERO,     LOCALE_ITIMEMARKPOSN, LOCALE_ICOUNTRY,  LOCALE_IMEASURE,
                             LOCALE_ILZERO,    LOCALE_IDIGITS,     LOCALE_ICURRDIGITS,   LOCALE_SCOUNTRY,  LOCALE_SLANGUAGE,
                             LOCALE_ILANGUAGE};
-    const struct {
+    struct Row {
         const char *name, *values;  // one after the other, "|" behind each
-    } countries[] = {
-        {"sv_SE.UTF-8",
-         ",|\xA0|;|3;0|yyyy-MM-dd|dddd d MMMM yyyy|HH:mm:ss|fm|em|-|:|kr|"
-         "3|8|2|1|1|0|46|0|1|2|2|Sweden|Swedish (Sweden)|041d|"},
-        {"en_US",
-         ".|,|,|3;0|M/d/yyyy|dddd, MMMM d, yyyy|h:mm:ss tt|AM|PM|/|:|$|"
-         "0|0|0|0|0|0|1|1|1|2|2|United States|English (United States)|0409|"},
-        {"de_DE@euro",
-         ",|.|;|3;0|d.M.yyyy|dddd, d. MMMM yyyy|HH:mm:ss|AM|PM|.|:|\x80|"
-         "3|8|1|1|1|0|49|0|1|2|2|Germany|German (Germany)|0407|"},
-        {"en_IN",
-         ".|,|,|3;2;0|d/M/yyyy|dddd, d MMMM, yyyy|h:mm:ss tt|am|pm|/|:|?|"
-         "0|0|1|0|0|0|91|0|1|2|2|India|English (India)|4009|"},
     };
-    for (const auto& country : countries) {
+    for (const Row& country : {Row{"sv_SE.UTF-8",
+                                   ",|\xA0|;|3;0|yyyy-MM-dd|dddd d MMMM yyyy|HH:mm:ss|fm|em|-|:|kr|"
+                                   "3|8|2|1|1|0|46|0|1|2|2|Sweden|Swedish (Sweden)|041d|"},
+                               Row{"en_US",
+                                   ".|,|,|3;0|M/d/yyyy|dddd, MMMM d, yyyy|h:mm:ss tt|AM|PM|/|:|$|"
+                                   "0|0|0|0|0|0|1|1|1|2|2|United States|English (United States)|0409|"},
+                               Row{"de_DE@euro",
+                                   ",|.|;|3;0|d.M.yyyy|dddd, d. MMMM yyyy|HH:mm:ss|AM|PM|.|:|\x80|"
+                                   "3|8|1|1|1|0|49|0|1|2|2|Germany|German (Germany)|0407|"},
+                               Row{"en_IN",
+                                   ".|,|,|3;2;0|d/M/yyyy|dddd, d MMMM, yyyy|h:mm:ss tt|am|pm|/|:|?|"
+                                   "0|0|1|0|0|0|91|0|1|2|2|India|English (India)|4009|"}}) {
         Use("LC_ALL", country.name);
         std::string all;
         for (const LCTYPE item : items) all += Item(item) + '|';
@@ -88,18 +98,18 @@ TEST_F(Environment, CountriesAsWindowsSpellsThem) {
 // Languages whose own separators, designators or pictures Windows-1252 or the readers cannot say.
 TEST_F(Environment, OtherLanguagesAreSaidWithWhatThereIs) {
     const LCTYPE items[] = {LOCALE_SDECIMAL, LOCALE_STHOUSAND, LOCALE_SSHORTDATE, LOCALE_STIMEFORMAT, LOCALE_S1159, LOCALE_STIME};
-    const struct {
+    struct Row {
         const char *name, *values[6];
-    } languages[] = {{"ar_EG", {".", ",", "d/M/yyyy", "H:mm:ss", "AM", ":"}},
-                     {"fa_IR", {".", ",", "yyyy/M/d", "H:mm:ss", "AM", ":"}},  // not of its own calendar
-                     {"el_GR", {",", ".", "d/M/yyyy", "H:mm:ss", "AM", ":"}},
-                     {"ko_KR", {".", ",", "yyyy. M. d.", "H:mm:ss", "AM", ":"}},  // its designator comes first
-                     {"ms_MY", {".", ",", "d/M/yyyy", "H:mm:ss", "PG", ":"}},     // of other length than "PTG"
-                     {"bg_BG", {",", "\xA0", "d.MM.yyyy", "H:mm:ss", "AM", ":"}},
-                     {"zh_SG", {".", ",", "yyyy-M-d", "H:mm:ss", "AM", ":"}},
-                     {"fr_CA", {",", "\xA0", "yyyy-MM-dd", "HH:mm:ss", "a.m.", ":"}},
-                     {"es_CO", {",", ".", "d/M/yyyy", "h:mm:ss tt", "a.\xA0m.", ":"}}};
-    for (const auto& language : languages) {
+    };
+    for (const Row& language : {Row{"ar_EG", {".", ",", "d/M/yyyy", "H:mm:ss", "AM", ":"}},
+                                Row{"fa_IR", {".", ",", "yyyy/M/d", "H:mm:ss", "AM", ":"}},  // not of its own calendar
+                                Row{"el_GR", {",", ".", "d/M/yyyy", "H:mm:ss", "AM", ":"}},
+                                Row{"ko_KR", {".", ",", "yyyy. M. d.", "H:mm:ss", "AM", ":"}},  // its designator comes first
+                                Row{"ms_MY", {".", ",", "d/M/yyyy", "H:mm:ss", "PG", ":"}},     // of other length than "PTG"
+                                Row{"bg_BG", {",", "\xA0", "d.MM.yyyy", "H:mm:ss", "AM", ":"}},
+                                Row{"zh_SG", {".", ",", "yyyy-M-d", "H:mm:ss", "AM", ":"}},
+                                Row{"fr_CA", {",", "\xA0", "yyyy-MM-dd", "HH:mm:ss", "a.m.", ":"}},
+                                Row{"es_CO", {",", ".", "d/M/yyyy", "h:mm:ss tt", "a.\xA0m.", ":"}}}) {
         Use("LC_ALL", language.name);
         for (size_t i = 0; i < std::size(items); ++i)
             EXPECT_EQ(Item(items[i]), language.values[i]) << language.name << " item " << items[i];
@@ -157,22 +167,18 @@ TEST_F(Environment, ChangesTakeEffectAtOnceAndPicturesRule) {
     EXPECT_TRUE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, ""));
     EXPECT_EQ(Item(LOCALE_SDATE), "");
     EXPECT_TRUE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, "abc"));
-    EXPECT_FALSE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, "abcd"));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
-    EXPECT_FALSE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SLANGUAGE, "x"));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
+    EXPECT_FAILS(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, "abcd"), ERROR_INVALID_PARAMETER);
+    EXPECT_FAILS(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SLANGUAGE, "x"), ERROR_INVALID_FLAGS);
     EXPECT_FALSE(SetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SLIST, nullptr));
 }
 
 TEST_F(Environment, BuffersAndNumbers) {
     Use("LC_ALL", "sv_SE");
     char text[8] = "unchan";
-    EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, text, 8), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_FAILS(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, text, 8), ERROR_INSUFFICIENT_BUFFER);
     EXPECT_STREQ(text, "unchan");
     EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, nullptr, 0), 11);
-    EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, 0x7777, text, 8), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
+    EXPECT_FAILS(GetLocaleInfoA(LOCALE_USER_DEFAULT, 0x7777, text, 8), ERROR_INVALID_FLAGS);
     DWORD number = 0;
     EXPECT_EQ(GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_ICOUNTRY | LOCALE_RETURN_NUMBER, reinterpret_cast<char*>(&number), 4),
               4);
@@ -182,12 +188,12 @@ TEST_F(Environment, BuffersAndNumbers) {
 
 TEST_F(Environment, TimePictures) {
     Use("LC_ALL", "en_US");
-    EXPECT_EQ(Time(0, nullptr), "3:04:05 PM");
-    EXPECT_EQ(Time(TIME_NOSECONDS, nullptr), "3:04 PM");
-    EXPECT_EQ(Time(TIME_NOMINUTESORSECONDS, nullptr), "3 PM");
-    EXPECT_EQ(Time(TIME_NOTIMEMARKER, nullptr), "3:04:05");
-    EXPECT_EQ(Time(TIME_FORCE24HOURFORMAT, nullptr), "15:04:05 PM");
-    EXPECT_EQ(Time(0, "h 'o''clock' t tt ttt HHH mmm sss x"), "3 o'clock P PM PM 15 04 05 x");
+    using Row = std::tuple<DWORD, const char*, const char*>;
+    for (const auto& [flags, picture, text] :
+         {Row{0, nullptr, "3:04:05 PM"}, Row{TIME_NOSECONDS, nullptr, "3:04 PM"}, Row{TIME_NOMINUTESORSECONDS, nullptr, "3 PM"},
+          Row{TIME_NOTIMEMARKER, nullptr, "3:04:05"}, Row{TIME_FORCE24HOURFORMAT, nullptr, "15:04:05 PM"},
+          Row{0, "h 'o''clock' t tt ttt HHH mmm sss x", "3 o'clock P PM PM 15 04 05 x"}})
+        EXPECT_EQ(Time(flags, picture), text);
     SYSTEMTIME time = {0, 0, 0, 0, 0, 5, 9, 0};  // a time of day needs no date
     EXPECT_EQ(Time(0, "hh:m:s tt", time), "12:5:9 AM");
     time.wHour = 12;

@@ -5,11 +5,11 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <tuple>
 
-#include "afx/archive.h"
-#include "afx/exception.h"
-#include "afx/file.h"
+#include "tests/afx/bytes.h"
 #include "tests/support/regional_settings.h"
 #include "time/local_zone.h"
 #include "time/local_zone_internal.h"
@@ -32,22 +32,14 @@ CVXTTimeSpan Span(__int64 count) { return CVXTTimeSpan(count, TST_MICROSECONDS);
 // "2024-05-07 15:04:05", in local time.
 std::string Fields(const CVXTTime& time) {
     int y, mo, d, h, mi, s;
-    time.GetDate(&y, &mo, &d);
-    time.GetTime(&h, &mi, &s);
+    time.GetDate(&y, &mo, &d), time.GetTime(&h, &mi, &s);
     char text[64];
     std::snprintf(text, sizeof text, "%d-%02d-%02d %02d:%02d:%02d", y, mo, d, h, mi, s);
     return text;
 }
 
-HRESULT ResultOf(void (*make)()) {
-    try {
-        make();
-    } catch (COleException* e) {
-        const HRESULT result = e->m_sc;
-        e->Delete();
-        return result;
-    }
-    return S_OK;
+HRESULT ResultOf(const std::function<void()>& make) {
+    return Caught<COleException, HRESULT>(make, S_OK, [](const COleException& failure) { return failure.m_sc; });
 }
 
 }  // namespace
@@ -63,17 +55,14 @@ TEST(TimePoint, NowHasWholeSecondsOrMilliseconds) {
 }
 
 TEST(TimePoint, CalendarConstructorChecksItsFields) {
-    EXPECT_EQ(ResultOf([] { CVXTTime(1969, 12, 31, 0, 0, 0, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(2024, 0, 1, 0, 0, 0, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(2024, 13, 1, 0, 0, 0, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(2024, 1, 0, 0, 0, 0, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(2024, 1, 32, 0, 0, 0, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(2024, 1, 1, 24, 0, 0, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(2024, 1, 1, 0, 60, 0, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(2024, 1, 1, 0, 0, 60, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(2024, 1, 1, -1, 0, 0, -1); }), E_FAIL);
-    EXPECT_EQ(ResultOf([] { CVXTTime(3500, 1, 1, 0, 0, 0, -1); }), E_INVALIDARG);  // beyond what the C library represents
-    EXPECT_EQ(Fields(Local(2024, 4, 31, 12)), "2024-05-01 12:00:00");              // put right, not refused
+    using Row = std::tuple<int, int, int, int, int, int>;
+    for (const auto& [year, month, day, hour, minute, second] :
+         {Row{1969, 12, 31, 0, 0, 0}, Row{2024, 0, 1, 0, 0, 0}, Row{2024, 13, 1, 0, 0, 0}, Row{2024, 1, 0, 0, 0, 0},
+          Row{2024, 1, 32, 0, 0, 0}, Row{2024, 1, 1, 24, 0, 0}, Row{2024, 1, 1, 0, 60, 0}, Row{2024, 1, 1, 0, 0, 60},
+          Row{2024, 1, 1, -1, 0, 0}})
+        EXPECT_EQ(ResultOf([&] { Local(year, month, day, hour, minute, second); }), E_FAIL) << year << ' ' << month << ' ' << day;
+    EXPECT_EQ(ResultOf([] { Local(3500, 1, 1); }), E_INVALIDARG);      // beyond what the C library represents
+    EXPECT_EQ(Fields(Local(2024, 4, 31, 12)), "2024-05-01 12:00:00");  // put right, not refused
 }
 
 TEST(TimePoint, StartFailsWithoutALocalNewYear) {
@@ -103,49 +92,30 @@ TEST(TimePoint, ForeignTimes) {
 
 TEST(TimePoint, SumsSaturateAtTheEpoch) {
     const __int64 lowest = CVXTTime::GetMinTime(), highest = CVXTTime::GetMaxTime();
-    const struct {
-        __int64 time, span, sum, difference;
-    } cases[] = {
-        {1'000, 1, 1'001, 999},
-        {1'000, -1'000, lowest, 2'000},
-        {1'000, -999, 1, 1'999},  // below the range, yet kept
-        {1'000, -1'001, lowest, 2'001},
-        {1'000, 1'000, 2'000, lowest},
-        {1'000, 1'001, 2'001, lowest},
-        {0, 0, 0, 0},
-        {0, -1, lowest, 1},
-        {0, 1, 1, lowest},
-        {-1'000, 999, -1, -1'999},
-        {-1'000, 1'000, highest, -2'000},
-        {-1'000, -1, -1'001, -999},
-        {-1'000, -1'000, -2'000, highest},
-        {-1'000, -1'001, -2'001, highest},
-        {INT64_MAX, 1, INT64_MIN, INT64_MAX - 1},  // adding wraps
-        {INT64_MIN, 1, INT64_MIN + 1, INT64_MAX},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ((At(c.time) + Span(c.span)).GetBinaryTime(), c.sum) << c.time << " + " << c.span;
-        EXPECT_EQ((At(c.time) - Span(c.span)).GetBinaryTime(), c.difference) << c.time << " - " << c.span;
+    using Row = std::tuple<__int64, __int64, __int64, __int64>;
+    for (const auto& [time, span, sum, difference] :
+         {Row{1'000, 1, 1'001, 999}, Row{1'000, -1'000, lowest, 2'000}, Row{1'000, -999, 1, 1'999},  // below the range, yet kept
+          Row{1'000, -1'001, lowest, 2'001}, Row{1'000, 1'000, 2'000, lowest}, Row{1'000, 1'001, 2'001, lowest}, Row{0, 0, 0, 0},
+          Row{0, -1, lowest, 1}, Row{0, 1, 1, lowest}, Row{-1'000, 999, -1, -1'999}, Row{-1'000, 1'000, highest, -2'000},
+          Row{-1'000, -1, -1'001, -999}, Row{-1'000, -1'000, -2'000, highest}, Row{-1'000, -1'001, -2'001, highest},
+          Row{INT64_MAX, 1, INT64_MIN, INT64_MAX - 1},  // adding wraps
+          Row{INT64_MIN, 1, INT64_MIN + 1, INT64_MAX}}) {
+        EXPECT_EQ((At(time) + Span(span)).GetBinaryTime(), sum) << time << " + " << span;
+        EXPECT_EQ((At(time) - Span(span)).GetBinaryTime(), difference) << time << " - " << span;
     }
     EXPECT_EQ(static_cast<const __int64&>(At(5) - At(-7)), 12);
     EXPECT_EQ(static_cast<const __int64&>(At(INT64_MIN) - At(1)), INT64_MAX);
 }
 
 TEST(TimePoint, GridRoundingTruncates) {
-    CVXTTime time = At(1'001);
-    time.Ceil(1'000);
-    EXPECT_EQ(time.GetBinaryTime(), 2'000);
-    time.Ceil(1'000);
-    EXPECT_EQ(time.GetBinaryTime(), 2'000);
-    time = At(1'999);
-    time.Floor(1'000);
-    EXPECT_EQ(time.GetBinaryTime(), 1'000);
-    time = At(-1'001);
-    time.Floor(1'000);
-    EXPECT_EQ(time.GetBinaryTime(), -1'000);  // not a true floor before 1970
-    time = At(-1'500);
-    time.Ceil(1'000);
-    EXPECT_EQ(time.GetBinaryTime(), 0);  // nor a true ceiling
+    using Row = std::tuple<__int64, __int64, __int64>;
+    for (const auto& [count, floor, ceil] : {Row{1'001, 1'000, 2'000}, Row{2'000, 2'000, 2'000}, Row{1'999, 1'000, 2'000},
+                                             Row{-1'001, -1'000, 0}, Row{-1'500, -1'000, 0}}) {  // not true ones before 1970
+        CVXTTime down = At(count), up = At(count);
+        down.Floor(1'000), up.Ceil(1'000);
+        EXPECT_EQ(down.GetBinaryTime(), floor) << count;
+        EXPECT_EQ(up.GetBinaryTime(), ceil) << count;
+    }
 }
 
 TEST(TimePoint, CalendarReadsClampTheirValue) {
@@ -169,8 +139,7 @@ TEST(TimePoint, FieldSelectors) {
     EXPECT_EQ(Local(2023, 1, 1).Get(TT_DAYOFYEAR), 0);
     EXPECT_EQ(Local(2023, 1, 31).Get(TT_MONTH), 1);
     EXPECT_EQ(Local(2024, 3, 1).Get(TT_DAYOFYEAR), 60);
-    time.GetDate(nullptr, nullptr, nullptr);
-    time.GetTime(nullptr, nullptr, nullptr);
+    time.GetDate(nullptr, nullptr, nullptr), time.GetTime(nullptr, nullptr, nullptr);
 }
 
 TEST(TimePoint, WeekNumbers) {
@@ -231,23 +200,16 @@ TEST(TimePoint, SystemAndFileTimes) {
 // Only seeks that stay in winter time: one across a change keeps its flag, see SeeksKeepTheDaylightFlag.
 TEST(TimePoint, SeekFloorByCalendar) {
     const CVXTTime time = Local(2023, 2, 16, 13, 14, 15) + Span(678'901);  // a Thursday
-    const struct {
-        CVXTTimeType type;
-        const char* fields;
-    } cases[] = {{TT_YEAR, "2023-01-01 00:00:00"},
-                 {TT_QUARTER, "2023-01-01 00:00:00"},
-                 {TT_MONTH, "2023-02-01 00:00:00"},
-                 {TT_WEEK, "2023-02-13 00:00:00"},
-                 {TT_DAYOFYEAR, "2023-02-16 00:00:00"},
-                 {TT_DAYOFMONTH, "2023-02-16 00:00:00"},
-                 {TT_WEEKDAY, "2023-02-16 00:00:00"},
-                 {TT_MICROSECOND, "2023-02-16 13:14:15"},
-                 {static_cast<CVXTTimeType>(99), "2023-02-16 13:14:15"}};
-    for (const auto& c : cases) {
+    using Row = std::tuple<CVXTTimeType, const char*>;
+    for (const auto& [type, fields] :
+         {Row{TT_YEAR, "2023-01-01 00:00:00"}, Row{TT_QUARTER, "2023-01-01 00:00:00"}, Row{TT_MONTH, "2023-02-01 00:00:00"},
+          Row{TT_WEEK, "2023-02-13 00:00:00"}, Row{TT_DAYOFYEAR, "2023-02-16 00:00:00"},
+          Row{TT_DAYOFMONTH, "2023-02-16 00:00:00"}, Row{TT_WEEKDAY, "2023-02-16 00:00:00"},
+          Row{TT_MICROSECOND, "2023-02-16 13:14:15"}, Row{static_cast<CVXTTimeType>(99), "2023-02-16 13:14:15"}}) {
         CVXTTime sought = time;
-        sought.SeekFloor(c.type);
-        EXPECT_EQ(Fields(sought), c.fields) << c.type;
-        EXPECT_EQ(sought.GetBinaryTime() % kSecond, 0) << c.type;
+        sought.SeekFloor(type);
+        EXPECT_EQ(Fields(sought), fields) << type;
+        EXPECT_EQ(sought.GetBinaryTime() % kSecond, 0) << type;
     }
     CVXTTime monday = Local(2023, 11, 13, 0, 0, 1);
     monday.SeekFloor(TT_WEEK);
@@ -272,11 +234,12 @@ TEST(TimePoint, SeeksKeepTheDaylightFlag) {
 
 TEST(TimePoint, SeekOnTheEpochGrid) {
     const __int64 count = 1'700'000'123'456'789;
-    const struct {
+    struct Row {
         CVXTTimeType type;
         __int64 unit;
-    } cases[] = {{TT_HOUR, kHour}, {TT_MINUTE, kMinute}, {TT_SECOND, kSecond}, {TT_MILLISECOND, kMillisecond}};
-    for (const auto& c : cases) {
+    };
+    for (const Row& c :
+         {Row{TT_HOUR, kHour}, Row{TT_MINUTE, kMinute}, Row{TT_SECOND, kSecond}, Row{TT_MILLISECOND, kMillisecond}}) {
         CVXTTime time = At(count);
         time.SeekFloor(c.type);
         EXPECT_EQ(time.GetBinaryTime(), count - count % c.unit) << c.type;
@@ -291,28 +254,21 @@ TEST(TimePoint, SeekOnTheEpochGrid) {
 }
 
 TEST(TimePoint, SeekNextByCalendar) {
-    const struct {
-        CVXTTime from;
-        CVXTTimeType type;
-        const char* fields;
-    } cases[] = {
-        {Local(2023, 11, 15, 12), TT_QUARTER, "2024-01-01 00:00:00"},
-        {Local(2024, 12, 31, 23, 59, 59), TT_YEAR, "2025-01-01 00:00:00"},
-        {Local(2023, 12, 1), TT_MONTH, "2024-01-01 00:00:00"},
-        {Local(2024, 1, 31), TT_MONTH, "2024-02-01 00:00:00"},
-        {Local(2023, 11, 13), TT_WEEK, "2023-11-20 00:00:00"},
-        {Local(2023, 11, 16, 1), TT_WEEK, "2023-11-20 00:00:00"},
-        {Local(2024, 2, 28, 23), TT_DAYOFYEAR, "2024-02-29 00:00:00"},
-        {Local(2023, 12, 31, 8), TT_WEEKDAY, "2024-01-01 00:00:00"},
-        {Local(2024, 7, 31, 8), TT_QUARTER, "2024-10-01 00:00:00"},
-        {Local(2024, 5, 31, 8), TT_QUARTER, "2024-07-01 00:00:00"},
-        {Local(2024, 1, 6, 12) + Span(750'000), TT_MILLISECOND, "2024-01-06 12:00:00"},
-        {Local(2024, 1, 6, 12) + Span(750'000), TT_MICROSECOND, "2024-01-06 12:00:00"},
-    };
-    for (const auto& c : cases) {
-        CVXTTime time = c.from;
-        time.SeekNext(c.type);
-        EXPECT_EQ(Fields(time), c.fields) << Fields(c.from) << " by " << c.type;
+    using Row = std::tuple<CVXTTime, CVXTTimeType, const char*>;
+    for (const auto& [from, type, fields] :
+         {Row{Local(2023, 11, 15, 12), TT_QUARTER, "2024-01-01 00:00:00"},
+          Row{Local(2024, 12, 31, 23, 59, 59), TT_YEAR, "2025-01-01 00:00:00"},
+          Row{Local(2023, 12, 1), TT_MONTH, "2024-01-01 00:00:00"}, Row{Local(2024, 1, 31), TT_MONTH, "2024-02-01 00:00:00"},
+          Row{Local(2023, 11, 13), TT_WEEK, "2023-11-20 00:00:00"}, Row{Local(2023, 11, 16, 1), TT_WEEK, "2023-11-20 00:00:00"},
+          Row{Local(2024, 2, 28, 23), TT_DAYOFYEAR, "2024-02-29 00:00:00"},
+          Row{Local(2023, 12, 31, 8), TT_WEEKDAY, "2024-01-01 00:00:00"},
+          Row{Local(2024, 7, 31, 8), TT_QUARTER, "2024-10-01 00:00:00"},
+          Row{Local(2024, 5, 31, 8), TT_QUARTER, "2024-07-01 00:00:00"},
+          Row{Local(2024, 1, 6, 12) + Span(750'000), TT_MILLISECOND, "2024-01-06 12:00:00"},
+          Row{Local(2024, 1, 6, 12) + Span(750'000), TT_MICROSECOND, "2024-01-06 12:00:00"}}) {
+        CVXTTime time = from;
+        time.SeekNext(type);
+        EXPECT_EQ(Fields(time), fields) << Fields(from) << " by " << type;
         EXPECT_EQ(time.GetBinaryTime() % kSecond, 0);
     }
 }
@@ -331,33 +287,16 @@ TEST(TimePoint, FormatFollowsTheUsersSettings) {
     NlsToolsUpdate();
     EXPECT_STREQ((Local(2024, 5, 7, 15, 4, 5)).Format(), "5/7/2024 3:04:05 PM");
     const TextLanguage swedish(LANG_SWEDISH);
-    settings.Set(LOCALE_SSHORTDATE, "dddd 'den' d MMMM yy");
-    settings.Set(LOCALE_STIMEFORMAT, "H.mm");
+    settings.Set(LOCALE_SSHORTDATE, "dddd 'den' d MMMM yy"), settings.Set(LOCALE_STIMEFORMAT, "H.mm");
     NlsToolsUpdate();
     EXPECT_STREQ((Local(2024, 5, 5, 7)).Format(), "S\xF6ndag den 5 Maj 24 7.00");
 }
 
 TEST(TimePoint, ArchiveHoldsEightBytes) {
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        At(0x0102030405060708).Serialize(ar);
-    }
-    ASSERT_EQ(file.GetLength(), 8u);
-    file.SeekToBegin();
-    unsigned char first = 0;
-    file.Read(&first, 1);
-    EXPECT_EQ(first, 8);
-    file.SeekToBegin();
-    CArchive ar(&file, CArchive::load);
+    const std::string bytes = afx_test::Stored([](CArchive& ar) { At(0x0102030405060708).Serialize(ar); });
+    EXPECT_EQ(bytes, "\x08\x07\x06\x05\x04\x03\x02\x01");
     CVXTTime time = At(1);
-    time.Serialize(ar);
+    afx_test::ExpectLoads(bytes, [&](CArchive& ar) { time.Serialize(ar); });
     EXPECT_EQ(time.GetBinaryTime(), 0x0102030405060708);
-    try {
-        time.Serialize(ar);
-        FAIL() << "read beyond the end";
-    } catch (CArchiveException* e) {
-        EXPECT_EQ(e->m_cause, CArchiveException::endOfFile);
-        e->Delete();
-    }
+    EXPECT_EQ(afx_test::Loaded("", [&](CArchive& ar) { time.Serialize(ar); }), CArchiveException::endOfFile);
 }

@@ -7,8 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "afx/archive.h"
-#include "afx/file.h"
+#include "tests/afx/bytes.h"
 #include "tests/support/regional_settings.h"
 #include "time/locale_cache.h"
 
@@ -164,21 +163,10 @@ TEST_F(TimeSpanText, FollowsTheUsersSettings) {
 }
 
 TEST(TimeSpan, ArchiveHoldsEightBytes) {
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        Micro(-2).Serialize(ar);
-    }
-    EXPECT_EQ(file.GetLength(), 8u);
-    file.SeekToBegin();
-    unsigned char bytes[8];
-    ASSERT_EQ(file.Read(bytes, 8), 8u);
-    const unsigned char expected[8] = {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-    EXPECT_EQ(std::memcmp(bytes, expected, 8), 0);
-    file.SeekToBegin();
-    CArchive ar(&file, CArchive::load);
+    const std::string bytes = afx_test::Stored([](CArchive& ar) { Micro(-2).Serialize(ar); });
+    EXPECT_EQ(bytes, "\xFE" + std::string(7, '\xFF'));
     const std::unique_ptr<CObject> made(RUNTIME_CLASS(CVXTTimeSpan)->CreateObject());
     ASSERT_TRUE(made);
-    made->Serialize(ar);
+    afx_test::ExpectLoads(bytes, [&](CArchive& ar) { made->Serialize(ar); });
     EXPECT_EQ(Count(*static_cast<CVXTTimeSpan*>(made.get())), -2);
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -12,30 +13,22 @@ using orvik::detail::CountDown;
 
 TEST(Timer, CountsDownOnTheTicks) {
     constexpr DWORD kLast = 4'294'967'295;
-    const struct {
-        const char* what;
-        DWORD armedAt, duration, now, remaining, elapsed;
-        bool runOut;
-    } rows[] = {
-        {"just armed", 5'000, 1'000, 5'000, 1'000, 0, false},
-        {"on its way", 5'000, 1'000, 5'400, 600, 400, false},
-        {"one tick left", 5'000, 1'000, 5'999, 1, 999, false},
-        {"at the deadline nothing remains, yet it has not run out", 5'000, 1'000, 6'000, 0, 1'000, false},
-        {"a tick later it has", 5'000, 1'000, 6'001, 0, 1'000, true},
-        {"long after", 5'000, 1'000, 6'500, 0, 1'000, true},
-        {"no duration", 5'000, 0, 5'000, 0, 0, false},
-        {"no duration, a tick later", 5'000, 0, 5'001, 0, 0, true},
-        {"a deadline at the last tick", kLast - 1'000, 1'000, kLast - 1, 1, 999, false},
-        {"and reached", kLast - 1'000, 1'000, kLast, 0, 1'000, false},
-        {"a deadline behind the wrap has run out at once", kLast - 999, 1'000, kLast - 999, 0, 1'000, true},
-        {"until the ticks have wrapped, too", kLast - 999, 1'002, 1, 1, 1'001, false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        const CountDown countDown = CountDown::From(row.armedAt, row.duration);
-        EXPECT_EQ(countDown.Remaining(row.now), row.remaining);
-        EXPECT_EQ(countDown.Elapsed(row.now), row.elapsed);
-        EXPECT_EQ(countDown.HasRunOut(row.now), row.runOut);
+    using Row = std::tuple<const char*, DWORD, DWORD, DWORD, DWORD, DWORD, bool>;
+    for (const auto& [what, armedAt, duration, now, remaining, elapsed, runOut] :
+         {Row{"just armed", 5'000, 1'000, 5'000, 1'000, 0, false}, Row{"on its way", 5'000, 1'000, 5'400, 600, 400, false},
+          Row{"one tick left", 5'000, 1'000, 5'999, 1, 999, false},
+          Row{"at the deadline nothing remains, yet it has not run out", 5'000, 1'000, 6'000, 0, 1'000, false},
+          Row{"a tick later it has", 5'000, 1'000, 6'001, 0, 1'000, true}, Row{"long after", 5'000, 1'000, 6'500, 0, 1'000, true},
+          Row{"no duration", 5'000, 0, 5'000, 0, 0, false}, Row{"no duration, a tick later", 5'000, 0, 5'001, 0, 0, true},
+          Row{"a deadline at the last tick", kLast - 1'000, 1'000, kLast - 1, 1, 999, false},
+          Row{"and reached", kLast - 1'000, 1'000, kLast, 0, 1'000, false},
+          Row{"a deadline behind the wrap has run out at once", kLast - 999, 1'000, kLast - 999, 0, 1'000, true},
+          Row{"until the ticks have wrapped, too", kLast - 999, 1'002, 1, 1, 1'001, false}}) {
+        SCOPED_TRACE(what);
+        const CountDown countDown = CountDown::From(armedAt, duration);
+        EXPECT_EQ(countDown.Remaining(now), remaining);
+        EXPECT_EQ(countDown.Elapsed(now), elapsed);
+        EXPECT_EQ(countDown.HasRunOut(now), runOut);
     }
 }
 

@@ -23,8 +23,7 @@ protected:
     CRect Place(int id) const { return PlaceIn(sheet, GetDlgItem(sheet, id)); }
     void Grow(int cx, int cy) {
         CRect window;
-        sheet.GetWindowRect(window);
-        sheet.MoveWindow(window.left, window.top, window.Width() + cx, window.Height() + cy);
+        sheet.GetWindowRect(window), sheet.MoveWindow(window.left, window.top, window.Width() + cx, window.Height() + cy);
     }
     Sheet sheet;
 };
@@ -71,8 +70,7 @@ TEST_F(ToolkitDialog, TheSizeAtFirstIsTheSmallestForItsUser) {
 TEST_F(ToolkitDialog, LooksAndDraggingAreSwitches) {
     const auto hit = [&] {
         CRect client;
-        sheet.GetClientRect(client);
-        sheet.ClientToScreen(client);
+        sheet.GetClientRect(client), sheet.ClientToScreen(client);
         return sheet.SendMessage(WM_NCHITTEST, 0, MAKELPARAM(client.left + 3, client.top + 3));
     };
     EXPECT_EQ(hit(), HTCLIENT);

@@ -3,11 +3,13 @@
 
 #include <cstring>
 #include <limits>
+#include <tuple>
 
 #include "afx/controls.h"
 #include "afx/menu.h"
 #include "res/ids.h"
 #include "tests/support/dialog_fixture.h"
+#include "tests/support/table.h"
 
 namespace {
 
@@ -60,15 +62,13 @@ protected:
         ASSERT_TRUE(parent.CreateEx(0, AfxRegisterWndClass(0), "", WS_CHILD | WS_VISIBLE, CRect(0, 0, 400, 400), &owner, 1));
         ASSERT_TRUE(grid.Create(WS_CHILD | WS_VISIBLE | WS_BORDER | WS_TABSTOP, CRect(0, 0, 300, 300), &parent, kGrid));
         grid.EnableHeaderCtrl(), grid.EnableDescriptionArea(), grid.SetVSDotNetLook(), grid.MarkModifiedProperties();
-        grid.EnableContextMenu();
-        grid.SetFocus();
+        grid.EnableContextMenu(), grid.SetFocus();
     }
     // A group with four properties, and one of its own.
     void Fill() {
         channel = new CBCGPProp("Channel");
         channel->AddSubItem(name = new CBCGPProp("Name", "Outdoor", "As it is shown", 11));
-        channel->AddSubItem(count = new CBCGPProp("Count", 5));
-        channel->AddSubItem(scale = new CBCGPProp("Scale", 1.5));
+        channel->AddSubItem(count = new CBCGPProp("Count", 5)), channel->AddSubItem(scale = new CBCGPProp("Scale", 1.5));
         channel->AddSubItem(active = new CBCGPProp("Active", true));
         grid.AddProperty(channel);
         unit = new CBCGPProp("Unit", "bar");
@@ -150,34 +150,20 @@ TEST_F(PropList, TextBecomesAValueOfThePropertysKind) {
     Fill();
     const CBCGPColorProp colour("Colour", RGB(1, 2, 255));
     EXPECT_STREQ(colour.FormatProperty(), "#0102FF");
-    struct {
+    struct Row {
         const CBCGPProp& prop;
         const char* text;
         const char* written;  // null: refused
-    } const cases[] = {{*count, " -12 ", "-12"},
-                       {*count, "+7", "7"},
-                       {*count, "1,5", nullptr},
-                       {*count, "", nullptr},
-                       {*count, "+-1", nullptr},
-                       {*count, "9223372036854775807", "9223372036854775807"},
-                       {*count, "9223372036854775808", nullptr},
-                       {*scale, "2,25", "2,25"},
-                       {*scale, "-1e-3", "-0,001"},
-                       {*scale, "1e999", nullptr},
-                       {*scale, "nan", nullptr},
-                       {*scale, "1 2", nullptr},
-                       {*scale, "0x10", nullptr},
-                       {*active, "No", "No"},
-                       {*active, "no", nullptr},
-                       {*name, "", ""},
-                       {*name, " x ", " x "},
-                       {*channel, "x", nullptr},
-                       {colour, "#00ff00", "#00FF00"},
-                       {colour, "00FF00", nullptr},
-                       {colour, "#00FF0", nullptr},
-                       {colour, "#00FF0G", nullptr},
-                       {colour, "#-12345", nullptr}};
-    for (const auto& each : cases) {
+    };
+    for (const Row& each :
+         Table(Row{*count, " -12 ", "-12"}, Row{*count, "+7", "7"}, Row{*count, "1,5", nullptr}, Row{*count, "", nullptr},
+               Row{*count, "+-1", nullptr}, Row{*count, "9223372036854775807", "9223372036854775807"},
+               Row{*count, "9223372036854775808", nullptr}, Row{*scale, "2,25", "2,25"}, Row{*scale, "-1e-3", "-0,001"},
+               Row{*scale, "1e999", nullptr}, Row{*scale, "nan", nullptr}, Row{*scale, "1 2", nullptr},
+               Row{*scale, "0x10", nullptr}, Row{*active, "No", "No"}, Row{*active, "no", nullptr}, Row{*name, "", ""},
+               Row{*name, " x ", " x "}, Row{*channel, "x", nullptr}, Row{colour, "#00ff00", "#00FF00"},
+               Row{colour, "00FF00", nullptr}, Row{colour, "#00FF0", nullptr}, Row{colour, "#00FF0G", nullptr},
+               Row{colour, "#-12345", nullptr})) {
         CBCGPPropValue value = "as before";
         const bool good = each.prop.StringToValue(each.text, value) != FALSE;
         EXPECT_EQ(good, each.written != nullptr) << each.prop.GetName() << " '" << each.text << "'";
@@ -195,16 +181,13 @@ TEST_F(PropList, TextBecomesAValueOfThePropertysKind) {
 
 TEST_F(PropList, KeysMoveExpandAndCollapse) {
     Fill();
-    struct {
-        UINT key;
-        const CBCGPProp* selected;
-    } const steps[] = {{VK_DOWN, channel}, {VK_DOWN, name},     {VK_END, unit},       {VK_DOWN, unit},
-                       {VK_UP, active},    {VK_LEFT, channel},  {VK_UP, channel},     {VK_LEFT, channel},
-                       {VK_DOWN, unit},    {VK_HOME, channel},  {VK_RIGHT, channel},  {VK_RIGHT, name},
-                       {VK_NEXT, unit},    {VK_PRIOR, channel}, {VK_RETURN, channel}, {VK_END, unit}};
-    for (const auto& step : steps) {
-        Press(grid, step.key);
-        EXPECT_EQ(grid.GetCurSel(), step.selected) << "key " << step.key;
+    using Row = std::tuple<UINT, const CBCGPProp*>;
+    for (const auto& [key, selected] : {Row{VK_DOWN, channel}, Row{VK_DOWN, name}, Row{VK_END, unit}, Row{VK_DOWN, unit},
+                                        Row{VK_UP, active}, Row{VK_LEFT, channel}, Row{VK_UP, channel}, Row{VK_LEFT, channel},
+                                        Row{VK_DOWN, unit}, Row{VK_HOME, channel}, Row{VK_RIGHT, channel}, Row{VK_RIGHT, name},
+                                        Row{VK_NEXT, unit}, Row{VK_PRIOR, channel}, Row{VK_RETURN, channel}, Row{VK_END, unit}}) {
+        Press(grid, key);
+        EXPECT_EQ(grid.GetCurSel(), selected) << "key " << key;
     }
     EXPECT_EQ(grid.GetRowCount(), 2) << "Enter on a group collapses it";
     channel->Expand();
@@ -213,8 +196,7 @@ TEST_F(PropList, KeysMoveExpandAndCollapse) {
     EXPECT_EQ(grid.GetCurSel(), channel) << "the selection goes where the property has gone";
     grid.SetCurSel(scale);
     EXPECT_EQ(grid.GetCurSel(), channel) << "what is not shown is not selected";
-    grid.EnsureVisible(scale);
-    grid.SetCurSel(scale);
+    grid.EnsureVisible(scale), grid.SetCurSel(scale);
     EXPECT_EQ(grid.GetCurSel(), scale);
     EXPECT_TRUE(parent.changed.empty());
 }
@@ -300,9 +282,7 @@ TEST_F(PropList, ChoicesAreTakenByKeyMouseAndTurn) {
     Press(Choices(), VK_DOWN), Press(Choices(), VK_DOWN);
     Press(Choices(), VK_ESCAPE);
     EXPECT_STREQ(unit->FormatProperty(), "bar");
-    Press(grid, VK_F2);
-    Press(Choices(), VK_DOWN);
-    Press(Choices(), VK_RETURN);
+    Press(grid, VK_F2), Press(Choices(), VK_DOWN), Press(Choices(), VK_RETURN);
     EXPECT_STREQ(unit->FormatProperty(), "Pa");
     EXPECT_EQ(::GetFocus(), grid.m_hWnd);
     Press(grid, VK_SPACE), Press(grid, VK_SPACE);
@@ -510,8 +490,7 @@ TEST_F(PropList, LooksFollowTheState) {
     EXPECT_LT(ink(group), named);
     CClientDC dc(&grid);
     EXPECT_EQ(dc.GetPixel(group.right - 20, group.top + 3), GetSysColor(COLOR_BTNFACE));
-    grid.SetVSDotNetLook(FALSE);
-    grid.UpdateWindow();
+    grid.SetVSDotNetLook(FALSE), grid.UpdateWindow();
     EXPECT_EQ(dc.GetPixel(group.right - 20, group.top + 3), GetSysColor(COLOR_WINDOW));
     // The selected row has the desktop's colour of selections while the grid has the focus.
     grid.SetCurSel(name);

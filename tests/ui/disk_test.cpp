@@ -1,6 +1,7 @@
 // Files and disks as dialogs use them, on both homes by the same names.
 #include "ui/disk.h"
 
+#include <tuple>
 #include <vector>
 
 #include "tests/support/dialog_fixture.h"
@@ -23,7 +24,9 @@ protected:
         EXPECT_EQ(CDisk::GetDir(dir), 1);
         return dir.GetString();
     }
-    std::string Told() {
+    // What the user is told of a copy that is not made.
+    std::string Refused(const char* from, const char* to) {
+        EXPECT_EQ(CDisk::CopyFileA(from, to), 0);
         EXPECT_EQ(app.types, std::vector<UINT>{MB_ICONHAND});
         return app.Told();
     }
@@ -75,11 +78,12 @@ TEST_F(Disk, AFailedChangeLeavesTheDirectory) {
 TEST_F(Disk, ListsByKindSortedByTheirBytes) {
     for (const char* name : {"a.txt", "B.txt", "c.dat", "b"}) folder.Write(name, "1");
     folder.MakeFolder("Sub");
-    EXPECT_EQ(List(folder("*.*")), (Names{"B.txt", "a.txt", "b", "c.dat"}));
-    EXPECT_EQ(List(folder("*"), 1, dirDirectoriesOnly), (Names{".", "..", "Sub"}));
-    EXPECT_EQ(List(folder("*"), 1, dirAll), (Names{".", "..", "B.txt", "Sub", "a.txt", "b", "c.dat"}));
-    EXPECT_EQ(List(folder("*"), 1, static_cast<eDIRSPECIFIER>(3)), Names());
-    EXPECT_EQ(List(folder("*"), 1, static_cast<eDIRSPECIFIER>(-1)), Names());
+    using Row = std::tuple<const char*, eDIRSPECIFIER, Names>;
+    for (const auto& [pattern, kind, names] :
+         {Row{"*.*", dirFilesOnly, {"B.txt", "a.txt", "b", "c.dat"}}, Row{"*", dirDirectoriesOnly, {".", "..", "Sub"}},
+          Row{"*", dirAll, {".", "..", "B.txt", "Sub", "a.txt", "b", "c.dat"}}, Row{"*", static_cast<eDIRSPECIFIER>(3), {}},
+          Row{"*", static_cast<eDIRSPECIFIER>(-1), {}}})
+        EXPECT_EQ(List(folder(pattern), 1, kind), names) << kind;
     Names any = List(folder("*.txt"), 0);
     std::sort(any.begin(), any.end());
     EXPECT_EQ(any, (Names{"B.txt", "a.txt"}));
@@ -87,18 +91,12 @@ TEST_F(Disk, ListsByKindSortedByTheirBytes) {
 
 TEST_F(Disk, PatternsLookAtNoCase) {
     for (const char* name : {"LOG1.TXT", "log2.txt", "log10.txt", "log3.txt.bak"}) folder.Write(name, "1");
-    EXPECT_EQ(List("*.txt"), (Names{"LOG1.TXT", "log10.txt", "log2.txt"}));
-    EXPECT_EQ(List(folder("Log?.TXT")), (Names{"LOG1.TXT", "log2.txt"}));
-    EXPECT_EQ(List("*1*"), (Names{"LOG1.TXT", "log10.txt"}));
-    EXPECT_EQ(List("log2.txt"), Names{"log2.txt"});
-    EXPECT_EQ(List("log[2].txt"), Names());
-    EXPECT_EQ(List("*.dat"), Names());
-}
-
-TEST_F(Disk, WhatCannotBeListedIsEmpty) {
-    EXPECT_EQ(List(folder("missing\\*.*")), Names());
-    EXPECT_EQ(List("Q:\\*.*"), Names());
-    EXPECT_EQ(List(""), Names());
+    using Row = std::pair<std::string, Names>;
+    for (const auto& [pattern, names] :
+         {Row{"*.txt", {"LOG1.TXT", "log10.txt", "log2.txt"}}, Row{folder("Log?.TXT"), {"LOG1.TXT", "log2.txt"}},
+          Row{"*1*", {"LOG1.TXT", "log10.txt"}}, Row{"log2.txt", {"log2.txt"}}, Row{"log[2].txt", {}}, Row{"*.dat", {}},
+          Row{folder("missing\\*.*"), {}}, Row{"Q:\\*.*", {}}, Row{"", {}}})  // what cannot be listed is empty
+        EXPECT_EQ(List(pattern), names) << pattern;
     CStringArray names;
     names.Add("left");
     CDisk::ListDir(nullptr, names, 1, dirAll);
@@ -108,8 +106,7 @@ TEST_F(Disk, WhatCannotBeListedIsEmpty) {
 TEST_F(Disk, CopiesBytesToANewName) {
     std::string bytes(300000, 'x');
     for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 31 >> 3);
-    folder.Write("a.bin", bytes);
-    folder.MakeFolder("sub");
+    folder.Write("a.bin", bytes), folder.MakeFolder("sub");
     EXPECT_EQ(CDisk::CopyFileA(folder("a.bin").c_str(), folder("sub\\b.bin").c_str()), 1);
     EXPECT_EQ(folder.Read("sub/b.bin"), bytes);
     EXPECT_EQ(CDisk::CopyFileA("a.bin", "m\xE4tning \x80.bin"), 1);
@@ -119,63 +116,52 @@ TEST_F(Disk, CopiesBytesToANewName) {
 
 TEST_F(Disk, TheSameNameInAnyCaseIsTold) {
     folder.Write("a.txt", "1");
-    EXPECT_EQ(CDisk::CopyFileA("a.txt", "A.TXT"), 0);
-    EXPECT_EQ(Told(), "Source and target directories\nare the same.");
-    EXPECT_EQ(CDisk::CopyFileA("\xE5.txt", "\xC5.TXT"), 0);
-    EXPECT_EQ(Told(), "Source and target directories\nare the same.");
-    EXPECT_EQ(folder.Count(), 1);
+    EXPECT_EQ(Refused("a.txt", "A.TXT"), "Source and target directories\nare the same.");
+    EXPECT_EQ(Refused("\xE5.txt", "\xC5.TXT"), "Source and target directories\nare the same.");
+    EXPECT_EQ(folder.Count(), 1u);
     const TextLanguage swedish(LANG_SWEDISH);
-    EXPECT_EQ(CDisk::CopyFileA(nullptr, ""), 0);
-    EXPECT_EQ(Told(), "K\xE4lla och m\xE5lmapp\n\xE4r samma.");
+    EXPECT_EQ(Refused(nullptr, ""), "K\xE4lla och m\xE5lmapp\n\xE4r samma.");
 }
 
 TEST_F(Disk, ACopyNeverOverwrites) {
-    folder.Write("a.txt", "new");
-    folder.Write("b.txt", "old");
-    EXPECT_EQ(CDisk::CopyFileA("a.txt", "b.txt"), 0);
-    EXPECT_EQ(Told(), "Could not copy file.\n\nThe file already exists.");
+    folder.Write("a.txt", "new"), folder.Write("b.txt", "old");
+    EXPECT_EQ(Refused("a.txt", "b.txt"), "Could not copy file.\n\nThe file already exists.");
     EXPECT_EQ(folder.Read("b.txt"), "old");
     const TextLanguage swedish(LANG_SWEDISH);
-    EXPECT_EQ(CDisk::CopyFileA("a.txt", folder("b.txt").c_str()), 0);
-    EXPECT_EQ(Told(), "Kunde inte kopiera filen.\n\nFilen finns redan.");
-    EXPECT_EQ(folder.Count(), 2);
+    EXPECT_EQ(Refused("a.txt", folder("b.txt").c_str()), "Kunde inte kopiera filen.\n\nFilen finns redan.");
+    EXPECT_EQ(folder.Count(), 2u);
 }
 
 TEST_F(Disk, OtherReasonsAreTold) {
-    folder.Write("a.txt", "1");
-    folder.MakeFolder("sub");
-    EXPECT_EQ(CDisk::CopyFileA("missing.txt", "b.txt"), 0);
-    EXPECT_EQ(Told(), "Could not copy file.\n\nError code: 2.");
-    EXPECT_EQ(CDisk::CopyFileA("a.txt", "missing\\b.txt"), 0);
-    EXPECT_EQ(Told(), "Could not copy file.\n\nError code: 3.");
-    EXPECT_EQ(CDisk::CopyFileA("sub", "b.txt"), 0);
-    EXPECT_EQ(Told(), "Could not copy file.\n\nAccess denied.");
+    folder.Write("a.txt", "1"), folder.MakeFolder("sub");
+    EXPECT_EQ(Refused("missing.txt", "b.txt"), "Could not copy file.\n\nError code: 2.");
+    EXPECT_EQ(Refused("a.txt", "missing\\b.txt"), "Could not copy file.\n\nError code: 3.");
+    EXPECT_EQ(Refused("sub", "b.txt"), "Could not copy file.\n\nAccess denied.");
     const TextLanguage swedish(LANG_SWEDISH);
-    EXPECT_EQ(CDisk::CopyFileA("sub", "b.txt"), 0);
-    EXPECT_EQ(Told(), "Kunde inte kopiera filen.\n\n\xC5tkomst nekad.");
-    EXPECT_EQ(folder.Count(), 2);
+    EXPECT_EQ(Refused("sub", "b.txt"), "Kunde inte kopiera filen.\n\n\xC5tkomst nekad.");
+    EXPECT_EQ(folder.Count(), 2u);
 }
 
 TEST_F(Disk, AccessAsksForOneUse) {
     folder.Write("a.txt", "1");
-    EXPECT_EQ(CDisk::Access(folder("a.txt").c_str(), accessExist), 1);
-    EXPECT_EQ(CDisk::Access("a.txt", accessReadWrite), 1);
-    EXPECT_EQ(CDisk::Access("missing.txt", accessExist), 0);
-    EXPECT_EQ(CDisk::Access("", accessExist), 0);
-    EXPECT_EQ(CDisk::Access(nullptr, accessExist), 0);
-    EXPECT_EQ(CDisk::Access(folder.Path().c_str(), accessExist), 1);
+    for (const std::string& name : {folder("a.txt"), folder.Path(), std::string("a.txt")})
+        EXPECT_EQ(CDisk::Access(name.c_str(), accessExist), 1) << name;
+    for (const char* name : {"missing.txt", "", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(CDisk::Access(name, accessExist), 0);
+    const auto uses = [] {
+        std::string text;
+        for (const auto use : {accessRead, accessWrite, accessReadWrite}) text += std::to_string(CDisk::Access("a.txt", use));
+        return text;
+    };
+    EXPECT_EQ(uses(), "111");
     ASSERT_TRUE(SetFileAttributesA("a.txt", FILE_ATTRIBUTE_READONLY));
-    EXPECT_EQ(CDisk::Access("a.txt", accessRead), 1);
-    EXPECT_EQ(CDisk::Access("a.txt", accessWrite), 0);
-    EXPECT_EQ(CDisk::Access("a.txt", accessReadWrite), 0);
+    EXPECT_EQ(uses(), "100");
     ASSERT_TRUE(SetFileAttributesA("a.txt", FILE_ATTRIBUTE_NORMAL));
-    EXPECT_EQ(CDisk::Access("a.txt", accessWrite), 1);
+    EXPECT_EQ(uses(), "111");
 }
 
 TEST_F(Disk, FreeSpaceIsInWholeSectors) {
     EXPECT_EQ(CDisk::FreeSpace('C') % 512, 0);
     EXPECT_NE(CDisk::FreeSpace('c'), -1);
-    EXPECT_EQ(CDisk::FreeSpace('Q'), -1);
-    EXPECT_EQ(CDisk::FreeSpace('\\'), -1);
-    EXPECT_EQ(CDisk::FreeSpace(0), -1);
+    for (const char drive : {'Q', '\\', '\0'}) EXPECT_EQ(CDisk::FreeSpace(drive), -1) << drive;
 }

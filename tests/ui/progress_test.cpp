@@ -1,6 +1,7 @@
 // Progress in both forms: the dialog and the bar, with what the user and the system may do meanwhile.
 #include <algorithm>
 #include <map>
+#include <tuple>
 
 #include "afx/controls.h"
 #include "res/ids.h"
@@ -24,18 +25,22 @@ protected:
         return static_cast<int>(window.bottom - window.top);
     }
     static std::string Percent(const CWnd& dialog) { return TextOf(Control(dialog, IDC_ORVIK_PERCENT)); }
+    // What a progress dialog says, from its title to its button.
+    static std::string Texts(HWND dialog) {
+        std::string all = TextOf(dialog);
+        for (const int id : {IDC_ORVIK_PERCENT, IDC_ORVIK_MESSAGE, IDC_ORVIK_MESSAGE2, IDCANCEL})
+            all += "|" + TextOf(GetDlgItem(dialog, id));
+        return all;
+    }
     CProgressDlgParams Params() const {
         CProgressDlgParams params;
-        params.m_strCaption = "Download";
-        params.m_strMessage = "Reading";
-        params.m_strMessage2 = "Block 1";
+        params.m_strCaption = "Download", params.m_strMessage = "Reading", params.m_strMessage2 = "Block 1";
         return params;
     }
     static LRESULT Quit() {
         MSG message;
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
             if (message.message == WM_QUIT) return static_cast<LRESULT>(message.wParam);
-        }
         return -1;
     }
 };
@@ -104,10 +109,7 @@ TEST_F(Progress, TheDialogStandsOverItsDisabledOwner) {
     EXPECT_FALSE(owner.IsWindowEnabled());
     EXPECT_TRUE(dialog.IsWindowVisible());
     EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.m_hWnd);
-    EXPECT_EQ(TextOf(dialog), "Download");
-    EXPECT_EQ(TextOf(Control(dialog, IDC_ORVIK_MESSAGE)), "Reading");
-    EXPECT_EQ(TextOf(Control(dialog, IDC_ORVIK_MESSAGE2)), "Block 1");
-    EXPECT_EQ(TextOf(Control(dialog, IDCANCEL)), "Cancel");
+    EXPECT_EQ(Texts(dialog), "Download|0 %|Reading|Block 1|Cancel");
     EXPECT_FALSE(dialog.Create(Params(), &owner)) << "one window at a time";
     RECT around, window;
     owner.GetWindowRect(&around);
@@ -186,29 +188,19 @@ TEST_F(Progress, PercentsAreTruncatedAndBeginAgainAboveAHundred) {
     CProgressDialog dialog(&owner);
     ASSERT_TRUE(dialog.Create(Params(), &owner));
     EXPECT_EQ(Percent(dialog), "0 %");
-    struct {
-        LONG min, max, pos;
-        const char* text;
-    } const cases[] = {{0, 200, 100, "50 %"},
-                       {0, 200, 200, "100 %"},
-                       {0, 100, 150, "50 %"},
-                       {0, 100, 200, "0 %"},
-                       {0, 3, 2, "66 %"},
-                       {-50, 50, 0, "50 %"},
-                       {0, 100, -30, "-30 %"},
-                       {0, 100, -130, "-30 %"},
-                       {0, 2'000'000'000, 1'999'999'999, "99 %"},
-                       {-2'000'000'000, 2'000'000'000, 1'000'000'000, "75 %"},
-                       {7, 7, 7, "0 %"}};
-    for (const auto& each : cases) {
-        dialog.SetRange(each.min, each.max);
-        EXPECT_EQ(dialog.GetParameters().m_nRangeMax, each.max);
-        dialog.SetPos(each.pos);
-        EXPECT_EQ(Percent(dialog), each.text) << each.pos << " of " << each.min << ".." << each.max;
-        EXPECT_EQ(dialog.GetPos(), each.pos);
+    using Row = std::tuple<LONG, LONG, LONG, const char*>;
+    for (const auto& [min, max, pos, text] :
+         {Row{0, 200, 100, "50 %"}, Row{0, 200, 200, "100 %"}, Row{0, 100, 150, "50 %"}, Row{0, 100, 200, "0 %"},
+          Row{0, 3, 2, "66 %"}, Row{-50, 50, 0, "50 %"}, Row{0, 100, -30, "-30 %"}, Row{0, 100, -130, "-30 %"},
+          Row{0, 2'000'000'000, 1'999'999'999, "99 %"}, Row{-2'000'000'000, 2'000'000'000, 1'000'000'000, "75 %"},
+          Row{7, 7, 7, "0 %"}}) {
+        dialog.SetRange(min, max);
+        EXPECT_EQ(dialog.GetParameters().m_nRangeMax, max);
+        dialog.SetPos(pos);
+        EXPECT_EQ(Percent(dialog), text) << pos << " of " << min << ".." << max;
+        EXPECT_EQ(dialog.GetPos(), pos);
     }
-    dialog.SetRange(0, 100);
-    dialog.SetPos(40);
+    dialog.SetRange(0, 100), dialog.SetPos(40);
     {
         const Spy percent(Control(dialog, IDC_ORVIK_PERCENT));
         dialog.SetPos(40), dialog.UpdatePercent(140);
@@ -307,10 +299,8 @@ TEST_F(Progress, ASecondLineIsThereFromTheStartOrNever) {
     CProgressDlgParams params = Params();
     ASSERT_TRUE(with.Create(params, &owner));
     with.SetMessage("Writing"), with.SetMessage2("Block 2");
-    EXPECT_EQ(TextOf(Control(with, IDC_ORVIK_MESSAGE)), "Writing");
-    EXPECT_EQ(TextOf(Control(with, IDC_ORVIK_MESSAGE2)), "Block 2");
-    with.SetMessage2("");
-    with.SetMessage2("Block 3");
+    EXPECT_EQ(Texts(with), "Download|0 %|Writing|Block 2|Cancel");
+    with.SetMessage2(""), with.SetMessage2("Block 3");
     EXPECT_EQ(TextOf(Control(with, IDC_ORVIK_MESSAGE2)), "") << "an empty line is none";
     params.m_strMessage2 = "";
     ASSERT_TRUE(without.Create(params, &owner));
@@ -355,8 +345,7 @@ TEST_F(Progress, TheHeaderIsDrawnOverItsBand) {
         using CProgressDialog::CProgressDialog;
         void OnDrawHeader(CDC* dc, CRect band) override {
             ++drawn, place = band;
-            dc->GetClipBox(clip);
-            dc->FillSolidRect(band, RGB(10, 20, 30));
+            dc->GetClipBox(clip), dc->FillSolidRect(band, RGB(10, 20, 30));
         }
         int drawn = 0;
         CRect place, clip;
@@ -393,14 +382,12 @@ TEST_F(Progress, TheBarDrivesTheToolkitsDialog) {
     const HWND dialog = FindBar();
     ASSERT_NE(dialog, nullptr);
     EXPECT_FALSE(owner.IsWindowEnabled());
-    EXPECT_EQ(TextOf(dialog), "Export");
+    EXPECT_EQ(Texts(dialog), "Export|0 %|Writing|data.csv|Cancel");
     const auto* object = dynamic_cast<CBCGPProgressDlg*>(CWnd::FromHandlePermanent(dialog));
     ASSERT_NE(object, nullptr);
     EXPECT_TRUE(object->IsDragClientAreaEnabled() && object->IsVisualManagerStyle());
     bar.Feed(50, "Still writing", nullptr, FALSE);
-    EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_ORVIK_PERCENT)), "25 %");
-    EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_ORVIK_MESSAGE)), "Still writing");
-    EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_ORVIK_MESSAGE2)), "data.csv");
+    EXPECT_EQ(Texts(dialog), "Export|25 %|Still writing|data.csv|Cancel");
     EXPECT_FALSE(bar.IsAborted());
     PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
     bar.SetMessage(nullptr, TRUE);
@@ -418,9 +405,7 @@ TEST_F(Progress, TheBarDrivesTheToolkitsDialog) {
     bar.Start(10, "Import", "Reading", "more.csv", FALSE, &owner, TRUE);
     EXPECT_EQ(FindBar(), dialog);
     bar.Feed(5, nullptr, nullptr, FALSE);
-    EXPECT_EQ(TextOf(dialog), "Import");
-    EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_ORVIK_PERCENT)), "50 %");
-    EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_ORVIK_MESSAGE2)), "more.csv");
+    EXPECT_EQ(Texts(dialog), "Import|50 %|Reading|more.csv|Cancel");
     bar.SetRange(0, 20);
     EXPECT_EQ(SendMessageA(GetDlgItem(dialog, IDC_ORVIK_PROGRESS), PBM_GETRANGE, FALSE, 0), 20);
     bar.SetMessage2("last.csv", FALSE);

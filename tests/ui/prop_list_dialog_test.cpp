@@ -135,10 +135,8 @@ TEST_F(PropListDialog, ItsHeightFollowsTheRows) {
     auto* group = new CBCGPProp("Group");
     auto* deep = new CBCGPProp("Deep", 1);
     for (int i = 0; i < 3; ++i) deep->AddSubItem(new CBCGPProp("Below", i));
-    group->AddSubItem(deep);
-    group->AddSubItem(new CBCGPProp("Second", "x"));
-    grid.AddProperty(group);
-    grid.AddProperty(new CBCGPProp("Alone", true));
+    group->AddSubItem(deep), group->AddSubItem(new CBCGPProp("Second", "x"));
+    grid.AddProperty(group), grid.AddProperty(new CBCGPProp("Alone", true));
     group->Expand(FALSE);  // counted all the same
     const CRect before = Window();
     for (int turn = 0; turn < 2; ++turn) {
@@ -183,8 +181,7 @@ TEST_F(PropListDialog, ChangesReachTheDerivedDialogAndOthersDoNot) {
     key(VK_ESCAPE);
     EXPECT_EQ(dialog.cancelled, 0) << "Escape ends the editing first";
     EXPECT_EQ(prop->GetValue().Integer(), 8);
-    key(VK_F2);
-    key(VK_TAB);
+    key(VK_F2), key(VK_TAB);
     EXPECT_EQ(::GetFocus(), GetDlgItem(dialog, IDOK));
     const HeldKey shift(VK_SHIFT);
     key(VK_TAB);
@@ -230,24 +227,19 @@ TEST_F(PropListDialog, ItMayEndOrEmptyItselfOnBeingTold) {
         const CRect place = grid.GetPropertyRect(grid.GetProperty(row));
         ClickAt(grid, {place.left + x, place.top + 4});
     };
-    const Way ways[] = {
-        {"Enter", 0, "6", key(VK_RETURN)},
-        {"Down", 0, "6", key(VK_DOWN)},
-        {"Tab", 0, "6", key(VK_TAB)},
-        {"another row", 0, "6", [&](CBCGPPropList& grid, HWND) { click(grid, 1, 60); }},
-        {"another window", 0, "6", [&](CBCGPPropList&, HWND) { ::SetFocus(owner); }},
-        {"OK", 0, "6", [&](CBCGPPropList& grid, HWND) { ::SendMessageA(::GetParent(grid), WM_COMMAND, IDOK, 0); }},
-        {"Enter on a choice", 1, nullptr, key(VK_RETURN)},
-        {"Tab on a choice", 1, nullptr, key(VK_TAB)},
-        {"Space", -1, nullptr, [](CBCGPPropList& grid, HWND) { grid.SetCurSel(grid.GetProperty(1)), Press(grid, VK_SPACE); }},
-        {"all reset", -1, nullptr,
-         [](CBCGPPropList& grid, HWND) {
-             grid.GetProperty(0)->SetValue(7), grid.GetProperty(1)->SetValue("Pa");
-             grid.ResetOriginalValues();
-         }},
-    };
     for (const bool empties : {false, true}) {
-        for (const Way& way : ways) {
+        for (const Way& way :
+             {Way{"Enter", 0, "6", key(VK_RETURN)}, Way{"Down", 0, "6", key(VK_DOWN)}, Way{"Tab", 0, "6", key(VK_TAB)},
+              Way{"another row", 0, "6", [&](CBCGPPropList&grid, HWND) { click(grid, 1, 60); }},
+              Way{"another window", 0, "6", [&](CBCGPPropList&, HWND) { ::SetFocus(owner); }},
+              Way{"OK", 0, "6", [&](CBCGPPropList&grid, HWND) { ::SendMessageA(::GetParent(grid), WM_COMMAND, IDOK, 0); }},
+              Way{"Enter on a choice", 1, nullptr, key(VK_RETURN)}, Way{"Tab on a choice", 1, nullptr, key(VK_TAB)},
+              Way{"Space", -1, nullptr,
+                  [](CBCGPPropList&grid, HWND) { grid.SetCurSel(grid.GetProperty(1)), Press(grid, VK_SPACE); }},
+              Way{"all reset", -1, nullptr, [](CBCGPPropList&grid, HWND) {
+                      grid.GetProperty(0)->SetValue(7), grid.GetProperty(1)->SetValue("Pa");
+                      grid.ResetOriginalValues();
+                  }}}) {
             auto* passing = new Passing(empties);
             ASSERT_TRUE(passing->Create(IDD_ORVIK_PROPERTIES, &owner));
             passing->ShowWindow(SW_SHOW);

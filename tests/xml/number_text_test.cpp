@@ -1,4 +1,5 @@
 #include "xml/number_text.h"
+#include "tests/support/table.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <tuple>
 
 using namespace orvik::detail;
 
@@ -18,14 +20,11 @@ std::string General(double value) { return std::string(GeneralText(value).View()
 }  // namespace
 
 TEST(NumberText, GeneralFormat) {
-    const struct {
-        double value;
-        const char* text;
-    } cases[] = {
-        {-0.0, "-0"},      {1000000, "1E+06"},  {999999.5, "1E+06"}, {4.9e-324, "4.94066E-324"},
-        {INFINITY, "INF"}, {-INFINITY, "-INF"}, {NAN, "NAN"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(General(c.value), c.text);
+    using Row = std::tuple<double, const char*>;
+    for (const auto& [value, text] :
+         {Row{-0.0, "-0"}, Row{1000000, "1E+06"}, Row{999999.5, "1E+06"}, Row{4.9e-324, "4.94066E-324"}, Row{INFINITY, "INF"},
+          Row{-INFINITY, "-INF"}, Row{NAN, "NAN"}})
+        EXPECT_EQ(General(value), text);
 }
 
 TEST(NumberText, GeneralFormatIsThatOfTheCLibraryInItsPlainLocale) {
@@ -49,37 +48,14 @@ TEST(NumberText, Integers) {
 }
 
 TEST(NumberText, ParseRealTable) {
-    const struct {
-        const char* text;
-        double value;
-    } cases[] = {
-        {"", 0},
-        {"abc", 0},
-        {"1.5", 1.5},
-        {" \t\n+2.5x", 2.5},
-        {"-3;4", -3},
-        {"1E+06", 1e6},
-        {"1e", 1},
-        {".5", 0.5},
-        {"5.", 5},
-        {"-.5e1", -5},
-        {"--1", 0},
-        {"+-1", 0},
-        {"1,5", 1},
-        {"0x10", 16},
-        {"-0x1.8p1", -3},
-        {"0x", 0},
-        {"0xg", 0},
-        {"1e400", INFINITY},
-        {"-1e400", -INFINITY},
-        {"1e-400", 0},
-        {"0.000000000000000000000000000001e-400", 0},
-        {"100000000000000000000e300", INFINITY},
-        {"INF", INFINITY},
-        {"-inf", -INFINITY},
-        {"infinity", INFINITY},
-    };
-    for (const auto& c : cases) EXPECT_EQ(ParseReal(c.text), c.value) << c.text;
+    using Row = std::tuple<const char*, double>;
+    for (const auto& [text, value] : Table(
+             Row{"", 0}, Row{"abc", 0}, Row{"1.5", 1.5}, Row{" \t\n+2.5x", 2.5}, Row{"-3;4", -3}, Row{"1E+06", 1e6}, Row{"1e", 1},
+             Row{".5", 0.5}, Row{"5.", 5}, Row{"-.5e1", -5}, Row{"--1", 0}, Row{"+-1", 0}, Row{"1,5", 1}, Row{"0x10", 16},
+             Row{"-0x1.8p1", -3}, Row{"0x", 0}, Row{"0xg", 0}, Row{"1e400", INFINITY}, Row{"-1e400", -INFINITY}, Row{"1e-400", 0},
+             Row{"0.000000000000000000000000000001e-400", 0}, Row{"100000000000000000000e300", INFINITY}, Row{"INF", INFINITY},
+             Row{"-inf", -INFINITY}, Row{"infinity", INFINITY}))
+        EXPECT_EQ(ParseReal(text), value) << text;
     EXPECT_TRUE(std::isnan(ParseReal("NAN")));
     EXPECT_TRUE(std::signbit(ParseReal("-0")));
     EXPECT_FALSE(std::signbit(ParseReal("-x"))) << "a sign alone is no number";
@@ -99,20 +75,9 @@ TEST(NumberText, ParseRealReadsWhatTheCLibraryReads) {
 }
 
 TEST(NumberText, ParseIntegerTable) {
-    const struct {
-        const char* text;
-        int64_t value;
-    } cases[] = {
-        {"", 0},
-        {"x1", 0},
-        {" 12", 12},
-        {"-12abc", -12},
-        {"+7", 7},
-        {"--7", 0},
-        {"007", 7},
-        {"4294967295", 4294967295},
-        {"-9223372036854775808", std::numeric_limits<int64_t>::min()},
-        {"1.9", 1},
-    };
-    for (const auto& c : cases) EXPECT_EQ(ParseInteger(c.text), c.value) << c.text;
+    using Row = std::tuple<const char*, int64_t>;
+    for (const auto& [text, value] :
+         {Row{"", 0}, Row{"x1", 0}, Row{" 12", 12}, Row{"-12abc", -12}, Row{"+7", 7}, Row{"--7", 0}, Row{"007", 7},
+          Row{"4294967295", 4294967295}, Row{"-9223372036854775808", std::numeric_limits<int64_t>::min()}, Row{"1.9", 1}})
+        EXPECT_EQ(ParseInteger(text), value) << text;
 }

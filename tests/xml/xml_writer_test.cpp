@@ -1,6 +1,7 @@
 #include "xml/xml_writer.h"
 
 #include "afx/exception.h"
+#include "tests/support/raises.h"
 
 #include <gtest/gtest.h>
 
@@ -21,19 +22,11 @@ std::string Written(const std::function<void(CXMLWriter&)>& calls) {
 }
 
 std::string TextOf(const char* text) {
-    const std::string all = Written([text](CXMLWriter& w) {
-        w.BeginTag("A");
-        w.SetText(text);
-        w.EndTag();
-    });
+    const std::string all = Written([text](CXMLWriter& w) { w.BeginTag("A"), w.SetText(text), w.EndTag(); });
     return all.substr(3, all.size() - 9);
 }
 std::string AttributeOf(const char* value) {
-    const std::string all = Written([value](CXMLWriter& w) {
-        w.BeginTag("A");
-        w.SetAttr("n", value);
-        w.EndTag();
-    });
+    const std::string all = Written([value](CXMLWriter& w) { w.BeginTag("A"), w.SetAttr("n", value), w.EndTag(); });
     return all.substr(6, all.size() - 11);
 }
 }  // namespace
@@ -45,16 +38,8 @@ TEST(XmlWriter, EmptyElements) {
 
 TEST(XmlWriter, NestedElementsAreIndentedByOneSpace) {
     EXPECT_EQ(Written([](CXMLWriter& w) {
-                  w.BeginTag("A");
-                  w.SetAttr("name", "x");
-                  w.BeginTag("B");
-                  w.SetText("t");
-                  w.EndTag();
-                  w.BeginTag("C");
-                  w.BeginTag("D");
-                  w.EndTag();
-                  w.EndTag();
-                  w.EndTag();
+                  w.BeginTag("A"), w.SetAttr("name", "x"), w.BeginTag("B"), w.SetText("t"), w.EndTag(), w.BeginTag("C");
+                  w.BeginTag("D"), w.EndTag(), w.EndTag(), w.EndTag();
               }),
               "<A name=\"x\">\r\n"
               " <B>t</B>\r\n"
@@ -90,17 +75,8 @@ TEST(XmlWriter, NumberForms) {
 
 TEST(XmlWriter, MetaAndCommentLines) {
     EXPECT_EQ(Written([](CXMLWriter& w) {
-                  w.SetMeta("m a=\"1\"");
-                  w.SetComment("before");
-                  w.BeginTag("A");
-                  w.BeginTag("B");
-                  w.EndTag();
-                  w.SetComment("inside");
-                  w.BeginTag("B");
-                  w.BeginTag("C");
-                  w.EndTag();
-                  w.SetMeta("deep");
-                  w.EndTag();
+                  w.SetMeta("m a=\"1\""), w.SetComment("before"), w.BeginTag("A"), w.BeginTag("B"), w.EndTag();
+                  w.SetComment("inside"), w.BeginTag("B"), w.BeginTag("C"), w.EndTag(), w.SetMeta("deep"), w.EndTag();
                   w.EndTag();
               }),
               "<?m a=\"1\"?>\r\n<!before!>\r\n<A>\r\n <B/>\r\n<!inside!>\r\n <B>\r\n  <C/>\r\n <?deep?>\r\n </B>\r\n</A>\r\n");
@@ -119,14 +95,7 @@ TEST(XmlWriter, NoOpenElementIsAnInvalidArgument) {
     const std::function<void()> calls[] = {[&] { writer.EndTag(); }, [&] { writer.SetText("x"); },
                                            [&] { writer.SetAttr("n", "x"); }, [&] { writer.SetAttr("n", 1); },
                                            [&] { writer.SetText(1.0); }};
-    for (const auto& call : calls) {
-        try {
-            call();
-            ADD_FAILURE() << "no exception";
-        } catch (CInvalidArgException* failure) {
-            failure->Delete();
-        }
-    }
+    for (const auto& call : calls) EXPECT_TRUE(Raises<CInvalidArgException>(call));
     EXPECT_EQ(file.GetLength(), sizeof kDeclaration - 1);
 }
 

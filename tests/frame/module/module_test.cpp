@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
 #include "afx/module.h"
 #include "afx/string.h"
@@ -80,9 +81,8 @@ TEST(Module, StockIsLoadedAndFreed) {
     WNDCLASSA flip{}, label{};
     ASSERT_TRUE(GetClassInfoA(AfxGetInstanceHandle(), "flipwnd", &flip));
     ASSERT_TRUE(GetClassInfoA(nullptr, "static", &label));
-    EXPECT_EQ(flip.lpfnWndProc, DefWindowProcA);
-    EXPECT_EQ(flip.hInstance, AfxGetInstanceHandle());
-    EXPECT_EQ(flip.cbWndExtra, label.cbWndExtra);
+    EXPECT_EQ(std::tuple(flip.lpfnWndProc, flip.hInstance, flip.cbWndExtra),
+              std::tuple(DefWindowProcA, AfxGetInstanceHandle(), label.cbWndExtra));
 
     const HICON down = hIconThumbDown, warning = hIconWarning;
     FreeAppStock();

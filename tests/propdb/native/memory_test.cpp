@@ -95,40 +95,23 @@ TEST(PropertyDbMemory, Xml) {
     constexpr size_t kCount = 100000;
     ExpectBounded("separators", Str(std::string(2 * kCount, ';')), true);
     ExpectBounded("one-letter elements", Str(Repeated("a;", kCount)), true);
-    ExpectBounded("announced to the limit",
-                  "<PROPERTYDB><PROPERTY name=\"a\" type=\"r64\" size=\"1000000\">1</PROPERTY><PROPERTY name=\"b\" type=\"str\" "
-                  "size=\"1\">" +
-                      std::string(1000000, ';') + "</PROPERTY></PROPERTYDB>",
-                  true);
-    ExpectBounded("4,000,000,000 announced",
-                  "<PROPERTYDB><PROPERTY name=\"a\" type=\"i64\" size=\"4000000000\">1</PROPERTY></PROPERTYDB>", true);
-    ExpectBounded("nested 100,000 deep", "<PROPERTYDB>" + Repeated("<PATH name=\"a\">", 100000), true);
-    ExpectBounded("tiny nodes",
-                  "<PROPERTYDB>" + Numbered("<PATH name=\"", kCount, "\"><PATH name=\"\"><a/></PATH></PATH>") + "</PROPERTYDB>",
-                  true);
-    ExpectBounded(
-        "tiny values",
-        "<PROPERTYDB>" + Numbered("<PROPERTY name=\"", kCount, "\" type=\"str\" size=\"1\">b</PROPERTY>") + "</PROPERTYDB>",
-        true);
-    ExpectBounded(
-        "one name of many segments",
-        "<PROPERTYDB><PROPERTY name=\"" + Repeated("a.", kCount) + "a\" type=\"u16\" size=\"1\">1</PROPERTY></PROPERTYDB>", true);
-    ExpectBounded(
-        "names of many segments",
-        "<PROPERTYDB>" +
-            Numbered("<PROPERTY name=\"", 1000, "." + Repeated("a.", 200) + "a\" type=\"u16\" size=\"1\">1</PROPERTY>") +
-            "</PROPERTYDB>",
-        true);
-    ExpectBounded(
-        "paths of many segments",
-        "<PROPERTYDB>" +
-            Numbered("<PATH name=\"", 1000,
-                     "." + Repeated("a.", 200) + "a\"><PROPERTY name=\"a\" type=\"u16\" size=\"1\">1</PROPERTY></PATH>") +
-            "</PROPERTYDB>",
-        true);
-    ExpectBounded("attributes", "<PROPERTYDB><PROPERTY " + Repeated("a=\"\"", kCount) + "/></PROPERTYDB>", true);
+    const std::string u16 = "\" type=\"u16\" size=\"1\">1</PROPERTY>", segments = "." + Repeated("a.", 200) + "a";
+    using Row = std::pair<const char*, std::string>;
+    for (const auto& [what, body] :
+         {Row{"announced to the limit", "<PROPERTY name=\"a\" type=\"r64\" size=\"1000000\">1</PROPERTY>" +
+                                            ("<PROPERTY name=\"b\" type=\"str\" size=\"1\">" + std::string(1000000, ';')) +
+                                            "</PROPERTY>"},
+          Row{"4,000,000,000 announced", "<PROPERTY name=\"a\" type=\"i64\" size=\"4000000000\">1</PROPERTY>"},
+          Row{"tiny nodes", Numbered("<PATH name=\"", kCount, "\"><PATH name=\"\"><a/></PATH></PATH>")},
+          Row{"tiny values", Numbered("<PROPERTY name=\"", kCount, "\" type=\"str\" size=\"1\">b</PROPERTY>")},
+          Row{"one name of many segments", "<PROPERTY name=\"" + Repeated("a.", kCount) + "a" + u16},
+          Row{"names of many segments", Numbered("<PROPERTY name=\"", 1000, segments + u16)},
+          Row{"paths of many segments", Numbered("<PATH name=\"", 1000, segments + "\"><PROPERTY name=\"a" + u16 + "</PATH>")},
+          Row{"attributes", "<PROPERTY " + Repeated("a=\"\"", kCount) + "/>"},
+          Row{"one long name", "<PATH name=\"" + std::string(5000000, 'x') + "\"><a/></PATH>"}})
+        ExpectBounded(what, "<PROPERTYDB>" + body + "</PROPERTYDB>", true);
     ExpectBounded("one long text", Str(std::string(5000000, 'x')), true);
-    ExpectBounded("one long name", "<PROPERTYDB><PATH name=\"" + std::string(5000000, 'x') + "\"><a/></PATH></PROPERTYDB>", true);
+    ExpectBounded("nested 100,000 deep", "<PROPERTYDB>" + Repeated("<PATH name=\"a\">", 100000), true);
     ExpectBounded("open elements", "<" + std::string(5000000, 'x'), true);
 }
 
@@ -154,8 +137,7 @@ TEST(PropertyDbMemory, Archive) {
         nodes += key(i) + std::string("\1\x80\0\0", 4);
         arrays += key(i) + std::string("\1\x80\0\0", 4);
     }
-    ExpectBounded("tiny nodes", nodes, false);
-    ExpectBounded("tiny arrays", arrays, false);
+    ExpectBounded("tiny nodes", nodes, false), ExpectBounded("tiny arrays", arrays, false);
     chains += std::string("\1-", 2) + newClass("CMapStringToOb") + zero;
     for (size_t i = 0; i < kCount / 200; ++i) {
         chains += key(i);
@@ -170,16 +152,10 @@ TEST(PropertyDbMemory, Archive) {
     ExpectBounded("one-letter texts", texts + Repeated("\1a", kCount), false);
     ExpectBounded("empty texts", texts + std::string(kCount, '\0'), false);
     ExpectBounded("announced texts", texts + "\1a", false);
-    ExpectBounded("a large array",
-                  zero + one + std::string("\1a", 2) + newClass("CDWordArray") + count(kCount) + std::string(kCount * 4, 'x'),
-                  false);
-    ExpectBounded("an announced array",
-                  zero + one + std::string("\1a", 2) + newClass("CDWordArray") + count(0x7FFFFFFF) + std::string(1000, 'x'),
-                  false);
-    ExpectBounded(
-        "an announced text",
-        zero + one + std::string("\1a", 2) + newClass("CStringArray") + one + std::string("\xFF\xFF\xFF\xFF\xFF\xFF\x7F", 7),
-        false);
+    const std::string a = zero + one + std::string("\1a", 2);
+    ExpectBounded("a large array", a + newClass("CDWordArray") + count(kCount) + std::string(kCount * 4, 'x'), false);
+    ExpectBounded("an announced array", a + newClass("CDWordArray") + count(0x7FFFFFFF) + std::string(1000, 'x'), false);
+    ExpectBounded("an announced text", a + newClass("CStringArray") + one + "\xFF\xFF\xFF\xFF\xFF\xFF\x7F", false);
     ExpectBounded("one name over and over",
                   zero + count(kCount) + std::string("\1-", 2) + newClass("CMapStringToOb") + zero +
                       Repeated(std::string("\1a\1\x80\0\0", 6), kCount - 1),

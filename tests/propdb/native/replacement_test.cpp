@@ -1,6 +1,7 @@
 // Storing over an existing file: every way in which the system can fail on the way.
 #include "platform/win32.h"
 #include "tests/propdb/property_db_fixture.h"
+#include "tests/support/test_folder.h"
 
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -54,30 +55,16 @@ BOOL WrapMoveFileExA(LPCSTR from, LPCSTR to, DWORD flags) {
 }
 
 namespace {
-class Replacement : public testing::Test {
+class Replacement : public testing::Test, protected TestFolder {
 protected:
-    fs::path folder;
     CPropertyDB db;
 
     void SetUp() override {
         g_calls = {};
-        std::string name = (fs::temp_directory_path() / "orvik_replaceXXXXXX").string();
-        folder = mkdtemp(name.data());
         // More than one block in either form.
         for (int i = 0; i < 3000; ++i) db.SetValue(("node.value" + std::to_string(i)).c_str(), i * 1.5);
     }
-    void TearDown() override {
-        g_calls = {};
-        fs::remove_all(folder);
-    }
-    std::string Path(const char* name) const { return (folder / name).string(); }
-    size_t FilesThere() const {
-        return static_cast<size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-    }
-    static std::string BytesOf(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    void TearDown() override { g_calls = {}; }
 };
 }  // namespace
 
@@ -88,7 +75,7 @@ TEST_F(Replacement, EveryFailingCallLeavesTheOldFileAndNothingElse) {
         before.SetValue("old", 1);
         ASSERT_TRUE(before.StoreToFile(path.c_str(), 0));
         const std::string old = BytesOf(path);
-        const size_t files = FilesThere();
+        const size_t files = Count();
         for (const Fault fault : {Fault::Fail, Fault::Short}) {
             CPropertyDB changed(db);
             for (int at = 0;; ++at) {
@@ -107,7 +94,7 @@ TEST_F(Replacement, EveryFailingCallLeavesTheOldFileAndNothingElse) {
                 EXPECT_TRUE(changed.IsModified());
                 EXPECT_EQ(changed.GetLoadFilePath(), "");
                 ASSERT_TRUE(BytesOf(path) == old) << at;
-                ASSERT_EQ(FilesThere(), files) << at;
+                ASSERT_EQ(Count(), files) << at;
             }
             CPropertyDB read;
             EXPECT_TRUE(read.LoadFromFile(path.c_str()));
@@ -145,9 +132,9 @@ TEST_F(Replacement, DyingAtAnyCallLeavesTheOldFileOrTheNew) {
 }
 
 TEST_F(Replacement, NamesOutsideAsciiAreFound) {
-    const std::string path = folder.string() + "/m\xE4tning.odb";  // Windows-1252, as all text here
+    const std::string path = Folder().string() + "/m\xE4tning.odb";  // Windows-1252, as all text here
     ASSERT_TRUE(db.StoreToFile(path.c_str(), 0));
-    EXPECT_TRUE(fs::exists(folder / "m\xC3\xA4tning.odb"));
+    EXPECT_TRUE(fs::exists(Folder() / "m\xC3\xA4tning.odb"));
     CPropertyDB read;
     EXPECT_TRUE(read.LoadFromFile(path.c_str()));
     EXPECT_EQ(read.GetFileName(0), "m\xE4tning");

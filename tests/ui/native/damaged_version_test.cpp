@@ -6,8 +6,10 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "tests/support/last_error.h"
 #include "tests/ui/scratch_folder.h"
 #include "ui/version_info.h"
 
@@ -23,9 +25,7 @@ void Use(const CVersionInfo& info) {
         EXPECT_LT(std::string(text).size(), 65536u);
     if (!info.IsValid()) return;
     DWORD ms = 0, ls = 0;
-    info.GetFileVersion(&ms, &ls);
-    info.GetProductVersion(&ms, &ls);
-    info.GetFileFlag(CVersionInfo::flagDebug);
+    info.GetFileVersion(&ms, &ls), info.GetProductVersion(&ms, &ls), info.GetFileFlag(CVersionInfo::flagDebug);
     info.GetFileOS(), info.GetFileType(), info.GetSubType();
 }
 
@@ -65,21 +65,15 @@ INSTANTIATE_TEST_SUITE_P(Samples, DamagedVersion, testing::Values("module-x86.dl
 
 TEST(DamagedVersionFile, ErrorsTellWhatIsWrong) {
     const ScratchFolder folder;
-    folder.Write("text.dll", "no program at all");
-    folder.MakeFolder("folder.dll");
+    folder.Write("text.dll", "no program at all"), folder.MakeFolder("folder.dll");
     const std::string samples = SAMPLES;
-    const struct {
-        std::string name;
-        DWORD error;
-    } cases[] = {{"missing.dll", ERROR_FILE_NOT_FOUND},
-                 {"text.dll", ERROR_BAD_FORMAT},
-                 {"folder.dll", ERROR_ACCESS_DENIED},
-                 {"/dev/null", ERROR_BAD_FORMAT},
-                 {samples + "plain.dll", ERROR_RESOURCE_TYPE_NOT_FOUND}};
-    for (const auto& c : cases) {
+    using Row = std::tuple<std::string, DWORD>;
+    for (const auto& [name, error] :
+         {Row{"missing.dll", ERROR_FILE_NOT_FOUND}, Row{"text.dll", ERROR_BAD_FORMAT}, Row{"folder.dll", ERROR_ACCESS_DENIED},
+          Row{"/dev/null", ERROR_BAD_FORMAT}, Row{samples + "plain.dll", ERROR_RESOURCE_TYPE_NOT_FOUND}}) {
         DWORD zero = 7;
-        EXPECT_EQ(GetFileVersionInfoSizeA(c.name.c_str(), &zero), 0u) << c.name;
-        EXPECT_EQ(GetLastError(), c.error) << c.name;
+        EXPECT_EQ(GetFileVersionInfoSizeA(name.c_str(), &zero), 0u) << name;
+        EXPECT_EQ(GetLastError(), error) << name;
         EXPECT_EQ(zero, 0u);
     }
 }
@@ -89,8 +83,7 @@ TEST(DamagedVersionFile, ABlockIsAskedByPath) {
     const DWORD size = GetFileVersionInfoSizeA(name.c_str(), nullptr);
     ASSERT_GT(size, 0u);
     std::vector<unsigned char> block(size);
-    EXPECT_FALSE(GetFileVersionInfoA(name.c_str(), 0, size - 1, block.data()));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_FAILS(GetFileVersionInfoA(name.c_str(), 0, size - 1, block.data()), ERROR_INSUFFICIENT_BUFFER);
     ASSERT_TRUE(GetFileVersionInfoA(name.c_str(), 0, size, block.data()));
     void* value = nullptr;
     UINT length = 0;

@@ -78,8 +78,7 @@ TEST_F(Density, DialogsGrowWithTheDotsOfAnInch) {
             progress = Places(waiting), properties = Places(sheet), row = grid.GetRowHeight();
             continue;
         }
-        ExpectLarger(Places(waiting), progress, density / 96.0);
-        ExpectLarger(Places(sheet), properties, density / 96.0);
+        ExpectLarger(Places(waiting), progress, density / 96.0), ExpectLarger(Places(sheet), properties, density / 96.0);
         EXPECT_NEAR(grid.GetRowHeight(), row * density / 96.0, 0.1 * row * density / 96.0);
     }
 }

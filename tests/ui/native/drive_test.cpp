@@ -11,8 +11,7 @@ namespace fs = std::filesystem;
 class Drives : public testing::Test {
 protected:
     Drives() {
-        folder.MakeFolder("drives");
-        folder.MakeFolder("card");
+        folder.MakeFolder("drives"), folder.MakeFolder("card");
         fs::create_directory("card/logs");
         card = fs::current_path() / "card";
         fs::create_symlink(card, "drives/d:");

@@ -82,7 +82,7 @@ TEST_F(DiskFaults, AFullDiskIsToldAndLeavesNothing) {
         g_writes = fits;
         EXPECT_EQ(CDisk::CopyFileA("a.bin", "b.bin"), 0) << fits;
         g_writes = -1;
-        EXPECT_EQ(folder.Count(), 1) << fits;
+        EXPECT_EQ(folder.Count(), 1u) << fits;
         EXPECT_EQ(app.Told(), "Could not copy file.\n\nThe disk is full.");
     }
 }
