@@ -8,6 +8,7 @@
 #include <string>
 
 #include "chart/axis_layout.h"
+#include "tests/support/time_limit.h"
 #include "time/number_text.h"
 
 using namespace orvik;
@@ -146,6 +147,7 @@ const char* Fault(const RandomAxis& axis, AxisLayout& layout) {
 }  // namespace
 
 TEST(AxisProperty, HoldsForAMillionRandomAxes) {
+    LimitTest(240);
     Random random(20);
     RandomAxis axis;
     AxisLayout layout;
