@@ -82,7 +82,7 @@ TEST(Module, StockIsLoadedAndFreed) {
     ASSERT_TRUE(GetClassInfoA(AfxGetInstanceHandle(), "flipwnd", &flip));
     ASSERT_TRUE(GetClassInfoA(nullptr, "static", &label));
     EXPECT_EQ(std::tuple(flip.lpfnWndProc, flip.hInstance, flip.cbWndExtra),
-              std::tuple(DefWindowProcA, AfxGetInstanceHandle(), label.cbWndExtra));
+              std::tuple(WNDPROC{DefWindowProcA}, AfxGetInstanceHandle(), label.cbWndExtra));
 
     const HICON down = hIconThumbDown, warning = hIconWarning;
     FreeAppStock();

@@ -12,6 +12,7 @@
 
 #include "comm/task.h"
 #include "host/gui/script_runner.h"
+#include "host/session/database_file.h"
 #include "res/ids.h"
 #include "tests/host/gui/hands.h"
 #include "tests/host/sentence_of.h"
