@@ -306,29 +306,40 @@ TEST(ModbusBus, SlavesOfASerialLineHaveItsNumbers) {
 TEST(ModbusWriting, SetsAndReadsBack) {
     const struct {
         const char *number, *type, *order, *function;
-        double scale, value;
-        int sends;  // the function that is seen on the line; 0: nothing is sent
+        double scale;
+        const char *wanted, *held;  // null: as it was wanted
+        int sends;                  // the function that is seen on the line; 0: nothing is sent
         int code;
     } rows[] = {
-        {"1", "bool", "high", "5", 1, 1, 5, 0},
-        {"1", "bool", "high", "15", 1, 0, 15, 0},
-        {"1", "bool", "high", "5", 1, 2, 0, 5},
-        {"40001", "int16", "BA", "6", 0.1, -21.3, 6, 0},
-        {"40001", "int16", "high", "16", 1, -300, 16, 0},
-        {"40001", "int16", "high", "6", 1, 32768, 0, 5},
-        {"40001", "int16", "high", "6", 0.1, 21.35, 0, 5},
-        {"40001", "uint32", "CDAB", "16", 1, 3232235778, 16, 0},
-        {"40001", "float32", "DCBA", "16", 1, 0.1, 16, 0},
-        {"40001", "float64", "GHEFCDAB", "16", 2, -1e100, 16, 0},
-        {"40001", "uint64", "high", "16", 1, 0x1p60, 16, 0},
-        {"40001", "bcd32", "high", "16", 1, 12345678, 16, 0},
-        {"40001", "bcd32", "high", "16", 1, -1, 0, 5},
-        {"40001", "int16", "high", nullptr, 1, 5, 0, 5},  // not to be written
-        {"30001", "int16", "high", nullptr, 1, 5, 0, 5},
+        {"1", "bool", "high", "5", 1, "1", nullptr, 5, 0},
+        {"1", "bool", "high", "15", 1, "0", nullptr, 15, 0},
+        {"1", "bool", "high", "5", 1, "2", nullptr, 0, 5},
+        {"40001", "int16", "BA", "6", 0.1, "-21.3", nullptr, 6, 0},
+        {"40001", "int16", "high", "16", 1, "-300", nullptr, 16, 0},
+        {"40001", "int16", "high", "6", 1, "32768", nullptr, 0, 5},
+        {"40001", "int16", "high", "6", 0.1, "21.35", nullptr, 0, 5},
+        {"40001", "uint32", "CDAB", "16", 1, "3232235778", nullptr, 16, 0},
+        {"40001", "float32", "DCBA", "16", 1, "0.1", nullptr, 16, 0},
+        {"40001", "float64", "GHEFCDAB", "16", 2, "-1e+100", nullptr, 16, 0},
+        {"40001", "float32", "high", "16", 1, "16777217", "16777216", 16, 0},
+        {"40001", "float32", "high", "16", 1, "1e-46", "0", 16, 0},
+        {"40001", "float32", "high", "16", 1, "1234567.891", "1234567.9", 16, 0},
+        {"40001", "float32", "high", "16", 0.1, "+21.50", "21.5", 16, 0},
+        {"40001", "uint64", "high", "16", 1, "9007199254740993", nullptr, 16, 0},
+        {"40001", "uint64", "low", "16", 1, "1844674407370955161.5e1", "18446744073709551615", 16, 0},
+        {"40001", "uint64", "high", "16", 1, "18446744073709551616", nullptr, 0, 5},
+        {"40001", "uint64", "high", "16", 1, "0.5", nullptr, 0, 5},
+        {"40001", "uint64", "high", "16", 0.001, "12345.678", nullptr, 16, 0},
+        {"40001", "uint64", "high", "16", 0.001, "90071992547410.993", nullptr, 0, 5},
+        {"40001", "int64", "high", "16", 1, "-9223372036854775808", nullptr, 16, 0},
+        {"40001", "bcd32", "high", "16", 1, "12345678", nullptr, 16, 0},
+        {"40001", "bcd32", "high", "16", 1, "-1", nullptr, 0, 5},
+        {"40001", "int16", "high", nullptr, 1, "5", nullptr, 0, 5},  // not to be written
+        {"30001", "int16", "high", nullptr, 1, "5", nullptr, 0, 5},
     };
     for (const char* address : {kSerial, kNetwork}) {
         for (const auto& row : rows) {
-            SCOPED_TRACE(testing::Message() << address << ' ' << row.number << ' ' << row.type << ' ' << row.value);
+            SCOPED_TRACE(testing::Message() << address << ' ' << row.number << ' ' << row.type << ' ' << row.wanted);
             CPropertyDB db;
             db.SetValue("nSlave", 5u);
             db.SetValue("Channels.a.nNumber", row.number);
@@ -343,9 +354,9 @@ TEST(ModbusWriting, SetsAndReadsBack) {
             station.Read();
             station.wire.sent.clear();
             int code = 0;
-            double held = 0;
+            Written written = {};
             try {
-                held = station.logger.Write(0, row.value);
+                written = station.logger.Write(0, row.wanted);
             } catch (CCommException* failure) {
                 code = failure->m_nError;
                 failure->Delete();
@@ -354,9 +365,12 @@ TEST(ModbusWriting, SetsAndReadsBack) {
             ASSERT_EQ(station.wire.sent.size(), row.sends == 0 ? 0u : 2u);
             if (row.sends == 0) continue;
             EXPECT_EQ(station.wire.sent[0][address == kNetwork ? 7 : 1], row.sends);
-            EXPECT_EQ(held, row.value);
+            const std::string held = row.held != nullptr ? row.held : row.wanted;
+            EXPECT_EQ(written.sent, held.c_str());
+            EXPECT_EQ(written.held, held.c_str());
+            EXPECT_EQ(written.exact, std::stod(held) == std::stod(row.wanted));
             station.Read();
-            EXPECT_FLOAT_EQ(static_cast<float>(station.values[0]), static_cast<float>(row.value));
+            EXPECT_FLOAT_EQ(static_cast<float>(station.values[0]), static_cast<float>(std::stod(row.wanted)));
         }
     }
 }
@@ -372,7 +386,7 @@ TEST(ModbusWriting, WhatTheLoggerRefusesIsTold) {
     modbus::Logger logger(writable, std::unique_ptr<ITransport>(wire));
     logger.Connect(kSerial, 1000);
     try {
-        logger.Write(0, 4);
+        logger.Write(0, "4");
         ADD_FAILURE();
     } catch (CCommException* failure) {
         EXPECT_EQ(failure->m_nError, 4);

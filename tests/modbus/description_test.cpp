@@ -308,6 +308,8 @@ TEST_F(ModbusDescription, EveryTypeAndOrderHasItsValue) {
 
 TEST(ModbusValues, ScaleAndOffsetKeepTheSignOfZero) {
     EXPECT_EQ(Decode(Of(ValueType::Int16, kHighFirst, 0.5, 100), Bytes({0xC0A8}).data()), -8008);
+    EXPECT_EQ(Decode(Of(ValueType::Int16, kHighFirst, 0.1), Bytes({189}).data()), 18.9);
+    EXPECT_EQ(Decode(Of(ValueType::Int16, kHighFirst, 0.01, -40), Bytes({1890}).data()), -21.1);
     EXPECT_TRUE(std::signbit(Decode(Of(ValueType::Float32), Bytes({0x8000, 0}).data())));
     Channel coil = Of(ValueType::Bool);
     coil.function = kReadCoils;
@@ -340,10 +342,9 @@ TEST(ModbusValues, WhatATypeCannotHoldIsKnown) {
         {ValueType::Uint16, 0.1, 21.35, false},
         {ValueType::Uint16, 1, 0.5, false},
         {ValueType::Uint32, 0.001, 4294967.295, true},
-        {ValueType::Int64, 1, 0x1p62, true},
-        {ValueType::Int64, 1, 0x1p63, false},
-        {ValueType::Int64, 1, -0x1p63, true},
-        {ValueType::Uint64, 1, 0x1p64, false},
+        {ValueType::Int64, 1, -0x1p53, true},
+        {ValueType::Int64, 1, -0x1p53 - 2, false},
+        {ValueType::Uint64, 1, 0x1p54, false},
         {ValueType::Float32, 1, 0.1, true},
         {ValueType::Float32, 1, 1e39, false},
         {ValueType::Float64, 1, 1e300, true},
