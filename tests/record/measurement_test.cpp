@@ -346,7 +346,8 @@ TEST_F(MeasurementTest, ASilentLoggerIsAskedLessAndLessOften) {
     Run();
     ASSERT_GT(logger.connects.size(), 8u);
     const __int64 pauses[] = {2, 4, 8, 16, 30, 30, 30};
-    for (size_t i = 0; i < std::size(pauses); ++i) EXPECT_EQ(logger.connects[i + 2] - logger.connects[i + 1], pauses[i] * kSecond) << i;
+    for (size_t i = 0; i < std::size(pauses); ++i)
+        EXPECT_EQ(logger.connects[i + 2] - logger.connects[i + 1], pauses[i] * kSecond) << i;
     ASSERT_EQ(sink.gaps.size(), 1u);
     EXPECT_GT(sink.gaps[0].attempts, 8u);
     EXPECT_EQ(sink.Values().size() + sink.gaps[0].missed, 600u);
@@ -571,6 +572,11 @@ TEST_F(WriterTest, WhatMemoryCannotHoldIsAGap) {
     EXPECT_LT(waiting, static_cast<size_t>(many));
     EXPECT_NE(writer->Close(), 0u);
     EXPECT_EQ(writer->Waiting(), waiting);
+    const RecordingWriter::Loss loss = writer->Lost();
+    EXPECT_EQ(loss.readings, static_cast<size_t>(many));
+    EXPECT_EQ(loss.gap.missed, static_cast<DWORD>(many));
+    EXPECT_EQ(loss.gap.from, kBegun);
+    EXPECT_EQ(loss.gap.until, kBegun + (many - 1) * kSecond);
     store.files.clear();
     Begin(kBegun);
     const auto again = store.files["x.rec"];
