@@ -34,6 +34,14 @@ protected:
     ~IReadingWatch() = default;
 };
 
+// What a logger did to set a channel.
+struct Written {
+    // The number that was sent and the one that was read back, in digits with a point: all that tell them from the next ones that
+    // the channel could hold. "nan" where that is no number.
+    CString sent, held;
+    bool exact;  // what was sent is what was wanted, to its last digit
+};
+
 // One logger, described by a property database (docs/formats.md). Destroying it closes its port.
 //
 // Failures are CCommException objects, thrown by pointer; the catcher deletes them. Whatever else ReadSample lets out, of any
@@ -68,10 +76,12 @@ public:
     // not asked for where that saves time, stays NaN, and is not told of. At first, all of them.
     virtual void Select(const CByteArray& due) { static_cast<void>(due); }
 
-    // Sets a channel, counted from 0, and reads it back: returns what it then holds. A channel that the description does not
-    // allow to be written is a CCommException with code 5. Outside of readings, while connected.
-    virtual double Write(int channel, double value) {
-        static_cast<void>(channel), static_cast<void>(value);
+    // Sets a channel, counted from 0, to the number that a text says in digits with a point, as near as it can, and reads it
+    // back. A channel that the description does not allow to be written, or that cannot hold such a number, is a CCommException
+    // with code
+    // 5. Outside of readings, while connected.
+    virtual Written Write(int channel, const char* number) {
+        static_cast<void>(channel), static_cast<void>(number);
         OrvikThrowCommException(CCommException::AccessDenied, nullptr);
     }
 

@@ -17,8 +17,8 @@ public:
     VirtualPort& operator=(const VirtualPort&) = delete;
 
     // 0, or the Win32 code: 50 where the system has no such ports (Windows), 1247 when created already. With `link` (a path) a
-    // symbolic link of that name points to the device, and goes with the port; an existing link is replaced, any other existing
-    // file is error 183.
+    // symbolic link of that name points to the device, and goes with the port; an existing link is replaced, unless it is that of
+    // another such port that lives: error 32. Any other existing file is error 183.
     DWORD Create(const char* link = nullptr);
     // Pulls the plug: who holds the port sees its device gone. Again harmless.
     void Unplug();

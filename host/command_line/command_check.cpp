@@ -5,8 +5,10 @@
 #include "host/command_line/commands.h"
 #include "host/command_line/span_words.h"
 #include "host/logger/logger_file.h"
+#include "host/session/database_file.h"
+#include "host/session/recording_files.h"
 #include "host/session/session.h"
-#include "host/station/station_file.h"
+#include "host/station/station_files.h"
 #include "host/texts.h"
 
 namespace {
@@ -14,6 +16,10 @@ ExitCode CheckStation(CHostApp& app, const std::string& path) {
     try {
         std::set<std::string> ports;
         const Station station = ReadStation(app, path);
+        // Its recorder may run.
+        const auto held = [](const std::string& recording) { return FileExists(recording) && IsRecordedInto(recording); };
+        StationMistakes files{FindFileMistakes(station, held)};
+        if (!files.sentences.empty()) throw files;
         for (const auto& logger : station.loggers) {
             CPropertyDB description = logger->description;
             const Session session(description, logger->plan.port);

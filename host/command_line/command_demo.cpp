@@ -59,9 +59,9 @@ void TagLowest(const Session& session, ChartModel& model, CPropertyDB& db) {
 
 // What the demonstration made before may go, unless its user wrote comments into it. A file of one of its names that came there
 // otherwise stays: where there is no session of its own, nothing else is.
-void RequireOwnFolder(const std::string& session, const std::vector<std::string>& others, bool force) {
+void RequireOwnFolder(const std::string& session, CPropertyDB& description, const std::vector<std::string>& others, bool force) {
     if (force) return;
-    RequireReplaceable(session);
+    RequireReplaceable(session, description);
     if (FileExists(RecordingBeside(session)))
         throw Failure{kFileFailed, Say(Text::LeftOverDemo, {ToUtf8(RecordingBeside(session)), ToUtf8(session)})};
     if (FileExists(session)) return;
@@ -98,7 +98,7 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
     DownloadPlan plan;
     plan.traceFile = folder + "/trace.txt";
     plan.traceHex = true;
-    RequireOwnFolder(session, {copy, chart, plan.traceFile}, arguments.Has("--force"));
+    RequireOwnFolder(session, description, {copy, chart, plan.traceFile}, arguments.Has("--force"));
 
     std::unique_ptr<Served> served;
     plan.port = arguments.Get("--port");

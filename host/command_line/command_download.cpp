@@ -2,6 +2,7 @@
 #include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
+#include "host/measurement/csv_sink.h"
 #include "host/measurement/download.h"
 #include "host/measurement/recording_plan.h"
 #include "host/session/csv_file.h"
@@ -13,11 +14,11 @@
 namespace {
 // The session of a recording that has ended. Where there can be none, the recording keeps the readings, and its user is told so.
 // False where the recording turned out to be damaged.
-bool Fold(const RecordingWriter::File& file, bool mayReplace) {
+bool Fold(const RecordingWriter::File& file, bool mayReplace, CPropertyDB& description) {
     FoldedRecording folded;
     try {
         // What came there meanwhile is not this download's.
-        if (!mayReplace) RequireReplaceable(file.target);
+        if (!mayReplace) RequireReplaceable(file.target, description);
         folded = FoldRecording(file.recording, file.target);
     } catch (const Failure& failure) {
         throw Failure{failure.exitCode, Say(Text::NotFolded, {failure.sentence, ToUtf8(file.recording), ToUtf8(file.target)})};
@@ -70,7 +71,9 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
         RequireWritable(plan.csvFile);
         if (!force && !record.append && FileExists(plan.csvFile) && FileSize(plan.csvFile) > 0)
             throw Failure{kFileFailed, Say(Text::NotOurs, {ToUtf8(plan.csvFile)})};
+        if (record.append) RequireOwnCsv(plan.csvFile, description);
     }
+    MakeLogger(app, description);  // an earlier session has the keys in their spelling, too
     CheckEarlier(record, force, description);
     plan.csvAppend = record.append;
     const DownloadResult result = Download(app, description, plan, record);
@@ -93,7 +96,7 @@ ExitCode RunDownload(CHostApp& app, const Words& words) {
                 throw nothingRead(file.target);
             }
             try {
-                damaged = !Fold(file, force || record.append) || damaged;
+                damaged = !Fold(file, force || record.append, description) || damaged;
             } catch (Failure& failure) {
                 if (result.failure) failure.sentence = result.failure->sentence + " " + failure.sentence;
                 throw;

@@ -5,6 +5,7 @@
 #include "host/command_line/commands.h"
 #include "host/measurement/recording_clock.h"
 #include "host/session/database_file.h"
+#include "host/session/value_text.h"
 #include "host/station/station_recorder.h"
 #include "host/station/station_status.h"
 #include "host/texts.h"
@@ -71,8 +72,8 @@ ExitCode RunReload(CHostApp&, const Words& words) {
     const std::string file = StatusOf(path), wish = ReloadWishOf(file);
     const StationStatus before = LoadStatus(path, file);
     if (!before.Runs(SystemClock().Calendar()))
-        throw Failure{kFileFailed,
-                      Say(before.ended ? Text::StationEnded : Text::StationStale, {ToUtf8(before.name), std::string()})};
+        throw Failure{kFileFailed, Say(before.ended ? Text::StationEnded : Text::StationStale,
+                                       {ToUtf8(before.name), TimeTextOf(before.written)})};
     CFile made;
     CFileException failure;
     if (!made.Open(wish.c_str(), CFile::modeCreate | CFile::modeWrite, &failure))

@@ -52,7 +52,7 @@ void TellMissing(const RecordedNotes& notes, TimeRange range) {
     unsigned __int64 missed = 0;
     size_t gaps = 0;
     for (const CRecordedGap& gap : notes.Gaps()) {
-        if (gap.until < range.from || gap.from > range.to) continue;
+        if (gap.until < range.from || gap.from > range.to || gap.missed == 0) continue;
         missed += gap.missed;
         ++gaps;
     }

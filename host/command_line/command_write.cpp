@@ -1,15 +1,25 @@
 // write: set one channel of a logger, and show what it then holds.
+#include <charconv>
 #include <cmath>
 
 #include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
+#include "host/session/column_format.h"
 #include "host/session/value_text.h"
 #include "host/stop_request.h"
 #include "host/texts.h"
 
 namespace {
+// What was typed as a logger takes it: with a point as it is, in the user's format as that is read.
+std::string WithPoint(const std::string& typed, double value) {
+    const char* const begin = typed.data() + (typed.starts_with('+') ? 1 : 0);
+    double read = 0;
+    const auto [end, error] = std::from_chars(begin, typed.data() + typed.size(), read);
+    return error == std::errc() && end == typed.data() + typed.size() ? begin : TextOf(value);
+}
+
 // A channel by its key or, where no other has it, by its name.
 size_t ChannelOf(const Session& session, const std::string& wanted) {
     const std::vector<Session::Channel>& all = session.Channels();
@@ -49,9 +59,9 @@ ExitCode RunWrite(CHostApp& app, const Words& words) {
         const LONG code = failure->m_nError;
         throw Failure{kCommunicationFailed, WhyNotOpened(port, code, TakeMessage(failure))};
     }
-    double held = 0;
+    Written written = {};
     try {
-        held = logger->Write(static_cast<int>(index), value);
+        written = logger->Write(static_cast<int>(index), WithPoint(typed, value).c_str());
     } catch (CCommException* failure) {
         // Refused before anything was sent, or by the line or the logger.
         const bool refused = failure->m_nError == CCommException::AccessDenied;
@@ -59,11 +69,13 @@ ExitCode RunWrite(CHostApp& app, const Words& words) {
         if (refused) throw Failure{kWrongUse, Say(Text::NotSet, {ToUtf8(channel.name), why})};
         throw Failure{kCommunicationFailed, Say(Text::PortFailed, {ToUtf8(port), why})};
     }
-    const auto shown = [&](double each) { return WholeTextOf(each) + (channel.unit.empty() ? "" : " " + ToUtf8(channel.unit)); };
-    Print(Say(Text::ValueSet, {ToUtf8(channel.name), shown(value), shown(held)}));
-    // What a conversion to other units and back may change, and no step of any register.
-    constexpr double kSame = 1e-12;
-    if (!(std::abs(held - value) <= kSame * std::abs(value)))
-        throw Failure{kCommunicationFailed, Say(Text::OtherValue, {ToUtf8(channel.name)})};
+    const auto shown = [&](std::string digits) {
+        if (const size_t point = digits.find('.'); point != std::string::npos) digits.replace(point, 1, DecimalSign());
+        return digits + (channel.unit.empty() ? "" : " " + ToUtf8(channel.unit));
+    };
+    const std::string sent = shown(written.sent.GetString());
+    Print(Say(Text::ValueSet, {ToUtf8(channel.name), sent, shown(written.held.GetString())}));
+    if (written.sent != written.held) throw Failure{kCommunicationFailed, Say(Text::OtherValue, {ToUtf8(channel.name)})};
+    if (!written.exact) throw Failure{kWrongUse, Say(Text::NotExact, {ToUtf8(channel.name), typed, sent})};
     return kDone;
 }

@@ -51,7 +51,7 @@ bool ReadClock(const std::string& typed, CVXTTime& time) {
     return _NlsGetTime(clock.c_str(), time) != 0;
 }
 
-std::optional<__int64> FromUtcForm(const std::string& text) {
+std::optional<__int64> FromStandardForm(const std::string& text) {
     int year, month, day, hour, minute, second, used = 0;
     if (std::sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d%n", &year, &month, &day, &hour, &minute, &second, &used) != 6 ||
         used != 19)
@@ -70,6 +70,12 @@ std::optional<__int64> FromUtcForm(const std::string& text) {
     if (at < text.size() && text[at] == '.') {
         for (++at; at < text.size() && IsDigit(text[at]); ++at, weight /= 10) part += (text[at] - '0') * weight;
     }
+    if (at == text.size()) {
+        CVXTTime local;
+        if (local.SetSystemTime(&fields) == 0) return {};
+        local.SetTime(hour, minute, second, 0);
+        return local.GetBinaryTime() + part;
+    }
     if (text.substr(at) != "Z") return {};
     constexpr __int64 kFrom1601 = 11'644'473'600'000'000LL;
     const auto ticks = static_cast<__int64>((static_cast<unsigned __int64>(file.dwHighDateTime) << 32) | file.dwLowDateTime);
@@ -78,7 +84,7 @@ std::optional<__int64> FromUtcForm(const std::string& text) {
 }  // namespace
 
 std::optional<__int64> TimeFromText(const std::string& text) {
-    if (const auto utc = FromUtcForm(text)) return utc;
+    if (const auto time = FromStandardForm(text)) return time;
     // A date's picture may hold spaces: each one may be where the time of day begins.
     for (size_t space = text.find(' '); space != std::string::npos; space = text.find(' ', space + 1)) {
         CVXTTime time;

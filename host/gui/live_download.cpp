@@ -97,7 +97,7 @@ void LiveDownload::OnEvent(const CRecordedEvent& event) {
     const std::string port = ToUtf8(m_plan.port);
     if (event.kind == RE_LOST) {
         m_lost = true;
-        m_listener.OnDownloadState(LineLostSentence(m_plan.port, event.text));
+        m_listener.OnDownloadState(LineLostSentence(m_plan.port, m_measurement->LastCode(), event.text));
     } else if (event.kind == RE_CONNECTED && std::exchange(m_lost, false)) {
         m_listener.OnDownloadState(Say(Text::LineBack, {port}));
     }

@@ -24,9 +24,10 @@ std::optional<__int64> SpanAt(IPropertyDB& db, const std::string& key) {
     double seconds = 0;
     const CObject* const value = db.GetValueObject(key.c_str(), FALSE);
     const bool number = !KindOf(value).empty() && RealFromText(TextOf(value), seconds);
-    const double microseconds = std::round(seconds * 1e6);
-    if (!number || !(microseconds >= 1) || !(seconds <= kLongest)) throw Failure{kWrongUse, Say(Text::NotSeconds, {ToUtf8(key)})};
-    return static_cast<__int64>(microseconds);
+    const double milliseconds = std::round(seconds * 1e3);
+    const bool whole = number && std::abs(seconds * 1e3 - milliseconds) < 1e-6;
+    if (!whole || !(milliseconds >= 1) || !(seconds <= kLongest)) throw Failure{kWrongUse, Say(Text::NotSeconds, {ToUtf8(key)})};
+    return static_cast<__int64>(milliseconds) * 1000;
 }
 
 std::string Seconds(__int64 microseconds) {

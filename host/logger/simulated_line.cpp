@@ -11,6 +11,7 @@ constexpr DWORD kBetween = 30;  // ms between the pieces of an answer
 SimulatedLine::SimulatedLine(SimulatedLogger& logger, Text withoutPorts, const std::string& link) : m_logger(logger) {
     const DWORD error = m_port.Create(link.empty() ? nullptr : link.c_str());
     if (error == ERROR_NOT_SUPPORTED) throw Failure{kWrongUse, Say(withoutPorts)};
+    if (error == ERROR_SHARING_VIOLATION) throw Failure{kFileFailed, Say(Text::LinkTaken, {ToUtf8(link)})};
     if (error != 0) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(link), Reason(error)})};
     m_logger.SetLine(PortName());
 }

@@ -9,6 +9,9 @@
 #include "host/measurement/reading_writer.h"
 #include "host/session/session.h"
 
+// A Failure unless there is no file of that name, an empty one, or one that begins as a sink's for this description does.
+void RequireOwnCsv(const std::string& path, CPropertyDB& description);
+
 class CsvSink {
 public:
     // "-": standard output; empty: nowhere. The file is made with the first reading, after the connection stands; `facts` has the

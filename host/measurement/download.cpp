@@ -85,6 +85,8 @@ private:
         DownloadResult result;
         result.end = m_measurement.End();
         const bool waits = m_writer.HasBegun() && m_writer.Close() != ERROR_SUCCESS;
+        const RecordingWriter::Loss loss = waits ? m_writer.Lost() : RecordingWriter::Loss();
+        if (loss.gap.missed > 0) m_measurement.Dropped(loss.gap);
         result.made = m_writer.Written();
         result.missing = m_measurement.Missing();
         if (m_measurement.Gaps() != nullptr) result.causes = m_measurement.Gaps()->Counts();
@@ -105,7 +107,7 @@ private:
                 break;
         }
         if (waits) {
-            result.failure = Failure{kFileFailed, Say(Text::NotAllWritten, {std::to_string(m_writer.Waiting()), m_diskReason})};
+            result.failure = Failure{kFileFailed, Say(Text::NotAllWritten, {std::to_string(loss.readings), m_diskReason})};
         }
         return result;
     }
@@ -133,7 +135,7 @@ private:
         const std::string port = ToUtf8(m_plan.port);
         if (event.kind == RE_LOST) {
             m_lost = true;
-            Tell(LineLostSentence(m_plan.port, event.text));
+            Tell(LineLostSentence(m_plan.port, m_measurement.LastCode(), event.text));
         } else if (event.kind == RE_CONNECTED && std::exchange(m_lost, false)) {
             Tell(Say(Text::LineBack, {port}));
         } else if (event.kind == RE_CLOCK_STEPPED) {
@@ -221,12 +223,18 @@ std::string WhyNotOpened(const std::string& port, LONG code, const std::string& 
     }
 }
 
-std::string LineLostSentence(const std::string& port, const std::string& text) {
+std::string WhyLost(const std::string& port, LONG code, const std::string& text) {
+    const bool missing = code == CCommException::DeviceNotOpen && port.find("://") == std::string::npos &&
+                         CSerial::CheckPort(port.c_str()) == CSerial::PortMissing;
+    return missing ? Say(Text::ReasonNoSuchPort) : ToUtf8(text);
+}
+
+std::string LineLostSentence(const std::string& port, LONG code, const std::string& text) {
     // A network's own sentence names the place as well.
     const size_t scheme = port.find("://");
     const std::string place = scheme == std::string::npos ? port : port.substr(scheme + 3);
     const bool named = text.starts_with(place + ": ");
-    return Say(Text::LineLost, {ToUtf8(port), ToUtf8(named ? text.substr(place.size() + 2) : text)});
+    return Say(Text::LineLost, {ToUtf8(port), WhyLost(port, code, named ? text.substr(place.size() + 2) : text)});
 }
 
 std::string LateAdvice(DWORD lateAnswers, DWORD latest, DWORD timeout) {

@@ -54,8 +54,10 @@ DownloadResult Download(CHostApp& app, CPropertyDB& description, const DownloadP
 std::string CausesText(const std::vector<GapKeeper::Count>& causes, CPropertyDB& description);
 // "Flow, Level"
 std::string ChannelNames(const std::vector<WORD>& places, const Session& session);
+// Why a line gives nothing, by the code and text of the failure: of a serial port that is not there, that. House text to UTF-8.
+std::string WhyLost(const std::string& port, LONG code, const std::string& text);
 // The sentence for a line that was lost, and is tried again. House texts.
-std::string LineLostSentence(const std::string& port, const std::string& text);
+std::string LineLostSentence(const std::string& port, LONG code, const std::string& text);
 // The sentence for a port that could not be opened, by the code and text of the failure: the most telling one first.
 std::string WhyNotOpened(const std::string& port, LONG code, const std::string& text);
 // The proposal for a logger that answers later than the time-out allows; empty when it does not do so again and again.

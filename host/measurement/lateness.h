@@ -23,7 +23,7 @@ public:
         double left = part * m_total;
         for (size_t i = 0; i < m_counts.size() && m_total > 0; ++i) {
             left -= m_counts[i];
-            if (left <= 0) return std::exp2(static_cast<double>(i + 1) / kPerOctave);
+            if (left <= 0) return std::min(std::exp2(static_cast<double>(i + 1) / kPerOctave), static_cast<double>(m_latest));
         }
         return 0;
     }

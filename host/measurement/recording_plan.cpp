@@ -48,10 +48,10 @@ void CheckEarlier(const RecordingWriter::Plan& record, bool force, CPropertyDB& 
     }
     if (force) return;
     if (!record.target.empty()) {
-        RequireReplaceable(record.target);
+        RequireReplaceable(record.target, description);
         if (FileExists(record.path))
             throw Failure{kFileFailed, Say(Text::LeftOver, {ToUtf8(record.path), ToUtf8(record.target)})};
     } else {
-        RequireReplaceable(record.path);
+        RequireReplaceable(record.path, description);
     }
 }

@@ -28,6 +28,12 @@ std::string WithTime(const std::string& path, const std::string& time, const std
     return base.substr(0, at) + "-" + time + base.substr(at);
 }
 
+CRecordedGap DiskGap(CRecordedGap gap) {
+    gap.cause = GC_DISK;
+    gap.text = HouseText(Text::GapDisk);
+    return gap;
+}
+
 class SystemStore : public IRecordingStore {
 public:
     bool Exists(const std::string& path) override { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
@@ -156,6 +162,7 @@ void RecordingWriter::OnEvent(const CRecordedEvent& event) {
 }
 
 void RecordingWriter::Put(Record record) {
+    if (m_closed) return;
     if (m_replaces) {
         m_valueCame = m_valueCame || record.HasValue();
         Hold(std::move(record));
@@ -205,13 +212,19 @@ bool RecordingWriter::Drain() {
         m_waitingReadings -= record.kind == Record::Reading ? 1 : 0;
         m_waiting.pop_front();
     }
-    if (m_dropped.missed > 0) {
-        CRecordedGap gap = std::exchange(m_dropped, {});
-        gap.cause = GC_DISK;
-        gap.text = HouseText(Text::GapDisk);
-        m_listener.OnDropped(std::move(gap));
-    }
+    if (m_dropped.missed > 0) m_listener.OnDropped(DiskGap(std::exchange(m_dropped, {})));
     return true;
+}
+
+RecordingWriter::Loss RecordingWriter::Lost() const {
+    Loss loss{m_waitingReadings + m_dropped.missed, m_dropped};
+    for (auto record = m_waiting.rbegin(); record != m_waiting.rend(); ++record) {
+        if (!record->IsWhole()) continue;
+        if (loss.gap.missed++ == 0) loss.gap.until = record->time;
+        loss.gap.from = record->time;
+    }
+    loss.gap = DiskGap(std::move(loss.gap));
+    return loss;
 }
 
 void RecordingWriter::Tell(DWORD error, const std::string& path) {
@@ -258,6 +271,7 @@ void RecordingWriter::RotateIfDue(__int64 time) {
 }
 
 DWORD RecordingWriter::Close() {
+    m_closed = true;
     if (!m_begun || (m_replaces && !m_valueCame)) return ERROR_SUCCESS;
     if (m_replaces && !ReplaceNow()) return m_error;
     const bool all = Drain();

@@ -1,7 +1,6 @@
 // Where a measurement's readings go: into a recording, or a row of them. What cannot be written at the moment (a full disk) waits
-// in memory and is written in its order as soon as it can be; beyond a bound, readings are dropped and become a gap. A file that is
-// to take another one's place is made with the first value, so that a logger that gives none costs nothing.
-// One thread.
+// in memory and is written in its order as soon as it can be; beyond a bound, readings are dropped and become a gap. A file that
+// is to take another one's place is made with the first value, so that a logger that gives none costs nothing. One thread.
 #pragma once
 
 #include <algorithm>
@@ -30,18 +29,18 @@ protected:
 class RecordingWriter : public IMeasurementSink {
 public:
     struct Plan {
-        std::string path;                  // of the recording; with rotation, the time is put into its name
-        std::string target;                // the session that is made of it at the end; empty: it stays a recording
-        bool append = false;               // goes on with what is there, else takes its place
-        __int64 rotateEvery = 0;           // us after which a new file begins; 0: never
-        unsigned __int64 rotateSize = 0;   // bytes likewise
-        __int64 interval = 0;              // us between readings, to tell how many are missing since an earlier run
-        std::string version;               // of this program
+        std::string path;                 // of the recording; with rotation, the time is put into its name
+        std::string target;               // the session that is made of it at the end; empty: it stays a recording
+        bool append = false;              // goes on with what is there, else takes its place
+        __int64 rotateEvery = 0;          // us after which a new file begins; 0: never
+        unsigned __int64 rotateSize = 0;  // bytes likewise
+        __int64 interval = 0;             // us between readings, to tell how many are missing since an earlier run
+        std::string version;              // of this program
     };
     class Listener {
     public:
-        // Writing has failed, or does again as it should (error 0). Errors 2 and 38: the file was moved or removed, and a new one is
-        // written in its place; or it was cut short. WritingSentence has the words.
+        // Writing has failed, or does again as it should (error 0). Errors 2 and 38: the file was moved or removed, and a new one
+        // is written in its place; or it was cut short. WritingSentence has the words.
         virtual void OnWriting(const std::string& path, DWORD error) = 0;
         // Readings that were not kept: a gap without a number.
         virtual void OnDropped(CRecordedGap gap) = 0;
@@ -62,8 +61,16 @@ public:
 
     // Tries again what could not be written; to be called every second or so.
     void Tick();
-    // The end: what can be written is, and forced to the disk. Gives the error; what waits is then lost, and counted by Waiting.
+    // The end: what can be written is, and forced to the disk; what comes later is not taken any more. Gives the error; what
+    // waits is then lost.
     DWORD Close();
+    // What is lost after that: how many readings, and as a gap without a number those that had all of their values; the others
+    // were missed already.
+    struct Loss {
+        size_t readings = 0;
+        CRecordedGap gap;
+    };
+    Loss Lost() const;
 
     bool HasBegun() const { return m_begun; }
     size_t Waiting() const { return m_replaces && !m_valueCame ? 0 : m_waitingReadings; }
@@ -88,6 +95,9 @@ private:
         bool HasValue() const {
             return kind == Reading && std::any_of(flags.begin(), flags.end(), [](BYTE flag) { return flag != RF_MISSING; });
         }
+        bool IsWhole() const {
+            return HasValue() && std::none_of(flags.begin(), flags.end(), [](BYTE flag) { return flag == RF_MISSING; });
+        }
         size_t Size() const { return sizeof *this + values.size() * 9 + gap.text.size() + event.text.size(); }
     };
     void Put(Record record);
@@ -109,7 +119,7 @@ private:
     std::vector<File> m_files;
     std::optional<File> m_replaces;  // the file that is made with the first value, in the place of one that is there
     bool m_valueCame = false;
-    bool m_begun = false;
+    bool m_begun = false, m_closed = false;
     __int64 m_fileBegan = 0;
     unsigned __int64 m_written = 0;
     DWORD m_error = 0;

@@ -46,7 +46,7 @@ size_t CommentCount(const CPropertyDB& session) {
     return count;
 }
 
-void RequireReplaceable(const std::string& path) {
+void RequireReplaceable(const std::string& path, CPropertyDB& description) {
     if (!FileExists(path) || FileSize(path) == 0) return;
     CPropertyDB session;
     if (IsRecording(path)) {
@@ -70,9 +70,14 @@ void RequireReplaceable(const std::string& path) {
     }
     if (const size_t comments = CommentCount(session))
         throw Failure{kFileFailed, Say(Text::HasComments, {ToUtf8(path), std::to_string(comments)})};
+    if (!IsOfLogger(session, description)) {
+        const std::string name = TextAt(session, "Session.sLogger");
+        throw Failure{kFileFailed,
+                      Say(Text::OfOtherLogger, {ToUtf8(path), ToUtf8(name.empty() ? TextAt(session, "Session.sFamily") : name)})};
+    }
 }
 
-void RequireSameLogger(const std::string& path, const CPropertyDB& session, CPropertyDB& description) {
+bool IsOfLogger(const CPropertyDB& session, CPropertyDB& description) {
     CPropertyDB wished;
     wished.OverlayCopy(description, nullptr, "Logger", TRUE);
     bool same = ValuesUnder(session, "Logger.") == ValuesUnder(wished, "Logger.");
@@ -89,5 +94,9 @@ void RequireSameLogger(const std::string& path, const CPropertyDB& session, CPro
         };
         same = named(session) == named(channels);
     }
-    if (!same) throw Failure{kWrongUse, Say(Text::OtherLogger, {ToUtf8(path)})};
+    return same;
+}
+
+void RequireSameLogger(const std::string& path, const CPropertyDB& session, CPropertyDB& description) {
+    if (!IsOfLogger(session, description)) throw Failure{kWrongUse, Say(Text::OtherLogger, {ToUtf8(path)})};
 }

@@ -94,7 +94,12 @@ void LoggerRun::Step() {
     if (m_writer->Waiting() > 0) {
         Enter(LoggerState::NoFile, m_report.why);
     } else if (m_measurement->IsLost()) {
-        Enter(LoggerState::Silent, ToUtf8(m_measurement->LastFailure()));
+        // Asked for once for each cause, as that costs a look at the port.
+        if (const std::string& failure = m_measurement->LastFailure(); failure != m_failure || m_whyLost.empty()) {
+            m_failure = failure;
+            m_whyLost = WhyLost(m_plan->plan.port, m_measurement->LastCode(), failure);
+        }
+        Enter(LoggerState::Silent, m_whyLost);
     }
     Report(false);
 }
@@ -120,7 +125,7 @@ void LoggerRun::CannotRecord(const std::string& sentence) {
     Enter(LoggerState::NoFile, sentence);
     if (m_measurement != nullptr) {
         m_madeBefore += m_writer->Written();
-        m_missingBefore += m_measurement->Missing();
+        m_missingBefore += m_measurement->Missing() + m_writer->Lost().gap.missed;
     }
     // The logger is let go; a sink that fails again is not asked.
     m_measurement.reset();
@@ -144,7 +149,12 @@ void LoggerRun::End() {
         m_measurement->Stop();
         const bool waits = m_writer->Close() != ERROR_SUCCESS;
         if (!m_csv->Close() && !std::exchange(m_csvTold, true)) Say(::Say(Text::CsvNotWhole, {ToUtf8(m_plan->plan.csvFile)}));
-        if (waits) Say(::Say(Text::NotAllWritten, {std::to_string(m_writer->Waiting()), m_report.why}));
+        if (waits) {
+            const RecordingWriter::Loss loss = m_writer->Lost();
+            if (loss.gap.missed > 0) m_measurement->Dropped(loss.gap);
+            m_report.why = ::Say(Text::NotAllWritten, {std::to_string(loss.readings), m_report.why});
+            Say(m_report.why);
+        }
         if (m_measurement->End() == Measurement::Ended::GivenUp) {
             const std::string failure = ToUtf8(m_measurement->LastFailure());
             m_report.why = ::Say(Text::GivenUp, {ToUtf8(m_plan->plan.port), failure});
@@ -188,7 +198,7 @@ void LoggerRun::Measure() {
     if (m_measurement != nullptr) {
         m_report.made = m_madeBefore + m_writer->Written();
         m_report.missing = m_missingBefore + m_measurement->Missing();
-        m_report.waiting = m_writer->Waiting();
+        m_report.waiting = m_report.state == LoggerState::Over ? 0 : m_writer->Waiting();  // then it is lost, and missing
         if (m_measurement->Gaps() != nullptr) m_report.causes = m_measurement->Gaps()->Counts();
         m_report.late = m_measurement->Late().Below(0.5);
         m_report.veryLate = m_measurement->Late().Below(0.99);
@@ -230,7 +240,7 @@ void LoggerRun::OnEvent(const CRecordedEvent& event) {
     const std::string port = ToUtf8(m_plan->plan.port);
     if (event.kind == RE_LOST) {
         m_lost = true;
-        Say(LineLostSentence(m_plan->plan.port, event.text));
+        Say(LineLostSentence(m_plan->plan.port, m_measurement->LastCode(), event.text));
     } else if (event.kind == RE_CONNECTED && std::exchange(m_lost, false)) {
         Say(::Say(Text::LineBack, {port}));
     } else if (event.kind == RE_CLOCK_STEPPED) {

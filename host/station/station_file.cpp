@@ -5,6 +5,8 @@
 #include <optional>
 
 #include "afx/collections.h"
+#include "comm/comm_exception.h"
+#include "comm/line_address.h"
 #include "host/command_line/span_words.h"
 #include "host/logger/channel_intervals.h"
 #include "host/logger/description_check.h"
@@ -80,7 +82,7 @@ public:
             }
         };
         DownloadPlan& plan = m_made->plan;
-        step([&] { plan.port = Need("sPort"); });
+        step([&] { ReadPort(); });
         step([&] { ReadTimes(); });
         step([&] { ReadFiles(); });
         step([&] {
@@ -128,6 +130,15 @@ private:
         if (*span < 1 || *span > kLongestSpan)
             throw Failure{kWrongUse, Say(Text::SpanRange, {Utf8(name), WordsFromSpan(1), WordsFromSpan(kLongestSpan)})};
         return *span;
+    }
+
+    void ReadPort() {
+        m_made->plan.port = Need("sPort");
+        try {
+            CLineAddress::Parse(m_made->plan.port.c_str());
+        } catch (CCommException* failure) {
+            throw Failure{kWrongUse, Utf8("sPort") + ": " + TakeMessage(failure) + "."};
+        }
     }
 
     void ReadTimes() {

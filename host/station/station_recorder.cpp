@@ -5,14 +5,11 @@
 
 #include "comm/task.h"
 #include "host/logger/logger_file.h"
-#include "host/measurement/recording_plan.h"
 #include "host/session/database_file.h"
-#include "host/session/recording_files.h"
-#include "host/session/replaceable_file.h"
+#include "host/station/station_files.h"
 #include "host/stop_request.h"
 #include "host/texts.h"
 #include "platform/service.h"
-#include "record/recording_reader.h"
 
 namespace {
 constexpr __int64 kSecond = 1'000'000;
@@ -41,25 +38,10 @@ StationRecorder::~StationRecorder() {
 // What stands where the recordings are to be, before anything is begun.
 void StationRecorder::CheckFiles(const Station& station) const {
     StationMistakes mistakes;
-    for (const auto& logger : station.loggers) {
-        try {
-            RequireWritable(logger->record.path);
-            if (!logger->plan.csvFile.empty()) RequireWritable(logger->plan.csvFile);
-            CPropertyDB description = logger->description;
-            const bool ours = std::any_of(m_running.begin(), m_running.end(), [&](const auto& entry) {
-                return entry.second.run->Plan().record.path == logger->record.path;
-            });
-            if (!ours) {
-                CheckEarlier(logger->record, false, description);
-            } else if (logger->record.rotateEvery == 0 && logger->record.rotateSize == 0) {
-                CRecordingReader reader;
-                if (reader.Open(logger->record.path) == ERROR_SUCCESS)
-                    RequireSameLogger(logger->record.path, reader.Facts(), description);
-            }
-        } catch (const Failure& failure) {
-            mistakes.sentences.push_back(Say(Text::StationMistake, {ToUtf8(logger->key), failure.sentence}));
-        }
-    }
+    mistakes.sentences = FindFileMistakes(station, [&](const std::string& path) {
+        return std::any_of(m_running.begin(), m_running.end(),
+                           [&](const auto& entry) { return entry.second.run->Plan().record.path == path; });
+    });
     if (!mistakes.sentences.empty()) throw mistakes;
 }
 
@@ -164,8 +146,11 @@ void StationRecorder::Take(size_t number) {
     m_result.made += running.report.made;
     m_result.missing += running.report.missing;
     m_result.whole = m_result.whole && running.report.why.empty();
-    m_result.lines.push_back(Say(
-        Text::StationSummary, {ToUtf8(plan.key), std::to_string(running.report.made), std::to_string(running.report.missing)}));
+    CPropertyDB description = plan.description;
+    const std::string causes = CausesText(running.report.causes, description);
+    m_result.lines.push_back(Say(Text::StationSummary, {ToUtf8(plan.key), std::to_string(running.report.made),
+                                                        std::to_string(running.report.missing)}) +
+                             (causes.empty() ? "" : ": " + causes));
     m_last[plan.key] = running.report;
     if (running.report.why.empty() && !running.ending) m_done[plan.key] = plan.identity;
     m_running.erase(found);

@@ -245,13 +245,14 @@ std::string StationStatus::Words(bool running) const {
                              (names.empty() ? "" : " (" + names + ")"));
         }
         if (!causes.empty()) line(Say(Text::StationCauses, {Joined(causes)}));
-        if (report.waiting > 0) line(Say(Text::StationWaiting, {std::to_string(report.waiting)}));
+        if (report.waiting > 0)
+            line(Say(running ? Text::StationWaiting : Text::StationNotWritten, {std::to_string(report.waiting)}));
         if (report.made > 0) line(Say(Text::StationLate, {Milliseconds(report.late), Milliseconds(report.veryLate)}));
         for (size_t i = 0; i < logger.channels.size(); ++i) {
             const Logger::Channel& channel = logger.channels[i];
             const LoggerReport::Last& last = report.last[i];
             if (last.time == 0) continue;
-            const std::string value = std::isnan(last.value) ? "-" : ShortTextOf(last.value);
+            const std::string value = std::isnan(last.value) ? "-" : WholeTextOf(last.value);
             line(ToUtf8(channel.name) + ": " + value + (channel.unit.empty() ? "" : " " + ToUtf8(channel.unit)) + "  " +
                  TimeTextOf(last.time));
         }

@@ -113,6 +113,23 @@ std::vector<WORD> Letters(const Channel& channel, double number) {
     return registers;
 }
 
+// Scales and offsets are mostly decimal, and so is what people expect: 189 times 0.1 is 18.9, where doubles would make
+// 18.900000000000002 of it. With both as whole numbers of some power of ten only the last step is rounded.
+double Scaled(const Channel& channel, double raw) {
+    constexpr double kExact = 0x1p53, kFinest = 1e9;
+    if (std::abs(raw) < kExact && raw == std::floor(raw)) {
+        for (double parts = 10; parts <= kFinest; parts *= 10) {
+            const double scale = std::round(channel.scale * parts), offset = std::round(channel.offset * parts);
+            if (scale / parts != channel.scale || offset / parts != channel.offset) continue;
+            const double product = raw * scale, sum = product + offset;
+            if (std::abs(product) >= kExact || std::abs(sum) >= kExact || sum == 0) break;
+            return sum / parts;
+        }
+    }
+    const double scaled = raw * channel.scale;
+    return channel.offset == 0 ? scaled : scaled + channel.offset;  // adding 0 would turn -0 into 0
+}
+
 double RawOf(const Channel& channel, double value) { return (value - channel.offset) / channel.scale; }
 }  // namespace
 
@@ -174,8 +191,7 @@ double Decode(const Channel& channel, const BYTE* data, WORD offset) {
         }
     }
     if (std::find(channel.none.begin(), channel.none.end(), bits) != channel.none.end()) return kNoValue;
-    const double scaled = raw * channel.scale;
-    return channel.offset == 0 ? scaled : scaled + channel.offset;  // adding 0 would turn -0 into 0
+    return Scaled(channel, raw);
 }
 
 uint64_t BitsOf(ValueType type, double number) {
@@ -207,6 +223,16 @@ std::vector<WORD> Encode(const Channel& channel, double value) {
     uint64_t bits = BitsOf(channel.type, raw);
     if (ReadsCoils(channel.function)) return {static_cast<WORD>(bits)};
     if (channel.type == ValueType::Bool) bits <<= channel.bit;
+    return RegistersOf(channel, bits);
+}
+
+uint64_t BitsIn(const Channel& channel, const std::vector<WORD>& registers) {
+    std::vector<BYTE> data;
+    for (const WORD word : registers) AppendWord(data, word);
+    return Gather(channel, data.data());
+}
+
+std::vector<WORD> RegistersOf(const Channel& channel, uint64_t bits) {
     const size_t count = channel.Count();
     std::vector<WORD> registers(count);
     for (size_t i = count; i-- > 0; bits >>= 16) {
@@ -225,9 +251,16 @@ bool CanHold(const Channel& channel, double value) {
         if (std::abs(raw - whole) > 1e-6 * std::max(1.0, std::abs(raw) * 1e-6)) return false;
         raw = whole;
     }
+    constexpr double kExact = 0x1p53;
     const Range range = RangeOf(channel.type);
-    const bool open = channel.type == ValueType::Int64 || channel.type == ValueType::Uint64;
-    return raw >= range.low && (open ? raw < range.high : raw <= range.high);
+    if ((channel.type == ValueType::Int64 || channel.type == ValueType::Uint64) && std::abs(raw) > kExact) return false;
+    if (channel.type == ValueType::Text) {
+        const std::vector<WORD> letters = Letters(channel, raw);
+        std::vector<BYTE> data;
+        for (const WORD word : letters) AppendWord(data, word);
+        return std::abs(NumberIn(channel, data.data()) - raw) <= 1e-12 * std::abs(raw);
+    }
+    return raw >= range.low && raw <= range.high;
 }
 
 }  // namespace modbus

@@ -44,9 +44,13 @@ double Decode(const Channel& channel, const BYTE* data, WORD offset = 0);
 
 // The registers for a value, the nearest ones within the type's range; of a coil one word, 0 or 1.
 std::vector<WORD> Encode(const Channel& channel, double value);
-// Whether the type can hold that value: it is in its range, and no digits are lost beyond what rounding takes from a float.
+// Whether the type can hold that value: it is in its range, and no digits are lost beyond what rounding takes from a float. Whole
+// numbers beyond 2^53 count as not held: a double does not tell them from their neighbours.
 bool CanHold(const Channel& channel, double value);
 // A number before scale and offset as the registers hold it, highest byte first; for `none`.
 uint64_t BitsOf(ValueType type, double number);
+// The same bits out of a channel's registers, and into them; not for coils and texts.
+uint64_t BitsIn(const Channel& channel, const std::vector<WORD>& registers);
+std::vector<WORD> RegistersOf(const Channel& channel, uint64_t bits);
 
 }  // namespace modbus

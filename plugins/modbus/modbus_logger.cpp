@@ -1,14 +1,13 @@
 #include "plugins/modbus/modbus_logger.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <limits>
 
 #include "afx/string.h"
 #include "comm/comm_exception.h"
 #include "comm/line_address.h"
 #include "plugins/modbus/modbus_network_master.h"
+#include "plugins/modbus/modbus_number.h"
 #include "plugins/modbus/modbus_serial_master.h"
 
 namespace modbus {
@@ -24,6 +23,14 @@ CString TextOf(UINT id) {
 
 void Refuse(const Master::Outcome& outcome) {
     OrvikThrowCommException(outcome.code, outcome.text.empty() ? nullptr : outcome.text.c_str());
+}
+
+// What was read of a channel; the other coils of the byte are nobody's.
+std::vector<WORD> WordsOf(const Channel& channel, const std::vector<BYTE>& data) {
+    if (ReadsCoils(channel.function)) return {static_cast<WORD>(data[0] & 1)};
+    std::vector<WORD> words;
+    for (size_t i = 0; i + 1 < data.size(); i += 2) words.push_back(WordAt(&data[i]));
+    return words;
 }
 
 // The request that sets a channel's registers.
@@ -152,29 +159,26 @@ void Logger::Deliver(const std::vector<Master::Outcome>& outcomes, CDoubleArray&
     if (whole && !any && failure != nullptr) Refuse(*failure);
 }
 
-double Logger::Write(int index, double value) {
+Written Logger::Write(int index, const char* number) {
     const auto& channels = m_description.channels;
     if (index < 0 || static_cast<size_t>(index) >= channels.size() || channels[static_cast<size_t>(index)].write == 0)
         OrvikThrowCommException(CCommException::AccessDenied, TextOf(kNotWritableText));
     const Channel& channel = channels[static_cast<size_t>(index)];
-    if (!CanHold(channel, value)) {
-        CString number, text;
-        number.Format("%.15g", value);
-        text.Format(TextOf(kCannotHoldText), static_cast<const char*>(number));
+    const std::vector<WORD> registers = RegistersFor(channel, number);
+    if (registers.empty()) {
+        CString text;
+        text.Format(TextOf(kCannotHoldText), number);
         OrvikThrowCommException(CCommException::AccessDenied, text);
     }
     const BYTE slave = m_description.slaves[channel.slave].address;
-    const std::vector<WORD> registers = Encode(channel, value);
     std::vector<Master::Outcome> outcomes;
     const Request steps[] = {Setting(channel, slave, registers), {slave, channel.function, channel.first, channel.Count()}};
     for (const Request& step : steps) {
         Exchange({&step, 1}, outcomes);
         if (outcomes[0].data.empty()) Refuse(outcomes[0]);
     }
-    std::vector<BYTE>& held = outcomes[0].data;
-    if (ReadsCoils(channel.function)) held[0] &= 1;  // the others of the byte are nobody's
-    // The same registers hold the same value, whatever digits of it a float cannot take over.
-    return held == steps[0].data ? value : Decode(channel, held.data());
+    const std::string sent = DigitsOf(channel, registers), held = DigitsOf(channel, WordsOf(channel, outcomes[0].data));
+    return {sent.c_str(), held.c_str(), Decimal(sent) == Decimal(number)};
 }
 
 void Logger::Disconnect() {

@@ -22,7 +22,7 @@ public:
     void Connect(const char* port, DWORD timeout) override;
     void ReadSample(CDoubleArray& values) override;
     void Select(const CByteArray& due) override;
-    double Write(int channel, double value) override;
+    Written Write(int channel, const char* number) override;
     void Watch(IReadingWatch* watch) override;
     void Disconnect() override;
     void Abort() override { m_transport->Abort(); }

@@ -268,6 +268,7 @@ class Download(HostTest):
     def test_a_plug_that_comes_back(self):
         link = self.folder / "line"
         self.simulate("--fault", "unplug", "--link", link)
+        self.assertIn("which runs", self.refused(3, "simulate", "--link", link))
         process = self.start("download", "--port", link, "--out", "s.rec", "--for", "5 s", "--interval", 100)
         time.sleep(1.5)
         link.unlink(missing_ok=True)
@@ -331,6 +332,10 @@ class Download(HostTest):
         self.host("db", "set", "s.odb", "Chart.Tags.Comment #0.sText", "mine")
         self.assertIn("1 comment", self.refused(3, "download", "--port", port, "--out", "s.odb", "--count", 1))
         self.assertEqual(self.download(port, "--force", out="s.odb", count=1).code, 0)
+        self.host("db", "set", "s.odb", "Logger.sName", "Another")
+        self.assertIn("another description, \"Demo logger\"", self.refused(3, "download", "--port", port, "--out", "s.odb", "--count", 1))
+        self.assertEqual(self.download(port, out="o.rec", count=1).code, 0)
+        self.assertIn("heading", self.refused(3, "download", "--port", port, "--out", "o.rec", "--append", "--csv", "precious.txt"))
         for one, other in [("--logger", "--out"), ("--csv", "--out"), ("--trace", "--csv")]:
             words = {"--out": "a.odb", one: "same.xml", other: "same.xml"}
             self.assertIn("same file", self.refused(1, "download", "--port", port, *[word for pair in words.items() for word in pair]))
@@ -361,6 +366,7 @@ class Download(HostTest):
         self.assertIn(f"{kept} readings of 5 channels saved", said.splitlines()[-1])
         lost = int(re.search(r"(\d+) readings could not be written", said.splitlines()[-1]).group(1))
         self.assertTrue(kept > 10 and lost > 10 and kept + lost <= 60, said)
+        self.assertRegex(said.splitlines()[-1], rf"; (\d+) are missing: .*{lost} x the disk did not take them")
 
     def test_one_reading(self):
         port = self.simulate()
@@ -386,7 +392,7 @@ class Download(HostTest):
     def test_a_channel_is_set_and_read_back(self):
         channels = {"s": ("Setpoint", "40001", "float32", "<PROPERTY name='bWritable'>1</PROPERTY><PROPERTY name='sUnit'>°C</PROPERTY>"),
                     "p": ("Pump", "1", "bool", "<PROPERTY name='bWritable'>yes</PROPERTY>"), "q": ("Pump", "2", "bool", ""),
-                    "t": ("Room", "30001", "int16", "")}
+                    "t": ("Room", "30001", "int16", ""), "u": ("Total", "40011", "uint64", "<PROPERTY name='bWritable'>1</PROPERTY>")}
         body = "".join(f"<PATH name='{key}'><PROPERTY name='sName'>{name}</PROPERTY><PROPERTY name='nNumber'>{number}</PROPERTY>"
                        f"<PROPERTY name='sType'>{kind}</PROPERTY>{more}</PATH>" for key, (name, number, kind, more) in channels.items())
         (self.folder / "r.xml").write_text("<PROPERTYDB><PROPERTY name='sFamily'>Modbus</PROPERTY><PROPERTY name='nSlave'>3</PROPERTY>"
@@ -396,6 +402,12 @@ class Download(HostTest):
         self.assertEqual((result.code, result.out.strip()), (0, "Setpoint: wrote -21.1 °C, read back -21.1 °C."), result.err)
         self.assertEqual(self.host(*call, "p", "--value", 1, language="sv_SE.UTF-8").out.strip(), "Pump: skrev 1, läste tillbaka 1.")
         self.assertRegex(self.host("read", *call[1:5]).out, r"Setpoint +-21[.]1 °C")
+        result = self.host(*call, "s", "--value", "16777217")
+        self.assertEqual((result.code, result.out.strip()), (1, "Setpoint: wrote 16777216 °C, read back 16777216 °C."), result.err)
+        self.assertIn("cannot hold 16777217 exactly", result.err)
+        result = self.host(*call, "Total", "--value", "9007199254740993")
+        self.assertEqual((result.code, result.out.strip()), (0, "Total: wrote 9007199254740993, read back 9007199254740993."), result.err)
+        self.assertIn("läste tillbaka 0,5 °C", self.host(*call, "s", "--value", "0,5", language="sv_SE.UTF-8").out)
         for code, channel, value, told in [(1, "Pump", 1, "p, q"), (1, "q", 1, "does not allow"), (1, "Room", 1, "does not allow"),
                                            (1, "Boiler", 1, "Setpoint"), (1, "Setpoint", "warm", "warm"), (1, "p", 2, "cannot hold 2"),
                                            (1, "Setpoint", "nan", "nan")]:

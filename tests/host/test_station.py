@@ -1,6 +1,8 @@
 """The loggers of a station side by side: record, status and reload as a user calls them, on either home."""
 import json
 import os
+import re
+import resource
 import signal
 import socket
 import subprocess
@@ -69,6 +71,21 @@ class Stations(HostTest):
             if last:
                 self.assertIn(last, result.sentences[-1])
         self.assertFalse((self.folder / "a.rec").exists())
+        # What stands in their places; a recorder that runs is in nobody's way.
+        self.assertEqual(self.host("download", "--port", self.simulate(), "--out", "demo.rec", "--count", 1).code, 0)
+        (self.folder / "notes.txt").write_text("notes")
+        (self.folder / "notes.csv").write_text("time,Air,Humidity\n")
+        self.station({"a": ("tcp://x:99999", {})})
+        self.assertIn("Logger a: Loggers.a.sPort: ", self.refused(1, "check", "st.xml"))
+        self.station({"b": (NOWHERE, {"sOut": "nowhere/b.rec"}), "c": ("COM98", {"sOut": "demo.rec"}),
+                      "d": ("COM97", {"sCsv": "notes.txt"}), "e": ("COM96", {"sOut": "notes.rec", "sCsv": "notes.csv"})})
+        for command in ("check", "record"):
+            result = self.host(command, "st.xml")
+            self.assertEqual(result.code, 1)
+            for part in ("Logger b: ", "Logger c: demo.rec was recorded with another", "Logger d: notes.txt"):
+                self.assertEqual(len([line for line in result.sentences if part in line]), 1, (part, result.err))
+            self.assertNotIn("Logger e", result.err)
+        self.assertEqual((self.folder / "notes.txt").read_text(), "notes")
         (self.folder / "none.xml").write_text("<PROPERTYDB><PATH name='Loggers'/></PROPERTYDB>")
         self.assertIn("names no loggers", self.refused(1, "record", "none.xml"))
         self.station({"a": (NOWHERE, {})})
@@ -170,6 +187,24 @@ class Stations(HostTest):
         self.assertEqual(recorder.wait(timeout=30), 0)
         self.assertEqual(self.readings("one.rec")[:len(kept)], kept)
         self.assertIn("did not run", self.host("show", "one.rec", "--gaps").out)
+
+    @native("only there a file's size can be limited")
+    def test_what_a_full_disk_costs_is_missing(self):
+        self.station({"one": (self.simulate(), {"sFor": "8 s", "rInterval": 0.05, "sLogger": "fast.xml"}), "away": (NOWHERE, {"sFor": "8 s"})})
+        (self.folder / "fast.xml").write_text(METER.replace("<PROPERTY name=\"sGroup\">slow</PROPERTY>", ""))
+        process = subprocess.Popen(self.command("record", "st.xml"), cwd=self.folder, env=self.environment(), stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                   encoding="utf-8", restore_signals=False, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000, 5000)))
+        _, loggers = self.until(lambda l: l["one"]["waiting"] > 5 and l["away"]["state"] == "silent")
+        self.assertEqual(loggers["away"]["why"], "there is no such port")
+        out, said = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 2, said)
+        lost = int(re.search(r"(\d+) readings could not be written", said)[1])
+        made, missing = re.search(r"one: (\d+) readings, (\d+) missing: .*%d x the disk did not take them" % lost, out).groups()
+        self.assertEqual(int(made), len([row for row in self.readings("one.rec")[1:] if row[1]]))
+        self.assertGreaterEqual(int(missing), lost)
+        one = self.status()[1]["loggers"][1]
+        self.assertEqual((one["waiting"], one["missing"], one["made"]), (0, int(missing), int(made)))
+        self.assertIn("could not be written", self.host("status", "st.xml").out)
 
     @native("only there the recorder ends by a signal")
     def test_two_do_not_record_into_one_file(self):

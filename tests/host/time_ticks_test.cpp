@@ -222,7 +222,9 @@ TEST_F(TimeTicksTest, TypedTimes) {
          {"noon", 0},
          {"", 0},
          {"-", 0},
-         {"1970-01-02T00:00:01", 0},
+         {"2026-11-21T15:06:07.25", time + 250'000},
+         {"2026-11-21T15:06:07 ", 0},
+         {"2026-11-31T15:06:07", 0},
          {"1970-02-30T00:00:01Z", 0}};
     for (const auto& c : swedish) EXPECT_EQ(TimeFromText(c.first).value_or(0), c.second) << c.first;
     American();

@@ -292,26 +292,36 @@ TEST(ModbusBus, SlavesOfASerialLineHaveItsNumbers) {
 TEST(ModbusWriting, SetsAndReadsBack) {
     const struct {
         const char *settings, *function;  // none: not to be written
-        double value;
-        int sends;  // the function that is seen on the line; 0: nothing is sent, and the code is 5
-    } rows[] = {{"nNumber=1; sType=bool", "5", 1, 5},
-                {"nNumber=1; sType=bool", "15", 0, 15},
-                {"nNumber=1; sType=bool", "5", 2, 0},
-                {"nNumber=40001; sType=int16; sOrder=BA; rScale=0.1", "6", -21.3, 6},
-                {"nNumber=40001; sType=int16", "16", -300, 16},
-                {"nNumber=40001; sType=int16", "6", 32768, 0},
-                {"nNumber=40001; sType=int16; rScale=0.1", "6", 21.35, 0},
-                {"nNumber=40001; sType=uint32; sOrder=CDAB", "16", 3232235778, 16},
-                {"nNumber=40001; sType=float32; sOrder=DCBA", "16", 0.1, 16},
-                {"nNumber=40001; sType=float64; sOrder=GHEFCDAB; rScale=2", "16", -1e100, 16},
-                {"nNumber=40001; sType=uint64", "16", 0x1p60, 16},
-                {"nNumber=40001; sType=bcd32", "16", 12345678, 16},
-                {"nNumber=40001; sType=bcd32", "16", -1, 0},
-                {"nNumber=40001; sType=int16", nullptr, 5, 0},
-                {"nNumber=30001; sType=int16", nullptr, 5, 0}};
+        const char *wanted, *held;        // null: as it was wanted
+        int sends;                        // the function that is seen on the line; 0: nothing is sent, and the code is 5
+    } rows[] = {{"nNumber=1; sType=bool", "5", "1", nullptr, 5},
+                {"nNumber=1; sType=bool", "15", "0", nullptr, 15},
+                {"nNumber=1; sType=bool", "5", "2", nullptr, 0},
+                {"nNumber=40001; sType=int16; sOrder=BA; rScale=0.1", "6", "-21.3", nullptr, 6},
+                {"nNumber=40001; sType=int16", "16", "-300", nullptr, 16},
+                {"nNumber=40001; sType=int16", "6", "32768", nullptr, 0},
+                {"nNumber=40001; sType=int16; rScale=0.1", "6", "21.35", nullptr, 0},
+                {"nNumber=40001; sType=uint32; sOrder=CDAB", "16", "3232235778", nullptr, 16},
+                {"nNumber=40001; sType=float32; sOrder=DCBA", "16", "0.1", nullptr, 16},
+                {"nNumber=40001; sType=float64; sOrder=GHEFCDAB; rScale=2", "16", "-1e+100", nullptr, 16},
+                {"nNumber=40001; sType=float32", "16", "16777217", "16777216", 16},
+                {"nNumber=40001; sType=float32", "16", "1e-46", "0", 16},
+                {"nNumber=40001; sType=float32", "16", "1234567.891", "1234567.9", 16},
+                {"nNumber=40001; sType=float32; rScale=0.1", "16", "+21.50", "21.5", 16},
+                {"nNumber=40001; sType=uint64", "16", "9007199254740993", nullptr, 16},
+                {"nNumber=40001; sType=uint64; sOrder=low", "16", "1844674407370955161.5e1", "18446744073709551615", 16},
+                {"nNumber=40001; sType=uint64", "16", "18446744073709551616", nullptr, 0},
+                {"nNumber=40001; sType=uint64", "16", "0.5", nullptr, 0},
+                {"nNumber=40001; sType=uint64; rScale=0.001", "16", "12345.678", nullptr, 16},
+                {"nNumber=40001; sType=uint64; rScale=0.001", "16", "90071992547410.993", nullptr, 0},
+                {"nNumber=40001; sType=int64", "16", "-9223372036854775808", nullptr, 16},
+                {"nNumber=40001; sType=bcd32", "16", "12345678", nullptr, 16},
+                {"nNumber=40001; sType=bcd32", "16", "-1", nullptr, 0},
+                {"nNumber=40001; sType=int16", nullptr, "5", nullptr, 0},
+                {"nNumber=30001; sType=int16", nullptr, "5", nullptr, 0}};
     for (const char* address : {kSerial, kNetwork}) {
         for (const auto& row : rows) {
-            SCOPED_TRACE(testing::Message() << address << ' ' << row.settings << ' ' << row.value);
+            SCOPED_TRACE(testing::Message() << address << ' ' << row.settings << ' ' << row.wanted);
             CPropertyDB db;
             Describe(db, "nSlave=5");
             db.BeginUsing("Channels.a");
@@ -321,14 +331,17 @@ TEST(ModbusWriting, SetsAndReadsBack) {
             Station station(modbus::ReadDescription(db), address);
             station.Read();
             station.wire.sent.clear();
-            double held = 0;
-            EXPECT_EQ(FailureOf([&] { held = station.logger.Write(0, row.value); }).code, row.sends == 0 ? 5 : 0);
+            Written written = {};
+            EXPECT_EQ(FailureOf([&] { written = station.logger.Write(0, row.wanted); }).code, row.sends == 0 ? 5 : 0);
             ASSERT_EQ(station.wire.sent.size(), row.sends == 0 ? 0u : 2u);
             if (row.sends == 0) continue;
             EXPECT_EQ(station.wire.sent[0][address == kNetwork ? 7 : 1], row.sends);
-            EXPECT_EQ(held, row.value);
+            const std::string held = row.held != nullptr ? row.held : row.wanted;
+            EXPECT_EQ(written.sent, held.c_str());
+            EXPECT_EQ(written.held, held.c_str());
+            EXPECT_EQ(written.exact, std::stod(held) == std::stod(row.wanted));
             station.Read();
-            EXPECT_FLOAT_EQ(static_cast<float>(station.values[0]), static_cast<float>(row.value));
+            EXPECT_FLOAT_EQ(static_cast<float>(station.values[0]), static_cast<float>(std::stod(row.wanted)));
         }
     }
 }
@@ -338,5 +351,5 @@ TEST(ModbusWriting, WhatTheLoggerRefusesIsTold) {
     writable.channels[0].write = modbus::kWriteRegister;
     modbus::Logger logger(writable, std::make_unique<SimulatorWire>(Bus({5})));  // which knows of no writing
     logger.Connect(kSerial, 1000);
-    EXPECT_EQ(FailureOf([&] { logger.Write(0, 4); }), (CommFailure{4, "Illegal response (Modbus 2)"}));
+    EXPECT_EQ(FailureOf([&] { logger.Write(0, "4"); }), (CommFailure{4, "Illegal response (Modbus 2)"}));
 }

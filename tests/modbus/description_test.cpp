@@ -228,6 +228,8 @@ TEST(ModbusDescription, EveryTypeAndOrderHasItsValue) {
 
 TEST(ModbusValues, ScaleAndOffsetKeepTheSignOfZero) {
     EXPECT_EQ(Decode(Of(ValueType::Int16, kHighFirst, 0.5, 100), Bytes({0xC0A8}).data()), -8008);
+    EXPECT_EQ(Decode(Of(ValueType::Int16, kHighFirst, 0.1), Bytes({189}).data()), 18.9);
+    EXPECT_EQ(Decode(Of(ValueType::Int16, kHighFirst, 0.01, -40), Bytes({1890}).data()), -21.1);
     EXPECT_TRUE(std::signbit(Decode(Of(ValueType::Float32), Bytes({0x8000, 0}).data())));
     Channel coil = Of(ValueType::Bool);
     coil.function = kReadCoils;
@@ -253,11 +255,11 @@ TEST(ModbusValues, WhatATypeCannotHoldIsKnown) {
         double scale, value;
     };
     const Case can[] = {{Int16, 1, 32767},   {Uint16, 0.1, 21.3}, {Uint32, 0.001, 4294967.295},
-                        {Int64, 1, 0x1p62},  {Int64, 1, -0x1p63}, {Float32, 1, 0.1},
-                        {Float64, 1, 1e300}, {Bcd16, 1, 9999},    {Bool, 1, 1}};
-    const Case cannot[] = {{Int16, 1, 32768},      {Int16, 1, -32769}, {Uint16, 1, -1},     {Uint16, 0.1, 21.35},
-                           {Uint16, 1, 0.5},       {Int64, 1, 0x1p63}, {Uint64, 1, 0x1p64}, {Float32, 1, 1e39},
-                           {Float64, 1, INFINITY}, {Float64, 1, NAN},  {Bcd16, 1, 10000},   {Bool, 1, 2}};
+                        {Int64, 1, -0x1p53}, {Float32, 1, 0.1},   {Float64, 1, 1e300},
+                        {Bcd16, 1, 9999},    {Bool, 1, 1}};
+    const Case cannot[] = {{Int16, 1, 32768},      {Int16, 1, -32769},      {Uint16, 1, -1},     {Uint16, 0.1, 21.35},
+                           {Uint16, 1, 0.5},       {Int64, 1, -0x1p53 - 2}, {Uint64, 1, 0x1p54}, {Float32, 1, 1e39},
+                           {Float64, 1, INFINITY}, {Float64, 1, NAN},       {Bcd16, 1, 10000},   {Bool, 1, 2}};
     for (const Case& one : can) EXPECT_TRUE(CanHold(Of(one.type, kHighFirst, one.scale), one.value)) << one.value;
     for (const Case& one : cannot) EXPECT_FALSE(CanHold(Of(one.type, kHighFirst, one.scale), one.value)) << one.value;
 }

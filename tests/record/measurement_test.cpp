@@ -540,6 +540,11 @@ TEST_F(WriterTest, WhatMemoryCannotHoldIsAGap) {
     EXPECT_LT(waiting, static_cast<size_t>(many));
     EXPECT_NE(writer->Close(), 0u);
     EXPECT_EQ(writer->Waiting(), waiting);
+    const RecordingWriter::Loss loss = writer->Lost();
+    EXPECT_EQ(loss.readings, static_cast<size_t>(many));
+    EXPECT_EQ(loss.gap.missed, static_cast<DWORD>(many));
+    EXPECT_EQ(loss.gap.from, kBegun);
+    EXPECT_EQ(loss.gap.until, kBegun + (many - 1) * kSecond);
     store.files.clear();
     Begin(kBegun);
     const auto again = store.files["x.rec"];

@@ -15,6 +15,26 @@
 
 using namespace orvik::detail;
 
+namespace {
+// Held on a port's end as long as it lives, so that nobody takes its link; who opens the port locks it by other means.
+struct flock WholePort() {
+    struct flock range = {};
+    range.l_type = F_WRLCK;
+    range.l_whence = SEEK_SET;
+    return range;
+}
+
+// Whether a link leads to a port that another object, or another process, keeps.
+bool LeadsToALivePort(const char* link) {
+    const int port = open(link, O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+    if (port < 0) return false;
+    struct flock range = WholePort();
+    const bool live = isatty(port) && fcntl(port, F_OFD_GETLK, &range) == 0 && range.l_type != F_UNLCK;
+    close(port);
+    return live;
+}
+}  // namespace
+
 struct VirtualPort::State {
     int device = -1;  // our end
     int keeper = -1;  // the port's end, kept open: without any opener our end would report a hang-up
@@ -66,11 +86,14 @@ DWORD VirtualPort::Create(const char* link) {
         struct stat info;
         if (lstat(path.c_str(), &info) == 0) {
             if (!S_ISLNK(info.st_mode)) return ERROR_ALREADY_EXISTS;
+            if (LeadsToALivePort(path.c_str())) return ERROR_SHARING_VIOLATION;
             unlink(path.c_str());
         }
         if (symlink(name, path.c_str()) != 0) return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
         state->link = path;
     }
+    struct flock range = WholePort();
+    fcntl(state->keeper, F_OFD_SETLK, &range);
     m_state = std::move(state);
     return ERROR_SUCCESS;
 }
