@@ -22,6 +22,7 @@ enum TextComplaint : UINT {
     DecimalParts,
     NoPattern,  // and why
     NeedsFirst,
+    GroupOfIntervals,  // where the pattern's was meant
 };
 
 std::string ReadBytes(IPropertyDB& db, const CString& key) {
@@ -84,10 +85,11 @@ void ReadPlace(IPropertyDB& db, const CString& at, const Description& descriptio
             channel.width = Whole(db, at + "nWidth", 1, most, std::nullopt);
             break;
         case FieldStyle::Regex: {
-            text("sGroup");
+            if (!db.Find(at + "sCapture") && db.Find(at + "sGroup")) Refuse(at + "sGroup", GroupOfIntervals);
+            text("sCapture");
             const auto& names = description.pattern->Names();
             const auto found = std::find(names.begin(), names.end(), channel.where);
-            if (found == names.end()) Refuse(at + "sGroup", NoSuchGroup);
+            if (found == names.end()) Refuse(at + "sCapture", NoSuchGroup);
             channel.group = static_cast<size_t>(found - names.begin());
             break;
         }
@@ -143,7 +145,7 @@ const char* const* DescriptionKeys() {
                                        "Channels.*.nColumn",
                                        "Channels.*.nWidth",
                                        "Channels.*.sKey",
-                                       "Channels.*.sGroup",
+                                       "Channels.*.sCapture",
                                        "Channels.*.sPrefix",
                                        "Channels.*.sSuffix",
                                        "Channels.*.rScale",

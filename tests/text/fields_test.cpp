@@ -30,7 +30,7 @@ const std::string kKeys = "sFields=keys; Channels.1.sKey=T; Channels.2.sKey=RH; 
 const std::string kJson = "sFields=json; Channels.1.sKey=air.t; Channels.2.sKey=p[1]; ";
 const std::string kColumns =
     "sFields=columns; Channels.1.nColumn=3; Channels.1.nWidth=5; Channels.2.nColumn=8; Channels.2.nWidth=6; ";
-const std::string kRegex = "sFields=regex; sPattern=^t(?<a>[^ ]+)(?: h(?<b>.*))?$; Channels.1.sGroup=a; Channels.2.sGroup=b; ";
+const std::string kRegex = "sFields=regex; sPattern=^t(?<a>[^ ]+)(?: h(?<b>.*))?$; Channels.1.sCapture=a; Channels.2.sCapture=b; ";
 }  // namespace
 
 TEST(TextFields, ValuesOfLines) {
@@ -160,8 +160,8 @@ TEST(TextFields, EveryMistakeOfADescriptionNamesItsKey) {
         {"Channels.1.sName=x", "Channels.1.nField"},
         {"sFields=columns; Channels.1.nColumn=1", "Channels.1.nWidth"},
         {"sFields=json; Channels.1.sName=x", "Channels.1.sKey"},
-        {"sFields=regex; sPattern=(; Channels.1.sGroup=x", "sPattern"},
-        {"sFields=regex; sPattern=x; Channels.1.sGroup=x", "Channels.1.sGroup"},
+        {"sFields=regex; sPattern=(; Channels.1.sCapture=x", "sPattern"},
+        {"sFields=regex; sPattern=x; Channels.1.sCapture=x", "Channels.1.sCapture"},
         {kTwo + "nFields=1", "Channels.2.nField"},
         {kTwo + "sDecimal=,; sSeparator=comma", "sDecimal"},
         {kTwo + "sAsk=?; nSkip=1", "nSkip"}};
