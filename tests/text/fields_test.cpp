@@ -30,7 +30,8 @@ const std::string kKeys = "sFields=keys; Channels.1.sKey=T; Channels.2.sKey=RH; 
 const std::string kJson = "sFields=json; Channels.1.sKey=air.t; Channels.2.sKey=p[1]; ";
 const std::string kColumns =
     "sFields=columns; Channels.1.nColumn=3; Channels.1.nWidth=5; Channels.2.nColumn=8; Channels.2.nWidth=6; ";
-const std::string kRegex = "sFields=regex; sPattern=^t(?<a>[^ ]+)(?: h(?<b>.*))?$; Channels.1.sCapture=a; Channels.2.sCapture=b; ";
+const std::string kRegex =
+    "sFields=regex; sPattern=^t(?<a>[^ ]+)(?: h(?<b>.*))?$; Channels.1.sCapture=a; Channels.2.sCapture=b; ";
 }  // namespace
 
 TEST(TextFields, ValuesOfLines) {
@@ -79,6 +80,9 @@ TEST(TextFields, ValuesOfLines) {
         {kTwo + "sNoValue=---|ERR|9.9E37", {"---,err"}, "- -"},
         {kTwo + "sNoValue=---|ERR|9.9E37", {"+9.90000000E+37,"}, "- !"},
         {kTwo + "sNoValue=|-", {",-"}, "- -"},
+        {kTwo + "Channels.1.sSuffix=mV", {"950.0 mV 3"}, "950 !"},  // between blanks the unit is a field
+        {"Channels.1.nField=1; Channels.2.nField=1; Channels.1.sSuffix=mV; Channels.2.sSuffix=V", {"1.05 V"}, "- 1.05"},
+        {"Channels.1.nField=1; Channels.2.nField=1; Channels.1.sSuffix=mV; Channels.2.sSuffix=V", {"1.05 A"}, "! !"},
         // Fixed columns.
         {kColumns, {"ab 23.5  1013"}, "23.5 1013"},
         {kColumns, {"ab-23.5-101.2"}, "-23.5 -101.2"},
@@ -162,6 +166,9 @@ TEST(TextFields, EveryMistakeOfADescriptionNamesItsKey) {
         {"sFields=json; Channels.1.sName=x", "Channels.1.sKey"},
         {"sFields=regex; sPattern=(; Channels.1.sCapture=x", "sPattern"},
         {"sFields=regex; sPattern=x; Channels.1.sCapture=x", "Channels.1.sCapture"},
+        {"sFields=regex; sPattern=(?<t>.); Channels.1.sGroup=t", "Channels.1.sGroup"},  // that of an interval
+        {kTwo + "sPattern=x", "sPattern"},
+        {"sFields=json; Channels.1.sKey=air[", "Channels.1.sKey"},
         {kTwo + "nFields=1", "Channels.2.nField"},
         {kTwo + "sDecimal=,; sSeparator=comma", "sDecimal"},
         {kTwo + "sAsk=?; nSkip=1", "nSkip"}};
