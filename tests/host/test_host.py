@@ -718,11 +718,11 @@ class TextLoggers(HostTest):
         def serve():
             while True:
                 try:
-                    line = server.accept()[0]
-                    while True:
-                        line.sendall(text(said[0]).encode())
-                        said[0] += 1
-                        time.sleep(every)
+                    with server.accept()[0] as line:
+                        while True:
+                            line.sendall(text(said[0]).encode())
+                            said[0] += 1
+                            time.sleep(every)
                 except OSError:
                     if server.fileno() < 0:
                         return

@@ -294,7 +294,7 @@ TEST_F(MeasurementTest, DamageIsTheCauseOfWhatIsLate) {
     plan.count = 4;
     logger.read = [&](int number, CDoubleArray&) {
         if (number != 2) return;
-        clock.now += kSecond * 3 / 2;
+        clock.now += kSecond * 5 / 2;
         logger.watch->OnDamaged(CCommException::BadProtocol, "checksum");
     };
     Run();
