@@ -19,9 +19,9 @@
 // What the host learns while a reading is made. Called on the thread of ReadSample, from within it; must not throw.
 class IReadingWatch {
 public:
-    // The first answer of this reading has arrived: the host stamps the reading with this moment. Later calls in the same reading
-    // count for nothing.
-    virtual void OnAnswer() = 0;
+    // The first answer of this reading has arrived, so long ago: the host stamps the reading with that moment. Later calls in the
+    // same reading count for nothing.
+    virtual void OnAnswer(DWORD microsecondsAgo = 0) = 0;
     // A channel, counted from 0, could not be read: its value stays NaN. (One that was read and has no value is NaN, too, and not
     // told of.) `code` is one of CCommException; `text` says more, or is null for the code's standard text, and is good for the
     // call only.
@@ -29,6 +29,9 @@ public:
     // An answer came after its time-out, this long after its request: whether it could still be used or not. Where several
     // requests may have been meant, after the oldest.
     virtual void OnLateAnswer(DWORD milliseconds) = 0;
+    // Something came that could not be used, and this reading goes on waiting: the cause of whatever is too late by that. Code
+    // and text as above.
+    virtual void OnDamaged(int code, const char* text) { static_cast<void>(code), static_cast<void>(text); }
 
 protected:
     ~IReadingWatch() = default;
@@ -75,6 +78,12 @@ public:
     // Which channels the following readings are to have, a byte for each in the order of their keys: 0 leaves it out. It is then
     // not asked for where that saves time, stays NaN, and is not told of. At first, all of them.
     virtual void Select(const CByteArray& due) { static_cast<void>(due); }
+
+    // From now on, and before Connect: no reading is to be passed over. Of a logger that talks by itself whatever it says is then
+    // a reading, in the order in which it came and stamped with the time of that, whether or not ReadSample was waiting. What it
+    // said and is damaged is a reading without values: the watch hears OnAnswer, and ReadSample throws; the line stays as it is.
+    // False: it does not talk by itself, and nothing changes.
+    virtual bool Follow() { return false; }
 
     // Sets a channel, counted from 0, to the number that a text says in digits with a point, as near as it can, and reads it
     // back. A channel that the description does not allow to be written, or that cannot hold such a number, is a CCommException

@@ -22,6 +22,8 @@ constexpr size_t kMostHeard = 1 << 16;            // bytes, of which the last on
 constexpr size_t kSilentSettings = 2;             // a device that is silent with so many is silent with all
 constexpr std::chrono::milliseconds kSlice{100};  // until a wish to stop is seen
 constexpr std::chrono::milliseconds kAsk{500};    // between two questions to the families
+constexpr std::chrono::milliseconds kOld{200};    // in which what waited before has come
+constexpr int kPatience = 4;                      // times as long, where lines of text come
 
 struct Setting {
     DWORD baud;
@@ -68,7 +70,10 @@ public:
         size_t count = 0;
         Clock::duration pause{};
         m_transport->Open(m_port.c_str(), line, m_transport->Now() + std::chrono::milliseconds(m_time));
-        const auto until = m_transport->Now() + std::chrono::milliseconds(m_time);
+        const size_t old = Discard();
+        const std::chrono::milliseconds time(m_time);
+        auto until = m_transport->Now() + time;
+        const auto limit = until + (kPatience - 1) * time;
         auto last = m_transport->Now(), ask = last + kAsk;
         while (m_transport->Now() < until && guess.sure < kCertain) {
             if (StopRequest::Asked()) throw Failure{kCommunicationFailed, Say(Text::LearnStopped)};
@@ -81,16 +86,39 @@ public:
                 count += heard.size() - before;
                 if (heard.size() > kMostHeard) heard.erase(heard.begin(), heard.end() - kMostHeard);
             }
+            // Who speaks, and in text, is only slow. Once is enough: other settings make no more of it.
+            if (m_transport->Now() >= until && IsText(heard) && !std::exchange(m_waited, true)) until = limit;
             if (m_transport->Now() < ask) continue;
             Ask(heard, pause, guess);
             ask = m_transport->Now() + kAsk;
         }
         Ask(heard, pause, guess);
         m_transport->Close();
-        return count;
+        return old + count;
     }
 
 private:
+    // Throws away what had waited, whose times nobody knows. Returns how many bytes.
+    size_t Discard() {
+        std::vector<BYTE> old;
+        const auto until = m_transport->Now() + kOld;
+        while (m_transport->Now() < until) {
+            m_transport->Receive(old, until);
+            if (old.size() > kMostHeard) break;
+        }
+        return old.size();
+    }
+
+    // Lines as people can read them: with wrong settings of the line most bytes are none.
+    static bool IsText(const std::vector<BYTE>& heard) {
+        const auto readable = [](BYTE byte) {
+            return (byte >= ' ' && byte < 0x7F) || byte == '\r' || byte == '\n' || byte == '\t';
+        };
+        const bool ended = std::any_of(heard.begin(), heard.end(), [](BYTE byte) { return byte == '\r' || byte == '\n'; });
+        return ended &&
+               20 * std::count_if(heard.begin(), heard.end(), readable) >= 19 * static_cast<std::ptrdiff_t>(heard.size());
+    }
+
     void Ask(const std::vector<BYTE>& heard, Clock::duration pause, Guess& best) {
         if (heard.empty()) return;
         best = {};
@@ -111,6 +139,7 @@ private:
     CHostApp& m_app;
     const std::string m_port;
     const DWORD m_time;
+    bool m_waited = false;  // longer than the time
     CSerialOrvik m_serial;
     CLineConnection* const m_connection = new CLineConnection;  // one reference held
     std::unique_ptr<ITransport> m_transport;

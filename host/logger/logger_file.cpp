@@ -60,7 +60,6 @@ ILoggerFamily& FamilyOf(CHostApp& app, CPropertyDB& description) {
     const std::string family = static_cast<const char*>(name);
     if (ILoggerFamily* const plugin = app.Plugins().Find(family)) {
         CheckKeys(description, plugin->DescriptionKeys());
-        OwnIntervals(description);
         return *plugin;
     }
     const std::string families = Listed(PluginLibrary::Families());
@@ -70,9 +69,11 @@ ILoggerFamily& FamilyOf(CHostApp& app, CPropertyDB& description) {
 
 // What `make` makes of the description, whose mistakes are the user's.
 template <class Made, class Make>
-std::unique_ptr<Made> MakeOf(Make make) {
+std::unique_ptr<Made> MakeOf(CPropertyDB& description, Make make) {
     try {
-        return std::unique_ptr<Made>(make());
+        std::unique_ptr<Made> made(make());
+        OwnIntervals(description);  // behind the family, which knows what else a key may have been meant for
+        return made;
     } catch (CCommException* failure) {
         throw Failure{kWrongUse, Say(Text::DescriptionWrong, {TakeMessage(failure)})};
     }
@@ -87,12 +88,12 @@ std::string TakeMessage(CCommException* failure) {
 
 std::unique_ptr<ILogger> MakeLogger(CHostApp& app, CPropertyDB& description) {
     ILoggerFamily& family = FamilyOf(app, description);
-    return MakeOf<ILogger>([&] { return family.CreateLogger(description); });
+    return MakeOf<ILogger>(description, [&] { return family.CreateLogger(description); });
 }
 
 std::unique_ptr<ILoggerSimulator> MakeSimulator(CHostApp& app, CPropertyDB& description) {
     ILoggerFamily& family = FamilyOf(app, description);
-    return MakeOf<ILoggerSimulator>([&] { return family.CreateSimulator(description); });
+    return MakeOf<ILoggerSimulator>(description, [&] { return family.CreateSimulator(description); });
 }
 
 void LoadLoggerDescription(const std::string& path, CPropertyDB& description) {

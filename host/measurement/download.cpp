@@ -181,6 +181,7 @@ MeasurementPlan DownloadPlan::Measure(CPropertyDB& description) const {
     measure.count = duration != 0 || count == kForEver ? 0 : count;
     measure.duration = duration;
     measure.shifts = shifts;
+    measure.follow = interval == 0;
     measure.giveUp = giveUp;
     measure.steps = ChannelSteps(description, measure.interval);
     measure.stopAsked = [] { return StopRequest::Asked(); };

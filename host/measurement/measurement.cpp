@@ -17,7 +17,13 @@ constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 Measurement::Measurement(ILogger& logger, size_t channels, IMeasurementSink& sink, IMeasurementClock& clock,
                          const MeasurementPlan& plan)
-    : m_logger(logger), m_channels(channels), m_sink(sink), m_clock(clock), m_plan(plan), m_pause(kShortestPause) {
+    : m_logger(logger),
+      m_channels(channels),
+      m_sink(sink),
+      m_clock(clock),
+      m_plan(plan),
+      m_follows(plan.follow && logger.Follow()),
+      m_pause(kShortestPause) {
     m_logger.Watch(this);
     m_due.assign(channels, 1);
     m_selected = m_due;
@@ -35,21 +41,20 @@ Measurement::Measurement(ILogger& logger, size_t channels, IMeasurementSink& sin
 
 Measurement::~Measurement() { m_logger.Watch(nullptr); }
 
-void Measurement::OnAnswer() {
-    if (!m_answered) m_answered = m_clock.Steady();
+void Measurement::OnAnswer(DWORD microsecondsAgo) {
+    if (!m_answered) m_answered = m_clock.Steady() - microsecondsAgo;
 }
 
 void Measurement::OnChannelFailed(int channel, int code, const char* text) {
     if (channel < 0 || static_cast<size_t>(channel) >= m_channels || m_due[static_cast<size_t>(channel)] == 0) return;
-    Trouble& trouble = m_troubles[static_cast<size_t>(channel)];
-    trouble.any = true;
-    trouble.cause = static_cast<WORD>(code);
-    if (text != nullptr) {
-        trouble.text = text;
-        return;
-    }
-    // The code's own words.
-    trouble.text = Try([&] { OrvikThrowCommException(code, nullptr); }).text;
+    m_troubles[static_cast<size_t>(channel)] = TroubleOf(code, text);
+}
+
+void Measurement::OnDamaged(int code, const char* text) { m_damage = TroubleOf(code, text); }
+
+// By code and text, or the code's own words.
+Measurement::Trouble Measurement::TroubleOf(int code, const char* text) {
+    return Try([&] { OrvikThrowCommException(code, text); });
 }
 
 void Measurement::OnLateAnswer(DWORD milliseconds) {
@@ -155,8 +160,8 @@ void Measurement::CatchUp(__int64 now) {
             gap.from = first;
             gap.until = last;
             gap.missed = passed;
-            gap.cause = GC_STALLED;
-            gap.text = HouseText(Text::GapStalled);
+            gap.cause = m_damage.any ? m_damage.cause : static_cast<WORD>(GC_STALLED);
+            gap.text = m_damage.any ? m_damage.text : HouseText(Text::GapStalled);
             m_gaps->Single(std::move(gap));
         }
     }
@@ -244,6 +249,7 @@ void Measurement::Read() {
     const __int64 began = m_clock.Steady();
     if (!m_slotFailed && m_plan.interval != 0) m_late.Add(began - DueOf(m_slot));
     m_answered.reset();
+    m_damage = {};
     m_troubles.assign(m_channels, {});
     ChooseDue();
     CDoubleArray got;
@@ -295,7 +301,7 @@ void Measurement::Read() {
     if (m_channels > 0 ? good == 0 : trouble.any) {
         if (!trouble.any)
             trouble = *std::find_if(m_troubles.begin(), m_troubles.end(), [](const Trouble& own) { return own.any; });
-        return Lost(trouble, true);
+        return m_follows && m_answered ? Damaged(trouble) : Lost(trouble, true);
     }
     const __int64 now = m_clock.Steady();
     if (failures.empty() && m_plan.interval != 0 && now - began > m_plan.interval) {
@@ -346,10 +352,7 @@ void Measurement::Lost(const Trouble& trouble, bool reading) {
     if (!gone) m_pause = std::min(2 * m_pause, kLongestPause);
     if (reading || m_slotFailed || now >= DueOf(m_slot)) {
         if (m_plan.interval == 0 && reading) {
-            m_gaps->Failed(time, {{trouble.cause, trouble.text, {}}}, 1);
-            MissRow(time);
-            ++m_missing;
-            ++m_slot;
+            MissReading(time, trouble);
         } else {
             // Missing since the reading was due, not since it was given up.
             const __int64 due = m_calendar.At(DueOf(m_slot));
@@ -359,6 +362,24 @@ void Measurement::Lost(const Trouble& trouble, bool reading) {
         }
     }
     if (m_plan.giveUp != 0 && now - m_lastValue >= m_plan.giveUp) Finish(Ended::GivenUp);
+}
+
+// The logger is there, and what it said is no reading.
+void Measurement::Damaged(const Trouble& trouble) {
+    m_failure = trouble.text;
+    m_code = trouble.cause;
+    MissReading(std::max(Stamp(*m_answered), m_lastTime + 1), trouble);
+    if (m_plan.giveUp != 0 && m_clock.Steady() - m_lastValue >= m_plan.giveUp) Finish(Ended::GivenUp);
+}
+
+// One of those that follow one another without an interval.
+void Measurement::MissReading(__int64 time, const Trouble& trouble) {
+    m_gaps->Failed(time, {{trouble.cause, trouble.text, {}}}, 1);
+    MissRow(time);
+    m_lastTime = std::max(m_lastTime, time);
+    m_slotFailed = false;
+    ++m_missing;
+    ++m_slot;
 }
 
 void Measurement::Dropped(CRecordedGap gap) {

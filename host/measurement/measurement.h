@@ -7,6 +7,9 @@
 // that is due is tried again with each connection until the next one is due. A reading's time is the moment at which its first
 // answer arrived, as far as the plug-in tells (IReadingWatch::OnAnswer), else the moment at which it was complete.
 //
+// A logger that talks by itself can be followed: each thing that it says is a reading, and one that is damaged is a missing one,
+// after which the logger goes on and is not let go.
+//
 // Channels may be read with every second, third ... reading only; where a due one was missed with all others, the next reading
 // that is made asks for it. A reading for which no channel is due is none.
 //
@@ -51,6 +54,7 @@ struct MeasurementPlan {
     unsigned __int64 count = 0;  // readings, made or missed; 0: no end by their number
     __int64 duration = 0;        // us from the first reading on; 0: no end by time
     __int64 giveUp = 0;          // us without any value after which it ends; 0: never
+    bool follow = false;         // all that a logger says by itself is kept (ILogger::Follow); for an interval of 0
     bool patient = false;        // a port that cannot be opened at first is waited for as well
     // With which readings each channel is read (see ChannelSteps); empty: all with every one.
     std::vector<DWORD> steps;
@@ -100,9 +104,10 @@ public:
     const Lateness& Late() const { return m_late; }
 
 private:
-    void OnAnswer() override;
+    void OnAnswer(DWORD microsecondsAgo) override;
     void OnChannelFailed(int channel, int code, const char* text) override;
     void OnLateAnswer(DWORD milliseconds) override;
+    void OnDamaged(int code, const char* text) override;
 
     struct Trouble {
         WORD cause = 0;
@@ -112,6 +117,7 @@ private:
     // Runs what may throw anything; tells what it threw.
     template <class Work>
     Trouble Try(Work work);
+    Trouble TroubleOf(int code, const char* text);
 
     bool Connect();
     void Begin(__int64 now);
@@ -121,6 +127,8 @@ private:
     void PassOver();
     void Lost(const Trouble& trouble, bool reading);
     void CatchUp(__int64 now);
+    void Damaged(const Trouble& trouble);
+    void MissReading(__int64 time, const Trouble& trouble);
     void MissOpenSlot();
     void MissRow(__int64 time);
     bool IsStopAsked() const { return m_plan.stopAsked && m_plan.stopAsked(); }
@@ -135,6 +143,7 @@ private:
     IMeasurementSink& m_sink;
     IMeasurementClock& m_clock;
     const MeasurementPlan m_plan;
+    const bool m_follows;  // each thing that the logger says is a reading
 
     RecordingClock m_calendar;
     std::unique_ptr<GapKeeper> m_gaps;
@@ -158,6 +167,7 @@ private:
     // Of the reading that is being made.
     std::optional<__int64> m_answered;  // steady
     std::vector<Trouble> m_troubles;    // by channel
+    Trouble m_damage;                   // what came and could not be used
     DWORD m_lateAnswers = 0, m_latest = 0, m_slowReadings = 0, m_slowest = 0;
     Lateness m_late;
 };

@@ -22,6 +22,9 @@ enum TextComplaint : UINT {
     DecimalParts,
     NoPattern,  // and why
     NeedsFirst,
+    GroupOfIntervals,  // where the pattern's was meant
+    OnlyForRegex,
+    NoPath,
 };
 
 std::string ReadBytes(IPropertyDB& db, const CString& key) {
@@ -68,6 +71,16 @@ size_t Whole(IPropertyDB& db, const CString& key, DWORD low, DWORD high, std::op
     return ReadWhole(db, key, low, high, standard);
 }
 
+// Of JSON: names between points, and numbers of items in brackets.
+bool CanBePath(const std::string& path) {
+    if (path.back() == '.' || path.find("..") != std::string::npos) return false;
+    for (size_t at = path.find('['); at != std::string::npos; at = path.find('[', at + 1)) {
+        const size_t end = path.find(']', at);
+        if (end == std::string::npos || end == at + 1) return false;
+    }
+    return true;
+}
+
 void ReadPlace(IPropertyDB& db, const CString& at, const Description& description, Channel& channel) {
     const auto most = static_cast<DWORD>(description.longest);
     const auto text = [&](const char* name) {
@@ -84,16 +97,20 @@ void ReadPlace(IPropertyDB& db, const CString& at, const Description& descriptio
             channel.width = Whole(db, at + "nWidth", 1, most, std::nullopt);
             break;
         case FieldStyle::Regex: {
-            text("sGroup");
+            if (!db.Find(at + "sCapture") && db.Find(at + "sGroup")) Refuse(at + "sGroup", GroupOfIntervals);
+            text("sCapture");
             const auto& names = description.pattern->Names();
             const auto found = std::find(names.begin(), names.end(), channel.where);
-            if (found == names.end()) Refuse(at + "sGroup", NoSuchGroup);
+            if (found == names.end()) Refuse(at + "sCapture", NoSuchGroup);
             channel.group = static_cast<size_t>(found - names.begin());
             break;
         }
         case FieldStyle::Keys:
+            text("sKey");
+            break;
         case FieldStyle::Json:
             text("sKey");
+            if (!CanBePath(channel.where)) Refuse(at + "sKey", NoPath);
             break;
     }
 }
@@ -115,6 +132,18 @@ Channel ReadChannel(IPropertyDB& db, const char* key, const Description& descrip
     channel.offset = ReadReal(db, at + "rOffset", 0);
     if (channel.scale == 0) Refuse(at + "rScale", ScaleOfZero);
     return channel;
+}
+
+// Channels of the same place that differ in the unit: each knows the others'.
+void ShareUnits(std::vector<Channel>& channels) {
+    for (Channel& channel : channels) {
+        for (const Channel& other : channels) {
+            const bool same = channel.line == other.line && channel.field == other.field && channel.column == other.column &&
+                              channel.where == other.where && channel.number.prefix == other.number.prefix;
+            if (same && channel.number.suffix && other.number.suffix && *channel.number.suffix != *other.number.suffix)
+                channel.number.others.push_back(*other.number.suffix);
+        }
+    }
 }
 }  // namespace
 
@@ -143,7 +172,7 @@ const char* const* DescriptionKeys() {
                                        "Channels.*.nColumn",
                                        "Channels.*.nWidth",
                                        "Channels.*.sKey",
-                                       "Channels.*.sGroup",
+                                       "Channels.*.sCapture",
                                        "Channels.*.sPrefix",
                                        "Channels.*.sSuffix",
                                        "Channels.*.rScale",
@@ -171,7 +200,7 @@ Description ReadDescription(IPropertyDB& db) {
                                                 {"json", FieldStyle::Json}});
     description.separator = ReadSeparator(db);
     description.fieldCount = Whole(db, "nFields", 1, 16'384, 0u);
-    description.decimal = ReadChoice<char>(db, "sDecimal", ".", {{".", '.'}, {",", ','}});
+    description.decimal = ReadChoice<char>(db, "sDecimal", "point", {{"point", '.'}, {"comma", ','}, {".", '.'}, {",", ','}});
     if (description.separator.kind == Separator::Text && description.separator.text[0] == description.decimal)
         Refuse("sDecimal", DecimalParts);
     description.checksum = ReadChoice<Checksum>(
@@ -183,6 +212,8 @@ Description ReadDescription(IPropertyDB& db) {
         } catch (const std::invalid_argument& why) {
             Refuse("sPattern", NoPattern, why.what());
         }
+    } else if (db.Find("sPattern")) {
+        Refuse("sPattern", OnlyForRegex);
     }
     description.start = ReadBytes(db, "sStart");
     description.first = ReadBytes(db, "sFirst");
@@ -192,6 +223,7 @@ Description ReadDescription(IPropertyDB& db) {
     if (!db.Enum("Channels", keys, FALSE, FALSE) || keys.GetSize() == 0) Refuse("Channels", NoChannels);
     for (INT_PTR i = 0; i < keys.GetSize(); ++i)
         description.channels.push_back(ReadChannel(db, keys.GetAt(i), description, noValue));
+    ShareUnits(description.channels);
     return description;
 }
 

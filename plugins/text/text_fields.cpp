@@ -56,7 +56,7 @@ public:
         switch (m_description.style) {
             case FieldStyle::Separator:
                 if (channel.field > m_fields.size()) return Missing('#' + std::to_string(channel.field), m_line);
-                return {std::string(m_fields[channel.field - 1]), Sentence::None, {}};
+                return {WithUnit(channel), Sentence::None, {}};
             case FieldStyle::Columns:
                 if (channel.column > m_line.size()) return Missing('#' + std::to_string(channel.column), m_line);
                 return {m_line.substr(channel.column - 1, channel.width), Sentence::None, {}};
@@ -79,6 +79,17 @@ private:
     void Refuse(Sentence why, std::initializer_list<std::string_view> arguments) {
         m_why = why;
         m_text = Say(why, arguments);
+    }
+
+    // A unit that must be there may be the next field, as it is between blanks.
+    std::string WithUnit(const Channel& channel) const {
+        std::string field(m_fields[channel.field - 1]);
+        double number = 0;
+        std::string_view rest;
+        const bool wanted = channel.number.suffix && !channel.number.suffix->empty();
+        if (wanted && channel.field < m_fields.size() && SplitNumber(field, m_description.decimal, number, rest) && rest.empty())
+            field += ' ' + std::string(m_fields[channel.field]);
+        return field;
     }
 
     Found Twice(const Channel& channel) const {
@@ -121,6 +132,10 @@ Outcome ValueOf(const Channel& channel, const Found& found, const std::string& l
     switch (found.noValue ? NumberResult::NoValue : ReadNumber(*found.field, channel.number, number)) {
         case NumberResult::NoValue:
             outcome.noValue = true;
+            break;
+        case NumberResult::OtherUnit:
+            outcome.why = Sentence::OtherUnit;
+            outcome.text = Say(Sentence::OtherUnit, {Shown(*found.field), *channel.number.suffix, Shown(line)});
             break;
         case NumberResult::Wrong:
             outcome.why = Sentence::NoNumber;

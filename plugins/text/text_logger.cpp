@@ -37,6 +37,10 @@ void Logger::Select(const CByteArray& due) {
     for (size_t i = 0; i < m_due.size(); ++i) m_due[i] = due.GetAt(static_cast<INT_PTR>(i));
 }
 
+double Logger::Write(int, double) {
+    OrvikThrowCommException(CCommException::AccessDenied, Say(Sentence::NoWriting, {}).c_str());
+}
+
 void Logger::Watch(IReadingWatch* watch) {
     m_watch = watch;
     m_reader.Watch(watch);
@@ -47,7 +51,7 @@ void Logger::ReadSample(CDoubleArray& values) {
     for (INT_PTR i = 0; i < values.GetSize(); ++i) values.SetAt(i, std::numeric_limits<double>::quiet_NaN());
     m_connection->Enter(COrvikConnection::Working);
     std::vector<Outcome> outcomes;
-    Reader::Failure failure;
+    Failure failure;
     try {
         failure = m_reader.Read(m_due, outcomes);
     } catch (CCommException*) {

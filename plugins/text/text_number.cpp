@@ -88,7 +88,11 @@ NumberResult ReadNumber(std::string_view field, const NumberRule& rule, double& 
     }
     double read = 0;
     if (!SplitNumber(field, rule.decimal, read, rest)) return NumberResult::Wrong;
-    if (rule.suffix ? rest != *rule.suffix : !IsUnit(rest)) return NumberResult::Wrong;
+    if (rule.suffix && rest != *rule.suffix) {
+        if (std::find(rule.others.begin(), rule.others.end(), rest) != rule.others.end()) return NumberResult::NoValue;
+        return IsUnit(rest) ? NumberResult::OtherUnit : NumberResult::Wrong;
+    }
+    if (!rule.suffix && !IsUnit(rest)) return NumberResult::Wrong;
     for (const std::string& none : rule.noValue) {
         double value = 0;
         if (SplitNumber(none, '.', value, rest) && rest.empty() && value == read) return NumberResult::NoValue;

@@ -13,10 +13,11 @@ struct NumberRule {
     char decimal = '.';
     std::string prefix;                 // stands before the number
     std::optional<std::string> suffix;  // stands behind it; nothing: a unit may
+    std::vector<std::string> others;    // units with which the number is another channel's, and none here
     std::vector<std::string> noValue;   // texts that mean no value, in any case; one that is a number means that number
 };
 
-enum class NumberResult { Number, NoValue, Wrong };
+enum class NumberResult { Number, NoValue, OtherUnit, Wrong };
 
 // Blanks around the field, the number, its sign and its unit are passed over. There are no thousands separators. What may stand
 // behind the number without being asked for is a unit: letters, signs as in "m/s", "%" or "W/m2", and no other number.

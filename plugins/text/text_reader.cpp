@@ -22,7 +22,8 @@ Reader::Reader(const Description& description, ITransport& transport)
       m_transport(transport),
       m_splitter(description.end, description.longest),
       m_echo(Trimmed(std::string_view(description.ask).substr(0, description.ask.find_last_not_of("\r\n") + 1))),
-      m_line(std::make_shared<std::vector<Reader*>>(1, this)) {}
+      m_line(std::make_shared<std::vector<Reader*>>(1, this)),
+      m_stream(description, transport) {}
 
 Reader::~Reader() { std::erase(*m_line, this); }
 
@@ -38,6 +39,17 @@ void Reader::Opened(const std::string& address, DWORD timeout) {
     m_skip = m_description.skip;
     m_opened = m_quiet = true;
     m_lastBytes = m_transport.Now();
+    m_stream.Opened(Patience(), m_pause, m_character);
+}
+
+// How long a line is waited for: twice its own time, for one may just have been missed.
+Reader::Duration Reader::Patience() const {
+    return std::max<Duration>(m_timeout, 2 * std::chrono::milliseconds(m_description.every) + 500ms);
+}
+
+bool Reader::Follow() {
+    m_follows = m_description.ask.empty();
+    return m_follows;
 }
 
 // What came so far is no beginning of a line.
@@ -47,14 +59,15 @@ void Reader::Forget() {
     m_taken = 0;
 }
 
-Reader::Failure Reader::Read(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
+Failure Reader::Read(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
+    if (m_follows) return m_stream.Read(due, outcomes, m_watch);
     outcomes.clear();
     Failure failure = m_description.ask.empty() ? Listen(due, outcomes) : Ask(due, outcomes);
     m_looked = m_transport.Now();
     return failure;
 }
 
-Reader::Failure Reader::Listen(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
+Failure Reader::Listen(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
     m_came = 0;
     Discard(m_transport.Now());
     if (m_came > kMuch) {
@@ -69,12 +82,10 @@ Reader::Failure Reader::Listen(const std::vector<BYTE>& due, std::vector<Outcome
     const bool old = m_splitter.HasHalf() && m_transport.Now() - m_looked > m_pause;
     if (m_opened || m_came > kMuch || old) m_splitter.Drop();
     m_opened = false;
-    // Twice its own time: one line may just have been missed.
-    const Duration wait = std::max<Duration>(m_timeout, 2 * std::chrono::milliseconds(m_description.every) + 500ms);
-    return Await(m_transport.Now() + wait, true, m_watch, due, outcomes);
+    return Await(m_transport.Now() + Patience(), true, m_watch, due, outcomes);
 }
 
-Reader::Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
+Failure Reader::Ask(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes) {
     m_came = 0;
     Discard(m_transport.Now());
     AwaitOthers();
@@ -172,25 +183,19 @@ bool Reader::IsAnswer(const Splitter::Line& line) const {
     Failure bad;
     if (Judge(line, bad) != Verdict::Good) return false;
     if (m_description.lines > 1) return true;
-    const std::vector<Outcome> outcomes = ReadFields(m_description, {Bare(line.text)});
+    const std::vector<Outcome> outcomes = ReadFields(m_description, {Bare(m_description, line.text)});
     return std::any_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) { return outcome.IsValue(); });
 }
 
-// Without its checksum.
-std::string Reader::Bare(const std::string& line) const {
-    std::string_view rest = line;
-    TakeChecksum(m_description.checksum, rest);
-    return std::string(rest);
-}
-
 // The lines of one reading. `again`: what is bad is passed over as long as there is time.
-Reader::Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch, const std::vector<BYTE>& due,
-                              std::vector<Outcome>& outcomes) {
+Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch, const std::vector<BYTE>& due,
+                      std::vector<Outcome>& outcomes) {
     const Duration wait = until - m_transport.Now();
     const TimePoint limit = until + static_cast<int>(m_description.lines - 1) * wait;
     std::vector<std::string> lines;
     TimePoint lastLine{};
     Failure failure{CCommException::ReceiveTimeout, Sentence::None, {}};
+    if (again) failure = SilentFor(wait);
     Splitter::Line line;
     while (Next(line, until)) {
         Failure bad;
@@ -208,21 +213,15 @@ Reader::Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch,
                 until = std::min(limit, m_transport.Now() + wait);
                 continue;
             }
-            for (std::string& whole : lines) whole = Bare(whole);
-            outcomes = ReadFields(m_description, lines);
-            const Outcome* worst = nullptr;
-            bool any = false;
-            for (size_t i = 0; i < outcomes.size(); ++i) {
-                if (i < due.size() && due[i] == 0) continue;
-                any |= outcomes[i].IsValue();
-                if (worst == nullptr && !outcomes[i].IsValue()) worst = &outcomes[i];
-            }
-            if (any || worst == nullptr) {
+            bad = ReadLines(m_description, lines, due, outcomes);
+            if (bad.code == 0) {
+                RememberLead(m_leads, lines.front());
                 if (watch != nullptr) watch->OnAnswer();
                 return {};
             }
-            bad = {CCommException::IllegalResponse, worst->why, worst->text};
         }
+        const std::string& meant = lines.empty() ? line.text : lines.front();
+        if (again && watch != nullptr && IsMeant(m_description, m_leads, meant)) watch->OnDamaged(bad.code, bad.text.c_str());
         failure = std::move(bad);
         lines.clear();
         outcomes.clear();
@@ -237,24 +236,9 @@ Reader::Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch,
 }
 
 // Whether a line counts, and why it is none.
-Reader::Verdict Reader::Judge(const Splitter::Line& line, Failure& failure) const {
-    if (!line.text.starts_with(m_description.start)) return Verdict::PassedOver;
-    const auto bad = [&](Sentence why, std::initializer_list<std::string_view> arguments) {
-        failure = {CCommException::BadProtocol, why, Say(why, arguments)};
-        return Verdict::Bad;
-    };
-    if (line.cut) return bad(Sentence::TooLong, {std::to_string(m_description.longest), Shown(line.text)});
-    if (!m_echo.empty() && Trimmed(line.text) == m_echo) return Verdict::PassedOver;
-    std::string_view rest = line.text;
-    switch (TakeChecksum(m_description.checksum, rest)) {
-        case ChecksumResult::Missing:
-            return bad(Sentence::NoChecksum, {Shown(line.text)});
-        case ChecksumResult::Wrong:
-            return bad(Sentence::WrongChecksum, {Shown(line.text)});
-        case ChecksumResult::Right:
-            break;
-    }
-    return Verdict::Good;
+Verdict Reader::Judge(const Splitter::Line& line, Failure& failure) const {
+    if (!line.cut && !m_echo.empty() && Trimmed(line.text) == m_echo) return Verdict::PassedOver;
+    return text::Judge(m_description, line, failure);
 }
 
 // The next line of those that come until then; false when there is none.

@@ -6,7 +6,8 @@
 // (if it was not silent at first), after much has waited (buffers overflow), and when nobody has looked for as long as a line may
 // pause in the middle: three quarters of the logger's own interval, at least 250 ms and at most 2 s. A line that pauses longer
 // has lost its end, and so have lines of one reading between which there is more. So no line is used twice, and one that comes
-// while nobody reads is passed over. Lines that give no value at all are passed over as long as there is time.
+// while nobody reads is passed over. Lines that give no value at all are passed over as long as there is time; of those that are
+// meant as the logger's the watch is told. This is for readings at an interval; to have each line, see text_stream.h.
 //
 // A logger that is asked: an answer that is later than the time-out is waited for, three time-outs in all, and is still this
 // reading's value. What is there before a question is thrown away. Answers do not say what they answer: after a reading without
@@ -32,6 +33,7 @@
 #include "plugins/text/text_description.h"
 #include "plugins/text/text_fields.h"
 #include "plugins/text/text_splitter.h"
+#include "plugins/text/text_stream.h"
 
 namespace text {
 
@@ -47,11 +49,9 @@ public:
     // Told of answers and late ones; null for nobody.
     void Watch(IReadingWatch* watch) { m_watch = watch; }
 
-    struct Failure {
-        int code = 0;                   // of CCommException; 0: there is a value at least
-        Sentence why = Sentence::None;  // None: the code's own words
-        std::string text;
-    };
+    // From now on each line of a logger that talks by itself is a reading (text_stream.h). False: it is asked.
+    bool Follow();
+
     // One reading: an outcome for each channel. Those that are not due (a byte each, 0) do not matter for whether it is one. On
     // failure nothing came; throws what the transport throws.
     Failure Read(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes);
@@ -61,7 +61,6 @@ public:
 private:
     using TimePoint = ITransport::TimePoint;
     using Duration = ITransport::Duration;
-    enum class Verdict { PassedOver, Bad, Good };
 
     Failure Listen(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes);
     Failure Ask(const std::vector<BYTE>& due, std::vector<Outcome>& outcomes);
@@ -73,6 +72,7 @@ private:
     bool Take(Splitter::Line& line);
     void Discard(TimePoint until);
     void Forget();
+    Duration Patience() const;
     bool IsDead() const;
     void Credit(const Splitter::Line& line);
     void Settle(size_t lines, IReadingWatch* watch);
@@ -81,7 +81,6 @@ private:
     void AwaitOwed(TimePoint until);
     void AwaitSilence();
     bool IsAnswer(const Splitter::Line& line) const;
-    std::string Bare(const std::string& line) const;
 
     const Description& m_description;
     ITransport& m_transport;
@@ -104,6 +103,9 @@ private:
     bool m_late = false;           // answers have been later than the time-out
     const std::string m_echo;
     std::shared_ptr<std::vector<Reader*>> m_line;  // all readers on it, this one among them
+    std::vector<std::string> m_leads;              // of lines that gave values
+    Stream m_stream;
+    bool m_follows = false;
 };
 
 }  // namespace text

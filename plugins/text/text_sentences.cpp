@@ -24,8 +24,30 @@ constexpr Pair kPairs[] = {
     {"%1 is no number in the line: %2", "%1 \xE4r inget tal i raden: %2"},
     {"the line does not fit the pattern: %1", "raden passar inte m\xF6nstret: %1"},
     {"the line is no JSON: %1", "raden \xE4r inte JSON: %1"},
+    {"a reading of several lines broke off behind %1", "en avl\xE4sning p\xE5 flera rader br\xF6ts efter %1"},
+    {"more lines came than could be handled", "det kom fler rader \xE4n som kunde tas om hand"},
+    {"the program was held up so long that lines may be missing among those that waited",
+     "programmet h\xF6lls upp s\xE5 l\xE4nge att rader kan saknas bland dem som v\xE4ntade"},
+    {"no line came within %1 s; a device that prints more seldom needs a larger nEvery",
+     "ingen rad kom inom %1 s; en apparat som skriver mera s\xE4llan beh\xF6ver ett st\xF6rre nEvery"},
+    {"%1 has another unit than %2 in the line: %3", "%1 har en annan enhet \xE4n %2 i raden: %3"},
+    {"a logger that prints lines cannot be written to", "en logger som skriver rader kan inte ta emot v\xE4rden"},
     {"%1 lines such as %2", "%1 rader som %2"},
-    {"passed over: %1 others such as %2", "f\xF6rbig\xE5ngna: %1 andra som %2"},
+    {"passed over as other kinds of lines: %1, most of them such as %2",
+     "f\xF6rbig\xE5ngna som andra slags rader: %1, de flesta som %2"},
+    {"%1 other lines have only some of these; what they lack will be told as missing: %2",
+     "%1 andra rader har bara n\xE5gra av dessa; det som fattas i dem kommer att anges: %2"},
+    {"%1 comes with several units (%2): each has a channel of its own, with values only where its unit stands",
+     "%1 kommer med flera enheter (%2): varje enhet har en egen kanal, med v\xE4rden bara d\xE4r enheten st\xE5r"},
+    {"%1 comes without a unit as well: such a number will be told as missing",
+     "%1 kommer ocks\xE5 utan enhet: ett s\xE5"
+     "dant tal kommer att anges som saknat"},
+    {"careful: %1 changes (%2), so one channel may mix units or sources; the description cannot tell them apart",
+     "obs: %1 v\xE4xlar (%2), s\xE5 en kanal kan blanda enheter eller k\xE4llor; beskrivningen kan inte skilja dem \xE5t"},
+    {"careful: %1 looks like the number of a source (%2), and each channel then mixes them; sStart keeps the lines of one of "
+     "them",
+     "obs: %1 ser ut som numret p\xE5 en k\xE4lla (%2), och varje kanal blandar dem d\xE5; sStart beh\xE5ller raderna fr\xE5n en "
+     "av dem"},
 };
 constexpr size_t kShown = 60;
 

@@ -20,8 +20,19 @@ enum class Sentence {
     NoNumber,
     NoMatch,
     NoJson,
+    HalfReading,
+    TooFast,
+    QueueRanOver,
+    Silent,
+    OtherUnit,
+    NoWriting,
     Learned,  // for people, of lines that were listened to
     LearnedOthers,
+    LearnedPartial,
+    LearnedUnits,
+    LearnedBareToo,
+    LearnedChanging,
+    LearnedSources,
 };
 
 // The sentence with %1, %2 ... replaced.

@@ -125,6 +125,12 @@ bool Shape::IsLike(const Shape& other) const {
            std::equal(cells.begin(), cells.end(), other.cells.begin(), other.cells.end(), same);
 }
 
+bool Shape::HasAnyOf(const Shape& other) const {
+    return std::any_of(cells.begin(), cells.end(), [&](const Cell& cell) {
+        return std::any_of(other.cells.begin(), other.cells.end(), [&](const Cell& one) { return one.where == cell.where; });
+    });
+}
+
 Shape ShapeOf(const std::string& line) {
     if (Shape json = Json(line); !json.cells.empty()) return json;
     Shape best = BestRow(line);

@@ -27,6 +27,8 @@ struct Shape {
 
     // Whether lines of both are read by one description.
     bool IsLike(const Shape& other) const;
+    // Whether one of the names or paths of both is the same.
+    bool HasAnyOf(const Shape& other) const;
 };
 
 // Separator, keys or JSON, whichever has most numbers. Without cells where there are none.

@@ -30,7 +30,9 @@ Simulator::Simulator(Description description) : m_description(std::move(descript
         for (size_t i = 0; i < read.size() && why.empty(); ++i) {
             const Channel& channel = m_description.channels[i];
             const double step = std::abs(channel.scale) * std::pow(10, -decimals);
-            const bool same = read[i].IsValue() && !read[i].noValue && std::abs(read[i].value - ValueOf(i, 0)) <= step;
+            const bool another = read[i].noValue && !channel.number.others.empty();  // stands in its place
+            const bool same =
+                another || (read[i].IsValue() && !read[i].noValue && std::abs(read[i].value - ValueOf(i, 0)) <= step);
             if (!same) why = "Channels." + channel.key + ": cannot be simulated: " + read[i].text;
         }
         if (why.empty()) return;

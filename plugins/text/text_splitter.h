@@ -23,6 +23,7 @@ public:
     // The line that is under way will not count; it will after all.
     void Drop() { m_dropped = true; }
     void Keep() { m_dropped = false; }
+    bool IsDropped() const { return m_dropped; }
     // Whether bytes came that no end has followed yet; and the beginning of that line.
     bool HasHalf() const { return m_length > 0; }
     std::string Half() const { return m_text.substr(0, m_most); }

@@ -17,6 +17,7 @@ import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 import xml.etree.ElementTree as ElementTree
@@ -645,7 +646,7 @@ class TextLoggers(HostTest):
 
     def test_each_description_of_the_page_is_read_from_its_simulator(self):
         descriptions = re.findall(r"```xml\n(.*?)```", self.PAGE.read_text(encoding="utf-8"), re.S)
-        self.assertEqual(len(descriptions), 3)
+        self.assertEqual(len(descriptions), 4)
         for description in descriptions:
             (self.folder / "device.xml").write_text(description, encoding="utf-8")
             count = len(self.done("check", "device.xml").out.splitlines())
@@ -672,6 +673,63 @@ class TextLoggers(HostTest):
         self.assertGreaterEqual(len(self.readings("l.odb")), 2)
         self.assertEqual(self.host("chart", "l.odb", "--out", "l.png").code, 0)
         self.assertIn("there already", self.refused(3, "learn", "--port", port, "--out", "learnt.xml"))
+
+    def talk(self, text, every=0.3):
+        """A device on the network that says this time after time, each time at once."""
+        server = socket.create_server(("127.0.0.1", 0))
+        self.addCleanup(server.close)
+        said = [0]
+
+        def serve():
+            while True:
+                try:
+                    with server.accept()[0] as line:
+                        while True:
+                            line.sendall(text(said[0]).encode())
+                            said[0] += 1
+                            time.sleep(every)
+                except OSError:
+                    if server.fileno() < 0:
+                        return
+        threading.Thread(target=serve, daemon=True).start()
+        return f"tcp://127.0.0.1:{server.getsockname()[1]}"
+
+    def test_each_line_is_a_reading_and_a_damaged_one_is_told(self):
+        body = "".join(f"<PROPERTY name='{key}'>{value}</PROPERTY>" for key, value in
+                       {"sFamily": "Text", "sStart": "$A,", "sChecksum": "xor", "sSeparator": "comma"}.items())
+        (self.folder / "d.xml").write_text(f"<PROPERTYDB>{body}<PATH name='Channels'><PATH name='1'><PROPERTY name='nField'>2</PROPERTY></PATH></PATH></PROPERTYDB>")
+
+        def lines(first):
+            said = ""
+            for number in range(5 * first, 5 * first + 5):
+                digits = functools.reduce(lambda a, b: a ^ ord(b), f"A,{number}", 0) ^ (1 if number % 3 == 0 else 0)
+                said += f"$A,{number}*{digits:02X}\r\n$B,1\r\n"
+            return said
+        port = self.talk(lines)
+        done = self.host("download", "--port", port, "--logger", "d.xml", "--interval", 0, "--count", 30, "--out", "s.odb")
+        self.assertEqual(done.code, 2, done.err)
+        self.assertIn("checksum", done.err)
+        got = [int(float(row[1])) for row in self.readings("s.odb")[1:] if row[1]]
+        self.assertEqual(got, [n for n in range(got[0], got[-1] + 1) if n % 3 != 0])
+        self.assertEqual(len(got), 20)
+        # At an interval the loss has the same cause.
+        done = self.host("download", "--port", self.talk(lambda n: f"$A,{n}*00\r\n" if n % 8 > 1 else "$A,1*5C\r\n", 0.2), "--logger", "d.xml", "--interval", 200, "--count", 12, "--out", "t.odb")
+        self.assertEqual(done.code, 2, done.err)
+        self.assertIn("checksum", done.err)
+
+    def test_what_waited_before_is_not_learnt_from(self):
+        # A device that says three lines at once when somebody comes, and then one every 700 ms.
+        said = iter(["5 mV\r\n" * 3])
+        learnt = self.learn(self.talk(lambda n: next(said, f"{n} mV\r\n"), 0.7))
+        self.assertEqual(learnt.code, 0, learnt.err)
+        self.assertRegex((self.folder / "learnt.xml").read_text(encoding="utf-8"), r'nEvery"[^>]*>(600|700|800)<')
+
+    def test_a_pattern_is_checked(self):
+        for pattern, group, said in (("(", "sCapture", "sPattern"), ("(?&lt;t>a", "sCapture", "sPattern"), ("(?&lt;t>(a+)+)\\1", "sCapture", "sPattern"), ("(?&lt;t>a{900}{900})", "sCapture", "sPattern"),
+                                     ("(?&lt;u>.)", "sCapture", "sPattern has no group"), ("(?&lt;t>.)", "sGroup", "sCapture names the group")):
+            (self.folder / "d.xml").write_text("<PROPERTYDB><PROPERTY name='sFamily'>Text</PROPERTY><PROPERTY name='sFields'>regex</PROPERTY>"
+                                               f"<PROPERTY name='sPattern'>{pattern}</PROPERTY><PATH name='Channels'><PATH name='1'><PROPERTY name='{group}'>t</PROPERTY></PATH></PATH></PROPERTYDB>")
+            self.assertIn(said, self.refused(1, "check", "d.xml"), pattern)
 
     def test_a_device_that_cannot_be_learnt_is_told(self):
         self.assertIn("NOPORT", self.learn("NOPORT").err)

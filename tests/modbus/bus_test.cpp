@@ -73,7 +73,7 @@ public:
     int lateAnswers = 0;
 
 private:
-    void OnAnswer() override {}
+    void OnAnswer(DWORD) override {}
     void OnChannelFailed(int channel, int code, const char* text) override {
         told[channel] = {code, text != nullptr ? text : ""};
     }

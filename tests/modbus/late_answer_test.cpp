@@ -16,7 +16,7 @@ using simulated::Faults;
 // Checks what a reading tells against what it leaves.
 class Watch : public IReadingWatch {
 public:
-    void OnAnswer() override { ++answers; }
+    void OnAnswer(DWORD) override { ++answers; }
     void OnChannelFailed(int channel, int code, const char*) override {
         failed.push_back(channel);
         codes.push_back(code);

@@ -47,6 +47,7 @@ public:
     void Disconnect() override {}
     void Select(const CByteArray& due) override { selected.push_back({clock.now, due.GetAt(0) != 0, due.GetAt(1) != 0}); }
     void Watch(IReadingWatch* who) override { watch = who; }
+    bool Follow() override { return follows; }
     void Abort() override {}
 
     explicit ScriptedLogger(Clock& time) : clock(time) {}
@@ -61,6 +62,7 @@ public:
     };
     std::vector<Selected> selected;
     IReadingWatch* watch = nullptr;
+    bool follows = false;
 
 private:
     CSerialOrvik m_port;
@@ -262,6 +264,42 @@ TEST_F(MeasurementTest, APatientOneWaitsForItsPort) {
     EXPECT_EQ(sink.Values().size(), 3u);
     ASSERT_EQ(sink.gaps.size(), 1u);
     EXPECT_EQ(sink.gaps[0].missed, 2u);
+}
+
+// One that talks by itself is not let go for a line that is damaged: the next one follows it.
+TEST_F(MeasurementTest, FollowsALogger) {
+    logger.follows = true;
+    logger.read = [&](int number, CDoubleArray&) {
+        clock.now += kSecond;
+        logger.watch->OnAnswer(static_cast<DWORD>(kSecond / 4));
+        if (number == 2 || number == 3) OrvikThrowCommException(CCommException::BadProtocol, "checksum");
+    };
+    plan.interval = 0;
+    plan.count = 5;
+    plan.follow = true;
+    Run();
+    EXPECT_EQ(logger.connects.size(), 1u);
+    EXPECT_EQ(sink.Values(), (std::vector<double>{1, 4, 5}));
+    EXPECT_EQ(sink.rows[0].time, kBegun + kSecond * 3 / 4);
+    ASSERT_EQ(sink.gaps.size(), 1u);
+    EXPECT_EQ(sink.gaps[0].missed, 2u);
+    EXPECT_EQ(sink.gaps[0].text, "checksum");
+    EXPECT_EQ(sink.gaps[0].until, kBegun + 3 * kSecond - kSecond / 4);
+    EXPECT_EQ(measurement->Missing(), 2u);
+}
+
+// What is too late because something damaged came has that for its cause.
+TEST_F(MeasurementTest, DamageIsTheCauseOfWhatIsLate) {
+    plan.count = 4;
+    logger.read = [&](int number, CDoubleArray&) {
+        if (number != 2) return;
+        clock.now += kSecond * 5 / 2;
+        logger.watch->OnDamaged(CCommException::BadProtocol, "checksum");
+    };
+    Run();
+    ASSERT_EQ(sink.gaps.size(), 1u);
+    EXPECT_EQ(sink.gaps[0].text, "checksum");
+    EXPECT_EQ(sink.gaps[0].cause, CCommException::BadProtocol);
 }
 
 TEST_F(MeasurementTest, WhatWasMissedIsLeftOut) {

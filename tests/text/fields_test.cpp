@@ -30,7 +30,8 @@ const std::string kKeys = "sFields=keys; Channels.1.sKey=T; Channels.2.sKey=RH; 
 const std::string kJson = "sFields=json; Channels.1.sKey=air.t; Channels.2.sKey=p[1]; ";
 const std::string kColumns =
     "sFields=columns; Channels.1.nColumn=3; Channels.1.nWidth=5; Channels.2.nColumn=8; Channels.2.nWidth=6; ";
-const std::string kRegex = "sFields=regex; sPattern=^t(?<a>[^ ]+)(?: h(?<b>.*))?$; Channels.1.sGroup=a; Channels.2.sGroup=b; ";
+const std::string kRegex =
+    "sFields=regex; sPattern=^t(?<a>[^ ]+)(?: h(?<b>.*))?$; Channels.1.sCapture=a; Channels.2.sCapture=b; ";
 }  // namespace
 
 TEST(TextFields, ValuesOfLines) {
@@ -66,6 +67,9 @@ TEST(TextFields, ValuesOfLines) {
         {kTwo + "sSeparator=blanks", {{" 1   2", "1 2"}}},
         {kTwo + "nFields=2", {{"23,41", "23 41"}, {"23,4124,42", "! !"}}},  // the end between two lines was lost
         {kPrefixed, {{"T23.5C,1", "23.5 1"}, {"T23.5F,1", "! 1"}, {"23.5C,1", "! 1"}}},
+        {kTwo + "Channels.1.sSuffix=mV", {{"950.0 mV 3", "950 !"}}},  // between blanks the unit is a field
+        {"Channels.1.nField=1; Channels.2.nField=1; Channels.1.sSuffix=mV; Channels.2.sSuffix=V",
+         {{"1.05 V", "- 1.05"}, {"1.05 A", "! !"}}},
         {kTwo + "Channels.1.rScale=0.1; Channels.1.rOffset=-40", {{"500,-0", "10 -0"}}},
         {kNone, {{"---,err", "- -"}, {"+9.90000000E+37,", "- !"}}},
         {kTwo + "sNoValue=|-", {{",-", "- -"}}},
@@ -130,8 +134,11 @@ TEST(TextFields, EveryMistakeOfADescriptionNamesItsKey) {
         {"Channels.1.nField", "Channels.1.sName=x"},
         {"Channels.1.nWidth", "sFields=columns; Channels.1.nColumn=1"},
         {"Channels.1.sKey", "sFields=json; Channels.1.sName=x"},
-        {"sPattern", "sFields=regex; sPattern=(; Channels.1.sGroup=x"},
-        {"Channels.1.sGroup", "sFields=regex; sPattern=x; Channels.1.sGroup=x"},
+        {"sPattern", "sFields=regex; sPattern=(; Channels.1.sCapture=x"},
+        {"Channels.1.sCapture", "sFields=regex; sPattern=x; Channels.1.sCapture=x"},
+        {"Channels.1.sGroup", "sFields=regex; sPattern=(?<t>.); Channels.1.sGroup=t"},  // that of an interval
+        {"sPattern", kTwo + "sPattern=x"},
+        {"Channels.1.sKey", "sFields=json; Channels.1.sKey=air["},
         {"Channels.2.nField", kTwo + "nFields=1"},
         {"sDecimal", kTwo + "sDecimal=,; sSeparator=comma"},
         {"nSkip", kTwo + "sAsk=?; nSkip=1"}};

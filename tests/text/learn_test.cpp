@@ -41,7 +41,7 @@ struct Learnt {
             for (const text::Outcome& outcome : text::ReadFields(read, {std::string(bare)})) {
                 char number[32];
                 std::snprintf(number, sizeof number, "%.10g", outcome.value);
-                values += (values.empty() ? "" : " ") + std::string(outcome.IsValue() ? number : "!");
+                values += (values.empty() ? "" : " ") + std::string(!outcome.IsValue() ? "!" : outcome.noValue ? "-" : number);
             }
         }
     }
@@ -63,7 +63,8 @@ TEST(TextLearn, DescribesWhatItHeard) {
          "23.7 41"},
         {"time;temp;hum\n12;23,5;41,2\n13;23,6;41,1\n", "Channels.2.sName=temp", "13 23.6 41.1"},
         {"\r23.5\t41\r23.6\t42\r23.7\t43\r", "sSeparator=tab", "23.7 43"},
-        {"\n-1.5 C  41 %\n-1.6 C  42 %\n-1.7 C  43 %\n", "Channels.1.sUnit=C; Channels.2.nField=3", "-1.7 43"},
+        {"\n-1.5 C  41 %\n-1.6 C  42 %\n-1.7 C  43 %\n", "Channels.1.sSuffix=C; Channels.1.sUnit=C; Channels.2.nField=3",
+         "-1.7 43"},
         {"x\n23.5 C, 41 %\n23.6 C, 42 %\n",
          "Channels.1.nField=1; Channels.1.sName=#1; Channels.1.sSuffix=C; Channels.1.sUnit=C; Channels.2.nField=2", "23.6 42"},
         {"C RH=41%\nT=23.5C RH=41%\nT=23.6C RH=42%\n",
@@ -80,7 +81,11 @@ TEST(TextLearn, DescribesWhatItHeard) {
         {"A*28\r\n$WIMWV,214.8,R,0.1,K,A*28\r\n$WIMWV,214.8,R,0.1,K,A*28\r\n",
          "nFields=6; sChecksum=xor; sFields=separator; sSeparator=comma", "214.8 0.1"},
         {"x\n$A,1,2\n$B,7\n$A,3,4\n$B,8\n$A,5,6\n", "nFields=3; sFields=separator; sSeparator=comma; sStart=$A", "5 6"},
-        {"x\nU=1.5mV\nU=0.9V\nU=0.8V\n", "Channels.1.sKey=U; Channels.1.sName=U; sFields", "0.8"},
+        {"x\nU=1.5mV\nU=0.9V\nU=0.8V\n",
+         "Channels.1.sSuffix=mV; Channels.1.sUnit=mV; Channels.2.sKey=U; Channels.2.sName=U V; Channels.2.sSuffix=V", "- 0.8"},
+        {"x\nDC 950.0 mV\nDC 1.050 V\nDC 1.060 V\n", "Channels.2.nField=2; Channels.2.sName=#2 V; Channels.2.sSuffix=V",
+         "- 1.06"},
+        {"x\nT=1;H=2\nT=2;H=3\nH=4\nT=3;H=5\n", "sFields=keys", "3 5"},
         {"boot 1\nready\n5\n6\n7\n", "nFields=1; sFields=separator", "7"},
         {"1\n2\n3\n4\n", "nFields=1", "4"},
         {"12:30:00 23.5\n12:30:01 23.6\n12:30:02 23.7\n", "Channels.1.nField=2", "23.7"},
@@ -105,7 +110,23 @@ TEST(TextLearn, IsNotSureOfAnythingElse) {
 
 TEST(TextLearn, TellsWhatItTook) {
     const Learnt learnt("x\n$A,1.5 C\n$B,7\n$A,2.5 C\n$A,3.5 C\n", 990);
-    EXPECT_EQ(std::string(learnt.shown),
-              "3 lines such as \"$A,3.5 C\"\n  1  #2  1.5 C\npassed over: 1 others such as \"$B,7\"\n");
+    EXPECT_EQ(
+        std::string(learnt.shown),
+        "3 lines such as \"$A,3.5 C\"\n  1  #2  1.5 C\npassed over as other kinds of lines: 1, most of them such as \"$B,7\"\n");
     EXPECT_NE(learnt.description.find("nEvery=1000"), std::string::npos);
+}
+
+TEST(TextLearn, WarnsOfWhatItCannotTellApart) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"x\n{\"u\":950,\"unit\":\"mV\"}\n{\"u\":1.05,\"unit\":\"V\"}\n", "unit changes (\"mV\", \"V\")"},
+        {"x\n1,25.1\n2,57.8\n1,25.2\n2,57.9\n", "#1 looks like the number of a source (\"1\", \"2\")"},
+        {"7 ohm\n950 ohm\n1.05 kohm\n951 ohm\n", "#1 comes with several units (\"ohm\", \"kohm\")"},
+        {"7 V\n5 V\n0\n6 V\n", "#1 comes without a unit as well"},
+        {"x\nT=1;H=2\nT=2;H=3\nH=4\nT=3;H=5\n", "1 other lines have only some"},
+        {"x\n1,2\nready\n3,4\nok 1\nready\n5,6\n7,8\n", "lines: 3, most of them such as \"ready\""},
+    };
+    for (const auto& [heard, said] : cases)
+        EXPECT_NE(std::string(Learnt(heard).shown).find(said), std::string::npos) << heard << Learnt(heard).shown;
+    for (const char* const plain : {"x\n1,25\n2,26\n3,27\n", "x\n{\"at\":\"12:30:01\",\"t\":1}\n{\"at\":\"12:30:02\",\"t\":2}\n"})
+        EXPECT_EQ(std::string(Learnt(plain).shown).find("careful"), std::string::npos) << plain;
 }

@@ -49,7 +49,7 @@ private:
         std::snprintf(text, sizeof text, "%.10g", value);
         return text;
     }
-    void OnAnswer() override {
+    void OnAnswer(DWORD) override {
         EXPECT_EQ(answered, 0);
         answered = line->Seconds();
     }

@@ -19,7 +19,7 @@ const std::string kDescriptions[] = {
         kScaled,
     "sFields=keys; Channels.1.sKey=T; Channels.1.sSuffix=C; Channels.2.sKey=RH" + kScaled,
     "sFields=json; Channels.1.sKey=air.t; Channels.2.sKey=probes[1]" + kScaled,
-    "sFields=regex; sPattern=^T (?<t>[-+]?\\d+\\.\\d) C,.*RH (?<h>\\S+)$; Channels.1.sGroup=t; Channels.2.sGroup=h" + kScaled,
+    "sFields=regex; sPattern=^T (?<t>[-+]?\\d+\\.\\d) C,.*RH (?<h>\\S+)$; Channels.1.sCapture=t; Channels.2.sCapture=h" + kScaled,
     "sAsk=MEAS?\\r\\n; Channels.1.nField=1; Channels.1.sPrefix=+; Channels.2.nField=2" + kScaled,
     "nLines=2; sFirst=A; sFields=keys; Channels.1.sKey=A; Channels.2.sKey=B; Channels.2.nLine=2" + kScaled,
     "nSkip=2; Channels.1.nField=1; Channels.2.nField=2" + kScaled};
@@ -113,7 +113,7 @@ TEST(TextSimulator, FaultsNeverGiveAValue) {
 }
 
 TEST(TextSimulator, SaysWhatItCannotMakeUp) {
-    EXPECT_NE(Refused("sFields=regex; sPattern=(?<t>[a-z]+); Channels.1.sGroup=t"), "");
+    EXPECT_NE(Refused("sFields=regex; sPattern=(?<t>[a-z]+); Channels.1.sCapture=t"), "");
     EXPECT_NE(Refused("sFields=columns; Channels.1.nColumn=1; Channels.1.nWidth=1; Channels.2.nColumn=1; Channels.2.nWidth=5"),
               "");
 }
