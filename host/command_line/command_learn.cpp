@@ -1,6 +1,7 @@
 // learn: listens to an unknown device, and describes it.
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "comm/comm_exception.h"
 #include "comm/line_address.h"
