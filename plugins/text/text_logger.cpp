@@ -37,7 +37,9 @@ void Logger::Select(const CByteArray& due) {
     for (size_t i = 0; i < m_due.size(); ++i) m_due[i] = due.GetAt(static_cast<INT_PTR>(i));
 }
 
-double Logger::Write(int, double) { OrvikThrowCommException(CCommException::AccessDenied, Say(Sentence::NoWriting, {}).c_str()); }
+Written Logger::Write(int, const char*) {
+    OrvikThrowCommException(CCommException::AccessDenied, Say(Sentence::NoWriting, {}).c_str());
+}
 
 void Logger::Watch(IReadingWatch* watch) {
     m_watch = watch;

@@ -23,7 +23,7 @@ public:
     CSerialOrvik& Port() override { return m_port; }
     void Connect(const char* port, DWORD timeout) override;
     void ReadSample(CDoubleArray& values) override;
-    double Write(int channel, double value) override;
+    Written Write(int channel, const char* number) override;
     void Select(const CByteArray& due) override;
     void Watch(IReadingWatch* watch) override;
     bool Follow() override { return m_reader.Follow(); }
