@@ -19,16 +19,6 @@ bool HostTraces() {
     IOrvikApp* const app = GetOrvikApp();
     return app && app->IsCommTraceEnabled();
 }
-// Now in the user's format, with milliseconds behind the seconds.
-CString TimeText() {
-    const CVXTTime now = CVXTTime::Now();
-    CString text = now.Format(), milliseconds;
-    milliseconds.Format(".%03d", now.Get(TT_MILLISECOND));
-    int end = text.GetLength();
-    while (end > 0 && (text[end - 1] < '0' || text[end - 1] > '9')) --end;  // a designator stays at the end
-    text.Insert(end, milliseconds);
-    return text;
-}
 }  // namespace
 
 CSerialOrvik::CSerialOrvik() = default;
@@ -96,7 +86,7 @@ void CSerialOrvik::Trace(const char* name, LONG direction, const void* data, siz
     if (m_nTraceDirection != direction) {
         DumpTrace();
         m_nTraceDirection = direction;
-        m_strTrace = TimeText();
+        m_strTrace = CVXTTime::Now().Format();
         m_strTrace += " - ";
         m_strTrace += name;
         m_strTrace += direction == kSending ? " > " : " < ";
