@@ -208,14 +208,14 @@ class Download(HostTest):
 
     def test_a_logger_on_the_network(self):
         port = self.simulate("--port", "rtu://127.0.0.1:0", "--fault", "split=30", "--fault", "noise=10", "--seed", 7)
-        self.done("download", "--port", port, "--out", "s.odb", "--count", 20, "--interval", 100, "--timeout", 300, "--trace", "trace.txt")
-        self.assertEqual(len(self.readings("s.odb")), 21)
+        self.done("download", "--port", port, "--out", "s.odb", "--count", 12, "--interval", 300, "--timeout", 300, "--trace", "trace.txt")
+        self.assertEqual(len(self.readings("s.odb")), 13)
         self.assertIn(f" - {port} > ", (self.folder / "trace.txt").read_text(encoding="cp1252"))
         self.refuse((1, "simulate --port COM3", "is no address to listen at"), (2, "simulate --port " + port, "another program listens there"),
                     (1, "simulate --port tcp://:0 --link x", "--link"))
         # A terminal server.
         port = self.simulate("--port", "rfc2217://127.0.0.1:0", "--fault", "split=50", "--seed", 1)
-        self.done("download", "--port", port, "--out", "t.odb", "--count", 5, "--interval", 100)
+        self.done("download", "--port", port, "--out", "t.odb", "--count", 5, "--interval", 300)
 
     def test_a_connection_that_is_dropped_comes_back(self):
         port = self.simulate("--port", "rtu://127.0.0.1:0", "--fault", "drop=10", "--seed", 1)
