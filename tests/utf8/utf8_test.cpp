@@ -135,10 +135,10 @@ TEST(Utf8Process, ReadsXmlOfBothKinds) {
         EXPECT_STREQ(c.out.c_str(), Loaded(Document(c.in))) << c.in;
         // Where the deciding byte lies far behind, and where a character lies across two blocks.
         for (const size_t before : {16384u, 40001u, 40002u, 40003u}) {
-            const std::string far = "<PROPERTYDB><PROPERTY name=\"s\" type=\"str\" size=\"1\">" + c.in +
-                                    "</PROPERTY><PROPERTY name=\"t\" type=\"str\" size=\"1\">" + std::string(before, 'x') + c.in +
-                                    "</PROPERTY></PROPERTYDB>";
-            EXPECT_STREQ(c.out.c_str(), Loaded(far)) << c.in << before;
+            const std::string distant = "<PROPERTYDB><PROPERTY name=\"s\" type=\"str\" size=\"1\">" + c.in +
+                                        "</PROPERTY><PROPERTY name=\"t\" type=\"str\" size=\"1\">" + std::string(before, 'x') +
+                                        c.in + "</PROPERTY></PROPERTYDB>";
+            EXPECT_STREQ(c.out.c_str(), Loaded(distant)) << c.in << before;
         }
     }
     const std::string attribute = "<PROPERTYDB><PROPERTY name=\"\xB5\" type=\"str\" size=\"1\">1</PROPERTY></PROPERTYDB>";
