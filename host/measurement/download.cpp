@@ -127,7 +127,7 @@ private:
     void OnGap(const CRecordedGap& gap) override {
         m_writer.OnGap(gap);
         // A channel that never works is seen at once; one that fails now and then is told once.
-        if (gap.channels.empty() || !m_told.insert({gap.channels, gap.text}).second) return;
+        if (gap.channels.empty() || !m_told.insert({gap.channels, GapKeeper::KindOf(gap.text)}).second) return;
         Tell(Say(Text::ChannelsFail, {ChannelNames(gap.channels, m_session), ToUtf8(gap.text)}));
     }
     void OnEvent(const CRecordedEvent& event) override {

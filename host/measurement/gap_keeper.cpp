@@ -19,10 +19,24 @@ void GapKeeper::TellNow(Open& open) {
     m_tell(open.gap);
 }
 
+std::string GapKeeper::KindOf(const std::string& text) {
+    std::string kind;
+    for (size_t at = 0; at < text.size();) {
+        const size_t begin = std::min(text.find('"', at), text.size());
+        kind.append(text, at, begin - at);
+        const size_t end = text.find('"', begin + 1);
+        if (end == text.npos) return begin < text.size() ? kind + text.substr(begin) : kind;
+        kind += '"';
+        at = end + 1;
+    }
+    return kind;
+}
+
 void GapKeeper::CountMissed(const CRecordedGap& gap, DWORD missed) {
     if (missed == 0) return;
+    const std::string kind = KindOf(gap.text);
     const auto found = std::find_if(m_counts.begin(), m_counts.end(), [&](const Count& count) {
-        return count.text == gap.text && count.channels == gap.channels;
+        return count.channels == gap.channels && (count.text == gap.text || KindOf(count.text) == kind);
     });
     if (found != m_counts.end()) {
         found->missed += missed;

@@ -31,13 +31,16 @@ public:
     void Single(CRecordedGap gap);
     void EndAll() { Failed(0, {}, 0); }
 
-    // Since the beginning: readings of which something is missing count once for each cause in the same channels (none: all).
+    // Since the beginning: readings of which something is missing count once for each kind of cause in the same channels (none:
+    // all), told by the first of the kind.
     struct Count {
         std::string text;
         std::vector<WORD> channels;
         DWORD missed = 0;
     };
     const std::vector<Count>& Counts() const { return m_counts; }
+    // A cause without what stands in quotes, a damaged line for instance: what differs there alone is of one kind.
+    static std::string KindOf(const std::string& text);
     DWORD GapCount() const { return m_gaps; }
 
 private:

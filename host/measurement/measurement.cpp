@@ -301,7 +301,10 @@ void Measurement::Read() {
     if (m_channels > 0 ? good == 0 : trouble.any) {
         if (!trouble.any)
             trouble = *std::find_if(m_troubles.begin(), m_troubles.end(), [](const Trouble& own) { return own.any; });
-        return m_follows && m_answered ? Damaged(trouble) : Lost(trouble, true);
+        if (m_follows && m_answered) return Damaged(trouble);
+        const bool silent = trouble.cause == CCommException::ReceiveTimeout || trouble.cause == CCommException::BadProtocol ||
+                            trouble.cause == CCommException::IllegalResponse;
+        return m_follows && silent ? Silent(trouble) : Lost(trouble, true);
     }
     const __int64 now = m_clock.Steady();
     if (failures.empty() && m_plan.interval != 0 && now - began > m_plan.interval) {
@@ -369,6 +372,20 @@ void Measurement::Damaged(const Trouble& trouble) {
     m_failure = trouble.text;
     m_code = trouble.cause;
     MissReading(std::max(Stamp(*m_answered), m_lastTime + 1), trouble);
+    if (m_plan.giveUp != 0 && m_clock.Steady() - m_lastValue >= m_plan.giveUp) Finish(Ended::GivenUp);
+}
+
+// Nothing came from a logger that talks by itself. Its line stays open: what it says next is not to be missed.
+void Measurement::Silent(const Trouble& trouble) {
+    m_failure = trouble.text;
+    m_code = trouble.cause;
+    const __int64 time = std::max(Stamp(m_clock.Steady()), m_lastTime + 1);
+    if (std::exchange(m_lost, true)) {
+        m_gaps->Failed(time, {{trouble.cause, trouble.text, {}}}, 0);
+    } else {
+        Event(RE_LOST, time, trouble.text);
+        MissReading(time, trouble);
+    }
     if (m_plan.giveUp != 0 && m_clock.Steady() - m_lastValue >= m_plan.giveUp) Finish(Ended::GivenUp);
 }
 

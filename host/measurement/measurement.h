@@ -32,7 +32,7 @@
 class IMeasurementSink {
 public:
     struct Begin {
-        DWORD nextGap = 1;                                             // the number that the next gap gets
+        DWORD nextGap = 1;                                       // the number that the next gap gets
         __int64 lastTime = std::numeric_limits<__int64>::min();  // of what is there already; later times follow
     };
     // The first connection stands: now is the time to make files. `time` is now.
@@ -48,14 +48,14 @@ protected:
 
 struct MeasurementPlan {
     std::string port;
-    DWORD timeout = 1000;        // ms for every single answer
+    DWORD timeout = 1000;          // ms for every single answer
     __int64 interval = 1'000'000;  // us; 0: one reading after the other
-    bool shifts = false;         // a reading that is late puts off the later ones, so that none is left out
-    unsigned __int64 count = 0;  // readings, made or missed; 0: no end by their number
-    __int64 duration = 0;        // us from the first reading on; 0: no end by time
-    __int64 giveUp = 0;          // us without any value after which it ends; 0: never
-    bool follow = false;         // all that a logger says by itself is kept (ILogger::Follow); for an interval of 0
-    bool patient = false;        // a port that cannot be opened at first is waited for as well
+    bool shifts = false;           // a reading that is late puts off the later ones, so that none is left out
+    unsigned __int64 count = 0;    // readings, made or missed; 0: no end by their number
+    __int64 duration = 0;          // us from the first reading on; 0: no end by time
+    __int64 giveUp = 0;            // us without any value after which it ends; 0: never
+    bool follow = false;           // all that a logger says by itself is kept (ILogger::Follow); for an interval of 0
+    bool patient = false;          // a port that cannot be opened at first is waited for as well
     // With which readings each channel is read (see ChannelSteps); empty: all with every one.
     std::vector<DWORD> steps;
     std::function<bool()> stopAsked;  // why an exchange may have been aborted; may be empty
@@ -88,10 +88,10 @@ public:
 
     bool HasBegun() const { return m_begun; }
     bool IsLost() const { return m_lost; }
-    unsigned __int64 Made() const { return m_made; }      // readings with a value at least
+    unsigned __int64 Made() const { return m_made; }        // readings with a value at least
     unsigned __int64 Missing() const { return m_missing; }  // readings of which all or something is missing
-    unsigned __int64 Planned() const;                     // 0: it has no end by itself
-    unsigned __int64 Slot() const { return m_slot; }      // readings whose time has come
+    unsigned __int64 Planned() const;                       // 0: it has no end by itself
+    unsigned __int64 Slot() const { return m_slot; }        // readings whose time has come
     const GapKeeper* Gaps() const { return m_gaps.get(); }
 
     // How late answers come: how many did, and the longest, in ms.
@@ -127,6 +127,7 @@ private:
     void PassOver();
     void Lost(const Trouble& trouble, bool reading);
     void CatchUp(__int64 now);
+    void Silent(const Trouble& trouble);
     void Damaged(const Trouble& trouble);
     void MissReading(__int64 time, const Trouble& trouble);
     void MissOpenSlot();
@@ -149,13 +150,13 @@ private:
     std::unique_ptr<GapKeeper> m_gaps;
     bool m_begun = false, m_connected = false, m_over = false;
     Ended m_end = Ended::AsPlanned;
-    __int64 m_started = 0;       // steady, of the first reading
+    __int64 m_started = 0;        // steady, of the first reading
     unsigned __int64 m_slot = 0;  // the reading that is to be made next
-    bool m_slotFailed = false;   // it was tried in vain
-    bool m_lost = false;         // nothing has come since the last failure
-    bool m_rowMissing = false;   // a row says so
-    __int64 m_lastTime = 0;      // of a row that was handed on
-    __int64 m_lastValue = 0;     // steady; when a value last came
+    bool m_slotFailed = false;    // it was tried in vain
+    bool m_lost = false;          // nothing has come since the last failure
+    bool m_rowMissing = false;    // a row says so
+    __int64 m_lastTime = 0;       // of a row that was handed on
+    __int64 m_lastValue = 0;      // steady; when a value last came
     __int64 m_retryAt = 0, m_pause = 0;
     unsigned __int64 m_made = 0, m_missing = 0;
     std::string m_failure;

@@ -232,7 +232,7 @@ void LoggerRun::OnGap(const CRecordedGap& gap) {
     const std::string sentence = ::Say(Text::ChannelsFail, {ChannelNames(gap.channels, *m_session), ToUtf8(gap.text)});
     m_report.why = sentence;
     // A channel that never works is seen at once; one that fails now and then is told once.
-    if (m_told.size() < kMostTold && m_told.insert({gap.channels, gap.text}).second) Say(sentence);
+    if (m_told.size() < kMostTold && m_told.insert({gap.channels, GapKeeper::KindOf(gap.text)}).second) Say(sentence);
 }
 
 void LoggerRun::OnEvent(const CRecordedEvent& event) {

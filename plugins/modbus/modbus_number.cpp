@@ -95,8 +95,7 @@ std::string DigitsOf(const Channel& channel, const std::vector<WORD>& registers)
     if (!std::isfinite(value)) return "nan";
     constexpr int kSure = 15, kAll = 17;
     const bool isFloat = channel.type == ValueType::Float32 || channel.type == ValueType::Float64;
-    if (!isFloat) return Plain(Rounded(value, kSure));
-    int digits = 1;
+    int digits = isFloat ? 1 : kSure;
     while (digits < kAll && Encode(channel, Rounded(value, digits)) != registers) ++digits;
     return Plain(Rounded(value, digits));
 }

@@ -28,7 +28,8 @@ struct Decimal {
 // 64-bit whole numbers without scale and offset are taken to their last digit, all others as a double.
 std::vector<WORD> RegistersFor(const Channel& channel, std::string_view number);
 // What registers hold, whether or not it is one of the numbers for "no value": of a float the shortest number that gives it, of
-// a 64-bit whole number without scale and offset every digit, of others up to fifteen. "nan" for what is no number.
+// a 64-bit whole number without scale and offset every digit, of others fifteen, or as many more as tell it from its neighbours.
+// "nan" for what is no number.
 std::string DigitsOf(const Channel& channel, const std::vector<WORD>& registers);
 
 }  // namespace modbus

@@ -176,7 +176,8 @@ bool Stream::Take(Heard heard, const std::vector<BYTE>& due, std::vector<Outcome
     const bool meant = group ? !m_lines.empty() || first || bad.why == Sentence::WrongChecksum
                              : bad.code == 0 || IsMeant(m_description, m_leads, heard.line.text);
     m_lines.clear();
-    failure = std::move(bad);
+    // Once its lines are known, another sentence is no reason for silence.
+    if (meant || m_leads.empty()) failure = std::move(bad);
     return meant;
 }
 

@@ -313,6 +313,7 @@ TEST(ModbusWriting, SetsAndReadsBack) {
                 {"nNumber=40001; sType=uint64", "16", "18446744073709551616", nullptr, 0},
                 {"nNumber=40001; sType=uint64", "16", "0.5", nullptr, 0},
                 {"nNumber=40001; sType=uint64; rScale=0.001", "16", "12345.678", nullptr, 16},
+                {"nNumber=40001; sType=uint64; rScale=0.001", "16", "4503599627370.497", nullptr, 16},
                 {"nNumber=40001; sType=uint64; rScale=0.001", "16", "90071992547410.993", nullptr, 0},
                 {"nNumber=40001; sType=int64", "16", "-9223372036854775808", nullptr, 16},
                 {"nNumber=40001; sType=bcd32", "16", "12345678", nullptr, 16},

@@ -266,26 +266,31 @@ TEST_F(MeasurementTest, APatientOneWaitsForItsPort) {
     EXPECT_EQ(sink.gaps[0].missed, 2u);
 }
 
-// One that talks by itself is not let go for a line that is damaged: the next one follows it.
+// One that talks by itself is not let go for a line that is damaged, nor for its silence: the next one follows it.
 TEST_F(MeasurementTest, FollowsALogger) {
     logger.follows = true;
     logger.read = [&](int number, CDoubleArray&) {
         clock.now += kSecond;
+        if (number == 4 || number == 5) Silent();
         logger.watch->OnAnswer(static_cast<DWORD>(kSecond / 4));
-        if (number == 2 || number == 3) OrvikThrowCommException(CCommException::BadProtocol, "checksum");
+        if (number == 2) OrvikThrowCommException(CCommException::BadProtocol, "checksum of \"a\"");
+        if (number == 3) OrvikThrowCommException(CCommException::BadProtocol, "checksum of \"b\"");
     };
     plan.interval = 0;
     plan.count = 5;
     plan.follow = true;
     Run();
     EXPECT_EQ(logger.connects.size(), 1u);
-    EXPECT_EQ(sink.Values(), (std::vector<double>{1, 4, 5}));
+    EXPECT_EQ(sink.Values(), (std::vector<double>{1, 6}));
     EXPECT_EQ(sink.rows[0].time, kBegun + kSecond * 3 / 4);
-    ASSERT_EQ(sink.gaps.size(), 1u);
-    EXPECT_EQ(sink.gaps[0].missed, 2u);
-    EXPECT_EQ(sink.gaps[0].text, "checksum");
-    EXPECT_EQ(sink.gaps[0].until, kBegun + 3 * kSecond - kSecond / 4);
-    EXPECT_EQ(measurement->Missing(), 2u);
+    ASSERT_EQ(sink.gaps.size(), 3u);
+    EXPECT_EQ(sink.gaps[0].text, "checksum of \"a\"");
+    EXPECT_EQ(sink.gaps[0].until, kBegun + 2 * kSecond - kSecond / 4);
+    EXPECT_EQ(sink.gaps[2].missed, 1u);
+    EXPECT_EQ(sink.gaps[2].until, kBegun + 5 * kSecond);
+    EXPECT_EQ(sink.Kinds(), (std::vector<WORD>{RE_CONNECTED, RE_LOST, RE_CONNECTED, RE_ENDED}));
+    EXPECT_EQ(measurement->Missing(), 3u);
+    EXPECT_EQ(measurement->Gaps()->Counts().size(), 2u);  // what differs in quotes alone is one cause
 }
 
 // What is too late because something damaged came has that for its cause.
