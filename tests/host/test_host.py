@@ -23,6 +23,7 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 
 import simulated_line
+import wine_stderr
 from simulated_line import SimulatedLine
 from time_limit import limit
 
@@ -73,15 +74,8 @@ class HostTest(unittest.TestCase):
         errors = self.folder / "stderr.txt"
         done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(language, WINE_STDERR=str(errors), **more), timeout=120,
                               capture_output=True, input=typed, encoding="utf-8", errors="replace")
-        said = done.stderr
-        # Wine may write a moment after the program's end; who fails has something to say.
-        for _ in range(20 if options.wine and done.returncode != 0 else 0):
-            if errors.exists() and errors.stat().st_size > 0:
-                break
-            time.sleep(0.1)
-        if options.wine and errors.exists():
-            said += errors.read_text(encoding="utf-8", errors="replace")
-            errors.unlink()
+        # Who fails has something to say.
+        said = done.stderr + (wine_stderr.take(errors, done.returncode != 0) if options.wine else "")
         return Result(done.returncode, done.stdout, said)
 
     def refused(self, code, *words, **more):
