@@ -2,7 +2,7 @@
 #include <new>
 
 #include "host/command_line/commands.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/arguments.h"
 
 namespace {

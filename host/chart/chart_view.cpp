@@ -8,7 +8,7 @@
 #include "chart/floating_tag.h"
 #include "host/chart/dashed_line.h"
 #include "host/chart/time_ticks.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/picture.h"
 
 namespace {

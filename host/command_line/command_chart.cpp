@@ -3,13 +3,13 @@
 #include <charconv>
 
 #include "host/chart/chart_file.h"
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
-#include "host/command_line/time_input.h"
 #include "host/session/database_file.h"
 #include "host/session/session_file.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
+#include "host/words/time_input.h"
 #include "platform/picture.h"
 
 namespace {

@@ -4,16 +4,16 @@
 #include <thread>
 
 #include "host/chart/chart_file.h"
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/logger/simulated_line.h"
 #include "host/measurement/download.h"
+#include "host/measurement/replaceable_file.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
-#include "host/session/replaceable_file.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 void MakeFolder(const std::string& folder) {

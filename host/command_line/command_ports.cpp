@@ -4,9 +4,9 @@
 
 #include "afx/array.h"
 #include "comm/serial_device.h"
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 #include "platform/port_holder.h"
 
 namespace {

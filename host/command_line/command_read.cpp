@@ -1,14 +1,14 @@
 // read: one reading of a logger, shown and kept nowhere.
 #include <algorithm>
 
-#include "host/command_line/arguments.h"
+#include "host/app/stop_request.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
-#include "host/measurement/reading_writer.h"
+#include "host/session/reading_writer.h"
 #include "host/session/value_text.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 // Keeps the one reading, and what is missing of it.

@@ -1,7 +1,7 @@
 #include "host/gui/about_dialog.h"
 
 #include "frame/version.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "res/ids.h"
 #include "ui/version_info.h"
 

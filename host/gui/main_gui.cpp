@@ -4,8 +4,8 @@
 
 #include "afx/exception.h"
 #include "comm/task.h"
-#include "host/command_line/arguments.h"
 #include "host/gui/main_window.h"
+#include "host/words/arguments.h"
 #include "platform/arguments.h"
 
 namespace {

@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "comm/serial_device.h"
-#include "host/command_line/console.h"
 #include "host/gui/main_window.h"
+#include "host/words/console.h"
 
 std::string MainWindow::ItemText(const MenuCommand& command) const {
     const ViewHistory& history = const_cast<MainWindow*>(this)->m_document.History();

@@ -4,7 +4,7 @@
 
 #include "afx/message_box.h"
 #include "host/gui/value_list.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "time/number_text.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "host/gui/range_dialogs.h"
 
 #include "afx/message_map.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "res/ids.h"
 #include "ui/dialog_data_exchange.h"
 

@@ -4,8 +4,8 @@
 #include <charconv>
 #include <cmath>
 
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr int kDragMoves = 5;  // a drag is drawn on its way, not only at its end

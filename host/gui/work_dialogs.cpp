@@ -5,7 +5,7 @@
 #include "afx/message_map.h"
 #include "host/gui/file_dialog.h"
 #include "host/measurement/download.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/picture.h"
 #include "res/ids.h"
 #include "ui/dialog_data_exchange.h"

@@ -1,11 +1,11 @@
 #include "host/logger/logger_file.h"
 
 #include "comm/comm_exception.h"
-#include "host/command_line/console.h"
-#include "host/logger/channel_intervals.h"
 #include "host/logger/description_check.h"
+#include "host/session/channel_intervals.h"
 #include "host/session/database_file.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 void AddChannel(CPropertyDB& db, const char* key, const char* name, const char* unit, unsigned short number, const char* type,

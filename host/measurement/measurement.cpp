@@ -6,8 +6,8 @@
 #include <limits>
 
 #include "comm/comm_exception.h"
-#include "host/logger/channel_intervals.h"
-#include "host/texts.h"
+#include "host/session/channel_intervals.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr __int64 kSecond = 1'000'000;

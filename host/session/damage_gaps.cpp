@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 std::optional<CRecordedGap> DamageGaps::Before(__int64 time) {
     const unsigned __int64 bytes = std::exchange(m_bytes, 0);

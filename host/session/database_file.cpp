@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "host/command_line/console.h"
 #include "host/session/database_xml.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "platform/file_replacement.h"
 #include "platform/same_file.h"
 

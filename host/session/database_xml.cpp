@@ -6,7 +6,7 @@
 
 #include "afx/collections.h"
 #include "frame/numeric_arrays.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 namespace {
 using Said = Text;  // a member below is called Text, too

@@ -9,9 +9,9 @@
 
 #include "afx/collections.h"
 #include "frame/numeric_arrays.h"
-#include "host/command_line/console.h"
 #include "host/session/column_format.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
 #include "time/locale_cache.h"

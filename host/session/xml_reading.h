@@ -5,7 +5,7 @@
 #include <exception>
 
 #include "host/session/xml_document.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 class XmlReading {
 public:

@@ -4,12 +4,12 @@
 
 #include "afx/collections.h"
 #include "afx/file.h"
-#include "host/command_line/console.h"
-#include "host/command_line/json_text.h"
 #include "host/session/database_file.h"
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/json_text.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr const char* kStates[] = {"starting", "reads", "partly", "silent", "nofile", "over"};

@@ -5,7 +5,7 @@
 
 #include "host/session/database_file.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "tests/host/sentence_of.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Spans and sizes as people type them.
-#include "host/command_line/span_words.h"
+#include "host/words/span_words.h"
 
 #include <gtest/gtest.h>
 

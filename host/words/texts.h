@@ -7,12 +7,12 @@
 
 enum class Text {
 #define HOST_TEXT(name, english, swedish) name,
-#include "host/texts.def"
+#include "host/words/texts.def"
 #undef HOST_TEXT
 };
 
-// The text with %1, %2 ... replaced. An argument is never itself searched for places. "{1:reading|readings}" is the word for as many
-// as %1 says: the first for "1", else the second.
+// The text with %1, %2 ... replaced. An argument is never itself searched for places. "{1:reading|readings}" is the word for as
+// many as %1 says: the first for "1", else the second.
 std::string Say(Text text, std::initializer_list<std::string_view> arguments = {});
 
 // Why a file operation failed, for use inside a sentence, by the system's error code.

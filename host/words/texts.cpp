@@ -1,4 +1,4 @@
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@ struct Pair {
 };
 constexpr Pair kTexts[] = {
 #define HOST_TEXT(name, english, swedish) {english, swedish},
-#include "host/texts.def"
+#include "host/words/texts.def"
 #undef HOST_TEXT
 };
 

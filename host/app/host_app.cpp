@@ -1,11 +1,11 @@
-#include "host/host_app.h"
+#include "host/app/host_app.h"
 
 #include <cstring>
 
 #include "frame/app_stock.h"
 #include "frame/module.h"
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "time/locale_cache.h"
 
 CHostApp::CHostApp() {

@@ -1,4 +1,4 @@
-#include "host/command_line/span_words.h"
+#include "host/words/span_words.h"
 
 #include <charconv>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "host/measurement/reading_writer.h"
+#include "host/session/reading_writer.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,11 +7,11 @@
 #include <optional>
 #include <set>
 
-#include "host/command_line/console.h"
-#include "host/command_line/json_text.h"
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/json_text.h"
+#include "host/words/texts.h"
 
 namespace {
 std::string HeadingOf(const Session::Channel& channel) {
