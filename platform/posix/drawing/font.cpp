@@ -10,6 +10,7 @@
 #include <list>
 #include <numbers>
 
+#include "platform/posix/text/letters_internal.h"
 #include "platform/posix/text/text_internal.h"
 
 namespace orvik::detail {
@@ -184,6 +185,20 @@ int FontFace::Extent(std::string_view text) const {
     int64_t extent = 0;
     for (const char character : text) extent += Advance(character);
     return static_cast<int>(std::min<int64_t>(extent, 0x7FFFFFF));
+}
+
+std::vector<LetterPlace> FontFace::Letters(std::string_view text) const {
+    const std::vector<size_t> starts = LetterStarts(text);
+    std::vector<LetterPlace> letters;
+    letters.reserve(starts.size());
+    int left = 0;
+    for (size_t i = 0; i < starts.size(); ++i) {
+        const size_t end = i + 1 < starts.size() ? starts[i + 1] : text.size();
+        const int width = Extent(text.substr(starts[i], end - starts[i]));
+        letters.push_back({starts[i], left, width, false});
+        left += width;
+    }
+    return letters;
 }
 
 POINT FontFace::Step(int along, int down) const {

@@ -20,6 +20,13 @@ struct GlyphImage {
     std::vector<uint8_t> coverage;
 };
 
+// A letter of a text as it is drawn, in pixels from the text's left end.
+struct LetterPlace {
+    size_t begin;  // the byte
+    int left, width;
+    bool rightToLeft;
+};
+
 class FontFace {
 public:
     explicit FontFace(const LOGFONTA& description);
@@ -31,6 +38,8 @@ public:
     const TEXTMETRICA& Metrics() const { return m_metrics; }
     int Advance(char character) const { return m_advances[static_cast<unsigned char>(character)]; }
     int Extent(std::string_view text) const;
+    // The letters in the order of their bytes.
+    std::vector<LetterPlace> Letters(std::string_view text) const;
     // The glyph of a character, turned as the font is. The picture is made at the first call.
     const GlyphImage& Glyph(char character) const;
     // A step of so many pixels along the base line and across it (down), as a turned font has it.
