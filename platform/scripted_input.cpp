@@ -1,5 +1,7 @@
 #include "platform/scripted_input.h"
 
+#include "platform/house_text_internal.h"
+
 namespace {
 UINT PointerMessage() {
     static const UINT s_message = RegisterWindowMessageA("OrvikScriptedPointer");
@@ -199,8 +201,17 @@ BOOL OrvikPostKey(HWND window, UINT key, BOOL down) {
 }
 
 BOOL OrvikPostText(HWND window, LPCSTR text) {
-    for (; text != nullptr && *text != 0; ++text) {
-        if (!PostStep(window, CharMessage(), static_cast<unsigned char>(*text), 1)) return FALSE;
+    if (text == nullptr) return TRUE;
+    if (!orvik::detail::HouseIsUtf8()) {
+        for (; *text != 0; ++text)
+            if (!PostStep(window, CharMessage(), static_cast<unsigned char>(*text), 1)) return FALSE;
+        return TRUE;
+    }
+    for (std::string_view rest = text; !rest.empty();) {
+        const char32_t character = orvik::detail::TakeHouse(rest);
+        const char32_t high = 0xD800 + ((character - 0x10000) >> 10), low = 0xDC00 + ((character - 0x10000) & 0x3FF);
+        if (character >= 0x10000 && !PostStep(window, CharMessage(), high, 1)) return FALSE;
+        if (!PostStep(window, CharMessage(), character < 0x10000 ? character : low, 1)) return FALSE;
     }
     return TRUE;
 }

@@ -1,7 +1,5 @@
 #include "host/app/host_app.h"
 
-#include <cstring>
-
 #include "frame/app_stock.h"
 #include "frame/module.h"
 #include "host/words/console.h"
@@ -54,7 +52,8 @@ void CHostApp::Trace(const char* text, ...) {
     const std::lock_guard lock(m_traceLock);
     if (m_trace == nullptr) return;
     try {
-        m_trace->Write(text, static_cast<UINT>(std::strlen(text)));
+        const std::string line = ToUtf8(text);
+        m_trace->Write(line.data(), static_cast<UINT>(line.size()));
         m_trace->Write("\n", 1);
     } catch (CFileException* failure) {
         // A full disk must not end the reading of a logger; StopTrace tells.

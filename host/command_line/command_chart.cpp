@@ -42,10 +42,7 @@ void AddTag(ChartModel& model, const std::string& argument) {
     const std::string number = argument.substr(first + 1, second - first - 1);
     double value = 0;
     if (!RealFromText(ToUtf8(number), value)) throw Failure{kWrongUse, Say(Text::TagValue, {ToUtf8(number)})};
-    std::string text;
-    if (!FromUtf8(ToUtf8(argument.substr(second + 1)), text))
-        throw Failure{kWrongUse, Say(Text::TextNotHeld, {argument.substr(second + 1)})};
-    model.AddTag(time, value, text);
+    model.AddTag(time, value, ToUtf8(argument.substr(second + 1)));
 }
 }  // namespace
 

@@ -51,8 +51,7 @@ void TagLowest(const Session& session, ChartModel& model, CPropertyDB& db) {
     const double* const lowest = std::min_element(values, values + session.Count(),
                                                   [](double a, double b) { return a < b || (std::isnan(b) && !std::isnan(a)); });
     if (!std::isfinite(*lowest)) return;
-    std::string text;
-    if (!FromUtf8(Say(Text::Lowest, {ShortTextOf(*lowest), ToUtf8(channel.unit)}), text)) return;
+    const std::string text = Say(Text::Lowest, {ShortTextOf(*lowest), ToUtf8(channel.unit)});
     model.AddTag(session.Times().GetAt(lowest - values), *lowest, text);
     db.SetValue("Session.sOwnComment", text.c_str());
 }

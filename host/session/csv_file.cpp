@@ -115,7 +115,7 @@ private:
         m_db.SetPath("Channels");
         for (size_t i = 1; i < m_fields.size(); ++i) {
             std::string name, unit;
-            if (!FromUtf8(m_fields[i], name) && !m_fields[i].empty()) Fail(Text::CsvLetters);
+            if (!FromUtf8(m_fields[i], name)) Fail(Text::CsvLetters);
             const size_t bracket = name.rfind(" [");
             if (bracket != std::string::npos && name.back() == ']') {
                 unit = name.substr(bracket + 2, name.size() - bracket - 3);

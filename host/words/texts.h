@@ -18,13 +18,8 @@ std::string Say(Text text, std::initializer_list<std::string_view> arguments = {
 // Why a file operation failed, for use inside a sentence, by the system's error code.
 std::string Reason(unsigned long error);
 
-// Characters, not bytes, of UTF-8 text: what it is wide in a column.
-size_t WidthOf(std::string_view utf8);
-
-// Between this house's Windows-1252 text and the terminal's UTF-8.
-std::string ToUtf8(std::string_view houseText);
-// False when the text holds characters that Windows-1252 lacks; `houseText` is then unchanged.
-bool FromUtf8(std::string_view utf8, std::string& houseText);
-// As windows take it. Text that Windows-1252 cannot say stays as it is, which is better than nothing to read.
-std::string ToHouse(std::string_view utf8);
-std::string HouseText(Text text, std::initializer_list<std::string_view> arguments = {});
+// The host chooses UTF-8 (platform/house_text.h), so that its own texts are what terminals and files take. Texts of others, names
+// of files among them, may hold bytes that are none: here each becomes the Windows-1252 character of its value.
+std::string ToUtf8(std::string_view text);
+// False when the text is no UTF-8; `text` is then unchanged.
+bool FromUtf8(std::string_view utf8, std::string& text);
