@@ -73,11 +73,12 @@ std::string PdfUtf16(const std::string& utf8) {
 
 std::string PdfCode(uint32_t glyph) { return Hex(glyph); }
 
-size_t PdfFonts::Use(const PageGlyph& glyph) {
+size_t PdfFonts::Use(const PageGlyph& glyph, bool alone) {
     auto known =
         std::find_if(m_fonts.begin(), m_fonts.end(), [&](const Font& font) { return font.font->key == glyph.font->key; });
     if (known == m_fonts.end()) known = m_fonts.insert(m_fonts.end(), {glyph.font, {}});
-    known->glyphs.emplace(glyph.glyph, glyph.says);
+    std::string& says = known->glyphs[glyph.glyph];
+    if (alone && says.empty()) says = glyph.says;
     return static_cast<size_t>(known - m_fonts.begin());
 }
 

@@ -12,9 +12,9 @@ class PdfFonts {
 public:
     static constexpr size_t kObjectsEach = 5;
 
-    // Notes a glyph that is in use. The number of its font, from 0.
-    size_t Use(const PageGlyph& glyph);
-    // What a reader takes the glyph for: what it said at first.
+    // Notes a glyph that is in use; `alone` where it says its text without others. The number of its font, from 0.
+    size_t Use(const PageGlyph& glyph, bool alone);
+    // What readers take the glyph for: what it first said alone.
     const std::string& Says(size_t font, uint32_t glyph) const { return m_fonts[font].glyphs.at(glyph); }
 
     size_t Count() const { return m_fonts.size(); }

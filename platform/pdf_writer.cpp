@@ -208,22 +208,20 @@ private:
         m_text += ") Tj\n";
     }
 
-    // Glyph by glyph at its place. A letter whose glyphs say another text elsewhere has its own told beside it.
+    // Glyph by glyph at its place. What several glyphs say together, or a glyph that says another text elsewhere, is told beside.
     void ShowCarried(const PageLine& line, double size) {
         double pen = 0, rise = 0;
         size_t current = static_cast<size_t>(-1);
         for (size_t first = 0, next = 0; first < line.glyphs.size(); first = next) {
-            std::string told;
-            do {
-                const PageGlyph& glyph = line.glyphs[next];
-                told += m_fonts.Says(m_fonts.Use(glyph), glyph.glyph);
-            } while (++next < line.glyphs.size() && line.glyphs[next].says.empty());
-            const std::string& says = line.glyphs[first].says;
-            const bool beside = told != says;
-            if (beside) m_text += "/Span << /ActualText <FEFF" + PdfUtf16(says) + "> >> BDC\n";
+            do ++next;
+            while (next < line.glyphs.size() && line.glyphs[next].says.empty());
+            const PageGlyph& head = line.glyphs[first];
+            const bool alone = next == first + 1;
+            const bool beside = m_fonts.Says(m_fonts.Use(head, alone), head.glyph) != head.says || !alone;
+            if (beside) m_text += "/Span << /ActualText <FEFF" + PdfUtf16(head.says) + "> >> BDC\n";
             for (size_t i = first; i < next; ++i) {
                 const PageGlyph& glyph = line.glyphs[i];
-                const size_t font = m_fonts.Use(glyph);
+                const size_t font = m_fonts.Use(glyph, alone);
                 if (font != current) m_text += "/C" + std::to_string(font) + ' ' + Numbers({size}) + "Tf\n";
                 current = font;
                 if (glyph.y != rise) m_text += Numbers({glyph.y * size / 1000}) + "Ts\n";

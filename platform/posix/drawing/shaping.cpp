@@ -79,6 +79,8 @@ Shaper::Shaper(const TextFont& font, cairo_scaled_font_t* upright, cairo_scaled_
     cairo_text_extents_t extents;
     cairo_scaled_font_glyph_extents(upright, &box, 1, &extents);
     m_boxWidth = static_cast<int>(std::lround(extents.x_advance));
+    cairo_scaled_font_text_extents(upright, " ", &extents);
+    m_blankWidth = static_cast<int>(std::lround(extents.x_advance));
     m_fonts.push_back({nullptr, turned, false, nullptr});
 
     std::string families = font.family;  // first what stands in for the one that was asked for
@@ -193,6 +195,11 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
                 if ((glyph.glyph & PANGO_GLYPH_UNKNOWN_FLAG) != 0) {
                     shaped.glyphs.push_back({0, 0, pixel(pen), 0, letter, from, to});
                     pen += m_boxWidth / m_across;
+                    continue;
+                }
+                // Pango takes a blank from the font before it, where it may be as wide as an emoji.
+                if (utf8[item->offset + cluster] == ' ' && next - first == 1) {
+                    pen += m_blankWidth / m_across;
                     continue;
                 }
                 if (glyph.glyph != PANGO_GLYPH_EMPTY)

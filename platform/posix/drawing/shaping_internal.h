@@ -61,7 +61,7 @@ private:
     ShapedText ShapeAnew(std::string_view text);
 
     const double m_across, m_angle;
-    int m_boxWidth = 0;
+    int m_boxWidth = 0, m_blankWidth = 0;
     PangoContext* m_context = nullptr;
     std::vector<Font> m_fonts;
     std::unordered_map<std::string, std::shared_ptr<const ShapedText>> m_texts;
