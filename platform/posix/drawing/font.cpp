@@ -68,6 +68,8 @@ struct FontFace::Native {
     cairo_scaled_font_t* turned = nullptr;   // for pictures
     std::array<unsigned long, 256> glyphs{};
     double across = 1;  // times wider than designed
+    std::string file;
+    int index = 0;
 
     Native() = default;
     Native(const Native&) = delete;
@@ -97,6 +99,9 @@ FontFace::FontFace(const LOGFONTA& description) {
         if (FcPatternGetString(found, FC_FAMILY, 0, &family) == FcResultMatch)
             m_font.family = reinterpret_cast<const char*>(family);
         auto native = std::make_unique<Native>();
+        FcChar8* file = nullptr;
+        if (FcPatternGetString(found, FC_FILE, 0, &file) == FcResultMatch) native->file = reinterpret_cast<const char*>(file);
+        FcPatternGetInteger(found, FC_INDEX, 0, &native->index);
         native->face = cairo_ft_font_face_create_for_pattern(found);
         FcPatternDestroy(found);
         if (height > 0) {  // the height of a cell: the em that has it
@@ -200,8 +205,9 @@ std::shared_ptr<const ShapedText> FontFace::Shape(std::string_view text) const {
     }
     const std::lock_guard guard(m_lock);
     if (m_shaper == nullptr)
-        m_shaper = std::make_unique<Shaper>(m_font, m_native->upright, m_native->turned, m_native->across,
-                                            m_font.escapement * std::numbers::pi / 1800);
+        m_shaper = std::make_unique<Shaper>(
+            m_font, OwnFont{m_native->upright, m_native->turned, m_native->across, m_font.escapement * std::numbers::pi / 1800,
+                            m_native->glyphs, m_advances, m_native->file, m_native->index});
     return m_shaper->Shape(text);
 }
 

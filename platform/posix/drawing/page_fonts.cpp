@@ -1,10 +1,8 @@
 // Fonts for pages: shaped as for pixels, at a size at which a pixel is a thousandth of an em; cut down by HarfBuzz.
 #include "platform/page_fonts_internal.h"
 
-#include <fontconfig/fontconfig.h>
 #include <hb-ot.h>
 #include <hb-subset.h>
-#include <pango/pangofc-font.h>
 
 #include <algorithm>
 #include <cmath>
@@ -92,16 +90,14 @@ private:
 
 }  // namespace
 
-std::shared_ptr<const PageFont> MakePageFont(PangoFont* font) {
-    std::string file;
-    if (FcPattern* pattern = pango_fc_font_get_pattern(PANGO_FC_FONT(font))) {
-        FcChar8* path = nullptr;
-        int index = 0;
-        if (FcPatternGetString(pattern, FC_FILE, 0, &path) == FcResultMatch) file = reinterpret_cast<const char*>(path);
-        FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
-        file += '#' + std::to_string(index);
-    }
-    return std::make_shared<MachineFont>(hb_font_get_face(pango_font_get_hb_font(font)), std::move(file));
+std::shared_ptr<const PageFont> MakePageFont(const std::string& file, int index) {
+    constexpr unsigned kInstance = 0xFFFF;  // above it a variable font's design
+    hb_blob_t* blob = hb_blob_create_from_file(file.c_str());
+    hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(index) & kInstance);
+    hb_blob_destroy(blob);
+    auto font = std::make_shared<MachineFont>(face, file + '#' + std::to_string(index));
+    hb_face_destroy(face);
+    return font;
 }
 
 PageLine ShapeForPage(const VectorText& text) {

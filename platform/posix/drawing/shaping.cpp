@@ -73,15 +73,12 @@ ShapedText ShapedText::Spread(const std::vector<int>& widths) const {
     return spread;
 }
 
-Shaper::Shaper(const TextFont& font, cairo_scaled_font_t* upright, cairo_scaled_font_t* turned, double across, double angle)
-    : m_across(across), m_angle(angle) {
+Shaper::Shaper(const TextFont& font, const OwnFont& own) : m_own(own) {
     cairo_glyph_t box{0, 0, 0};
     cairo_text_extents_t extents;
-    cairo_scaled_font_glyph_extents(upright, &box, 1, &extents);
+    cairo_scaled_font_glyph_extents(own.upright, &box, 1, &extents);
     m_boxWidth = static_cast<int>(std::lround(extents.x_advance));
-    cairo_scaled_font_text_extents(upright, " ", &extents);
-    m_blankWidth = static_cast<int>(std::lround(extents.x_advance));
-    m_fonts.push_back({nullptr, turned, false, nullptr});
+    m_fonts.push_back({nullptr, own.turned, false, nullptr});
 
     std::string families = font.family;  // first what stands in for the one that was asked for
     for (const std::string& family : FamiliesOf(font.asked)) families += ',' + family;
@@ -115,16 +112,16 @@ size_t Shaper::FontOf(PangoFont* font) {
     if (known != m_fonts.end()) return static_cast<size_t>(known - m_fonts.begin());
     Font added{static_cast<PangoFont*>(g_object_ref(font)), nullptr, false, nullptr};
     if (cairo_scaled_font_t* upright = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(font))) {
-        if (m_angle == 0 && m_across == 1) {
+        if (m_own.angle == 0 && m_own.across == 1) {
             added.turned = cairo_scaled_font_reference(upright);
         } else {
             cairo_matrix_t size, turn, identity;
             cairo_scaled_font_get_font_matrix(upright, &size);
-            cairo_matrix_init_rotate(&turn, -m_angle);
-            cairo_matrix_scale(&turn, m_across, 1);
+            cairo_matrix_init_rotate(&turn, -m_own.angle);
+            cairo_matrix_scale(&turn, m_own.across, 1);
             cairo_matrix_multiply(&size, &size, &turn);
             cairo_matrix_init_identity(&identity);
-            cairo_font_options_t* options = FontOptions(m_angle == 0);
+            cairo_font_options_t* options = FontOptions(m_own.angle == 0);
             added.turned = cairo_scaled_font_create(cairo_scaled_font_get_font_face(upright), &size, &identity, options);
             cairo_font_options_destroy(options);
         }
@@ -168,7 +165,7 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
     const char* const utf8 = paragraph.utf8.c_str();
     const int length = static_cast<int>(paragraph.utf8.size());
     double pen = 0;  // in pixels of an unstretched font
-    const auto pixel = [&](double place) { return static_cast<int>(std::lround(std::clamp(place * m_across, -1e8, 1e8))); };
+    const auto pixel = [&](double place) { return static_cast<int>(std::lround(std::clamp(place * m_own.across, -1e8, 1e8))); };
     GList* parts = length == 0
                        ? nullptr
                        : pango_itemize_with_base_dir(m_context, PANGO_DIRECTION_LTR, utf8, 0, length, Attributes(), nullptr);
@@ -189,17 +186,24 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
             const size_t to = lastByte + 1 < paragraph.from.size() ? paragraph.from[lastByte + 1] : text.size();
             const size_t begin = letterOf(from), end = letterOf(paragraph.from[lastByte]) + 1;
             const int left = pixel(pen);
-            for (int i = first; i < next; ++i) {
+            // A letter that the face has by itself looks as it does in plain texts; and pango would take a blank from the font
+            // before it, where it may be as wide as an emoji.
+            std::string_view said(utf8 + item->offset + cluster, static_cast<size_t>(behind - cluster));
+            const int plain = ByteFromUnicode(TakeUtf8(said));
+            const bool whole = from == starts[begin] && to == (begin + 1 < starts.size() ? starts[begin + 1] : text.size());
+            const bool own = whole && plain >= ' ' && said.empty() && (!rightToLeft || plain == ' ') &&
+                             m_own.glyphs[static_cast<size_t>(plain)] != 0;
+            if (own) {
+                shaped.glyphs.push_back({0, static_cast<uint32_t>(m_own.glyphs[static_cast<size_t>(plain)]), left, 0,
+                                         rightToLeft ? end - 1 : begin, from, to});
+                pen += m_own.advances[static_cast<size_t>(plain)] / m_own.across;
+            }
+            for (int i = first; i < next && !own; ++i) {
                 const PangoGlyphInfo& glyph = glyphs->glyphs[i];
                 const size_t letter = rightToLeft ? end - 1 : begin;
                 if ((glyph.glyph & PANGO_GLYPH_UNKNOWN_FLAG) != 0) {
                     shaped.glyphs.push_back({0, 0, pixel(pen), 0, letter, from, to});
-                    pen += m_boxWidth / m_across;
-                    continue;
-                }
-                // Pango takes a blank from the font before it, where it may be as wide as an emoji.
-                if (utf8[item->offset + cluster] == ' ' && next - first == 1) {
-                    pen += m_blankWidth / m_across;
+                    pen += m_boxWidth / m_own.across;
                     continue;
                 }
                 if (glyph.glyph != PANGO_GLYPH_EMPTY)
@@ -237,16 +241,21 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
 
 std::pair<std::shared_ptr<const PageFont>, uint32_t> Shaper::ForPage(const ShapedGlyph& glyph) {
     const std::lock_guard guard(PangoLock());
-    size_t index = glyph.font;
-    uint32_t number = glyph.glyph;
-    if (m_fonts[index].pango == nullptr || m_fonts[index].coloured) {  // pages carry outlines: a box stands for a picture
-        PangoFont* own = pango_context_load_font(m_context, pango_context_get_font_description(m_context));
-        if (own == nullptr) return {};
-        index = FontOf(own), number = 0;
-        g_object_unref(own);
+    // Pages carry outlines: the box stands for a picture.
+    const bool coloured = m_fonts[glyph.font].coloured;
+    Font& font = m_fonts[coloured ? 0 : glyph.font];
+    if (font.page == nullptr) {
+        FcPattern* pattern = font.pango != nullptr ? pango_fc_font_get_pattern(PANGO_FC_FONT(font.pango)) : nullptr;
+        FcChar8* file = nullptr;
+        int index = 0;
+        if (pattern == nullptr) {
+            font.page = MakePageFont(m_own.file, m_own.index);
+        } else if (FcPatternGetString(pattern, FC_FILE, 0, &file) == FcResultMatch) {
+            FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
+            font.page = MakePageFont(reinterpret_cast<const char*>(file), index);
+        }
     }
-    if (m_fonts[index].page == nullptr) m_fonts[index].page = MakePageFont(m_fonts[index].pango);
-    return {m_fonts[index].page, number};
+    return {font.page, coloured ? 0 : glyph.glyph};
 }
 
 std::shared_ptr<const GlyphImage> Shaper::Picture(const ShapedGlyph& glyph) {

@@ -6,6 +6,7 @@
 #include <cairo.h>
 #include <pango/pango.h>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -35,12 +36,22 @@ struct ShapedText {
     ShapedText Spread(const std::vector<int>& widths) const;
 };
 
+// What a face gives: its font upright, and turned by `angle` (radians, counter-clockwise), how many times wider than designed it
+// is drawn, and its glyphs (0: none) and their widths for the characters of Windows-1252.
+struct OwnFont {
+    cairo_scaled_font_t *upright, *turned;
+    double across, angle;
+    const std::array<unsigned long, 256>& glyphs;
+    const std::array<int, 256>& advances;
+    std::string file;
+    int index;  // within the file
+};
+
 // Shapes for one face, and keeps what it has shaped and drawn of late.
 class Shaper {
 public:
-    // The face's own fonts: upright, and turned by `angle` (radians, counter-clockwise). `across` is how many times wider than
-    // designed it is drawn. The fonts live longer than this.
-    Shaper(const TextFont& font, cairo_scaled_font_t* upright, cairo_scaled_font_t* turned, double across, double angle);
+    // What the face gives lives longer than this.
+    Shaper(const TextFont& font, const OwnFont& own);
     ~Shaper();
     Shaper(const Shaper&) = delete;
     Shaper& operator=(const Shaper&) = delete;
@@ -52,7 +63,7 @@ public:
 
 private:
     struct Font {
-        PangoFont* pango;  // null for the face's own, whose box stands for what is missing
+        PangoFont* pango;  // null for the face's own
         cairo_scaled_font_t* turned;
         bool coloured;
         std::shared_ptr<const PageFont> page;
@@ -60,8 +71,8 @@ private:
     size_t FontOf(PangoFont* font);
     ShapedText ShapeAnew(std::string_view text);
 
-    const double m_across, m_angle;
-    int m_boxWidth = 0, m_blankWidth = 0;
+    const OwnFont m_own;
+    int m_boxWidth = 0;  // of the own font's glyph 0, which stands for what is missing
     PangoContext* m_context = nullptr;
     std::vector<Font> m_fonts;
     std::unordered_map<std::string, std::shared_ptr<const ShapedText>> m_texts;
@@ -69,7 +80,7 @@ private:
     size_t m_pictureBytes = 0;
 };
 
-// Never null. The caller holds what keeps pango's fonts to one thread.
-std::shared_ptr<const PageFont> MakePageFont(PangoFont* font);
+// The font of a file. Never null; one that cannot be read has no glyphs.
+std::shared_ptr<const PageFont> MakePageFont(const std::string& file, int index);
 
 }  // namespace orvik::detail
