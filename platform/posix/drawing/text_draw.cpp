@@ -101,36 +101,60 @@ void ExpandTabs(const FontFace& face, TextLine& line) {
     line.text = std::move(wide);
 }
 
+// The letters of a text one after the other; no list is made where bytes are letters.
+class LetterRow {
+public:
+    LetterRow(const FontFace& face, std::string_view text) : m_face(face), m_text(text) {
+        if (!HouseIsUtf8()) return;
+        std::string room;
+        const auto plain = face.Plain(text, room);
+        m_bytes = plain && plain->data() == text.data() && text.find("\r\n") == text.npos;
+        if (!m_bytes) m_letters = face.Letters(text);
+    }
+    size_t Count() const { return m_bytes ? m_text.size() : m_letters.size(); }
+    int Width(size_t letter) const { return m_bytes ? m_face.Advance(m_text[letter]) : m_letters[letter].width; }
+    // The first byte; behind the last letter the text's length.
+    size_t Begin(size_t letter) const {
+        return m_bytes ? letter : letter < m_letters.size() ? m_letters[letter].begin : m_text.size();
+    }
+
+private:
+    const FontFace& m_face;
+    std::string_view m_text;
+    bool m_bytes = true;
+    std::vector<LetterPlace> m_letters;
+};
+
 // Splits a line where words end, so that every piece is at most `width` wide; a longer word stands alone.
 void BreakWords(const FontFace& face, const TextLine& whole, int width, std::vector<TextLine>& lines) {
-    const std::vector<LetterPlace> letters = face.Letters(whole.text);
+    const LetterRow letters(face, whole.text);
     const std::vector<size_t> breaks = BreaksBeyondBlanks(whole.text);
-    const auto byteOf = [&](size_t letter) { return letter < letters.size() ? letters[letter].begin : whole.text.size(); };
     size_t begin = 0;
     do {
         size_t end = begin, lastBreak = std::string::npos;
         int extent = 0;
-        while (end < letters.size()) {
-            const size_t byte = letters[end].begin;
+        while (end < letters.Count()) {
+            const size_t byte = letters.Begin(end);
             const bool blank = whole.text[byte] == ' ';
-            if (!blank && end > begin && std::binary_search(breaks.begin(), breaks.end(), byte)) lastBreak = end;
-            extent += letters[end].width;
+            if (!breaks.empty() && !blank && end > begin && std::binary_search(breaks.begin(), breaks.end(), byte))
+                lastBreak = end;
+            extent += letters.Width(end);
             if (extent > width && lastBreak != std::string::npos) break;
             if (blank && end > begin) lastBreak = end;
             ++end;
         }
         size_t next = end;
-        if (end < letters.size()) {
+        if (end < letters.Count()) {
             end = lastBreak;
             next = end;
-            while (next < letters.size() && whole.text[letters[next].begin] == ' ') ++next;
+            while (next < letters.Count() && whole.text[letters.Begin(next)] == ' ') ++next;
         }
-        const size_t from = byteOf(begin), to = byteOf(end);
+        const size_t from = letters.Begin(begin), to = letters.Begin(end);
         TextLine piece{whole.text.substr(from, to - from)};
         if (whole.mark != std::string::npos && whole.mark >= from && whole.mark < to) piece.mark = whole.mark - from;
         lines.push_back(std::move(piece));
         begin = next;
-    } while (begin < letters.size());
+    } while (begin < letters.Count());
 }
 
 std::vector<TextLine> LayOut(const FontFace& face, std::string_view text, int width, UINT format) {
@@ -162,12 +186,12 @@ void CutWithEllipsis(const FontFace& face, TextLine& line, int width) {
     if (face.Extent(line.text) <= width) return;
     constexpr std::string_view kEllipsis = "...";
     const int room = width - face.Extent(kEllipsis);
-    const std::vector<LetterPlace> letters = face.Letters(line.text);
+    const LetterRow letters(face, line.text);
     int extent = 0;
     size_t count = 0;
-    while (count < letters.size() && extent + letters[count].width <= room) extent += letters[count++].width;
-    if (count == 0 && !letters.empty()) count = 1;  // at least one letter shows
-    const size_t fit = count < letters.size() ? letters[count].begin : line.text.size();
+    while (count < letters.Count() && extent + letters.Width(count) <= room) extent += letters.Width(count++);
+    if (count == 0) count = 1;  // at least one letter shows
+    const size_t fit = letters.Begin(count);
     line.text = line.text.substr(0, fit) + std::string(kEllipsis);
     if (line.mark != std::string::npos && line.mark >= fit) line.mark = std::string::npos;
 }
@@ -328,14 +352,14 @@ BOOL GetTextExtentExPointA(HDC dc, LPCSTR text, int length, int maximum, int* fi
     const std::string_view bytes = length > 0 ? std::string_view(text, static_cast<size_t>(length)) : std::string_view();
     int count = 0;
     if (fit != nullptr || widths != nullptr) {
-        const std::vector<LetterPlace> letters = face.Letters(bytes);
+        const LetterRow letters(face, bytes);
         int extent = 0;
-        for (size_t i = 0; i < letters.size(); ++i) {
-            extent += letters[i].width;
+        for (size_t i = 0; i < letters.Count(); ++i) {
+            extent += letters.Width(i);
             if (fit != nullptr && maximum >= 0 && extent > maximum) break;
-            const int end = i + 1 < letters.size() ? static_cast<int>(letters[i + 1].begin) : length;
-            if (widths != nullptr) std::fill(widths + count, widths + end, extent);
-            count = end;
+            const int end = static_cast<int>(letters.Begin(i + 1));
+            for (; count < end; ++count)
+                if (widths != nullptr) widths[count] = extent;
         }
     }
     if (fit != nullptr) *fit = count;
