@@ -57,21 +57,23 @@ size_t SureStart(std::string_view text, size_t at) {
     return at;
 }
 
-UBreakIterator* Breaker() {
+// What ICU parts texts by; null where its data are missing.
+UBreakIterator* Breaker(UBreakIteratorType type) {
     struct Close {
         void operator()(UBreakIterator* iterator) const { ubrk_close(iterator); }
     };
-    thread_local std::unique_ptr<UBreakIterator, Close> breaker;
+    thread_local std::unique_ptr<UBreakIterator, Close> breakers[UBRK_SENTENCE + 1];
+    auto& breaker = breakers[type];
     if (breaker == nullptr) {
         UErrorCode error = U_ZERO_ERROR;
-        breaker.reset(ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &error));
+        breaker.reset(ubrk_open(type, "", nullptr, 0, &error));
         if (U_FAILURE(error)) breaker.reset();
     }
     return breaker.get();
 }
 
-// The starts of letters from `begin`, itself one, up to `end`, in order.
-std::vector<size_t> StartsWithin(std::string_view text, size_t begin, size_t end) {
+// The starts of parts, of letters by default, from `begin`, itself one, up to `end`, in order.
+std::vector<size_t> StartsWithin(std::string_view text, size_t begin, size_t end, UBreakIteratorType type = UBRK_CHARACTER) {
     std::u16string wide;
     std::vector<size_t> places;  // of each unit
     for (std::string_view rest = text.substr(begin, end - begin); !rest.empty();) {
@@ -87,7 +89,7 @@ std::vector<size_t> StartsWithin(std::string_view text, size_t begin, size_t end
         places.push_back(place);
     }
     UErrorCode error = U_ZERO_ERROR;
-    UBreakIterator* breaker = Breaker();
+    UBreakIterator* breaker = Breaker(type);
     std::vector<size_t> starts;
     if (breaker != nullptr) ubrk_setText(breaker, wide.data(), static_cast<int32_t>(wide.size()), &error);
     if (breaker == nullptr || U_FAILURE(error)) {  // the library's data are missing: characters are the next best
@@ -143,5 +145,12 @@ std::vector<size_t> LetterStarts(std::string_view text) {
     std::vector<size_t> starts(text.size());
     for (size_t i = 0; i < starts.size(); ++i) starts[i] = i;
     return starts;
+}
+
+std::vector<size_t> BreaksBeyondBlanks(std::string_view text) {
+    if (!HouseIsUtf8() || AsciiPrefix(text) == text.size()) return {};
+    std::vector<size_t> breaks = StartsWithin(text, 0, text.size(), UBRK_LINE);
+    std::erase_if(breaks, [text](size_t at) { return at == 0 || IsAscii(text, at) || IsAscii(text, at - 1); });
+    return breaks;
 }
 }  // namespace orvik::detail

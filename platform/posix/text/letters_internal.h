@@ -17,4 +17,6 @@ size_t LetterStart(std::string_view text, size_t at);
 size_t CountLetters(std::string_view text);
 // Where each letter begins, in order.
 std::vector<size_t> LetterStarts(std::string_view text);
+// Where a line may end without a blank, between characters beyond ASCII: between two of Chinese, or two words of Thai. In order.
+std::vector<size_t> BreaksBeyondBlanks(std::string_view text);
 }  // namespace orvik::detail
