@@ -139,6 +139,14 @@ size_t CountLetters(std::string_view text) {
     return StartsWithin(text, 0, text.size()).size();
 }
 
+size_t CopyLetters(std::string_view text, char* out, size_t size) {
+    if (out == nullptr || size == 0) return 0;
+    if (text.size() >= size) text = text.substr(0, LetterStart(text, size - 1));
+    text.copy(out, text.size());
+    out[text.size()] = 0;
+    return text.size();
+}
+
 std::vector<size_t> LetterStarts(std::string_view text) {
     if (HouseIsUtf8() && (AsciiPrefix(text) != text.size() || text.find("\r\n") != text.npos))
         return StartsWithin(text, 0, text.size());

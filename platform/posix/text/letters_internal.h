@@ -15,6 +15,9 @@ size_t PreviousLetter(std::string_view text, size_t at);
 // and has at most n bytes is text.substr(0, LetterStart(text, n)).
 size_t LetterStart(std::string_view text, size_t at);
 size_t CountLetters(std::string_view text);
+// Copies as much of the text as fits into `size` bytes, of which the last is 0, and cuts no letter. Returns the length; 0 without
+// room.
+size_t CopyLetters(std::string_view text, char* out, size_t size);
 // Where each letter begins, in order.
 std::vector<size_t> LetterStarts(std::string_view text);
 // Where a line may end without a blank, between characters beyond ASCII: between two of Chinese, or two words of Thai. In order.
