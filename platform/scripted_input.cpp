@@ -1,5 +1,7 @@
 #include "platform/scripted_input.h"
 
+#include "platform/house_text_internal.h"
+
 namespace {
 UINT PointerMessage() {
     static const UINT s_message = RegisterWindowMessageA("OrvikScriptedPointer");
@@ -199,8 +201,18 @@ BOOL OrvikPostKey(HWND window, UINT key, BOOL down) {
 }
 
 BOOL OrvikPostText(HWND window, LPCSTR text) {
-    for (; text != nullptr && *text != 0; ++text) {
-        if (!PostStep(window, CharMessage(), static_cast<unsigned char>(*text), 1)) return FALSE;
+    const auto post = [window](WPARAM typed) { return PostStep(window, CharMessage(), typed, 1); };
+    std::string_view rest = text != nullptr ? text : "";
+    while (!rest.empty()) {
+        const char first = rest.front();
+        const char32_t character = orvik::detail::TakeHouse(rest);
+        if (!orvik::detail::HouseIsUtf8()) {
+            if (!post(static_cast<unsigned char>(first))) return FALSE;
+        } else if (character < 0x10000) {
+            if (!post(character)) return FALSE;
+        } else if (!post(0xD800 + ((character - 0x10000) >> 10)) || !post(0xDC00 + ((character - 0x10000) & 0x3FF))) {
+            return FALSE;
+        }
     }
     return TRUE;
 }

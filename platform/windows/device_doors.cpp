@@ -62,12 +62,13 @@ HDEVINFO WINAPI OrvikSetupDiGetClassDevsA(CONST GUID* kind, PCSTR enumerator, HW
                          : SetupDiGetClassDevsA(kind, enumerator, parent, flags);
 }
 
-WINBOOL WINAPI OrvikSetupDiGetDeviceRegistryPropertyA(HDEVINFO set, PSP_DEVINFO_DATA device, DWORD property, PDWORD type, PBYTE out,
-                                                      DWORD size, PDWORD needed) {
+WINBOOL WINAPI OrvikSetupDiGetDeviceRegistryPropertyA(HDEVINFO set, PSP_DEVINFO_DATA device, DWORD property, PDWORD type,
+                                                      PBYTE out, DWORD size, PDWORD needed) {
     if (!HouseIsUtf8()) return SetupDiGetDeviceRegistryPropertyA(set, device, property, type, out, size, needed);
     DWORD kind = 0, room = 0;
     std::vector<BYTE> bytes(256);
-    while (!SetupDiGetDeviceRegistryPropertyW(set, device, property, &kind, bytes.data(), static_cast<DWORD>(bytes.size()), &room)) {
+    while (
+        !SetupDiGetDeviceRegistryPropertyW(set, device, property, &kind, bytes.data(), static_cast<DWORD>(bytes.size()), &room)) {
         if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || room <= bytes.size()) return FALSE;
         bytes.resize(room);
     }

@@ -86,7 +86,8 @@ BOOL WINAPI OrvikSystemParametersInfoA(UINT what, UINT size, PVOID data, UINT fl
         *static_cast<LOGFONTA*>(data) = NarrowFont(wide);
         return TRUE;
     }
-    if (!HouseIsUtf8() || what != SPI_GETNONCLIENTMETRICS || data == nullptr) return SystemParametersInfoA(what, size, data, flags);
+    if (!HouseIsUtf8() || what != SPI_GETNONCLIENTMETRICS || data == nullptr)
+        return SystemParametersInfoA(what, size, data, flags);
     // Every number from the narrow function, and the faces' names from the wide one.
     auto& out = *static_cast<NONCLIENTMETRICSA*>(data);
     NONCLIENTMETRICSW wide{};
@@ -165,8 +166,7 @@ BOOL WINAPI OrvikGetTextExtentExPointA(HDC dc, LPCSTR text, int length, int maxi
     int at = 0;
     for (size_t unit = 0; unit < static_cast<size_t>(fitting); ++unit) {
         for (size_t left = bytes[unit]; left > 0; --left, ++at) {
-            // The bytes before a character's last one have not moved on yet.
-            if (widths != nullptr) widths[at] = left == 1 ? each[unit] : at > 0 ? widths[at - 1] : 0;
+            if (widths != nullptr) widths[at] = each[unit];
         }
     }
     if (fit != nullptr) *fit = at;

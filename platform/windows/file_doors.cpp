@@ -33,8 +33,8 @@ HANDLE FirstOf(HANDLE search, const WIN32_FIND_DATAW& found, WIN32_FIND_DATAA* o
 }
 }  // namespace
 
-HANDLE WINAPI OrvikCreateFileA(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD creation, DWORD flags,
-                               HANDLE model) {
+HANDLE WINAPI OrvikCreateFileA(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD creation,
+                               DWORD flags, HANDLE model) {
     if (!HouseIsUtf8()) return CreateFileA(name, access, share, security, creation, flags, model);
     return CreateFileW(WideArgument(name), access, share, security, creation, flags, model);
 }
@@ -54,7 +54,9 @@ BOOL WINAPI OrvikCreateDirectoryA(LPCSTR name, LPSECURITY_ATTRIBUTES security) {
     return HouseIsUtf8() ? CreateDirectoryW(WideArgument(name), security) : CreateDirectoryA(name, security);
 }
 
-BOOL WINAPI OrvikRemoveDirectoryA(LPCSTR name) { return HouseIsUtf8() ? RemoveDirectoryW(WideArgument(name)) : RemoveDirectoryA(name); }
+BOOL WINAPI OrvikRemoveDirectoryA(LPCSTR name) {
+    return HouseIsUtf8() ? RemoveDirectoryW(WideArgument(name)) : RemoveDirectoryA(name);
+}
 
 DWORD WINAPI OrvikGetFileAttributesA(LPCSTR name) {
     return HouseIsUtf8() ? GetFileAttributesW(WideArgument(name)) : GetFileAttributesA(name);
@@ -95,8 +97,8 @@ BOOL WINAPI OrvikFindNextFileA(HANDLE search, LPWIN32_FIND_DATAA out) {
 DWORD WINAPI OrvikGetFullPathNameA(LPCSTR name, DWORD size, LPSTR out, LPSTR* filePart) {
     if (!HouseIsUtf8()) return GetFullPathNameA(name, size, out, filePart);
     const WideArgument wide(name);
-    const DWORD length = PutPath(
-        WholePath([&](LPWSTR buffer, DWORD room) { return GetFullPathNameW(wide, room, buffer, nullptr); }), out, size);
+    const DWORD length =
+        PutPath(WholePath([&](LPWSTR buffer, DWORD room) { return GetFullPathNameW(wide, room, buffer, nullptr); }), out, size);
     if (filePart != nullptr && length > 0 && length < size) {
         const char* const cut = std::strrchr(out, '\\');
         *filePart = cut != nullptr && cut[1] != 0 ? out + (cut + 1 - out) : nullptr;
@@ -111,8 +113,8 @@ DWORD WINAPI OrvikGetTempPathA(DWORD size, LPSTR out) {
 
 DWORD WINAPI OrvikGetFinalPathNameByHandleA(HANDLE file, LPSTR out, DWORD size, DWORD flags) {
     if (!HouseIsUtf8()) return GetFinalPathNameByHandleA(file, out, size, flags);
-    return PutPath(
-        WholePath([&](LPWSTR buffer, DWORD room) { return GetFinalPathNameByHandleW(file, buffer, room, flags); }), out, size);
+    return PutPath(WholePath([&](LPWSTR buffer, DWORD room) { return GetFinalPathNameByHandleW(file, buffer, room, flags); }),
+                   out, size);
 }
 
 BOOL WINAPI OrvikGetDiskFreeSpaceA(LPCSTR root, LPDWORD sectors, LPDWORD bytes, LPDWORD freeClusters, LPDWORD clusters) {

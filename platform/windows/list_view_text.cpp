@@ -84,7 +84,8 @@ bool ToListView(UINT message, WPARAM wParam, LPARAM lParam, MessageWay way, LRES
             const auto& given = *reinterpret_cast<const LVFINDINFOA*>(lParam);
             auto wide = SameFields<LVFINDINFOW>(given);
             std::wstring text;
-            if ((given.flags & (LVFI_STRING | LVFI_PARTIAL)) != 0 && given.psz != nullptr) wide.psz = (text = WideText(given.psz)).c_str();
+            if ((given.flags & (LVFI_STRING | LVFI_PARTIAL)) != 0 && given.psz != nullptr)
+                wide.psz = (text = WideText(given.psz)).c_str();
             answer = way(LVM_FINDITEMW, wParam, reinterpret_cast<LPARAM>(&wide));
             return true;
         }
@@ -128,9 +129,8 @@ constexpr CodePair kHeaderNotices[] = {{HDN_ITEMCHANGINGA, HDN_ITEMCHANGINGW},
                                        {HDN_ENDTRACKA, HDN_ENDTRACKW},
                                        {HDN_TRACKA, HDN_TRACKW}};
 // With an NMLVDISPINFO whose text the receiver reads, and the one whose text it writes.
-constexpr CodePair kLabelNotices[] = {{LVN_BEGINLABELEDITA, LVN_BEGINLABELEDITW},
-                                      {LVN_ENDLABELEDITA, LVN_ENDLABELEDITW},
-                                      {LVN_SETDISPINFOA, LVN_SETDISPINFOW}};
+constexpr CodePair kLabelNotices[] = {
+    {LVN_BEGINLABELEDITA, LVN_BEGINLABELEDITW}, {LVN_ENDLABELEDITA, LVN_ENDLABELEDITW}, {LVN_SETDISPINFOA, LVN_SETDISPINFOW}};
 constexpr CodePair kTextNotice = {LVN_GETDISPINFOA, LVN_GETDISPINFOW};
 
 std::wstring Converted(std::string_view text, wchar_t) { return WideText(text); }
@@ -208,7 +208,7 @@ struct Notices {
 };
 
 template <class Outer, class Inner, class OuterItem, class InnerItem, class OuterNotice, class InnerNotice>
-bool Notice(UINT CodePair::* from, UINT CodePair::* to, WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer) {
+bool Notice(UINT CodePair::*from, UINT CodePair::*to, WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer) {
     const UINT code = reinterpret_cast<const NMHDR*>(lParam)->code;
     const Notices<Outer, Inner, OuterItem, InnerItem> notices{wParam, way};
     for (const CodePair& pair : kHeaderNotices) {

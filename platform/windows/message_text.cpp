@@ -140,7 +140,8 @@ bool IsOfFields(UINT message) { return message >= EM_GETSEL && message <= EM_CHA
 LRESULT ToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageWay way) {
     LRESULT answer = 0;
     if (message == WM_NOTIFY && NoticeToWide(wParam, lParam, way, answer)) return answer;
-    if (message >= WM_USER) return ListToWide(window, message, wParam, lParam, way, answer) ? answer : way(message, wParam, lParam);
+    if (message >= WM_USER)
+        return ListToWide(window, message, wParam, lParam, way, answer) ? answer : way(message, wParam, lParam);
     if (IsOfFields(message) && IsField(window)) {
         if (message == EM_SETLIMITTEXT) LimitField(window, wParam);
         if (FieldToWide(message, wParam, lParam, way, answer)) return answer;

@@ -26,7 +26,8 @@ LRESULT ToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageW
 // A message with UTF-16, given to who takes this house's text.
 LRESULT ToNarrow(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageWay way);
 
-// The notifications of lists and headers, and their messages: list_view_text.cpp. False where a message is none of these with text.
+// The notifications of lists and headers, and their messages: list_view_text.cpp. False where a message is none of these with
+// text.
 bool ListToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);
 bool NoticeToWide(WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);
 bool NoticeToNarrow(WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/house_text.h"
 #include "platform/windows/metafile_player_internal.h"
 
 namespace orvik::detail::metafile {
@@ -30,11 +31,11 @@ Font FontOf(HGDIOBJ font) {
 
 namespace {
 std::string Narrow(const std::wstring& text) {
-    constexpr UINT kCodePage = 1252;
+    const UINT codePage = OrvikTextCodePage();
     const int length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(kCodePage, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
+    const int size = WideCharToMultiByte(codePage, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
     std::string narrow(static_cast<size_t>(std::max(size, 0)), '\0');
-    WideCharToMultiByte(kCodePage, 0, text.c_str(), length, narrow.data(), size, nullptr, nullptr);
+    WideCharToMultiByte(codePage, 0, text.c_str(), length, narrow.data(), size, nullptr, nullptr);
     return narrow;
 }
 }  // namespace

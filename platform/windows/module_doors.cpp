@@ -61,7 +61,8 @@ DWORD WINAPI OrvikGetEnvironmentVariableA(LPCSTR name, LPSTR out, DWORD size) {
 }
 
 BOOL WINAPI OrvikSetEnvironmentVariableA(LPCSTR name, LPCSTR value) {
-    return HouseIsUtf8() ? SetEnvironmentVariableW(WideArgument(name), WideArgument(value)) : SetEnvironmentVariableA(name, value);
+    return HouseIsUtf8() ? SetEnvironmentVariableW(WideArgument(name), WideArgument(value))
+                         : SetEnvironmentVariableA(name, value);
 }
 
 DWORD WINAPI OrvikGetFileVersionInfoSizeA(LPCSTR name, LPDWORD handle) {

@@ -56,10 +56,12 @@ BOOL WINAPI OrvikUnregisterClassA(LPCSTR name, HINSTANCE module) {
 HWND WINAPI OrvikCreateWindowExA(DWORD exStyle, LPCSTR kind, LPCSTR name, DWORD style, int x, int y, int width, int height,
                                  HWND parent, HMENU menu, HINSTANCE module, LPVOID data) {
     if (!HouseIsUtf8()) return CreateWindowExA(exStyle, kind, name, style, x, y, width, height, parent, menu, module, data);
-    return CreateWindowExW(exStyle, WideArgument(kind), WideArgument(name), style, x, y, width, height, parent, menu, module, data);
+    return CreateWindowExW(exStyle, WideArgument(kind), WideArgument(name), style, x, y, width, height, parent, menu, module,
+                           data);
 }
 
-HWND WINAPI OrvikCreateDialogIndirectParamA(HINSTANCE module, LPCDLGTEMPLATEA source, HWND parent, DLGPROC procedure, LPARAM data) {
+HWND WINAPI OrvikCreateDialogIndirectParamA(HINSTANCE module, LPCDLGTEMPLATEA source, HWND parent, DLGPROC procedure,
+                                            LPARAM data) {
     return HouseIsUtf8() ? CreateDialogIndirectParamW(module, source, parent, procedure, data)
                          : CreateDialogIndirectParamA(module, source, parent, procedure, data);
 }
@@ -116,7 +118,8 @@ BOOL WINAPI OrvikPostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM l
 }
 
 BOOL WINAPI OrvikPostThreadMessageA(DWORD thread, UINT message, WPARAM wParam, LPARAM lParam) {
-    return HouseIsUtf8() ? PostThreadMessageW(thread, message, wParam, lParam) : PostThreadMessageA(thread, message, wParam, lParam);
+    return HouseIsUtf8() ? PostThreadMessageW(thread, message, wParam, lParam)
+                         : PostThreadMessageA(thread, message, wParam, lParam);
 }
 
 BOOL WINAPI OrvikGetMessageA(LPMSG message, HWND window, UINT first, UINT last) {
@@ -124,7 +127,8 @@ BOOL WINAPI OrvikGetMessageA(LPMSG message, HWND window, UINT first, UINT last) 
 }
 
 BOOL WINAPI OrvikPeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove) {
-    return HouseIsUtf8() ? PeekMessageW(message, window, first, last, remove) : PeekMessageA(message, window, first, last, remove);
+    return HouseIsUtf8() ? PeekMessageW(message, window, first, last, remove)
+                         : PeekMessageA(message, window, first, last, remove);
 }
 
 LRESULT WINAPI OrvikDispatchMessageA(const MSG* message) {
@@ -140,7 +144,8 @@ UINT WINAPI OrvikRegisterWindowMessageA(LPCSTR name) {
 }
 
 HHOOK WINAPI OrvikSetWindowsHookExA(int kind, HOOKPROC procedure, HINSTANCE module, DWORD thread) {
-    return HouseIsUtf8() ? SetWindowsHookExW(kind, procedure, module, thread) : SetWindowsHookExA(kind, procedure, module, thread);
+    return HouseIsUtf8() ? SetWindowsHookExW(kind, procedure, module, thread)
+                         : SetWindowsHookExA(kind, procedure, module, thread);
 }
 
 BOOL WINAPI OrvikSetWindowTextA(HWND window, LPCSTR text) {
