@@ -281,10 +281,3 @@ TEST_F(Utf8Window, ADrawnTextIsAsWideAsItsLetters) {
     DeleteObject(SelectObject(dc, before));
     ReleaseDC(top, dc);
 }
-
-TEST_F(Utf8Window, AnOwnerWhoKeepsNoTextsKeepsItsData) {
-    const HWND list = Make("ListBox", LBS_OWNERDRAWFIXED);
-    const LPARAM data = 0x1234;
-    EXPECT_EQ(0, SendMessageA(list, LB_ADDSTRING, 0, data));
-    EXPECT_EQ(data, SendMessageA(list, LB_GETITEMDATA, 0, 0));
-}

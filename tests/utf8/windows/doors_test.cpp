@@ -113,3 +113,11 @@ TEST(Doors, TheRegistryGivesText) {
     RegCloseKey(key);
     RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\OrvikTest");
 }
+
+TEST(Doors, AnOwnerWhoKeepsNoTextsKeepsItsData) {
+    const HWND list =
+        CreateWindowExA(0, "ListBox", "", WS_POPUP | LBS_OWNERDRAWFIXED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(0, SendMessageA(list, LB_ADDSTRING, 0, 0x1234));
+    EXPECT_EQ(0x1234, SendMessageA(list, LB_GETITEMDATA, 0, 0));
+    DestroyWindow(list);
+}
