@@ -96,7 +96,8 @@ BOOL CListCtrl::SetItemText(int nItem, int nSubItem, LPCSTR lpszText) {
 }
 CString CListCtrl::GetItemText(int nItem, int nSubItem) const {
     CString text;
-    // The message cuts to the buffer: a text that fills it may be longer.
+    // The message cuts to the buffer: a text that fills it, but for a part of a character, may be longer.
+    constexpr int kMostOfCharacter = 3;
     for (int room = 128;; room *= 2) {
         LVITEMA item = {};
         item.iSubItem = nSubItem;
@@ -104,7 +105,7 @@ CString CListCtrl::GetItemText(int nItem, int nSubItem) const {
         item.pszText = text.GetBufferSetLength(room);
         const auto length = static_cast<int>(Ask(m_hWnd, LVM_GETITEMTEXTA, nItem, &item));
         text.ReleaseBuffer(length);
-        if (length < room - 1) return text;
+        if (length < room - 1 - kMostOfCharacter) return text;
     }
 }
 DWORD_PTR CListCtrl::GetItemData(int nItem) const {

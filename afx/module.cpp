@@ -119,12 +119,14 @@ int AfxLoadString(UINT nID, LPSTR lpszBuf, UINT nMaxBuf) {
 }
 
 BOOL CString::LoadString(UINT id) {
+    constexpr int kMostOfCharacter = 3;  // bytes, where a character has several
     for (int room = 256;; room *= 4) {
         char* buffer = GetBuffer(room);
         const int length = AfxLoadString(id, buffer, static_cast<UINT>(room) + 1);
         ReleaseBuffer(length);
-        // A text that fills the buffer may have been cut. A string resource holds at most 65,535 characters.
-        if (length < room || room > 65536) break;
+        // A text that fills the buffer, but for a part of a character, may have been cut. A string resource holds at most 65,535
+        // characters.
+        if (length < room - kMostOfCharacter || room > 4 * 65536) break;
     }
     FreeExtra();
     return !IsEmpty();

@@ -201,17 +201,18 @@ BOOL OrvikPostKey(HWND window, UINT key, BOOL down) {
 }
 
 BOOL OrvikPostText(HWND window, LPCSTR text) {
-    if (text == nullptr) return TRUE;
-    if (!orvik::detail::HouseIsUtf8()) {
-        for (; *text != 0; ++text)
-            if (!PostStep(window, CharMessage(), static_cast<unsigned char>(*text), 1)) return FALSE;
-        return TRUE;
-    }
-    for (std::string_view rest = text; !rest.empty();) {
+    const auto post = [window](WPARAM typed) { return PostStep(window, CharMessage(), typed, 1); };
+    std::string_view rest = text != nullptr ? text : "";
+    while (!rest.empty()) {
+        const char first = rest.front();
         const char32_t character = orvik::detail::TakeHouse(rest);
-        const char32_t high = 0xD800 + ((character - 0x10000) >> 10), low = 0xDC00 + ((character - 0x10000) & 0x3FF);
-        if (character >= 0x10000 && !PostStep(window, CharMessage(), high, 1)) return FALSE;
-        if (!PostStep(window, CharMessage(), character < 0x10000 ? character : low, 1)) return FALSE;
+        if (!orvik::detail::HouseIsUtf8()) {
+            if (!post(static_cast<unsigned char>(first))) return FALSE;
+        } else if (character < 0x10000) {
+            if (!post(character)) return FALSE;
+        } else if (!post(0xD800 + ((character - 0x10000) >> 10)) || !post(0xDC00 + ((character - 0x10000) & 0x3FF))) {
+            return FALSE;
+        }
     }
     return TRUE;
 }

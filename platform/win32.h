@@ -16,6 +16,8 @@
 // Its calls for directories, drives and access.
 #include <direct.h>
 #include <io.h>
+// From here on the names ending in A take this process's text.
+#include "platform/windows/doors.h"
 #else
 #include "platform/posix/win32_names.h"
 #endif

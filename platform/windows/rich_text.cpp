@@ -2,15 +2,17 @@
 
 #include <richedit.h>
 
+#include "platform/house_text.h"
+
 namespace orvik {
 namespace {
-// Of riched20.dll, version 2.0 and later, with narrow text.
-constexpr char kControlClass[] = "RichEdit20A";
+// Of riched20.dll, version 2.0 and later: each takes one kind of text, whatever function brings it.
+const char* ControlClass() { return OrvikTextCodePage() == CP_UTF8 ? "RichEdit20W" : "RichEdit20A"; }
 }  // namespace
 
 RichTextReader::RichTextReader(HWND owner) : m_library(::LoadLibraryA("riched20.dll")) {
     if (m_library == nullptr) return;
-    m_control = ::CreateWindowExA(0, kControlClass, "", WS_CHILD | ES_MULTILINE, 0, 0, 100, 100,
+    m_control = ::CreateWindowExA(0, ControlClass(), "", WS_CHILD | ES_MULTILINE, 0, 0, 100, 100,
                                   owner != nullptr ? owner : HWND_MESSAGE, nullptr, ::GetModuleHandleA(nullptr), nullptr);
     m_open = m_control != nullptr;
     // The control's own limit, 32,767 characters, would cut texts.
