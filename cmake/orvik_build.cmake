@@ -113,9 +113,15 @@ endfunction()
 # orvik_test(name SOURCES ... [LIBRARIES ...] [LABELS ...] [ENVIRONMENT ...]): one GoogleTest program over the internals.
 # One CTest entry a program: under Wine, listing the cases would cost one start for each.
 function(orvik_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(arg "BOTH_TEXTS" "" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE orvik_internals orvik_warnings GTest::gtest GTest::gmock ${arg_LIBRARIES})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 300 ENVIRONMENT "${arg_ENVIRONMENT}")
+  if(arg_BOTH_TEXTS)
+    # What is Windows-1252 by nature says so in its name.
+    add_test(NAME ${name}_utf8 COMMAND ${name} --gtest_filter=-*1252*)
+    list(APPEND arg_ENVIRONMENT ORVIK_TEST_TEXT=utf8)
+    set_tests_properties(${name}_utf8 PROPERTIES LABELS "${arg_LABELS};utf8" TIMEOUT 300 ENVIRONMENT "${arg_ENVIRONMENT}")
+  endif()
 endfunction()

@@ -1,7 +1,7 @@
 // The doors between this house's narrow text and Windows. In a process that chose UTF-8 (platform/house_text.h) each takes and
 // gives UTF-8 and calls the function of the same name that ends in W; in every other process it is the function ending in A and
 // nothing else. Arguments, results, ownership, threads and errors are those of the function whose name it has; lengths, sizes and
-// positions are bytes. What does not fit is cut at a character's end where the function cuts, and an error where it does not.
+// positions are bytes, limits of fields letters (platform/letters.h). What does not fit is cut at a character's end where the function cuts, and an error where it does not.
 //
 // Include platform/win32.h and use the system's names: they lead here. In a process that chose UTF-8:
 // - Classes and windows are the wide kind; a procedure that was registered or set by these names sees UTF-8 in every message that

@@ -1,7 +1,9 @@
-// Positions, lengths and limits of fields (edit controls). The system counts UTF-16 units; this house counts bytes.
+// Positions, lengths and limits of fields (edit controls). The system counts UTF-16 units; this house counts bytes, and letters
+// (platform/letters.h) for limits.
 #include <algorithm>
 #include <cstring>
 
+#include "platform/letters.h"
 #include "platform/windows/message_text_internal.h"
 
 namespace orvik::detail {
@@ -153,7 +155,25 @@ std::wstring Incoming(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 bool IsHigh(wchar_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool IsLow(wchar_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
-// Lets in as much as the limit in bytes has room for. The system's own limit, in units, does the cutting and the telling.
+size_t CountLetters(std::string_view text) {
+    size_t letters = 0;
+    for (size_t at = 0; at < text.size(); at = OrvikNextLetter(text, at)) ++letters;
+    return letters;
+}
+
+// How many units of what comes between the two texts leave them all within the limit.
+size_t Fitting(size_t limit, const std::string& before, const std::wstring& incoming, const std::string& after, bool typed) {
+    const size_t kept = CountLetters(before + after);
+    if (typed && IsHigh(incoming[0])) return kept < limit ? 1 : 0;  // its other half comes next
+    const std::string narrow = NarrowText(incoming);
+    if (CountLetters(before + narrow + after) <= limit) return incoming.size();
+    size_t end = 0;
+    for (size_t room = typed || limit < kept ? 0 : limit - kept; room > 0; --room) end = OrvikNextLetter(narrow, end);
+    return UnitsAt(incoming, end);
+}
+
+// Lets in as much as the limit has room for. The system's own limit, in units, does the cutting and the telling; it is its
+// greatest otherwise.
 LRESULT CALLBACK HoldToLimit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const auto before = reinterpret_cast<WNDPROC>(GetPropW(window, kBefore));
     const auto limit = reinterpret_cast<size_t>(GetPropW(window, kLimit));
@@ -163,6 +183,8 @@ LRESULT CALLBACK HoldToLimit(HWND window, UINT message, WPARAM wParam, LPARAM lP
         RemovePropW(window, kLimit);
         return call(message, wParam, lParam);
     }
+    if (message == EM_SETLIMITTEXT) return call(message, 0, 0);
+    if (message == EM_GETLIMITTEXT && limit != 0) return static_cast<LRESULT>(limit);
     const std::wstring incoming = limit != 0 ? Incoming(window, message, wParam, lParam) : std::wstring();
     if (incoming.empty()) return call(message, wParam, lParam);
 
@@ -171,16 +193,12 @@ LRESULT CALLBACK HoldToLimit(HWND window, UINT message, WPARAM wParam, LPARAM lP
     DWORD from = 0, to = 0;
     call(EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
     const std::wstring_view shown = text;
-    const size_t kept = NarrowLength(shown.substr(0, from)) + NarrowLength(shown.substr(std::min<size_t>(to, shown.size())));
-    const size_t room = limit > kept ? limit - kept : 0;
-    size_t fitting = 0;
-    if (message == WM_CHAR && IsHigh(incoming[0])) {
-        fitting = room >= 4 ? 1 : 0;  // its other half comes next
-    } else if (message == WM_CHAR && IsLow(incoming[0])) {
-        fitting = from > 0 && IsHigh(shown[from - 1]) ? 1 : 0;
-    } else {
-        fitting = CutText(std::wstring_view(incoming), room).size();
-    }
+    const bool typed = message == WM_CHAR, second = typed && IsLow(incoming[0]);
+    // A text has at least as many units as letters, so that most need not be counted.
+    if (!second && text.size() - (to - from) + incoming.size() <= limit) return call(message, wParam, lParam);
+    const size_t fitting = second ? (from > 0 && IsHigh(shown[from - 1]) ? 1 : 0)
+                                  : Fitting(limit, NarrowText(shown.substr(0, from)), incoming,
+                                            NarrowText(shown.substr(std::min<size_t>(to, shown.size()))), typed);
     if (fitting == incoming.size()) return call(message, wParam, lParam);
     const size_t units = text.size() - (to - from) + fitting;
     if (fitting == 0 || units == 0) {
@@ -190,7 +208,7 @@ LRESULT CALLBACK HoldToLimit(HWND window, UINT message, WPARAM wParam, LPARAM lP
     }
     call(EM_SETLIMITTEXT, units, 0);
     const LRESULT answer = call(message, wParam, lParam);
-    call(EM_SETLIMITTEXT, limit, 0);
+    call(EM_SETLIMITTEXT, 0, 0);
     return answer;
 }
 }  // namespace
@@ -218,11 +236,11 @@ bool FieldToNarrow(UINT message, WPARAM wParam, LPARAM lParam, MessageWay way, L
     return Positions(message, wParam, lParam, way, false, answer);
 }
 
-void LimitField(HWND window, WPARAM bytes) {
+void LimitField(HWND window, WPARAM letters) {
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
     if (process != GetCurrentProcessId()) return;
-    SetPropW(window, kLimit, reinterpret_cast<HANDLE>(bytes));
+    SetPropW(window, kLimit, reinterpret_cast<HANDLE>(letters));
     if (GetPropW(window, kBefore) != nullptr) return;
     const LONG_PTR before = GetWindowLongPtrW(window, GWLP_WNDPROC);
     SetPropW(window, kBefore, reinterpret_cast<HANDLE>(before));

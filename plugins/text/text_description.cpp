@@ -6,6 +6,7 @@
 #include "afx/collections.h"
 #include "plugins/support/description_reading.h"
 #include "plugins/text/text_escapes.h"
+#include "plugins/text/text_letters.h"
 
 namespace text {
 namespace {
@@ -33,6 +34,9 @@ std::string ReadBytes(IPropertyDB& db, const CString& key) {
     return *bytes;
 }
 
+// What is looked for in lines as text.
+std::string ReadLetters(IPropertyDB& db, const CString& key) { return LineText(ReadBytes(db, key)); }
+
 Separator ReadSeparator(IPropertyDB& db) {
     const CString key = "sSeparator";
     CString name = ReadText(db, key, "auto").c_str();
@@ -48,14 +52,14 @@ Separator ReadSeparator(IPropertyDB& db) {
     for (const auto& one : known) {
         if (name == one.name) return one.separator;
     }
-    const std::string text = ReadBytes(db, key);
+    const std::string text = ReadLetters(db, key);
     if (text.empty()) Refuse(key, IsEmpty);
     return {Separator::Text, text};
 }
 
 std::vector<std::string> ReadNoValue(IPropertyDB& db) {
     std::vector<std::string> texts;
-    const std::string list = ReadBytes(db, "sNoValue");
+    const std::string list = ReadLetters(db, "sNoValue");
     for (size_t at = 0; at <= list.size();) {
         const size_t end = std::min(list.find('|', at), list.size());
         texts.emplace_back(Trimmed(std::string_view(list).substr(at, end - at)));
@@ -125,8 +129,11 @@ Channel ReadChannel(IPropertyDB& db, const char* key, const Description& descrip
     const bool byPlace = description.style == FieldStyle::Separator || description.style == FieldStyle::Columns;
     channel.line = Whole(db, at + "nLine", 1, static_cast<DWORD>(description.lines), byPlace ? 1u : 0u);
     channel.number.decimal = description.style == FieldStyle::Json ? '.' : description.decimal;
-    channel.number.prefix = ReadBytes(db, at + "sPrefix");
-    if (db.Find(at + "sSuffix")) channel.number.suffix = std::string(Trimmed(ReadBytes(db, at + "sSuffix")));
+    channel.number.prefix = ReadLetters(db, at + "sPrefix");
+    if (db.Find(at + "sSuffix")) {
+        const std::string suffix = ReadLetters(db, at + "sSuffix");
+        channel.number.suffix = std::string(Trimmed(suffix));
+    }
     channel.number.noValue = noValue;
     channel.scale = ReadReal(db, at + "rScale", 1);
     channel.offset = ReadReal(db, at + "rOffset", 0);

@@ -5,8 +5,8 @@
 #include <deque>
 #include <optional>
 
-#include "platform/house_text.h"
 #include "plugins/text/text_json.h"
+#include "plugins/text/text_letters.h"
 #include "plugins/text/text_number.h"
 
 namespace text {
@@ -59,8 +59,7 @@ public:
                 if (channel.field > m_fields.size()) return Missing('#' + std::to_string(channel.field), m_line);
                 return {WithUnit(channel), Sentence::None, {}};
             case FieldStyle::Columns:
-                if (channel.column > m_line.size()) return Missing('#' + std::to_string(channel.column), m_line);
-                return {m_line.substr(channel.column - 1, channel.width), Sentence::None, {}};
+                return Column(channel);
             case FieldStyle::Regex:
                 if (m_groups[channel.group].data() == nullptr) return Missing(channel.where, m_line);
                 return {std::string(m_groups[channel.group]), Sentence::None, {}};
@@ -80,6 +79,13 @@ private:
     void Refuse(Sentence why, std::initializer_list<std::string_view> arguments) {
         m_why = why;
         m_text = Say(why, arguments);
+    }
+
+    Found Column(const Channel& channel) const {
+        const size_t from = PlaceOf(m_line, channel.column - 1);
+        if (from == m_line.size()) return Missing('#' + std::to_string(channel.column), m_line);
+        const std::string_view rest = std::string_view(m_line).substr(from);
+        return {std::string(rest.substr(0, PlaceOf(rest, channel.width))), Sentence::None, {}};
     }
 
     // A unit that must be there may be the next field, as it is between blanks.
@@ -154,26 +160,6 @@ Outcome ValueOf(const Channel& channel, const Found& found, const std::string& l
     return outcome;
 }
 }  // namespace
-
-std::string LineText(std::string_view line) {
-    if (OrvikTextCodePage() == CP_UTF8) return OrvikUtf8FromText(line);
-    const auto byte = [&](size_t i) { return static_cast<unsigned char>(line[i]); };
-    std::string text;
-    for (size_t i = 0; i < line.size(); ++i) {
-        if (byte(i) < 0x80) {
-            text += line[i];
-            continue;
-        }
-        // Other bytes above 127 than those of such letters: the line is no UTF-8, or says what Windows-1252 cannot.
-        const unsigned char least = byte(i) == 0xC2 ? 0xA0 : 0x80;
-        const bool letter =
-            (byte(i) == 0xC2 || byte(i) == 0xC3) && i + 1 < line.size() && byte(i + 1) >= least && byte(i + 1) < 0xC0;
-        if (!letter) return std::string(line);
-        text += static_cast<char>((byte(i) & 3) << 6 | (byte(i + 1) & 0x3F));
-        ++i;
-    }
-    return text;
-}
 
 std::vector<std::string_view> SplitFields(std::string_view line, const Separator& separator, char decimal) {
     std::string_view between = separator.text;

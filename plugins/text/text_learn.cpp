@@ -9,6 +9,7 @@
 #include "plugins/text/text_escapes.h"
 #include "plugins/text/text_fields.h"
 #include "plugins/text/text_json.h"
+#include "plugins/text/text_letters.h"
 #include "plugins/text/text_sentences.h"
 #include "plugins/text/text_shape.h"
 #include "plugins/text/text_splitter.h"

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "plugins/text/text_json.h"
+#include "plugins/text/text_letters.h"
 
 namespace text {
 namespace {
@@ -49,15 +50,22 @@ std::string RowOf(const Draft& draft) {
     return Joined(row, between);
 }
 
+size_t CountOf(std::string_view text) {
+    size_t count = 0;
+    char32_t character = 0;
+    for (size_t at = 0; at < text.size(); at += CharacterAt(text, at, character)) ++count;
+    return count;
+}
+
 std::string ColumnsOf(const Draft& draft) {
     std::string line = draft.begin;
     for (const size_t i : draft.channels) {
         const Channel& channel = draft.description.channels[i];
         const std::string& field = draft.fields[i];
         const size_t end = channel.column - 1 + channel.width;
-        if (line.size() < end) line.resize(end, ' ');
-        const size_t length = std::min(field.size(), channel.width);
-        line.replace(end - length, length, field, 0, length);
+        for (size_t has = CountOf(line); has < end; ++has) line += ' ';
+        const size_t length = std::min(CountOf(field), channel.width), from = PlaceOf(line, end - length);
+        line.replace(from, PlaceOf(line, end) - from, field, 0, PlaceOf(field, length));
     }
     return line;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "plugins/text/text_letters.h"
 #include "plugins/text/text_pattern_parser.h"
 
 namespace text {
@@ -175,7 +176,9 @@ bool Pattern::Find(std::string_view text, std::vector<std::string_view>& groups)
     Ways now(m_steps.size()), then(m_steps.size());
     std::vector<size_t> slots(2 * m_names.size(), kNowhere), best;
     bool found = false;
-    for (size_t at = 0; at <= text.size(); ++at) {
+    char32_t character = 0;
+    for (size_t at = 0, next = 0; at <= text.size(); at = next) {
+        next = at + (at < text.size() ? CharacterAt(text, at, character) : 1);
         if (!found) {
             // A later beginning comes after all ways that began before.
             std::fill(slots.begin(), slots.end(), kNowhere);
@@ -190,8 +193,7 @@ bool Pattern::Find(std::string_view text, std::vector<std::string_view>& groups)
                 found = true;
                 break;  // the ways behind this one are not preferred
             }
-            if (at < text.size() && step.set[static_cast<unsigned char>(text[at])])
-                Follow(then, step.next, text, at + 1, now.slots[i]);
+            if (at < text.size() && step.set.Has(character)) Follow(then, step.next, text, next, now.slots[i]);
         }
         std::swap(now, then);
     }
@@ -217,12 +219,9 @@ std::string Pattern::ExampleOf(size_t place, const std::function<std::string(siz
     switch (node.kind) {
         case Node::Set:
             for (const char* c = " 0aA.,:;-+"; *c != 0; ++c) {
-                if (node.set[static_cast<unsigned char>(*c)]) return {*c};
+                if (node.set.Has(static_cast<unsigned char>(*c))) return {*c};
             }
-            for (size_t c = '!'; c < 256; ++c) {
-                if (node.set[c]) return {static_cast<char>(c)};
-            }
-            return {'\t'};
+            return TextOf(node.set.Least());
         case Node::Sequence:
             for (const size_t part : node.parts) example += ExampleOf(part, fill);
             return example;

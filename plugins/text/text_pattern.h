@@ -4,14 +4,15 @@
 // The language is what most tools have: . [a-z] [^,] \d \w \s \D \W \S \b \B ^ $ ( ) (?: ) (?<name> ) (?P<name> ) | * + ? {2}
 // {2,} {2,5} and their lazy forms (*? ...), escapes \r \n \t \xHH and \ before any sign. Back references and looking around are
 // not part of it. A turn of a repetition that takes nothing does not count: a group in it keeps what it took before. Characters
-// are bytes. A value that does not change; any thread.
+// are those of text_letters.h. A value that does not change; any thread.
 #pragma once
 
-#include <bitset>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "plugins/text/text_character_set.h"
 
 namespace text {
 
@@ -38,7 +39,7 @@ public:
     struct Node {
         enum Kind { Set, Sequence, Choice, Repeat, Group, Begin, End, Border, NoBorder };
         Kind kind = Sequence;
-        std::bitset<256> set = {};
+        CharacterSet set = {};
         std::vector<size_t> parts = {};  // places in the tree
         int least = 0, most = 0;         // repetitions; most -1: any number
         bool lazy = false;
@@ -50,7 +51,7 @@ private:
         enum Kind { Set, Split, Jump, Save, Begin, End, Border, NoBorder, Done };
         Kind kind;
         size_t next = 0, other = 0;  // where it goes on, the first before the other; Save: its slot is `other`
-        std::bitset<256> set = {};
+        CharacterSet set = {};
     };
     struct Ways;
 

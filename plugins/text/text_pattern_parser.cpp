@@ -4,11 +4,12 @@
 #include <stdexcept>
 
 #include "plugins/text/text_escapes.h"
+#include "plugins/text/text_letters.h"
 
 namespace text {
 namespace {
 using Node = Pattern::Node;
-using Set = std::bitset<256>;
+using Set = CharacterSet;
 
 constexpr size_t kDeepest = 50;
 constexpr int kMostRepetitions = 1000;
@@ -17,9 +18,11 @@ bool IsWordCharacter(int c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <=
 
 [[noreturn]] void Refuse(const std::string& what) { throw std::invalid_argument(what); }
 
-Set Only(char c) {
+Set Only(char c) { return Set(static_cast<unsigned char>(c)); }
+
+Set Stretches(std::initializer_list<std::pair<char, char>> stretches) {
     Set set;
-    set.set(static_cast<unsigned char>(c));
+    for (const auto& [from, to] : stretches) set.Add(static_cast<unsigned char>(from), static_cast<unsigned char>(to));
     return set;
 }
 
@@ -46,6 +49,14 @@ private:
         const char c = m_rest[0];
         m_rest.remove_prefix(1);
         return c;
+    }
+    // The character that begins with the byte just taken.
+    Set Letter() {
+        char32_t character = 0;
+        const char* const begin = m_rest.data() - 1;
+        const size_t length = CharacterAt({begin, m_rest.size() + 1}, 0, character);
+        m_rest.remove_prefix(length - 1);
+        return Set(character);
     }
     size_t Add(Node node) {
         m_tree.push_back(std::move(node));
@@ -115,7 +126,7 @@ private:
             case '[':
                 return Add({.kind = Node::Set, .set = Class()});
             case '.':
-                return Add({.kind = Node::Set, .set = Set().set()});
+                return Add({.kind = Node::Set, .set = Set().Others()});
             case '^':
                 return Add({.kind = Node::Begin});
             case '$':
@@ -130,7 +141,7 @@ private:
                 if (Take("B")) return Add({.kind = Node::NoBorder});
                 return Add({.kind = Node::Set, .set = Escaped()});
             default:
-                return Add({.kind = Node::Set, .set = Only(c)});
+                return Add({.kind = Node::Set, .set = Letter()});
         }
     }
 
@@ -158,24 +169,19 @@ private:
 
     // Behind a backslash.
     Set Escaped() {
-        Set set;
         const char c = Next();
-        const auto fill = [&](auto fits) {
-            for (int i = 0; i < 256; ++i) set[static_cast<size_t>(i)] = fits(i);
-        };
+        static const Set digits = Stretches({{'0', '9'}}), word = Stretches({{'0', '9'}, {'A', 'Z'}, {'a', 'z'}, {'_', '_'}}),
+                         blanks = Stretches({{' ', ' '}, {'\t', '\r'}});
         switch (c) {
             case 'd':
             case 'D':
-                fill([](int i) { return i >= '0' && i <= '9'; });
-                return c == 'D' ? ~set : set;
+                return c == 'D' ? digits.Others() : digits;
             case 'w':
             case 'W':
-                fill(IsWordCharacter);
-                return c == 'W' ? ~set : set;
+                return c == 'W' ? word.Others() : word;
             case 's':
             case 'S':
-                fill([](int i) { return i == ' ' || (i >= '\t' && i <= '\r'); });
-                return c == 'S' ? ~set : set;
+                return c == 'S' ? blanks.Others() : blanks;
             case 'r':
                 return Only('\r');
             case 'n':
@@ -186,11 +192,11 @@ private:
                 const auto byte = HexByte(m_rest.substr(0, 2));
                 if (!byte) Refuse("\\x without two hexadecimal digits");
                 m_rest.remove_prefix(2);
-                return Only(static_cast<char>(*byte));
+                return Set(CharacterOf(*byte));
             }
             default:
                 if (IsWordCharacter(static_cast<unsigned char>(c))) Refuse(std::string("there is no \\") + c);
-                return Only(c);
+                return Letter();
         }
     }
 
@@ -201,24 +207,21 @@ private:
         for (bool first = true; first || Look() != ']'; first = false) {
             const Set low = ClassCharacter();
             if (Look() != '-' || m_rest.size() < 2 || m_rest[1] == ']') {
-                set |= low;
+                set.Add(low);
                 continue;
             }
             Next();
-            const Set high = ClassCharacter();
-            if (low.count() != 1 || high.count() != 1) Refuse("a range whose ends are no characters");
-            size_t from = 0, to = 0;
-            while (!low[from]) ++from;
-            while (!high[to]) ++to;
-            if (from > to) Refuse("a range that runs backwards");
-            for (; from <= to; ++from) set.set(from);
+            const auto from = low.Only(), to = ClassCharacter().Only();
+            if (!from || !to) Refuse("a range whose ends are no characters");
+            if (*from > *to) Refuse("a range that runs backwards");
+            set.Add(*from, *to);
         }
         Next();
-        return turned ? ~set : set;
+        return turned ? set.Others() : set;
     }
     Set ClassCharacter() {
         const char c = Next();
-        return c == '\\' ? Escaped() : Only(c);
+        return c == '\\' ? Escaped() : Letter();
     }
 
     std::string_view m_rest;

@@ -5,6 +5,7 @@
 
 #include "comm/comm_exception.h"
 #include "plugins/support/line_book.h"
+#include "plugins/text/text_letters.h"
 
 namespace text {
 namespace {
@@ -202,7 +203,7 @@ Failure Reader::Await(TimePoint until, bool again, IReadingWatch* watch, const s
         const Verdict verdict = Judge(line, bad);
         if (verdict == Verdict::PassedOver) continue;
         if (verdict == Verdict::Good) {
-            const bool first = line.text.starts_with(m_description.first);
+            const bool first = LineBegins(line.text, m_description.first);
             // Lines that belong together follow one another; else one was lost in between.
             const bool apart = m_description.ask.empty() && m_transport.Now() - lastLine > m_pause;
             if (apart || (!m_description.first.empty() && first)) lines.clear();

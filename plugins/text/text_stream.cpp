@@ -5,6 +5,8 @@
 
 #include "comm/comm_exception.h"
 
+#include "plugins/text/text_letters.h"
+
 namespace text {
 namespace {
 using namespace std::chrono_literals;
@@ -153,7 +155,7 @@ bool Stream::Take(Heard heard, const std::vector<BYTE>& due, std::vector<Outcome
     Failure bad;
     const Verdict verdict = Judge(m_description, heard.line, bad);
     if (verdict == Verdict::PassedOver) return false;
-    const bool first = heard.line.text.starts_with(m_description.first);
+    const bool first = LineBegins(heard.line.text, m_description.first);
     if (verdict == Verdict::Good) {
         // Lines that belong together follow one another; else one was lost in between.
         const bool apart = heard.came - m_lastLine > m_pause || (first && !m_description.first.empty());

@@ -7,6 +7,7 @@
 
 #include "comm/comm_exception.h"
 #include "plugins/text/text_checksum.h"
+#include "plugins/text/text_letters.h"
 
 namespace text {
 namespace {
@@ -49,7 +50,7 @@ Failure SilentFor(std::chrono::steady_clock::duration time) {
 }
 
 Verdict Judge(const Description& description, const Splitter::Line& line, Failure& failure) {
-    if (!line.text.starts_with(description.start)) return Verdict::PassedOver;
+    if (!LineBegins(line.text, description.start)) return Verdict::PassedOver;
     if (line.cut) {
         failure = BadLine(Sentence::TooLong, {std::to_string(description.longest), Shown(line.text)});
         return Verdict::Bad;
@@ -97,7 +98,7 @@ void RememberLead(std::vector<std::string>& leads, const std::string& line) {
 }
 
 bool IsMeant(const Description& description, const std::vector<std::string>& leads, const std::string& line) {
-    if (!description.start.empty()) return line.starts_with(description.start);
+    if (!description.start.empty()) return LineBegins(line, description.start);
     const size_t digit = line.find_first_of("0123456789");
     return std::any_of(leads.begin(), leads.end(), [&](const std::string& lead) {
         const std::string_view trimmed = Trimmed(line);

@@ -10,6 +10,7 @@
 #include "afx/message_box.h"
 #include "afx/module.h"
 #include "afx/time.h"
+#include "platform/house_text_internal.h"
 #include "tests/afx/bytes.h"
 #include "tests/support/dialog_fixture.h"
 #include "tests/support/regional_settings.h"
@@ -124,7 +125,7 @@ TEST(Exceptions, SpeakTheUsersLanguage) {
             const TextLanguage spoken(language);
             char text[80];
             EXPECT_TRUE(failure->GetErrorMessage(text, sizeof text));
-            EXPECT_STREQ(text, language == LANG_SWEDISH ? swedish : english);
+            EXPECT_EQ(text, orvik::detail::HouseFrom1252(language == LANG_SWEDISH ? swedish : english));
         }
 }
 

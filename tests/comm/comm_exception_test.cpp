@@ -1,6 +1,7 @@
 // CCommException: codes and their texts.
 #include <gtest/gtest.h>
 
+#include "platform/house_text_internal.h"
 #include "tests/support/comm_failure.h"
 #include "tests/support/regional_settings.h"
 
@@ -31,7 +32,9 @@ TEST(CommException, EveryCodeHasItsTextInBothLanguages) {
     for (const WORD language : {WORD{LANG_ENGLISH}, WORD{LANG_SWEDISH}}) {
         const TextLanguage spoken(language);
         for (const auto& [code, english, swedish] : cases)
-            EXPECT_EQ((CommFailure{code, language == LANG_ENGLISH ? english : swedish}), Thrown(code, nullptr)) << code;
+            EXPECT_EQ((CommFailure{code, orvik::detail::HouseFrom1252(language == LANG_ENGLISH ? english : swedish)}),
+                      Thrown(code, nullptr))
+                << code;
     }
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/house_text_internal.h"
 #include "platform/virtual_port.h"
 #include "platform/win32.h"
 #include "tests/support/last_error.h"
@@ -80,8 +81,9 @@ TEST_F(DeviceListTest, ListsHardwareAlone) {
     Tty("ttyACM0", "usb1/1-2/1-2:1.0");
     Product("usb1/1-2", "Logger \xD0\x96");
     Tty("ttyUSB40", "usb1/1-3/1-3:1.0/ttyUSB40");  // beyond the fixed numbers
-    const Listed expected = {
-        {"COM1", "Serial port (ttyS0)"}, {"COM34", "Pr\374fkabel (ttyUSB1)"}, {"COM65", "Logger \xD0\x96 (ttyACM0)"}};
+    const Listed expected = {{"COM1", "Serial port (ttyS0)"},
+                             {"COM34", orvik::detail::HouseFrom1252("Pr\374fkabel (ttyUSB1)")},
+                             {"COM65", "Logger \xD0\x96 (ttyACM0)"}};
     EXPECT_EQ(List(), expected);
 }
 

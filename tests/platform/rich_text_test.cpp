@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(RichText, IsReadAsTheSystemsControlShowsIt) {
+TEST(RichText, IsReadIn1252AsTheSystemsControlShowsIt) {
     const orvik::RichTextReader reader(nullptr);
     ASSERT_TRUE(reader.IsOpen());
     using Row = std::tuple<const char*, const char*>;

@@ -1,4 +1,5 @@
 #include "afx/archive.h"
+#include "platform/house_text_internal.h"
 #include "tests/propdb/property_db_fixture.h"
 #include "tests/support/table.h"
 #include "tests/support/test_folder.h"
@@ -44,7 +45,8 @@ protected:
         for (__int64 number : {std::numeric_limits<__int64>::min(), std::numeric_limits<__int64>::max()}) wide.Add(number);
         CInt32Array narrow;
         narrow.Add(-1);
-        db.SetValue("Units.3.sName", "m\xE4tv\xE4rde <&> 'x' \"y\""), db.SetValue("Units.3.texts", texts);
+        db.SetValue("Units.3.sName", orvik::detail::HouseFrom1252("m\xE4tv\xE4rde <&> 'x' \"y\"").c_str()),
+            db.SetValue("Units.3.texts", texts);
         db.SetValue("Units.3.nMode", 4000000000u), db.SetValue("Units.word", static_cast<unsigned short>(65535));
         db.SetValue("Units.fLeft", 0.1f), db.SetValue("Units.reals", reals), db.SetValue("wide", wide);
         db.SetValue("narrow", narrow), db.SetValue("font", LOGFONTA{}), db.SetValue("none", CWordArray());

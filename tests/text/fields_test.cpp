@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "platform/house_text_internal.h"
 #include "plugins/text/text_checksum.h"
 #include "plugins/text/text_escapes.h"
 #include "plugins/text/text_fields.h"
@@ -39,62 +40,74 @@ TEST(TextFields, ValuesOfLines) {
     const struct {
         std::string description;
         std::vector<std::pair<std::string, const char*>> lines;  // and their values; the lines of one answer parted by "\n"
-    } cases[] = {
-        {kTwo,
-         {{"23.5,41.2", "23.5 41.2"},
-          {" 23.5 ;\t-41 ", "23.5 -41"},
-          {"23.5\t41.2", "23.5 41.2"},
-          {"  +.5   41. 7", "0.5 41"},
-          {"1e3,-2.5E-1,x", "1000 -0.25"},
-          {"23.5", "23.5 !"},
-          {"23.5,", "23.5 !"},
-          {"abc,41", "! 41"},
-          {"1.2.3,12:30", "! !"},
-          {"0x1F,1e999", "! !"},
-          {"--5,+-5", "! !"},
-          {"inf,NaN", "! -"},
-          {"23.5 C,1013 hPa", "23.5 1013"},
-          {"23.5\260C,3.2 m3/h", "23.5 3.2"},
-          {"23.5\302\260C,400 W/m2", "23.5 400"},
-          {"23.5 C 7,41%!", "! 41"},
-          {"1 234,5", "! 5"},
-          {std::string("1\0,2", 4), "! 2"},
-          {"\xFF\xFE,\x01", "! !"}}},
-        {kTwo + "sDecimal=,", {{"23,5;41,2", "23.5 41.2"}, {"23,5 41,2", "23.5 41.2"}, {"1.234,5;41", "! 41"}}},
-        {kTwo + "sSeparator=semicolon", {{"1,5;2", "! 2"}}},
-        {kTwo + "sSeparator=::", {{"1::2::3", "1 2"}}},
-        {kTwo + "sSeparator=\\x20", {{"1 2", "1 2"}}},
-        {kTwo + "sSeparator=blanks", {{" 1   2", "1 2"}}},
-        {kTwo + "nFields=2", {{"23,41", "23 41"}, {"23,4124,42", "! !"}}},  // the end between two lines was lost
-        {kPrefixed, {{"T23.5C,1", "23.5 1"}, {"T23.5F,1", "! 1"}, {"23.5C,1", "! 1"}}},
-        {kTwo + "Channels.1.sSuffix=mV", {{"950.0 mV 3", "950 !"}}},  // between blanks the unit is a field
-        {"Channels.1.nField=1; Channels.2.nField=1; Channels.1.sSuffix=mV; Channels.2.sSuffix=V",
-         {{"1.05 V", "- 1.05"}, {"1.05 A", "! !"}}},
-        {kTwo + "Channels.1.rScale=0.1; Channels.1.rOffset=-40", {{"500,-0", "10 -0"}}},
-        {kNone, {{"---,err", "- -"}, {"+9.90000000E+37,", "- !"}}},
-        {kTwo + "sNoValue=|-", {{",-", "- -"}}},
-        {kColumns, {{"ab 23.5  1013", "23.5 1013"}, {"ab-23.5-101.2", "-23.5 -101.2"}, {"ab 23.5", "23.5 !"}, {"ab", "! !"}}},
-        {kKeys,
-         {{"T=23.5C, RH=41 %", "23.5 41"},
-          {"RH: 41 T: 23.5", "23.5 41"},
-          {"T=23.5 C RH = 41 %", "23.5 41"},
-          {"ST=7 T=23.5|RH=41|", "23.5 41"},
-          {"T=23.5", "23.5 !"},
-          {"T=1 T=2 RH=", "! !"},
-          {"T=23,5 RH=41,x", "! 41"}}},
-        {kKeys + "sSeparator=comma", {{"T = 23.5 , RH:41", "23.5 41"}, {"Air T=1,T=2,RH=3", "2 3"}}},
-        {kKeys + "sDecimal=,", {{"T=23,5 RH=41,2", "23.5 41.2"}}},
-        {kKeys + "nLines=2; sFirst=T", {{"T=23.5\nRH=41", "23.5 41"}}},
-        {kKeys + "nLines=2; sFirst=T; Channels.2.nLine=1", {{"T=23.5\nRH=41", "23.5 !"}}},
-        {kJson,
-         {{"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]}", "23.5 25"},
-          {" { \"air\" : { \"t\" : \"23.5 C\" } , \"p\" : [ 0 , true ] } ", "23.5 1"},
-          {"{\"air\":{\"t\":null},\"p\":[0,\"x\"]}", "- !"},
-          {"{\"air\":{\"t\":1,\"t\":2},\"p\":[0]}", "! !"},
-          {"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]", "! !"},
-          {"{\"air\":{\"t\":023.5},\"p\":[1,2]}", "! !"}}},
-        {kRegex, {{"t23.5 h41", "23.5 41"}, {"t23.5", "23.5 !"}, {"T23.5 h41", "! !"}}},
-        {"nLines=2; sAsk=?; Channels.1.nField=1; Channels.2.nField=1; Channels.2.nLine=2", {{"1,2\n3,4", "1 3"}}}};
+    } cases[] = {{kTwo,
+                  {{"23.5,41.2", "23.5 41.2"},
+                   {" 23.5 ;\t-41 ", "23.5 -41"},
+                   {"23.5\t41.2", "23.5 41.2"},
+                   {"  +.5   41. 7", "0.5 41"},
+                   {"1e3,-2.5E-1,x", "1000 -0.25"},
+                   {"23.5", "23.5 !"},
+                   {"23.5,", "23.5 !"},
+                   {"abc,41", "! 41"},
+                   {"1.2.3,12:30", "! !"},
+                   {"0x1F,1e999", "! !"},
+                   {"--5,+-5", "! !"},
+                   {"inf,NaN", "! -"},
+                   {"23.5 C,1013 hPa", "23.5 1013"},
+                   {"23.5\260C,3.2 m3/h", "23.5 3.2"},
+                   {"23.5\302\260C,400 W/m2", "23.5 400"},
+                   {"23.5 C 7,41%!", "! 41"},
+                   {"1 234,5", "! 5"},
+                   {std::string("1\0,2", 4), "! 2"},
+                   {"\xFF\xFE,\x01", "! !"}}},
+                 {kTwo + "sDecimal=,", {{"23,5;41,2", "23.5 41.2"}, {"23,5 41,2", "23.5 41.2"}, {"1.234,5;41", "! 41"}}},
+                 {kTwo + "sSeparator=semicolon", {{"1,5;2", "! 2"}}},
+                 {kTwo + "sSeparator=::", {{"1::2::3", "1 2"}}},
+                 {kTwo + "sSeparator=\\x20", {{"1 2", "1 2"}}},
+                 {kTwo + "sSeparator=blanks", {{" 1   2", "1 2"}}},
+                 {kTwo + "nFields=2", {{"23,41", "23 41"}, {"23,4124,42", "! !"}}},  // the end between two lines was lost
+                 {kTwo + "Channels.1.sSuffix=\\xB0; Channels.1.sPrefix=\\xB5",
+                  {{"\xB5"
+                    "23.5\xB0,1",
+                    "23.5 1"},
+                   {"\xC2\xB5"
+                    "23.5 \xC2\xB0,1",
+                    "23.5 1"}}},
+                 {kPrefixed, {{"T23.5C,1", "23.5 1"}, {"T23.5F,1", "! 1"}, {"23.5C,1", "! 1"}}},
+                 {kTwo + "Channels.1.sSuffix=mV", {{"950.0 mV 3", "950 !"}}},  // between blanks the unit is a field
+                 {"Channels.1.nField=1; Channels.2.nField=1; Channels.1.sSuffix=mV; Channels.2.sSuffix=V",
+                  {{"1.05 V", "- 1.05"}, {"1.05 A", "! !"}}},
+                 {kTwo + "Channels.1.rScale=0.1; Channels.1.rOffset=-40", {{"500,-0", "10 -0"}}},
+                 {kNone, {{"---,err", "- -"}, {"+9.90000000E+37,", "- !"}}},
+                 {kTwo + "sNoValue=|-", {{",-", "- -"}}},
+                 {kColumns,
+                  {{"ab 23.5  1013", "23.5 1013"},
+                   {"ab-23.5-101.2", "-23.5 -101.2"},
+                   {"ab 23.5", "23.5 !"},
+                   {"ab", "! !"},
+                   {"\xB0\xB5 23.5  1013", "23.5 1013"},
+                   {"\xC2\xB0\xC2\xB5 23.5  1013", "23.5 1013"}}},
+                 {kKeys,
+                  {{"T=23.5C, RH=41 %", "23.5 41"},
+                   {"RH: 41 T: 23.5", "23.5 41"},
+                   {"T=23.5 C RH = 41 %", "23.5 41"},
+                   {"ST=7 T=23.5|RH=41|", "23.5 41"},
+                   {"T=23.5", "23.5 !"},
+                   {"T=1 T=2 RH=", "! !"},
+                   {"T=23,5 RH=41,x", "! 41"}}},
+                 {kKeys + "sSeparator=comma", {{"T = 23.5 , RH:41", "23.5 41"}, {"Air T=1,T=2,RH=3", "2 3"}}},
+                 {kKeys + "sDecimal=,", {{"T=23,5 RH=41,2", "23.5 41.2"}}},
+                 {kKeys + "nLines=2; sFirst=T", {{"T=23.5\nRH=41", "23.5 41"}}},
+                 {kKeys + "nLines=2; sFirst=T; Channels.2.nLine=1", {{"T=23.5\nRH=41", "23.5 !"}}},
+                 {kJson,
+                  {{"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]}", "23.5 25"},
+                   {" { \"air\" : { \"t\" : \"23.5 C\" } , \"p\" : [ 0 , true ] } ", "23.5 1"},
+                   {"{\"air\":{\"t\":null},\"p\":[0,\"x\"]}", "- !"},
+                   {"{\"air\":{\"t\":1,\"t\":2},\"p\":[0]}", "! !"},
+                   {"{\"air\":{\"t\":23.5},\"p\":[1,2.5e1]", "! !"},
+                   {"{\"air\":{\"t\":023.5},\"p\":[1,2]}", "! !"}}},
+                 {kRegex, {{"t23.5 h41", "23.5 41"}, {"t23.5", "23.5 !"}, {"T23.5 h41", "! !"}}},
+                 {"nLines=2; sAsk=?; Channels.1.nField=1; Channels.2.nField=1; Channels.2.nLine=2", {{"1,2\n3,4", "1 3"}}}};
     for (const auto& one : cases) {
         for (const auto& [text, values] : one.lines) {
             const size_t end = text.find('\n');
@@ -193,7 +206,7 @@ TEST(TextJson, IsStrict) {
     EXPECT_EQ(leaves[0].path, "a[0].b");
     EXPECT_EQ(leaves[0].text, "-0.5e+3");
     EXPECT_EQ(leaves[1].path, "a[1]");
-    EXPECT_EQ(leaves[1].text, "x\xB0\n\"");
+    EXPECT_EQ(leaves[1].text, orvik::detail::HouseFrom1252("x\xB0\n\""));
     EXPECT_EQ(leaves[2].kind, JsonLeaf::False);
     // Deep paths of long names do not add up.
     std::string names;
@@ -203,7 +216,8 @@ TEST(TextJson, IsStrict) {
 }
 
 TEST(TextEscapes, ComeBack) {
-    const std::string bytes("\r\n\t\\;\0\x1B\x80 \xB0z", 11);
-    EXPECT_EQ(Escape(bytes, ";"), "\\r\\n\\t\\\\\\x3B\\x00\\x1B\\x80 \xB0z");
+    const std::string degree = orvik::detail::HouseFrom1252("\xB0"),
+                      bytes = std::string("\r\n\t\\;\0\x1B\x80 ", 9) + degree + "z";
+    EXPECT_EQ(Escape(bytes, ";"), "\\r\\n\\t\\\\\\x3B\\x00\\x1B\\x80 " + degree + "z");
     EXPECT_EQ(Unescape(Escape(bytes, ";")), bytes);
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/house_text.h"
+
 namespace {
 // Groups as "name=text name=-"; "no" where the pattern does not fit.
 std::string Groups(const std::string& pattern, const std::string& text) {
@@ -57,6 +59,21 @@ TEST(TextPattern, TakesWhatPerlWouldTake) {
                  {"(?<t>.)$", "a\xFF", "t=\xFF"},
                  {"end", "the en", "no"}};
     for (const auto& one : cases) EXPECT_EQ(Groups(one.pattern, one.text), one.groups) << one.pattern << " in " << one.text;
+}
+
+TEST(TextPattern, TakesCharactersOfAnyScript) {
+    if (OrvikTextCodePage() != CP_UTF8) GTEST_SKIP() << "characters are bytes";
+    const struct {
+        const char *pattern, *text, *groups;
+    } cases[] = {{"^(?<t>.{3})C$", "21°C", "t=21°"},
+                 {"[°º](?<t>.)", "21ºΩ", "t=Ω"},
+                 {"[^°]+(?<t>[^\\d])", "温度°1", "t=°"},
+                 {"(?<t>Ω+)(?<u>[α-ω]?)", "ΩΩω", "t=ΩΩ u=ω"},
+                 {"(?<t>[\\d.]+)\\xB0(?<u>\\x80)", "21.5°€", "t=21.5 u=€"},
+                 {"[αb-c](?<t>\\W)", "c\U0001F321", "t=\U0001F321"},
+                 {"[°]$", "\u00F0", "no"}};
+    for (const auto& one : cases) EXPECT_EQ(Groups(one.pattern, one.text), one.groups) << one.pattern << " in " << one.text;
+    EXPECT_EQ(text::Pattern("[α-ω]\\W").Example(nullptr), "α ");
 }
 
 TEST(TextPattern, RefusesWhatItIsNot) {

@@ -4,6 +4,7 @@
 #include <tuple>
 #include <vector>
 
+#include "platform/house_text_internal.h"
 #include "tests/support/dialog_fixture.h"
 #include "tests/ui/scratch_folder.h"
 
@@ -117,10 +118,11 @@ TEST_F(Disk, CopiesBytesToANewName) {
 TEST_F(Disk, TheSameNameInAnyCaseIsTold) {
     folder.Write("a.txt", "1");
     EXPECT_EQ(Refused("a.txt", "A.TXT"), "Source and target directories\nare the same.");
-    EXPECT_EQ(Refused("\xE5.txt", "\xC5.TXT"), "Source and target directories\nare the same.");
+    EXPECT_EQ(Refused(orvik::detail::HouseFrom1252("\xE5.txt").c_str(), orvik::detail::HouseFrom1252("\xC5.TXT").c_str()),
+              "Source and target directories\nare the same.");
     EXPECT_EQ(folder.Count(), 1u);
     const TextLanguage swedish(LANG_SWEDISH);
-    EXPECT_EQ(Refused(nullptr, ""), "K\xE4lla och m\xE5lmapp\n\xE4r samma.");
+    EXPECT_EQ(Refused(nullptr, ""), orvik::detail::HouseFrom1252("K\xE4lla och m\xE5lmapp\n\xE4r samma."));
 }
 
 TEST_F(Disk, ACopyNeverOverwrites) {
@@ -138,7 +140,7 @@ TEST_F(Disk, OtherReasonsAreTold) {
     EXPECT_EQ(Refused("a.txt", "missing\\b.txt"), "Could not copy file.\n\nError code: 3.");
     EXPECT_EQ(Refused("sub", "b.txt"), "Could not copy file.\n\nAccess denied.");
     const TextLanguage swedish(LANG_SWEDISH);
-    EXPECT_EQ(Refused("sub", "b.txt"), "Kunde inte kopiera filen.\n\n\xC5tkomst nekad.");
+    EXPECT_EQ(Refused("sub", "b.txt"), orvik::detail::HouseFrom1252("Kunde inte kopiera filen.\n\n\xC5tkomst nekad."));
     EXPECT_EQ(folder.Count(), 2u);
 }
 

@@ -3,6 +3,7 @@
 
 #include <set>
 
+#include "platform/house_text_internal.h"
 #include "res/ids.h"
 #include "tests/support/dialog_fixture.h"
 
@@ -65,8 +66,8 @@ TEST_F(PropListDialog, TheTitleNamesAResourceInBothLanguages) {
     Properties svensk, plain;
     svensk.Title(IDS_PROPERTY);
     ASSERT_TRUE(svensk.Create(IDD_ORVIK_PROPERTIES, &owner));
-    EXPECT_EQ(TextOf(svensk), "Egenskaper f\xF6r Egenskap");
-    EXPECT_EQ(TextOf(GetDlgItem(svensk, IDC_ORVIK_CLOSE)), "St\xE4ng");
+    EXPECT_EQ(TextOf(svensk), orvik::detail::HouseFrom1252("Egenskaper f\xF6r Egenskap"));
+    EXPECT_EQ(TextOf(GetDlgItem(svensk, IDC_ORVIK_CLOSE)), orvik::detail::HouseFrom1252("St\xE4ng"));
     ASSERT_TRUE(plain.Create(IDD_ORVIK_PROPERTIES, &owner));
     EXPECT_EQ(TextOf(plain), "Egenskaper") << "its own title without one";
 }

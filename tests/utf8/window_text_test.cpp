@@ -153,17 +153,17 @@ TEST_F(Utf8Window, PositionsInFieldsAreBytes) {
     EXPECT_EQ(4, LOWORD(SendMessageA(field, EM_CHARFROMPOS, 0, end)));
 }
 
-TEST_F(Utf8Window, LimitsOfFieldsAreBytes) {
+TEST_F(Utf8Window, LimitsOfFieldsAreLetters) {
     const struct {
         const char *begin, *added;
         std::string typed, put;
     } cases[] = {
-        {"", "\xCE\xA9\xCE\xA9\xCE\xA9\xCE\xA9", "\xCE\xA9\xCE\xA9", "\xCE\xA9\xCE\xA9"},
-        {"ab", kAll, "aba\xC3\xA5", "aba\xC3\xA5"},
-        {"abc", "\xE2\x82\xACz", "abcz", "abc"},  // what is typed later may still fit
-        {"abc", "\xF0\x9F\x8C\xA1", "abc", "abc"},
-        {"a", "\xF0\x9F\x8C\xA1", "a\xF0\x9F\x8C\xA1", "a\xF0\x9F\x8C\xA1"},
-        {"\xE2\x82\xAC", "xyz", "\xE2\x82\xACxy", "\xE2\x82\xACxy"},
+        {"", "\xCE\xA9\xCE\xA9\xCE\xA9\xCE\xA9\xCE\xA9\xCE\xA9", "\xCE\xA9\xCE\xA9\xCE\xA9\xCE\xA9\xCE\xA9",
+         "\xCE\xA9\xCE\xA9\xCE\xA9\xCE\xA9\xCE\xA9"},
+        {"ab", kAll, "aba\xC3\xA5\xE2\x82\xAC", "aba\xC3\xA5\xE2\x82\xAC"},
+        {"abcd", "\xF0\x9F\x8C\xA1", "abcd\xF0\x9F\x8C\xA1", "abcd\xF0\x9F\x8C\xA1"},
+        {"abcd", "e\xCC\x81", "abcde\xCC\x81", "abcde\xCC\x81"},  // one letter
+        {"\xF0\x9F\x8C\xA1\xE2\x82\xAC", "xyz", "\xF0\x9F\x8C\xA1\xE2\x82\xACxyz", "\xF0\x9F\x8C\xA1\xE2\x82\xACxyz"},
         {"abcde", "x", "abcde", "abcde"},
     };
     for (const auto& each : cases) {
