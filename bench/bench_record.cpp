@@ -7,8 +7,8 @@
 #include <string>
 
 #include "bench/bench_support.h"
-#include "host/logger/reading_source.h"
-#include "host/measurement/reading_writer.h"
+#include "host/session/reading_source.h"
+#include "host/session/reading_writer.h"
 #include "record/recorder.h"
 #include "time/locale_cache.h"
 

@@ -2,21 +2,29 @@
 
 #include <algorithm>
 
+#include "platform/house_text.h"
+#include "platform/letters.h"
+
 namespace orvik::detail {
 namespace {
 
-constexpr char kEllipsis = '\x85';  // of Windows-1252
+std::string Ellipsis() {
+    std::string text;
+    OrvikTextFromUtf8("…", text);
+    return text;
+}
 
-// How many characters from the front fit, by halving: widths grow with length.
+// How many bytes from the front fit, no letter cut, by halving: widths grow with length.
 size_t Fitting(std::string_view text, int width, const std::function<int(std::string_view)>& measure) {
     size_t fits = 0, tooMany = text.size() + 1;
-    // No line is worth looking at whole that has far more characters than pixels.
-    tooMany = std::min(tooMany, static_cast<size_t>(std::max(width, 1)) + 2);
+    // No line is worth looking at whole that has far more letters than pixels, with all their marks.
+    constexpr size_t kLetter = 16;
+    tooMany = std::min(tooMany, kLetter * static_cast<size_t>(std::max(width, 1)) + 2);
     while (tooMany - fits > 1) {
         const size_t middle = fits + (tooMany - fits) / 2;
-        (measure(text.substr(0, middle)) <= width ? fits : tooMany) = middle;
+        (measure(OrvikWholeLetters(text, middle)) <= width ? fits : tooMany) = middle;
     }
-    return fits;
+    return OrvikWholeLetters(text, fits).size();
 }
 
 std::string_view WithoutSpaceBehind(std::string_view text) {
@@ -38,7 +46,7 @@ std::vector<std::string> FitLines(std::string_view text, int width, size_t mostL
 
         std::string_view rest(paragraph);
         do {
-            size_t count = std::max<size_t>(Fitting(rest, width, measure), std::min<size_t>(rest.size(), 1));
+            size_t count = std::max(Fitting(rest, width, measure), OrvikNextLetter(rest, 0));
             if (count < rest.size() && rest[count] != ' ') {
                 const size_t space = rest.substr(0, count).rfind(' ');
                 if (space != rest.npos && space > 0) count = space;
@@ -47,9 +55,9 @@ std::vector<std::string> FitLines(std::string_view text, int width, size_t mostL
             rest.remove_prefix(count);
             while (rest.starts_with(' ')) rest.remove_prefix(1);
             if (lines.size() + 1 >= mostLines && (!rest.empty() || !text.empty())) {
-                line += kEllipsis;
-                while (line.size() > 1 && measure(line) > width) line.erase(line.size() - 2, 1);
-                lines.push_back(std::move(line));
+                const std::string ellipsis = Ellipsis();
+                while (!line.empty() && measure(line + ellipsis) > width) line.resize(OrvikPreviousLetter(line, line.size()));
+                lines.push_back(line + ellipsis);
                 return lines;
             }
             lines.push_back(std::move(line));

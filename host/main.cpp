@@ -2,8 +2,9 @@
 #include <new>
 
 #include "host/command_line/commands.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/arguments.h"
+#include "platform/house_text.h"
 
 namespace {
 struct Command {
@@ -15,12 +16,6 @@ constexpr Command kCommands[] = {
     {"chart", RunChart},   {"db", RunDb},         {"locale", RunLocale},     {"version", RunVersion},   {"script", RunScript},
     {"read", RunRead},     {"check", RunCheck},   {"convert", RunConvert},   {"recover", RunRecover},   {"record", RunRecord},
     {"status", RunStatus}, {"reload", RunReload}, {"write", RunWrite},       {"learn", RunLearn}};
-
-std::string HouseWord(const char* word) {
-    std::string text(OrvikArgumentText(word, nullptr, 0), 0);
-    text.resize(OrvikArgumentText(word, text.data(), static_cast<DWORD>(text.size())));
-    return text;
-}
 
 ExitCode Run(CHostApp& app, Words words) {
     std::string name = "demo";
@@ -42,11 +37,9 @@ ExitCode Run(CHostApp& app, Words words) {
 int main(int argc, char** argv) {
     SetConsoleOutputCP(CP_UTF8);
     try {
-        if (!OrvikArgumentsAreWhole()) throw Failure{kWrongUse, Say(Text::ForeignCharacters)};
-        Words words;
-        for (int i = 1; i < argc; ++i) words.push_back(HouseWord(argv[i]));
+        OrvikChooseUtf8();
         CHostApp app;
-        const ExitCode code = Run(app, std::move(words));
+        const ExitCode code = Run(app, OrvikArguments(argc, argv));
         FinishOutput();
         return code;
     } catch (const Failure& failure) {

@@ -145,6 +145,12 @@ int CompareNoCase(std::string_view first, std::string_view second) {
     }
     return static_cast<int>(!first.empty()) - static_cast<int>(!second.empty());
 }
+
+bool BeginsNoCase(std::string_view text, std::string_view beginning) {
+    while (!text.empty() && !beginning.empty())
+        if (LowerCase(TakeHouse(text)) != LowerCase(TakeHouse(beginning))) return false;
+    return beginning.empty();
+}
 }  // namespace orvik::detail
 
 using namespace orvik::detail;

@@ -46,4 +46,5 @@ char32_t LowerCase(char32_t character);
 char32_t UpperCase(char32_t character);
 // Orders by the lower-case characters; < 0, 0, > 0.
 int CompareNoCase(std::string_view first, std::string_view second);
+bool BeginsNoCase(std::string_view text, std::string_view beginning);
 }  // namespace orvik::detail

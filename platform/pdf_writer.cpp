@@ -1,9 +1,12 @@
-// Pictures as a PDF file of one page, after ISO 32000-1: text in the standard fonts that every reader has, nothing compressed, so
-// that a picture can be compared and searched as it is. One pixel is 1/96 inch, which is 3/4 point.
+// Pictures as a PDF file of one page, after ISO 32000-1: text in the standard fonts that every reader has, where they can say it,
+// else in fonts that the file carries along; the page itself not compressed, so that a picture can be compared and searched as it
+// is. One pixel is 1/96 inch, which is 3/4 point.
 #include <array>
 #include <cmath>
+#include <optional>
 
-#include "platform/vector_sink_internal.h"
+#include "platform/house_text_internal.h"
+#include "platform/pdf_fonts_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -43,10 +46,21 @@ constexpr uint16_t kBoldWidths[224] = {
     611, 611, 611, 611, 611, 611,  611,  584,  611, 611,  611, 611, 611,  556, 611, 556};  // F0
 constexpr std::array<const char*, 4> kFonts = {"Helvetica", "Helvetica-Bold", "Helvetica-Oblique", "Helvetica-BoldOblique"};
 
-double NaturalWidth(const VectorText& text) {
+// In the encoding of the standard fonts; nothing where they lack a letter.
+std::optional<std::string> InStandardFonts(const std::string& utf8) {
+    std::string bytes;
+    for (std::string_view rest = utf8; !rest.empty();) {
+        const int byte = ByteFromUnicode(TakeUtf8(rest));
+        if (byte < 0) return std::nullopt;
+        bytes += static_cast<char>(byte);
+    }
+    return bytes;
+}
+
+double NaturalWidth(const VectorText& text, const std::string& bytes) {
     const uint16_t* widths = text.weight >= 600 ? kBoldWidths : kPlainWidths;
     double width = 0;
-    for (const char c : text.text) width += widths[static_cast<unsigned char>(c) - 0x20];
+    for (const char c : bytes) width += widths[static_cast<unsigned char>(c) - 0x20];
     return width * text.size / 1000;
 }
 
@@ -81,6 +95,9 @@ public:
         std::vector<std::string> objects = {"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>"};
         std::string fonts;
         for (size_t i = 0; i < kFonts.size(); ++i) fonts += " /F" + std::to_string(i) + ' ' + std::to_string(5 + i) + " 0 R";
+        constexpr size_t kCarried = 5 + kFonts.size();
+        for (size_t i = 0; i < m_fonts.Count(); ++i)
+            fonts += " /C" + std::to_string(i) + ' ' + std::to_string(kCarried + i * PdfFonts::kObjectsEach) + " 0 R";
         objects.push_back("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 " + VectorNumber(m_width * kPointsAPixel) + ' ' +
                           VectorNumber(m_height * kPointsAPixel) + "] /Contents 4 0 R /Resources << /Font <<" + fonts +
                           " >> >> >>");
@@ -88,6 +105,7 @@ public:
         for (const char* font : kFonts)
             objects.push_back(std::string("<< /Type /Font /Subtype /Type1 /BaseFont /") + font +
                               " /Encoding /WinAnsiEncoding >>");
+        for (std::string& object : m_fonts.Objects(kCarried)) objects.push_back(std::move(object));
 
         std::string file = "%PDF-1.4\n%\xE2\xE3\xCF\xD3\n";  // bytes above 127, for those who would take it for text
         std::string places = "0000000000 65535 f \n";
@@ -146,7 +164,9 @@ protected:
     void PutText(const VectorText& text) override {
         // The reader's font may be narrower or wider than the one that the picture was laid out with: it is stretched to that
         // width, so that texts keep to the places that were made for them.
-        const double natural = NaturalWidth(text);
+        const std::optional<std::string> standard = InStandardFonts(text.text);
+        const PageLine line = standard ? PageLine() : ShapeForPage(text);
+        const double natural = standard ? NaturalWidth(text, *standard) : line.width * text.size / 1000;
         const double stretch = text.width > 0 && natural > 0 ? text.width / natural : 1;
         const double width = natural * stretch;
         const double back = text.anchor == VectorAnchor::start ? 0 : text.anchor == VectorAnchor::middle ? width / 2 : width;
@@ -154,16 +174,20 @@ protected:
         const double cosine = std::cos(text.angle * kDegree), sine = std::sin(text.angle * kDegree);
         const double x = text.x - back * cosine, y = text.y + back * sine;
 
-        const int font = (text.weight >= 600 ? 1 : 0) + (text.italic ? 2 : 0);
-        m_text += "q\n" + Colour(text.colour, "rg") + "BT\n/F" + std::to_string(font) + ' ' + Numbers({text.size}) + "Tf\n";
+        m_text += "q\n" + Colour(text.colour, "rg") + "BT\n";
+        if (standard) {
+            const int font = (text.weight >= 600 ? 1 : 0) + (text.italic ? 2 : 0);
+            m_text += "/F" + std::to_string(font) + ' ' + Numbers({text.size}) + "Tf\n";
+        }
         if (std::abs(stretch - 1) > 0.001) m_text += Numbers({stretch * 100}) + "Tz\n";
         // Turned about the start of the base line, and upright again on a page that is upside down.
-        m_text += Numbers({cosine, -sine, -sine, -cosine, x, y}) + "Tm\n(";
-        for (const char c : text.text) {
-            if (c == '(' || c == ')' || c == '\\') m_text += '\\';
-            m_text += c;
+        m_text += Numbers({cosine, -sine, -sine, -cosine, x, y}) + "Tm\n";
+        if (standard) {
+            ShowStandard(*standard);
+        } else {
+            ShowCarried(line, text.size);
         }
-        m_text += ") Tj\nET\n";
+        m_text += "ET\n";
         const auto rule = [&](double below) {  // a bar `below` ems under the base line
             const double left = x + below * text.size * sine, top = y + below * text.size * cosine;
             m_text += Colour(text.colour, "RG") + Numbers({text.size / 15}) + "w\n" + Numbers({left, top}) + "m " +
@@ -175,6 +199,42 @@ protected:
     }
 
 private:
+    void ShowStandard(const std::string& bytes) {
+        m_text += '(';
+        for (const char c : bytes) {
+            if (c == '(' || c == ')' || c == '\\') m_text += '\\';
+            m_text += c;
+        }
+        m_text += ") Tj\n";
+    }
+
+    // Glyph by glyph at its place. What several glyphs say together, or a glyph that says another text elsewhere, is told beside.
+    void ShowCarried(const PageLine& line, double size) {
+        double pen = 0, rise = 0;
+        size_t current = static_cast<size_t>(-1);
+        for (size_t first = 0, next = 0; first < line.glyphs.size(); first = next) {
+            do ++next;
+            while (next < line.glyphs.size() && line.glyphs[next].says.empty());
+            const PageGlyph& head = line.glyphs[first];
+            const bool alone = next == first + 1;
+            const bool beside = m_fonts.Says(m_fonts.Use(head, alone), head.glyph) != head.says || !alone;
+            if (beside) m_text += "/Span << /ActualText <FEFF" + PdfUtf16(head.says) + "> >> BDC\n";
+            for (size_t i = first; i < next; ++i) {
+                const PageGlyph& glyph = line.glyphs[i];
+                const size_t font = m_fonts.Use(glyph, alone);
+                if (font != current) m_text += "/C" + std::to_string(font) + ' ' + Numbers({size}) + "Tf\n";
+                current = font;
+                if (glyph.y != rise) m_text += Numbers({glyph.y * size / 1000}) + "Ts\n";
+                rise = glyph.y;
+                m_text += "[";
+                if (glyph.x != pen) m_text += VectorNumber(pen - glyph.x) + ' ';
+                m_text += '<' + PdfCode(glyph.glyph) + ">] TJ\n";
+                pen = glyph.x + glyph.font->Advance(glyph.glyph);
+            }
+            if (beside) m_text += "EMC\n";
+        }
+    }
+
     void Begin(const uint32_t* inside, const VectorPen* outline) {
         m_text += "q\n";
         if (inside != nullptr) m_text += Colour(*inside, "rg");
@@ -212,6 +272,7 @@ private:
 
     double m_width, m_height;
     std::string m_text;  // what the page shows
+    PdfFonts m_fonts;
 };
 }  // namespace
 

@@ -17,6 +17,5 @@ ORVIK_API BOOL OrvikPostPointer(HWND window, UINT message, int x, int y, int whe
 // Key `key` (VK_) goes down or up: for the window with the focus, else for `window`. A character that TranslateMessage makes of
 // it comes after all that is posted by then, as always.
 ORVIK_API BOOL OrvikPostKey(HWND window, UINT key, BOOL down);
-// A WM_CHAR for each character, in a UTF-8 process (house_text.h) for each of its UTF-16 units: for the window that has the focus
-// by then, else for `window`.
+// The WM_CHAR messages of each character (platform/letters.h): for the window that has the focus by then, else for `window`.
 ORVIK_API BOOL OrvikPostText(HWND window, LPCSTR text);

@@ -5,18 +5,10 @@
 
 namespace orvik::detail {
 namespace {
-// What the bytes 80..9F of Windows-1252 stand for; 0 where nothing does.
-constexpr char16_t kHighControls[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-                                        0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-                                        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-
-// As UTF-8, with what XML keeps for itself written otherwise, in text and attributes alike.
+// With what XML keeps for itself written otherwise, in text and attributes alike.
 std::string Escaped(const std::string& text) {
     std::string out;
     for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        const char16_t letter = byte >= 0x80 && byte < 0xA0 ? kHighControls[byte - 0x80] : byte;
-        if (letter < 0x20 || letter == 0x7F) continue;
         if (c == '&') {
             out += "&amp;";
         } else if (c == '<') {
@@ -25,15 +17,8 @@ std::string Escaped(const std::string& text) {
             out += "&gt;";
         } else if (c == '"') {
             out += "&quot;";
-        } else if (letter < 0x80) {
+        } else if (static_cast<unsigned char>(c) >= ' ' && c != 0x7F) {
             out += c;
-        } else if (letter < 0x800) {
-            out += static_cast<char>(0xC0 | letter >> 6);
-            out += static_cast<char>(0x80 | (letter & 0x3F));
-        } else {
-            out += static_cast<char>(0xE0 | letter >> 12);
-            out += static_cast<char>(0x80 | (letter >> 6 & 0x3F));
-            out += static_cast<char>(0x80 | (letter & 0x3F));
         }
     }
     return out;

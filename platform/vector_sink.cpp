@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/house_text_internal.h"
 #include "platform/vector_sink_internal.h"
 
 namespace orvik::detail {
@@ -132,11 +133,15 @@ void VectorSink::Ellipse(const VectorRect& rect, const uint32_t* inside, const V
 
 void VectorSink::Text(const VectorText& text) {
     VectorText shown = text;
-    // Bytes that stand for no letter: controls, and the holes of Windows-1252.
-    std::erase_if(shown.text, [](char c) {
-        const auto byte = static_cast<unsigned char>(c);
-        return byte < 0x20 || byte == 0x7F || byte == 0x81 || byte == 0x8D || byte == 0x8F || byte == 0x90 || byte == 0x9D;
-    });
+    shown.text.clear();
+    // Without what stands for no letter: controls, and what no file of XML may hold.
+    for (std::string_view rest = text.text; !rest.empty();) {
+        const unsigned char first = static_cast<unsigned char>(rest.front());
+        char32_t c = TakeUtf8(rest);
+        if (c == kInvalid) c = UnicodeFrom1252(first);
+        if (c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0xFFFE || c == 0xFFFF) continue;
+        AppendUtf8(shown.text, c);
+    }
     if (shown.text.empty() || !Shows()) return;
     PutText(shown);
 }

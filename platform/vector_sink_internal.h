@@ -34,10 +34,11 @@ struct VectorText {
     double x = 0, y = 0;  // on the base line, at the anchor
     VectorAnchor anchor = VectorAnchor::start;
     double angle = 0;  // degrees, against the clock
-    std::string text;  // Windows-1252
+    std::string text;  // UTF-8
     double width = 0;  // as the DC measured it; 0 where it is not known
-    std::string face;
-    double size = 0;  // the height of an em
+    std::string face;  // UTF-8
+    int pitch = 0;     // lfPitchAndFamily: what else the face may be, where it is not there
+    double size = 0;   // the height of an em
     int weight = 400;
     bool italic = false, underline = false, strikeOut = false;
     uint32_t colour = 0;

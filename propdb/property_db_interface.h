@@ -102,7 +102,7 @@ public:
     // The using path: a prefix to keys, relative to the one before. A path that would pass 65,535 characters is refused: it stays
     // as it was, and the call still counts for EndUsing. Without a BeginUsing, EndUsing does nothing.
     virtual void BeginUsing(const char* path) = 0;
-    virtual void BeginUsingFmt(const char* format, ...) = 0;  // printf's language; at most 254 characters
+    virtual void BeginUsingFmt(const char* format, ...) = 0;  // printf's language; at most 254 bytes, no letter cut
     virtual void EndUsing() = 0;
     virtual CString GetUsing() const = 0;  // empty, or ending in "."
 

@@ -5,6 +5,9 @@
 
 #include <cstdarg>
 #include <limits>
+#include <string>
+
+#include "platform/letters.h"
 
 using orvik::detail::AsNode;
 using orvik::detail::TakeSegment;
@@ -155,7 +158,7 @@ void CPropertyDB::BeginUsingFmt(const char* format, ...) {
         path.FormatV(format, arguments);
         va_end(arguments);
     }
-    BeginUsing(path.Left(kMaxCharacters));
+    BeginUsing(std::string(OrvikWholeLetters(path.GetView(), kMaxCharacters)).c_str());
 }
 
 void CPropertyDB::BeginUsing(const char* text) {

@@ -20,6 +20,7 @@
 
 #include "afx/gdi.h"
 #include "afx/wnd.h"
+#include "platform/letters.h"
 #include "toolkit/prop.h"
 
 // Registered, so it is known once the module is loaded.
@@ -158,6 +159,7 @@ private:
     CBCGPProp* m_pSel = nullptr;
     int m_nTop = 0;
     int m_nRowHeight = 16, m_nTextHeight = 12;
+    OrvikTypedText m_typed;
     int m_nNameWidth = -1;  // pixels, once the user has dragged it; half the width before
     int m_nDragOffset = 0;
     bool m_bDragging = false;

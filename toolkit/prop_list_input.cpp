@@ -173,8 +173,8 @@ void CBCGPPropList::OnSysKeyDown(UINT nChar, UINT, UINT) {
 
 void CBCGPPropList::OnChar(UINT nChar, UINT, UINT) {
     if (m_pSel == nullptr || nChar < ' ' || nChar == 127 || !m_pSel->IsEditAllowed()) return;
-    const CString typed(static_cast<char>(nChar), 1);
-    BeginEdit(false, &typed);
+    const CString typed = m_typed.Take(nChar).c_str();
+    if (!typed.IsEmpty()) BeginEdit(false, &typed);
 }
 
 void CBCGPPropList::OnContextMenu(CWnd* pWnd, CPoint point) {

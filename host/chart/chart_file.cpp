@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "host/chart/chart_view.h"
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "platform/picture.h"
 
 void RequirePictureName(const std::string& path) {

@@ -8,9 +8,9 @@
 
 #include "chart/floating_tag.h"
 #include "chart/unit_axis.h"
-#include "host/command_line/console.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr char kFolder[] = "Chart", kTagFolder[] = "Tags", kTagChannels[] = "sTagChannels";

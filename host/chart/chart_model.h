@@ -8,7 +8,7 @@
 
 #include "chart/unit_context.h"
 #include "host/chart/chart_tag.h"
-#include "host/chart/series_reduction.h"
+#include "host/session/series_reduction.h"
 #include "host/session/session.h"
 
 class ChartModel {

@@ -8,7 +8,7 @@
 #include "chart/floating_tag.h"
 #include "host/chart/dashed_line.h"
 #include "host/chart/time_ticks.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/picture.h"
 
 namespace {
@@ -101,7 +101,7 @@ void ChartView::MeasureAndPlace(CDC& dc, const RECT& bounds) {
         sizes.legend.push_back(WidthOfText(dc, series.name));
         if (series.pattern > 0) sizes.swatch = kBrokenSwatch;
     }
-    sizes.more = WidthOfText(dc, HouseText(Text::LegendMore, {std::to_string(all.size())}));
+    sizes.more = WidthOfText(dc, Say(Text::LegendMore, {std::to_string(all.size())}));
     sizes.timeLabel = WidthOfText(dc, "00:00:00");
     // How wide the axes are follows from the plot's height, which does not depend on them.
     const RECT bare = LayoutChart(bounds, sizes).plot;
@@ -126,7 +126,7 @@ std::string ChartView::TimeRange() const {
     const auto only = m_model.OnlyTime();
     if (only && *only >= from && *only <= to) return DateText(*only) + " " + ClockText(*only, true);
     const std::string begin = DateText(from), end = DateText(to);
-    return begin + " " + ClockText(from, true) + " \x96 " + (begin == end ? "" : end + " ") + ClockText(to, true);
+    return begin + " " + ClockText(from, true) + " – " + (begin == end ? "" : end + " ") + ClockText(to, true);
 }
 
 void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
@@ -164,14 +164,14 @@ bool ChartView::TellsWhatIsMissing() const {
 void ChartView::DrawWhatIsMissing(CDC& dc) const {
     dc.SetTextColor(kGrey);
     const auto entries = std::count_if(m_layout.legend.begin(), m_layout.legend.end(), Empty);
-    if (!Empty(m_layout.more)) Write(dc, HouseText(Text::LegendMore, {std::to_string(entries)}), m_layout.more);
+    if (!Empty(m_layout.more)) Write(dc, Say(Text::LegendMore, {std::to_string(entries)}), m_layout.more);
     std::string units;
     for (size_t i = 0; i < m_places.size(); ++i) {
         const std::string& unit = m_model.Units()[m_places[i]].text;
         if (m_layout.axes[i].shown) continue;
-        units += (units.empty() ? "" : ", ") + (unit.empty() ? HouseText(Text::NoUnit) : unit);
+        units += (units.empty() ? "" : ", ") + (unit.empty() ? Say(Text::NoUnit) : unit);
     }
-    if (!units.empty()) Write(dc, HouseText(Text::AxesLeftOut, {ToUtf8(units)}), m_layout.leftOut);
+    if (!units.empty()) Write(dc, Say(Text::AxesLeftOut, {ToUtf8(units)}), m_layout.leftOut);
     dc.SetTextColor(kBlack);
 }
 
@@ -246,7 +246,7 @@ void ChartView::DrawTraces(CDC& dc) {
     dc.RestoreDC(saved);
     if (m_model.HasValues()) return;
     dc.SetTextColor(kGrey);
-    const std::string text = HouseText(m_model.Count() == 0 ? Text::NoReadings : Text::NoValues);
+    const std::string text = Say(m_model.Count() == 0 ? Text::NoReadings : Text::NoValues);
     RECT middle = m_layout.plot;
     dc.DrawText(text.c_str(), static_cast<int>(text.size()), &middle,
                 DT_SINGLELINE | DT_CENTER | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);

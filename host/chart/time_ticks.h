@@ -1,6 +1,5 @@
 // Ticks of a time axis on natural steps of the local calendar: which times they stand at, and what is written at them.
-// Decided without a drawing context. User-interface thread only, since texts are written in the user's regional format; they are
-// Windows-1252.
+// Decided without a drawing context. User-interface thread only, since texts are written in the user's regional format.
 //
 // Ticks stand where the local clock shows a multiple of the step: 12:00, 12:15; midnights; Mondays; firsts of months and years.
 // They are true instants, so that the spring night has one hour less between its midnights, and in the autumn night the hour that

@@ -7,18 +7,19 @@ struct Prefix {
     std::string_view text;
     int power;
 };
-// "u" stands for the Greek letter where a keyboard lacks it; the letter is what is written.
-constexpr Prefix kPrefixes[] = {{"p", -12}, {"n", -9}, {"\xB5", -6}, {"u", -6}, {"m", -3},
-                                {"", 0},    {"k", 3},  {"M", 6},     {"G", 9},  {"T", 12}};
+// The micro sign is what is written; the Greek letter looks the same, and "u" stands for it where a keyboard lacks both.
+constexpr Prefix kPrefixes[] = {{"p", -12}, {"n", -9}, {"µ", -6}, {"μ", -6}, {"u", -6}, {"m", -3},
+                                {"", 0},    {"k", 3},  {"M", 6},  {"G", 9},  {"T", 12}};
 
 struct Base {
     std::string_view text;
     int least = -12, most = 12;
 };
-constexpr Base kBases[] = {{"A"},         {"Ah"},       {"V"},        {"VA"},         {"VAh"},        {"var"},      {"varh"},
-                           {"W"},         {"Wh"},       {"J"},        {"eV"},         {"Pa"},         {"N"},        {"Nm"},
-                           {"Hz"},        {"S"},        {"ohm"},      {"Ohm"},        {"Bq"},         {"Sv"},       {"Gy"},
-                           {"T"},         {"B", 0},     {"bit", 0},   {"lm", 0, 6},   {"cal", 0, 6},  {"m", -9, 3}, {"g", -12, 3},
+constexpr Base kBases[] = {{"A"},         {"Ah"},       {"V"},        {"VA"},         {"VAh"},        {"var"},
+                           {"varh"},      {"W"},        {"Wh"},       {"J"},          {"eV"},         {"Pa"},
+                           {"N"},         {"Nm"},       {"Hz"},       {"S"},          {"ohm"},        {"Ω"},
+                           {"Ω"},         {"Ohm"},      {"Bq"},       {"Sv"},         {"Gy"},         {"T"},
+                           {"B", 0},      {"bit", 0},   {"lm", 0, 6}, {"cal", 0, 6},  {"m", -9, 3},   {"g", -12, 3},
                            {"s", -12, 0}, {"l", -6, 0}, {"L", -6, 0}, {"bar", -6, 3}, {"mol", -12, 3}};
 }  // namespace
 

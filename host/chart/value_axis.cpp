@@ -2,15 +2,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "afx/dc.h"
 #include "host/chart/value_ticks.h"
+#include "platform/letters.h"
 
 namespace {
 constexpr size_t kUnitLetters = 16;
 
 std::string ShortUnit(const std::string& unit) {
-    return unit.size() > kUnitLetters ? unit.substr(0, kUnitLetters - 1) + "\x85" : unit;
+    size_t end = 0, shortened = 0;
+    for (size_t letters = 0; letters < kUnitLetters && end < unit.size(); ++letters)
+        shortened = std::exchange(end, OrvikNextLetter(unit, end));
+    return end < unit.size() ? unit.substr(0, shortened) + "…" : unit;
 }
 
 LONG WidthOfText(const CDC& dc, const std::string& text) {

@@ -114,7 +114,7 @@ public:
         if (DigitsAt(decade, m_power) <= kLong) return;
         m_power = decade - ((decade % 3) + 3) % 3;
         m_unit = unit;
-        if (m_power != 0) m_unit = "\32710^" + std::to_string(m_power) + (unit.empty() ? "" : " " + unit);
+        if (m_power != 0) m_unit = "×10^" + std::to_string(m_power) + (unit.empty() ? "" : " " + unit);
     }
 
     std::string Text(__int64 number) const {

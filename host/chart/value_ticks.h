@@ -1,5 +1,5 @@
 // Ticks of a value axis: which values they stand at, and what is written at them and at the axis's head. Decided without a
-// drawing context. User-interface thread only, since numbers are written in the user's regional format; texts are Windows-1252.
+// drawing context. User-interface thread only, since numbers are written in the user's regional format.
 //
 // Ticks stand at multiples of 1, 2 or 5 times a power of ten, as close as labels stay readable. Where that would leave fewer than
 // three, steps of other round numbers are taken and labels may stand closer: three there are wherever the room is five labels

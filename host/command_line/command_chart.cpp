@@ -3,13 +3,13 @@
 #include <charconv>
 
 #include "host/chart/chart_file.h"
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
-#include "host/command_line/time_input.h"
 #include "host/session/database_file.h"
 #include "host/session/session_file.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
+#include "host/words/time_input.h"
 #include "platform/picture.h"
 
 namespace {
@@ -42,10 +42,7 @@ void AddTag(ChartModel& model, const std::string& argument) {
     const std::string number = argument.substr(first + 1, second - first - 1);
     double value = 0;
     if (!RealFromText(ToUtf8(number), value)) throw Failure{kWrongUse, Say(Text::TagValue, {ToUtf8(number)})};
-    std::string text;
-    if (!FromUtf8(ToUtf8(argument.substr(second + 1)), text))
-        throw Failure{kWrongUse, Say(Text::TextNotHeld, {argument.substr(second + 1)})};
-    model.AddTag(time, value, text);
+    model.AddTag(time, value, ToUtf8(argument.substr(second + 1)));
 }
 }  // namespace
 

@@ -1,15 +1,15 @@
 // check: a logger description or a station, without a device.
 #include <set>
 
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
-#include "host/command_line/span_words.h"
 #include "host/logger/logger_file.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
 #include "host/session/session.h"
 #include "host/station/station_files.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/span_words.h"
+#include "host/words/texts.h"
 
 namespace {
 ExitCode CheckStation(CHostApp& app, const std::string& path) {

@@ -1,14 +1,14 @@
 // convert: a session in another form: recording, archive, XML or text.
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
-#include "host/logger/reading_source.h"
-#include "host/measurement/reading_writer.h"
 #include "host/session/csv_file.h"
 #include "host/session/database_file.h"
+#include "host/session/reading_source.h"
+#include "host/session/reading_writer.h"
 #include "host/session/recording_copy.h"
 #include "host/session/recording_files.h"
 #include "host/session/session_file.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 #include "platform/file_replacement.h"
 
 namespace {

@@ -1,10 +1,10 @@
 // db: look into any property database and change it.
-#include "host/command_line/arguments.h"
 #include "host/command_line/command_edit.h"
 #include "host/command_line/commands.h"
 #include "host/session/database_file.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 std::vector<std::string> AllKeys(const CPropertyDB& db) {

@@ -4,16 +4,16 @@
 #include <thread>
 
 #include "host/chart/chart_file.h"
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/logger/simulated_line.h"
 #include "host/measurement/download.h"
+#include "host/measurement/replaceable_file.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
-#include "host/session/replaceable_file.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 void MakeFolder(const std::string& folder) {
@@ -51,8 +51,7 @@ void TagLowest(const Session& session, ChartModel& model, CPropertyDB& db) {
     const double* const lowest = std::min_element(values, values + session.Count(),
                                                   [](double a, double b) { return a < b || (std::isnan(b) && !std::isnan(a)); });
     if (!std::isfinite(*lowest)) return;
-    std::string text;
-    if (!FromUtf8(Say(Text::Lowest, {ShortTextOf(*lowest), ToUtf8(channel.unit)}), text)) return;
+    const std::string text = Say(Text::Lowest, {ShortTextOf(*lowest), ToUtf8(channel.unit)});
     model.AddTag(session.Times().GetAt(lowest - values), *lowest, text);
     db.SetValue("Session.sOwnComment", text.c_str());
 }

@@ -1,15 +1,15 @@
 // download: read a logger on a port into a session or a recording.
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/csv_sink.h"
 #include "host/measurement/download.h"
 #include "host/measurement/recording_plan.h"
+#include "host/measurement/replaceable_file.h"
 #include "host/session/csv_file.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
-#include "host/session/replaceable_file.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 // The session of a recording that has ended. Where there can be none, the recording keeps the readings, and its user is told so.

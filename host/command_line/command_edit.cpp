@@ -7,7 +7,7 @@
 #include "host/command_line/line_editor.h"
 #include "host/session/database_file.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 namespace {
 // Words are parted by blanks; a stretch in double quotes is one word, or part of one, without its quotes.

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/command_line/console.h"
+#include "host/words/console.h"
 #include "propdb/property_db.h"
 
 ExitCode EditDatabase(const std::string& path);

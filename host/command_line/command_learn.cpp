@@ -7,13 +7,13 @@
 #include "comm/line_address.h"
 #include "comm/line_connection.h"
 #include "comm/transport.h"
-#include "host/command_line/arguments.h"
+#include "host/app/stop_request.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
 #include "host/session/database_file.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 using Clock = std::chrono::steady_clock;

@@ -1,7 +1,7 @@
 // locale: the user's regional settings as the module has read them, and a sample of every kind of text.
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
 #include "time/locale_cache.h"

@@ -4,9 +4,10 @@
 
 #include "afx/array.h"
 #include "comm/serial_device.h"
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
+#include "platform/letters.h"
 #include "platform/port_holder.h"
 
 namespace {
@@ -60,11 +61,11 @@ ExitCode RunPorts(CHostApp&, const Words& words) {
     rows.insert(rows.begin(), {Say(Text::Name), Say(Text::DescriptionTitle), Say(Text::Holder)});
     size_t widths[2] = {};
     for (const auto& row : rows) {
-        for (size_t i = 0; i < 2; ++i) widths[i] = std::max(widths[i], WidthOf(row[i]));
+        for (size_t i = 0; i < 2; ++i) widths[i] = std::max(widths[i], OrvikColumns(row[i]));
     }
     for (const auto& row : rows) {
-        std::string line = row[0] + std::string(widths[0] - WidthOf(row[0]) + 2, ' ') + row[1];
-        if (!row[2].empty()) line += std::string(widths[1] - WidthOf(row[1]) + 2, ' ') + row[2];
+        std::string line = row[0] + std::string(widths[0] - OrvikColumns(row[0]) + 2, ' ') + row[1];
+        if (!row[2].empty()) line += std::string(widths[1] - OrvikColumns(row[1]) + 2, ' ') + row[2];
         Print(line);
     }
     return kDone;

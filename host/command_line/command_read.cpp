@@ -1,14 +1,15 @@
 // read: one reading of a logger, shown and kept nowhere.
 #include <algorithm>
 
-#include "host/command_line/arguments.h"
+#include "host/app/stop_request.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
-#include "host/measurement/reading_writer.h"
+#include "host/session/reading_writer.h"
 #include "host/session/value_text.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
+#include "platform/letters.h"
 
 namespace {
 // Keeps the one reading, and what is missing of it.
@@ -43,20 +44,20 @@ std::string Lines(const Session& session, const OneReading& reading) {
     std::vector<std::string> texts;
     for (size_t i = 0; i < session.Channels().size(); ++i) {
         texts.push_back(WholeTextOf(reading.values[i]));
-        names = std::max(names, WidthOf(ToUtf8(session.Channels()[i].name)));
-        if (reading.WhyNot(i).empty()) numbers = std::max(numbers, WidthOf(texts[i]));
+        names = std::max(names, OrvikColumns(ToUtf8(session.Channels()[i].name)));
+        if (reading.WhyNot(i).empty()) numbers = std::max(numbers, OrvikColumns(texts[i]));
     }
     std::string lines = TimeTextOf(reading.time) + "\n";
     for (size_t i = 0; i < texts.size(); ++i) {
         const std::string name = ToUtf8(session.Channels()[i].name), why = reading.WhyNot(i);
-        lines += name + std::string(names - WidthOf(name) + 2, ' ');
+        lines += name + std::string(names - OrvikColumns(name) + 2, ' ');
         if (!why.empty()) {
             lines += "- (" + why + ")\n";
             continue;
         }
         const std::string unit = ToUtf8(session.Channels()[i].unit);
-        lines +=
-            std::string(numbers - std::min(numbers, WidthOf(texts[i])), ' ') + texts[i] + (unit.empty() ? "" : " " + unit) + "\n";
+        lines += std::string(numbers - std::min(numbers, OrvikColumns(texts[i])), ' ') + texts[i] +
+                 (unit.empty() ? "" : " " + unit) + "\n";
     }
     return lines;
 }

@@ -1,14 +1,14 @@
 // record, status, reload: the loggers of a station side by side, and what their recorder does.
 #include <thread>
 
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/measurement/recording_clock.h"
 #include "host/session/database_file.h"
 #include "host/session/value_text.h"
 #include "host/station/station_recorder.h"
 #include "host/station/station_status.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 [[noreturn]] void Refuse(const std::string& path, const StationMistakes& mistakes) {

@@ -1,9 +1,9 @@
 // recover: what a download that did not come to its end has left, folded into the session that was meant.
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 #include "record/recording_file.h"
 
 namespace {

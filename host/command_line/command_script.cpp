@@ -1,10 +1,10 @@
 // script: gestures from a text file, done to a session in a window, with pictures of what it shows.
 #include "afx/exception.h"
 #include "afx/file.h"
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/gui/script_runner.h"
 #include "host/session/database_file.h"
+#include "host/words/arguments.h"
 
 namespace {
 constexpr SIZE kWindow = {1000, 640};

@@ -3,14 +3,14 @@
 #include <cstdio>
 #include <set>
 
+#include "host/app/stop_request.h"
 #include "host/command_line/commands.h"
 #include "host/command_line/show_options.h"
 #include "host/session/database_file.h"
 #include "host/session/gap_list.h"
 #include "host/session/recording_files.h"
 #include "host/session/session_file.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr size_t kBlock = 256 * 1024;  // bytes that are written at a time

@@ -3,13 +3,13 @@
 #include <optional>
 #include <thread>
 
-#include "host/command_line/arguments.h"
+#include "host/app/stop_request.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/logger/simulated_line.h"
 #include "host/logger/simulated_server.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 template <class Line>

@@ -1,8 +1,8 @@
 // version: what a program or library says of itself in its version resource.
-#include "host/command_line/arguments.h"
 #include "host/command_line/commands.h"
 #include "host/session/database_file.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 #include "ui/version_info.h"
 
 namespace {

@@ -2,14 +2,14 @@
 #include <charconv>
 #include <cmath>
 
-#include "host/command_line/arguments.h"
+#include "host/app/stop_request.h"
 #include "host/command_line/commands.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
 #include "host/session/column_format.h"
 #include "host/session/value_text.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
 
 namespace {
 // What was typed as a logger takes it: with a point as it is, in the user's format as that is read.

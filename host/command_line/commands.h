@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "host/command_line/console.h"
-#include "host/host_app.h"
+#include "host/app/host_app.h"
+#include "host/words/console.h"
 
 using Words = std::vector<std::string>;
 

@@ -2,9 +2,9 @@
 
 #include <memory>
 
-#include "host/command_line/console.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "propdb/key_segments.h"
 
 using orvik::detail::FindSeparator;

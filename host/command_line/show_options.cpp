@@ -2,9 +2,9 @@
 
 #include <limits>
 
-#include "host/command_line/arguments.h"
-#include "host/command_line/time_input.h"
-#include "host/texts.h"
+#include "host/words/arguments.h"
+#include "host/words/texts.h"
+#include "host/words/time_input.h"
 #include "time/span_text.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "host/command_line/commands.h"
-#include "host/logger/reading_source.h"
-#include "host/measurement/reading_writer.h"
+#include "host/session/reading_source.h"
+#include "host/session/reading_writer.h"
 
 struct ShowOptions {
     enum class Form { Table, Csv, Json, Gaps };

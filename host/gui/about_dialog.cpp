@@ -1,7 +1,7 @@
 #include "host/gui/about_dialog.h"
 
 #include "frame/version.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "res/ids.h"
 #include "ui/version_info.h"
 
@@ -17,9 +17,9 @@ BOOL AboutDialog::OnInitDialog() {
         version = info.GetFileVersion();
         description = info.GetFileDescription();
     }
-    SetDlgItemText(IDC_HOST_VERSION, HouseText(Text::AboutVersion, {ToUtf8(name), ToUtf8(version)}).c_str());
+    SetDlgItemText(IDC_HOST_VERSION, Say(Text::AboutVersion, {ToUtf8(name), ToUtf8(version)}).c_str());
     SetDlgItemText(IDC_HOST_WHAT, description.c_str());
-    SetDlgItemText(IDC_HOST_PURPOSE, HouseText(Text::AboutText).c_str());
+    SetDlgItemText(IDC_HOST_PURPOSE, Say(Text::AboutText).c_str());
     CenterWindow();
     return done;
 }

@@ -50,17 +50,17 @@ HCURSOR ChartWindow::CursorAt(const Hit& hit) const {
 std::string ChartWindow::HintAt(const Hit& hit) const {
     switch (hit.spot) {
         case Spot::Plot:
-            return HouseText(Text::HintPlot);
+            return Say(Text::HintPlot);
         case Spot::Selection:
-            return HouseText(Text::HintSelection);
+            return Say(Text::HintSelection);
         case Spot::Tag:
-            return HouseText(Text::HintTag);
+            return Say(Text::HintTag);
         case Spot::AxisZoom:
-            return HouseText(Text::HintAxisZoom);
+            return Say(Text::HintAxisZoom);
         case Spot::AxisRubber:
-            return HouseText(Text::HintAxisRubber);
+            return Say(Text::HintAxisRubber);
         case Spot::AxisDrag:
-            return HouseText(Text::HintAxisDrag);
+            return Say(Text::HintAxisDrag);
         case Spot::Nowhere:
             break;
     }

@@ -98,7 +98,7 @@ void ChartWindow::UpToDate() {
         font.CreateFontIndirect(&description);
         CFont* const before = m_picture.dc.SelectObject(&font);
         m_picture.dc.SetTextColor(RGB(90, 90, 90));
-        const std::string text = HouseText(Text::NothingOpen);
+        const std::string text = Say(Text::NothingOpen);
         RECT place = client;
         m_picture.dc.DrawText(text.c_str(), static_cast<int>(text.size()), &place, DT_SINGLELINE | DT_CENTER | DT_VCENTER);
         m_picture.dc.SelectObject(before);

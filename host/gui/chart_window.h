@@ -126,4 +126,5 @@ private:
     int m_writtenTag = -1;  // -1: a new one
     CPoint m_writtenAt;
     LineEdit m_edit;
+    OrvikTypedText m_typed;
 };

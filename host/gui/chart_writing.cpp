@@ -59,7 +59,7 @@ bool ChartWindow::OnWritingKey(WORD key) {
 
 LRESULT ChartWindow::OnLetter(WPARAM wParam, LPARAM) {
     if (!m_writing) return 0;
-    m_edit.Write(static_cast<char>(wParam));
+    m_edit.Write(m_typed.Take(wParam));
     Redraw();
     return 0;
 }

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "host/work_progress.h"
+#include "host/app/work_progress.h"
 
 class CWnd;
 

@@ -1,12 +1,12 @@
-// A line of text that is being written: the text and where the next letter goes. A value type; any thread. Windows-1252.
+// A line of text that is being written: the text and where the next letter goes. A value type; any thread.
 #pragma once
 
 #include <string>
 
-#include "platform/win32.h"
+#include "platform/letters.h"
 
 struct LineEdit {
-    static constexpr size_t kLongest = 1000;
+    static constexpr size_t kLongest = 1000;  // bytes
 
     std::string text;
     size_t caret = 0;
@@ -14,18 +14,21 @@ struct LineEdit {
     LineEdit() = default;
     explicit LineEdit(std::string begin) : text(std::move(begin)), caret(text.size()) {}
 
-    void Write(char letter) {
-        if (static_cast<unsigned char>(letter) < ' ' || text.size() >= kLongest) return;
-        text.insert(caret++, 1, letter);
+    // A character as it is typed; control characters and what does not fit are passed over.
+    void Write(std::string_view character) {
+        if (character.empty() || static_cast<unsigned char>(character[0]) < ' ' || text.size() + character.size() > kLongest)
+            return;
+        text.insert(caret, character);
+        caret += character.size();
     }
     // A key that moves or removes; false for any other.
     bool Key(WORD key) {
         switch (key) {
             case VK_LEFT:
-                caret -= caret > 0 ? 1 : 0;
+                caret = OrvikPreviousLetter(text, caret);
                 return true;
             case VK_RIGHT:
-                caret += caret < text.size() ? 1 : 0;
+                caret = OrvikNextLetter(text, caret);
                 return true;
             case VK_HOME:
                 caret = 0;
@@ -34,13 +37,19 @@ struct LineEdit {
                 caret = text.size();
                 return true;
             case VK_BACK:
-                if (caret > 0) text.erase(--caret, 1);
+                caret = Erase(OrvikPreviousLetter(text, caret), caret);
                 return true;
             case VK_DELETE:
-                if (caret < text.size()) text.erase(caret, 1);
+                Erase(caret, OrvikNextLetter(text, caret));
                 return true;
             default:
                 return false;
         }
+    }
+
+private:
+    size_t Erase(size_t from, size_t to) {
+        text.erase(from, to - from);
+        return from;
     }
 };

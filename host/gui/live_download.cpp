@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "frame/version.h"
+#include "host/app/stop_request.h"
 #include "host/logger/logger_file.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 LiveDownload::LiveDownload(std::unique_ptr<ILogger> logger, CPropertyDB& description, DownloadPlan plan, std::string recording,
                            Listener& listener)

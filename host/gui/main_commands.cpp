@@ -12,7 +12,7 @@ namespace {
 constexpr DWORD kLiveTimeout = 1000, kLiveInterval = 1000;
 
 std::string KindsOf(Text sessions, const char* patterns) {
-    return HouseText(sessions) + "|" + patterns + "|" + HouseText(Text::AllFiles) + "|*.*";
+    return Say(sessions) + "|" + patterns + "|" + Say(Text::AllFiles) + "|*.*";
 }
 }  // namespace
 
@@ -107,8 +107,7 @@ bool MainWindow::Command(UINT command) {
 
 void MainWindow::AskAndOpen() {
     const auto path = Ask([&] {
-        return MayLeave() ? AskFileToOpen(m_hWnd, HouseText(Text::AskOpen), KindsOf(Text::SessionFiles, "*.odb;*.xml"))
-                          : std::nullopt;
+        return MayLeave() ? AskFileToOpen(m_hWnd, Say(Text::AskOpen), KindsOf(Text::SessionFiles, "*.odb;*.xml")) : std::nullopt;
     });
     if (path) Open(*path);
 }
@@ -116,7 +115,7 @@ void MainWindow::AskAndOpen() {
 bool MainWindow::AskAndSave() {
     if (!m_document.Path().empty()) return SaveTo(m_document.Path());
     const auto path = Ask([&] {
-        return AskFileToSave(m_hWnd, HouseText(Text::AskSave), KindsOf(Text::SessionFiles, "*.odb;*.xml"), "odb", "session.odb");
+        return AskFileToSave(m_hWnd, Say(Text::AskSave), KindsOf(Text::SessionFiles, "*.odb;*.xml"), "odb", "session.odb");
     });
     return path && SaveTo(*path);
 }
@@ -126,7 +125,7 @@ void MainWindow::AskAndSavePicture() {
     if (Ask([&] { return dialog.DoModal(); }) != IDOK) return;
     const std::string path = dialog.path.GetString();
     if (m_manner == Manner::Interactive && FileExists(path)) {
-        const std::string question = HouseText(Text::AskReplace, {ToUtf8(path)});
+        const std::string question = Say(Text::AskReplace, {ToUtf8(path)});
         if (Ask([&] { return AfxMessageBox(question.c_str(), MB_YESNO | MB_ICONQUESTION); }) != IDYES) return;
     }
     SavePicture(path, {static_cast<LONG>(dialog.width), static_cast<LONG>(dialog.height)});
@@ -150,8 +149,7 @@ void MainWindow::AskRange() {
     const auto place = m_chart.AxisPlace();
     if (!place) return;
     const ViewState::Axis& axis = m_document.State().axes[*place];
-    AxisRangeDialog dialog(this, axis.unit.empty() ? HouseText(Text::NoUnit) : axis.unit, m_chart.ShownRange(*place),
-                           axis.picture);
+    AxisRangeDialog dialog(this, axis.unit.empty() ? Say(Text::NoUnit) : axis.unit, m_chart.ShownRange(*place), axis.picture);
     const ViewRange before = dialog.range;
     if (Ask([&] { return dialog.DoModal(); }) != IDOK) return;
     ViewState next = m_document.State();
@@ -205,7 +203,7 @@ void MainWindow::ShowProperties() {
 
 bool MainWindow::MayLeave() {
     if (m_manner == Manner::Quiet || !m_document.IsModified()) return true;
-    const std::string question = HouseText(Text::AskKeep, {ToUtf8(m_document.Title())});
+    const std::string question = Say(Text::AskKeep, {ToUtf8(m_document.Title())});
     const int answer =
         Ask([&] { return ::MessageBoxA(m_hWnd, question.c_str(), "OrvikHost", MB_YESNOCANCEL | MB_ICONQUESTION); });
     return answer == IDNO || (answer == IDYES && AskAndSave());

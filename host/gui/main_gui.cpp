@@ -4,22 +4,15 @@
 
 #include "afx/exception.h"
 #include "comm/task.h"
-#include "host/command_line/arguments.h"
 #include "host/gui/main_window.h"
+#include "host/words/arguments.h"
 #include "platform/arguments.h"
+#include "platform/house_text.h"
 
 namespace {
 constexpr SIZE kWindow = {1000, 640};
 
-std::string HouseWord(const char* word) {
-    std::string text(OrvikArgumentText(word, nullptr, 0), 0);
-    text.resize(OrvikArgumentText(word, text.data(), static_cast<DWORD>(text.size())));
-    return text;
-}
-
-void Tell(const std::string& sentence) {
-    ::MessageBoxA(nullptr, ToHouse(sentence).c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
-}
+void Tell(const std::string& sentence) { ::MessageBoxA(nullptr, sentence.c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION); }
 
 int Run(CHostApp& app, const std::vector<std::string>& words) {
     const Arguments arguments(words, {"--port", "--logger", "--interval", "--timeout"}, {}, 1);
@@ -42,10 +35,9 @@ int Run(CHostApp& app, const std::vector<std::string>& words) {
 
 int main(int argc, char** argv) {
     try {
-        std::vector<std::string> words;
-        for (int i = 1; i < argc; ++i) words.push_back(HouseWord(argv[i]));
+        OrvikChooseUtf8();
         CHostApp app;
-        return Run(app, words);
+        return Run(app, OrvikArguments(argc, argv));
     } catch (const Failure& failure) {
         Tell(failure.sentence);
         return failure.exitCode;

@@ -2,14 +2,14 @@
 #include <algorithm>
 
 #include "comm/serial_device.h"
-#include "host/command_line/console.h"
 #include "host/gui/main_window.h"
+#include "host/words/console.h"
 
 std::string MainWindow::ItemText(const MenuCommand& command) const {
     const ViewHistory& history = const_cast<MainWindow*>(this)->m_document.History();
-    std::string text = HouseText(command.text);
-    if (command.id == kCommandUndo && history.CanUndo()) text = HouseText(Text::MenuUndoStep, {Say(history.UndoName())});
-    if (command.id == kCommandRedo && history.CanRedo()) text = HouseText(Text::MenuRedoStep, {Say(history.RedoName())});
+    std::string text = Say(command.text);
+    if (command.id == kCommandUndo && history.CanUndo()) text = Say(Text::MenuUndoStep, {Say(history.UndoName())});
+    if (command.id == kCommandRedo && history.CanRedo()) text = Say(Text::MenuRedoStep, {Say(history.RedoName())});
     if (command.keyText[0] != 0) text += std::string("\t") + command.keyText;
     return text;
 }
@@ -26,7 +26,7 @@ void MainWindow::MakeMenu() {
             if (command.place != place) continue;
             if (command.id == kCommandStop) {
                 m_portMenu = ::CreatePopupMenu();
-                ::AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(m_portMenu), HouseText(Text::MenuConnect).c_str());
+                ::AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(m_portMenu), Say(Text::MenuConnect).c_str());
             }
             if (command.afterLine) {
                 ::AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
@@ -36,9 +36,9 @@ void MainWindow::MakeMenu() {
         if (place == MenuPlace::View) {
             m_channelMenu = ::CreatePopupMenu();
             ::AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
-            ::AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(m_channelMenu), HouseText(Text::MenuChannels).c_str());
+            ::AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(m_channelMenu), Say(Text::MenuChannels).c_str());
         }
-        ::AppendMenuA(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), HouseText(text).c_str());
+        ::AppendMenuA(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), Say(text).c_str());
     }
     ::SetMenu(m_hWnd, bar);
     FillPorts(m_portMenu);
@@ -79,13 +79,13 @@ void MainWindow::FillPorts(HMENU menu) {
         ::AppendMenuA(menu, MF_STRING | (IsDownloading() ? MF_GRAYED : MF_ENABLED), kCommandPorts + static_cast<UINT>(i),
                       text.c_str());
     }
-    if (m_ports.empty()) ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, HouseText(Text::NoPorts).c_str());
+    if (m_ports.empty()) ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, Say(Text::NoPorts).c_str());
 }
 
 void MainWindow::FillChannels(HMENU menu) {
     EmptyMenu(menu);
     if (!m_document.HasSession()) {
-        ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, HouseText(Text::NothingOpen).c_str());
+        ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, Say(Text::NothingOpen).c_str());
         return;
     }
     const auto& channels = m_document.GetSession()->Channels();

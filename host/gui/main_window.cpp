@@ -88,7 +88,7 @@ void MainWindow::UpdateTitle() {
     if (m_hWnd == nullptr) return;
     const std::string document = m_document.Title();
     const std::string title =
-        document.empty() ? "OrvikHost" : document + (m_document.IsModified() ? "* \x96 " : " \x96 ") + "OrvikHost";
+        document.empty() ? "OrvikHost" : document + (m_document.IsModified() ? "* – " : " – ") + "OrvikHost";
     CString now;
     GetWindowText(now);
     if (now != title.c_str()) SetWindowText(title.c_str());
@@ -202,7 +202,7 @@ LRESULT MainWindow::OnPress(WPARAM, LPARAM lParam) {
 
 LRESULT MainWindow::OnPointer(WPARAM, LPARAM lParam) {
     const RECT bar = BarRect();
-    ShowHint(::PtInRect(&bar, CPoint(lParam)) ? HouseText(Text::HintBar) : std::string());
+    ShowHint(::PtInRect(&bar, CPoint(lParam)) ? Say(Text::HintBar) : std::string());
     return 0;
 }
 

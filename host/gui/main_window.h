@@ -7,10 +7,10 @@
 #include <memory>
 #include <utility>
 
+#include "host/app/host_app.h"
 #include "host/gui/chart_window.h"
 #include "host/gui/live_download.h"
 #include "host/gui/value_list.h"
-#include "host/host_app.h"
 #include "ui/progress_dialog.h"
 
 class MainWindow : public CWnd, private PaneOwner, private LiveDownload::Listener {
@@ -140,7 +140,7 @@ private:
     ValueList m_list;
     std::unique_ptr<LiveDownload> m_download;
     std::unique_ptr<CProgressDialog> m_progress;  // of a download of a known length
-    std::string m_unsaved;  // the recording behind the download; empty without
+    std::string m_unsaved;                        // the recording behind the download; empty without
     struct Reading {
         __int64 time;
         std::vector<double> values;

@@ -48,23 +48,22 @@ bool MainWindow::Try(Work work) {
 }
 
 void MainWindow::Tell(const std::string& sentence) {
-    const std::string house = ToHouse(sentence);
     if (m_manner == Manner::Interactive && m_hWnd != nullptr) {
-        ::MessageBoxA(m_hWnd, house.c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
+        ::MessageBoxA(m_hWnd, sentence.c_str(), "OrvikHost", MB_OK | MB_ICONEXCLAMATION);
     } else {
-        ShowStatus(house);
+        ShowStatus(sentence);
     }
 }
 
 // Work under a progress dialog, which handles messages: the window can do nothing else meanwhile.
 template <class Work>
 void MainWindow::WorkWith(Text caption, Text message, Text stopped, const std::string& path, bool large, Work work) {
-    DialogProgress progress(*this, HouseText(caption), HouseText(message, {ToUtf8(path)}), large);
+    DialogProgress progress(*this, Say(caption), Say(message, {ToUtf8(path)}), large);
     try {
         const Asking guard(m_asking);
         work(progress);
     } catch (const WorkStopped&) {
-        ShowStatus(HouseText(stopped, {ToUtf8(path)}));
+        ShowStatus(Say(stopped, {ToUtf8(path)}));
         throw;
     }
 }
@@ -75,7 +74,7 @@ bool MainWindow::Open(const std::string& path) {
         WorkWith(Text::WorkOpen, Text::WorkReading, Text::OpenStopped, path, FileSize(path) >= kLargeFile,
                  [&](WorkProgress& progress) { m_document.Open(path, progress); });
         if (path != m_unsaved) DropUnsaved();
-        if (!m_document.Note().empty()) m_status = ToHouse(m_document.Note());
+        if (!m_document.Note().empty()) m_status = m_document.Note();
         DocumentChanged();
     });
 }
@@ -96,7 +95,7 @@ bool MainWindow::SaveTo(const std::string& path) {
         WorkWith(Text::WorkSave, Text::WorkWriting, Text::WorkStopped, path, m_document.SizeAs(path) >= kLargeFile,
                  [&](WorkProgress& progress) { m_document.Save(path, progress); });
         if (!IsDownloading()) DropUnsaved();
-        m_status = HouseText(Text::SavedTo, {ToUtf8(path)});
+        m_status = Say(Text::SavedTo, {ToUtf8(path)});
         StateChanged();
     });
 }
@@ -110,7 +109,7 @@ bool MainWindow::SavePicture(const std::string& path, SIZE size) {
         WorkWith(Text::WorkPicture, Text::WorkDrawing, Text::WorkStopped, path,
                  static_cast<double>(size.cx) * size.cy >= kLargePicture,
                  [&](WorkProgress& progress) { WritePicture(path, size, progress); });
-        ShowStatus(HouseText(Text::SavedTo, {ToUtf8(path)}));
+        ShowStatus(Say(Text::SavedTo, {ToUtf8(path)}));
     });
 }
 
@@ -167,7 +166,7 @@ void MainWindow::Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description
     if (m_manner == Manner::Interactive) m_unsaved = NewUnsavedRecording();
     m_download.reset(new LiveDownload(std::move(logger), description, plan, m_unsaved, *this));  // a listener in private
     m_download->Go();
-    m_status = HouseText(Text::Connecting, {ToUtf8(plan.port)});
+    m_status = Say(Text::Connecting, {ToUtf8(plan.port)});
     DocumentChanged();
     if (plan.count < kForEver) ShowDownload(plan);
     OrvikShedule();
@@ -176,15 +175,15 @@ void MainWindow::Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description
 void MainWindow::OnReading(__int64 time, const std::vector<double>& values) {
     m_readings.push_back({time, values});
     const std::string made = std::to_string(m_download->Made() + 1);
-    m_status = HouseText(Text::LiveProgress, {made, ToUtf8(m_download->Plan().port)});
+    m_status = Say(Text::LiveProgress, {made, ToUtf8(m_download->Plan().port)});
     if (m_progress != nullptr) {
         m_progress->SetPos(static_cast<LONG>(m_download->Made() + 1));
-        m_progress->SetMessage2(HouseText(Text::WorkCount, {made, std::to_string(m_download->Plan().count)}).c_str());
+        m_progress->SetMessage2(Say(Text::WorkCount, {made, std::to_string(m_download->Plan().count)}).c_str());
     }
     if (!IsDragging()) TakeReadings();
 }
 
-void MainWindow::OnDownloadState(const std::string& sentence) { ShowStatus(ToHouse(sentence)); }
+void MainWindow::OnDownloadState(const std::string& sentence) { ShowStatus(sentence); }
 
 // The recording behind a download has done its work: its readings are saved, or their user does not want them.
 void MainWindow::DropUnsaved() {
@@ -196,9 +195,9 @@ void MainWindow::DropUnsaved() {
 void MainWindow::ShowDownload(const DownloadPlan& plan) {
     if (m_hWnd == nullptr || !::IsWindowVisible(m_hWnd)) return;
     CProgressDlgParams params;
-    params.m_strCaption = HouseText(Text::WorkDownload).c_str();
-    params.m_strMessage = HouseText(Text::WorkLogger, {ToUtf8(plan.port)}).c_str();
-    params.m_strMessage2 = HouseText(Text::WorkCount, {"0", std::to_string(plan.count)}).c_str();
+    params.m_strCaption = Say(Text::WorkDownload).c_str();
+    params.m_strMessage = Say(Text::WorkLogger, {ToUtf8(plan.port)}).c_str();
+    params.m_strMessage2 = Say(Text::WorkCount, {"0", std::to_string(plan.count)}).c_str();
     params.m_nRangeMax = static_cast<LONG>(plan.count);
     m_progress = std::make_unique<CProgressDialog>(this);
     if (!m_progress->Create(params, this)) return m_progress.reset();
@@ -234,7 +233,7 @@ void MainWindow::OnDownloadEnd(const std::string& sentence) {
     }
     if (!IsDragging()) TakeReadings();
     const size_t count = m_document.GetSession()->Count() + m_readings.size();
-    m_status = HouseText(Text::LiveEnded, {std::to_string(count)});
+    m_status = Say(Text::LiveEnded, {std::to_string(count)});
     UpdateMenu();
     if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
     if (m_closing && m_hWnd != nullptr) {

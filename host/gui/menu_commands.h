@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/win32.h"
 
 enum CommandId : UINT {

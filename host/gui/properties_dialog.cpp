@@ -4,7 +4,7 @@
 
 #include "afx/message_box.h"
 #include "host/gui/value_list.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "time/number_text.h"
 
 namespace {
@@ -14,7 +14,7 @@ constexpr size_t kLongestName = 80;
 constexpr DWORD_PTR kKinds = 16;  // a property's data: its kind, and which channel's it is
 
 CBCGPProp* NewProperty(Text name, const CBCGPPropValue& value, Text help, DWORD_PTR data) {
-    return new CBCGPProp(HouseText(name).c_str(), value, HouseText(help).c_str(), data);
+    return new CBCGPProp(Say(name).c_str(), value, Say(help).c_str(), data);
 }
 
 bool IsHidden(const ViewState& state, const std::string& key) {
@@ -38,7 +38,7 @@ PropertiesDialog::PropertiesDialog(CWnd* parent, ViewDocument& document, size_t 
 BOOL PropertiesDialog::OnInitDialog() {
     CPropListDialog::OnInitDialog();
     const std::string& unit = m_document.State().axes[m_place].unit;
-    SetWindowText(HouseText(Text::PropertiesTitle, {ToUtf8(unit.empty() ? HouseText(Text::NoUnit) : unit)}).c_str());
+    SetWindowText(Say(Text::PropertiesTitle, {ToUtf8(unit.empty() ? Say(Text::NoUnit) : unit)}).c_str());
     AddAxis();
     const auto& channels = m_document.GetSession()->Channels();
     for (size_t i = 0; i < channels.size(); ++i) {
@@ -59,7 +59,7 @@ BOOL PropertiesDialog::OnInitDialog() {
 void PropertiesDialog::AddAxis() {
     const ViewState::Axis& axis = m_document.State().axes[m_place];
     const ViewRange shown = m_owner.shown();
-    auto* const group = new CBCGPProp(HouseText(Text::PropAxis).c_str());
+    auto* const group = new CBCGPProp(Say(Text::PropAxis).c_str());
     auto* const unit = NewProperty(Text::PropUnit, axis.unit.c_str(), Text::PropUnitHelp, 0);
     unit->Enable(FALSE);
     m_follows = NewProperty(Text::PropFollows, !axis.range, Text::PropFollowsHelp, Follows);
@@ -77,8 +77,8 @@ void PropertiesDialog::AddChannel(size_t number) {
     auto* const group = new CBCGPProp(channel.name.c_str());
     auto* const name = NewProperty(Text::PropName, channel.name.c_str(), Text::PropNameHelp, base + Name);
     auto* const shown = NewProperty(Text::PropShown, !IsHidden(state, channel.key), Text::PropShownHelp, base + Shown);
-    auto* const colour = new CBCGPColorProp(HouseText(Text::PropColour).c_str(), channel.colour,
-                                            HouseText(Text::PropColourHelp).c_str(), base + Colour);
+    auto* const colour =
+        new CBCGPColorProp(Say(Text::PropColour).c_str(), channel.colour, Say(Text::PropColourHelp).c_str(), base + Colour);
     for (CBCGPProp* const property : {name, shown, static_cast<CBCGPProp*>(colour)}) group->AddSubItem(property);
     GetPropList().AddProperty(group);
     m_channels.push_back({number, name, shown, colour});
@@ -134,7 +134,7 @@ void PropertiesDialog::ChangeChannel(Kind kind, const Channel& channel) {
 }
 
 void PropertiesDialog::Refuse(CBCGPProp* property, Text text) {
-    AfxMessageBox(HouseText(text).c_str(), MB_OK | MB_ICONEXCLAMATION);
+    AfxMessageBox(Say(text).c_str(), MB_OK | MB_ICONEXCLAMATION);
     GetPropList().SetCurSel(property);
     GetPropList().SetFocus();
 }

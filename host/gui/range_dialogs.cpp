@@ -1,7 +1,7 @@
 #include "host/gui/range_dialogs.h"
 
 #include "afx/message_map.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "res/ids.h"
 #include "ui/dialog_data_exchange.h"
 
@@ -12,7 +12,7 @@ constexpr char kEndDigits[] = "@@@@@@@@@";
 
 AxisRangeDialog::AxisRangeDialog(CWnd* parent, const std::string& axis, ViewRange shown, const std::string& shownPicture)
     : FieldsDialog(IDD_HOST_RANGE, parent, {IDC_HOST_FROM, IDC_HOST_TO, IDC_HOST_PICTURE}), range(shown), picture(shownPicture) {
-    m_title = HouseText(Text::RangeTitle, {ToUtf8(axis)});
+    m_title = Say(Text::RangeTitle, {ToUtf8(axis)});
 }
 
 void AxisRangeDialog::DoDataExchange(CDataExchange* exchange) {
@@ -33,7 +33,7 @@ void AxisRangeDialog::DoDataExchange(CDataExchange* exchange) {
     if (!reads) return;
     // Ends that look the same are the same to whoever wrote them.
     if (!IsShowable(read) || TextOf(IDC_HOST_FROM) == TextOf(IDC_HOST_TO))
-        Refuse(exchange, IsChanged(IDC_HOST_TO) ? IDC_HOST_TO : IDC_HOST_FROM, HouseText(Text::RangeEmpty));
+        Refuse(exchange, IsChanged(IDC_HOST_TO) ? IDC_HOST_TO : IDC_HOST_FROM, Say(Text::RangeEmpty));
     range = read;
     picture = format.GetString();
 }
@@ -79,10 +79,10 @@ void TimeRangeDialog::DoDataExchange(CDataExchange* exchange) {
         DDX_NlsShortTimeSpan(exchange, IDC_HOST_SPAN, span, nullptr);
     if (!exchange->m_bSaveAndValidate) return;
     if (m_bySpan == 1) {
-        if (span.CvtToInt64() <= 0) Refuse(exchange, IDC_HOST_SPAN, HouseText(Text::SpanEmpty));
+        if (span.CvtToInt64() <= 0) Refuse(exchange, IDC_HOST_SPAN, Say(Text::SpanEmpty));
         end = begin + span;
     } else if (end <= begin) {
-        Refuse(exchange, IsChanged(IDC_HOST_TO_DATE) ? IDC_HOST_TO_DATE : IDC_HOST_TO_TIME, HouseText(Text::TimesBackwards));
+        Refuse(exchange, IsChanged(IDC_HOST_TO_DATE) ? IDC_HOST_TO_DATE : IDC_HOST_TO_TIME, Say(Text::TimesBackwards));
     }
     from = begin;
     to = end;

@@ -4,8 +4,8 @@
 #include <charconv>
 #include <cmath>
 
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr int kDragMoves = 5;  // a drag is drawn on its way, not only at its end
@@ -57,7 +57,7 @@ public:
     void End() const {
         if (More()) Fail(Text::ScriptTooMuch, {m_words[m_at]});
     }
-    // All of the line behind the verb, as this house's text.
+    // All of the line behind the verb, as text.
     std::string Rest(bool required) {
         m_at = m_words.size();
         if (required && m_rest.empty()) Fail(Text::ScriptMissing, {m_words[0]});

@@ -62,7 +62,7 @@ BOOL ValueList::CreatePane(HWND parent) {
     m_font.CreateFontIndirect(&description);
     SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(m_font.m_hObject), FALSE);
     for (size_t i = 0; i < kColumns; ++i)
-        InsertColumn(static_cast<int>(i), HouseText(kHeads[i]).c_str(), i == 1 ? LVCFMT_RIGHT : LVCFMT_LEFT, kStandardWidths[i]);
+        InsertColumn(static_cast<int>(i), Say(kHeads[i]).c_str(), i == 1 ? LVCFMT_RIGHT : LVCFMT_LEFT, kStandardWidths[i]);
     return m_header.SubclassWindow(reinterpret_cast<HWND>(SendMessage(LVM_GETHEADER)));
 }
 
@@ -101,7 +101,7 @@ const std::string& ValueList::CellText(size_t channel, size_t column) const {
         const auto same = [&](const ViewState::Axis& axis) { return axis.unit == shown.unit; };
         const auto axis = std::find_if(state.axes.begin(), state.axes.end(), same);
         const std::string& picture = axis != state.axes.end() ? axis->picture : std::string();
-        FromUtf8(ShortTextOf(session.LastValue(channel), picture), m_text);
+        m_text = ShortTextOf(session.LastValue(channel), picture);
     }
     return m_text;
 }
@@ -195,7 +195,7 @@ LRESULT ValueList::Header::OnPress(WPARAM, LPARAM lParam) {
 LRESULT ValueList::Header::OnPointer(WPARAM, LPARAM lParam) {
     CPoint point(lParam);
     ::MapWindowPoints(m_hWnd, m_list.m_hWnd, &point, 1);
-    m_list.m_owner.ShowHint(m_list.EdgeAt(point) < kColumns ? HouseText(Text::HintColumn) : std::string());
+    m_list.m_owner.ShowHint(m_list.EdgeAt(point) < kColumns ? Say(Text::HintColumn) : std::string());
     return 0;
 }
 
@@ -241,7 +241,7 @@ void ValueList::OnTwice(NMHDR* told, LRESULT* result) {
 LRESULT ValueList::OnPointer(WPARAM, LPARAM lParam) {
     LVHITTESTINFO info = {};
     info.pt = CPoint(lParam);
-    m_owner.ShowHint(HitTest(&info) >= 0 ? HouseText(Text::HintRow) : std::string());
+    m_owner.ShowHint(HitTest(&info) >= 0 ? Say(Text::HintRow) : std::string());
     return Default();
 }
 
@@ -267,7 +267,7 @@ LRESULT ValueList::OnMenuWish(WPARAM, LPARAM lParam) {
 
 // --- Keys ---
 
-void ValueList::ShowColumnHint() { m_owner.ShowHint(HouseText(Text::HintColumnKeys, {Say(kHeads[m_column])})); }
+void ValueList::ShowColumnHint() { m_owner.ShowHint(Say(Text::HintColumnKeys, {Say(kHeads[m_column])})); }
 
 LRESULT ValueList::OnKey(WPARAM wParam, LPARAM) {
     const auto key = static_cast<WORD>(wParam);

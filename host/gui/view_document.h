@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
+#include "host/app/work_progress.h"
 #include "host/gui/view_history.h"
 #include "host/session/session.h"
-#include "host/work_progress.h"
 
 class ViewDocument {
 public:

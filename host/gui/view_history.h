@@ -8,7 +8,7 @@
 
 #include "commands/command_manager.h"
 #include "host/gui/view_state.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 class ViewHistory {
 public:

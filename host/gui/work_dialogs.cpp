@@ -5,7 +5,7 @@
 #include "afx/message_map.h"
 #include "host/gui/file_dialog.h"
 #include "host/measurement/download.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/picture.h"
 #include "res/ids.h"
 #include "ui/dialog_data_exchange.h"
@@ -54,8 +54,8 @@ void PictureDialog::OnKind() {
 }
 
 void PictureDialog::OnBrowse() {
-    const std::string kinds = HouseText(Text::PictureFiles) + "|*.png;*.svg;*.pdf|" + HouseText(Text::AllFiles) + "|*.*";
-    const auto chosen = AskFileToSave(m_hWnd, HouseText(Text::AskPicture), kinds, "png", TextOf(IDC_HOST_FILE).GetString());
+    const std::string kinds = Say(Text::PictureFiles) + "|*.png;*.svg;*.pdf|" + Say(Text::AllFiles) + "|*.*";
+    const auto chosen = AskFileToSave(m_hWnd, Say(Text::AskPicture), kinds, "png", TextOf(IDC_HOST_FILE).GetString());
     if (!chosen) return;
     GetDlgItem(IDC_HOST_FILE)->SetWindowText(chosen->c_str());
     if (const auto kind = KindOf(chosen->c_str())) CheckRadioButton(IDC_HOST_PNG, IDC_HOST_PDF, IDC_HOST_PNG + *kind);
@@ -70,14 +70,14 @@ void PictureDialog::DoDataExchange(CDataExchange* exchange) {
     DDX_Text(exchange, IDC_HOST_HEIGHT, down);
     DDX_Radio(exchange, IDC_HOST_PNG, m_kind);
     if (!exchange->m_bSaveAndValidate) return;
-    if (name.IsEmpty()) Refuse(exchange, IDC_HOST_FILE, HouseText(Text::FileEmpty));
-    const std::string sides = HouseText(Text::SidesRange, {std::to_string(kOrvikPictureSide)});
+    if (name.IsEmpty()) Refuse(exchange, IDC_HOST_FILE, Say(Text::FileEmpty));
+    const std::string sides = Say(Text::SidesRange, {std::to_string(kOrvikPictureSide)});
     constexpr UINT kMost = kOrvikPictureSide;
     if (across == 0 || across > kMost) Refuse(exchange, IDC_HOST_WIDTH, sides);
     if (down == 0 || down > kMost) Refuse(exchange, IDC_HOST_HEIGHT, sides);
     if (!KindOf(name)) name += kKinds[m_kind];
     if (*KindOf(name) == 0 && across * down > UINT{kOrvikPicturePixels})
-        Refuse(exchange, IDC_HOST_WIDTH, HouseText(Text::PictureTooLarge, {std::to_string(kOrvikPicturePixels)}));
+        Refuse(exchange, IDC_HOST_WIDTH, Say(Text::PictureTooLarge, {std::to_string(kOrvikPicturePixels)}));
     path = name;
     width = across;
     height = down;
@@ -99,10 +99,10 @@ void DownloadDialog::DoDataExchange(CDataExchange* exchange) {
     if (!exchange->m_bSaveAndValidate || IsChanged(IDC_HOST_INTERVAL))
         DDX_NlsShortTimeSpan(exchange, IDC_HOST_INTERVAL, between, nullptr);
     if (!exchange->m_bSaveAndValidate) return;
-    if (name.IsEmpty()) Refuse(exchange, IDC_HOST_PORT, HouseText(Text::PortEmpty));
-    if (readings == 0 || readings > kMostReadings) Refuse(exchange, IDC_HOST_COUNT, HouseText(Text::CountRange));
+    if (name.IsEmpty()) Refuse(exchange, IDC_HOST_PORT, Say(Text::PortEmpty));
+    if (readings == 0 || readings > kMostReadings) Refuse(exchange, IDC_HOST_COUNT, Say(Text::CountRange));
     const __int64 pause = between.GetTotalMilliSeconds();
-    if (pause < 0 || pause > kWeek) Refuse(exchange, IDC_HOST_INTERVAL, HouseText(Text::IntervalRange));
+    if (pause < 0 || pause > kWeek) Refuse(exchange, IDC_HOST_INTERVAL, Say(Text::IntervalRange));
     port = name;
     count = readings;
     interval = between;

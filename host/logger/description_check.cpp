@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "afx/collections.h"
-#include "host/command_line/console.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "propdb/key_segments.h"
 
 namespace {

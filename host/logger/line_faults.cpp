@@ -2,8 +2,8 @@
 
 #include <charconv>
 
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 // Noise without a number: every third answer comes after stray bytes, every fifth with one bit flipped, so that a master that

@@ -1,11 +1,11 @@
 #include "host/logger/logger_file.h"
 
 #include "comm/comm_exception.h"
-#include "host/command_line/console.h"
-#include "host/logger/channel_intervals.h"
 #include "host/logger/description_check.h"
+#include "host/session/channel_intervals.h"
 #include "host/session/database_file.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 void AddChannel(CPropertyDB& db, const char* key, const char* name, const char* unit, unsigned short number, const char* type,
@@ -33,15 +33,9 @@ void DescribeEmbeddedLogger(CPropertyDB& db) {
     db.SetValue("sParity", "none");
     db.SetValue("nStopBits", static_cast<unsigned short>(1));
     db.EndUsing();
-    AddChannel(db, "1", "Air temperature",
-               "\xB0"
-               "C",
-               100, "float32", "high", 1, 0);
+    AddChannel(db, "1", "Air temperature", "°C", 100, "float32", "high", 1, 0);
     AddChannel(db, "2", "Humidity", "%", 102, "uint16", "high", 0.1, 0);
-    AddChannel(db, "3", "Soil temperature",
-               "\xB0"
-               "C",
-               103, "int16", "high", 0.01, -40);
+    AddChannel(db, "3", "Soil temperature", "°C", 103, "int16", "high", 0.01, -40);
     AddChannel(db, "4", "Wind speed", "km/h", 104, "uint32", "low", 0.2, 0);
     AddChannel(db, "5", "Level", "mm", 106, "int32", "high", 0.001, 0);
 }

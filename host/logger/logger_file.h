@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "host/host_app.h"
+#include "host/app/host_app.h"
 #include "propdb/property_db.h"
 
 class CCommException;

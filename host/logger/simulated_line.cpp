@@ -1,7 +1,7 @@
 #include "host/logger/simulated_line.h"
 
-#include "host/command_line/console.h"
-#include "host/command_line/speech.h"
+#include "host/logger/speech.h"
+#include "host/words/console.h"
 
 namespace {
 constexpr DWORD kSlice = 50;    // ms until Stop is seen

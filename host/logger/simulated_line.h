@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/logger/simulated_logger.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/virtual_port.h"
 
 class SimulatedLine {

@@ -4,10 +4,10 @@
 #include <deque>
 #include <thread>
 
-#include "host/command_line/console.h"
-#include "host/command_line/speech.h"
 #include "host/logger/rfc2217_port.h"
-#include "host/texts.h"
+#include "host/logger/speech.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr DWORD kSlice = 1000;     // ms until a connection that has ended is forgotten

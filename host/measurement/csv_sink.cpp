@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "afx/exception.h"
-#include "host/command_line/console.h"
 #include "host/measurement/download.h"
 #include "host/session/database_file.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "record/recording_types.h"
 
 void RequireOwnCsv(const std::string& path, CPropertyDB& description) {

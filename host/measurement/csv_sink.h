@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "afx/file.h"
-#include "host/measurement/reading_writer.h"
+#include "host/session/reading_writer.h"
 #include "host/session/session.h"
 
 // A Failure unless there is no file of that name, an empty one, or one that begins as a sink's for this description does.

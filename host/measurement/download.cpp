@@ -6,11 +6,12 @@
 #include "comm/comm_exception.h"
 #include "comm/task.h"
 #include "frame/version.h"
-#include "host/logger/channel_intervals.h"
+#include "host/app/stop_request.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/csv_sink.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/session/channel_intervals.h"
+#include "host/session/gap_list.h"
+#include "host/words/texts.h"
 #include "ui/progress_bar.h"
 
 namespace {
@@ -251,14 +252,6 @@ std::string SlowAdvice(DWORD slowReadings, DWORD longest, DWORD interval) {
     if (slowReadings < kAgain) return {};
     const DWORD proposal = (longest + longest / 4 + kStep - 1) / kStep * kStep;
     return Say(Text::ReadingsTooSlow, {std::to_string(longest), std::to_string(interval), std::to_string(proposal)});
-}
-
-std::string ChannelNames(const std::vector<WORD>& places, const Session& session) {
-    std::string names;
-    for (const WORD place : places) {
-        if (place < session.Channels().size()) names += (names.empty() ? "" : ", ") + ToUtf8(session.Channels()[place].name);
-    }
-    return names;
 }
 
 std::string CausesText(const std::vector<GapKeeper::Count>& causes, CPropertyDB& description) {

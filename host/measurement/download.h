@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "host/command_line/console.h"
-#include "host/host_app.h"
+#include "host/app/host_app.h"
 #include "host/measurement/measurement.h"
 #include "host/measurement/recording_writer.h"
 #include "host/session/session.h"
+#include "host/words/console.h"
 
 // So many readings are never made: a download that goes on until it is stopped.
 constexpr DWORD kForEver = 0xFFFFFFFF;
@@ -52,8 +52,6 @@ DownloadResult Download(CHostApp& app, CPropertyDB& description, const DownloadP
 
 // "3 x Receive timeout (Flow, Level), 1 x not read in time", by the names of the description's channels.
 std::string CausesText(const std::vector<GapKeeper::Count>& causes, CPropertyDB& description);
-// "Flow, Level"
-std::string ChannelNames(const std::vector<WORD>& places, const Session& session);
 // Why a line gives nothing, by the code and text of the failure: of a serial port that is not there, that. House text to UTF-8.
 std::string WhyLost(const std::string& port, LONG code, const std::string& text);
 // The sentence for a line that was lost, and is tried again. House texts.

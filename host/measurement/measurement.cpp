@@ -6,8 +6,8 @@
 #include <limits>
 
 #include "comm/comm_exception.h"
-#include "host/logger/channel_intervals.h"
-#include "host/texts.h"
+#include "host/session/channel_intervals.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr __int64 kSecond = 1'000'000;
@@ -78,11 +78,11 @@ Measurement::Trouble Measurement::Try(Work work) {
         char text[512] = "";
         failure->GetErrorMessage(text, sizeof text);
         failure->Delete();
-        trouble.text = text[0] != 0 ? std::string(text) : HouseText(Text::PluginThrew);
+        trouble.text = text[0] != 0 ? std::string(text) : Say(Text::PluginThrew);
     } catch (const std::exception& failure) {
-        trouble.text = HouseText(Text::PluginThrewText, {ToUtf8(failure.what())});
+        trouble.text = Say(Text::PluginThrewText, {ToUtf8(failure.what())});
     } catch (...) {
-        trouble.text = HouseText(Text::PluginThrew);
+        trouble.text = Say(Text::PluginThrew);
     }
     return trouble;
 }
@@ -161,7 +161,7 @@ void Measurement::CatchUp(__int64 now) {
             gap.until = last;
             gap.missed = passed;
             gap.cause = m_damage.any ? m_damage.cause : static_cast<WORD>(GC_STALLED);
-            gap.text = m_damage.any ? m_damage.text : HouseText(Text::GapStalled);
+            gap.text = m_damage.any ? m_damage.text : Say(Text::GapStalled);
             m_gaps->Single(std::move(gap));
         }
     }
@@ -268,7 +268,7 @@ void Measurement::Read() {
     if (!trouble.any && size != m_channels) {
         trouble.any = true;
         trouble.cause = GC_PLUGIN;
-        trouble.text = HouseText(Text::WrongCount, {std::to_string(size), std::to_string(m_channels)});
+        trouble.text = Say(Text::WrongCount, {std::to_string(size), std::to_string(m_channels)});
     }
     std::vector<double> values(m_channels, kNan);
     if (size == m_channels) std::copy_n(got.GetData(), m_channels, values.begin());

@@ -1,13 +1,13 @@
 #include "host/measurement/recording_plan.h"
 
-#include "host/command_line/console.h"
-#include "host/command_line/span_words.h"
+#include "host/measurement/replaceable_file.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_copy.h"
 #include "host/session/recording_files.h"
-#include "host/session/replaceable_file.h"
 #include "host/session/session_file.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/span_words.h"
+#include "host/words/texts.h"
 #include "record/recording_reader.h"
 
 void SetRotation(const std::string& name, const std::string& text, RecordingWriter::Plan& record) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 // "20261122T011234Z", which sorts by time and can stand in any file's name.
@@ -30,7 +30,7 @@ std::string WithTime(const std::string& path, const std::string& time, const std
 
 CRecordedGap DiskGap(CRecordedGap gap) {
     gap.cause = GC_DISK;
-    gap.text = HouseText(Text::GapDisk);
+    gap.text = Say(Text::GapDisk);
     return gap;
 }
 
@@ -125,7 +125,7 @@ IMeasurementSink::Begin RecordingWriter::OnBegin(__int64 time) {
         gap.until = std::max(time, gap.from + 1);
         gap.cause = GC_NOT_RUNNING;
         if (m_plan.interval > 0 && time > gap.from) gap.missed = static_cast<DWORD>((time - gap.from) / m_plan.interval);
-        gap.text = HouseText(Text::GapNotRunning);
+        gap.text = Say(Text::GapNotRunning);
         OnGap(gap);
         Record row;
         row.time = gap.from;

@@ -2,22 +2,17 @@
 
 #include <editline/readline.h>
 
+#include <clocale>
 #include <cstdlib>
 #include <iostream>
 
 #include "platform/arguments.h"
 
-namespace {
-std::string HouseText(const std::string& typed) {
-    std::string text(OrvikArgumentText(typed.c_str(), nullptr, 0), 0);
-    text.resize(OrvikArgumentText(typed.c_str(), text.data(), static_cast<DWORD>(text.size())));
-    return text;
-}
-}  // namespace
-
 bool ReadUserLine(const std::string& prompt, std::string& line) {
     DWORD mode = 0;
     std::string typed;
+    static const char* const letters = std::setlocale(LC_CTYPE, "");  // by which the editor steps
+    static_cast<void>(letters);
     if (GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode)) {
         char* const read = readline(prompt.c_str());
         if (read == nullptr) return false;
@@ -27,6 +22,6 @@ bool ReadUserLine(const std::string& prompt, std::string& line) {
     } else if (!std::getline(std::cin, typed)) {
         return false;
     }
-    line = HouseText(typed);
+    line = OrvikArgumentText(typed);
     return true;
 }

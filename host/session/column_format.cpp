@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "time/locale_cache.h"
 
 namespace {

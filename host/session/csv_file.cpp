@@ -8,12 +8,12 @@
 #include "afx/exception.h"
 #include "afx/file.h"
 #include "frame/numeric_arrays.h"
-#include "host/command_line/console.h"
-#include "host/command_line/time_input.h"
 #include "host/session/database_file.h"
 #include "host/session/recorded_notes.h"
 #include "host/session/time_stamp.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
+#include "host/words/time_input.h"
 
 namespace {
 constexpr size_t kMostChannels = 16'384, kLongestLine = 4 * 1024 * 1024;
@@ -115,7 +115,7 @@ private:
         m_db.SetPath("Channels");
         for (size_t i = 1; i < m_fields.size(); ++i) {
             std::string name, unit;
-            if (!FromUtf8(m_fields[i], name) && !m_fields[i].empty()) Fail(Text::CsvLetters);
+            if (!FromUtf8(m_fields[i], name)) Fail(Text::CsvLetters);
             const size_t bracket = name.rfind(" [");
             if (bracket != std::string::npos && name.back() == ']') {
                 unit = name.substr(bracket + 2, name.size() - bracket - 3);

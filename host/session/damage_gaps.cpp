@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 std::optional<CRecordedGap> DamageGaps::Before(__int64 time) {
     const unsigned __int64 bytes = std::exchange(m_bytes, 0);
@@ -16,6 +16,6 @@ std::optional<CRecordedGap> DamageGaps::Before(__int64 time) {
     gap.until = std::max(time - 1, gap.from);
     gap.missed = static_cast<DWORD>(std::min<unsigned __int64>(bytes / m_readingSize, 0xFFFFFFFF));
     gap.cause = GC_DAMAGED;
-    gap.text = HouseText(Text::GapDamaged);
+    gap.text = Say(Text::GapDamaged);
     return gap;
 }

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "host/command_line/console.h"
 #include "host/session/database_xml.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "platform/file_replacement.h"
 #include "platform/same_file.h"
 
@@ -107,9 +107,8 @@ void LoadDatabase(const std::string& path, CPropertyDB& db, WorkProgress* progre
             read = !fault;
             if (!read) db.RemoveAll();
         };
-        if (manner.kind == XmlManner::Letters || manner.kind == XmlManner::Foreign) {
+        if (manner.kind == XmlManner::Foreign) {
             byLibrary();
-            if (!read && !fault->refused && manner.kind == XmlManner::Letters) byModule();
         } else {
             byModule();
             if (!read && manner.kind == XmlManner::NotUtf8) fault = {manner.line, manner.column, Say(Text::XmlNotUtf8), false};

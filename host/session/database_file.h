@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "host/work_progress.h"
+#include "host/app/work_progress.h"
 #include "propdb/property_db.h"
 
 // Progress is a line on the terminal where none is given. WorkStopped is thrown when it does not want the work any more: the

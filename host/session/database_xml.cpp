@@ -6,7 +6,7 @@
 
 #include "afx/collections.h"
 #include "frame/numeric_arrays.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 namespace {
 using Said = Text;  // a member below is called Text, too
@@ -16,20 +16,6 @@ constexpr char kWhite[] = " \t\r\n";
 std::string_view Trimmed(std::string_view text) {
     const size_t from = text.find_first_not_of(kWhite);
     return from == text.npos ? std::string_view() : text.substr(from, text.find_last_not_of(kWhite) + 1 - from);
-}
-
-// Windows-1252; what it lacks is refused by its character.
-std::string House(std::string_view utf8) {
-    std::string house;
-    if (utf8.empty() || FromUtf8(utf8, house)) return house;
-    for (size_t at = 0; at < utf8.size();) {
-        size_t end = at + 1;
-        while (end < utf8.size() && (utf8[end] & 0xC0) == 0x80) ++end;
-        const std::string_view letter = utf8.substr(at, end - at);
-        if (!FromUtf8(letter, house)) throw XmlRefusal{Say(Said::XmlLetter, {letter}), std::string(utf8.substr(0, at))};
-        at = end;
-    }
-    throw XmlRefusal{Say(Said::XmlLetter, {utf8}), {}};
 }
 
 class DatabaseContent final : public XmlContent {
@@ -44,17 +30,16 @@ public:
     void Begin(const std::string& element, const std::vector<XmlAttribute>& attributes) override {
         const bool top = !m_inRoot;
         const bool folder = element == "PATH", value = element == "PROPERTY";
-        if (m_inValue || (top ? element != "PROPERTYDB" : !folder && !value))
-            throw XmlRefusal{Say(Said::XmlElement, {element}), {}};
+        if (m_inValue || (top ? element != "PROPERTYDB" : !folder && !value)) throw XmlRefusal{Say(Said::XmlElement, {element})};
         if (top) {
             m_inRoot = true;
             return;  // its attributes mean nothing here: name spaces, where a schema lies
         }
         m_name.reset(), m_type.reset(), m_size.reset();
         for (const XmlAttribute& attribute : attributes) TakeAttribute(element, attribute, value);
-        if (!m_name || m_name->empty()) throw XmlRefusal{Say(Said::XmlNameless, {element}), {}};
+        if (!m_name || m_name->empty()) throw XmlRefusal{Say(Said::XmlNameless, {element})};
         m_nodes += static_cast<size_t>(std::count(m_name->begin(), m_name->end(), '.'));
-        if (m_nodes > kMostNodes) throw XmlRefusal{Say(Said::XmlNodes), {}};
+        if (m_nodes > kMostNodes) throw XmlRefusal{Say(Said::XmlNodes)};
         m_inValue = value;
         if (value) {
             m_text.clear();
@@ -66,9 +51,9 @@ public:
 
     void Text(std::string_view piece) override {
         if (m_inValue) {
-            m_text += House(piece);
+            m_text += piece;
         } else if (piece.find_first_not_of(kWhite) != piece.npos) {
-            throw XmlRefusal{Say(Said::XmlStrayText), {}};
+            throw XmlRefusal{Say(Said::XmlStrayText)};
         }
     }
 
@@ -90,9 +75,9 @@ private:
                                                   : value && attribute.name == "type" ? &m_type
                                                   : value && attribute.name == "size" ? &m_size
                                                                                       : nullptr;
-        if (place == nullptr) throw XmlRefusal{Say(Said::XmlAttribute, {element, attribute.name}), {}};
-        if (*place) throw XmlRefusal{Say(Said::XmlAttributeTwice), {}};
-        *place = House(attribute.value);
+        if (place == nullptr) throw XmlRefusal{Say(Said::XmlAttribute, {element, attribute.name})};
+        if (*place) throw XmlRefusal{Say(Said::XmlAttributeTwice)};
+        *place = attribute.value;
     }
 
     void Store() {
@@ -103,7 +88,7 @@ private:
         if (type == "i64") return StoreNumbers<CInt64Array, __int64>(type);
         if (type == "r32") return StoreNumbers<CFloatArray, float>(type);
         if (type == "r64") return StoreNumbers<CDoubleArray, double>(type);
-        throw XmlRefusal{Say(Said::XmlType, {ToUtf8(type)}), {}};
+        throw XmlRefusal{Say(Said::XmlType, {ToUtf8(type)})};
     }
 
     void StoreTexts() {
@@ -120,7 +105,7 @@ private:
             Element element{};
             const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), element);
             if (error != std::errc() || end != text.data() + text.size())
-                throw XmlRefusal{Say(Said::XmlNumber, {ToUtf8(text), type}), {}};
+                throw XmlRefusal{Say(Said::XmlNumber, {ToUtf8(text), type})};
             array.Add(element);
         });
         Set(array);
@@ -145,13 +130,13 @@ private:
             m_size ? std::from_chars(m_size->data(), m_size->data() + m_size->size(), said) : std::from_chars_result{};
         const bool number = !m_size || (error == std::errc() && end == m_size->data() + m_size->size());
         const bool fits = m_type.value_or("str") == "str" ? said <= count : said == count;
-        if (!number || !fits) throw XmlRefusal{Say(Said::XmlSize, {ToUtf8(*m_size), std::to_string(count)}), {}};
+        if (!number || !fits) throw XmlRefusal{Say(Said::XmlSize, {ToUtf8(*m_size), std::to_string(count)})};
     }
 
     template <class Array>
     void Set(const Array& array) {
-        if (m_db.Find(m_name->c_str())) throw XmlRefusal{Say(Said::XmlTwice, {ToUtf8(*m_name)}), {}};
-        if (!m_db.SetValue(m_name->c_str(), array)) throw XmlRefusal{Say(Said::XmlKey, {ToUtf8(*m_name)}), {}};
+        if (m_db.Find(m_name->c_str())) throw XmlRefusal{Say(Said::XmlTwice, {ToUtf8(*m_name)})};
+        if (!m_db.SetValue(m_name->c_str(), array)) throw XmlRefusal{Say(Said::XmlKey, {ToUtf8(*m_name)})};
     }
 
     CPropertyDB& m_db;

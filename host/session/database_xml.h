@@ -12,7 +12,6 @@
 struct XmlManner {
     enum Kind {
         Dialect,  // nothing in it that the module would not write
-        Letters,  // the same, but for letters that are UTF-8: they may be the module's by chance
         Foreign,  // UTF-8, with something that XML knows and the module does not
         NotUtf8
     };
@@ -22,8 +21,8 @@ struct XmlManner {
 // Reads to the end of the file.
 XmlManner MannerOf(CFile& file);
 
-// Adds to an empty database from the file's position on. UTF-8 becomes Windows-1252. An XmlFault for anything that it cannot
+// Adds to an empty database from the file's position on. An XmlFault for anything that it cannot
 // take: elements and attributes of other names, other types, numbers that are none, sizes that do not fit, keys that come
-// twice, letters that Windows-1252 lacks; the database then holds a part. `type` and `size` may be left out: text, and as many
+// twice; the database then holds a part. `type` and `size` may be left out: text, and as many
 // elements as there are.
 void LoadStandardXml(CFile& file, CPropertyDB& db);

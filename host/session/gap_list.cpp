@@ -7,9 +7,8 @@
 #include <vector>
 
 #include "comm/comm_exception.h"
-#include "host/measurement/download.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "time/span_text.h"
 
 namespace {
@@ -68,6 +67,14 @@ std::string EventLine(const CRecordedEvent& event) {
     return line;
 }
 }  // namespace
+
+std::string ChannelNames(const std::vector<WORD>& places, const Session& session) {
+    std::string names;
+    for (const WORD place : places) {
+        if (place < session.Channels().size()) names += (names.empty() ? "" : ", ") + ToUtf8(session.Channels()[place].name);
+    }
+    return names;
+}
 
 std::string CauseInWords(unsigned cause) {
     if (const std::string words = InWords(kCauses, cause); !words.empty()) return words;

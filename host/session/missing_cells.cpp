@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/logger/channel_intervals.h"
+#include "host/session/channel_intervals.h"
 
 MissingCells::MissingCells(const std::vector<CRecordedGap>& gaps) : m_gaps(gaps) {
     std::sort(m_gaps.begin(), m_gaps.end(), [](const CRecordedGap& a, const CRecordedGap& b) { return a.from < b.from; });

@@ -5,10 +5,10 @@
 #include <limits>
 #include <numeric>
 
-#include "host/command_line/console.h"
-#include "host/logger/channel_intervals.h"
+#include "host/session/channel_intervals.h"
 #include "host/session/damage_gaps.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr size_t kStore = 16 * 1024 * 1024;  // bytes of decoded spans

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "frame/numeric_arrays.h"
-#include "host/chart/series_reduction.h"
 #include "host/session/recorded_notes.h"
+#include "host/session/series_reduction.h"
 #include "propdb/property_db.h"
 #include "record/recording_index.h"
 #include "record/recording_reader.h"

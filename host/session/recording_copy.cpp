@@ -4,11 +4,11 @@
 #include <cmath>
 #include <limits>
 
-#include "host/command_line/console.h"
-#include "host/logger/reading_source.h"
 #include "host/session/missing_cells.h"
+#include "host/session/reading_source.h"
 #include "host/session/recording_files.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "platform/file_replacement.h"
 #include "record/recorder.h"
 

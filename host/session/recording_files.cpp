@@ -4,7 +4,7 @@
 
 #include "host/session/database_file.h"
 #include "host/session/session.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "record/recorder.h"
 #include "time/time_point.h"
 

@@ -5,12 +5,12 @@
 #include <limits>
 
 #include "afx/collections.h"
-#include "host/command_line/console.h"
-#include "host/logger/channel_intervals.h"
-#include "host/logger/reading_source.h"
-#include "host/measurement/reading_writer.h"
+#include "host/session/channel_intervals.h"
 #include "host/session/missing_cells.h"
-#include "host/texts.h"
+#include "host/session/reading_source.h"
+#include "host/session/reading_writer.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 std::string ReadText(IPropertyDB& db, const std::string& key) {

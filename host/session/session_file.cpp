@@ -2,7 +2,7 @@
 
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 namespace {
 bool IsOwnRecording(const std::string& path, const Session& session) {

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "host/app/work_progress.h"
 #include "host/session/session.h"
-#include "host/work_progress.h"
 
 struct SessionFile {
     std::string path;                                                   // that was opened

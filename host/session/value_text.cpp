@@ -9,9 +9,10 @@
 
 #include "afx/collections.h"
 #include "frame/numeric_arrays.h"
-#include "host/command_line/console.h"
 #include "host/session/column_format.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
+#include "platform/letters.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
 #include "time/locale_cache.h"
@@ -30,9 +31,8 @@ bool ReadNumber(std::string_view text, T& value) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error == std::errc() && end == text.data() + text.size()) return true;
     if constexpr (std::is_floating_point_v<T>) {
-        std::string house;
         if (text.find_first_of("0123456789") == std::string_view::npos) return false;  // a sign alone would read as 0
-        return FromUtf8(std::string(text), house) && _NlsGetReal(house.c_str(), value) && std::isfinite(value);
+        return _NlsGetReal(std::string(text).c_str(), value) && std::isfinite(value);
     }
     return false;
 }
@@ -110,13 +110,10 @@ std::string BriefTextOf(const CObject* value) {
     constexpr size_t kCharacters = 200;
     auto [text, count] = Elements(value, kElements);
     const std::string more = count > kElements ? Say(Text::MoreElements, {std::to_string(count)}) : "";
-    const size_t width = WidthOf(text);
+    const size_t width = OrvikColumns(text);
     if (width <= kCharacters) return text + more;
     size_t end = 0;
-    for (size_t letters = 0; letters < kCharacters; ++letters) {
-        do ++end;
-        while ((text[end] & 0xC0) == 0x80);
-    }
+    for (size_t letters = 0; letters < kCharacters; ++letters) end = OrvikNextLetter(text, end);
     return text.substr(0, end) + (more.empty() ? Say(Text::MoreCharacters, {std::to_string(width)}) : more);
 }
 
@@ -164,9 +161,7 @@ bool RealFromText(const std::string& text, double& value) { return ReadNumber(te
 void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kind, const std::string& text) {
     bool stored = false, understood = true;
     if (kind == "str") {
-        std::string house;
-        if (!FromUtf8(text, house) && !text.empty()) throw Failure{kWrongUse, Say(Text::TextNotHeld, {text})};
-        stored = db.SetValue(key.c_str(), house.c_str());
+        stored = db.SetValue(key.c_str(), text.c_str());
     } else if (kind == "u8") {
         understood = SetNumbers<CByteArray, BYTE>(db, key, text, stored);
     } else if (kind == "u16") {
@@ -191,14 +186,13 @@ void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kin
 XmlFit FitInXml(const CObject* value) {
     if (As<CByteArray>(value) != nullptr || As<CInt32Array>(value) != nullptr) return XmlFit::Nothing;
     if (const auto* strings = As<CStringArray>(value)) {
-        // An edge of white space is trimmed, ";" parts elements, and letters that happen to be UTF-8 are read as such.
+        // An edge of white space is trimmed, ";" parts elements, and bytes that are no UTF-8 become letters.
         for (INT_PTR i = 0; i < strings->GetSize(); ++i) {
             const CString element = strings->GetAt(i);
             CString trimmed = element;
             trimmed.Trim(" \t\r\n");
             const bool edge = i == 0 || i == strings->GetSize() - 1;
-            std::string read;
-            const bool otherLetters = FromUtf8(element.GetString(), read) && read != element.GetString();
+            const bool otherLetters = ToUtf8(element.GetString()) != element.GetString();
             if (element.Find(';') >= 0 || (edge && trimmed != element) || otherLetters) return XmlFit::Changed;
         }
         return XmlFit::Whole;

@@ -28,7 +28,6 @@ protected:
 
 struct XmlRefusal {
     std::string sentence;  // without a full stop
-    std::string before;    // the text of the piece at hand that stands in front of what is refused
 };
 
 // Why a document could not be read, and where: line and column (in characters) from 1. For a refusal they are those of the

@@ -92,7 +92,6 @@ XmlManner MannerOf(CFile& file) {
     XmlManner manner;
     Utf8 utf8;
     Markup markup;
-    bool letters = false;
     while (const UINT got = file.Read(block.get(), kBlock)) {
         for (UINT i = 0; i < got; ++i) {
             const auto c = static_cast<unsigned char>(block[i]);
@@ -100,16 +99,12 @@ XmlManner MannerOf(CFile& file) {
                 manner.kind = XmlManner::NotUtf8;
                 return manner;
             }
-            letters = letters || c >= 0x80;
             markup.Take(block[i]);
             if (!utf8.Complete()) continue;
             ++manner.column;
             if (c == '\n') ++manner.line, manner.column = 1;
         }
     }
-    manner.kind = !utf8.Complete()     ? XmlManner::NotUtf8
-                  : markup.IsForeign() ? XmlManner::Foreign
-                  : letters            ? XmlManner::Letters
-                                       : XmlManner::Dialect;
+    manner.kind = !utf8.Complete() ? XmlManner::NotUtf8 : markup.IsForeign() ? XmlManner::Foreign : XmlManner::Dialect;
     return manner;
 }

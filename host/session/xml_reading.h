@@ -5,7 +5,7 @@
 #include <exception>
 
 #include "host/session/xml_document.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 class XmlReading {
 public:
@@ -17,7 +17,7 @@ public:
     bool Begin(const std::string& name, const std::vector<XmlAttribute>& attributes) {
         return Guard([&] {
             m_begun = true;
-            if (++m_depth > kDeepest) throw XmlRefusal{Say(Text::XmlTooDeep), {}};
+            if (++m_depth > kDeepest) throw XmlRefusal{Say(Text::XmlTooDeep)};
             m_content.Begin(name, attributes);
         });
     }
@@ -50,10 +50,6 @@ public:
         try {
             if (m_thrown) std::rethrow_exception(m_thrown);
         } catch (const XmlRefusal& refusal) {
-            for (const char c : refusal.before) {
-                if (c == '\n') ++line, column = 0;
-                if ((c & 0xC0) != 0x80) ++column;  // a letter, not a further byte of one
-            }
             throw XmlFault{line, column, refusal.sentence, true};
         }
         throw XmlFault{line, column, Say(fault), false};

@@ -4,7 +4,8 @@
 #include <exception>
 
 #include "frame/version.h"
-#include "host/texts.h"
+#include "host/session/gap_list.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr __int64 kSecond = 1'000'000;

@@ -4,7 +4,7 @@
 #include <limits>
 #include <system_error>
 
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr __int64 kSecond = 1'000'000;

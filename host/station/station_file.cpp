@@ -7,15 +7,15 @@
 #include "afx/collections.h"
 #include "comm/comm_exception.h"
 #include "comm/line_address.h"
-#include "host/command_line/span_words.h"
-#include "host/logger/channel_intervals.h"
 #include "host/logger/description_check.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/recording_plan.h"
+#include "host/session/channel_intervals.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/span_words.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr const char* kKeys[] = {"sName",

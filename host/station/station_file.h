@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/host_app.h"
+#include "host/app/host_app.h"
 #include "host/measurement/download.h"
 #include "host/measurement/recording_writer.h"
 #include "propdb/property_db.h"

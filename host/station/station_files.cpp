@@ -2,9 +2,9 @@
 
 #include "host/measurement/csv_sink.h"
 #include "host/measurement/recording_plan.h"
+#include "host/measurement/replaceable_file.h"
 #include "host/session/database_file.h"
-#include "host/session/replaceable_file.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "record/recording_reader.h"
 
 namespace {

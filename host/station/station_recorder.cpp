@@ -4,11 +4,11 @@
 #include <cstdlib>
 
 #include "comm/task.h"
+#include "host/app/stop_request.h"
 #include "host/logger/logger_file.h"
 #include "host/session/database_file.h"
 #include "host/station/station_files.h"
-#include "host/stop_request.h"
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/service.h"
 
 namespace {

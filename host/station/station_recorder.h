@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "afx/wnd.h"
-#include "host/host_app.h"
+#include "host/app/host_app.h"
 #include "host/station/port_thread.h"
 #include "host/station/station_file.h"
 #include "host/station/station_status.h"

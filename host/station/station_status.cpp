@@ -4,12 +4,12 @@
 
 #include "afx/collections.h"
 #include "afx/file.h"
-#include "host/command_line/console.h"
-#include "host/command_line/json_text.h"
 #include "host/session/database_file.h"
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/json_text.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr const char* kStates[] = {"starting", "reads", "partly", "silent", "nofile", "over"};
@@ -55,7 +55,7 @@ void StoreLogger(CPropertyDB& db, const StationStatus::Logger& logger) {
     db.SetValue("sPort", logger.port.c_str());
     db.SetValue("nState", static_cast<unsigned short>(report.state));
     db.SetValue("tSince", report.since);
-    db.SetValue("sWhy", ToHouse(report.why).c_str());
+    db.SetValue("sWhy", report.why.c_str());
     db.SetValue("nMade", static_cast<__int64>(report.made));
     db.SetValue("nMissing", static_cast<__int64>(report.missing));
     db.SetValue("nWaiting", static_cast<__int64>(report.waiting));
@@ -152,7 +152,7 @@ DWORD StationStatus::Store(const std::string& path) const {
     db.SetValue("Station.tStarted", started);
     db.SetValue("Station.tWritten", written);
     db.SetValue("Station.nEnded", static_cast<unsigned short>(ended ? 1 : 0));
-    db.SetValue("Station.sReloaded", ToHouse(reloaded).c_str());
+    db.SetValue("Station.sReloaded", reloaded.c_str());
     db.SetValue("Station.nRefused", static_cast<unsigned short>(refused ? 1 : 0));
     db.SetPath("Loggers");
     for (const Logger& logger : loggers) StoreLogger(db, logger);

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstring>
 
-#include "platform/house_text.h"
 #include "platform/windows/metafile_player_internal.h"
 
 namespace orvik::detail::metafile {
@@ -30,13 +29,12 @@ Font FontOf(HGDIOBJ font) {
 }
 
 namespace {
-std::string Narrow(const std::wstring& text) {
-    const UINT codePage = OrvikTextCodePage();
+std::string Utf8From(const std::wstring& text) {
     const int length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(codePage, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
-    std::string narrow(static_cast<size_t>(std::max(size, 0)), '\0');
-    WideCharToMultiByte(codePage, 0, text.c_str(), length, narrow.data(), size, nullptr, nullptr);
-    return narrow;
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
+    std::string utf8(static_cast<size_t>(std::max(size, 0)), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, utf8.data(), size, nullptr, nullptr);
+    return utf8;
 }
 }  // namespace
 
@@ -113,9 +111,10 @@ void Player::DrawText(POINT reference, std::wstring text, UINT options, const RE
     shown.x = at.x + below * sine, shown.y = at.y + below * cosine;
     shown.anchor = across == TA_CENTER ? VectorAnchor::middle : across == TA_RIGHT ? VectorAnchor::end : VectorAnchor::start;
     shown.angle = font.lfEscapement / 10.0;
-    shown.text = Narrow(text);
+    shown.text = Utf8From(text);
     shown.width = width;
-    shown.face = Narrow(font.lfFaceName);
+    shown.face = Utf8From(font.lfFaceName);
+    shown.pitch = font.lfPitchAndFamily;
     shown.size = font.lfHeight < 0 ? -font.lfHeight : metrics.tmHeight - metrics.tmInternalLeading;
     shown.weight = font.lfWeight == 0 ? FW_NORMAL : static_cast<int>(font.lfWeight);
     shown.italic = font.lfItalic != 0, shown.underline = font.lfUnderline != 0, shown.strikeOut = font.lfStrikeOut != 0;

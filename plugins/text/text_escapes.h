@@ -9,7 +9,7 @@ namespace text {
 
 // Nothing for a backslash that begins none of them.
 std::optional<std::string> Unescape(std::string_view text);
-// Control characters, what Windows-1252 has no character for, and the backslash as escapes. `also`: further ones.
+// Control characters, bytes that are no character of this process's text, and the backslash as escapes. `also`: further ones.
 std::string Escape(std::string_view bytes, std::string_view also = {});
 // The number that two hexadecimal digits say, in any case; nothing if they are none.
 std::optional<unsigned char> HexByte(std::string_view digits);

@@ -5,6 +5,7 @@
 #include <deque>
 #include <optional>
 
+#include "platform/house_text.h"
 #include "plugins/text/text_json.h"
 #include "plugins/text/text_number.h"
 
@@ -155,6 +156,7 @@ Outcome ValueOf(const Channel& channel, const Found& found, const std::string& l
 }  // namespace
 
 std::string LineText(std::string_view line) {
+    if (OrvikTextCodePage() == CP_UTF8) return OrvikUtf8FromText(line);
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(line[i]); };
     std::string text;
     for (size_t i = 0; i < line.size(); ++i) {

@@ -19,7 +19,8 @@ struct Outcome {
     bool IsValue() const { return why == Sentence::None; }
 };
 
-// The line as text, in Windows-1252: letters of Latin-1 in UTF-8 are what they say.
+// The line as text. In a UTF-8 process bytes that are no UTF-8 are the characters of Windows-1252; in a Windows-1252 process
+// letters of Latin-1 in UTF-8 are what they say.
 std::string LineText(std::string_view line);
 
 // The fields between the separators.

@@ -1,5 +1,6 @@
 #include "plugins/text/text_json.h"
 
+#include "platform/house_text.h"
 #include "plugins/text/text_escapes.h"
 
 namespace text {
@@ -115,10 +116,26 @@ private:
         return true;
     }
 
+    // What stood there by its numbers: one character in UTF-16 may need two of them.
+    static void Append(std::string& text, std::basic_string<WCHAR>& units) {
+        if (units.empty()) return;
+        const auto narrow = [&](char* to, int size) {
+            return WideCharToMultiByte(OrvikTextCodePage(), 0, units.data(), static_cast<int>(units.size()), to, size, nullptr,
+                                       nullptr);
+        };
+        const size_t before = text.size();
+        const int size = narrow(nullptr, 0);
+        text.resize(before + static_cast<size_t>(size));
+        narrow(text.data() + before, size);
+        units.clear();
+    }
+
     bool Text(std::string& text) {
         if (m_rest.empty() || m_rest[0] != '"') return false;
+        std::basic_string<WCHAR> units;
         for (size_t i = 1; i < m_rest.size(); ++i) {
             const char c = m_rest[i];
+            if (c != '\\' || At(i + 1) != 'u') Append(text, units);
             if (c == '"') {
                 m_rest.remove_prefix(i + 1);
                 return true;
@@ -134,7 +151,7 @@ private:
                 const auto high = HexByte(m_rest.substr(std::min(i + 1, m_rest.size()), 2));
                 const auto low = HexByte(m_rest.substr(std::min(i + 3, m_rest.size()), 2));
                 if (!high || !low) return false;
-                text += *high == 0 ? static_cast<char>(*low) : '?';
+                units += static_cast<WCHAR>(*high << 8 | *low);
                 i += 4;
             } else if (const size_t which = kLetters.find(escaped); escaped != 0 && which != std::string_view::npos) {
                 text += kMeant[which];

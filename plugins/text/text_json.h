@@ -12,7 +12,7 @@ struct JsonLeaf {
     enum Kind { Null, False, True, Number, Text };
     std::string path;
     Kind kind = Null;
-    std::string text;  // a number's digits, a text's characters (Windows-1252, "?" for others)
+    std::string text;  // a number's digits, a text's characters ("?" for those that this process's text lacks)
 };
 
 // Deepest nesting, and longest path; a leaf with a longer one is left out.

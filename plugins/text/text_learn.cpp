@@ -4,6 +4,7 @@
 #include <map>
 
 #include "comm/comm_exception.h"
+#include "platform/house_text.h"
 #include "plugins/text/text_checksum.h"
 #include "plugins/text/text_escapes.h"
 #include "plugins/text/text_fields.h"
@@ -21,10 +22,14 @@ constexpr size_t kMostLines = 300, kMostChannels = 64;  // more tell nothing new
 // Whole lines of text, the first one left out: it may be half a one. None where too much is no text, as it is when the line's
 // settings are wrong.
 std::vector<std::string> LinesOf(std::string_view heard, std::string& first) {
+    // From one line's end to another's: what is cut there may be no UTF-8.
+    const size_t from = std::min(heard.find('\n'), heard.size()), until = heard.rfind('\n');
+    std::string text;
+    const bool letters = OrvikTextCodePage() == CP_UTF8 && OrvikTextFromUtf8(heard.substr(from, until - from), text);
     size_t strange = 0;
     for (const char c : heard) {
         const auto byte = static_cast<unsigned char>(c);
-        strange += (byte < ' ' && c != '\r' && c != '\n' && c != '\t') || byte >= 0x7F;
+        strange += (byte < ' ' && c != '\r' && c != '\n' && c != '\t') || byte == 0x7F || (byte > 0x7F && !letters);
     }
     std::vector<std::string> lines;
     if (5 * strange > heard.size()) return lines;

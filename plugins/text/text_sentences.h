@@ -1,5 +1,5 @@
 // What the plug-in says of lines, above all of those that give no value, in English or, when that is the user's language, in
-// Swedish. In this house's Windows-1252, for CCommException and the reading's watch. Any thread.
+// Swedish. In this process's text, for CCommException and the reading's watch. Any thread.
 #pragma once
 
 #include <initializer_list>
@@ -38,7 +38,8 @@ enum class Sentence {
 // The sentence with %1, %2 ... replaced.
 std::string Say(Sentence sentence, std::initializer_list<std::string_view> arguments);
 
-// A line as a sentence can hold it: at most 60 characters of it, in quotes, bytes that are no characters as \x and two digits.
+// A line as a sentence can hold it: at most 60 bytes of it, no letter cut, in quotes, bytes that are no characters as \x and two
+// digits.
 std::string Shown(std::string_view line);
 
 }  // namespace text

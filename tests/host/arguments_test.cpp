@@ -1,5 +1,5 @@
 // The words of a command line, and files that are given twice.
-#include "host/command_line/arguments.h"
+#include "host/words/arguments.h"
 
 #include <gtest/gtest.h>
 

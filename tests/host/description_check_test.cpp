@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "host/logger/channel_intervals.h"
+#include "host/session/channel_intervals.h"
 #include "tests/host/sentence_of.h"
 #include "tests/support/described.h"
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/command_line/console.h"
+#include "host/words/console.h"
 
 template <class Act>
 std::string SentenceOf(Act act, int exitCode = kWrongUse) {

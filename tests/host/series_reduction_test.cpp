@@ -1,4 +1,4 @@
-#include "host/chart/series_reduction.h"
+#include "host/session/series_reduction.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 
 #include <thread>
 
-#include "host/command_line/console.h"
 #include "host/logger/simulated_server.h"
+#include "host/words/console.h"
 #include "tests/support/time_limit.h"
 
 namespace {

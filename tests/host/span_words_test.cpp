@@ -1,5 +1,5 @@
 // Spans and sizes as people type them.
-#include "host/command_line/span_words.h"
+#include "host/words/span_words.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ TEST(SpanWords, AreReadTheSameEverywhere) {
     const std::pair<__int64, const char*> table[] = {{0, "0|0.0000004 s"},
                                                      {1, "0.0000006 s"},
                                                      {40, "40us"},
-                                                     {3, "3 \xB5s"},
+                                                     {3, "3 µs"},
                                                      {250'000, " 250 ms "},
                                                      {kSecond, "1.0000000000000000000000000000001 s"},
                                                      {1'500'000, "1.5 s|1,5 s|1500"},

@@ -7,7 +7,7 @@
 #include <random>
 #include <set>
 
-#include "host/command_line/time_input.h"
+#include "host/words/time_input.h"
 #include "tests/support/regional_settings.h"
 #include "time/local_zone.h"
 #include "time/locale_cache.h"

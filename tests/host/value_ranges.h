@@ -15,7 +15,7 @@ struct ValueRange {
 inline std::vector<ValueRange> ValueRanges(size_t count) {
     std::mt19937_64 random(20261122);
     const auto between = [&](double a, double b) { return a + (b - a) * static_cast<double>(random() % 1'000'003) / 1'000'003; };
-    const char* const units[] = {"Wh", "\260C", "Pa", "", "A", "hPa", "V", "%", "mS/cm", "m", "kW", "bar"};
+    const char* const units[] = {"Wh", "°C", "Pa", "", "A", "hPa", "V", "%", "mS/cm", "m", "kW", "bar"};
     std::vector<ValueRange> ranges;
     for (size_t i = 0; i < count; ++i) {
         const double size = std::pow(10, between(-12, 12)), middle = random() % 3 == 0 ? -size : size;

@@ -32,10 +32,11 @@ double NumberOf(std::string text) {
     return number;
 }
 double FactorOf(const std::string& text, const std::string& unit) {
-    if (text.starts_with("\32710^")) return std::pow(10, std::stoi(text.substr(4)));
+    if (text.starts_with("×10^")) return std::pow(10, std::stoi(text.substr(5)));
     if (text == unit) return 1;
-    const std::string prefixes = "pn\xB5m kMGT";
-    const auto power = [&](const std::string& one) {
+    const std::string prefixes = "pnum kMGT";
+    const auto power = [&](std::string one) {
+        if (one.starts_with("µ")) one.replace(0, 2, "u");
         const size_t base = one.find_first_of("WPAVSmb", one.size() > 1 && one.find_first_of("WPAVSb") != 0 ? 1 : 0);
         return base == 0 ? 0 : static_cast<int>(prefixes.find(one[0])) * 3 - 12;
     };
@@ -59,11 +60,11 @@ TEST_F(ValueTicksTest, LabelsAreShortAndTheHeadHasTheRest) {
                  {101'250, 101'260, "Pa", {"101.250", "101.252", "101.254", "101.256", "101.258", "101.260"}, "kPa"},
                  {12'340, 12'350, "Pa", {"12,340", "12,342", "12,344", "12,346", "12,348", "12,350"}, "Pa"},
                  {1012.5, 1013.5, "hPa", {"1,012.6", "1,012.8", "1,013.0", "1,013.2", "1,013.4"}, "hPa"},
-                 {0.0005, 0.0006, "A", {"500", "520", "540", "560", "580", "600"}, "\265A"},
-                 {2.4e-6, 2.6e-6, "A", {"2.40", "2.45", "2.50", "2.55", "2.60"}, "\265A"},
+                 {0.0005, 0.0006, "A", {"500", "520", "540", "560", "580", "600"}, "µA"},
+                 {2.4e-6, 2.6e-6, "A", {"2.40", "2.45", "2.50", "2.55", "2.60"}, "µA"},
                  {2.4e-6, 2.6e-6, "uA", {"2.40", "2.45", "2.50", "2.55", "2.60"}, "pA"},
-                 {0, 1e6, "\260C", {"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}, "\32710^6 \260C"},
-                 {0, 1e-5, "pH", {"0", "2", "4", "6", "8", "10"}, "\32710^-6 pH"},
+                 {0, 1e6, "°C", {"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}, "×10^6 °C"},
+                 {0, 1e-5, "pH", {"0", "2", "4", "6", "8", "10"}, "×10^-6 pH"},
                  {850'000, 1'550'000, "W", {"1.0", "1.2", "1.4"}, "MW"},
                  {0.5, 0.5000003, "A", {"0", "100", "200", "300"}, "nA + 0.5 A"},
                  {2e9, 2'000'000'001, "W", {"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}, "W + 2 GW"},
@@ -84,12 +85,11 @@ TEST_F(ValueTicksTest, OnlyUnitsThatAreWrittenWithPrefixesTakeThem) {
         const char* unit;
         int power;
         const char* wanted;  // null: none
-    } cases[] = {{"Wh", 6, "MWh"},     {"kWh", 3, "MWh"},     {"mA", -3, "\265A"},     {"\xB5S/cm", 3, "mS/cm"},
-                 {"nm", 6, "mm"},      {"Nm", 3, "kNm"},      {"mg/l", -3, "\xB5g/l"}, {"m", 6, nullptr},
-                 {"s", 3, nullptr},    {"\260C", 3, nullptr}, {"%", -3, nullptr},      {"dB", 3, nullptr},
-                 {"pH", 3, nullptr},   {"hPa", 3, nullptr},   {"m\xB2", 3, nullptr},   {"m\xB3/h", 3, nullptr},
-                 {"", 3, nullptr},     {"min", 3, nullptr},   {"TW", 3, nullptr},      {"bar", -3, "mbar"},
-                 {"\260C", 0, "\260C"}};
+    } cases[] = {{"Wh", 6, "MWh"},     {"kWh", 3, "MWh"},    {"mA", -3, "µA"},    {"µS/cm", 3, "mS/cm"}, {"nm", 6, "mm"},
+                 {"Nm", 3, "kNm"},     {"mg/l", -3, "µg/l"}, {"m", 6, nullptr},   {"s", 3, nullptr},     {"°C", 3, nullptr},
+                 {"%", -3, nullptr},   {"dB", 3, nullptr},   {"pH", 3, nullptr},  {"hPa", 3, nullptr},   {"m²", 3, nullptr},
+                 {"m³/h", 3, nullptr}, {"", 3, nullptr},     {"min", 3, nullptr}, {"TW", 3, nullptr},    {"bar", -3, "mbar"},
+                 {"°C", 0, "°C"}};
     for (const auto& c : cases)
         EXPECT_EQ(PrefixedUnit(c.unit, c.power), c.wanted ? std::optional<std::string>(c.wanted) : std::nullopt) << c.unit;
 }

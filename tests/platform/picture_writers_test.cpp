@@ -37,7 +37,7 @@ TEST(PdfWriter, FileIsWellFormed) {
     using namespace orvik::detail;
     const auto sink = MakePdfWriter(400, 300);
     VectorText text;
-    text.x = 100, text.y = 50, text.text = "(\xE5\xB0\x80\\", text.size = 12, text.anchor = VectorAnchor::end, text.width = 60;
+    text.x = 100, text.y = 50, text.text = "(\xC3\xA5\xC2\xB0\xE2\x82\xAC\\", text.size = 12, text.anchor = VectorAnchor::end, text.width = 60;
     sink->Text(text);
     const std::vector<VectorRect> nothing, left = {{0, 0, 10, 300}};
     sink->SetClip(&nothing), sink->Fill({1, 1, 77, 77}, 0), sink->SetClip(&left), sink->Fill({1, 1, 55, 33}, 0x0000FF);

@@ -235,7 +235,7 @@ TEST_F(StationTest, AThreadThatHangsIsFound) {
 
 TEST_F(StationTest, TheStatusComesBackFromItsFile) {
     StationStatus status;
-    status.name = "Sj\xF6n \"norr\"";
+    status.name = "Sjön \"norr\"";
     status.started = 1'795'000'000'000'000, status.written = status.started + 5'000'000;
     StationStatus::Logger logger;
     logger.key = "m1", logger.port = "COM3";

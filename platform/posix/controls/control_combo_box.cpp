@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/letters.h"
 #include "platform/posix/controls/list_items_internal.h"
 #include "platform/posix/controls/scroll_part_internal.h"
+#include "platform/posix/text/letters_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -103,8 +105,8 @@ public:
                 Drop(!m_dropped, true);
                 return 0;
             case WM_CHAR: {
-                const char typed[2] = {static_cast<char>(wParam), 0};
-                const int found = wParam > ' ' ? m_items.Find(m_current, typed, false) : -1;
+                const std::string typed = m_typed.Take(wParam);
+                const int found = wParam > ' ' && !typed.empty() ? m_items.Find(m_current, typed.c_str(), false) : -1;
                 if (found >= 0) Choose(found);
                 return 0;
             }
@@ -173,11 +175,7 @@ private:
         if (message == WM_SETTEXT) return CB_ERR;  // a list's field shows what is selected
         const std::string text = m_items.Has(m_current) ? m_items[m_current].text : "";
         if (message == WM_GETTEXTLENGTH) return static_cast<LRESULT>(text.size());
-        if (wParam == 0 || lParam == 0) return 0;
-        const size_t length = std::min<size_t>(text.size(), wParam - 1);
-        std::memcpy(reinterpret_cast<char*>(lParam), text.data(), length);
-        reinterpret_cast<char*>(lParam)[length] = 0;
-        return static_cast<LRESULT>(length);
+        return static_cast<LRESULT>(CopyLetters(text, reinterpret_cast<char*>(lParam), wParam));
     }
     LRESULT EditMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         if (m_edit == nullptr) return message == CB_LIMITTEXT ? TRUE : CB_ERR;
@@ -272,6 +270,7 @@ private:
     ListItems m_items;
     HWND m_edit = nullptr;
     int m_current = -1, m_before = -1;
+    OrvikTypedText m_typed;
     bool m_dropped = false, m_setting = false;
 };
 }  // namespace

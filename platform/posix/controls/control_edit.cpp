@@ -1,14 +1,18 @@
 // The edit control, in one line or several. Lines end with "\r\n"; without ES_AUTOHSCROLL, long ones are wrapped between words.
+// Positions in messages are bytes; one within a letter counts as its start. Limits and password characters count letters.
 // One room for the class: its messages, keys, layout and painting share all of its state.
 #include <algorithm>
 #include <cstring>
 #include <mutex>
 #include <vector>
 
+#include "platform/house_text_internal.h"
+#include "platform/letters.h"
 #include "platform/posix/controls/control_internal.h"
 #include "platform/posix/controls/edit_text_internal.h"
 #include "platform/posix/controls/scroll_part_internal.h"
-#include "platform/posix/text/text_internal.h"
+#include "platform/posix/drawing/text_places_internal.h"
+#include "platform/posix/text/letters_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -36,12 +40,6 @@ private:
     std::string m_text;
 };
 
-char UpperCase1252(char c) {
-    for (int upper = 0x41; upper <= 0xDE; ++upper)
-        if (LowerCase1252(static_cast<char>(upper)) == c && static_cast<char>(upper) != c) return static_cast<char>(upper);
-    return c;
-}
-
 class Edit final : public Control {
 public:
     using Control::Control;
@@ -51,21 +49,15 @@ public:
             case WM_NCCREATE: {
                 const auto* create = reinterpret_cast<const CREATESTRUCTA*>(lParam);
                 m_text.Assign(create->lpszName != nullptr ? Cased(create->lpszName) : "");
-                if (Style() & ES_PASSWORD) m_password = '*';
+                if (Style() & ES_PASSWORD) m_password = "*";
                 return TRUE;
             }
             case WM_GETDLGCODE:
                 return Codes(reinterpret_cast<const MSG*>(lParam));
             case WM_SETTEXT:
                 return SetText(reinterpret_cast<const char*>(lParam));
-            case WM_GETTEXT: {
-                char* out = reinterpret_cast<char*>(lParam);
-                if (wParam == 0 || out == nullptr) return 0;
-                const size_t length = std::min<size_t>(Value().size(), wParam - 1);
-                std::memcpy(out, Value().data(), length);
-                out[length] = 0;
-                return static_cast<LRESULT>(length);
-            }
+            case WM_GETTEXT:
+                return static_cast<LRESULT>(CopyLetters(Value(), reinterpret_cast<char*>(lParam), wParam));
             case WM_GETTEXTLENGTH:
                 return static_cast<LRESULT>(Value().size());
             case WM_SIZE:
@@ -83,7 +75,7 @@ public:
                 Tell(EN_KILLFOCUS);
                 return 0;
             case WM_CHAR:
-                return Char(static_cast<char>(wParam));
+                return Char(m_typed.Take(wParam));
             case WM_KEYDOWN:
                 return Key(wParam);
             case WM_LBUTTONDOWN:
@@ -162,9 +154,14 @@ private:
     bool Wraps() const { return Multiline() && (Style() & (ES_AUTOHSCROLL | WS_HSCROLL)) == 0; }
 
     std::string Cased(std::string text) const {
-        const DWORD style = Style();
-        for (char& c : text) c = style & ES_UPPERCASE ? UpperCase1252(c) : style & ES_LOWERCASE ? LowerCase1252(c) : c;
-        return text;
+        const bool upper = (Style() & ES_UPPERCASE) != 0;
+        if (!upper && (Style() & ES_LOWERCASE) == 0) return text;
+        std::string cased;
+        for (std::string_view rest = text; !rest.empty();) {
+            const char32_t character = TakeHouse(rest);
+            AppendHouse(cased, upper ? UpperCase(character) : LowerCase(character));
+        }
+        return cased;
     }
     // What may be pasted into one line: nothing from the first line's end on.
     std::string OneLine(std::string text) const {
@@ -240,7 +237,7 @@ private:
                 WORD room;
                 std::memcpy(&room, out, sizeof room);
                 const Line& line = Lines()[index];
-                const size_t length = std::min<size_t>(line.length, room);
+                const size_t length = LetterStart(std::string_view(Value()).substr(line.from, line.length), room);
                 std::memcpy(out, Value().data() + line.from, length);
                 if (length < room) out[length] = 0;
                 return static_cast<LRESULT>(length);
@@ -257,13 +254,13 @@ private:
             case EM_LINEFROMCHAR:
                 return static_cast<LRESULT>(LineOf(static_cast<int>(wParam) == -1 ? m_text.From() : wParam));
             case EM_SETPASSWORDCHAR:
-                m_password = static_cast<char>(wParam);
-                ChangeStyle(ES_PASSWORD, m_password != 0 ? ES_PASSWORD : 0);
+                m_password = wParam != 0 ? OrvikTypedText().Take(wParam) : "";
+                ChangeStyle(ES_PASSWORD, m_password.empty() ? 0 : ES_PASSWORD);
                 m_lines.clear();
                 Invalidate();
                 return 1;
             case EM_GETPASSWORDCHAR:
-                return static_cast<unsigned char>(m_password);
+                return PasswordCharacter();
             case EM_EMPTYUNDOBUFFER:
                 m_text.ForgetUndo();
                 return 0;
@@ -313,10 +310,7 @@ private:
 
     // Every change by user or program comes through here; what the limit does not admit is cut, and told.
     void Insert(std::string text, bool canUndo) {
-        const size_t kept = Value().size() - (m_text.To() - m_text.From());
-        const size_t room = m_limit > kept ? m_limit - kept : 0;
-        const bool cut = text.size() > room;
-        if (cut) text.resize(room);
+        const bool cut = CutToLimit(text);
         m_text.Replace(Cased(std::move(text)), canUndo);
         m_modified = true;
         m_lines.clear();
@@ -324,6 +318,16 @@ private:
         Tell(EN_UPDATE);
         Selected();
         Tell(EN_CHANGE);
+    }
+
+    // A text has at least as many bytes as letters, so that most need not be counted.
+    bool CutToLimit(std::string& text) const {
+        if (Value().size() - (m_text.To() - m_text.From()) + text.size() <= m_limit) return false;
+        const size_t kept = CountLetters(Value()) - CountLetters(m_text.Selected());
+        size_t end = 0;
+        for (size_t room = m_limit > kept ? m_limit - kept : 0; room > 0 && end < text.size(); --room)
+            end = NextLetter(text, end);
+        return end < text.size() ? (text.resize(end), true) : false;
     }
 
     LRESULT Undo() {
@@ -337,12 +341,15 @@ private:
     }
 
     bool Copy() {
-        if (m_password != 0 || m_text.From() == m_text.To()) return false;
+        if (!m_password.empty() || m_text.From() == m_text.To()) return false;
         Pasteboard::Get().Set(m_text.Selected());
         return true;
     }
 
-    LRESULT Char(char c) {
+    // One character's bytes.
+    LRESULT Char(const std::string& typed) {
+        if (typed.empty()) return 0;
+        const char c = typed[0];
         switch (c) {
             case '\r':
             case '\n':
@@ -368,7 +375,7 @@ private:
         const bool tab = c == '\t' && Multiline();
         if ((static_cast<unsigned char>(c) < ' ' && !tab) || c == 127 || ReadOnly()) return 0;
         if (Style() & ES_NUMBER && (c < '0' || c > '9')) return 0;
-        Insert(std::string(1, c), true);
+        Insert(typed, true);
         return 0;
     }
 
@@ -468,7 +475,27 @@ private:
 
     // The text as it is to be seen.
     std::string Shown(const Line& line) const {
-        return m_password != 0 ? std::string(line.length, m_password) : Value().substr(line.from, line.length);
+        const std::string text = Value().substr(line.from, line.length);
+        if (m_password.empty()) return text;
+        std::string hidden;
+        for (size_t letters = CountLetters(text); letters > 0; --letters) hidden += m_password;
+        return hidden;
+    }
+    // From a place in the text to one in what is shown of its line, and back.
+    size_t ShownAt(const Line& line, size_t at) const {
+        at = std::min(std::max(at, line.from), line.from + line.length) - line.from;
+        return m_password.empty() ? at : CountLetters(Value().substr(line.from, at)) * m_password.size();
+    }
+    size_t TextAt(const Line& line, size_t shown) const {
+        if (m_password.empty()) return line.from + shown;
+        size_t at = 0;
+        const std::string text = Value().substr(line.from, line.length);
+        for (size_t letters = shown / m_password.size(); letters > 0; --letters) at = NextLetter(text, at);
+        return line.from + at;
+    }
+    LRESULT PasswordCharacter() const {
+        std::string_view text = m_password;
+        return text.empty() ? 0 : HouseIsUtf8() ? static_cast<LRESULT>(TakeHouse(text)) : static_cast<unsigned char>(text[0]);
     }
 
     const std::vector<Line>& Lines() {
@@ -495,7 +522,8 @@ private:
             int fit = 0;
             SIZE size{};
             GetTextExtentExPointA(dc, Value().data() + from, static_cast<int>(end - from), width, &fit, nullptr, &size);
-            const size_t fits = static_cast<size_t>(std::max(fit, 1));
+            const size_t fits =
+                std::max(static_cast<size_t>(fit), NextLetter(std::string_view(Value()).substr(from, end - from), 0));
             if (from + fits >= end) break;
             // Back to a blank, if the line has one.
             const size_t blank = Value().rfind(' ', from + fits);
@@ -527,8 +555,7 @@ private:
         const Line line = Lines()[index];
         const std::string shown = Shown(line);
         const MeasuringDc dc(m_window, m_font);
-        const int x =
-            StartOf(line, dc.Width(shown.data(), shown.size())) + dc.Width(shown.data(), std::min(at - line.from, shown.size()));
+        const int x = StartOf(line, dc.Width(shown.data(), shown.size())) + LetterX(dc, shown, ShownAt(line, at));
         return {x, Inner().top + (static_cast<int>(index) - m_top) * LineHeight()};
     }
 
@@ -536,14 +563,7 @@ private:
         const Line line = Lines()[index];
         const std::string shown = Shown(line);
         const MeasuringDc dc(m_window, m_font);
-        const int from = StartOf(line, dc.Width(shown.data(), shown.size()));
-        size_t at = 0;
-        for (int before = 0; at < shown.size(); ++at) {
-            const int after = dc.Width(shown.data(), at + 1);
-            if (x < from + (before + after) / 2) break;
-            before = after;
-        }
-        return line.from + at;
+        return TextAt(line, LetterAtX(dc, shown, x - StartOf(line, dc.Width(shown.data(), shown.size()))));
     }
 
     size_t At(POINT point) {
@@ -573,23 +593,20 @@ private:
 
     void PaintLine(HDC dc, const Line& line, LONG y, int height, bool marked) const {
         const std::string shown = Shown(line);
-        const auto width = [&](size_t count) {
-            SIZE size{};
-            GetTextExtentPoint32A(dc, shown.data(), static_cast<int>(count), &size);
-            return static_cast<int>(size.cx);
-        };
-        const int x = StartOf(line, width(shown.size()));
+        SIZE size{};
+        GetTextExtentPoint32A(dc, shown.data(), static_cast<int>(shown.size()), &size);
+        const int x = StartOf(line, size.cx);
         TextOutA(dc, x, y, shown.data(), static_cast<int>(shown.size()));
-        const size_t from = std::min(std::max(m_text.From(), line.from) - line.from, shown.size());
-        const size_t to = m_text.To() <= line.from ? 0 : std::min(m_text.To() - line.from, shown.size());
-        if (!marked || from >= to) return;
-        const RECT part{x + width(from), y, x + width(to), y + height};
+        if (!marked) return;
         const COLORREF ink = SetTextColor(dc, GetSysColor(COLOR_HIGHLIGHTTEXT));
-        FillColour(dc, part, GetSysColor(COLOR_HIGHLIGHT));
-        const int state = SaveDC(dc);
-        IntersectClipRect(dc, part.left, part.top, part.right, part.bottom);
-        TextOutA(dc, x, y, shown.data(), static_cast<int>(shown.size()));
-        RestoreDC(dc, state);
+        for (const TextSpan& span : LetterSpans(dc, shown, ShownAt(line, m_text.From()), ShownAt(line, m_text.To()))) {
+            const RECT part{x + span.left, y, x + span.right, y + height};
+            FillColour(dc, part, GetSysColor(COLOR_HIGHLIGHT));
+            const int state = SaveDC(dc);
+            IntersectClipRect(dc, part.left, part.top, part.right, part.bottom);
+            TextOutA(dc, x, y, shown.data(), static_cast<int>(shown.size()));
+            RestoreDC(dc, state);
+        }
         SetTextColor(dc, ink);
     }
 
@@ -597,7 +614,8 @@ private:
     std::vector<Line> m_lines;  // as laid out; empty when that is to be done anew
     size_t m_limit = kDefaultLimit;
     bool m_modified = false;
-    char m_password = 0;
+    std::string m_password;  // what each letter is shown as; empty: itself
+    OrvikTypedText m_typed;
     int m_left = 0, m_right = 0;  // margins
     int m_top = 0;                // the first line to be seen
     int m_shift = 0;              // pixels that are scrolled off at the left

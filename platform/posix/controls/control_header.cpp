@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/posix/controls/control_internal.h"
+#include "platform/posix/text/letters_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -103,11 +104,7 @@ private:
         if (to.mask & HDI_WIDTH) to.cxy = item.width;
         if (to.mask & HDI_FORMAT) to.fmt = item.format;
         if (to.mask & HDI_LPARAM) to.lParam = item.parameter;
-        if (to.mask & HDI_TEXT && to.pszText != nullptr && to.cchTextMax > 0) {
-            const size_t length = std::min(item.text.size(), static_cast<size_t>(to.cchTextMax) - 1);
-            std::memcpy(to.pszText, item.text.data(), length);
-            to.pszText[length] = 0;
-        }
+        if (to.mask & HDI_TEXT && to.cchTextMax > 0) CopyLetters(item.text, to.pszText, static_cast<size_t>(to.cchTextMax));
         return TRUE;
     }
 

@@ -1,6 +1,7 @@
 // The list box: strings of which one, or several, can be selected.
 #include <algorithm>
 
+#include "platform/letters.h"
 #include "platform/posix/controls/list_items_internal.h"
 #include "platform/posix/controls/scroll_part_internal.h"
 
@@ -77,8 +78,8 @@ public:
             case WM_KEYDOWN:
                 return Key(wParam);
             case WM_CHAR: {
-                const char typed[2] = {static_cast<char>(wParam), 0};
-                const int found = wParam > ' ' ? m_items.Find(m_current, typed, false) : -1;
+                const std::string typed = m_typed.Take(wParam);
+                const int found = wParam > ' ' && !typed.empty() ? m_items.Find(m_current, typed.c_str(), false) : -1;
                 if (found >= 0) Choose(found);
                 return 0;
             }
@@ -226,6 +227,7 @@ private:
 
     ListItems m_items;
     int m_current = -1, m_caret = 0, m_top = 0;
+    OrvikTypedText m_typed;
 };
 }  // namespace
 

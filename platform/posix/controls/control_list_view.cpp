@@ -51,7 +51,7 @@ LRESULT ListView::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_KEYDOWN:
             return Key(wParam);
         case WM_CHAR:
-            return Letter(static_cast<char>(wParam));
+            return Letter(m_typed.Take(wParam));
         case WM_LBUTTONDOWN:
             return Press(wParam, PointOf(lParam), false);
         case WM_LBUTTONDBLCLK:

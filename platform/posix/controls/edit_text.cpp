@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "platform/posix/controls/edit_text_internal.h"
+#include "platform/posix/text/letters_internal.h"
 
 namespace orvik::detail {
 
@@ -12,8 +13,8 @@ void EditText::Assign(std::string text) {
 }
 
 void EditText::Select(size_t anchor, size_t caret) {
-    m_anchor = std::min(anchor, m_text.size());
-    m_caret = std::min(caret, m_text.size());
+    m_anchor = LetterStart(m_text, anchor);
+    m_caret = LetterStart(m_text, caret);
 }
 
 void EditText::Replace(const std::string& text, bool canUndo) {
@@ -55,13 +56,13 @@ size_t EditText::Next(size_t at, bool back, bool word) const {
     const size_t size = m_text.size();
     if (back) {
         if (at == 0) return 0;
-        if (!word) return at >= 2 && m_text.compare(at - 2, 2, "\r\n") == 0 ? at - 2 : at - 1;
+        if (!word) return at >= 2 && m_text.compare(at - 2, 2, "\r\n") == 0 ? at - 2 : PreviousLetter(m_text, at);
         while (at > 0 && IsBlank(m_text[at - 1])) --at;
         while (at > 0 && !IsBlank(m_text[at - 1])) --at;
         return at;
     }
     if (at >= size) return size;
-    if (!word) return m_text.compare(at, 2, "\r\n") == 0 ? at + 2 : at + 1;
+    if (!word) return m_text.compare(at, 2, "\r\n") == 0 ? at + 2 : NextLetter(m_text, at);
     while (at < size && !IsBlank(m_text[at])) ++at;
     while (at < size && IsBlank(m_text[at])) ++at;
     return at;

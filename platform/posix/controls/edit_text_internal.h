@@ -1,5 +1,6 @@
 // What an edit control holds, apart from its window: the text, the selection, and one change that can be taken back.
-// Positions count characters from 0; a selection runs from its anchor to the caret, in either direction.
+// Positions are bytes, and never lie within a letter (text/letters_internal.h); a selection runs from its anchor to the caret, in
+// either direction.
 #pragma once
 
 #include <string>
@@ -17,7 +18,7 @@ public:
 
     // Everything new: nothing is selected, nothing can be taken back.
     void Assign(std::string text);
-    // Both are brought within the text.
+    // Both are brought within the text, to the start of the letter that they are in.
     void Select(size_t anchor, size_t caret);
     // Puts the text in the selection's place and the caret after it. Typing on joins the change before.
     void Replace(const std::string& text, bool canUndo);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/house_text_internal.h"
 #include "platform/posix/controls/list_items_internal.h"
 #include "platform/posix/text/text.h"
 
@@ -49,12 +50,11 @@ bool ListItems::Remove(int at) {
 
 int ListItems::Find(int after, const char* text, bool whole) const {
     if (text == nullptr || m_items.empty()) return -1;
-    const size_t length = std::strlen(text);
     const int first = Has(after) ? after + 1 : 0;
     for (int step = 0; step < Count(); ++step) {
         const int index = (first + step) % Count();
         const std::string& own = m_items[static_cast<size_t>(index)].text;
-        if (lstrcmpiA(whole ? own.c_str() : own.substr(0, length).c_str(), text) == 0) return index;
+        if (whole ? lstrcmpiA(own.c_str(), text) == 0 : BeginsNoCase(own, text)) return index;
     }
     return -1;
 }

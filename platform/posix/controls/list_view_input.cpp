@@ -202,12 +202,11 @@ LRESULT ListView::Key(WPARAM key) {
 }
 
 // A letter leads to the next row that begins with it.
-LRESULT ListView::Letter(char c) {
-    if (c == '\r' || c == ' ' || Count() == 0) return 0;
-    const char text[2] = {c, 0};
+LRESULT ListView::Letter(const std::string& typed) {
+    if (typed.empty() || typed == "\r" || typed == " " || Count() == 0) return 0;
     LVFINDINFOA find{};
     find.flags = LVFI_PARTIAL | LVFI_STRING | LVFI_WRAP;
-    find.psz = text;
+    find.psz = typed.c_str();
     MoveTo(static_cast<int>(FindItem(m_focused, find)), false, false);
     return 0;
 }

@@ -6,6 +6,7 @@
 
 #include <vector>
 
+#include "platform/letters.h"
 #include "platform/posix/controls/scroll_part_internal.h"
 
 namespace orvik::detail {
@@ -82,7 +83,7 @@ private:
 
     // Input.
     LRESULT Key(WPARAM key);
-    LRESULT Letter(char c);
+    LRESULT Letter(const std::string& typed);
     void MoveTo(int row, bool extend, bool keep);
     LRESULT Press(WPARAM keys, POINT at, bool second);
     LRESULT RightPress(WPARAM keys, POINT at);
@@ -103,6 +104,7 @@ private:
     DWORD m_extended = 0;
     int m_dragged = 0;  // 1: the vertical thumb, 2: the horizontal one, 3: a row was pressed
     LONG m_grip = 0;
+    OrvikTypedText m_typed;
 };
 
 }  // namespace orvik::detail

@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/house_text_internal.h"
 #include "platform/posix/controls/list_view_internal.h"
+#include "platform/posix/text/letters_internal.h"
 #include "platform/posix/text/text.h"
 
 namespace orvik::detail {
@@ -13,10 +15,7 @@ void ListView::Put(Cell& cell, LPCSTR text) {
 }
 
 void ListView::Fill(LPSTR out, int size, const std::string& text) {
-    if (out == nullptr || out == LPSTR_TEXTCALLBACKA || size <= 0) return;
-    const size_t length = std::min(text.size(), static_cast<size_t>(size) - 1);
-    std::memcpy(out, text.data(), length);
-    out[length] = 0;
+    if (out != LPSTR_TEXTCALLBACKA && size > 0) CopyLetters(text, out, static_cast<size_t>(size));
 }
 
 LRESULT ListView::Tell(UINT code, int row, int subItem, UINT newState, UINT oldState, UINT changed, POINT at) const {
@@ -151,9 +150,8 @@ LRESULT ListView::FindItem(int start, const LVFINDINFOA& find) const {
     const auto matches = [&](int row) {
         if (find.flags & LVFI_PARAM) return m_rows[static_cast<size_t>(row)].parameter == find.lParam;
         if (!(find.flags & (LVFI_STRING | LVFI_PARTIAL)) || find.psz == nullptr) return false;
-        std::string text = TextOf(row, 0);
-        if (find.flags & LVFI_PARTIAL) text.resize(std::min(text.size(), std::strlen(find.psz)));
-        return lstrcmpiA(text.c_str(), find.psz) == 0;
+        const std::string text = TextOf(row, 0);
+        return find.flags & LVFI_PARTIAL ? BeginsNoCase(text, find.psz) : lstrcmpiA(text.c_str(), find.psz) == 0;
     };
     for (int row = std::max(start, -1) + 1; row < Count(); ++row)
         if (matches(row)) return row;

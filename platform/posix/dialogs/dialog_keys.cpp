@@ -1,6 +1,7 @@
 // Moving about in a dialog: tab order, groups, mnemonics, and the keys that mean something to the dialog itself.
 #include <algorithm>
 
+#include "platform/letters.h"
 #include "platform/posix/dialogs/dialog_internal.h"
 #include "platform/posix/text/text_internal.h"
 
@@ -54,16 +55,16 @@ char32_t Mnemonic(HWND window) {
     return 0;
 }
 
-bool PressMnemonic(HWND window, Dialog& dialog, char key) {
-    if (key == 0 || key == ' ') return false;
+bool PressMnemonic(HWND window, Dialog& dialog, WPARAM key) {
+    const std::string typed = OrvikTypedText().Take(key);
+    if (typed.empty() || key == 0 || key == ' ') return false;
     std::vector<HWND> list;
     List(window, list);
     if (list.empty()) return false;
     const HWND focus = GetFocus();
     size_t from = Find(list, focus);
     if (from == list.size()) from = list.size() - 1;
-    const std::string_view one(&key, 1);
-    std::string_view rest = one;
+    std::string_view rest = typed;
     const char32_t letter = LowerCase(TakeHouse(rest));
     const HWND found = Walk(list, from, false, [&](HWND each) {
         return Usable(each) && !IsButton(each, DLGC_WANTCHARS) && Mnemonic(each) == letter;
@@ -173,11 +174,11 @@ BOOL IsDialogMessageA(HWND window, LPMSG message) {
             const LRESULT codes = SendMessageA(message->hwnd, WM_GETDLGCODE, message->wParam, reinterpret_cast<LPARAM>(message));
             if (codes & (DLGC_WANTCHARS | DLGC_WANTMESSAGE)) break;
             if (message->wParam == '\t' && !(codes & DLGC_WANTTAB)) return TRUE;
-            if (PressMnemonic(window, *dialog, static_cast<char>(message->wParam))) return TRUE;
+            if (PressMnemonic(window, *dialog, message->wParam)) return TRUE;
             break;
         }
         case WM_SYSCHAR:
-            if (PressMnemonic(window, *dialog, static_cast<char>(message->wParam))) return TRUE;
+            if (PressMnemonic(window, *dialog, message->wParam)) return TRUE;
             break;
         default:
             break;

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <map>
 
+#include "platform/posix/text/letters_internal.h"
 #include "platform/posix/window/window_internal.h"
 
 namespace {
@@ -204,10 +205,7 @@ int GetMenuStringA(HMENU menu, UINT which, LPSTR out, int size, UINT flags) {
     const Item* item = FindItem(menu, which, flags);
     if (item == nullptr) return 0;
     if (out == nullptr || size <= 0) return static_cast<int>(item->text.size());
-    const size_t length = std::min(item->text.size(), static_cast<size_t>(size) - 1);
-    std::memcpy(out, item->text.data(), length);
-    out[length] = 0;
-    return static_cast<int>(length);
+    return static_cast<int>(orvik::detail::CopyLetters(item->text, out, static_cast<size_t>(size)));
 }
 
 UINT GetMenuState(HMENU menu, UINT which, UINT flags) {

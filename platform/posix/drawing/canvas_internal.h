@@ -50,9 +50,10 @@ struct FillLook {
     POINT origin = {0, 0};        // where hatch and tile begin
 };
 
-// A font of the machine, at a size: everything that measuring needs, for the 256 characters of Windows-1252.
-class FontFace;  // font_internal.h
+class FontFace;     // font_internal.h
+struct ShapedText;  // shaping_internal.h
 
+// A font of the machine, at a size.
 struct TextFont {
     LOGFONTA asked;      // as the DC's font was described
     std::string family;  // the family in use, UTF-8
@@ -63,14 +64,16 @@ struct TextFont {
     int ascent = 0, descent = 0;
 };
 
-// One line of text along its base line. Glyph i of `bytes` begins offsets[i] pixels after the start, along the base line.
+// One line of text along its base line: either plain, where glyph i of `bytes` begins offsets[i] pixels after the start along the
+// base line, or shaped.
 struct TextRun {
     const TextFont* font = nullptr;
     const FontFace* face = nullptr;  // null on a machine without fonts
-    std::string_view bytes;          // Windows-1252
-    std::string_view utf8;
+    std::string_view bytes;          // Windows-1252; empty when shaped
     std::span<const int> offsets;
-    int width = 0;  // of the whole run, along the base line
+    const ShapedText* shaped = nullptr;
+    std::string_view utf8;  // for pages; empty for others
+    int width = 0;          // of the whole run, along the base line
     POINT base = {0, 0};
     UINT align = TA_LEFT;  // or TA_CENTER, TA_RIGHT: the point of the base line that was named; base is the start in any case
     COLORREF color = 0;

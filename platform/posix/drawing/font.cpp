@@ -10,6 +10,9 @@
 #include <list>
 #include <numbers>
 
+#include "platform/posix/drawing/glyph_picture_internal.h"
+#include "platform/posix/drawing/shaping_internal.h"
+#include "platform/posix/text/letters_internal.h"
 #include "platform/posix/text/text_internal.h"
 
 namespace orvik::detail {
@@ -26,12 +29,8 @@ FcPattern* Match(const LOGFONTA& description) {
     if (!FcInit()) return nullptr;
     FcPattern* wanted = FcPatternCreate();
     if (wanted == nullptr) return nullptr;
-    const auto addFamily = [&](const std::string& name) {
-        FcPatternAddString(wanted, FC_FAMILY, reinterpret_cast<const FcChar8*>(name.c_str()));
-    };
-    if (description.lfFaceName[0] != 0) addFamily(Utf8FromHouse(description.lfFaceName));
-    const bool fixed = (description.lfPitchAndFamily & 3) == FIXED_PITCH || (description.lfPitchAndFamily & 0xF0) == FF_MODERN;
-    addFamily(fixed ? "DejaVu Sans Mono" : (description.lfPitchAndFamily & 0xF0) == FF_ROMAN ? "DejaVu Serif" : "DejaVu Sans");
+    for (const std::string& family : FamiliesOf(description))
+        FcPatternAddString(wanted, FC_FAMILY, reinterpret_cast<const FcChar8*>(family.c_str()));
     if (description.lfWeight != FW_DONTCARE) FcPatternAddInteger(wanted, FC_WEIGHT, FontconfigWeight(description.lfWeight));
     FcPatternAddInteger(wanted, FC_SLANT, description.lfItalic != 0 ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
     FcPatternAddBool(wanted, FC_SCALABLE, FcTrue);
@@ -53,12 +52,7 @@ cairo_scaled_font_t* Scale(cairo_font_face_t* face, double across, double down, 
     cairo_matrix_init_rotate(&size, -angle);
     cairo_matrix_scale(&size, across, down);
     cairo_matrix_init_identity(&identity);
-    cairo_font_options_t* options = cairo_font_options_create();
-    cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
-    // Slight hinting fits heights to the pixels and leaves widths as the font has them, so that a text is as wide on every
-    // machine.
-    cairo_font_options_set_hint_style(options, hinted ? CAIRO_HINT_STYLE_SLIGHT : CAIRO_HINT_STYLE_NONE);
-    cairo_font_options_set_hint_metrics(options, hinted ? CAIRO_HINT_METRICS_ON : CAIRO_HINT_METRICS_OFF);
+    cairo_font_options_t* options = FontOptions(hinted);
     cairo_scaled_font_t* font = cairo_scaled_font_create(face, &size, &identity, options);
     cairo_font_options_destroy(options);
     if (cairo_scaled_font_status(font) == CAIRO_STATUS_SUCCESS) return font;
@@ -73,6 +67,9 @@ struct FontFace::Native {
     cairo_scaled_font_t* upright = nullptr;  // for measures
     cairo_scaled_font_t* turned = nullptr;   // for pictures
     std::array<unsigned long, 256> glyphs{};
+    double across = 1;  // times wider than designed
+    std::string file;
+    int index = 0;
 
     Native() = default;
     Native(const Native&) = delete;
@@ -102,6 +99,9 @@ FontFace::FontFace(const LOGFONTA& description) {
         if (FcPatternGetString(found, FC_FAMILY, 0, &family) == FcResultMatch)
             m_font.family = reinterpret_cast<const char*>(family);
         auto native = std::make_unique<Native>();
+        FcChar8* file = nullptr;
+        if (FcPatternGetString(found, FC_FILE, 0, &file) == FcResultMatch) native->file = reinterpret_cast<const char*>(file);
+        FcPatternGetInteger(found, FC_INDEX, 0, &native->index);
         native->face = cairo_ft_font_face_create_for_pattern(found);
         FcPatternDestroy(found);
         if (height > 0) {  // the height of a cell: the em that has it
@@ -123,6 +123,7 @@ FontFace::FontFace(const LOGFONTA& description) {
                 cairo_scaled_font_destroy(large);
             }
         }
+        native->across = across / std::max(m_font.pixels, 1);
         native->upright = Scale(native->face, across, m_font.pixels, 0, true);
         native->turned = m_font.escapement == 0 ? cairo_scaled_font_reference(native->upright)
                                                 : Scale(native->face, across, m_font.pixels, angle, false);
@@ -161,7 +162,9 @@ void FontFace::Measure() {
             }
             cairo_glyph_free(glyphs);
         }
+        m_saysAscii = std::all_of(m_native->glyphs.begin() + 32, m_native->glyphs.begin() + 127, [](auto g) { return g != 0; });
     } else {
+        m_saysAscii = true;
         m_font.ascent = m_font.pixels * 4 / 5;
         m_font.descent = m_font.pixels - m_font.ascent;
     }
@@ -180,10 +183,58 @@ void FontFace::Measure() {
     metrics.tmCharSet = ANSI_CHARSET;
 }
 
+std::optional<std::string_view> FontFace::Plain(std::string_view text, std::string& room) const {
+    if (!HouseIsUtf8()) return text;
+    const size_t ascii = m_saysAscii ? AsciiPrefix(text) : 0;
+    if (ascii == text.size()) return text;
+    if (m_native == nullptr) return std::nullopt;
+    room.assign(text.substr(0, ascii));
+    for (std::string_view rest = text.substr(ascii); !rest.empty();) {
+        const int byte = ByteFromUnicode(TakeHouse(rest));
+        if (byte < 0 || (byte >= ' ' && byte != 0x7F && m_native->glyphs[static_cast<size_t>(byte)] == 0)) return std::nullopt;
+        room += static_cast<char>(byte);
+    }
+    return room;
+}
+
+std::shared_ptr<const ShapedText> FontFace::Shape(std::string_view text) const {
+    if (m_native == nullptr) {  // pango ends the process on a machine without fonts
+        auto empty = std::make_shared<ShapedText>();
+        for (const size_t start : LetterStarts(text)) empty->letters.push_back({start, 0, 0, false});
+        return empty;
+    }
+    const std::lock_guard guard(m_lock);
+    if (m_shaper == nullptr)
+        m_shaper = std::make_unique<Shaper>(
+            m_font, OwnFont{m_native->upright, m_native->turned, m_native->across, m_font.escapement * std::numbers::pi / 1800,
+                            m_native->glyphs, m_advances, m_native->file, m_native->index});
+    return m_shaper->Shape(text);
+}
+
 int FontFace::Extent(std::string_view text) const {
+    std::string room;
+    const auto plain = Plain(text, room);
+    if (!plain) return Shape(text)->width;
     int64_t extent = 0;
-    for (const char character : text) extent += Advance(character);
+    for (const char character : *plain) extent += Advance(character);
     return static_cast<int>(std::min<int64_t>(extent, 0x7FFFFFF));
+}
+
+std::vector<LetterPlace> FontFace::Letters(std::string_view text) const {
+    std::string room;
+    const auto plain = Plain(text, room);
+    if (!plain) return Shape(text)->letters;
+    const std::vector<size_t> starts = LetterStarts(text);
+    std::vector<LetterPlace> letters;
+    letters.reserve(starts.size());
+    int64_t left = 0;
+    for (size_t i = 0; i < starts.size(); ++i) {
+        const size_t end = i + 1 < starts.size() ? starts[i + 1] : text.size();
+        const int width = Extent(text.substr(starts[i], end - starts[i]));
+        letters.push_back({starts[i], static_cast<int>(std::min<int64_t>(left, 0x7FFFFFF)), width, false});
+        left += width;
+    }
+    return letters;
 }
 
 POINT FontFace::Step(int along, int down) const {
@@ -199,32 +250,19 @@ const GlyphImage& FontFace::Glyph(char character) const {
     kept = std::make_unique<GlyphImage>();
     if (m_native == nullptr || m_native->glyphs[code] == 0) return *kept;
 
-    cairo_glyph_t glyph{m_native->glyphs[code], 0, 0};
-    cairo_text_extents_t extents;
-    cairo_scaled_font_glyph_extents(m_native->turned, &glyph, 1, &extents);
-    if (extents.width <= 0 || extents.height <= 0) return *kept;
-    // A pixel of room on each side: hinting and antialiasing may reach beyond the outline.
-    const int left = static_cast<int>(std::floor(extents.x_bearing)) - 1,
-              top = static_cast<int>(std::floor(extents.y_bearing)) - 1;
-    const int width = static_cast<int>(std::ceil(extents.x_bearing + extents.width)) + 1 - left;
-    const int height = static_cast<int>(std::ceil(extents.y_bearing + extents.height)) + 1 - top;
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_A8, width, height);
-    cairo_t* painter = cairo_create(surface);
-    cairo_set_scaled_font(painter, m_native->turned);
-    glyph.x = -left, glyph.y = -top;
-    cairo_show_glyphs(painter, &glyph, 1);
-    cairo_surface_flush(surface);
-    if (cairo_status(painter) == CAIRO_STATUS_SUCCESS) {
-        *kept = {left, top, width, height, std::vector<uint8_t>(static_cast<size_t>(width) * static_cast<size_t>(height))};
-        const unsigned char* data = cairo_image_surface_get_data(surface);
-        const int stride = cairo_image_surface_get_stride(surface);
-        for (int y = 0; y < height; ++y)
-            std::memcpy(&kept->coverage[static_cast<size_t>(y) * static_cast<size_t>(width)], data + y * stride,
-                        static_cast<size_t>(width));
-    }
-    cairo_destroy(painter);
-    cairo_surface_destroy(surface);
+    *kept = PictureOf(m_native->turned, m_native->glyphs[code], false);
     return *kept;
+}
+
+std::shared_ptr<const GlyphImage> FontFace::Picture(const ShapedGlyph& glyph) const {
+    const std::lock_guard guard(m_lock);
+    return m_shaper != nullptr ? m_shaper->Picture(glyph) : std::make_shared<const GlyphImage>();
+}
+
+std::pair<std::shared_ptr<const PageFont>, uint32_t> FontFace::ForPage(const ShapedGlyph& glyph) const {
+    const std::lock_guard guard(m_lock);
+    if (m_shaper == nullptr) return {};
+    return m_shaper->ForPage(glyph);
 }
 
 std::shared_ptr<const FontFace> FaceOf(const LOGFONTA& description) {

@@ -10,6 +10,7 @@
 #include "platform/posix/drawing/dc_internal.h"
 #include "platform/posix/drawing/font_internal.h"
 #include "platform/posix/drawing/raster_internal.h"
+#include "platform/posix/drawing/shaping_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -144,17 +145,11 @@ public:
     void Text(const TextRun& run, const PixelRegion& clip) override {
         if (run.face == nullptr) return;
         const uint32_t color = PixelOf(Shown(run.color));
-        for (size_t i = 0; i < run.bytes.size(); ++i) {
-            const GlyphImage& glyph = run.face->Glyph(run.bytes[i]);
-            if (glyph.width == 0) continue;
-            const POINT step = run.face->Step(run.offsets[i], 0);
-            const LONG left = run.base.x + step.x + glyph.left, top = run.base.y + step.y + glyph.top;
-            const RECT place = {left, top, left + glyph.width, top + glyph.height};
-            if (m_monochrome)
-                raster::Mask(Pixels(), glyph.coverage.data(), glyph.width, place, raster::OpOf(R2_COPYPEN, color), clip);
-            else
-                raster::Blend(Pixels(), glyph.coverage.data(), glyph.width, place, color, clip);
-        }
+        for (size_t i = 0; i < run.bytes.size(); ++i)
+            Glyph(run.face->Glyph(run.bytes[i]), run.base, run.face->Step(run.offsets[i], 0), color, clip);
+        if (run.shaped == nullptr) return;
+        for (const ShapedGlyph& glyph : run.shaped->glyphs)
+            Glyph(*run.face->Picture(glyph), run.base, run.face->Step(glyph.x, glyph.y), color, clip);
     }
 
     void Image(const PixelView& source, const RECT& to, DWORD operation, const FillLook& pattern,
@@ -176,6 +171,20 @@ private:
         look.color = Shown(look.color);
         if (look.gap.has_value()) look.gap = Shown(*look.gap);
         return look;
+    }
+
+    void Glyph(const GlyphImage& glyph, POINT base, POINT step, uint32_t color, const PixelRegion& clip) {
+        if (glyph.width == 0) return;
+        const LONG left = base.x + step.x + glyph.left, top = base.y + step.y + glyph.top;
+        const RECT place = {left, top, left + glyph.width, top + glyph.height};
+        if (m_monochrome) {
+            raster::Mask(Pixels(), glyph.coverage.data(), glyph.width, place, raster::OpOf(R2_COPYPEN, color), clip);
+        } else if (!glyph.colours.empty()) {
+            std::vector<uint32_t> colours = glyph.colours;
+            raster::Overlay(Pixels(), {colours.data(), glyph.width, glyph.height, glyph.width}, place, clip);
+        } else {
+            raster::Blend(Pixels(), glyph.coverage.data(), glyph.width, place, color, clip);
+        }
     }
 
     void WideLines(std::span<const POINT> points, std::span<const DWORD> counts, const LineLook& look, raster::PixelOp op,

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/house_text_internal.h"
 #include "platform/picture_internal.h"
 #include "platform/posix/drawing/canvas_internal.h"
 #include "platform/vector_sink_internal.h"
@@ -73,9 +74,10 @@ public:
         text.x = run.base.x + std::round(along * std::cos(font.escapement * kTenth));
         text.y = run.base.y - std::round(along * std::sin(font.escapement * kTenth));
         text.angle = font.escapement / 10.0;
-        text.text = run.bytes;
+        text.text = run.utf8;
         text.width = run.width;
-        text.face = std::string(font.asked.lfFaceName, strnlen(font.asked.lfFaceName, LF_FACESIZE));
+        text.face = Utf8FromHouse({font.asked.lfFaceName, strnlen(font.asked.lfFaceName, LF_FACESIZE)});
+        text.pitch = font.asked.lfPitchAndFamily;
         text.size = font.pixels;
         text.weight = font.weight;
         text.italic = font.italic, text.underline = font.underline, text.strikeOut = font.strikeOut;

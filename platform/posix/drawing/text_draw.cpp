@@ -4,7 +4,9 @@
 #include <cstring>
 
 #include "platform/posix/drawing/dc_internal.h"
+#include "platform/posix/drawing/shaping_internal.h"
 #include "platform/posix/kernel/handle_table_internal.h"
+#include "platform/posix/text/letters_internal.h"
 #include "platform/posix/text/text_internal.h"
 
 using namespace orvik::detail;
@@ -99,29 +101,60 @@ void ExpandTabs(const FontFace& face, TextLine& line) {
     line.text = std::move(wide);
 }
 
+// The letters of a text one after the other; no list is made where bytes are letters.
+class LetterRow {
+public:
+    LetterRow(const FontFace& face, std::string_view text) : m_face(face), m_text(text) {
+        if (!HouseIsUtf8()) return;
+        std::string room;
+        const auto plain = face.Plain(text, room);
+        m_bytes = plain && plain->data() == text.data() && text.find("\r\n") == text.npos;
+        if (!m_bytes) m_letters = face.Letters(text);
+    }
+    size_t Count() const { return m_bytes ? m_text.size() : m_letters.size(); }
+    int Width(size_t letter) const { return m_bytes ? m_face.Advance(m_text[letter]) : m_letters[letter].width; }
+    // The first byte; behind the last letter the text's length.
+    size_t Begin(size_t letter) const {
+        return m_bytes ? letter : letter < m_letters.size() ? m_letters[letter].begin : m_text.size();
+    }
+
+private:
+    const FontFace& m_face;
+    std::string_view m_text;
+    bool m_bytes = true;
+    std::vector<LetterPlace> m_letters;
+};
+
 // Splits a line where words end, so that every piece is at most `width` wide; a longer word stands alone.
 void BreakWords(const FontFace& face, const TextLine& whole, int width, std::vector<TextLine>& lines) {
+    const LetterRow letters(face, whole.text);
+    const std::vector<size_t> breaks = BreaksBeyondBlanks(whole.text);
     size_t begin = 0;
     do {
         size_t end = begin, lastBreak = std::string::npos;
         int extent = 0;
-        while (end < whole.text.size()) {
-            extent += face.Advance(whole.text[end]);
+        while (end < letters.Count()) {
+            const size_t byte = letters.Begin(end);
+            const bool blank = whole.text[byte] == ' ';
+            if (!breaks.empty() && !blank && end > begin && std::binary_search(breaks.begin(), breaks.end(), byte))
+                lastBreak = end;
+            extent += letters.Width(end);
             if (extent > width && lastBreak != std::string::npos) break;
-            if (whole.text[end] == ' ' && end > begin) lastBreak = end;
+            if (blank && end > begin) lastBreak = end;
             ++end;
         }
         size_t next = end;
-        if (end < whole.text.size()) {
+        if (end < letters.Count()) {
             end = lastBreak;
             next = end;
-            while (next < whole.text.size() && whole.text[next] == ' ') ++next;
+            while (next < letters.Count() && whole.text[letters.Begin(next)] == ' ') ++next;
         }
-        TextLine piece{whole.text.substr(begin, end - begin)};
-        if (whole.mark != std::string::npos && whole.mark >= begin && whole.mark < end) piece.mark = whole.mark - begin;
+        const size_t from = letters.Begin(begin), to = letters.Begin(end);
+        TextLine piece{whole.text.substr(from, to - from)};
+        if (whole.mark != std::string::npos && whole.mark >= from && whole.mark < to) piece.mark = whole.mark - from;
         lines.push_back(std::move(piece));
         begin = next;
-    } while (begin < whole.text.size());
+    } while (begin < letters.Count());
 }
 
 std::vector<TextLine> LayOut(const FontFace& face, std::string_view text, int width, UINT format) {
@@ -153,12 +186,26 @@ void CutWithEllipsis(const FontFace& face, TextLine& line, int width) {
     if (face.Extent(line.text) <= width) return;
     constexpr std::string_view kEllipsis = "...";
     const int room = width - face.Extent(kEllipsis);
+    const LetterRow letters(face, line.text);
     int extent = 0;
-    size_t fit = 0;
-    while (fit < line.text.size() && extent + face.Advance(line.text[fit]) <= room) extent += face.Advance(line.text[fit++]);
-    if (fit == 0 && !line.text.empty()) fit = 1;  // at least one character shows
+    size_t count = 0;
+    while (count < letters.Count() && extent + letters.Width(count) <= room) extent += letters.Width(count++);
+    if (count == 0) count = 1;  // at least one letter shows
+    const size_t fit = letters.Begin(count);
     line.text = line.text.substr(0, fit) + std::string(kEllipsis);
     if (line.mark != std::string::npos && line.mark >= fit) line.mark = std::string::npos;
+}
+
+// Each letter's width is what its bytes have together.
+std::vector<int> OfLetters(const std::vector<LetterPlace>& letters, const int* widths, size_t length) {
+    std::vector<int> sums;
+    for (size_t i = 0; i < letters.size(); ++i) {
+        int64_t sum = 0;
+        const size_t end = i + 1 < letters.size() ? letters[i + 1].begin : length;
+        for (size_t byte = letters[i].begin; byte < end; ++byte) sum += widths[byte];
+        sums.push_back(static_cast<int>(std::clamp<int64_t>(sum, -0x7FFFFFF, 0x7FFFFFF)));
+    }
+    return sums;
 }
 
 }  // namespace
@@ -180,13 +227,26 @@ BOOL ExtTextOutA(HDC dc, int x, int y, UINT options, const RECT* rect, LPCSTR te
     }
     if (bytes.empty()) return TRUE;
 
-    std::vector<int> offsets(bytes.size());
-    int64_t at = 0;
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        offsets[i] = static_cast<int>(std::clamp<int64_t>(at, -0x7FFFFFF, 0x7FFFFFF));
-        at += widths != nullptr ? widths[i] : face.Advance(bytes[i]);
+    std::string room;
+    auto plain = face.Plain(bytes, room);
+    if (widths != nullptr && plain && plain->size() != bytes.size()) plain.reset();  // widths are of other bytes
+    std::vector<int> offsets;
+    std::shared_ptr<const ShapedText> shaped;
+    int width = 0;
+    if (plain) {
+        offsets.resize(plain->size());
+        int64_t at = 0;
+        for (size_t i = 0; i < plain->size(); ++i) {
+            offsets[i] = static_cast<int>(std::clamp<int64_t>(at, -0x7FFFFFF, 0x7FFFFFF));
+            at += widths != nullptr ? widths[i] : face.Advance((*plain)[i]);
+        }
+        width = static_cast<int>(std::clamp<int64_t>(at, -0x7FFFFFF, 0x7FFFFFF));
+    } else {
+        shaped = face.Shape(bytes);
+        if (widths != nullptr)
+            shaped = std::make_shared<const ShapedText>(shaped->Spread(OfLetters(shaped->letters, widths, length)));
+        width = shaped->width;
     }
-    const int width = static_cast<int>(std::clamp<int64_t>(at, -0x7FFFFFF, 0x7FFFFFF));
 
     DcState& state = found->state;
     const POINT place = found->ToCanvas((state.textAlign & TA_UPDATECP) != 0 ? state.position : POINT{x, y});
@@ -210,12 +270,14 @@ BOOL ExtTextOutA(HDC dc, int x, int y, UINT options, const RECT* rect, LPCSTR te
             FillTurned(*found, face, base, width);
         }
     }
-    const std::string utf8 = Utf8From1252(bytes);
+    const std::string utf8 = found->place.canvas->IsPage() ? Utf8FromHouse(bytes) : std::string();
     TextRun run;
     run.font = &face.Font();
     run.face = &face;
-    run.bytes = bytes, run.utf8 = utf8;
+    if (plain) run.bytes = *plain;
     run.offsets = offsets;
+    run.shaped = shaped.get();
+    run.utf8 = utf8;
     run.width = width;
     run.base = base;
     run.align = horizontal;
@@ -265,10 +327,11 @@ int DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format) {
                                                  : rect->left;
         TextOutA(dc, x, y, line.text.data(), static_cast<int>(line.text.size()));
         if (line.mark != std::string::npos) {
-            const int from = x + face.Extent(std::string_view(line.text).substr(0, line.mark));
             const int under = y + face.Font().ascent + 1;
-            FillSolid(*found, found->ToCanvas(RECT{from, under, from + face.Advance(line.text[line.mark]), under + 1}),
-                      found->state.textColor);
+            for (const LetterPlace& letter : face.Letters(line.text))
+                if (letter.begin == line.mark)
+                    FillSolid(*found, found->ToCanvas(RECT{x + letter.left, under, x + letter.left + letter.width, under + 1}),
+                              found->state.textColor);
         }
         y += lineHeight;
     }
@@ -289,12 +352,14 @@ BOOL GetTextExtentExPointA(HDC dc, LPCSTR text, int length, int maximum, int* fi
     const std::string_view bytes = length > 0 ? std::string_view(text, static_cast<size_t>(length)) : std::string_view();
     int count = 0;
     if (fit != nullptr || widths != nullptr) {
+        const LetterRow letters(face, bytes);
         int extent = 0;
-        for (const char character : bytes) {
-            extent += face.Advance(character);
+        for (size_t i = 0; i < letters.Count(); ++i) {
+            extent += letters.Width(i);
             if (fit != nullptr && maximum >= 0 && extent > maximum) break;
-            if (widths != nullptr) widths[count] = extent;
-            ++count;
+            const int end = static_cast<int>(letters.Begin(i + 1));
+            for (; count < end; ++count)
+                if (widths != nullptr) widths[count] = extent;
         }
     }
     if (fit != nullptr) *fit = count;
@@ -305,8 +370,14 @@ BOOL GetTextExtentExPointA(HDC dc, LPCSTR text, int length, int maximum, int* fi
 BOOL GetCharWidth32A(HDC dc, UINT first, UINT last, int* widths) {
     const auto found = FindDc(dc);
     if (found == nullptr) return FALSE;
-    if (widths == nullptr || first > last || last > 255) return Finish(ERROR_INVALID_PARAMETER);
-    for (UINT code = first; code <= last; ++code) widths[code - first] = found->Face().Advance(static_cast<char>(code));
+    constexpr UINT kLast = 0x10FFFF;
+    if (widths == nullptr || first > last || last > (HouseIsUtf8() ? kLast : 255)) return Finish(ERROR_INVALID_PARAMETER);
+    const FontFace& face = found->Face();
+    for (UINT code = first; code <= last; ++code) {
+        std::string letter;
+        if (HouseIsUtf8() && code >= 0x80) AppendUtf8(letter, code);
+        widths[code - first] = letter.empty() ? face.Advance(static_cast<char>(code)) : face.Extent(letter);
+    }
     return TRUE;
 }
 
@@ -324,8 +395,8 @@ int GetTextFaceA(HDC dc, int size, LPSTR name) {
     const int whole = static_cast<int>(family.size()) + 1;
     if (name == nullptr) return whole;
     if (size <= 0) return 0;
-    const int copied = std::min(whole, size);
-    std::memcpy(name, family.c_str(), static_cast<size_t>(copied));
-    name[copied - 1] = 0;
-    return copied;
+    const size_t copied = LetterStart(family, static_cast<size_t>(size - 1));
+    std::memcpy(name, family.c_str(), copied);
+    name[copied] = 0;
+    return static_cast<int>(copied) + 1;
 }

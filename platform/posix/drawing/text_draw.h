@@ -1,7 +1,11 @@
-// Text of Windows-1252 in the DC's font, text colour and alignment. Fonts come from the machine through fontconfig; a face that
+// Text of the house in the DC's font, text colour and alignment. Fonts come from the machine through fontconfig; a face that
 // is not there is replaced by the likest one, DejaVu Sans if there is none. A machine without any font has empty texts of the
 // height asked for.
-// Widths are whole pixels and add up: the extent of a text is the sum of its characters' widths. One thread at a time for a DC.
+// In a UTF-8 process letters (text/letters_internal.h) that the font lacks come from other fonts of the machine, on the same base
+// line; marks sit on their letters, and runs that are read from the right stand so within a line that is read from the left. A
+// byte that belongs to no character shows as Windows-1252. No letter is ever cut: not by wrapping, nor by an ellipsis.
+// Widths are whole pixels. The extent of a text is the sum of its letters' widths; scripts whose letters join may give a letter
+// another width at the end of a piece than within the whole. Lengths and counts are bytes. One thread at a time for a DC.
 #pragma once
 
 #include "platform/posix/drawing/dc.h"
@@ -50,13 +54,16 @@ using LPTEXTMETRICA = TEXTMETRICA*;
 ORVIK_API UINT WINAPI SetTextAlign(HDC dc, UINT align);
 ORVIK_API UINT WINAPI GetTextAlign(HDC dc);
 ORVIK_API BOOL WINAPI TextOutA(HDC dc, int x, int y, LPCSTR text, int length);
-// `widths`, where given, holds the distance from each character to the next.
+// `widths`, where given, holds for each byte its part of the distance from its letter to the next: a letter of several bytes has
+// their sum.
 ORVIK_API BOOL WINAPI ExtTextOutA(HDC dc, int x, int y, UINT options, const RECT* rect, LPCSTR text, UINT length,
                                   const int* widths);
 // The height of the text in logical units, 0 on failure. A length of -1: up to the zero byte.
 ORVIK_API int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format);
 ORVIK_API BOOL WINAPI GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, SIZE* size);
+// `fit` is in bytes and ends with a letter. In `widths` each byte has the extent up to the end of its letter.
 ORVIK_API BOOL WINAPI GetTextExtentExPointA(HDC dc, LPCSTR text, int length, int maximum, int* fit, int* widths, SIZE* size);
+// Of characters by their number, which is Unicode's in a UTF-8 process.
 ORVIK_API BOOL WINAPI GetCharWidth32A(HDC dc, UINT first, UINT last, int* widths);
 ORVIK_API BOOL WINAPI GetTextMetricsA(HDC dc, LPTEXTMETRICA metrics);
 // Characters with the terminator; with a null buffer the room needed; 0 on failure. The name of the font in use, not of the one

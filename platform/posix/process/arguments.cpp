@@ -1,15 +1,13 @@
 #include "platform/arguments.h"
 
-#include <cstring>
-#include <string>
-
 #include "platform/posix/files/path_internal.h"
 
-DWORD OrvikArgumentText(const char* word, char* out, DWORD size) {
-    const std::string text = orvik::detail::HousePath(word);
-    if (text.size() >= size) return static_cast<DWORD>(text.size()) + 1;
-    std::memcpy(out, text.c_str(), text.size() + 1);
-    return static_cast<DWORD>(text.size());
+std::vector<std::string> OrvikArguments(int argc, const char* const* argv) {
+    std::vector<std::string> words;
+    for (int i = 1; i < argc; ++i) words.push_back(OrvikArgumentText(argv[i]));
+    return words;
 }
 
 BOOL OrvikArgumentsAreWhole() { return TRUE; }
+
+std::string OrvikArgumentText(const std::string& typed) { return orvik::detail::HousePath(typed.c_str()); }

@@ -18,6 +18,7 @@
 #include "platform/posix/regional/locale_data_internal.h"
 #include "platform/posix/resources/embedded_dialogs_internal.h"
 #include "platform/posix/resources/images_internal.h"
+#include "platform/posix/text/letters_internal.h"
 #include "platform/posix/text/text_internal.h"
 #include "res/embedded.h"
 
@@ -334,10 +335,7 @@ int LoadStringA(HINSTANCE module, UINT id, LPSTR out, int size) {
     if (!FindById(module, kString, static_cast<WORD>((id & 0xFFFF) / kTextsInBlock + 1), 0)) return 0;
     const std::string* text = Resources::Get().Text(id & 0xFFFF, LanguageInForce());
     if (!text) return Refuse<int>(ERROR_RESOURCE_NAME_NOT_FOUND);
-    const size_t length = std::min(text->size(), static_cast<size_t>(size) - 1);
-    std::memcpy(out, text->data(), length);
-    out[length] = 0;
-    return static_cast<int>(length);
+    return static_cast<int>(CopyLetters(*text, out, static_cast<size_t>(size)));
 }
 
 HCURSOR LoadCursorA(HINSTANCE module, LPCSTR id) {

@@ -8,6 +8,7 @@
 
 #include "platform/posix/dialogs/menu.h"
 #include "platform/posix/kernel/threads.h"
+#include "platform/posix/text/letters_internal.h"
 #include "platform/posix/window/window_class_internal.h"
 
 namespace orvik::detail {
@@ -263,12 +264,8 @@ LRESULT DefWindowProcA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) 
         case WM_GETTEXT: {
             const std::lock_guard kernel(KernelLock());
             const Window* window = FindWindowOf(handle);
-            if (window == nullptr || wParam == 0 || lParam == 0) return 0;
-            char* out = reinterpret_cast<char*>(lParam);
-            const size_t length = std::min<size_t>(window->text.size(), wParam - 1);
-            std::copy_n(window->text.data(), length, out);
-            out[length] = 0;
-            return static_cast<LRESULT>(length);
+            return window == nullptr ? 0
+                                     : static_cast<LRESULT>(CopyLetters(window->text, reinterpret_cast<char*>(lParam), wParam));
         }
         case WM_GETTEXTLENGTH: {
             const std::lock_guard kernel(KernelLock());

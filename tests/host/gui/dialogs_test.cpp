@@ -230,7 +230,7 @@ TEST_F(Dialogs, ARangeIsReadInTheUsersFormatAndIsOneStep) {
     Do(kCommandRange,
        {Refused(IDC_HOST_FROM, "1.5", Resource(IDS_BAD_NUMBER)), Refused(IDC_HOST_TO, "", Resource(IDS_BAD_NUMBER)),
         Refused(IDC_HOST_PICTURE, "##,#x", Resource(IDS_BAD_NUMBER)),
-        [&](HWND dialog) { Refused(IDC_HOST_TO, FieldText(dialog, IDC_HOST_FROM).c_str(), HouseText(Text::RangeEmpty))(dialog); },
+        [&](HWND dialog) { Refused(IDC_HOST_TO, FieldText(dialog, IDC_HOST_FROM).c_str(), Say(Text::RangeEmpty))(dialog); },
         Given(IDOK)});
     EXPECT_FALSE(hands.History().CanUndo()) << "nothing was changed";
     Do(kCommandRange, {Filled({{IDC_HOST_FROM, "-2,5"}, {IDC_HOST_PICTURE, "###,##"}})});
@@ -243,16 +243,16 @@ TEST_F(Dialogs, ARangeIsReadInTheUsersFormatAndIsOneStep) {
 
 TEST_F(Dialogs, TimesGoToAnotherOrForASpan) {
     const auto before = hands.Settled();
-    Do(kCommandTimeRange, {[](HWND dialog) { EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN))); },
-                           Refused(IDC_HOST_TIME, "25:00", Resource(IDS_BAD_TIME)),
-                           Refused(IDC_HOST_TO_DATE, "1999-01-01", HouseText(Text::TimesBackwards)),
-                           [](HWND dialog) {
-                               Choose(dialog, IDC_HOST_BY_TIME, IDC_HOST_BY_SPAN, IDC_HOST_BY_SPAN);
-                               EXPECT_TRUE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN)));
-                               EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_TO_DATE)));
-                           },
-                           Refused(IDC_HOST_SPAN, "5", Resource(IDS_BAD_SPAN)),
-                           Refused(IDC_HOST_SPAN, "0", HouseText(Text::SpanEmpty)), Given(IDOK)});
+    Do(kCommandTimeRange,
+       {[](HWND dialog) { EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN))); },
+        Refused(IDC_HOST_TIME, "25:00", Resource(IDS_BAD_TIME)),
+        Refused(IDC_HOST_TO_DATE, "1999-01-01", Say(Text::TimesBackwards)),
+        [](HWND dialog) {
+            Choose(dialog, IDC_HOST_BY_TIME, IDC_HOST_BY_SPAN, IDC_HOST_BY_SPAN);
+            EXPECT_TRUE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN)));
+            EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_TO_DATE)));
+        },
+        Refused(IDC_HOST_SPAN, "5", Resource(IDS_BAD_SPAN)), Refused(IDC_HOST_SPAN, "0", Say(Text::SpanEmpty)), Given(IDOK)});
     EXPECT_FALSE(hands.History().CanUndo());
     CString hour;
     CVXTTimeSpanType hours = TST_HOURS;
@@ -296,7 +296,7 @@ TEST_F(Dialogs, EachPropertyThatIsChangedIsAStep) {
         steps.push_back(name);
     };
     const auto refused = [&](Text told, const ViewState& state) {
-        EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{HouseText(told)});
+        EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{Say(told)});
         EXPECT_EQ(hands.State(), state);
     };
     Do(kCommandProperties, {[&](HWND dialog) {
@@ -345,8 +345,8 @@ TEST_F(Dialogs, EachPropertyThatIsChangedIsAStep) {
 
 TEST_F(Dialogs, APictureHasTheSizeAndKindThatWereAsked) {
     const std::string file = (folder / "chart").string();
-    Do(kCommandPicture, {Refused(IDC_HOST_WIDTH, "0", HouseText(Text::SidesRange, {std::to_string(kOrvikPictureSide)})),
-                         Refused(IDC_HOST_FILE, "", HouseText(Text::FileEmpty)), [&](HWND dialog) {
+    Do(kCommandPicture, {Refused(IDC_HOST_WIDTH, "0", Say(Text::SidesRange, {std::to_string(kOrvikPictureSide)})),
+                         Refused(IDC_HOST_FILE, "", Say(Text::FileEmpty)), [&](HWND dialog) {
                              ::SetDlgItemTextA(dialog, IDC_HOST_FILE, (file + ".png").c_str());
                              Choose(dialog, IDC_HOST_PNG, IDC_HOST_PDF, IDC_HOST_SVG);
                              EXPECT_EQ(FieldText(dialog, IDC_HOST_FILE), file + ".svg");
@@ -465,7 +465,7 @@ TEST_F(Dialogs, ADownloadShowsItsProgressAndKeepsWhatWasReadWhenCancelled) {
             if (!asked && now >= cancelAt && ::IsWindow(dialog)) {
                 Paint(dialog);
                 EXPECT_EQ(FieldText(dialog, IDC_ORVIK_MESSAGE2),
-                          HouseText(Text::WorkCount, {std::to_string(now), std::to_string(count)}));
+                          Say(Text::WorkCount, {std::to_string(now), std::to_string(count)}));
                 Press(dialog, IDCANCEL);
                 asked = true;
             }

@@ -135,16 +135,18 @@ TEST(GestureTest, TheKeyboardReachesEverythingAndComesAround) {
 TEST(GestureTest, ALineOfTextIsWritten) {
     LineEdit edit("ab");
     for (const WORD key : std::initializer_list<WORD>{VK_LEFT, VK_LEFT, VK_LEFT, VK_BACK}) EXPECT_TRUE(edit.Key(key));
-    edit.Write('x');
-    edit.Write('\n');
+    edit.Write("x");
+    edit.Write("\n");
     edit.Key(VK_DELETE);
     edit.Key(VK_END);
     edit.Key(VK_RIGHT);
     edit.Key(VK_DELETE);
-    edit.Write('\xE5');
-    EXPECT_EQ(edit.text, "xb\xE5");
+    for (const char* const typed : {"Ω", "e", "\u0301", "\U0001F321"}) edit.Write(typed);
+    EXPECT_EQ(edit.text, "xbΩe\u0301\U0001F321");
+    for (const WORD key : std::initializer_list<WORD>{VK_LEFT, VK_BACK, VK_DELETE}) edit.Key(key);
+    EXPECT_EQ(edit.text, "xbΩ");
     EXPECT_FALSE(edit.Key(VK_F6));
-    for (int i = 0; i < 2000; ++i) edit.Write('a');
+    for (int i = 0; i < 2000; ++i) edit.Write("a");
     EXPECT_EQ(edit.text.size(), LineEdit::kLongest);
 }
 
@@ -169,7 +171,7 @@ TEST(MenuTest, EveryItemOfAMenuHasALetterOfItsOwn) {
         }
         std::set<char> letters;
         for (const Text item : items) {
-            std::string text = HouseText(item);
+            std::string text = Say(item);
             const size_t mark = text.find('&');
             ASSERT_NE(mark, std::string::npos) << text;
             EXPECT_TRUE(letters.insert(static_cast<char>(::tolower(static_cast<unsigned char>(text[mark + 1])))).second) << text;

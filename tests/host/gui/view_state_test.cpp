@@ -17,7 +17,7 @@ constexpr double kInf = std::numeric_limits<double>::infinity(), kNan = std::num
 
 ViewState Sample() {
     ViewState state;
-    state.axes = {{"\260C", ViewRange{-5.25, 31.125}}, {"%", std::nullopt}, {"", ViewRange{9, 1}}};
+    state.axes = {{"°C", ViewRange{-5.25, 31.125}}, {"%", std::nullopt}, {"", ViewRange{9, 1}}};
     state.time = ViewRange{0.5, 86400.001};
     state.selection = ViewState::Selection{0.125, 0.25, 0.5, 0.75};
     state.hidden = {"2", "wind"};
@@ -27,7 +27,7 @@ ViewState Sample() {
 }
 ViewState Bare() {
     ViewState state;
-    state.axes = {{"%", std::nullopt}, {"", std::nullopt}, {"\260C", std::nullopt}};
+    state.axes = {{"%", std::nullopt}, {"", std::nullopt}, {"°C", std::nullopt}};
     state.columns = {140, 80, 60};
     return state;
 }
@@ -69,7 +69,7 @@ TEST(ViewStateTest, TakesOfADamagedFolderWhatIsSound) {
     ViewState state = Bare();
     state.Load(db);
     for (const auto& axis : state.axes) EXPECT_EQ(axis.range, std::nullopt) << axis.unit;
-    EXPECT_EQ(state.axes[0].unit, "\260C");
+    EXPECT_EQ(state.axes[0].unit, "°C");
     EXPECT_EQ(state.time, std::nullopt);
     EXPECT_EQ(state.selection, std::nullopt);
     EXPECT_EQ(state.pane, Bare().pane);
@@ -77,7 +77,7 @@ TEST(ViewStateTest, TakesOfADamagedFolderWhatIsSound) {
 
     // Another session's axes: known ones come first in the stored order, the rest keep theirs.
     ViewState other;
-    other.axes = {{"mm", std::nullopt}, {"", std::nullopt}, {"\260C", std::nullopt}};
+    other.axes = {{"mm", std::nullopt}, {"", std::nullopt}, {"°C", std::nullopt}};
     CPropertyDB stored;
     Sample().Store(stored);
     other.Load(stored);

@@ -1,10 +1,10 @@
-#include "host/chart/series_reduction.h"
+#include "host/session/series_reduction.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "host/logger/channel_intervals.h"
+#include "host/session/channel_intervals.h"
 
 namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();

@@ -1,4 +1,4 @@
-#include "host/logger/channel_intervals.h"
+#include "host/session/channel_intervals.h"
 
 #include <algorithm>
 #include <bit>
@@ -10,9 +10,9 @@
 #include <string>
 
 #include "afx/collections.h"
-#include "host/command_line/console.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr uint64_t kNotDue = 0x7FF8'0000'004E'4F54;  // a quiet NaN

@@ -1,4 +1,4 @@
-#include "host/command_line/span_words.h"
+#include "host/words/span_words.h"
 
 #include <charconv>
 #include <cmath>
@@ -16,7 +16,7 @@ struct Unit {
 
 // Microseconds.
 const Unit kSpans[] = {
-    {1, {"us", "\xB5s", "microsecond", "microseconds", "mikrosekund", "mikrosekunder"}},
+    {1, {"us", "µs", "μs", "microsecond", "microseconds", "mikrosekund", "mikrosekunder"}},
     {1'000, {"ms", "msec", "millisecond", "milliseconds", "millisekund", "millisekunder"}},
     {1'000'000, {"s", "sec", "secs", "second", "seconds", "sek", "sekund", "sekunder"}},
     {60'000'000, {"min", "mins", "minute", "minutes", "minut", "minuter"}},
@@ -31,7 +31,16 @@ const Unit kSizes[] = {
 };
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\xA0'; }
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
+// Blanks that keep numbers and units on a line become plain ones.
+std::string Plain(std::string_view text) {
+    std::string plain(text);
+    for (const std::string_view kept : {"\u00A0", "\u202F"}) {
+        for (size_t at = 0; (at = plain.find(kept, at)) != plain.npos; ++at) plain.replace(at, kept.size(), " ");
+    }
+    return plain;
+}
 
 template <class Belongs>
 std::string_view Take(std::string_view& text, Belongs belongs) {
@@ -92,7 +101,9 @@ std::optional<Count> Sum(Count before, const Part& part, Count unit, Count most)
 }
 }  // namespace
 
-std::optional<__int64> SpanFromWords(std::string_view text) {
+std::optional<__int64> SpanFromWords(std::string_view words) {
+    const std::string plain = Plain(words);
+    std::string_view text = plain;
     constexpr Count kMost = std::numeric_limits<__int64>::max(), kMillisecond = 1'000;
     Take(text, IsBlank);
     Count sum = 0, last = kMost;
@@ -124,7 +135,9 @@ std::string WordsFromSpan(__int64 microseconds) {
     return std::to_string(microseconds) + " us";
 }
 
-std::optional<unsigned __int64> BytesFromWords(std::string_view text) {
+std::optional<unsigned __int64> BytesFromWords(std::string_view words) {
+    const std::string plain = Plain(words);
+    std::string_view text = plain;
     Take(text, IsBlank);
     const std::optional<Part> part = TakePart(text);
     if (!part || !text.empty()) return std::nullopt;

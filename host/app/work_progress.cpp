@@ -1,8 +1,8 @@
-#include "host/work_progress.h"
+#include "host/app/work_progress.h"
 
 #include <algorithm>
 
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 namespace {
 constexpr DWORD kPatience = 300;  // ms

@@ -1,4 +1,4 @@
-#include "host/measurement/reading_writer.h"
+#include "host/session/reading_writer.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,11 +7,12 @@
 #include <optional>
 #include <set>
 
-#include "host/command_line/console.h"
-#include "host/command_line/json_text.h"
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/json_text.h"
+#include "host/words/texts.h"
+#include "platform/letters.h"
 
 namespace {
 std::string HeadingOf(const Session::Channel& channel) {
@@ -39,28 +40,28 @@ std::vector<__int64> SomeTimes(const Session& session) {
 class TableWriter : public ReadingWriter {
 public:
     TableWriter(const Session& session, ShownChannels shown, const std::string& picture) : m_picture(picture) {
-        m_timeWidth = WidthOf(Say(Text::Time));
-        for (const __int64 time : SomeTimes(session)) m_timeWidth = std::max(m_timeWidth, WidthOf(TimeTextOf(time)));
+        m_timeWidth = OrvikColumns(Say(Text::Time));
+        for (const __int64 time : SomeTimes(session)) m_timeWidth = std::max(m_timeWidth, OrvikColumns(TimeTextOf(time)));
         for (const size_t place : shown) {
             double low = 0, high = 0;
             const bool any = session.Range(place, low, high);
             Column column{place, HeadingOf(session.Channels()[place]), ColumnFormat(low, high), 0};
-            column.width = WidthOf(column.heading);
-            if (any) column.width = std::max({column.width, WidthOf(Cell(column, low)), WidthOf(Cell(column, high))});
+            column.width = OrvikColumns(column.heading);
+            if (any) column.width = std::max({column.width, OrvikColumns(Cell(column, low)), OrvikColumns(Cell(column, high))});
             m_columns.push_back(std::move(column));
         }
     }
     void Heading(std::string& out) override {
         const std::string time = Say(Text::Time);
         out += time;
-        out.append(m_timeWidth - WidthOf(time), ' ');
+        out.append(m_timeWidth - OrvikColumns(time), ' ');
         for (const Column& column : m_columns) Right(out, column.heading, column.width);
         out += '\n';
     }
     void Row(std::string& out, __int64 time, const double* values) override {
         const std::string stamp = TimeTextOf(time);
         out += stamp;
-        out.append(m_timeWidth - std::min(m_timeWidth, WidthOf(stamp)), ' ');
+        out.append(m_timeWidth - std::min(m_timeWidth, OrvikColumns(stamp)), ' ');
         for (const Column& column : m_columns) Right(out, Cell(column, values[column.place]), column.width);
         out.erase(out.find_last_not_of(' ') + 1);
         out += '\n';
@@ -78,7 +79,7 @@ private:
         return m_picture.empty() ? column.format.Text(value) : ShortTextOf(value, m_picture);
     }
     static void Right(std::string& out, const std::string& cell, size_t width) {
-        out.append(2 + width - std::min(width, WidthOf(cell)), ' ');
+        out.append(2 + width - std::min(width, OrvikColumns(cell)), ' ');
         out += cell;
     }
 

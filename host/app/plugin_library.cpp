@@ -1,10 +1,10 @@
-#include "host/logger/plugin_library.h"
+#include "host/app/plugin_library.h"
 
 #include <set>
 
 #include "frame/plugin_stamp.h"
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 namespace {
 std::string Environment(const char* name) {

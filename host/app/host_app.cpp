@@ -1,11 +1,9 @@
-#include "host/host_app.h"
-
-#include <cstring>
+#include "host/app/host_app.h"
 
 #include "frame/app_stock.h"
 #include "frame/module.h"
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "time/locale_cache.h"
 
 CHostApp::CHostApp() {
@@ -54,7 +52,8 @@ void CHostApp::Trace(const char* text, ...) {
     const std::lock_guard lock(m_traceLock);
     if (m_trace == nullptr) return;
     try {
-        m_trace->Write(text, static_cast<UINT>(std::strlen(text)));
+        const std::string line = ToUtf8(text);
+        m_trace->Write(line.data(), static_cast<UINT>(line.size()));
         m_trace->Write("\n", 1);
     } catch (CFileException* failure) {
         // A full disk must not end the reading of a logger; StopTrace tells.

@@ -1,13 +1,13 @@
-#include "host/session/replaceable_file.h"
+#include "host/measurement/replaceable_file.h"
 
 #include <vector>
 
-#include "host/command_line/console.h"
 #include "host/measurement/download.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
 #include "host/session/value_text.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 #include "record/recording_reader.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Spans of time and sizes as people type them on a command line: a number and a unit, read the same in every locale, so that a
-// line that works for one user works for the next. House text (Windows-1252). Pure functions; any thread.
+// line that works for one user works for the next. Pure functions; any thread.
 //
 // A number is digits with at most one decimal sign, "." or ",", and digits behind it; there are no thousand signs. Units are
 // English or Swedish words or their usual short forms, in any case, with or without blanks in front of them. Nothing for every

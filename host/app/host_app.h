@@ -10,7 +10,7 @@
 #include "afx/app.h"
 #include "afx/file.h"
 #include "frame/app_link.h"
-#include "host/logger/plugin_library.h"
+#include "host/app/plugin_library.h"
 
 class CHostApp : public CWinApp, public IOrvikApp {
 public:

@@ -1,4 +1,4 @@
-#include "host/texts.h"
+#include "host/words/texts.h"
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@ struct Pair {
 };
 constexpr Pair kTexts[] = {
 #define HOST_TEXT(name, english, swedish) {english, swedish},
-#include "host/texts.def"
+#include "host/words/texts.def"
 #undef HOST_TEXT
 };
 
@@ -75,18 +75,5 @@ std::string Reason(unsigned long error) {
     }
 }
 
-size_t WidthOf(std::string_view utf8) {
-    const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), begins));
-}
-
-std::string ToUtf8(std::string_view houseText) { return OrvikUtf8FromText(houseText); }
-bool FromUtf8(std::string_view utf8, std::string& houseText) { return OrvikTextFromUtf8(utf8, houseText); }
-
-std::string ToHouse(std::string_view utf8) {
-    std::string house;
-    if (!FromUtf8(utf8, house)) house = utf8;
-    return house;
-}
-
-std::string HouseText(Text text, std::initializer_list<std::string_view> arguments) { return ToHouse(Say(text, arguments)); }
+std::string ToUtf8(std::string_view text) { return OrvikUtf8FromText(text); }
+bool FromUtf8(std::string_view utf8, std::string& text) { return OrvikTextFromUtf8(utf8, text); }

@@ -1,12 +1,12 @@
-#include "host/command_line/arguments.h"
+#include "host/words/arguments.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstring>
 
-#include "host/command_line/console.h"
-#include "host/command_line/span_words.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/span_words.h"
+#include "host/words/texts.h"
 
 Arguments::Arguments(const std::vector<std::string>& words, std::initializer_list<const char*> withValue,
                      std::initializer_list<const char*> flags, size_t most, std::initializer_list<const char*> repeated) {

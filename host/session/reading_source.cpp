@@ -1,7 +1,7 @@
-#include "host/logger/reading_source.h"
+#include "host/session/reading_source.h"
 
-#include "host/command_line/console.h"
-#include "host/texts.h"
+#include "host/words/console.h"
+#include "host/words/texts.h"
 
 bool MemoryReadings::Next() {
     const CInt64Array& times = m_session.Times();

@@ -1,4 +1,4 @@
-#include "host/stop_request.h"
+#include "host/app/stop_request.h"
 
 #include <atomic>
 #include <chrono>

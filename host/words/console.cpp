@@ -1,8 +1,8 @@
-#include "host/command_line/console.h"
+#include "host/words/console.h"
 
 #include <cstdio>
 
-#include "host/texts.h"
+#include "host/words/texts.h"
 #include "platform/win32.h"
 
 void Print(std::string_view line) {

@@ -1,4 +1,4 @@
-#include "host/command_line/time_input.h"
+#include "host/words/time_input.h"
 
 #include <cstdio>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "host/command_line/json_text.h"
+#include "host/words/json_text.h"
 
 #include <charconv>
 #include <cmath>

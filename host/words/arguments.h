@@ -1,5 +1,5 @@
 // The words of a command line: options with and without a value, and arguments in their order.
-// Texts are this house's own (Windows-1252) as far as they can be; see OrvikArgument in platform/arguments.h.
+// UTF-8, or what a name of a file is made of instead.
 #pragma once
 
 #include <initializer_list>

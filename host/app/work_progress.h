@@ -1,7 +1,7 @@
 // Where long work tells how far it has come, and hears whether it is still wanted. On the thread that works.
 #pragma once
 
-#include "host/command_line/console.h"
+#include "host/words/console.h"
 #include "platform/win32.h"
 #include "ui/progress_bar.h"
 

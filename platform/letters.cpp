@@ -1,0 +1,36 @@
+#include "platform/letters.h"
+
+#include <utility>
+
+#include "platform/house_text_internal.h"
+#include "platform/letters_internal.h"
+
+using namespace orvik::detail;
+
+std::string_view OrvikWholeLetters(std::string_view text, size_t bytes) {
+    return bytes < text.size() ? text.substr(0, OrvikPreviousLetter(text, bytes + 1)) : text;
+}
+
+size_t OrvikColumns(std::string_view utf8) {
+    size_t columns = AsciiPrefix(utf8);
+    for (utf8.remove_prefix(columns); !utf8.empty();) {
+        const char32_t character = TakeUtf8(utf8);
+        columns += character == kInvalid ? 1 : ColumnsOf(character);
+    }
+    return columns;
+}
+
+std::string OrvikTypedText::Take(WPARAM typed) {
+    if (!HouseIsUtf8()) return std::string(1, static_cast<char>(typed));
+    const auto unit = static_cast<char16_t>(typed);
+    const char16_t first = std::exchange(m_first, 0);
+    std::string text;
+    if (unit >= 0xD800 && unit < 0xDC00) {
+        m_first = unit;
+    } else if (unit < 0xDC00 || unit > 0xDFFF) {
+        AppendUtf8(text, unit);
+    } else if (first != 0) {
+        AppendUtf8(text, 0x10000 + (static_cast<char32_t>(first - 0xD800) << 10) + (unit - 0xDC00));
+    }
+    return text;
+}

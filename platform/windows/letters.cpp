@@ -1,0 +1,86 @@
+// Without a library of Unicode's rules of its own: a letter is a character with the combining marks, joiners and variation
+// selectors behind it, by what the system knows of each character. Emoji joined to one picture are stepped over one by one.
+#include "platform/letters.h"
+
+#include <algorithm>
+
+#include "platform/house_text_internal.h"
+#include "platform/letters_internal.h"
+
+using namespace orvik::detail;
+
+namespace {
+WORD Type3(char32_t character) {
+    if (character >= 0x10000) return 0;
+    const auto unit = static_cast<WCHAR>(character);
+    WORD type = 0;
+    return GetStringTypeW(CT_CTYPE3, &unit, 1, &type) ? type : 0;
+}
+
+// Part of the letter before it.
+bool Joins(char32_t c) {
+    constexpr char32_t kJoiner = 0x200D, kNonJoiner = 0x200C;
+    if (c < 0x300) return false;
+    return c == kJoiner || c == kNonJoiner || (c >= 0xFE00 && c <= 0xFE0F) || (c >= 0xE0100 && c <= 0xE01EF) ||
+           (c >= 0x1F3FB && c <= 0x1F3FF) || (Type3(c) & C3_NONSPACING) != 0;
+}
+
+// The character at `at`, where one begins, and where the next one does.
+char32_t CharacterAt(std::string_view text, size_t at, size_t& next) {
+    std::string_view rest = text.substr(at);
+    const char32_t character = TakeHouse(rest);
+    next = text.size() - rest.size();
+    return character;
+}
+
+// Where the character begins that the byte before `end` is part of.
+size_t CharacterBefore(std::string_view text, size_t end) {
+    for (size_t length = 2; length <= 4 && length <= end; ++length) {
+        std::string_view character = text.substr(end - length, length);
+        if (TakeUtf8(character) != kInvalid && character.empty()) return end - length;
+    }
+    return end - 1;
+}
+
+// The start of the character that the byte is part of.
+size_t CharacterOf(std::string_view text, size_t at) {
+    for (size_t start = at; start > 0 && at - start < 3;) {
+        size_t next = 0;
+        --start;
+        CharacterAt(text, start, next);
+        if (next > at) return start;
+    }
+    return at;
+}
+
+bool IsLineEnd(std::string_view text, size_t at) { return text.substr(at, 2) == "\r\n"; }
+}  // namespace
+
+size_t OrvikNextLetter(std::string_view text, size_t at) {
+    if (at + 1 >= text.size()) return text.size();
+    if (!HouseIsUtf8()) return at + 1;
+    if (IsLineEnd(text, at)) return at + 2;
+    size_t next = 0;
+    CharacterAt(text, CharacterOf(text, at), next);
+    for (size_t behind = 0; next < text.size() && Joins(CharacterAt(text, next, behind)); next = behind) {
+    }
+    return next;
+}
+
+size_t OrvikPreviousLetter(std::string_view text, size_t at) {
+    at = std::min(at, text.size());
+    if (at < 2) return 0;
+    if (!HouseIsUtf8()) return at - 1;
+    if (IsLineEnd(text, at - 2)) return at - 2;
+    size_t start = CharacterOf(text, at - 1), next = 0;
+    while (start > 0 && Joins(CharacterAt(text, start, next))) start = CharacterBefore(text, start);
+    return start;
+}
+
+size_t orvik::detail::ColumnsOf(char32_t c) {
+    if (c != 0xAD && Joins(c)) return 0;
+    if (c >= 0x20000 || (c >= 0x1F300 && c < 0x1FB00)) return 2;
+    const WORD type = Type3(c);
+    if ((type & C3_HALFWIDTH) != 0) return 1;
+    return (type & (C3_FULLWIDTH | C3_IDEOGRAPH | C3_HIRAGANA | C3_KATAKANA)) != 0 || (c >= 0xAC00 && c < 0xD7A4) ? 2 : 1;
+}
