@@ -145,7 +145,7 @@ LRESULT ToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageW
     if (message >= WM_USER)
         return ListToWide(window, message, wParam, lParam, way, answer) ? answer : way(message, wParam, lParam);
     if (IsOfFields(message) && IsField(window)) {
-        if (message == EM_SETLIMITTEXT) LimitField(window, wParam);
+        if (message == EM_SETLIMITTEXT) LimitField(window);
         if (FieldToWide(message, wParam, lParam, way, answer)) return answer;
     }
     if (Pass<char, wchar_t, CREATESTRUCTA, CREATESTRUCTW>(window, message, wParam, lParam, way, answer)) return answer;
