@@ -1,5 +1,5 @@
-// Positions, lengths and limits of fields (edit controls). The system counts UTF-16 units; this house counts bytes, and letters
-// (platform/letters.h) for limits.
+// Positions, lengths and limits of fields (edit controls). The system counts UTF-16 units; this house counts bytes, and in limits
+// letters (platform/letters.h).
 #include <algorithm>
 #include <cstring>
 
@@ -132,6 +132,21 @@ size_t RoomOf(LPARAM buffer) {
 }
 
 constexpr wchar_t kLimit[] = L"OrvikTextLimit", kBefore[] = L"OrvikTextLimitBefore";
+constexpr WPARAM kMostUnits = 0x7FFFFFFE;  // what the system allows
+
+size_t CountLetters(std::wstring_view text) {
+    const std::string narrow = NarrowText(text);
+    size_t count = 0;
+    for (size_t at = 0; at < narrow.size(); at = OrvikNextLetter(narrow, at)) ++count;
+    return count;
+}
+// How many units the first letters have.
+size_t UnitsOfLetters(std::wstring_view text, size_t letters) {
+    const std::string narrow = NarrowText(text);
+    size_t end = 0;
+    for (; letters > 0 && end < narrow.size(); --letters) end = OrvikNextLetter(narrow, end);
+    return WideText(std::string_view(narrow).substr(0, end)).size();
+}
 
 std::wstring ClipboardText(HWND window) {
     if (!OpenClipboard(window)) return {};
@@ -155,52 +170,40 @@ std::wstring Incoming(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 bool IsHigh(wchar_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool IsLow(wchar_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
-size_t CountLetters(std::string_view text) {
-    size_t letters = 0;
-    for (size_t at = 0; at < text.size(); at = OrvikNextLetter(text, at)) ++letters;
-    return letters;
-}
-
-// How many units of what comes between the two texts leave them all within the limit.
-size_t Fitting(size_t limit, const std::string& before, const std::wstring& incoming, const std::string& after, bool typed) {
-    const size_t kept = CountLetters(before + after);
-    if (typed && IsHigh(incoming[0])) return kept < limit ? 1 : 0;  // its other half comes next
-    const std::string narrow = NarrowText(incoming);
-    if (CountLetters(before + narrow + after) <= limit) return incoming.size();
-    size_t end = 0;
-    for (size_t room = typed || limit < kept ? 0 : limit - kept; room > 0; --room) end = OrvikNextLetter(narrow, end);
-    return UnitsAt(incoming, end);
-}
-
-// Lets in as much as the limit has room for. The system's own limit, in units, does the cutting and the telling; it is its
-// greatest otherwise.
+// Lets in as many letters as the limit has room for. The system's own limit, in units, does the cutting and the telling.
 LRESULT CALLBACK HoldToLimit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const auto before = reinterpret_cast<WNDPROC>(GetPropW(window, kBefore));
     const auto limit = reinterpret_cast<size_t>(GetPropW(window, kLimit));
     const auto call = [&](UINT each, WPARAM w, LPARAM l) { return CallWindowProcW(before, window, each, w, l); };
-    if (message == WM_NCDESTROY) {
-        RemovePropW(window, kBefore);
-        RemovePropW(window, kLimit);
-        return call(message, wParam, lParam);
+    switch (message) {
+        case WM_NCDESTROY:
+            RemovePropW(window, kBefore);
+            RemovePropW(window, kLimit);
+            return call(message, wParam, lParam);
+        case EM_SETLIMITTEXT:
+            SetPropW(window, kLimit, reinterpret_cast<HANDLE>(wParam));
+            return call(message, wParam == 0 ? 0 : kMostUnits, lParam);
+        case EM_GETLIMITTEXT:
+            return limit != 0 ? static_cast<LRESULT>(limit) : call(message, wParam, lParam);
+        default:
+            break;
     }
-    if (message == EM_SETLIMITTEXT) return call(message, 0, 0);
-    if (message == EM_GETLIMITTEXT && limit != 0) return static_cast<LRESULT>(limit);
     const std::wstring incoming = limit != 0 ? Incoming(window, message, wParam, lParam) : std::wstring();
     if (incoming.empty()) return call(message, wParam, lParam);
 
     std::wstring text(static_cast<size_t>(call(WM_GETTEXTLENGTH, 0, 0)), L'\0');
     text.resize(static_cast<size_t>(call(WM_GETTEXT, text.size() + 1, reinterpret_cast<LPARAM>(text.data()))));
+    if (text.size() + incoming.size() <= limit) return call(message, wParam, lParam);  // a letter has a unit at least
     DWORD from = 0, to = 0;
     call(EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
-    const std::wstring_view shown = text;
-    const bool typed = message == WM_CHAR, second = typed && IsLow(incoming[0]);
-    // A text has at least as many units as letters, so that most need not be counted.
-    if (!second && text.size() - (to - from) + incoming.size() <= limit) return call(message, wParam, lParam);
-    const size_t fitting = second ? (from > 0 && IsHigh(shown[from - 1]) ? 1 : 0)
-                                  : Fitting(limit, NarrowText(shown.substr(0, from)), incoming,
-                                            NarrowText(shown.substr(std::min<size_t>(to, shown.size()))), typed);
+    const size_t selected = std::min<size_t>(to, text.size()) - std::min<size_t>(from, text.size());
+    const size_t kept =
+        CountLetters(text) - CountLetters(std::wstring_view(text).substr(std::min<size_t>(from, text.size()), selected));
+    size_t fitting = UnitsOfLetters(incoming, limit > kept ? limit - kept : 0);
+    // The second half of a character comes after its first.
+    if (message == WM_CHAR && IsLow(incoming[0])) fitting = from > 0 && IsHigh(text[from - 1]) ? 1 : 0;
     if (fitting == incoming.size()) return call(message, wParam, lParam);
-    const size_t units = text.size() - (to - from) + fitting;
+    const size_t units = text.size() - selected + fitting;
     if (fitting == 0 || units == 0) {
         const auto told = MAKEWPARAM(GetWindowLongW(window, GWL_ID), EN_MAXTEXT);
         SendMessageW(GetParent(window), WM_COMMAND, told, reinterpret_cast<LPARAM>(window));
@@ -208,7 +211,7 @@ LRESULT CALLBACK HoldToLimit(HWND window, UINT message, WPARAM wParam, LPARAM lP
     }
     call(EM_SETLIMITTEXT, units, 0);
     const LRESULT answer = call(message, wParam, lParam);
-    call(EM_SETLIMITTEXT, 0, 0);
+    call(EM_SETLIMITTEXT, kMostUnits, 0);
     return answer;
 }
 }  // namespace
@@ -236,11 +239,10 @@ bool FieldToNarrow(UINT message, WPARAM wParam, LPARAM lParam, MessageWay way, L
     return Positions(message, wParam, lParam, way, false, answer);
 }
 
-void LimitField(HWND window, WPARAM letters) {
+void LimitField(HWND window) {
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
     if (process != GetCurrentProcessId()) return;
-    SetPropW(window, kLimit, reinterpret_cast<HANDLE>(letters));
     if (GetPropW(window, kBefore) != nullptr) return;
     const LONG_PTR before = GetWindowLongPtrW(window, GWLP_WNDPROC);
     SetPropW(window, kBefore, reinterpret_cast<HANDLE>(before));

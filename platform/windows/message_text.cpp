@@ -51,7 +51,9 @@ public:
         const LRESULT length = m_way(getLength, m_wParam, 0);
         if (length < 0) return length;
         std::basic_string<Inner> item(static_cast<size_t>(length), Inner());
-        if (m_way(get, m_wParam, reinterpret_cast<LPARAM>(item.data())) < 0) return LB_ERR;
+        const LRESULT got = m_way(get, m_wParam, reinterpret_cast<LPARAM>(item.data()));
+        if (got < 0) return LB_ERR;
+        item.resize(std::min(item.size(), static_cast<size_t>(got)));
         const std::basic_string<Outer> text = Converted(item, Outer());
         if (m_message == get) std::copy_n(text.c_str(), text.size() + 1, reinterpret_cast<Outer*>(m_lParam));
         return static_cast<LRESULT>(text.size());
@@ -143,7 +145,7 @@ LRESULT ToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageW
     if (message >= WM_USER)
         return ListToWide(window, message, wParam, lParam, way, answer) ? answer : way(message, wParam, lParam);
     if (IsOfFields(message) && IsField(window)) {
-        if (message == EM_SETLIMITTEXT) LimitField(window, wParam);
+        if (message == EM_SETLIMITTEXT) LimitField(window);
         if (FieldToWide(message, wParam, lParam, way, answer)) return answer;
     }
     if (Pass<char, wchar_t, CREATESTRUCTA, CREATESTRUCTW>(window, message, wParam, lParam, way, answer)) return answer;

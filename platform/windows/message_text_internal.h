@@ -36,8 +36,8 @@ bool NoticeToNarrow(WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answe
 bool IsField(HWND window);
 bool FieldToWide(UINT message, WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);
 bool FieldToNarrow(UINT message, WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);
-// Holds the field to a number of letters, 0 for no more than the system's own limit. Its window must be of this process.
-void LimitField(HWND window, WPARAM letters);
+// Makes the field count letters in its limit from now on. Nothing where its window is of another process.
+void LimitField(HWND window);
 
 // Procedures that take this house's text, as the system calls them, and back: window_procedures.cpp. Null, with the last error,
 // once there are more different ones than a process has use for.
