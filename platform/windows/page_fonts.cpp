@@ -145,7 +145,7 @@ public:
             opened.family = face;
             // Outlines are what a page can carry; and what stands in for a family that is missing may be there already.
             const bool known = std::any_of(m_opened.begin(), m_opened.end(), [&](const Opened& o) { return o.family == face; });
-            if (!known && !TableOf(m_dc, "head").empty() && !TableOf(m_dc, "hmtx").empty()) {
+            if (!known && !TableOf(m_dc, "head").empty() && !TableOf(m_dc, "hmtx").empty() && MayBeCarried()) {
                 m_opened.push_back(std::move(opened));
                 ++m_next;
                 return true;
@@ -163,6 +163,12 @@ private:
         std::shared_ptr<const PageFont> page;
         std::wstring family;
     };
+
+    // Whether the maker of the selected font lets it be put into documents.
+    bool MayBeCarried() const {
+        constexpr uint32_t kUse = 0xF, kRestricted = 2;
+        return (FontWord(TableOf(m_dc, "OS/2"), 8) & kUse) != kRestricted;
+    }
 
     bool ListAll() {
         if (m_listed) return false;

@@ -112,13 +112,13 @@ PageLine ShapeForPage(const VectorText& text) {
     const auto shaped = face->Shape(HouseFromUtf8(text.text));
     PageLine line;
     line.width = shaped->width;
-    size_t said = text.text.size() + 1;
+    size_t said = text.text.size() + 1;  // where what the glyph before says begins
     for (const ShapedGlyph& glyph : shaped->glyphs) {
-        const auto [font, number] = face->ForPage(glyph);
-        if (font == nullptr) continue;
-        const bool same = glyph.begin == said;  // as the glyph before, which says it
-        line.glyphs.push_back({font, number, static_cast<double>(glyph.x), static_cast<double>(-glyph.y),
-                               same ? std::string() : text.text.substr(glyph.begin, glyph.end - glyph.begin)});
+        PageGlyph made = face->ForPage(glyph);
+        if (made.font == nullptr) continue;
+        made.x = glyph.x, made.y = -glyph.y;
+        if (glyph.begin != said) made.says = text.text.substr(glyph.begin, glyph.end - glyph.begin);
+        line.glyphs.push_back(std::move(made));
         said = glyph.begin;
     }
     return line;

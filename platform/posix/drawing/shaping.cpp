@@ -55,6 +55,29 @@ PangoAttrList* Attributes() {
     return attributes;
 }
 
+// A picture of a glyph for a page, on which nobody sees as many pixels as an em has thousandths.
+std::shared_ptr<const PagePicture> Smaller(const GlyphImage& image) {
+    constexpr int kSide = 8;
+    auto picture = std::make_shared<PagePicture>();
+    picture->width = (image.width + kSide - 1) / kSide, picture->height = (image.height + kSide - 1) / kSide;
+    picture->left = image.left, picture->right = image.left + picture->width * kSide;
+    picture->top = -image.top, picture->bottom = picture->top - picture->height * kSide;
+    for (int row = 0; row < picture->height; ++row)
+        for (int column = 0; column < picture->width; ++column) {
+            uint32_t alpha = 0, sums[3] = {};
+            for (int y = row * kSide; y < std::min((row + 1) * kSide, image.height); ++y)
+                for (int x = column * kSide; x < std::min((column + 1) * kSide, image.width); ++x) {
+                    const uint32_t pixel = image.colours[static_cast<size_t>(y * image.width + x)], weight = pixel >> 24;
+                    alpha += weight;
+                    for (uint32_t i = 0; i < 3; ++i) sums[i] += (pixel >> (8 * i) & 0xFF) * weight;
+                }
+            uint32_t mixed = alpha / (kSide * kSide) << 24;
+            for (uint32_t i = 0; i < 3 && alpha > 0; ++i) mixed |= sums[i] / alpha << (8 * i);
+            picture->pixels.push_back(mixed);
+        }
+    return picture;
+}
+
 }  // namespace
 
 ShapedText ShapedText::Spread(const std::vector<int>& widths) const {
@@ -239,11 +262,12 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
     return shaped;
 }
 
-std::pair<std::shared_ptr<const PageFont>, uint32_t> Shaper::ForPage(const ShapedGlyph& glyph) {
+PageGlyph Shaper::ForPage(const ShapedGlyph& glyph) {
+    const auto coloured = Picture(glyph);
     const std::lock_guard guard(PangoLock());
-    // Pages carry outlines: the box stands for a picture.
-    const bool coloured = m_fonts[glyph.font].coloured;
-    Font& font = m_fonts[coloured ? 0 : glyph.font];
+    // Pages carry outlines; the box stands for what has none.
+    const bool outlines = !m_fonts[glyph.font].coloured;
+    Font& font = m_fonts[outlines ? glyph.font : 0];
     if (font.page == nullptr) {
         FcPattern* pattern = font.pango != nullptr ? pango_fc_font_get_pattern(PANGO_FC_FONT(font.pango)) : nullptr;
         FcChar8* file = nullptr;
@@ -255,7 +279,8 @@ std::pair<std::shared_ptr<const PageFont>, uint32_t> Shaper::ForPage(const Shape
             font.page = MakePageFont(reinterpret_cast<const char*>(file), index);
         }
     }
-    return {font.page, coloured ? 0 : glyph.glyph};
+    const bool pictured = !outlines && !coloured->colours.empty();
+    return {font.page, outlines ? glyph.glyph : 0, 0, 0, "", pictured ? Smaller(*coloured) : nullptr};
 }
 
 std::shared_ptr<const GlyphImage> Shaper::Picture(const ShapedGlyph& glyph) {

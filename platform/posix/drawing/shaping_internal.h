@@ -58,8 +58,8 @@ public:
 
     std::shared_ptr<const ShapedText> Shape(std::string_view text);
     std::shared_ptr<const GlyphImage> Picture(const ShapedGlyph& glyph);
-    // The glyph as a page carries it: its font, and its number in that. Null where no font can be had.
-    std::pair<std::shared_ptr<const PageFont>, uint32_t> ForPage(const ShapedGlyph& glyph);
+    // Font, number and picture of the glyph as a page carries it; no font where none can be had.
+    PageGlyph ForPage(const ShapedGlyph& glyph);
 
 private:
     struct Font {
