@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <map>
+#include <mutex>
 
 #include "platform/windows/truetype_subset_internal.h"
 
@@ -41,13 +43,11 @@ std::string TableOf(HDC dc, const char* tag) {
 class MachineFont : public PageFont {
 public:
     // Of the font that is selected.
-    MachineFont(HDC dc, const std::wstring& family) {
+    MachineFont(HDC dc, const std::wstring& family, std::string told) {
         for (const char* tag : {"glyf", "head", "hhea", "hmtx", "loca", "maxp", "cvt ", "fpgm", "prep", "CFF "})
             if (std::string table = TableOf(dc, tag); !table.empty()) m_tables.emplace(tag, std::move(table));
         name = Utf8(family);
-        LOGFONTW made{};
-        GetObjectW(GetCurrentObject(dc, OBJ_FONT), sizeof made, &made);
-        key = name + '#' + std::to_string(made.lfWeight) + '#' + std::to_string(made.lfItalic);
+        key = std::move(told);
         ascent = Unit(Table("hhea"), 4), descent = Unit(Table("hhea"), 6);
         const std::string& head = Table("head");
         left = Unit(head, 36), bottom = Unit(head, 38), right = Unit(head, 40), top = Unit(head, 42);
@@ -111,13 +111,20 @@ public:
         SelectObject(m_dc, m_opened[font].font);
         return &m_opened[font].cache;
     }
-    const std::shared_ptr<const PageFont>& Page(size_t font) {
-        Opened& opened = m_opened[font];
-        if (opened.page == nullptr) {
+    std::shared_ptr<const PageFont> Page(size_t font) {
+        // Fonts are large, and a page has many texts: what one of them has read serves the others.
+        static std::mutex lock;
+        static std::map<std::string, std::weak_ptr<const PageFont>> known;
+        const std::wstring& family = m_opened[font].family;
+        const std::string key = Utf8(family) + '#' + std::to_string(m_look.lfWeight) + '#' + std::to_string(m_look.lfItalic);
+        const std::lock_guard guard(lock);
+        std::shared_ptr<const PageFont> page = known[key].lock();
+        if (page == nullptr) {
             Select(font);
-            opened.page = std::make_shared<MachineFont>(m_dc, opened.family);
+            page = std::make_shared<MachineFont>(m_dc, family, key);
+            known[key] = page;
         }
-        return opened.page;
+        return page;
     }
 
     // The first font that has the character; the first one of all, whose box it shows, where none has.
@@ -137,7 +144,7 @@ public:
             LOGFONTW look = m_look;
             const std::wstring& family = m_families[m_next];
             std::copy_n(family.begin(), std::min<size_t>(family.size(), LF_FACESIZE - 1), look.lfFaceName);
-            Opened opened{CreateFontIndirectW(&look), nullptr, nullptr, {}};
+            Opened opened{CreateFontIndirectW(&look), nullptr, {}};
             if (opened.font == nullptr) continue;
             SelectObject(m_dc, opened.font);
             wchar_t face[LF_FACESIZE] = {};
@@ -160,7 +167,6 @@ private:
     struct Opened {
         HFONT font;
         SCRIPT_CACHE cache;
-        std::shared_ptr<const PageFont> page;
         std::wstring family;
     };
 
@@ -265,9 +271,10 @@ void ShapeRun(HDC dc, const std::wstring& text, const Run& run, Fonts& fonts, Pa
             while (glyph > 0 && std::find(clusters.begin(), clusters.end(), glyph - 1) == clusters.end()) --glyph;
         if (glyph < says.size()) says[glyph] += letters[i];
     }
+    const std::shared_ptr<const PageFont> page = fonts.Page(run.font);
     for (size_t i = 0; i < says.size(); ++i) {
         line.glyphs.push_back(
-            {fonts.Page(run.font), glyphs[i], line.width + offsets[i].du, static_cast<double>(offsets[i].dv), Utf8(says[i])});
+            {page, glyphs[i], line.width + offsets[i].du, static_cast<double>(offsets[i].dv), Utf8(says[i]), nullptr});
         line.width += advances[i];
     }
 }
