@@ -176,19 +176,18 @@ private:
         return (FontWord(TableOf(m_dc, "OS/2"), 8) & kUse) != kRestricted;
     }
 
+    static int CALLBACK AddFamily(const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPARAM families) {
+        if ((type & TRUETYPE_FONTTYPE) != 0 && font->lfFaceName[0] != L'@')
+            reinterpret_cast<std::vector<std::wstring>*>(families)->emplace_back(font->lfFaceName);
+        return 1;
+    }
+
     bool ListAll() {
         if (m_listed) return false;
         m_listed = true;
         LOGFONTW any{};
         any.lfCharSet = DEFAULT_CHARSET;
-        EnumFontFamiliesExW(
-            m_dc, &any,
-            [](const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPARAM families) -> int {
-                if ((type & TRUETYPE_FONTTYPE) != 0 && font->lfFaceName[0] != L'@')
-                    reinterpret_cast<std::vector<std::wstring>*>(families)->emplace_back(font->lfFaceName);
-                return 1;
-            },
-            reinterpret_cast<LPARAM>(&m_families), 0);
+        EnumFontFamiliesExW(m_dc, &any, AddFamily, reinterpret_cast<LPARAM>(&m_families), 0);
         return m_next < m_families.size();
     }
 

@@ -95,7 +95,10 @@ std::shared_ptr<const PageFont> MakePageFont(const std::string& file, int index)
     hb_blob_t* blob = hb_blob_create_from_file(file.c_str());
     hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(index) & kInstance);
     hb_blob_destroy(blob);
-    auto font = std::make_shared<MachineFont>(face, file + '#' + std::to_string(index));
+    std::shared_ptr<const PageFont> font;
+    for (const char* tag : {"glyf", "CFF "})
+        if (font == nullptr && !TableOf(face, hb_tag_from_string(tag, -1)).empty())
+            font = std::make_shared<MachineFont>(face, file + '#' + std::to_string(index));
     hb_face_destroy(face);
     return font;
 }

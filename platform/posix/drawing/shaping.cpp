@@ -202,8 +202,9 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
         for (int first = 0, next = 0; first < glyphs->num_glyphs; first = next) {
             const int cluster = glyphs->log_clusters[first];
             while (next < glyphs->num_glyphs && glyphs->log_clusters[next] == cluster) ++next;
-            const int behind = rightToLeft ? (first > 0 ? glyphs->log_clusters[first - 1] : item->length)
-                                           : (next < glyphs->num_glyphs ? glyphs->log_clusters[next] : item->length);
+            const int neighbour = rightToLeft ? first - 1 : next;
+            const bool last = neighbour < 0 || neighbour == glyphs->num_glyphs;
+            const int behind = std::max(last ? item->length : glyphs->log_clusters[neighbour], cluster + 1);
             const size_t from = paragraph.from[static_cast<size_t>(item->offset + cluster)];
             const size_t lastByte = static_cast<size_t>(item->offset + behind) - 1;
             const size_t to = lastByte + 1 < paragraph.from.size() ? paragraph.from[lastByte + 1] : text.size();
@@ -262,25 +263,27 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
     return shaped;
 }
 
+const std::shared_ptr<const PageFont>& Shaper::PageFontOf(Font& font) {
+    if (font.page != nullptr) return font.page;
+    if (font.pango == nullptr) return font.page = MakePageFont(m_own.file, m_own.index);
+    FcPattern* pattern = pango_fc_font_get_pattern(PANGO_FC_FONT(font.pango));
+    FcChar8* file = nullptr;
+    int index = 0;
+    if (pattern == nullptr || FcPatternGetString(pattern, FC_FILE, 0, &file) != FcResultMatch) return font.page;
+    FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
+    return font.page = MakePageFont(reinterpret_cast<const char*>(file), index);
+}
+
 PageGlyph Shaper::ForPage(const ShapedGlyph& glyph) {
-    const auto coloured = Picture(glyph);
     const std::lock_guard guard(PangoLock());
-    // Pages carry outlines; the box stands for what has none.
-    const bool outlines = !m_fonts[glyph.font].coloured;
-    Font& font = m_fonts[outlines ? glyph.font : 0];
-    if (font.page == nullptr) {
-        FcPattern* pattern = font.pango != nullptr ? pango_fc_font_get_pattern(PANGO_FC_FONT(font.pango)) : nullptr;
-        FcChar8* file = nullptr;
-        int index = 0;
-        if (pattern == nullptr) {
-            font.page = MakePageFont(m_own.file, m_own.index);
-        } else if (FcPatternGetString(pattern, FC_FILE, 0, &file) == FcResultMatch) {
-            FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
-            font.page = MakePageFont(reinterpret_cast<const char*>(file), index);
-        }
-    }
-    const bool pictured = !outlines && !coloured->colours.empty();
-    return {font.page, outlines ? glyph.glyph : 0, 0, 0, "", pictured ? Smaller(*coloured) : nullptr};
+    Font& font = m_fonts[glyph.font];
+    if (!font.coloured && PageFontOf(font) != nullptr) return {font.page, glyph.glyph, 0, 0, "", nullptr};
+    // Pages carry outlines; the box stands for what has none, at least where text is searched.
+    PageGlyph box{PageFontOf(m_fonts[0]), 0, 0, 0, "", nullptr};
+    if (font.coloured && font.turned != nullptr)
+        if (const GlyphImage image = PictureOf(font.turned, glyph.glyph, true); !image.colours.empty())
+            box.picture = Smaller(image);
+    return box;
 }
 
 std::shared_ptr<const GlyphImage> Shaper::Picture(const ShapedGlyph& glyph) {

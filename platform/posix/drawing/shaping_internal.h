@@ -69,6 +69,7 @@ private:
         std::shared_ptr<const PageFont> page;
     };
     size_t FontOf(PangoFont* font);
+    const std::shared_ptr<const PageFont>& PageFontOf(Font& font);
     ShapedText ShapeAnew(std::string_view text);
 
     const OwnFont m_own;
@@ -80,7 +81,7 @@ private:
     size_t m_pictureBytes = 0;
 };
 
-// The font of a file. Never null; one that cannot be read has no glyphs.
+// The font of a file; null for one without outlines that a page can carry.
 std::shared_ptr<const PageFont> MakePageFont(const std::string& file, int index);
 
 }  // namespace orvik::detail
