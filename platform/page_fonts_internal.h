@@ -27,11 +27,19 @@ public:
     virtual std::string Subset(const std::vector<uint32_t>& glyphs, bool& isCff) const = 0;
 };
 
+// A glyph in colours: what covers a rectangle of the text.
+struct PagePicture {
+    int width = 0, height = 0;
+    std::vector<uint32_t> pixels;                     // 0xAARRGGBB, not premultiplied, top row first
+    double left = 0, bottom = 0, right = 0, top = 0;  // from the glyph's place
+};
+
 struct PageGlyph {
     std::shared_ptr<const PageFont> font;
     uint32_t glyph;
-    double x, y;       // from the start of the base line
-    std::string says;  // UTF-8; a glyph that says nothing belongs to the one before
+    double x, y;                                 // from the start of the base line
+    std::string says;                            // UTF-8; a glyph that says nothing belongs to the one before
+    std::shared_ptr<const PagePicture> picture;  // seen in place of the glyph, if there is one
 };
 
 struct PageLine {

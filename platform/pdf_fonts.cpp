@@ -73,6 +73,22 @@ std::string PdfUtf16(const std::string& utf8) {
 
 std::string PdfCode(uint32_t glyph) { return Hex(glyph); }
 
+std::vector<std::string> PdfPicture(const PagePicture& picture, size_t number) {
+    std::string colours, cover;
+    for (const uint32_t pixel : picture.pixels) {
+        for (const int shift : {16, 8, 0}) colours += static_cast<char>(pixel >> shift & 0xFF);
+        cover += static_cast<char>(pixel >> 24);
+    }
+    const auto image = [&](const std::string& content, const std::string& entries) {
+        const std::string packed = Packed(content);
+        return Stream(" /Type /XObject /Subtype /Image /Width " + std::to_string(picture.width) + " /Height " +
+                          std::to_string(picture.height) + " /BitsPerComponent 8 /ColorSpace " + entries +
+                          (packed.empty() ? "" : " /Filter /FlateDecode"),
+                      packed.empty() ? content : packed);
+    };
+    return {image(colours, "/DeviceRGB /SMask " + std::to_string(number + 1) + " 0 R"), image(cover, "/DeviceGray")};
+}
+
 size_t PdfFonts::Use(const PageGlyph& glyph, bool alone) {
     auto known =
         std::find_if(m_fonts.begin(), m_fonts.end(), [&](const Font& font) { return font.font->key == glyph.font->key; });

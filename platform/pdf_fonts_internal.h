@@ -29,6 +29,9 @@ private:
     std::vector<Font> m_fonts;
 };
 
+// A picture of a glyph and what covers it, as two objects of which the first has this number.
+std::vector<std::string> PdfPicture(const PagePicture& picture, size_t number);
+
 // A text as PDF writes it: UTF-16 in hexadecimal digits, without brackets.
 std::string PdfUtf16(const std::string& utf8);
 // The code of a glyph, likewise.

@@ -1,6 +1,7 @@
 // Pictures as a PDF file of one page, after ISO 32000-1: text in the standard fonts that every reader has, where they can say it,
 // else in fonts that the file carries along; the page itself not compressed, so that a picture can be compared and searched as it
 // is. One pixel is 1/96 inch, which is 3/4 point.
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -98,14 +99,20 @@ public:
         constexpr size_t kCarried = 5 + kFonts.size();
         for (size_t i = 0; i < m_fonts.Count(); ++i)
             fonts += " /C" + std::to_string(i) + ' ' + std::to_string(kCarried + i * PdfFonts::kObjectsEach) + " 0 R";
+        const size_t firstPicture = kCarried + m_fonts.Count() * PdfFonts::kObjectsEach;
+        std::string pictures;
+        for (size_t i = 0; i < m_pictures.size(); ++i)
+            pictures += " /P" + std::to_string(i) + ' ' + std::to_string(firstPicture + 2 * i) + " 0 R";
         objects.push_back("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 " + VectorNumber(m_width * kPointsAPixel) + ' ' +
-                          VectorNumber(m_height * kPointsAPixel) + "] /Contents 4 0 R /Resources << /Font <<" + fonts +
-                          " >> >> >>");
+                          VectorNumber(m_height * kPointsAPixel) + "] /Contents 4 0 R /Resources << /Font <<" + fonts + " >>" +
+                          (pictures.empty() ? "" : " /XObject <<" + pictures + " >>") + " >> >>");
         objects.push_back("<< /Length " + std::to_string(m_text.size()) + " >>\nstream\n" + m_text + "\nendstream");
         for (const char* font : kFonts)
             objects.push_back(std::string("<< /Type /Font /Subtype /Type1 /BaseFont /") + font +
                               " /Encoding /WinAnsiEncoding >>");
         for (std::string& object : m_fonts.Objects(kCarried)) objects.push_back(std::move(object));
+        for (const auto& picture : m_pictures)
+            for (std::string& object : PdfPicture(*picture, objects.size() + 1)) objects.push_back(std::move(object));
 
         std::string file = "%PDF-1.4\n%\xE2\xE3\xCF\xD3\n";  // bytes above 127, for those who would take it for text
         std::string places = "0000000000 65535 f \n";
@@ -188,6 +195,17 @@ protected:
             ShowCarried(line, text.size);
         }
         m_text += "ET\n";
+        for (const PageGlyph& glyph : line.glyphs) {
+            if (glyph.picture == nullptr) continue;
+            const PagePicture& picture = *glyph.picture;
+            const double em = text.size / 1000, right = (glyph.x + picture.left) * em * stretch,
+                         up = (glyph.y + picture.bottom) * em;
+            const double across = (picture.right - picture.left) * em * stretch, high = (picture.top - picture.bottom) * em;
+            m_text += "q\n" +
+                      Numbers({across * cosine, -across * sine, -high * sine, -high * cosine, x + right * cosine - up * sine,
+                               y - right * sine - up * cosine}) +
+                      "cm /P" + std::to_string(NumberOf(glyph.picture)) + " Do\nQ\n";
+        }
         const auto rule = [&](double below) {  // a bar `below` ems under the base line
             const double left = x + below * text.size * sine, top = y + below * text.size * cosine;
             m_text += Colour(text.colour, "RG") + Numbers({text.size / 15}) + "w\n" + Numbers({left, top}) + "m " +
@@ -208,6 +226,14 @@ private:
         m_text += ") Tj\n";
     }
 
+    size_t NumberOf(const std::shared_ptr<const PagePicture>& picture) {
+        const auto known = std::find_if(m_pictures.begin(), m_pictures.end(),
+                                        [&](const auto& other) { return other->pixels == picture->pixels; });
+        const auto number = static_cast<size_t>(known - m_pictures.begin());
+        if (number == m_pictures.size()) m_pictures.push_back(picture);
+        return number;
+    }
+
     // Glyph by glyph at its place. What several glyphs say together, or a glyph that says another text elsewhere, is told beside.
     void ShowCarried(const PageLine& line, double size) {
         double pen = 0, rise = 0;
@@ -226,9 +252,11 @@ private:
                 current = font;
                 if (glyph.y != rise) m_text += Numbers({glyph.y * size / 1000}) + "Ts\n";
                 rise = glyph.y;
+                if (glyph.picture != nullptr) m_text += "3 Tr\n";  // there to be found, but not seen
                 m_text += "[";
                 if (glyph.x != pen) m_text += VectorNumber(pen - glyph.x) + ' ';
                 m_text += '<' + PdfCode(glyph.glyph) + ">] TJ\n";
+                if (glyph.picture != nullptr) m_text += "0 Tr\n";
                 pen = glyph.x + glyph.font->Advance(glyph.glyph);
             }
             if (beside) m_text += "EMC\n";
@@ -273,6 +301,7 @@ private:
     double m_width, m_height;
     std::string m_text;  // what the page shows
     PdfFonts m_fonts;
+    std::vector<std::shared_ptr<const PagePicture>> m_pictures;
 };
 }  // namespace
 

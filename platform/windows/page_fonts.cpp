@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <map>
+#include <mutex>
 
 #include "platform/windows/truetype_subset_internal.h"
 
@@ -41,13 +43,11 @@ std::string TableOf(HDC dc, const char* tag) {
 class MachineFont : public PageFont {
 public:
     // Of the font that is selected.
-    MachineFont(HDC dc, const std::wstring& family) {
+    MachineFont(HDC dc, const std::wstring& family, std::string told) {
         for (const char* tag : {"glyf", "head", "hhea", "hmtx", "loca", "maxp", "cvt ", "fpgm", "prep", "CFF "})
             if (std::string table = TableOf(dc, tag); !table.empty()) m_tables.emplace(tag, std::move(table));
         name = Utf8(family);
-        LOGFONTW made{};
-        GetObjectW(GetCurrentObject(dc, OBJ_FONT), sizeof made, &made);
-        key = name + '#' + std::to_string(made.lfWeight) + '#' + std::to_string(made.lfItalic);
+        key = std::move(told);
         ascent = Unit(Table("hhea"), 4), descent = Unit(Table("hhea"), 6);
         const std::string& head = Table("head");
         left = Unit(head, 36), bottom = Unit(head, 38), right = Unit(head, 40), top = Unit(head, 42);
@@ -111,13 +111,20 @@ public:
         SelectObject(m_dc, m_opened[font].font);
         return &m_opened[font].cache;
     }
-    const std::shared_ptr<const PageFont>& Page(size_t font) {
-        Opened& opened = m_opened[font];
-        if (opened.page == nullptr) {
+    std::shared_ptr<const PageFont> Page(size_t font) {
+        // Fonts are large, and a page has many texts: what one of them has read serves the others.
+        static std::mutex lock;
+        static std::map<std::string, std::weak_ptr<const PageFont>> known;
+        const std::wstring& family = m_opened[font].family;
+        const std::string key = Utf8(family) + '#' + std::to_string(m_look.lfWeight) + '#' + std::to_string(m_look.lfItalic);
+        const std::lock_guard guard(lock);
+        std::shared_ptr<const PageFont> page = known[key].lock();
+        if (page == nullptr) {
             Select(font);
-            opened.page = std::make_shared<MachineFont>(m_dc, opened.family);
+            page = std::make_shared<MachineFont>(m_dc, family, key);
+            known[key] = page;
         }
-        return opened.page;
+        return page;
     }
 
     // The first font that has the character; the first one of all, whose box it shows, where none has.
@@ -137,7 +144,7 @@ public:
             LOGFONTW look = m_look;
             const std::wstring& family = m_families[m_next];
             std::copy_n(family.begin(), std::min<size_t>(family.size(), LF_FACESIZE - 1), look.lfFaceName);
-            Opened opened{CreateFontIndirectW(&look), nullptr, nullptr, {}};
+            Opened opened{CreateFontIndirectW(&look), nullptr, {}};
             if (opened.font == nullptr) continue;
             SelectObject(m_dc, opened.font);
             wchar_t face[LF_FACESIZE] = {};
@@ -145,7 +152,7 @@ public:
             opened.family = face;
             // Outlines are what a page can carry; and what stands in for a family that is missing may be there already.
             const bool known = std::any_of(m_opened.begin(), m_opened.end(), [&](const Opened& o) { return o.family == face; });
-            if (!known && !TableOf(m_dc, "head").empty() && !TableOf(m_dc, "hmtx").empty()) {
+            if (!known && !TableOf(m_dc, "head").empty() && !TableOf(m_dc, "hmtx").empty() && MayBeCarried()) {
                 m_opened.push_back(std::move(opened));
                 ++m_next;
                 return true;
@@ -160,23 +167,27 @@ private:
     struct Opened {
         HFONT font;
         SCRIPT_CACHE cache;
-        std::shared_ptr<const PageFont> page;
         std::wstring family;
     };
+
+    // Whether the maker of the selected font lets it be put into documents.
+    bool MayBeCarried() const {
+        constexpr uint32_t kUse = 0xF, kRestricted = 2;
+        return (FontWord(TableOf(m_dc, "OS/2"), 8) & kUse) != kRestricted;
+    }
+
+    static int CALLBACK AddFamily(const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPARAM families) {
+        if ((type & TRUETYPE_FONTTYPE) != 0 && font->lfFaceName[0] != L'@')
+            reinterpret_cast<std::vector<std::wstring>*>(families)->emplace_back(font->lfFaceName);
+        return 1;
+    }
 
     bool ListAll() {
         if (m_listed) return false;
         m_listed = true;
         LOGFONTW any{};
         any.lfCharSet = DEFAULT_CHARSET;
-        EnumFontFamiliesExW(
-            m_dc, &any,
-            [](const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPARAM families) -> int {
-                if ((type & TRUETYPE_FONTTYPE) != 0 && font->lfFaceName[0] != L'@')
-                    reinterpret_cast<std::vector<std::wstring>*>(families)->emplace_back(font->lfFaceName);
-                return 1;
-            },
-            reinterpret_cast<LPARAM>(&m_families), 0);
+        EnumFontFamiliesExW(m_dc, &any, AddFamily, reinterpret_cast<LPARAM>(&m_families), 0);
         return m_next < m_families.size();
     }
 
@@ -259,9 +270,10 @@ void ShapeRun(HDC dc, const std::wstring& text, const Run& run, Fonts& fonts, Pa
             while (glyph > 0 && std::find(clusters.begin(), clusters.end(), glyph - 1) == clusters.end()) --glyph;
         if (glyph < says.size()) says[glyph] += letters[i];
     }
+    const std::shared_ptr<const PageFont> page = fonts.Page(run.font);
     for (size_t i = 0; i < says.size(); ++i) {
         line.glyphs.push_back(
-            {fonts.Page(run.font), glyphs[i], line.width + offsets[i].du, static_cast<double>(offsets[i].dv), Utf8(says[i])});
+            {page, glyphs[i], line.width + offsets[i].du, static_cast<double>(offsets[i].dv), Utf8(says[i]), nullptr});
         line.width += advances[i];
     }
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/posix/drawing/canvas_internal.h"
+#include "platform/posix/drawing/text_places_internal.h"
 #include "platform/posix/kernel/errors.h"
 #include "tests/support/last_error.h"
 
@@ -40,6 +41,28 @@ TEST(Canvas, DcsShareItByOriginAndClip) {
     EXPECT_TRUE(EndCanvasDC(whole));
     EXPECT_EQ(MakeImageCanvas(0, 5), nullptr);
     EXPECT_EQ(MakeImageCanvas(40000, 5), nullptr);
+}
+
+// A process that did not choose UTF-8 has a letter for every byte.
+TEST(Canvas, BytesAreLettersOfWindows1252) {
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const char text[] = "k\xCE\xA9 \xE9\xFF\x80";
+    constexpr int kLength = sizeof text - 1;
+    int widths[kLength] = {}, singles[256] = {}, fit = 0, sum = 0;
+    SIZE size;
+    ASSERT_TRUE(GetCharWidth32A(dc, 0, 255, singles));
+    EXPECT_FALSE(GetCharWidth32A(dc, 0, 256, singles));
+    ASSERT_TRUE(GetTextExtentExPointA(dc, text, kLength, 1000, &fit, widths, &size));
+    EXPECT_EQ(kLength, fit);
+    for (int i = 0; i < kLength; ++i) {
+        EXPECT_GT(singles[static_cast<unsigned char>(text[i])], 0);
+        EXPECT_EQ(sum, LetterX(dc, text, static_cast<size_t>(i)));
+        sum += singles[static_cast<unsigned char>(text[i])];
+        EXPECT_EQ(sum, widths[i]);
+        EXPECT_EQ(static_cast<size_t>(i), LetterAtX(dc, text, sum - singles[static_cast<unsigned char>(text[i])]));
+    }
+    EXPECT_EQ(sum, size.cx);
+    DeleteDC(dc);
 }
 
 TEST(Canvas, RegionsKeepOneForm) {

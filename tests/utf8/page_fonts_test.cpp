@@ -3,6 +3,8 @@
 #include <zlib.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <random>
 
 #include "platform/house_text_internal.h"
 #include "platform/vector_sink_internal.h"
@@ -10,15 +12,19 @@
 using namespace orvik::detail;
 
 namespace {
-std::string PageOf(const std::vector<std::string>& lines) {
+// ORVIK_PICTURES keeps what was drawn, for whoever wants to look at it.
+std::string PageOf(const std::vector<std::string>& lines, const char* name = nullptr) {
     const auto sink = MakePdfWriter(400, 300);
     VectorText text;
     text.x = 10, text.size = 12, text.face = "DejaVu Sans";
     for (const std::string& line : lines) {
-        text.y += 20, text.text = line, text.width = 100;
+        text.y += 20, text.text = line;
         sink->Text(text);
     }
-    return sink->Finish();
+    std::string page = sink->Finish();
+    if (const char* keep = std::getenv("ORVIK_PICTURES"); keep != nullptr && name != nullptr)
+        std::ofstream(std::string(keep) + '/' + name, std::ios::binary) << page;
+    return page;
 }
 
 unsigned long NumberAfter(const std::string& text, const std::string& name, size_t from) {
@@ -74,6 +80,28 @@ TEST(PageFonts, HoldTheGlyphsInUseAndSayTheirText) {
         }
         EXPECT_TRUE(outlines > 100 && outlines < 20'000) << outlines;
     }
+}
+
+TEST(PageFonts, AnyTextFindsItsWayToThePage) {
+    std::vector<std::string> lines = {"\u0391\u03BD\u03C4\u03AF\u03C3\u03C4\u03B1\u03C3\u03B7 [k\u03A9]",
+                                      "\u6E29\u5EA6 [\u2103]",
+                                      "CO\u2082",
+                                      "\u0645\u0642\u0627\u0648\u0645\u0629 = 12 k\u03A9",
+                                      "\u092A\u094D\u0930\u0924\u093F\u0930\u094B\u0927",
+                                      "cafe\u0301 x\u0302",
+                                      "\U0001F321 \U0001F1F8\U0001F1EA"};
+    std::mt19937 random(3);
+    for (int i = 0; i < 8; ++i) {
+        std::string& line = lines.emplace_back("x");
+        for (int left = 8; left > 0; --left) AppendUtf8(line, static_cast<char32_t>(random() % (left % 2 ? 0x2FFF : 0x1FFFF)));
+    }
+    const std::string pdf = PageOf(lines, "any.pdf");
+    EXPECT_EQ(lines.size(), [&] {
+        size_t texts = 0;
+        for (size_t at = pdf.find("\nET\n"); at != pdf.npos; at = pdf.find("\nET\n", at + 1)) ++texts;
+        return texts;
+    }());
+    for (const char* says : {"> <03AF>\n", "> <2082>\n"}) EXPECT_NE(pdf.npos, pdf.find(says)) << says;
 }
 
 TEST(PageFonts, WhatNoFontHasIsToldAllTheSame) {

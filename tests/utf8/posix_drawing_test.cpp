@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <random>
+#include <thread>
 
 #include "platform/house_text_internal.h"
 #include "platform/picture.h"
@@ -222,6 +223,32 @@ TEST_F(Utf8Drawing, CharactersAreMeasuredByTheirNumber) {
     ASSERT_TRUE(GetCharWidth32A(m_dc, 0xB0, 0xB0, widths));
     EXPECT_EQ(Extent("\u00B0"), widths[0]);
     EXPECT_FALSE(GetCharWidth32A(m_dc, 0, 0x110000, widths));
+}
+
+// Faces and their fonts are shared by all threads; a DC is one thread's own.
+TEST_F(Utf8Drawing, ThreadsShareTheFonts) {
+    std::vector<int> expected;
+    for (const char* text : kTexts) expected.push_back(Extent(text));
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&, thread] {
+            const HDC dc = CreateCompatibleDC(nullptr);
+            for (int round = 0; round < 8; ++round) {
+                const HFONT font =
+                    CreateFontA(-12 - (thread + round) % 5, 0, 0, 0, FW_NORMAL, 0, 0, 0, 0, 0, 0, 0, 0, "DejaVu Sans");
+                const HGDIOBJ before = SelectObject(dc, font);
+                for (size_t i = 0; i < std::size(kTexts); ++i) {
+                    SIZE size{};
+                    const std::string text = kTexts[i] + std::string(static_cast<size_t>(round), ' ');
+                    GetTextExtentPoint32A(dc, text.c_str(), SizeOf(text), &size);
+                    TextOutA(dc, 0, 0, text.c_str(), SizeOf(text));
+                    EXPECT_TRUE((thread + round) % 5 != 4 || round != 0 || size.cx == expected[i]) << text;
+                }
+                DeleteObject(SelectObject(dc, before));
+            }
+            DeleteDC(dc);
+        });
+    for (std::thread& thread : threads) thread.join();
 }
 
 TEST_F(Utf8Drawing, PagesSayEveryLetter) {

@@ -259,10 +259,9 @@ std::shared_ptr<const GlyphImage> FontFace::Picture(const ShapedGlyph& glyph) co
     return m_shaper != nullptr ? m_shaper->Picture(glyph) : std::make_shared<const GlyphImage>();
 }
 
-std::pair<std::shared_ptr<const PageFont>, uint32_t> FontFace::ForPage(const ShapedGlyph& glyph) const {
+PageGlyph FontFace::ForPage(const ShapedGlyph& glyph) const {
     const std::lock_guard guard(m_lock);
-    if (m_shaper == nullptr) return {};
-    return m_shaper->ForPage(glyph);
+    return m_shaper != nullptr ? m_shaper->ForPage(glyph) : PageGlyph{};
 }
 
 std::shared_ptr<const FontFace> FaceOf(const LOGFONTA& description) {

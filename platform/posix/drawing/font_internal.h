@@ -9,7 +9,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "platform/posix/drawing/canvas_internal.h"
@@ -31,7 +30,7 @@ struct LetterPlace {
     bool rightToLeft;
 };
 
-class PageFont;      // platform/page_fonts_internal.h
+struct PageGlyph;    // platform/page_fonts_internal.h
 struct ShapedGlyph;  // shaping_internal.h
 struct ShapedText;
 class Shaper;
@@ -60,8 +59,8 @@ public:
     // The glyph of a character, turned as the font is. The picture is made at the first call.
     const GlyphImage& Glyph(char character) const;
     std::shared_ptr<const GlyphImage> Picture(const ShapedGlyph& glyph) const;
-    // The same for a page that carries its fonts along; null where there is none.
-    std::pair<std::shared_ptr<const PageFont>, uint32_t> ForPage(const ShapedGlyph& glyph) const;
+    // The same for a page that carries its fonts along; without a font where there is none.
+    PageGlyph ForPage(const ShapedGlyph& glyph) const;
     // A step of so many pixels along the base line and across it (down), as a turned font has it.
     POINT Step(int along, int down) const;
 

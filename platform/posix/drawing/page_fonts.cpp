@@ -95,7 +95,10 @@ std::shared_ptr<const PageFont> MakePageFont(const std::string& file, int index)
     hb_blob_t* blob = hb_blob_create_from_file(file.c_str());
     hb_face_t* face = hb_face_create(blob, static_cast<unsigned>(index) & kInstance);
     hb_blob_destroy(blob);
-    auto font = std::make_shared<MachineFont>(face, file + '#' + std::to_string(index));
+    std::shared_ptr<const PageFont> font;
+    for (const char* tag : {"glyf", "CFF "})
+        if (font == nullptr && !TableOf(face, hb_tag_from_string(tag, -1)).empty())
+            font = std::make_shared<MachineFont>(face, file + '#' + std::to_string(index));
     hb_face_destroy(face);
     return font;
 }
@@ -112,13 +115,13 @@ PageLine ShapeForPage(const VectorText& text) {
     const auto shaped = face->Shape(HouseFromUtf8(text.text));
     PageLine line;
     line.width = shaped->width;
-    size_t said = text.text.size() + 1;
+    size_t said = text.text.size() + 1;  // where what the glyph before says begins
     for (const ShapedGlyph& glyph : shaped->glyphs) {
-        const auto [font, number] = face->ForPage(glyph);
-        if (font == nullptr) continue;
-        const bool same = glyph.begin == said;  // as the glyph before, which says it
-        line.glyphs.push_back({font, number, static_cast<double>(glyph.x), static_cast<double>(-glyph.y),
-                               same ? std::string() : text.text.substr(glyph.begin, glyph.end - glyph.begin)});
+        PageGlyph made = face->ForPage(glyph);
+        if (made.font == nullptr) continue;
+        made.x = glyph.x, made.y = -glyph.y;
+        if (glyph.begin != said) made.says = text.text.substr(glyph.begin, glyph.end - glyph.begin);
+        line.glyphs.push_back(std::move(made));
         said = glyph.begin;
     }
     return line;

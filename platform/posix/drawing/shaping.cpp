@@ -55,6 +55,29 @@ PangoAttrList* Attributes() {
     return attributes;
 }
 
+// A picture of a glyph for a page, on which nobody sees as many pixels as an em has thousandths.
+std::shared_ptr<const PagePicture> Smaller(const GlyphImage& image) {
+    constexpr int kSide = 8;
+    auto picture = std::make_shared<PagePicture>();
+    picture->width = (image.width + kSide - 1) / kSide, picture->height = (image.height + kSide - 1) / kSide;
+    picture->left = image.left, picture->right = image.left + picture->width * kSide;
+    picture->top = -image.top, picture->bottom = picture->top - picture->height * kSide;
+    for (int row = 0; row < picture->height; ++row)
+        for (int column = 0; column < picture->width; ++column) {
+            uint32_t alpha = 0, sums[3] = {};
+            for (int y = row * kSide; y < std::min((row + 1) * kSide, image.height); ++y)
+                for (int x = column * kSide; x < std::min((column + 1) * kSide, image.width); ++x) {
+                    const uint32_t pixel = image.colours[static_cast<size_t>(y * image.width + x)], weight = pixel >> 24;
+                    alpha += weight;
+                    for (uint32_t i = 0; i < 3; ++i) sums[i] += (pixel >> (8 * i) & 0xFF) * weight;
+                }
+            uint32_t mixed = alpha / (kSide * kSide) << 24;
+            for (uint32_t i = 0; i < 3 && alpha > 0; ++i) mixed |= sums[i] / alpha << (8 * i);
+            picture->pixels.push_back(mixed);
+        }
+    return picture;
+}
+
 }  // namespace
 
 ShapedText ShapedText::Spread(const std::vector<int>& widths) const {
@@ -179,8 +202,9 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
         for (int first = 0, next = 0; first < glyphs->num_glyphs; first = next) {
             const int cluster = glyphs->log_clusters[first];
             while (next < glyphs->num_glyphs && glyphs->log_clusters[next] == cluster) ++next;
-            const int behind = rightToLeft ? (first > 0 ? glyphs->log_clusters[first - 1] : item->length)
-                                           : (next < glyphs->num_glyphs ? glyphs->log_clusters[next] : item->length);
+            const int neighbour = rightToLeft ? first - 1 : next;
+            const bool last = neighbour < 0 || neighbour == glyphs->num_glyphs;
+            const int behind = std::max(last ? item->length : glyphs->log_clusters[neighbour], cluster + 1);
             const size_t from = paragraph.from[static_cast<size_t>(item->offset + cluster)];
             const size_t lastByte = static_cast<size_t>(item->offset + behind) - 1;
             const size_t to = lastByte + 1 < paragraph.from.size() ? paragraph.from[lastByte + 1] : text.size();
@@ -239,23 +263,27 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
     return shaped;
 }
 
-std::pair<std::shared_ptr<const PageFont>, uint32_t> Shaper::ForPage(const ShapedGlyph& glyph) {
+const std::shared_ptr<const PageFont>& Shaper::PageFontOf(Font& font) {
+    if (font.page != nullptr) return font.page;
+    if (font.pango == nullptr) return font.page = MakePageFont(m_own.file, m_own.index);
+    FcPattern* pattern = pango_fc_font_get_pattern(PANGO_FC_FONT(font.pango));
+    FcChar8* file = nullptr;
+    int index = 0;
+    if (pattern == nullptr || FcPatternGetString(pattern, FC_FILE, 0, &file) != FcResultMatch) return font.page;
+    FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
+    return font.page = MakePageFont(reinterpret_cast<const char*>(file), index);
+}
+
+PageGlyph Shaper::ForPage(const ShapedGlyph& glyph) {
     const std::lock_guard guard(PangoLock());
-    // Pages carry outlines: the box stands for a picture.
-    const bool coloured = m_fonts[glyph.font].coloured;
-    Font& font = m_fonts[coloured ? 0 : glyph.font];
-    if (font.page == nullptr) {
-        FcPattern* pattern = font.pango != nullptr ? pango_fc_font_get_pattern(PANGO_FC_FONT(font.pango)) : nullptr;
-        FcChar8* file = nullptr;
-        int index = 0;
-        if (pattern == nullptr) {
-            font.page = MakePageFont(m_own.file, m_own.index);
-        } else if (FcPatternGetString(pattern, FC_FILE, 0, &file) == FcResultMatch) {
-            FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
-            font.page = MakePageFont(reinterpret_cast<const char*>(file), index);
-        }
-    }
-    return {font.page, coloured ? 0 : glyph.glyph};
+    Font& font = m_fonts[glyph.font];
+    if (!font.coloured && PageFontOf(font) != nullptr) return {font.page, glyph.glyph, 0, 0, "", nullptr};
+    // Pages carry outlines; the box stands for what has none, at least where text is searched.
+    PageGlyph box{PageFontOf(m_fonts[0]), 0, 0, 0, "", nullptr};
+    if (font.coloured && font.turned != nullptr)
+        if (const GlyphImage image = PictureOf(font.turned, glyph.glyph, true); !image.colours.empty())
+            box.picture = Smaller(image);
+    return box;
 }
 
 std::shared_ptr<const GlyphImage> Shaper::Picture(const ShapedGlyph& glyph) {

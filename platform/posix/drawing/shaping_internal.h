@@ -58,8 +58,8 @@ public:
 
     std::shared_ptr<const ShapedText> Shape(std::string_view text);
     std::shared_ptr<const GlyphImage> Picture(const ShapedGlyph& glyph);
-    // The glyph as a page carries it: its font, and its number in that. Null where no font can be had.
-    std::pair<std::shared_ptr<const PageFont>, uint32_t> ForPage(const ShapedGlyph& glyph);
+    // Font, number and picture of the glyph as a page carries it; no font where none can be had.
+    PageGlyph ForPage(const ShapedGlyph& glyph);
 
 private:
     struct Font {
@@ -69,6 +69,7 @@ private:
         std::shared_ptr<const PageFont> page;
     };
     size_t FontOf(PangoFont* font);
+    const std::shared_ptr<const PageFont>& PageFontOf(Font& font);
     ShapedText ShapeAnew(std::string_view text);
 
     const OwnFont m_own;
@@ -80,7 +81,7 @@ private:
     size_t m_pictureBytes = 0;
 };
 
-// The font of a file. Never null; one that cannot be read has no glyphs.
+// The font of a file; null for one without outlines that a page can carry.
 std::shared_ptr<const PageFont> MakePageFont(const std::string& file, int index);
 
 }  // namespace orvik::detail
