@@ -8,7 +8,9 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "platform/house_text_internal.h"
 #include "platform/posix/kernel/errors.h"
 #include "platform/posix/regional/crt_time.h"
 #include "platform/posix/regional/locale_data_internal.h"
@@ -122,6 +124,12 @@ std::optional<std::string> Value(const UserSettings& s, LCTYPE item) {
             return "2";
         case LOCALE_ILZERO:
             return "1";
+        case LOCALE_SNATIVEDIGITS:
+            return s.numbers->digits;
+        case LOCALE_IDIGITSUBSTITUTION:
+            return s.numbers->digits.size() > 10 ? "2" : "1";
+        case LOCALE_SNEGATIVESIGN:
+            return s.numbers->minus;
         case LOCALE_SCURRENCY:
             return s.money->currency;
         case LOCALE_ICURRDIGITS:
@@ -175,6 +183,7 @@ bool IsNumber(LCTYPE item) {
         case LOCALE_ITLZERO:
         case LOCALE_ITIMEMARKPOSN:
         case LOCALE_IDEFAULTANSICODEPAGE:
+        case LOCALE_IDIGITSUBSTITUTION:
             return true;
         default:
             return false;
@@ -213,6 +222,17 @@ size_t LongestText(LCTYPE item) {
         default:
             return 0;
     }
+}
+
+size_t FirstLetterSize(std::string_view text) {
+    std::string_view rest = text;
+    if (!rest.empty()) TakeHouse(rest);
+    return text.size() - rest.size();
+}
+size_t CountLetters(std::string_view text) {
+    size_t count = 0;
+    for (; !text.empty(); ++count) text.remove_prefix(FirstLetterSize(text));
+    return count;
 }
 
 int Fail(DWORD code) {
@@ -289,7 +309,7 @@ std::string WriteTime(const SYSTEMTIME& t, const std::string& picture, DWORD fla
             if (letter == 't') {
                 const std::string& mark =
                     t.wHour < 12 ? Changed(s, LOCALE_S1159, s.clock->morning) : Changed(s, LOCALE_S2359, s.clock->afternoon);
-                out.append(mark, 0, run == 1 ? 1 : std::string::npos);
+                out.append(mark, 0, run == 1 ? FirstLetterSize(mark) : std::string::npos);
             }
         },
         [&](char c) { literal += c; });
@@ -374,7 +394,7 @@ BOOL SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text) {
     if (!text) return Fail(ERROR_INVALID_PARAMETER);
     const size_t longest = LongestText(item);
     if (longest == 0) return Fail(ERROR_INVALID_FLAGS);
-    if (std::strlen(text) >= longest) return Fail(ERROR_INVALID_PARAMETER);
+    if (CountLetters(text) >= longest) return Fail(ERROR_INVALID_PARAMETER);
     User& user = TheUser();
     const std::lock_guard guard(user.lock);
     const auto fresh = std::make_shared<UserSettings>(*user.settings);
