@@ -15,16 +15,16 @@ struct Clock {
     int hour = 0, minute = 0, second = 0, millisecond = 0;
 };
 
-// Thousandths by their places: "5" is 500.
-int TakeThousandths(const char*& cursor) {
-    int value = 0;
+bool TakeAscii(const char*& cursor, char c) { return Separator{c, {}}.Take(cursor); }
+
+// A separator and thousandths by their places: "5" is 500.
+bool TakeDecimals(const char*& cursor, int& value) {
+    if (!DecimalSeparator().Take(cursor) && !TakeAscii(cursor, ',') && !TakeAscii(cursor, '.')) return false;
     for (int weight = 100, digit; weight > 0 && (digit = TakeDigit(cursor)) >= 0; weight /= 10) value += digit * weight;
-    return value;
+    return true;
 }
 
 enum class Half { None, Morning, Afternoon };
-
-bool TakeAscii(const char*& cursor, char c) { return Separator{c, {}}.Take(cursor); }
 
 // The designator at the cursor.
 Half TakeHalf(const char*& cursor) {
@@ -41,14 +41,15 @@ Half TakeLeadingHalf(const char*& cursor) {
     return half;
 }
 
-// The designator that ends the text. The move is by the other one's length; a UTF-8 process takes one's own, too.
+// The designator at the end. In a Windows-1252 process the move is by the other one's length.
 Half TakeEndingHalf(const char*& cursor) {
     const char* behind = cursor;
     const Half half = TakeHalf(behind);
     const LocaleCache& cache = TheLocaleCache();
-    SkipLetters(cursor, CountLetters((half == Half::Afternoon ? cache.morning : cache.afternoon).GetView()));
-    SkipBlanks(behind);
-    if (HouseIsUtf8() && *behind == 0) cursor = behind;
+    if (HouseIsUtf8())
+        cursor = behind;
+    else
+        SkipLetters(cursor, (half == Half::Afternoon ? cache.morning : cache.afternoon).GetLength());
     return half;
 }
 
@@ -60,11 +61,11 @@ bool ReadClock(const char* cursor, Clock& clock) {
     if (!Tools::sInt(cursor, &clock.hour, 2) || !separator.Take(cursor)) return false;
     if (!Tools::sInt(cursor, &clock.minute, 2) || !separator.Take(cursor)) return false;
     if (!Tools::sInt(cursor, &clock.second, 2)) return false;
-    if (DecimalSeparator().Take(cursor) || TakeAscii(cursor, ',') || TakeAscii(cursor, '.'))
-        clock.millisecond = TakeThousandths(cursor);
+    const bool decimals = TakeDecimals(cursor, clock.millisecond);
     SkipBlanks(cursor);
     if (*cursor) {
         if (half != Half::None || (half = TakeEndingHalf(cursor)) == Half::None) return false;
+        if (HouseIsUtf8() && !decimals) TakeDecimals(cursor, clock.millisecond);  // where the writer puts them
         SkipBlanks(cursor);
         if (*cursor) return false;
     }

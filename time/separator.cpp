@@ -70,12 +70,6 @@ void SkipLetters(const char*& cursor, int count) {
     for (; count > 0 && *cursor; --count) TakeLetter(cursor);
 }
 
-int CountLetters(std::string_view text) {
-    int count = 0;
-    for (; !text.empty(); ++count) TakeHouse(text);
-    return count;
-}
-
 void SkipBlanks(const char*& cursor) {
     for (;;) {
         while (*cursor == ' ') ++cursor;

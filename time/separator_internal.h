@@ -13,7 +13,6 @@ namespace orvik::detail {
 char32_t TakeLetter(const char*& cursor);
 // Moves on by so many letters, at most to the text's end. Pure.
 void SkipLetters(const char*& cursor, int count);
-int CountLetters(std::string_view text);
 // Spaces, those that do not break a line among them; U+00A0 and beyond in a UTF-8 process only. Pure.
 void SkipBlanks(const char*& cursor);
 // Takes the text if it stands at the cursor. In a UTF-8 process a blank is any blank, and marks of direction, which nobody

@@ -185,11 +185,14 @@ void Numbers(icu::Locale locale, LocaleData& to) {
     CurrencyOrders(locale, to);
 }
 
+constexpr LCID kNoNumber = 0x1000;  // what Windows says of locales that have names alone
+
 std::unique_ptr<LocaleData> Make(const icu::Locale& locale) {
     auto data = std::make_unique<LocaleData>();
     const icu::Locale& english = icu::Locale::getUS();
     UnicodeString text;
     data->lcid = uloc_getLCID(locale.getName());
+    if (data->lcid == 0) data->lcid = kNoNumber;
     data->language = locale.getLanguage();
     data->country = locale.getCountry();
     data->languageName = HouseFromUnicode(locale.getDisplayLanguage(english, text));
@@ -214,11 +217,13 @@ const LocaleData& Cached(const icu::Locale& locale) {
     return *entry;
 }
 
-// Whether locale data know the language at all; ICU answers any name from its root data.
+// Whether locale data know the language at all; ICU answers any name from its root data. A Windows-1252 process asks for one that
+// Windows numbers.
 bool Known(const icu::Locale& locale) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::DateFormatSymbols symbols(locale, status);
-    return *locale.getLanguage() && U_SUCCESS(status) && status != U_USING_DEFAULT_WARNING && uloc_getLCID(locale.getName()) != 0;
+    const bool numbered = HouseIsUtf8() || uloc_getLCID(locale.getName()) != 0;
+    return *locale.getLanguage() && U_SUCCESS(status) && status != U_USING_DEFAULT_WARNING && numbered;
 }
 
 }  // namespace
