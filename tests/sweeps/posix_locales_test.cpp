@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unicode/datefmt.h>
 #include <unicode/decimfmt.h>
+#include <unicode/dtfmtsym.h>
 #include <unicode/dtptngen.h>
 #include <unicode/gregocal.h>
 #include <unicode/locid.h>
