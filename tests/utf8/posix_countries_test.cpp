@@ -2,10 +2,15 @@
 #include <gtest/gtest.h>
 #include <unicode/uchar.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
+#include <sstream>
 #include <string>
+#include <vector>
 
+#include "platform/posix/controls/list_items_internal.h"
 #include "platform/win32.h"
 #include "tests/support/regional_settings.h"
 #include "time/clock_text.h"
@@ -136,6 +141,34 @@ TEST(Utf8Process, NamesAreReadByLetters) {
     CVXTTime read;
     EXPECT_TRUE(_NlsGetLongDate(text, read));
     EXPECT_FALSE(_NlsGetLongDate("2026 ψ 7‑4 Lör", read));
+}
+
+TEST(Utf8Process, ListsHaveTheOrderOfTheUsersLanguage) {
+    const struct {
+        const char *name, *order;  // one item after the other, " " behind each
+    } cases[] = {
+        {"sv_SE", "A-1 _x apa Box ett Zebra Å Äpple Öl Ωmega 温度 "},
+        {"de_DE", "A-1 _x Å apa Äpple Box ett Öl Zebra Ωmega 温度 "},
+        {"el_GR", "A-1 _x άλφα Βήτα Ωmega apa Å "},
+        {"cs_CZ", "cena delta hora chata "},
+        {"zh_CN", "北京 上海 温度 重庆 "},
+    };
+    for (const auto& c : cases) {
+        const Country country(c.name);
+        std::istringstream words(c.order);
+        std::vector<std::string> items{std::istream_iterator<std::string>(words), {}};
+        std::reverse(items.begin(), items.end());
+        orvik::detail::ListItems list;
+        for (const std::string& item : items) list.Add(item.c_str(), true);
+        std::string order;
+        for (int i = 0; i < list.Count(); ++i) order += list[i].text + ' ';
+        EXPECT_EQ(c.order, order) << c.name;
+        EXPECT_EQ(CSTR_EQUAL, CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, "\u03A9x", 2, "\u03C9", -1));
+        EXPECT_NE(CSTR_EQUAL, CompareStringA(LOCALE_USER_DEFAULT, 0, "\u03A9", -1, "\u03C9", -1));
+        EXPECT_EQ(CSTR_LESS_THAN, CompareStringA(LOCALE_INVARIANT, NORM_IGNORECASE, "a\xE5", -1, "b", 99));
+        EXPECT_EQ(0, CompareStringA(0x3FF, 0, "a", -1, "a", -1));
+        EXPECT_EQ(0, CompareStringA(0, 0x40, "a", -1, "a", -1));
+    }
 }
 
 // The locale data's characters beside the house's own table.

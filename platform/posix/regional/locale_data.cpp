@@ -193,6 +193,7 @@ std::unique_ptr<LocaleData> Make(const icu::Locale& locale) {
     UnicodeString text;
     data->lcid = uloc_getLCID(locale.getName());
     if (data->lcid == 0) data->lcid = kNoNumber;
+    data->name = locale.getName();
     data->language = locale.getLanguage();
     data->country = locale.getCountry();
     data->languageName = HouseFromUnicode(locale.getDisplayLanguage(english, text));

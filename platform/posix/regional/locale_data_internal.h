@@ -14,6 +14,7 @@ namespace orvik::detail {
 
 struct LocaleData {
     LCID lcid;
+    std::string name;                                 // as ICU has it
     std::string language, country;                    // ISO codes
     std::string languageName, countryName, fullName;  // English: "Swedish", "Sweden", "Swedish (Sweden)"
     std::string decimal, thousand, grouping, list;

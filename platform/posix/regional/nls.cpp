@@ -12,6 +12,7 @@
 
 #include "platform/house_text_internal.h"
 #include "platform/posix/kernel/errors.h"
+#include "platform/posix/regional/collation_internal.h"
 #include "platform/posix/regional/crt_time.h"
 #include "platform/posix/regional/locale_data_internal.h"
 #include "platform/posix/regional/locale_pictures_internal.h"
@@ -29,6 +30,7 @@ struct UserSettings {
     const LocaleData* clock;
     const LocaleData* numbers;
     const LocaleData* money;
+    const LocaleData* order;
     std::map<LCTYPE, std::string> changed;
 };
 
@@ -39,11 +41,8 @@ const LocaleData& FromEnvironment(const char* category) {
 }
 
 UserSettings ReadEnvironment() {
-    return {&FromEnvironment("LC_CTYPE"),
-            &FromEnvironment("LC_TIME"),
-            &FromEnvironment("LC_NUMERIC"),
-            &FromEnvironment("LC_MONETARY"),
-            {}};
+    return {&FromEnvironment("LC_CTYPE"),    &FromEnvironment("LC_TIME"),    &FromEnvironment("LC_NUMERIC"),
+            &FromEnvironment("LC_MONETARY"), &FromEnvironment("LC_COLLATE"), {}};
 }
 
 // Settings are never changed once they are shared, only replaced: who holds them needs no lock and no copy.
@@ -59,7 +58,7 @@ User& TheUser() {
 }
 
 SharedSettings Fixed(const LocaleData& locale) {
-    return std::make_shared<UserSettings>(UserSettings{&locale, &locale, &locale, &locale, {}});
+    return std::make_shared<UserSettings>(UserSettings{&locale, &locale, &locale, &locale, &locale, {}});
 }
 
 // The settings that an id names, with (the user's) or without changes; null for an id without a locale.
@@ -363,6 +362,11 @@ void ReloadRegionalSettings() {
     auto fresh = std::make_shared<UserSettings>(ReadEnvironment());
     const std::lock_guard guard(user.lock);
     user.settings = std::move(fresh);
+}
+
+std::string OrderingLocale(LCID locale) {
+    const auto settings = SettingsOf(locale, 0);
+    return settings ? settings->order->name : std::string();
 }
 }  // namespace orvik::detail
 

@@ -1,5 +1,6 @@
 // The user's regional settings: separators, pictures and names, and the system's writers of dates and times of day.
-// They come from LC_ALL, else LC_TIME (dates and clock), LC_NUMERIC (numbers), LC_MONETARY (currency), else LANG, read once; no
+// They come from LC_ALL, else LC_TIME (dates and clock), LC_NUMERIC (numbers), LC_MONETARY (currency), LC_COLLATE (the order of
+// texts), else LANG, read once; no
 // locale need be installed. C, POSIX and unknown names give en_US. Text is this house's (platform/house_text.h): in a
 // Windows-1252 process what that lacks is replaced by what Windows has for most countries; in a UTF-8 process settings are the
 // country's own. Any thread.
@@ -24,6 +25,12 @@
 #define LANGIDFROMLCID(lcid) (static_cast<WORD>(lcid))
 #define LOCALE_USER_DEFAULT 0x0400u
 #define LOCALE_SYSTEM_DEFAULT 0x0800u
+#define LOCALE_INVARIANT 0x007Fu
+
+#define NORM_IGNORECASE 0x1u
+#define CSTR_LESS_THAN 1
+#define CSTR_EQUAL 2
+#define CSTR_GREATER_THAN 3
 
 #define LOCALE_NOUSEROVERRIDE 0x80000000u
 #define LOCALE_RETURN_NUMBER 0x20000000u
@@ -90,6 +97,10 @@ ORVIK_API BOOL WINAPI SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text);
 ORVIK_API int WINAPI GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR picture, LPSTR out, int size);
 // The date by a picture of d to dddd, M to MMMM, y to yyyy, g (era) and quoted text; the day of the week follows from the date.
 ORVIK_API int WINAPI GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR picture, LPSTR out, int size);
+
+// The order of texts as users of a language look for them in a list: 1, 2 or 3, or 0 on failure as GetLocaleInfoA; lengths of -1
+// end at the terminator. A Windows-1252 process has one order for all languages, by bytes, or by those of lower-case letters.
+ORVIK_API int WINAPI CompareStringA(LCID locale, DWORD flags, LPCSTR first, int firstLength, LPCSTR second, int secondLength);
 
 namespace orvik::detail {
 // Reads the environment again and drops what SetLocaleInfoA changed.
