@@ -2,9 +2,12 @@
 
 #include <optional>
 
+#include "platform/house_text_internal.h"
+#include "time/digits_internal.h"
 #include "time/integer_text_internal.h"
 #include "time/local_nls_tools.h"
 #include "time/locale_cache.h"
+#include "time/separator_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -32,8 +35,10 @@ bool TakeElement(std::string_view& picture, Element& element) {
         element = {first, end == std::string_view::npos ? picture.size() : end, {}};
         picture.remove_prefix(element.run);
     } else {
-        element = {0, 0, picture.substr(0, 1)};
-        picture.remove_prefix(1);
+        std::string_view rest = picture.substr(1);
+        if (static_cast<unsigned char>(first) >= 0x80) rest = picture, TakeHouse(rest);
+        element = {0, 0, picture.substr(0, picture.size() - rest.size())};
+        picture = rest;
     }
     return true;
 }
@@ -57,19 +62,21 @@ void AppendField(CString& text, const Element& field, const CalendarDate& date) 
     }
 }
 
-// Of Windows-1252, not of the process locale: "S\xF6ndag" is one word.
-bool IsLetter(char c) {
-    const auto u = static_cast<unsigned char>(c);
-    if (u < 0x80) return (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z');
-    if (u >= 0xC0) return u != 0xD7 && u != 0xF7;
-    return std::string_view("\x83\x8A\x8C\x8E\x9A\x9C\x9E\x9F\xAA\xB5\xBA").find(c) != std::string_view::npos;
+// Of this house's text, not of the process locale: "S\xF6ndag" is one word. Beyond Latin-1 whatever is no mark, symbol or digit
+// is one, the vowel signs of names in Hindi, too.
+bool IsLetter(char32_t c) {
+    if (c < 0x80) return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    if (c < 0x100) return (c >= 0xC0 && c != 0xD7 && c != 0xF7) || c == 0xAA || c == 0xB5 || c == 0xBA;
+    const auto within = [c](char32_t first, char32_t last) { return c >= first && c <= last; };
+    return !within(0x2C2, 0x2DF) && !within(0x600, 0x61F) && !within(0x66A, 0x66D) && !within(0x964, 0x965) &&
+           !within(0x2000, 0x2BFF) && !within(0x3000, 0x303F) && ValueOfDigit(c) < 0;
 }
 
 // The number, from `first`, of the first name that is the word at the cursor.
 std::optional<int> FindName(const char* cursor, CString (*name)(int), int first, int count) {
-    size_t length = 0;
-    while (IsLetter(cursor[length])) ++length;
-    const std::string_view word(cursor, length);
+    const char* end = cursor;
+    for (const char* behind = end; *behind && IsLetter(TakeLetter(behind));) end = behind;
+    const std::string_view word(cursor, static_cast<size_t>(end - cursor));
     for (int i = first; i < first + count; ++i)
         if (name(i).GetView() == word) return i;
     return std::nullopt;
@@ -77,7 +84,7 @@ std::optional<int> FindName(const char* cursor, CString (*name)(int), int first,
 
 bool ReadYear(const char*& cursor, size_t run, std::optional<int>& year) {
     if (run != 2 && run != 4) return true;
-    if (run == 4 && (*cursor < '0' || *cursor > '9')) return false;
+    if (run == 4 && !IsDigitAt(cursor)) return false;
     int number = 0;
     CLocalNlsTools::sInt(cursor, &number, -1);
     if (run == 2) {
@@ -106,22 +113,17 @@ bool ReadField(const char*& cursor, const Element& field, std::optional<int>& va
     return true;
 }
 
-bool SkipText(const char*& cursor, std::string_view text) {
-    for (const char c : text) {
-        if (*cursor == 0 || *cursor != c) return false;
-        ++cursor;
-    }
-    return true;
-}
-
 }  // namespace
 
 void AppendDatePicture(CString& text, std::string_view picture, const CalendarDate& date) {
+    const bool ownDigits = !TheLocaleCache().digits.IsEmpty();
     for (Element element; TakeElement(picture, element);) {
+        const int from = text.GetLength();
         if (element.letter)
             AppendField(text, element, date);
         else
             text += element.text;
+        if (element.letter && ownDigits) SpellDigits(text, from);
     }
 }
 
@@ -131,7 +133,7 @@ bool ReadDatePicture(const char*& cursor, std::string_view picture, CalendarDate
         const bool matches = element.letter == 'y'   ? ReadYear(cursor, element.run, year)
                              : element.letter == 'M' ? ReadField(cursor, element, month)
                              : element.letter == 'd' ? ReadField(cursor, element, day)
-                                                     : SkipText(cursor, element.text);
+                                                     : TakeText(cursor, element.text);
         if (!matches) return false;
     }
     if (!year || !month || !day) return false;

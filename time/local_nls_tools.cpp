@@ -5,6 +5,7 @@
 #include "res/ids.h"
 #include "time/clock_text.h"
 #include "time/date_picture_internal.h"
+#include "time/digits_internal.h"
 #include "time/locale_cache.h"
 #include "time/span_text.h"
 #include "time/span_words_internal.h"
@@ -12,8 +13,6 @@
 using namespace orvik::detail;
 
 namespace {
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 // The year that a number stands for, or -1. These bounds are the system's own.
 int YearOf(int number) {
     if (number >= 100 && number <= 1979) return -1;
@@ -39,10 +38,9 @@ void CLocalNlsTools::eatWhite(const char*& cursor) {
 
 int CLocalNlsTools::sInt(const char*& cursor, int* value, int maxDigits) {
     *value = 0;
-    const char* const start = cursor;
-    for (; IsDigit(*cursor); ++cursor) {
-        if (maxDigits >= 0 && cursor - start >= maxDigits) return 0;
-        const int digit = *cursor - '0';
+    const char* behind = cursor;
+    for (int count = 0, digit; (digit = TakeDigit(behind)) >= 0; ++count, cursor = behind) {
+        if (maxDigits >= 0 && count >= maxDigits) return 0;
         *value = *value > (INT_MAX - digit) / 10 ? INT_MAX : *value * 10 + digit;
     }
     return 1;

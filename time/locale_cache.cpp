@@ -1,9 +1,14 @@
 #include "time/locale_cache.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <string>
 
+#include "platform/house_text_internal.h"
 #include "res/ids.h"
+#include "time/digits_internal.h"
 #include "time/local_zone.h"
+#include "time/separator_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -17,12 +22,15 @@ NlsTexts& Texts() {
     return texts;
 }
 
-// Sizes are bytes with the terminator; a setting that does not fit cannot be supplied.
+// Sizes are bytes with the terminator; a setting that does not fit cannot be supplied. In a UTF-8 process all fit.
 template <int size>
 CString Setting(LCTYPE item) {
     char buffer[size] = {};
-    if (::GetLocaleInfoA(LOCALE_USER_DEFAULT, item, buffer, size) == 0) return {};
-    return CString(buffer);
+    if (!HouseIsUtf8()) return ::GetLocaleInfoA(LOCALE_USER_DEFAULT, item, buffer, size) != 0 ? CString(buffer) : CString();
+    const int needed = ::GetLocaleInfoA(LOCALE_USER_DEFAULT, item, nullptr, 0);
+    std::string text(static_cast<size_t>(std::max(needed, 0)), 0);
+    if (needed <= 0 || ::GetLocaleInfoA(LOCALE_USER_DEFAULT, item, text.data(), needed) == 0) return {};
+    return CString(text.c_str());
 }
 
 CString Text(UINT id) {
@@ -32,6 +40,17 @@ CString Text(UINT id) {
 }
 
 char First(const CString& text) { return text.IsEmpty() ? '\0' : text.GetAt(0); }
+
+// Digits and the minus, which a Windows-1252 process has none but ASCII's of.
+void UpdateSigns(LocaleCache& cache) {
+    constexpr std::string_view kMinus = "\xE2\x88\x92", kNativeDigits = "2";
+    cache.digits = cache.minus = CString();
+    if (!HouseIsUtf8()) return;
+    const CString digits = Setting<16>(LOCALE_SNATIVEDIGITS), minus = Setting<8>(LOCALE_SNEGATIVESIGN);
+    if (Setting<4>(LOCALE_IDIGITSUBSTITUTION).GetView() == kNativeDigits && AreNativeDigits(digits.GetView()))
+        cache.digits = digits;
+    if (minus.GetView().find(kMinus) != std::string_view::npos) cache.minus = kMinus;
+}
 
 }  // namespace
 
@@ -72,16 +91,17 @@ void NlsToolsUpdate() {
     if (First(Setting<4>(LOCALE_SGROUPING)) != '0') cache.thousandSep = Setting<4>(LOCALE_STHOUSAND);
     cache.decimalSep = Setting<4>(LOCALE_SDECIMAL);
     cache.leadingZero = std::atoi(Setting<2>(LOCALE_ILZERO));
+    UpdateSigns(cache);
     RefreshLocalZone();
 }
 
 void NlsToolsUnregister() {}
 
-char NlsGetDecimalSep() { return First(Cache().decimalSep); }
-char NlsGetThousandSep() { return First(Cache().thousandSep); }
-char NlsGetListSep() { return First(Cache().listSep); }
-char NlsGetTimeSep() { return First(Cache().timeSep); }
-char NlsGetDateSep() { return First(Cache().dateSep); }
+char NlsGetDecimalSep() { return DecimalSeparator().ascii; }
+char NlsGetThousandSep() { return ThousandSeparator().ascii; }
+char NlsGetListSep() { return ListSeparator().ascii; }
+char NlsGetTimeSep() { return TimeSeparator().ascii; }
+char NlsGetDateSep() { return DateSeparator().ascii; }
 CString NlsGetShortDateSpec() { return Cache().shortDate; }
 CString NlsGetTimeSpec() { return Cache().timePicture; }
 

@@ -1,6 +1,12 @@
 // The user's regional settings, read once into a module-wide cache, and the module's own names of months, days and units.
-// The cache is read and updated on the user-interface thread only; nothing locks it. Texts are Windows-1252.
+// The cache is read and updated on the user-interface thread only; nothing locks it. Texts are this house's
+// (platform/house_text.h).
 // An entry that the system cannot supply is empty: every reader must live with a separator of 0 and with an empty picture.
+//
+// In a process that chose UTF-8 separators, designators and pictures are those that the user's country has, however long, and so
+// are digits and the minus where its numbering says so ("\xD9\xA1\xD9\xAB\xD9\xA5" in Egypt, U+2212 in Sweden): what
+// functions of number_text.h, date_text.h, clock_text.h and span_text.h write for people. Readers take every script's digits,
+// "-" and U+2212, and any blank for a blank, in every such process. Forms for programs are written without these functions.
 #pragma once
 
 #include "afx/string.h"
@@ -12,7 +18,11 @@ ORVIK_API void NlsToolsUpdate();
 // Does nothing; there so that a host can pair it with NlsToolsRegister.
 ORVIK_API void NlsToolsUnregister();
 
-// The first character of the entry, 0 when it is empty (as the thousand separator is while digits are not grouped).
+// The first character of the entry, 0 when it is empty (as the thousand separator is while digits are not grouped). For one
+// beyond ASCII, which only a UTF-8 process has, the character of ASCII that readers take in its place, and that pictures of
+// numbers have:
+// "." for decimals ("," where "." parts thousands); for thousands " " in the place of a blank, "'" of an apostrophe, else the one
+// of "," and "." that the decimals leave; ";" for lists, ":" for the time, "-" for the date.
 ORVIK_API char NlsGetDecimalSep();
 ORVIK_API char NlsGetThousandSep();
 ORVIK_API char NlsGetListSep();
@@ -33,6 +43,8 @@ namespace orvik::detail {
 struct LocaleCache {
     CString timePicture, country, language, listSep, timeSep, morning, afternoon, dateSep, shortDate, longDate, currency,
         thousandSep, decimalSep;
+    CString digits;       // the user's own from 0 to 9, of one length; empty for ASCII's, as in every Windows-1252 process
+    CString minus;        // U+2212 for a user of that, in a UTF-8 process; else empty
     int leadingZero = 0;  // whether "0.5" is written with its zero
 };
 

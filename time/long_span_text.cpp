@@ -1,8 +1,7 @@
-#include <cstring>
-
+#include "time/digits_internal.h"
 #include "time/integer_text_internal.h"
 #include "time/local_nls_tools.h"
-#include "time/locale_cache.h"
+#include "time/separator_internal.h"
 #include "time/span_text.h"
 #include "time/span_units_internal.h"
 
@@ -18,13 +17,7 @@ constexpr int kHoursToMinutes = kHours | kMinutes, kHoursToSeconds = kHoursToMin
 constexpr uint64_t kHour = 3'600'000'000, kMinute = 60'000'000, kSecond = 1'000'000, kMillisecond = 1'000;
 constexpr uint64_t kLowest = uint64_t{1} << 63;  // the magnitude of the lowest span
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-bool TakeSeparator(const char*& cursor, char separator) {
-    if (separator == 0 || *cursor != separator) return false;
-    ++cursor;
-    return true;
-}
+bool TakeAscii(const char*& cursor, char c) { return Separator{c, {}}.Take(cursor); }
 
 // Reads what digits there are, at most `most`; whether another one follows is the caller's business.
 uint64_t TakeNumber(const char*& cursor, int most) {
@@ -37,35 +30,38 @@ uint64_t TakeNumber(const char*& cursor, int most) {
 uint64_t TakeHours(const char*& cursor) {
     constexpr uint64_t kTooMany = kLowest / kHour + 1;
     uint64_t hours = 0;
-    for (; IsDigit(*cursor); ++cursor)
-        if (hours < kTooMany) hours = hours * 10 + static_cast<uint64_t>(*cursor - '0');
+    for (int digit; (digit = TakeDigit(cursor)) >= 0;)
+        if (hours < kTooMany) hours = hours * 10 + static_cast<uint64_t>(digit);
     return hours < kTooMany ? hours : kTooMany;
 }
 
-bool HasDays(const char* cursor, char dateSep) { return dateSep != 0 && std::strlen(cursor) > 3 && cursor[3] == dateSep; }
+bool HasDays(const char* cursor, const Separator& dateSep) {
+    SkipLetters(cursor, 3);
+    return dateSep.Take(cursor);
+}
 
 }  // namespace
 
 int _NlsGetLongTimeSpan(const char* text, CVXTTimeSpan& span) {
     const char* cursor = text ? text : "";
-    const char dateSep = NlsGetDateSep(), timeSep = NlsGetTimeSep();
+    const Separator dateSep = DateSeparator(), timeSep = TimeSeparator();
     CLocalNlsTools::eatWhite(cursor);
-    const bool negative = TakeSeparator(cursor, '-');
+    const bool negative = TakeMinus(cursor);
     uint64_t hours = 0;
     if (HasDays(cursor, dateSep)) {
         hours = TakeNumber(cursor, 3) * 24;
-        if (!TakeSeparator(cursor, dateSep)) return 0;
+        if (!dateSep.Take(cursor)) return 0;
         hours += TakeNumber(cursor, 2);
     } else {
         hours = TakeHours(cursor);
     }
-    if (!TakeSeparator(cursor, timeSep)) return 0;
+    if (!timeSep.Take(cursor)) return 0;
     const uint64_t minutes = TakeNumber(cursor, 2);
-    if (IsDigit(*cursor)) return 0;
+    if (IsDigitAt(cursor)) return 0;
     uint64_t seconds = 0, milliseconds = 0;
-    if (TakeSeparator(cursor, timeSep)) {
+    if (timeSep.Take(cursor)) {
         seconds = TakeNumber(cursor, 2);
-        if (TakeSeparator(cursor, NlsGetDecimalSep()) || TakeSeparator(cursor, '.') || TakeSeparator(cursor, ','))
+        if (DecimalSeparator().Take(cursor) || TakeAscii(cursor, '.') || TakeAscii(cursor, ','))
             milliseconds = TakeNumber(cursor, 3);
     } else if (*cursor) {
         return 0;
@@ -82,29 +78,27 @@ int _NlsGetLongOrShortTimeSpan(const char* text, CVXTTimeSpan& span) {
 
 int _NlsSetLongTimeSpan(CString& text, const CVXTTimeSpan& span, int fields) {
     if (fields != kHoursToMinutes && fields != kHoursToSeconds && fields != kDaysToMinutes) fields = kDaysToSeconds;
-    const char dateSep = NlsGetDateSep(), timeSep = NlsGetTimeSep();
-    const auto separate = [&text](char separator) {
-        if (separator != 0) text += separator;
-    };
+    const Separator dateSep = DateSeparator(), timeSep = TimeSeparator();
     const __int64 count = span.CvtToInt64();
     const uint64_t seconds = SpanMagnitude(count) / kSecond, hours = seconds / 3'600;
     text = std::string_view();  // keeps its memory
-    if (count < 0) text += '-';
-    if ((fields & kDays) && dateSep != 0) {
+    if (count < 0) text += MinusText();
+    if ((fields & kDays) && dateSep.ascii != 0) {
         AppendInteger(text, hours / 24, 3);
-        separate(dateSep);
+        text += dateSep.Text();
         AppendInteger(text, hours % 24, 2);
     } else {
         // Three digits of hours and a separator that is the date's as well would read as days.
         const bool looksLikeDays = dateSep == timeSep && hours >= 100 && hours <= 999;
         AppendInteger(text, hours, looksLikeDays ? 4 : 2);
     }
-    separate(timeSep);
+    text += timeSep.Text();
     AppendInteger(text, seconds / 60 % 60, 2);
     if (fields & kSeconds) {
-        separate(timeSep);
+        text += timeSep.Text();
         AppendInteger(text, seconds % 60, 2);
     }
+    SpellDigits(text);
     return 1;
 }
 

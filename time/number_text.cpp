@@ -2,8 +2,14 @@
 
 #include <charconv>
 #include <climits>
+#include <string>
 
+#include "platform/house_text_internal.h"
+#include "time/digits_internal.h"
 #include "time/locale_cache.h"
+#include "time/separator_internal.h"
+
+using namespace orvik::detail;
 
 CString NlsRealFmt(int n) { return CString('@', n); }
 
@@ -15,8 +21,23 @@ CString NlsRealFmt(int intDigits, int fracDigits) {
     return picture;
 }
 
+namespace {
+// The same in ASCII's digits and with its minus.
+std::string InAscii(const char* cursor) {
+    std::string out;
+    if (TakeMinus(cursor)) out += '-';
+    while (*cursor) {
+        const int digit = TakeDigit(cursor);
+        out += digit >= 0 ? static_cast<char>('0' + digit) : *cursor++;
+    }
+    return out;
+}
+}  // namespace
+
 int _NlsGetInteger(const CString& text, int& value) {
-    const std::string_view all = text.GetView();
+    std::string spelt;
+    std::string_view all = text.GetView();
+    if (HouseIsUtf8() && AsciiPrefix(all) < all.size()) all = spelt = InAscii(text);
     if (all.empty()) return 0;
     const std::string_view digits = all.substr(all[0] == '-');
     if (digits.find_first_not_of("0123456789") != std::string_view::npos) return 0;
@@ -30,7 +51,11 @@ int _NlsGetInteger(const CString& text, int& value) {
 int _NlsSetInteger(CString& text, int value) {
     char digits[7];
     const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
-    text = error == std::errc() ? std::string_view(digits, static_cast<size_t>(end - digits)) : std::string_view();
+    std::string_view written = error == std::errc() ? std::string_view(digits, static_cast<size_t>(end - digits)) : "";
+    text = value < 0 && !written.empty() ? MinusText() : std::string_view();
+    if (value < 0 && !written.empty()) written.remove_prefix(1);
+    text += written;
+    SpellDigits(text);
     return 1;
 }
 

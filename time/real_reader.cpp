@@ -2,6 +2,7 @@
 
 #include <cfloat>
 
+#include "time/digits_internal.h"
 #include "time/local_nls_tools.h"
 #include "time/locale_cache.h"
 #include "time/number_text.h"
@@ -11,19 +12,20 @@ namespace {
 
 constexpr int kExponentLimit = 308;
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsSeparator(char c, char separator) { return c == separator && separator != 0; }
-
-bool IsGrouped(const char* begin, const char* end, char thousandSep) {
-    int digits = 0;
-    while (end != begin) {
-        if (*--end != thousandSep)
-            ++digits;
-        else if (digits % 3 != 0)
-            return false;
+// Whether behind every thousand separator there is a multiple of three digits.
+class Grouping {
+public:
+    void Digit() { m_digits = m_digits < 2 ? m_digits + 1 : 0; }
+    void Separator() {
+        if (m_front < 0) m_front = m_digits;
+        m_uneven |= m_front != m_digits;
     }
-    return true;
-}
+    bool IsRight() const { return m_front < 0 || (!m_uneven && m_front == m_digits); }
+
+private:
+    int m_digits = 0, m_front = -1;  // so far, and in front of the first separator; modulo 3
+    bool m_uneven = false;
+};
 
 // Factor by factor: the roundings of a power of ten at once would be others.
 void Scale(double& value, double factor, int times) {
@@ -33,46 +35,45 @@ void Scale(double& value, double factor, int times) {
 
 }  // namespace
 
-bool ReadReal(const char*& cursor, char decimalSep, char thousandSep, double& value) {
+bool ReadReal(const char*& cursor, Separator decimalSep, Separator thousandSep, double& value) {
     value = 0;
     const char* at = cursor;
     while (*at == ' ') ++at;
-    const bool negative = *at == '-', hasSign = negative || *at == '+';
-    if (hasSign) ++at;
+    const int sign = TakeSign(at);
+    const bool negative = sign < 0;
     cursor = at;
-    if (!hasSign && !IsDigit(*at) && !IsSeparator(*at, decimalSep)) return false;
-
     double read = 0;
-    if (!IsSeparator(*at, decimalSep)) {
-        const char* const whole = at;
-        bool separated = false;
-        for (;; ++at) {
-            if (IsDigit(*at))
-                read = read * 10 + (*at - '0');
-            else if (IsSeparator(*at, thousandSep))
-                separated = true;
+    bool inDecimals = decimalSep.Take(at);
+    if (!inDecimals) {
+        if (sign == 0 && !IsDigitAt(at)) return false;
+        Grouping grouping;
+        for (;;) {
+            if (const int digit = TakeDigit(at); digit >= 0)
+                read = read * 10 + digit, grouping.Digit();
+            else if (thousandSep.Take(at))
+                grouping.Separator();
             else
                 break;
         }
-        if (separated && !IsGrouped(whole, at, thousandSep)) {
+        if (!grouping.IsRight()) {
             value = read;
             cursor = at;
             return false;
         }
+        inDecimals = decimalSep.Take(at);
     }
-    if (IsSeparator(*at, decimalSep)) {
+    if (inDecimals) {
         double weight = 0.1;
-        for (++at; IsDigit(*at); ++at, weight *= 0.1) read += (*at - '0') * weight;
+        for (int digit; (digit = TakeDigit(at)) >= 0; weight *= 0.1) read += digit * weight;
     }
     value = negative ? -read : read;
     if (*at == 'e' || *at == 'E') {
         ++at;
-        const bool down = *at == '-';
-        if (down || *at == '+') ++at;
+        const bool down = TakeSign(at) < 0;
         int exponent = 0;
-        const bool any = IsDigit(*at);
-        for (; IsDigit(*at); ++at)
-            if (exponent < kExponentLimit) exponent = exponent * 10 + (*at - '0');
+        const bool any = IsDigitAt(at);
+        for (int digit; (digit = TakeDigit(at)) >= 0;)
+            if (exponent < kExponentLimit) exponent = exponent * 10 + digit;
         cursor = at;
         if (!any || exponent >= kExponentLimit) return false;
         Scale(value, down ? 0.1 : 10.0, exponent);
@@ -87,11 +88,11 @@ using namespace orvik::detail;
 
 int _NlsGetReal(const char* text, double& value, const char* suffix) {
     const char* cursor = text ? text : "";
-    if (!ReadReal(cursor, NlsGetDecimalSep(), NlsGetThousandSep(), value)) return 0;
-    CLocalNlsTools::eatWhite(cursor);
+    if (!ReadReal(cursor, DecimalSeparator(), ThousandSeparator(), value)) return 0;
+    SkipBlanks(cursor);
     if (suffix) {
         while (*cursor && *cursor == *suffix) ++cursor, ++suffix;
-        CLocalNlsTools::eatWhite(cursor);
+        SkipBlanks(cursor);
     }
     return *cursor == 0;
 }
@@ -106,7 +107,7 @@ int _NlsGetReal(const char* text, float& value, const char* suffix) {
 
 int CLocalNlsTools::GetReal(const char* text, char decimalSep, char thousandSep, double& value) {
     const char* cursor = text ? text : "";
-    return ReadReal(cursor, decimalSep, thousandSep, value) && *cursor == 0;
+    return ReadReal(cursor, {decimalSep, {}}, {thousandSep, {}}, value) && *cursor == 0;
 }
 
 int _NlsGetMaxFixed(const char* picture, double& max) {

@@ -2,10 +2,12 @@
 // Pure; any thread.
 #pragma once
 
+#include "time/separator_internal.h"
+
 namespace orvik::detail {
 
 // Reads from leading spaces up to the exponent and moves the cursor behind what was read; `value` has what was read so far also
-// on failure. A separator of 0 matches nothing.
-bool ReadReal(const char*& cursor, char decimalSep, char thousandSep, double& value);
+// on failure. An empty separator matches nothing.
+bool ReadReal(const char*& cursor, Separator decimalSep, Separator thousandSep, double& value);
 
 }  // namespace orvik::detail

@@ -6,8 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "time/digits_internal.h"
 #include "time/locale_cache.h"
 #include "time/number_text.h"
+#include "time/separator_internal.h"
 
 using namespace orvik::detail;
 
@@ -38,7 +40,7 @@ Picture ReadPicture(const char* picture) {
 
 struct Style {
     Picture picture;
-    std::string_view decimalSep, thousandSep;
+    std::string_view decimalSep, thousandSep, minus;
     bool leadingZero;
 };
 
@@ -93,8 +95,8 @@ void WriteSignificant(CString& text, double magnitude, bool negative, const Styl
     while (static_cast<int>(digits.size()) > point && digits.back() == '0') digits.remove_suffix(1);
 
     const auto length = static_cast<int>(digits.size());
-    Room room(digits.size() + style.decimalSep.size() + 16);
-    if (negative) room.Put('-');
+    Room room(digits.size() + style.decimalSep.size() + style.minus.size() + 16);
+    if (negative) room.Put(style.minus);
     if (point < 1 && length - point < 5) {
         if (style.leadingZero) room.Put('0');
         room.Put(style.decimalSep);
@@ -140,8 +142,9 @@ void WriteFixed(CString& text, double magnitude, bool negative, const Style& sty
         whole = number.substr(0, number.find('.'));
         if (decimals > 0) fraction = number.substr(whole.size() + 1);
     }
-    Room room(1 + whole.size() + whole.size() / 3 * style.thousandSep.size() + style.decimalSep.size() + decimals);
-    if (negative && !tooSmall) room.Put('-');
+    Room room(style.minus.size() + whole.size() + whole.size() / 3 * style.thousandSep.size() + style.decimalSep.size() +
+              decimals);
+    if (negative && !tooSmall) room.Put(style.minus);
     if (whole.size() >= 4 && !style.thousandSep.empty()) {
         const size_t first = (whole.size() - 1) % 3 + 1;
         room.Put(whole.substr(0, first));
@@ -160,44 +163,47 @@ void WriteFixed(CString& text, double magnitude, bool negative, const Style& sty
     text = room.Text();
 }
 
-int Write(CString& text, double value, const Style& style) {
+void Write(CString& text, double value, const Style& style) {
     if (std::isnan(value))
         text = std::string_view("nan");
     else if (std::isinf(value))
         text = std::string_view(value < 0 ? "-inf" : "inf");
     else
         (style.picture.fixed ? WriteFixed : WriteSignificant)(text, std::fabs(value), value < 0, style);
-    return 1;
 }
 
 }  // namespace
 
 int _NlsSetReal(CString& text, const double& value, const char* picture) {
     const LocaleCache& cache = TheLocaleCache();
-    return Write(
-        text, value,
-        {ReadPicture(picture), cache.decimalSep.GetView().substr(0, 1), cache.thousandSep.GetView(), cache.leadingZero != 0});
+    const Separator decimalSep = DecimalSeparator();
+    Write(text, value,
+          {ReadPicture(picture), decimalSep.Text(), cache.thousandSep.GetView(), MinusText(), cache.leadingZero != 0});
+    if (std::isfinite(value)) SpellDigits(text);
+    return 1;
 }
 
 int _NlsSetReal(CString& text, const double& value, const char* picture, CString decimalSep, CString thousandSep) {
-    return Write(text, value,
-                 {ReadPicture(picture), decimalSep.GetView(), thousandSep.GetView(), TheLocaleCache().leadingZero != 0});
+    Write(text, value,
+          {ReadPicture(picture), decimalSep.GetView(), thousandSep.GetView(), "-", TheLocaleCache().leadingZero != 0});
+    return 1;
 }
 
 void NlsAddThousandSep(CString& text) {
     const std::string_view separator = TheLocaleCache().thousandSep.GetView(), old = text.GetView();
     if (separator.empty()) return;
-    const auto isDigit = [old](size_t at) { return old[at] >= '0' && old[at] <= '9'; };
-    std::string fresh;  // from its last character to its first
-    int digits = 0;
-    for (size_t at = old.size(); at-- > 0;) {
-        fresh += old[at];
-        digits = isDigit(at) ? digits + 1 : 0;
-        if (digits == 3 && at > 0 && isDigit(at - 1)) {
-            fresh.append(separator.rbegin(), separator.rend());
-            digits = 0;
+    std::string fresh;
+    for (const char* at = text; static_cast<size_t>(at - old.data()) < old.size();) {
+        // A run of digits is parted from its right end: behind so many that threes are left.
+        int left = 0;
+        for (const char* ahead = at; TakeDigit(ahead) >= 0;) ++left;
+        if (left == 0) fresh += *at++;
+        for (; left > 0; --left) {
+            const char* const digit = at;
+            TakeDigit(at);
+            fresh.append(digit, at);
+            if (left > 1 && left % 3 == 1) fresh += separator;
         }
     }
-    std::reverse(fresh.begin(), fresh.end());
     text = std::string_view(fresh);
 }

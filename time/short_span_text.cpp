@@ -4,9 +4,11 @@
 #include <string_view>
 
 #include "res/ids.h"
+#include "time/digits_internal.h"
 #include "time/integer_text_internal.h"
 #include "time/local_nls_tools.h"
 #include "time/locale_cache.h"
+#include "time/separator_internal.h"
 #include "time/span_text.h"
 #include "time/span_units_internal.h"
 #include "time/span_words_internal.h"
@@ -18,12 +20,11 @@ namespace {
 constexpr uint64_t kLowest = uint64_t{1} << 63;  // the magnitude of the lowest span
 constexpr int kAutomaticDigits = -1, kMostAutomaticDigits = 3;
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-std::string_view TakeDigits(const char*& cursor) {
-    const char* const begin = cursor;
-    while (IsDigit(*cursor)) ++cursor;
-    return {begin, static_cast<size_t>(cursor - begin)};
+// In ASCII.
+std::string TakeDigits(const char*& cursor) {
+    std::string digits;
+    for (int digit; (digit = TakeDigit(cursor)) >= 0;) digits += static_cast<char>('0' + digit);
+    return digits;
 }
 
 bool IsZero(std::string_view digits) { return digits.find_first_not_of('0') == std::string_view::npos; }
@@ -97,18 +98,16 @@ namespace orvik::detail {
 int ReadShortSpan(const char* text, const SpanWords& words, CVXTTimeSpan& span, int strict) {
     const char* cursor = text ? text : "";
     CLocalNlsTools::eatWhite(cursor);
-    const bool negative = *cursor == '-';
-    if (negative || *cursor == '+')
-        ++cursor;
-    else if (!IsDigit(*cursor))
-        return 0;
-    const std::string_view whole = TakeDigits(cursor);
-    std::string_view fraction;
-    if (const char separator = NlsGetDecimalSep(); separator != 0 && *cursor == separator) {
-        fraction = TakeDigits(++cursor);
+    const int sign = TakeSign(cursor);
+    const bool negative = sign < 0;
+    if (sign == 0 && !IsDigitAt(cursor)) return 0;
+    const std::string whole = TakeDigits(cursor);
+    std::string fraction;
+    if (DecimalSeparator().Take(cursor)) {
+        fraction = TakeDigits(cursor);
         if (fraction.empty()) return 0;
     }
-    CLocalNlsTools::eatWhite(cursor);
+    SkipBlanks(cursor);
     const std::string_view rest(cursor), word = rest.substr(0, rest.find(' '));
     if (word.empty()) {
         if (strict || !IsZero(whole) || !IsZero(fraction)) return 0;
@@ -152,7 +151,7 @@ int _NlsSetShortTimeSpan(CString& text, const CVXTTimeSpan& span, CVXTTimeSpanTy
     if (selector && *selector < TST_LARGEST) *selector = unit;
 
     text = std::string_view();  // keeps its memory
-    if (count < 0) text += '-';
+    if (count < 0) text += MinusText();
     if (!IsSpanUnit(unit)) return 1;
     const auto size = static_cast<uint64_t>(kSpanUnits[unit]);
     AppendInteger(text, magnitude / size);
@@ -166,9 +165,11 @@ int _NlsSetShortTimeSpan(CString& text, const CVXTTimeSpan& span, CVXTTimeSpanTy
         if (automatic) decimals.erase(decimals.find_last_not_of('0') + 1);
     }
     if (!decimals.empty()) {
-        if (const char separator = NlsGetDecimalSep()) text += separator;
+        const Separator separator = DecimalSeparator();
+        text += separator.Text();
         text += std::string_view(decimals);
     }
+    SpellDigits(text);
     CString abbreviation;
     abbreviation.LoadString(IDS_ABBREVIATION_WEEKS + static_cast<UINT>(TST_WEEKS - unit));
     text += ' ';

@@ -6,6 +6,7 @@
 #include "afx/archive.h"
 #include "afx/exception.h"
 #include "time/date_picture_internal.h"
+#include "time/digits_internal.h"
 #include "time/integer_internal.h"
 #include "time/local_zone.h"
 #include "time/local_zone_internal.h"
@@ -360,7 +361,9 @@ CString CVXTTime::Format() const {
     text.Preallocate(31);
     AppendDatePicture(text, TheLocaleCache().shortDate.GetView(), {local.wYear, local.wMonth, local.wDay, local.wDayOfWeek});
     text += ' ';
+    const int clock = text.GetLength();
     text += time;
+    SpellDigits(text, clock);
     return text;
 }
 

@@ -6,7 +6,7 @@
 #include "afx/archive.h"
 #include "res/ids.h"
 #include "time/integer_internal.h"
-#include "time/locale_cache.h"
+#include "time/separator_internal.h"
 #include "time/span_units_internal.h"
 
 using namespace orvik::detail;
@@ -39,12 +39,14 @@ CString Decimal(char sign, unsigned __int64 magnitude, CVXTTimeSpanType unit) {
     CString text;
     text.Format("%c%I64u", sign, whole);
     if (rest == 0) return text;
-    const char separator = NlsGetDecimalSep();
-    if (separator != 0) text += separator;
+    const Separator decimalSep = DecimalSeparator();
+    const std::string_view separator = decimalSep.Text();
+    text += separator;
     text.AppendFormat(unit == TST_MILLISECONDS ? "%03I64u" : "%06I64u", rest);
     int length = text.GetLength();
     while (length > 0 && text.GetAt(length - 1) == '0') --length;
-    if (length > 0 && separator != 0 && text.GetAt(length - 1) == separator) --length;
+    if (!separator.empty() && text.GetView().substr(0, static_cast<size_t>(length)).ends_with(separator))
+        length -= static_cast<int>(separator.size());
     return text.Left(length);
 }
 

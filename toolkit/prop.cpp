@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "platform/house_text.h"
 #include "res/ids.h"
 #include "toolkit/prop_list.h"
 
@@ -20,7 +21,8 @@ CString Resource(UINT id) {
 char DecimalSeparator() {
     char text[8] = "";
     GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, text, sizeof text);
-    return text[0] != 0 ? text[0] : '.';
+    const bool longer = OrvikTextCodePage() == CP_UTF8 && static_cast<unsigned char>(text[0]) >= 0x80;  // than a char
+    return text[0] != 0 && !longer ? text[0] : '.';
 }
 
 std::string Trimmed(const CString& text) {

@@ -1,7 +1,8 @@
 // The doors between this house's narrow text and Windows. In a process that chose UTF-8 (platform/house_text.h) each takes and
 // gives UTF-8 and calls the function of the same name that ends in W; in every other process it is the function ending in A and
 // nothing else. Arguments, results, ownership, threads and errors are those of the function whose name it has; lengths, sizes and
-// positions are bytes, limits of fields letters (platform/letters.h). What does not fit is cut at a character's end where the function cuts, and an error where it does not.
+// positions are bytes, limits of fields letters (platform/letters.h). What does not fit is cut at a character's end where the
+// function cuts, and an error where it does not.
 //
 // Include platform/win32.h and use the system's names: they lead here. In a process that chose UTF-8:
 // - Classes and windows are the wide kind; a procedure that was registered or set by these names sees UTF-8 in every message that
@@ -76,8 +77,8 @@ ORVIK_DOOR(SetupDiClassGuidsFromNameA);
 ORVIK_DOOR(SetupDiGetClassDevsA);
 ORVIK_DOOR(SetupDiGetDeviceRegistryPropertyA);
 
-// Drawing. An entry of a list of widths belongs to a byte: a character takes the sum of its bytes' entries, and each of its bytes is
-// given the extent up to its end.
+// Drawing. An entry of a list of widths belongs to a byte: a character takes the sum of its bytes' entries, and each of its bytes
+// is given the extent up to its end.
 ORVIK_DOOR(CreateDCA);
 ORVIK_DOOR(CreateEnhMetaFileA);
 ORVIK_DOOR(CreateFontA);

@@ -3,6 +3,7 @@
 
 #include "platform/house_text_internal.h"
 #include "platform/posix/controls/list_items_internal.h"
+#include "platform/posix/regional/nls.h"
 #include "platform/posix/text/text.h"
 
 namespace orvik::detail {
@@ -27,11 +28,15 @@ std::optional<LRESULT> ListItems::Answer(const ListItemMessages& messages, UINT 
     return static_cast<LRESULT>(item.text.size());
 }
 
+int CompareInLists(const char* first, const char* second) {
+    return CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, first, -1, second, -1) - CSTR_EQUAL;
+}
+
 int ListItems::Add(const char* text, bool sorted) {
     if (text == nullptr) return -1;
     if (!sorted) return Insert(-1, text);
     const auto after = std::upper_bound(m_items.begin(), m_items.end(), text,
-                                        [](const char* a, const ListItem& b) { return lstrcmpiA(a, b.text.c_str()) < 0; });
+                                        [](const char* a, const ListItem& b) { return CompareInLists(a, b.text.c_str()) < 0; });
     return Insert(static_cast<int>(after - m_items.begin()), text);
 }
 

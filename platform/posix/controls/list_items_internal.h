@@ -9,6 +9,9 @@
 
 namespace orvik::detail {
 
+// < 0, 0, > 0 for two items in the order in which the user looks for them.
+int CompareInLists(const char* first, const char* second);
+
 struct ListItem {
     std::string text;
     LPARAM data = 0;

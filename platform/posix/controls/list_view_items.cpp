@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/house_text_internal.h"
+#include "platform/posix/controls/list_items_internal.h"
 #include "platform/posix/controls/list_view_internal.h"
 #include "platform/posix/text/letters_internal.h"
 #include "platform/posix/text/text.h"
@@ -40,7 +41,7 @@ LRESULT ListView::InsertItem(const LVITEMA& item) {
     const DWORD order = Style() & (LVS_SORTASCENDING | LVS_SORTDESCENDING);
     if (order != 0) {
         const auto after = std::upper_bound(m_rows.begin(), m_rows.end(), row, [&](const Row& a, const Row& b) {
-            const int compared = lstrcmpiA(a.cells[0].text.c_str(), b.cells[0].text.c_str());
+            const int compared = CompareInLists(a.cells[0].text.c_str(), b.cells[0].text.c_str());
             return order & LVS_SORTASCENDING ? compared < 0 : compared > 0;
         });
         at = static_cast<int>(after - m_rows.begin());

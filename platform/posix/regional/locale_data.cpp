@@ -7,6 +7,7 @@
 #include <unicode/dtfmtsym.h>
 #include <unicode/dtptngen.h>
 #include <unicode/locid.h>
+#include <unicode/numsys.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/ucurr.h>
 #include <unicode/udat.h>
@@ -20,6 +21,7 @@
 #include <mutex>
 #include <string_view>
 
+#include "platform/house_text_internal.h"
 #include "platform/posix/regional/locale_pictures_internal.h"
 #include "platform/posix/regional/regional_text_internal.h"
 
@@ -110,12 +112,16 @@ void Names(const icu::Locale& locale, LocaleData& to) {
     to.morning = "AM", to.afternoon = "PM";
     const UnicodeString* marks = symbols.getAmPmStrings(count);
     to.ownDesignators = count >= 2 && CanBeSaid(marks[0]) && CanBeSaid(marks[1]) && marks[0] != marks[1];
-    if (to.ownDesignators) to.morning = HouseFromUnicode(marks[0]), to.afternoon = HouseFromUnicode(marks[1]);
+    if (!to.ownDesignators) return;
+    to.morning = HouseFromUnicode(WithoutDirectionMarks(marks[0]));
+    to.afternoon = HouseFromUnicode(WithoutDirectionMarks(marks[1]));
 }
 
-// What the reader of times of day asks of designators: it moves on by the length of the other one, and keeps eight characters.
+// What the reader of times of day asks of designators: it moves on by the length of the other one, and keeps eight characters. In
+// a UTF-8 process it keeps them all, and only looks for that of the afternoon first.
 bool AreReadable(const std::string& morning, const std::string& afternoon) {
     constexpr size_t kMost = 8;
+    if (HouseIsUtf8()) return !morning.empty() && !afternoon.empty() && morning.compare(0, afternoon.size(), afternoon) != 0;
     return !morning.empty() && morning.size() == afternoon.size() && morning.size() <= kMost;
 }
 
@@ -137,22 +143,34 @@ void Pictures(icu::Locale locale, LocaleData& to) {
 }
 
 // The first character of a separator is what readers look at: one of several characters, or one that cannot be said, is replaced.
-std::string Separator(const UnicodeString& text, const char* otherwise) {
+std::string Separator(const UnicodeString& given, const char* otherwise) {
+    const UnicodeString text = HouseIsUtf8() ? WithoutDirectionMarks(given) : given;
     return text.length() == 1 && CanBeSaid(text) ? HouseFromUnicode(text) : otherwise;
 }
 
-// Of Latin digits, which are those that are written.
+// The digits that are written: the country's own in a UTF-8 process, if they are ten.
+void Digits(icu::Locale& locale, LocaleData& to) {
+    UErrorCode status = U_ZERO_ERROR;
+    to.digits = "0123456789";
+    const std::unique_ptr<icu::NumberingSystem> own(icu::NumberingSystem::createInstance(locale, status));
+    if (HouseIsUtf8() && U_SUCCESS(status) && own->getRadix() == 10 && !own->isAlgorithmic())
+        to.digits = HouseFromUnicode(own->getDescription());
+    else
+        locale.setKeywordValue("numbers", "latn", status = U_ZERO_ERROR);
+}
+
 void Numbers(icu::Locale locale, LocaleData& to) {
     UErrorCode status = U_ZERO_ERROR;
-    locale.setKeywordValue("numbers", "latn", status);
+    Digits(locale, to);
     const icu::DecimalFormatSymbols symbols(locale, status);
     using Symbols = icu::DecimalFormatSymbols;
     to.decimal = Separator(symbols.getSymbol(Symbols::kDecimalSeparatorSymbol), ".");
     to.thousand = Separator(symbols.getSymbol(Symbols::kGroupingSeparatorSymbol), to.decimal == "," ? "." : ",");
     if (to.thousand == to.decimal) to.thousand = to.decimal == "," ? "." : ",";
+    to.minus = symbols.getSymbol(Symbols::kMinusSignSymbol).indexOf(u'\u2212') >= 0 ? HouseFromUnicode(u"\u2212") : "-";
     to.currency = HouseFromUnicode(symbols.getSymbol(Symbols::kCurrencySymbol));
-    // Windows separates list items by a semicolon where the comma is the decimal separator.
-    to.list = to.decimal == "," ? ";" : ",";
+    // Windows separates list items by a semicolon where the decimal separator is a comma, in Arabic, too.
+    to.list = to.decimal == "," || to.decimal.size() > 1 ? ";" : ",";
     to.grouping = "3;0";
     std::unique_ptr<icu::NumberFormat> format(icu::NumberFormat::createInstance(locale, status));
     if (const auto* decimal = dynamic_cast<const icu::DecimalFormat*>(format.get())) {
@@ -167,11 +185,15 @@ void Numbers(icu::Locale locale, LocaleData& to) {
     CurrencyOrders(locale, to);
 }
 
+constexpr LCID kNoNumber = 0x1000;  // what Windows says of locales that have names alone
+
 std::unique_ptr<LocaleData> Make(const icu::Locale& locale) {
     auto data = std::make_unique<LocaleData>();
     const icu::Locale& english = icu::Locale::getUS();
     UnicodeString text;
     data->lcid = uloc_getLCID(locale.getName());
+    if (data->lcid == 0) data->lcid = kNoNumber;
+    data->name = locale.getName();
     data->language = locale.getLanguage();
     data->country = locale.getCountry();
     data->languageName = HouseFromUnicode(locale.getDisplayLanguage(english, text));
@@ -196,11 +218,13 @@ const LocaleData& Cached(const icu::Locale& locale) {
     return *entry;
 }
 
-// Whether locale data know the language at all; ICU answers any name from its root data.
+// Whether locale data know the language at all; ICU answers any name from its root data. A Windows-1252 process asks for one that
+// Windows numbers.
 bool Known(const icu::Locale& locale) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::DateFormatSymbols symbols(locale, status);
-    return *locale.getLanguage() && U_SUCCESS(status) && status != U_USING_DEFAULT_WARNING && uloc_getLCID(locale.getName()) != 0;
+    const bool numbered = HouseIsUtf8() || uloc_getLCID(locale.getName()) != 0;
+    return *locale.getLanguage() && U_SUCCESS(status) && status != U_USING_DEFAULT_WARNING && numbered;
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 // One locale's settings, spelled as Windows spells them: what ICU knows, put into pictures, groupings and order numbers.
-// Whatever the language, numbers, short dates and times of day can be said in Windows-1252 and read back as they are written.
+// Whatever the language, numbers, short dates and times of day read back as they are written. In a Windows-1252 process they are
+// said with what that has, in Latin digits, and by a 24-hour clock where designators cannot be said; in a UTF-8 process they are
+// what the country has, digits and minus included, without the marks of direction that nobody types.
 // Immutable once made.
 #pragma once
 
@@ -12,9 +14,11 @@ namespace orvik::detail {
 
 struct LocaleData {
     LCID lcid;
+    std::string name;                                 // as ICU has it
     std::string language, country;                    // ISO codes
     std::string languageName, countryName, fullName;  // English: "Swedish", "Sweden", "Swedish (Sweden)"
     std::string decimal, thousand, grouping, list;
+    std::string digits, minus;  // from 0 to 9; "-" or U+2212
     std::string currency, currencyDigits, currencyOrder, negativeCurrency;
     std::string timePicture, morning, afternoon;
     bool ownDesignators;  // not those put in place of designators that cannot be said

@@ -2,6 +2,7 @@
 #include <cstring>
 #include <vector>
 
+#include "platform/house_text_internal.h"
 #include "platform/posix/regional/locale_pictures_internal.h"
 #include "platform/posix/regional/regional_text_internal.h"
 
@@ -153,10 +154,12 @@ std::string ClockPicture(const UnicodeString& pattern, bool designatorsUsable) {
                             [=](const Piece& p) { return p.letter && std::strchr(letters, p.letter); });
     };
     const auto hour = find("hH"), minute = find("m"), second = find("s"), mark = find("t"), none = pieces.end();
-    char separator = ':';
-    if (hour != none && minute == hour + 2 && hour[1].text.length() == 1 && CanBeSaid(hour[1].text)) {
+    const bool whole = HouseIsUtf8();  // every letter can be said, and read
+    std::string separator = ":";
+    if (hour != none && minute == hour + 2 && hour[1].text.length() == 1 && CanBeSaid(hour[1].text) &&
+        (!whole || (second == minute + 2 && minute[1].text == hour[1].text))) {
         const char16_t c = hour[1].text[0];
-        if (c != u' ' && !IsLetter(c)) separator = HouseFromUnicode(hour[1].text)[0];
+        if (c != u' ' && !IsLetter(c)) separator = HouseFromUnicode(hour[1].text);
     }
     const bool twelve = hour != none && hour->letter == 'h' && mark != none && designatorsUsable;
     const auto run = [none](auto piece) { return piece != none ? std::min<size_t>(piece->run, 2) : 2; };
@@ -165,7 +168,11 @@ std::string ClockPicture(const UnicodeString& pattern, bool designatorsUsable) {
     out.append(run(minute), 'm');
     out += separator;
     out.append(run(second), 's');
-    return twelve ? out + " tt" : out;
+    if (!twelve) return out;
+    const bool leads = whole && mark < hour;
+    const bool parted = !whole || (leads ? !mark[1].letter : !mark[-1].letter);
+    const std::string gap = parted ? " " : "";
+    return leads ? "tt" + gap + out : out + gap + "tt";
 }
 
 std::string PictureSeparator(const std::string& picture, const char* letters) {

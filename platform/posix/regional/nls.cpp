@@ -8,8 +8,11 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "platform/house_text_internal.h"
 #include "platform/posix/kernel/errors.h"
+#include "platform/posix/regional/collation_internal.h"
 #include "platform/posix/regional/crt_time.h"
 #include "platform/posix/regional/locale_data_internal.h"
 #include "platform/posix/regional/locale_pictures_internal.h"
@@ -27,6 +30,7 @@ struct UserSettings {
     const LocaleData* clock;
     const LocaleData* numbers;
     const LocaleData* money;
+    const LocaleData* order;
     std::map<LCTYPE, std::string> changed;
 };
 
@@ -37,11 +41,8 @@ const LocaleData& FromEnvironment(const char* category) {
 }
 
 UserSettings ReadEnvironment() {
-    return {&FromEnvironment("LC_CTYPE"),
-            &FromEnvironment("LC_TIME"),
-            &FromEnvironment("LC_NUMERIC"),
-            &FromEnvironment("LC_MONETARY"),
-            {}};
+    return {&FromEnvironment("LC_CTYPE"),    &FromEnvironment("LC_TIME"),    &FromEnvironment("LC_NUMERIC"),
+            &FromEnvironment("LC_MONETARY"), &FromEnvironment("LC_COLLATE"), {}};
 }
 
 // Settings are never changed once they are shared, only replaced: who holds them needs no lock and no copy.
@@ -57,7 +58,7 @@ User& TheUser() {
 }
 
 SharedSettings Fixed(const LocaleData& locale) {
-    return std::make_shared<UserSettings>(UserSettings{&locale, &locale, &locale, &locale, {}});
+    return std::make_shared<UserSettings>(UserSettings{&locale, &locale, &locale, &locale, &locale, {}});
 }
 
 // The settings that an id names, with (the user's) or without changes; null for an id without a locale.
@@ -122,6 +123,12 @@ std::optional<std::string> Value(const UserSettings& s, LCTYPE item) {
             return "2";
         case LOCALE_ILZERO:
             return "1";
+        case LOCALE_SNATIVEDIGITS:
+            return s.numbers->digits;
+        case LOCALE_IDIGITSUBSTITUTION:
+            return s.numbers->digits.size() > 10 ? "2" : "1";
+        case LOCALE_SNEGATIVESIGN:
+            return s.numbers->minus;
         case LOCALE_SCURRENCY:
             return s.money->currency;
         case LOCALE_ICURRDIGITS:
@@ -175,6 +182,7 @@ bool IsNumber(LCTYPE item) {
         case LOCALE_ITLZERO:
         case LOCALE_ITIMEMARKPOSN:
         case LOCALE_IDEFAULTANSICODEPAGE:
+        case LOCALE_IDIGITSUBSTITUTION:
             return true;
         default:
             return false;
@@ -213,6 +221,17 @@ size_t LongestText(LCTYPE item) {
         default:
             return 0;
     }
+}
+
+size_t FirstLetterSize(std::string_view text) {
+    std::string_view rest = text;
+    if (!rest.empty()) TakeHouse(rest);
+    return text.size() - rest.size();
+}
+size_t CountLetters(std::string_view text) {
+    size_t count = 0;
+    for (; !text.empty(); ++count) text.remove_prefix(FirstLetterSize(text));
+    return count;
 }
 
 int Fail(DWORD code) {
@@ -289,7 +308,7 @@ std::string WriteTime(const SYSTEMTIME& t, const std::string& picture, DWORD fla
             if (letter == 't') {
                 const std::string& mark =
                     t.wHour < 12 ? Changed(s, LOCALE_S1159, s.clock->morning) : Changed(s, LOCALE_S2359, s.clock->afternoon);
-                out.append(mark, 0, run == 1 ? 1 : std::string::npos);
+                out.append(mark, 0, run == 1 ? FirstLetterSize(mark) : std::string::npos);
             }
         },
         [&](char c) { literal += c; });
@@ -344,6 +363,11 @@ void ReloadRegionalSettings() {
     const std::lock_guard guard(user.lock);
     user.settings = std::move(fresh);
 }
+
+std::string OrderingLocale(LCID locale) {
+    const auto settings = SettingsOf(locale, 0);
+    return settings ? settings->order->name : std::string();
+}
 }  // namespace orvik::detail
 
 LCID GetUserDefaultLCID() {
@@ -374,7 +398,7 @@ BOOL SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text) {
     if (!text) return Fail(ERROR_INVALID_PARAMETER);
     const size_t longest = LongestText(item);
     if (longest == 0) return Fail(ERROR_INVALID_FLAGS);
-    if (std::strlen(text) >= longest) return Fail(ERROR_INVALID_PARAMETER);
+    if (CountLetters(text) >= longest) return Fail(ERROR_INVALID_PARAMETER);
     User& user = TheUser();
     const std::lock_guard guard(user.lock);
     const auto fresh = std::make_shared<UserSettings>(*user.settings);

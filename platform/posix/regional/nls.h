@@ -1,6 +1,9 @@
 // The user's regional settings: separators, pictures and names, and the system's writers of dates and times of day.
-// They come from LC_ALL, else LC_TIME (dates and clock), LC_NUMERIC (numbers), LC_MONETARY (currency), else LANG, read once; no
-// locale need be installed. C, POSIX and unknown names give en_US. Text is Windows-1252. Any thread.
+// They come from LC_ALL, else LC_TIME (dates and clock), LC_NUMERIC (numbers), LC_MONETARY (currency), LC_COLLATE (the order of
+// texts), else LANG, read once; no
+// locale need be installed. C, POSIX and unknown names give en_US. Text is this house's (platform/house_text.h): in a
+// Windows-1252 process what that lacks is replaced by what Windows has for most countries; in a UTF-8 process settings are the
+// country's own. Any thread.
 #pragma once
 
 #include "platform/api.h"
@@ -22,6 +25,12 @@
 #define LANGIDFROMLCID(lcid) (static_cast<WORD>(lcid))
 #define LOCALE_USER_DEFAULT 0x0400u
 #define LOCALE_SYSTEM_DEFAULT 0x0800u
+#define LOCALE_INVARIANT 0x007Fu
+
+#define NORM_IGNORECASE 0x1u
+#define CSTR_LESS_THAN 1
+#define CSTR_EQUAL 2
+#define CSTR_GREATER_THAN 3
 
 #define LOCALE_NOUSEROVERRIDE 0x80000000u
 #define LOCALE_RETURN_NUMBER 0x20000000u
@@ -36,6 +45,7 @@
 #define LOCALE_SGROUPING 0x10u
 #define LOCALE_IDIGITS 0x11u
 #define LOCALE_ILZERO 0x12u
+#define LOCALE_SNATIVEDIGITS 0x13u
 #define LOCALE_SCURRENCY 0x14u
 #define LOCALE_ICURRDIGITS 0x19u
 #define LOCALE_ICURRENCY 0x1Bu
@@ -53,6 +63,7 @@
 #define LOCALE_SABBREVDAYNAME1 0x31u
 #define LOCALE_SMONTHNAME1 0x38u  // January; eleven more follow
 #define LOCALE_SABBREVMONTHNAME1 0x44u
+#define LOCALE_SNEGATIVESIGN 0x51u
 #define LOCALE_SISO639LANGNAME 0x59u
 #define LOCALE_SISO3166CTRYNAME 0x5Au
 #define LOCALE_SENGLANGUAGE 0x1001u
@@ -60,6 +71,7 @@
 #define LOCALE_STIMEFORMAT 0x1003u
 #define LOCALE_IDEFAULTANSICODEPAGE 0x1004u
 #define LOCALE_ITIMEMARKPOSN 0x1005u
+#define LOCALE_IDIGITSUBSTITUTION 0x1014u  // 1 for digits 0 to 9, 2 for those of LOCALE_SNATIVEDIGITS
 
 #define TIME_NOMINUTESORSECONDS 0x1u
 #define TIME_NOSECONDS 0x2u
@@ -75,15 +87,20 @@ ORVIK_API UINT WINAPI GetACP();  // 1252
 // is not kept here, 122 for a small buffer. LOCALE_RETURN_NUMBER gives the number of an I item as a DWORD and returns 4.
 ORVIK_API int WINAPI GetLocaleInfoA(LCID locale, LCTYPE item, LPSTR out, int size);
 // Changes an item of the user's settings, in this process and at once; nothing is kept when the process ends. Any text is
-// accepted up to the documented length (87 beyond it). As documented, a separator of date or time goes into its picture, and the
-// separators and orders that pictures imply follow the pictures; names cannot be changed (1004).
+// accepted up to the documented length in characters (87 beyond it). As documented, a separator of date or time goes into its
+// picture, and the separators and orders that pictures imply follow the pictures; names cannot be changed (1004).
 ORVIK_API BOOL WINAPI SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text);
 
 // The time of day by a picture of h, hh, H, HH, m, mm, s, ss, t, tt and quoted text; a null picture is the locale's, a null time
-// is now. Results and failures as GetLocaleInfoA; a time with a field out of range is 87. The date fields are not looked at.
+// is now. Digits are those from 0 to 9, whatever LOCALE_IDIGITSUBSTITUTION says. Results and failures as GetLocaleInfoA; a time
+// with a field out of range is 87. The date fields are not looked at.
 ORVIK_API int WINAPI GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR picture, LPSTR out, int size);
 // The date by a picture of d to dddd, M to MMMM, y to yyyy, g (era) and quoted text; the day of the week follows from the date.
 ORVIK_API int WINAPI GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR picture, LPSTR out, int size);
+
+// The order of texts as users of a language look for them in a list: 1, 2 or 3, or 0 on failure as GetLocaleInfoA; lengths of -1
+// end at the terminator. A Windows-1252 process has one order for all languages, by bytes, or by those of lower-case letters.
+ORVIK_API int WINAPI CompareStringA(LCID locale, DWORD flags, LPCSTR first, int firstLength, LPCSTR second, int secondLength);
 
 namespace orvik::detail {
 // Reads the environment again and drops what SetLocaleInfoA changed.

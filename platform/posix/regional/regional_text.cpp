@@ -4,7 +4,10 @@
 
 namespace orvik::detail {
 namespace {
-char32_t Said(UChar32 c) { return c == 0x202F ? 0xA0u : c == 0x2212 ? U'-' : static_cast<char32_t>(c); }
+char32_t Said(UChar32 c) {
+    if (HouseIsUtf8()) return static_cast<char32_t>(c);
+    return c == 0x202F ? 0xA0u : c == 0x2212 ? U'-' : static_cast<char32_t>(c);
+}
 }  // namespace
 
 std::string HouseFromUnicode(const icu::UnicodeString& text) {
@@ -18,5 +21,10 @@ bool CanBeSaid(const icu::UnicodeString& text) {
     for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1))
         if (!AppendHouse(out, Said(text.char32At(i)))) return false;
     return true;
+}
+
+icu::UnicodeString WithoutDirectionMarks(icu::UnicodeString text) {
+    for (const char16_t mark : {u'\u200E', u'\u200F', u'\u061C'}) text.findAndReplace(mark, icu::UnicodeString());
+    return text;
 }
 }  // namespace orvik::detail

@@ -7,9 +7,10 @@
 #include <string>
 
 namespace orvik::detail {
-// Characters that this house's text lacks become "?"; the narrow no-break space of modern locale data becomes the no-break space
-// 0xA0, and the mathematical minus the hyphen, as regional settings on Windows have them.
+// Characters that this house's text lacks become "?"; where that is Windows-1252 the narrow no-break space of modern locale data
+// becomes the no-break space 0xA0, and the mathematical minus the hyphen.
 std::string HouseFromUnicode(const icu::UnicodeString& text);
 // Whether none of them becomes "?" there.
 bool CanBeSaid(const icu::UnicodeString& text);
+icu::UnicodeString WithoutDirectionMarks(icu::UnicodeString text);
 }  // namespace orvik::detail
