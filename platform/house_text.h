@@ -1,7 +1,8 @@
 // Which characters the narrow text of this process is made of. Windows-1252 by default. A program may choose UTF-8, once, as the
 // first thing that it does; from then on every narrow text is UTF-8: CString and const char*, keys, values, names of files,
 // texts of the string table, of regional settings and of devices. The choice belongs to the process, not to a file or a window.
-// Files say which they are made of and are read by either process: docs/formats.md.
+// Files say which they are made of. A UTF-8 process reads those of either; a Windows-1252 process refuses what it would lose:
+// docs/formats.md.
 #pragma once
 
 #include <string>

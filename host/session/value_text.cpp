@@ -25,13 +25,26 @@ std::string NumberText(T value) {
     return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
+// Of those from 0 to 9, or of the user's own.
+bool HasDigit(std::string_view text) {
+    if (text.find_first_of("0123456789") != std::string_view::npos) return true;
+    char digits[64] = "";
+    GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SNATIVEDIGITS, digits, sizeof digits);
+    const std::string_view own = digits;
+    for (size_t at = 0, next = 0; at < own.size(); at = next) {
+        next = OrvikNextLetter(own, at);
+        if (text.find(own.substr(at, next - at)) != std::string_view::npos) return true;
+    }
+    return false;
+}
+
 template <class T>
 bool ReadNumber(std::string_view text, T& value) {
     if (!text.empty() && text[0] == '+') text.remove_prefix(1);
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error == std::errc() && end == text.data() + text.size()) return true;
     if constexpr (std::is_floating_point_v<T>) {
-        if (text.find_first_of("0123456789") == std::string_view::npos) return false;  // a sign alone would read as 0
+        if (!HasDigit(text)) return false;  // a sign alone would read as 0
         return _NlsGetReal(std::string(text).c_str(), value) && std::isfinite(value);
     }
     return false;
