@@ -7,7 +7,7 @@
 #include "platform/house_text_internal.h"
 #include "time/digits_internal.h"
 #include "time/locale_cache.h"
-#include "time/separator_internal.h"
+#include "time/separator.h"
 
 using namespace orvik::detail;
 
@@ -52,7 +52,7 @@ int _NlsSetInteger(CString& text, int value) {
     char digits[7];
     const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
     std::string_view written = error == std::errc() ? std::string_view(digits, static_cast<size_t>(end - digits)) : "";
-    text = value < 0 && !written.empty() ? MinusText() : std::string_view();
+    text = value < 0 && !written.empty() ? TheLocaleCache().minus.GetView() : std::string_view();
     if (value < 0 && !written.empty()) written.remove_prefix(1);
     text += written;
     SpellDigits(text);
