@@ -44,12 +44,9 @@ bool ReadReal(const char*& cursor, const Separator& decimalSep, const Separator&
     const bool negative = sign < 0;
     cursor = at;
     double read = 0;
-    bool inDecimals = false;
-    if (const char first = *at; first < '0' || first > '9') {
-        inDecimals = decimalSep.Take(at);
-        if (!inDecimals && sign == 0 && !IsDigitAt(at)) return false;
-    }
+    bool inDecimals = decimalSep.Take(at);
     if (!inDecimals) {
+        if (sign == 0 && !IsDigitAt(at)) return false;
         Grouping grouping;
         size_t digits = 0;
         for (;;) {
