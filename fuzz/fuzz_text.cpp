@@ -44,6 +44,7 @@ void EnterSettings(Lines& lines) {
     for (CString* entry : {&cache.decimalSep, &cache.thousandSep, &cache.dateSep, &cache.timeSep, &cache.shortDate,
                            &cache.longDate, &cache.morning, &cache.afternoon})
         *entry = lines.Next();
+    orvik::detail::UpdateSeparators(cache);
     cache.leadingZero = cache.decimalSep.GetLength() % 2;
 }
 

@@ -5,7 +5,6 @@
 #include "time/integer_text_internal.h"
 #include "time/local_nls_tools.h"
 #include "time/locale_cache.h"
-#include "time/separator_internal.h"
 
 using namespace orvik::detail;
 
@@ -15,11 +14,11 @@ struct Clock {
     int hour = 0, minute = 0, second = 0, millisecond = 0;
 };
 
-bool TakeAscii(const char*& cursor, char c) { return Separator{c, {}}.Take(cursor); }
+bool TakeAscii(const char*& cursor, char c) { return Separator(c).Take(cursor); }
 
 // A separator and thousandths by their places: "5" is 500.
 bool TakeDecimals(const char*& cursor, int& value) {
-    if (!DecimalSeparator().Take(cursor) && !TakeAscii(cursor, ',') && !TakeAscii(cursor, '.')) return false;
+    if (!TheLocaleCache().decimal.Take(cursor) && !TakeAscii(cursor, ',') && !TakeAscii(cursor, '.')) return false;
     for (int weight = 100, digit; weight > 0 && (digit = TakeDigit(cursor)) >= 0; weight /= 10) value += digit * weight;
     return true;
 }
@@ -55,7 +54,7 @@ Half TakeEndingHalf(const char*& cursor) {
 
 bool ReadClock(const char* cursor, Clock& clock) {
     using Tools = CLocalNlsTools;
-    const Separator separator = TimeSeparator();
+    const Separator& separator = TheLocaleCache().time;
     Tools::eatWhite(cursor);
     Half half = TakeLeadingHalf(cursor);
     if (!Tools::sInt(cursor, &clock.hour, 2) || !separator.Take(cursor)) return false;

@@ -7,7 +7,7 @@
 #include "time/integer_text_internal.h"
 #include "time/local_nls_tools.h"
 #include "time/locale_cache.h"
-#include "time/separator_internal.h"
+#include "time/separator.h"
 
 namespace orvik::detail {
 namespace {
@@ -116,14 +116,14 @@ bool ReadField(const char*& cursor, const Element& field, std::optional<int>& va
 }  // namespace
 
 void AppendDatePicture(CString& text, std::string_view picture, const CalendarDate& date) {
-    const bool ownDigits = !TheLocaleCache().digits.IsEmpty();
     for (Element element; TakeElement(picture, element);) {
-        const int from = text.GetLength();
-        if (element.letter)
-            AppendField(text, element, date);
-        else
+        if (!element.letter) {
             text += element.text;
-        if (element.letter && ownDigits) SpellDigits(text, from);
+            continue;
+        }
+        const int from = text.GetLength();
+        AppendField(text, element, date);
+        SpellDigits(text, from);
     }
 }
 

@@ -5,7 +5,7 @@
 #include "platform/house_text_internal.h"
 #include "time/digits_internal.h"
 #include "time/locale_cache.h"
-#include "time/separator_internal.h"
+#include "time/separator.h"
 
 namespace orvik::detail {
 namespace {
@@ -47,9 +47,10 @@ bool AreNativeDigits(std::string_view digits) {
     return *cursor == 0;
 }
 
-void SpellDigits(CString& text, int from) {
+bool g_hasOwnDigits = false;
+
+void SpellOwnDigits(CString& text, int from) {
     const std::string_view digits = TheLocaleCache().digits.GetView();
-    if (digits.empty()) return;
     const size_t size = digits.size() / 10;
     const std::string_view old = text.GetView();
     std::string fresh(old.substr(0, static_cast<size_t>(from)));

@@ -8,7 +8,7 @@
 #include "res/ids.h"
 #include "time/digits_internal.h"
 #include "time/local_zone.h"
-#include "time/separator_internal.h"
+#include "time/separator.h"
 
 namespace orvik::detail {
 namespace {
@@ -39,16 +39,21 @@ CString Text(UINT id) {
     return text;
 }
 
+char32_t FirstLetter(std::string_view text) { return text.empty() ? 0 : TakeHouse(text); }
+bool IsApostrophe(std::string_view text) { return FirstLetter(text) == 0x2019; }
+
 char First(const CString& text) { return text.IsEmpty() ? '\0' : text.GetAt(0); }
 
 // Digits and the minus, which a Windows-1252 process has none but ASCII's of.
 void UpdateSigns(LocaleCache& cache) {
     constexpr std::string_view kMinus = "\xE2\x88\x92", kNativeDigits = "2";
-    cache.digits = cache.minus = CString();
+    cache.digits = CString();
+    cache.minus = "-";
+    g_hasOwnDigits = false;
     if (!HouseIsUtf8()) return;
     const CString digits = Setting<16>(LOCALE_SNATIVEDIGITS), minus = Setting<8>(LOCALE_SNEGATIVESIGN);
     if (Setting<4>(LOCALE_IDIGITSUBSTITUTION).GetView() == kNativeDigits && AreNativeDigits(digits.GetView()))
-        cache.digits = digits;
+        cache.digits = digits, g_hasOwnDigits = true;
     if (minus.GetView().find(kMinus) != std::string_view::npos) cache.minus = kMinus;
 }
 
@@ -56,6 +61,20 @@ void UpdateSigns(LocaleCache& cache) {
 
 const LocaleCache& TheLocaleCache() { return Cache(); }
 const NlsTexts& TheNlsTexts() { return Texts(); }
+
+// A separator's stand-in is none of the other's.
+void UpdateSeparators(LocaleCache& cache) {
+    const std::string_view thousand = cache.thousandSep.GetView();
+    cache.decimal = {cache.decimalSep.GetView(), First(cache.thousandSep) == '.' ? ',' : '.'};
+    const char standIn = IsBlank(FirstLetter(thousand)) ? ' '
+                         : IsApostrophe(thousand)       ? '\''
+                         : cache.decimal.ascii == ','   ? '.'
+                                                        : ',';
+    cache.thousand = {thousand, standIn};
+    cache.list = {cache.listSep.GetView(), ';'};
+    cache.time = {cache.timeSep.GetView(), ':'};
+    cache.date = {cache.dateSep.GetView(), '-'};
+}
 
 }  // namespace orvik::detail
 
@@ -92,16 +111,17 @@ void NlsToolsUpdate() {
     cache.decimalSep = Setting<4>(LOCALE_SDECIMAL);
     cache.leadingZero = std::atoi(Setting<2>(LOCALE_ILZERO));
     UpdateSigns(cache);
+    UpdateSeparators(cache);
     RefreshLocalZone();
 }
 
 void NlsToolsUnregister() {}
 
-char NlsGetDecimalSep() { return DecimalSeparator().ascii; }
-char NlsGetThousandSep() { return ThousandSeparator().ascii; }
-char NlsGetListSep() { return ListSeparator().ascii; }
-char NlsGetTimeSep() { return TimeSeparator().ascii; }
-char NlsGetDateSep() { return DateSeparator().ascii; }
+char NlsGetDecimalSep() { return Cache().decimal.ascii; }
+char NlsGetThousandSep() { return Cache().thousand.ascii; }
+char NlsGetListSep() { return Cache().list.ascii; }
+char NlsGetTimeSep() { return Cache().time.ascii; }
+char NlsGetDateSep() { return Cache().date.ascii; }
 CString NlsGetShortDateSpec() { return Cache().shortDate; }
 CString NlsGetTimeSpec() { return Cache().timePicture; }
 

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "afx/string.h"
+#include "time/separator.h"
 
 // Loads the word lists and messages, then calls NlsToolsUpdate. The host calls it once after start-up.
 ORVIK_API void NlsToolsRegister();
@@ -44,8 +45,10 @@ struct LocaleCache {
     CString timePicture, country, language, listSep, timeSep, morning, afternoon, dateSep, shortDate, longDate, currency,
         thousandSep, decimalSep;
     CString digits;       // the user's own from 0 to 9, of one length; empty for ASCII's, as in every Windows-1252 process
-    CString minus;        // U+2212 for a user of that, in a UTF-8 process; else empty
+    CString minus = "-";  // or U+2212 for a user of that, in a UTF-8 process
     int leadingZero = 0;  // whether "0.5" is written with its zero
+    // Made of the texts above by UpdateSeparators, and pointing into them.
+    Separator decimal, thousand, list, time, date;
 };
 
 // The words accepted for each unit, from weeks down to microseconds, and the messages for text that cannot be read.
@@ -55,6 +58,7 @@ struct NlsTexts {
 };
 
 ORVIK_API const LocaleCache& TheLocaleCache();
+ORVIK_API void UpdateSeparators(LocaleCache& cache);
 ORVIK_API const NlsTexts& TheNlsTexts();
 
 }  // namespace orvik::detail

@@ -1,7 +1,7 @@
 #include "time/digits_internal.h"
 #include "time/integer_text_internal.h"
 #include "time/local_nls_tools.h"
-#include "time/separator_internal.h"
+#include "time/locale_cache.h"
 #include "time/span_text.h"
 #include "time/span_units_internal.h"
 
@@ -17,7 +17,7 @@ constexpr int kHoursToMinutes = kHours | kMinutes, kHoursToSeconds = kHoursToMin
 constexpr uint64_t kHour = 3'600'000'000, kMinute = 60'000'000, kSecond = 1'000'000, kMillisecond = 1'000;
 constexpr uint64_t kLowest = uint64_t{1} << 63;  // the magnitude of the lowest span
 
-bool TakeAscii(const char*& cursor, char c) { return Separator{c, {}}.Take(cursor); }
+bool TakeAscii(const char*& cursor, char c) { return Separator(c).Take(cursor); }
 
 // Reads what digits there are, at most `most`; whether another one follows is the caller's business.
 uint64_t TakeNumber(const char*& cursor, int most) {
@@ -44,7 +44,7 @@ bool HasDays(const char* cursor, const Separator& dateSep) {
 
 int _NlsGetLongTimeSpan(const char* text, CVXTTimeSpan& span) {
     const char* cursor = text ? text : "";
-    const Separator dateSep = DateSeparator(), timeSep = TimeSeparator();
+    const Separator &dateSep = TheLocaleCache().date, &timeSep = TheLocaleCache().time;
     CLocalNlsTools::eatWhite(cursor);
     const bool negative = TakeMinus(cursor);
     uint64_t hours = 0;
@@ -61,7 +61,7 @@ int _NlsGetLongTimeSpan(const char* text, CVXTTimeSpan& span) {
     uint64_t seconds = 0, milliseconds = 0;
     if (timeSep.Take(cursor)) {
         seconds = TakeNumber(cursor, 2);
-        if (DecimalSeparator().Take(cursor) || TakeAscii(cursor, '.') || TakeAscii(cursor, ','))
+        if (TheLocaleCache().decimal.Take(cursor) || TakeAscii(cursor, '.') || TakeAscii(cursor, ','))
             milliseconds = TakeNumber(cursor, 3);
     } else if (*cursor) {
         return 0;
@@ -78,11 +78,11 @@ int _NlsGetLongOrShortTimeSpan(const char* text, CVXTTimeSpan& span) {
 
 int _NlsSetLongTimeSpan(CString& text, const CVXTTimeSpan& span, int fields) {
     if (fields != kHoursToMinutes && fields != kHoursToSeconds && fields != kDaysToMinutes) fields = kDaysToSeconds;
-    const Separator dateSep = DateSeparator(), timeSep = TimeSeparator();
+    const Separator &dateSep = TheLocaleCache().date, &timeSep = TheLocaleCache().time;
     const __int64 count = span.CvtToInt64();
     const uint64_t seconds = SpanMagnitude(count) / kSecond, hours = seconds / 3'600;
     text = std::string_view();  // keeps its memory
-    if (count < 0) text += MinusText();
+    if (count < 0) text += TheLocaleCache().minus;
     if ((fields & kDays) && dateSep.ascii != 0) {
         AppendInteger(text, hours / 24, 3);
         text += dateSep.Text();

@@ -7,7 +7,7 @@
 #include "platform/house_text_internal.h"
 #include "time/digits_internal.h"
 #include "time/locale_cache.h"
-#include "time/separator_internal.h"
+#include "time/separator.h"
 
 using namespace orvik::detail;
 
@@ -22,10 +22,10 @@ CString NlsRealFmt(int intDigits, int fracDigits) {
 }
 
 namespace {
-// The same in ASCII's digits and with its minus.
-std::string InAscii(const char* cursor) {
+bool IsAscii(std::string_view text) { return AsciiPrefix(text) == text.size(); }
+
+std::string InAsciiDigits(const char* cursor) {
     std::string out;
-    if (TakeMinus(cursor)) out += '-';
     while (*cursor) {
         const int digit = TakeDigit(cursor);
         out += digit >= 0 ? static_cast<char>('0' + digit) : *cursor++;
@@ -34,10 +34,19 @@ std::string InAscii(const char* cursor) {
 }
 }  // namespace
 
+void NlsToAsciiDigits(CString& text) {
+    if (HouseIsUtf8() && !IsAscii(text.GetView())) text = std::string_view(InAsciiDigits(text));
+}
+void NlsToOwnDigits(CString& text) { SpellDigits(text); }
+
 int _NlsGetInteger(const CString& text, int& value) {
     std::string spelt;
     std::string_view all = text.GetView();
-    if (HouseIsUtf8() && AsciiPrefix(all) < all.size()) all = spelt = InAscii(text);
+    if (HouseIsUtf8() && !IsAscii(all)) {
+        const char* cursor = text;
+        spelt = TakeMinus(cursor) ? "-" : "";
+        all = spelt += InAsciiDigits(cursor);
+    }
     if (all.empty()) return 0;
     const std::string_view digits = all.substr(all[0] == '-');
     if (digits.find_first_not_of("0123456789") != std::string_view::npos) return 0;
@@ -52,7 +61,7 @@ int _NlsSetInteger(CString& text, int value) {
     char digits[7];
     const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
     std::string_view written = error == std::errc() ? std::string_view(digits, static_cast<size_t>(end - digits)) : "";
-    text = value < 0 && !written.empty() ? MinusText() : std::string_view();
+    text = value < 0 && !written.empty() ? TheLocaleCache().minus.GetView() : std::string_view();
     if (value < 0 && !written.empty()) written.remove_prefix(1);
     text += written;
     SpellDigits(text);

@@ -50,6 +50,11 @@ ORVIK_API int _NlsGetInteger(const CString& text, int& value);
 // From -999,999 to 9,999,999: the text has seven characters at most; other values make it empty.
 ORVIK_API int _NlsSetInteger(CString& text, int value);
 
+// Digits of a text that is taken apart or stands in a table: every script's become '0' to '9', and these the user's own. Where
+// users have no others, as in every Windows-1252 process, the second changes nothing.
+ORVIK_API void NlsToAsciiDigits(CString& text);
+ORVIK_API void NlsToOwnDigits(CString& text);
+
 // Leaves the caller's `format` as it is, on purpose: the assignment goes to a copy.
 ORVIK_API int _NlsSetFormat(CString format, const CString& source);
 ORVIK_API int _NlsGetFormat(const CString& source, CString& format);

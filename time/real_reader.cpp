@@ -15,15 +15,16 @@ constexpr int kExponentLimit = 308;
 // Whether behind every thousand separator there is a multiple of three digits.
 class Grouping {
 public:
-    void Digit() { m_digits = m_digits < 2 ? m_digits + 1 : 0; }
-    void Separator() {
-        if (m_front < 0) m_front = m_digits;
-        m_uneven |= m_front != m_digits;
+    // Both are told how many digits there were so far.
+    void PutSeparator(size_t digits) {
+        if (m_front == kNone) m_front = digits % 3;
+        m_uneven |= m_front != digits % 3;
     }
-    bool IsRight() const { return m_front < 0 || (!m_uneven && m_front == m_digits); }
+    bool IsRight(size_t digits) const { return m_front == kNone || (!m_uneven && m_front == digits % 3); }
 
 private:
-    int m_digits = 0, m_front = -1;  // so far, and in front of the first separator; modulo 3
+    static constexpr size_t kNone = 3;
+    size_t m_front = kNone;  // in front of the first separator, modulo 3
     bool m_uneven = false;
 };
 
@@ -35,7 +36,7 @@ void Scale(double& value, double factor, int times) {
 
 }  // namespace
 
-bool ReadReal(const char*& cursor, Separator decimalSep, Separator thousandSep, double& value) {
+bool ReadReal(const char*& cursor, const Separator& decimalSep, const Separator& thousandSep, double& value) {
     value = 0;
     const char* at = cursor;
     while (*at == ' ') ++at;
@@ -47,15 +48,19 @@ bool ReadReal(const char*& cursor, Separator decimalSep, Separator thousandSep, 
     if (!inDecimals) {
         if (sign == 0 && !IsDigitAt(at)) return false;
         Grouping grouping;
+        size_t digits = 0;
         for (;;) {
-            if (const int digit = TakeDigit(at); digit >= 0)
-                read = read * 10 + digit, grouping.Digit();
-            else if (thousandSep.Take(at))
-                grouping.Separator();
+            const char* const run = at;
+            for (int digit; (digit = TakeAsciiDigit(at)) >= 0;) read = read * 10 + digit;
+            digits += static_cast<size_t>(at - run);
+            if (thousandSep.Take(at))
+                grouping.PutSeparator(digits);
+            else if (const int native = TakeDigit(at); native >= 0)
+                read = read * 10 + native, ++digits;
             else
                 break;
         }
-        if (!grouping.IsRight()) {
+        if (!grouping.IsRight(digits)) {
             value = read;
             cursor = at;
             return false;
@@ -88,7 +93,8 @@ using namespace orvik::detail;
 
 int _NlsGetReal(const char* text, double& value, const char* suffix) {
     const char* cursor = text ? text : "";
-    if (!ReadReal(cursor, DecimalSeparator(), ThousandSeparator(), value)) return 0;
+    const LocaleCache& cache = TheLocaleCache();
+    if (!ReadReal(cursor, cache.decimal, cache.thousand, value)) return 0;
     SkipBlanks(cursor);
     if (suffix) {
         while (*cursor && *cursor == *suffix) ++cursor, ++suffix;
@@ -107,7 +113,7 @@ int _NlsGetReal(const char* text, float& value, const char* suffix) {
 
 int CLocalNlsTools::GetReal(const char* text, char decimalSep, char thousandSep, double& value) {
     const char* cursor = text ? text : "";
-    return ReadReal(cursor, {decimalSep, {}}, {thousandSep, {}}, value) && *cursor == 0;
+    return ReadReal(cursor, Separator(decimalSep), Separator(thousandSep), value) && *cursor == 0;
 }
 
 int _NlsGetMaxFixed(const char* picture, double& max) {

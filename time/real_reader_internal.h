@@ -2,12 +2,12 @@
 // Pure; any thread.
 #pragma once
 
-#include "time/separator_internal.h"
+#include "time/separator.h"
 
 namespace orvik::detail {
 
 // Reads from leading spaces up to the exponent and moves the cursor behind what was read; `value` has what was read so far also
 // on failure. An empty separator matches nothing.
-bool ReadReal(const char*& cursor, Separator decimalSep, Separator thousandSep, double& value);
+bool ReadReal(const char*& cursor, const Separator& decimalSep, const Separator& thousandSep, double& value);
 
 }  // namespace orvik::detail

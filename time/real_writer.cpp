@@ -9,7 +9,7 @@
 #include "time/digits_internal.h"
 #include "time/locale_cache.h"
 #include "time/number_text.h"
-#include "time/separator_internal.h"
+#include "time/separator.h"
 
 using namespace orvik::detail;
 
@@ -176,9 +176,9 @@ void Write(CString& text, double value, const Style& style) {
 
 int _NlsSetReal(CString& text, const double& value, const char* picture) {
     const LocaleCache& cache = TheLocaleCache();
-    const Separator decimalSep = DecimalSeparator();
-    Write(text, value,
-          {ReadPicture(picture), decimalSep.Text(), cache.thousandSep.GetView(), MinusText(), cache.leadingZero != 0});
+    Write(
+        text, value,
+        {ReadPicture(picture), cache.decimal.Text(), cache.thousandSep.GetView(), cache.minus.GetView(), cache.leadingZero != 0});
     if (std::isfinite(value)) SpellDigits(text);
     return 1;
 }

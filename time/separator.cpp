@@ -1,38 +1,19 @@
 #include <cstring>
 
 #include "platform/house_text_internal.h"
-#include "time/locale_cache.h"
-#include "time/separator_internal.h"
+#include "time/separator.h"
 
 namespace orvik::detail {
 namespace {
 
 constexpr size_t kLongest = 4;  // bytes of a letter
-constexpr char32_t kMinus = 0x2212, kApostrophe = 0x2019;
+constexpr char32_t kMinus = 0x2212;
 
 std::string_view AtMostALetter(const char* cursor) { return {cursor, strnlen(cursor, kLongest)}; }
 
-bool IsBlank(char32_t letter) {
-    return letter == ' ' || letter == 0xA0 || (letter >= 0x2000 && letter <= 0x200A) || letter == 0x202F || letter == 0x3000;
-}
 bool IsDirectionMark(char32_t letter) { return letter == 0x200E || letter == 0x200F || letter == 0x61C; }
 
 char32_t FirstLetter(std::string_view text) { return text.empty() ? 0 : TakeHouse(text); }
-
-bool IsOneByte(std::string_view setting) {
-    return setting.empty() || static_cast<unsigned char>(setting[0]) < 0x80 || !HouseIsUtf8();
-}
-Separator Longer(std::string_view setting, char standIn) {
-    std::string_view rest = setting;
-    TakeHouse(rest);
-    const std::string_view letter = setting.substr(0, setting.size() - rest.size());
-    return letter.size() > 1 ? Separator{standIn, letter} : Separator{letter[0], {}};
-}
-Separator Made(const CString& setting, char standIn) {
-    const std::string_view text = setting.GetView();
-    if (IsOneByte(text)) return {text.empty() ? '\0' : text[0], {}};
-    return Longer(text, standIn);
-}
 
 // The next letter that is no mark of direction, 0 at the end.
 char32_t TakeMarkless(std::string_view& text) {
@@ -58,6 +39,10 @@ bool TakeTextByLetters(const char*& cursor, std::string_view text) {
 
 }  // namespace
 
+bool IsBlank(char32_t letter) {
+    return letter == ' ' || letter == 0xA0 || (letter >= 0x2000 && letter <= 0x200A) || letter == 0x202F || letter == 0x3000;
+}
+
 char32_t TakeLetter(const char*& cursor) {
     std::string_view rest = AtMostALetter(cursor);
     const size_t size = rest.size();
@@ -70,14 +55,7 @@ void SkipLetters(const char*& cursor, int count) {
     for (; count > 0 && *cursor; --count) TakeLetter(cursor);
 }
 
-void SkipBlanks(const char*& cursor) {
-    for (;;) {
-        while (*cursor == ' ') ++cursor;
-        const char* behind = cursor;
-        if (static_cast<unsigned char>(*cursor) < 0x80 || !HouseIsUtf8() || !IsBlank(TakeLetter(behind))) return;
-        cursor = behind;
-    }
-}
+bool SkipLongerBlank(const char*& cursor) { return HouseIsUtf8() && IsBlank(TakeLetter(cursor)); }
 
 bool TakeText(const char*& cursor, std::string_view text) {
     if (std::strncmp(cursor, text.data(), text.size()) == 0) {
@@ -85,6 +63,15 @@ bool TakeText(const char*& cursor, std::string_view text) {
         return true;
     }
     return HouseIsUtf8() && TakeTextByLetters(cursor, text);
+}
+
+Separator::Separator(std::string_view setting, char standIn) {
+    if (setting.empty()) return;
+    ascii = setting[0];
+    std::string_view rest = setting;
+    TakeHouse(rest);
+    const size_t size = setting.size() - rest.size();
+    if (size > 1) ascii = standIn, letter = setting.substr(0, size);
 }
 
 bool Separator::TakeLonger(const char*& cursor) const {
@@ -96,24 +83,6 @@ bool Separator::TakeLonger(const char*& cursor) const {
     return true;
 }
 
-// A separator's stand-in is none of the other's.
-Separator DecimalSeparator() {
-    const LocaleCache& cache = TheLocaleCache();
-    const std::string_view thousand = cache.thousandSep.GetView();
-    return Made(cache.decimalSep, !thousand.empty() && thousand[0] == '.' ? ',' : '.');
-}
-
-Separator ThousandSeparator() {
-    const std::string_view text = TheLocaleCache().thousandSep.GetView();
-    if (IsOneByte(text)) return {text.empty() ? '\0' : text[0], {}};
-    const char32_t letter = FirstLetter(text);
-    return Longer(text, IsBlank(letter) ? ' ' : letter == kApostrophe ? '\'' : DecimalSeparator().ascii == ',' ? '.' : ',');
-}
-
-Separator ListSeparator() { return Made(TheLocaleCache().listSep, ';'); }
-Separator TimeSeparator() { return Made(TheLocaleCache().timeSep, ':'); }
-Separator DateSeparator() { return Made(TheLocaleCache().dateSep, '-'); }
-
 int TakeLongerSign(const char*& cursor) {
     if (!HouseIsUtf8()) return 0;
     const char* behind = cursor;
@@ -121,11 +90,6 @@ int TakeLongerSign(const char*& cursor) {
     if (sign != '-' && sign != '+' && sign != kMinus) return 0;
     cursor = behind;
     return sign == '+' ? 1 : -1;
-}
-
-std::string_view MinusText() {
-    const std::string_view minus = TheLocaleCache().minus.GetView();
-    return minus.empty() ? "-" : minus;
 }
 
 }  // namespace orvik::detail

@@ -8,7 +8,6 @@
 #include "time/integer_text_internal.h"
 #include "time/local_nls_tools.h"
 #include "time/locale_cache.h"
-#include "time/separator_internal.h"
 #include "time/span_text.h"
 #include "time/span_units_internal.h"
 #include "time/span_words_internal.h"
@@ -103,7 +102,7 @@ int ReadShortSpan(const char* text, const SpanWords& words, CVXTTimeSpan& span, 
     if (sign == 0 && !IsDigitAt(cursor)) return 0;
     const std::string whole = TakeDigits(cursor);
     std::string fraction;
-    if (DecimalSeparator().Take(cursor)) {
+    if (TheLocaleCache().decimal.Take(cursor)) {
         fraction = TakeDigits(cursor);
         if (fraction.empty()) return 0;
     }
@@ -151,7 +150,7 @@ int _NlsSetShortTimeSpan(CString& text, const CVXTTimeSpan& span, CVXTTimeSpanTy
     if (selector && *selector < TST_LARGEST) *selector = unit;
 
     text = std::string_view();  // keeps its memory
-    if (count < 0) text += MinusText();
+    if (count < 0) text += TheLocaleCache().minus;
     if (!IsSpanUnit(unit)) return 1;
     const auto size = static_cast<uint64_t>(kSpanUnits[unit]);
     AppendInteger(text, magnitude / size);
@@ -165,8 +164,7 @@ int _NlsSetShortTimeSpan(CString& text, const CVXTTimeSpan& span, CVXTTimeSpanTy
         if (automatic) decimals.erase(decimals.find_last_not_of('0') + 1);
     }
     if (!decimals.empty()) {
-        const Separator separator = DecimalSeparator();
-        text += separator.Text();
+        text += TheLocaleCache().decimal.Text();
         text += std::string_view(decimals);
     }
     SpellDigits(text);

@@ -6,7 +6,7 @@
 #include "afx/archive.h"
 #include "res/ids.h"
 #include "time/integer_internal.h"
-#include "time/separator_internal.h"
+#include "time/locale_cache.h"
 #include "time/span_units_internal.h"
 
 using namespace orvik::detail;
@@ -39,8 +39,7 @@ CString Decimal(char sign, unsigned __int64 magnitude, CVXTTimeSpanType unit) {
     CString text;
     text.Format("%c%I64u", sign, whole);
     if (rest == 0) return text;
-    const Separator decimalSep = DecimalSeparator();
-    const std::string_view separator = decimalSep.Text();
+    const std::string_view separator = TheLocaleCache().decimal.Text();
     text += separator;
     text.AppendFormat(unit == TST_MILLISECONDS ? "%03I64u" : "%06I64u", rest);
     int length = text.GetLength();

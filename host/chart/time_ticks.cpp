@@ -10,6 +10,7 @@
 #include "time/date_text.h"
 #include "time/local_zone.h"
 #include "time/locale_cache.h"
+#include "time/number_text.h"
 #include "time/time_point.h"
 
 namespace {
@@ -127,9 +128,11 @@ CVXTTime ClockPointOf(__int64 time) {
 
 // Behind the seconds, in front of a designator.
 void InsertBehindDigits(CString& clock, const char* text) {
+    NlsToAsciiDigits(clock);
     int end = clock.GetLength();
     while (end > 0 && (clock.GetAt(end - 1) < '0' || clock.GetAt(end - 1) > '9')) --end;
     clock.Insert(end, text);
+    NlsToOwnDigits(clock);
 }
 
 std::string FractionText(const TimeStep& step, __int64 time) {
@@ -249,11 +252,14 @@ std::string ClockText(__int64 time, bool seconds) {
     const char separator = NlsGetTimeSep();
     if (seconds || separator == 0) return text.GetString();
     // Hours and minutes are what stands in front of the second separator.
+    NlsToAsciiDigits(text);
     const int second = text.Find(separator, text.Find(separator) + 1);
-    if (second < 0) return text.GetString();
-    int end = second + 1;
-    while (end < text.GetLength() && text.GetAt(end) >= '0' && text.GetAt(end) <= '9') ++end;
-    text.Delete(second, end - second);
+    if (second >= 0) {
+        int end = second + 1;
+        while (end < text.GetLength() && text.GetAt(end) >= '0' && text.GetAt(end) <= '9') ++end;
+        text.Delete(second, end - second);
+    }
+    NlsToOwnDigits(text);
     return text.GetString();
 }
 
@@ -267,14 +273,18 @@ std::string DateText(__int64 time) {
     const Date date = DateOf(FloorDiv(LocalOf(time), kDay));
     const __int64 like = YearLike(date.year);
     _NlsSetShortDate(text, PointOf(InstantOf(DaysOf(like, date.month, date.day) * kDay + kDay / 2)));
+    NlsToAsciiDigits(text);
     std::string whole = text.GetString();
     for (const size_t digits : {4, 2}) {
         const std::string year = std::to_string(like).substr(4 - digits);
         const size_t at = whole.rfind(year);
         if (at == std::string::npos) continue;
-        return whole.replace(at, digits, std::to_string(date.year).substr(4 - digits));
+        whole.replace(at, digits, std::to_string(date.year).substr(4 - digits));
+        break;
     }
-    return whole;
+    text = whole.c_str();
+    NlsToOwnDigits(text);
+    return text.GetString();
 }
 
 std::string OffsetText(__int64 time) {

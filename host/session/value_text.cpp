@@ -161,6 +161,9 @@ std::string TimeTextOf(__int64 time) {
     CString date, clock, milliseconds;
     _NlsSetShortDate(date, point);
     _NlsSetTime(clock, point, 0);
+    // In tables the numbers beside have these digits.
+    NlsToAsciiDigits(date);
+    NlsToAsciiDigits(clock);
     milliseconds.Format("%s%03d", NlsGetDecimalSep() ? CString(NlsGetDecimalSep()).GetString() : ".", point.Get(TT_MILLISECOND));
     // A designator stays at the end, where people expect it and where it is read.
     int end = clock.GetLength();

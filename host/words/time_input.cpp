@@ -6,12 +6,20 @@
 #include "time/clock_text.h"
 #include "time/date_text.h"
 #include "time/locale_cache.h"
+#include "time/number_text.h"
 #include "time/time_point.h"
 
 namespace {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-std::vector<int> NumbersIn(const std::string& text) {
+std::string InAsciiDigits(const std::string& text) {
+    CString digits(text.c_str());
+    NlsToAsciiDigits(digits);
+    return digits.GetString();
+}
+
+std::vector<int> NumbersIn(const std::string& given) {
+    const std::string text = InAsciiDigits(given);
     std::vector<int> numbers;
     for (size_t i = 0; i < text.size();) {
         if (!IsDigit(text[i])) {
@@ -44,10 +52,10 @@ std::string WithSeconds(std::string clock) {
 }
 
 bool ReadClock(const std::string& typed, CVXTTime& time) {
-    const std::string clock = WithSeconds(typed);
+    const std::string clock = WithSeconds(InAsciiDigits(typed));
     const std::vector<int> given = NumbersIn(clock);
     if (given.size() < 3 || given.size() > 4 || given[0] > 23 || given[1] > 59 || given[2] > 59) return false;
-    if (clock.find_first_of("0123456789") != clock.find_first_not_of(" ")) return false;
+    if (const char first = clock[clock.find_first_not_of(' ')]; first == NlsGetTimeSep() || first == '-') return false;
     return _NlsGetTime(clock.c_str(), time) != 0;
 }
 

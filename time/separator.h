@@ -1,6 +1,6 @@
 // The separators and signs of the user's settings as readers and writers of text take them: by letters of this house's text
 // (platform/house_text.h), which are bytes in a Windows-1252 process and may have several bytes in a UTF-8 one.
-// User-interface thread only, since the locale cache is; what is said to be pure is for any thread.
+// Pure but for the choice of this house's text; any thread.
 #pragma once
 
 #include <string_view>
@@ -9,19 +9,33 @@
 
 namespace orvik::detail {
 
-// Takes one letter off a zero-terminated text that is not at its end. Pure.
+// Takes one letter off a zero-terminated text that is not at its end.
 char32_t TakeLetter(const char*& cursor);
-// Moves on by so many letters, at most to the text's end. Pure.
+// Moves on by so many letters, at most to the text's end.
 void SkipLetters(const char*& cursor, int count);
-// Spaces, those that do not break a line among them; U+00A0 and beyond in a UTF-8 process only. Pure.
-void SkipBlanks(const char*& cursor);
+bool IsBlank(char32_t letter);
+// Spaces, those that do not break a line among them; U+00A0 and beyond in a UTF-8 process only.
+bool SkipLongerBlank(const char*& cursor);
+inline void SkipBlanks(const char*& cursor) {
+    for (;;) {
+        while (*cursor == ' ') ++cursor;
+        if (static_cast<unsigned char>(*cursor) < 0x80) return;
+        const char* behind = cursor;  // the cursor itself stays in a register
+        if (!SkipLongerBlank(behind)) return;
+        cursor = behind;
+    }
+}
 // Takes the text if it stands at the cursor. In a UTF-8 process a blank is any blank, and marks of direction, which nobody
-// types, are passed over in both. Pure.
+// types, are passed over in both.
 bool TakeText(const char*& cursor, std::string_view text);
 
 // The first letter of a setting. One beyond ASCII, which only a UTF-8 process has, is written as it is; readers take for it an
 // ASCII character besides, which is also what functions that give a separator as one `char` say. A blank is any blank to readers.
 struct Separator {
+    Separator() = default;
+    explicit Separator(char c) : ascii(c) {}
+    Separator(std::string_view setting, char standIn);
+
     char ascii = 0;           // the letter or, where it is longer, what stands for it; 0 for an empty setting
     std::string_view letter;  // a longer one, within the setting's text
 
@@ -31,7 +45,11 @@ struct Separator {
             ++cursor;
             return true;
         }
-        return !letter.empty() && TakeLonger(cursor);
+        if (letter.empty()) return false;
+        const char* behind = cursor;
+        const bool taken = TakeLonger(behind);
+        cursor = behind;
+        return taken;
     }
     bool operator==(const Separator& other) const { return Text() == other.Text(); }
 
@@ -39,17 +57,15 @@ private:
     bool TakeLonger(const char*& cursor) const;
 };
 
-Separator DecimalSeparator();
-Separator ThousandSeparator();
-Separator ListSeparator();
-Separator TimeSeparator();
-Separator DateSeparator();
-
 // -1, 1, or 0 where no sign stands. In a UTF-8 process the mathematical minus is one, and marks of direction may stand in front.
 int TakeLongerSign(const char*& cursor);
 inline int TakeSign(const char*& cursor) {
     if (*cursor == '-' || *cursor == '+') return *cursor++ == '-' ? -1 : 1;
-    return static_cast<unsigned char>(*cursor) < 0x80 ? 0 : TakeLongerSign(cursor);
+    if (static_cast<unsigned char>(*cursor) < 0x80) return 0;
+    const char* behind = cursor;
+    const int sign = TakeLongerSign(behind);
+    cursor = behind;
+    return sign;
 }
 inline bool TakeMinus(const char*& cursor) {
     const char* behind = cursor;
@@ -57,7 +73,5 @@ inline bool TakeMinus(const char*& cursor) {
     cursor = behind;
     return true;
 }
-// What the user's negative numbers begin with: "-" or, in a UTF-8 process, U+2212.
-std::string_view MinusText();
 
 }  // namespace orvik::detail
