@@ -25,17 +25,11 @@ std::string NumberText(T value) {
     return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
-// Of those from 0 to 9, or of the user's own.
+// Of any script.
 bool HasDigit(std::string_view text) {
-    if (text.find_first_of("0123456789") != std::string_view::npos) return true;
-    char digits[64] = "";
-    GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SNATIVEDIGITS, digits, sizeof digits);
-    const std::string_view own = digits;
-    for (size_t at = 0, next = 0; at < own.size(); at = next) {
-        next = OrvikNextLetter(own, at);
-        if (text.find(own.substr(at, next - at)) != std::string_view::npos) return true;
-    }
-    return false;
+    CString digits(std::string(text).c_str());
+    NlsToAsciiDigits(digits);
+    return digits.FindOneOf("0123456789") >= 0;
 }
 
 template <class T>
