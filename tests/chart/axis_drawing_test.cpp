@@ -10,6 +10,8 @@
 #include "chart/floating_tag.h"
 #include "chart/text_lines.h"
 #include "chart/unit_axis.h"
+#include "platform/house_text.h"
+#include "platform/letters.h"
 #include "time/locale_cache.h"
 #include "time/number_text.h"
 #include "toolkit/global_data.h"
@@ -211,19 +213,20 @@ TEST_F(AxisDrawing, ATagStaysWithinItsRectangle) {
 TEST(TextLines, AreWrappedBetweenWordsAndEndInAnEllipsis) {
     const auto fit = [](std::string_view text, int width, size_t most) {
         std::string joined;
-        for (const std::string& line :
-             orvik::detail::FitLines(text, width, most, [](std::string_view part) { return static_cast<int>(part.size()); }))
-            joined += line + "|";
+        for (const std::string& line : orvik::detail::FitLines(text, width, most, [](std::string_view part) {
+                 return static_cast<int>(OrvikColumns(OrvikUtf8FromText(part)));
+             }))
+            joined += OrvikUtf8FromText(line) + "|";
         return joined;
     };
     EXPECT_EQ(fit("", 10, 3), "");
     EXPECT_EQ(fit("one two three", 20, 3), "one two three|");
     EXPECT_EQ(fit("one two three", 7, 3), "one two|three|");
     EXPECT_EQ(fit("one two three", 5, 3), "one|two|three|");
-    EXPECT_EQ(fit("one two three", 7, 1), "one tw\x85|");
+    EXPECT_EQ(fit("one two three", 7, 1), "one tw…|");
     EXPECT_EQ(fit("overlong", 3, 9), "ove|rlo|ng|");
     EXPECT_EQ(fit("a\r\nb\rc\nd\r\n\r\ne\tf", 9, 9), "a|b|c|d||e f|");
-    EXPECT_EQ(fit("a\r\nb\r\nc", 9, 2), "a|b\x85|");
+    EXPECT_EQ(fit("a\r\nb\r\nc", 9, 2), "a|b…|");
     EXPECT_EQ(fit("abc", 0, 9), "a|b|c|");
-    EXPECT_EQ(fit("abc", -5, 0), "\x85|");
+    EXPECT_EQ(fit("abc", -5, 0), "…|");
 }

@@ -5,6 +5,7 @@
 
 #include "afx/controls.h"
 #include "afx/exception.h"
+#include "platform/house_text_internal.h"
 #include "tests/support/dialog_fixture.h"
 #include "tests/support/raises.h"
 #include "time/clock_text.h"
@@ -120,7 +121,7 @@ TEST_F(DataExchange, ADateThatCannotBeReadIsToldWithAnExampleAndOneOutOfRangeIsN
     EXPECT_EQ(time, noon);
     const TextLanguage swedish(LANG_SWEDISH);
     NlsToolsRegister();
-    EXPECT_EQ(Refusal("", longDate), "Ogiltigt datumformat.\n\nAnv\xE4nd %s");
+    EXPECT_EQ(Refusal("", longDate), orvik::detail::HouseFrom1252("Ogiltigt datumformat.\n\nAnv\xE4nd %s"));
 }
 
 TEST_F(DataExchange, TimesOfDaySpansAndNumbersGoBothWays) {

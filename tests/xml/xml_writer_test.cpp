@@ -1,6 +1,7 @@
 #include "xml/xml_writer.h"
 
 #include "afx/exception.h"
+#include "platform/house_text_internal.h"
 #include "tests/support/raises.h"
 
 #include <gtest/gtest.h>
@@ -50,14 +51,19 @@ TEST(XmlWriter, NestedElementsAreIndentedByOneSpace) {
 }
 
 TEST(XmlWriter, TextEscapes) {
-    EXPECT_EQ(TextOf("a<b & \xE4"), "a&lt;b &amp; &#xe4;");
-    EXPECT_EQ(TextOf("\xE5\xE4\xF6\xC5\xC4\xD6\xB0>"), "&#xe5;&#xe4;&#xf6;&#xc5;&#xc4;&#xd6;&#xb0;&gt;");
-    EXPECT_EQ(TextOf("'\" \xFC\xE9 &amp;"), "'\" \xFC\xE9 &amp;amp;");  // quotes and other bytes above 127 stay
+    EXPECT_EQ(TextOf(orvik::detail::HouseFrom1252("a<b & \xE4").c_str()), "a&lt;b &amp; &#xe4;");
+    EXPECT_EQ(TextOf(orvik::detail::HouseFrom1252("\xE5\xE4\xF6\xC5\xC4\xD6\xB0>").c_str()),
+              "&#xe5;&#xe4;&#xf6;&#xc5;&#xc4;&#xd6;&#xb0;&gt;");
+    EXPECT_EQ(TextOf(orvik::detail::HouseFrom1252("'\" \xFC\xE9 &amp;").c_str()),
+              orvik::detail::HouseFrom1252("'\" \xFC\xE9 &amp;amp;"));  // quotes and other bytes above 127 stay
     EXPECT_EQ(TextOf(""), "");
     EXPECT_EQ(TextOf(std::string(5000, '<').c_str()).size(), 20000u);
 }
 
-TEST(XmlWriter, AttributeEscapes) { EXPECT_EQ(AttributeOf("'\"&<>\xE4"), "&apos;&quot;&amp;<>\xE4"); }
+TEST(XmlWriter, AttributeEscapes) {
+    EXPECT_EQ(AttributeOf(orvik::detail::HouseFrom1252("'\"&<>\xE4").c_str()),
+              orvik::detail::HouseFrom1252("&apos;&quot;&amp;<>\xE4"));
+}
 
 TEST(XmlWriter, NumberForms) {
     const auto text = [](auto value) {

@@ -19,6 +19,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string_view>
 
 #include "platform/house_text_internal.h"
@@ -218,13 +219,24 @@ const LocaleData& Cached(const icu::Locale& locale) {
     return *entry;
 }
 
+bool HasData(const std::string& language) {
+    static const std::set<std::string> languages = [] {
+        std::set<std::string> found;
+        int32_t count = 0;
+        const icu::Locale* const locales = icu::Locale::getAvailableLocales(count);
+        for (int32_t i = 0; i < count; ++i) found.insert(locales[i].getLanguage());
+        return found;
+    }();
+    return languages.count(language) != 0;
+}
+
 // Whether locale data know the language at all; ICU answers any name from its root data. A Windows-1252 process asks for one that
 // Windows numbers.
 bool Known(const icu::Locale& locale) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::DateFormatSymbols symbols(locale, status);
-    const bool numbered = HouseIsUtf8() || uloc_getLCID(locale.getName()) != 0;
-    return *locale.getLanguage() && U_SUCCESS(status) && status != U_USING_DEFAULT_WARNING && numbered;
+    const bool usable = HouseIsUtf8() ? HasData(locale.getLanguage()) : uloc_getLCID(locale.getName()) != 0;
+    return *locale.getLanguage() && U_SUCCESS(status) && status != U_USING_DEFAULT_WARNING && usable;
 }
 
 }  // namespace
