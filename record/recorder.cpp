@@ -7,6 +7,7 @@
 #include "afx/exception.h"
 #include "afx/file.h"
 #include "platform/file_replacement.h"
+#include "platform/house_text_internal.h"
 #include "record/crc32c_internal.h"
 #include "record/recording_format_internal.h"
 #include "record/recording_index.h"
@@ -14,6 +15,9 @@
 using namespace orvik::detail;
 
 namespace {
+// Whole UTF-8 in a process of that: by one stray byte readers would take all of it for Windows-1252.
+std::string Written(const std::string& text) { return orvik::detail::HouseIsUtf8() ? orvik::detail::Utf8FromHouse(text) : text; }
+
 constexpr __int64 kNever = std::numeric_limits<__int64>::min();
 
 bool ArchiveOf(CPropertyDB& db, std::vector<unsigned char>& bytes) {
@@ -175,11 +179,12 @@ DWORD CRecorder::AddReading(__int64 time, const double* values, const BYTE* flag
 }
 
 DWORD CRecorder::AddGap(const CRecordedGap& gap) {
+    const std::string text = Written(gap.text);
     m_block.resize(kBlockHeader);
     Packer payload(m_block);
     payload << gap.number << gap.from << gap.until << gap.missed << gap.attempts << gap.cause
             << static_cast<uint16_t>(gap.channels.size());
-    payload.Bytes(gap.channels.data(), 2 * gap.channels.size()).Bytes(gap.text.data(), gap.text.size());
+    payload.Bytes(gap.channels.data(), 2 * gap.channels.size()).Bytes(text.data(), text.size());
     if (const DWORD error = Add(kGapBlock)) return error;
     m_lastGap = std::max(m_lastGap, gap.number);
     ++m_span->others;
@@ -190,7 +195,8 @@ DWORD CRecorder::AddEvent(const CRecordedEvent& event) {
     m_block.resize(kBlockHeader);
     Packer payload(m_block);
     payload << event.time << event.kind << event.amount;
-    payload.Bytes(event.text.data(), event.text.size());
+    const std::string text = Written(event.text);
+    payload.Bytes(text.data(), text.size());
     if (const DWORD error = Add(kEventBlock)) return error;
     ++m_span->others;
     return AddIndexIfDue();

@@ -1,12 +1,13 @@
 // A version resource is a tree of nodes: length, length of the value, kind, name in 16-bit characters, value, children; value and
-// children begin at multiples of 4. The block that callers hold is the resource as it stands and then each of its 16-bit units as
-// one byte of Windows-1252, so that a text of the resource has its narrow twin at half its offset, and looking up changes
-// nothing.
+// children begin at multiples of 4. The block that callers hold is the resource as it stands and then room for each of its 16-bit
+// units in this house's text: one byte of Windows-1252, or as many as UTF-8 takes at most. So a text of the resource has its
+// narrow twin at a place that follows from its offset, and looking up changes nothing.
 #include "platform/posix/resources/version.h"
 
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/posix/kernel/errors.h"
@@ -50,16 +51,22 @@ std::optional<Node> NodeAt(const unsigned char* block, size_t at, size_t limit) 
     return node;
 }
 
+size_t BytesOfUnit() { return HouseIsUtf8() ? 3 : 1; }
+
 // The twin of the 16-bit units from an offset on.
 char* Twin(const unsigned char* block, size_t offset) {
     const size_t size = WordAt(block, 0);
-    return const_cast<char*>(reinterpret_cast<const char*>(block)) + Align(size) + offset / 2;
+    return const_cast<char*>(reinterpret_cast<const char*>(block)) + Align(size) + offset / 2 * BytesOfUnit();
+}
+
+std::string HouseText(const unsigned char* block, size_t offset, size_t length) {
+    std::u16string text;
+    for (size_t i = 0; i < length; ++i) text += static_cast<char16_t>(WordAt(block, offset + 2 * i));
+    return HouseFromUtf16(text);
 }
 
 bool HasName(const unsigned char* block, const Node& node, std::string_view name) {
-    if (node.nameLength != name.size()) return false;
-    const char* twin = Twin(block, node.name);
-    return std::equal(name.begin(), name.end(), twin, [](char a, char b) { return LowerCase1252(a) == LowerCase1252(b); });
+    return CompareNoCase(HouseText(block, node.name, node.nameLength), name) == 0;
 }
 
 std::optional<Node> Child(const unsigned char* block, const Node& parent, std::string_view name) {
@@ -72,7 +79,26 @@ std::optional<Node> Child(const unsigned char* block, const Node& parent, std::s
     return std::nullopt;
 }
 
-size_t BlockSize(size_t resource) { return Align(resource) + resource / 2 + 1; }
+size_t BlockSize(size_t resource) { return Align(resource) + resource / 2 * BytesOfUnit() + 1; }
+
+// The length of a node's text up to its terminator, in units.
+size_t TextLength(const unsigned char* block, const Node& node) {
+    size_t length = 0;
+    while (2 * length + 2 <= node.valueLength && WordAt(block, node.value + 2 * length) != 0) ++length;
+    return length;
+}
+
+// The twins of the texts between two offsets, each within the room of its units.
+void WriteTwins(const unsigned char* block, size_t from, size_t to) {
+    // One after the other, however deep they lie: a node's children follow what it says of itself.
+    while (const auto node = NodeAt(block, from, to)) {
+        if (node->text) {
+            const std::string text = HouseText(block, node->value, TextLength(block, *node));
+            std::memcpy(Twin(block, node->value), text.data(), text.size());
+        }
+        from = node->valueLength > 0 && node->text ? Align(node->end) : node->children;
+    }
+}
 
 // The resource, if its outermost node is one: its length is cut to the bytes that are there, to an even number.
 DWORD ReadVersionNode(LPCSTR name, std::vector<unsigned char>& bytes) {
@@ -112,12 +138,15 @@ BOOL GetFileVersionInfoA(LPCSTR file, DWORD, DWORD size, LPVOID block) {
     auto* out = static_cast<unsigned char*>(block);
     std::memset(out, 0, size);
     std::memcpy(out, bytes.data(), bytes.size());
+    if (HouseIsUtf8()) {
+        WriteTwins(out, 0, bytes.size());
+        return TRUE;
+    }
     char* twin = Twin(out, 0);
     for (size_t at = 0; at < bytes.size(); at += 2) {
         const int byte = ByteFromUnicode(static_cast<char32_t>(WordAt(out, at)));
         *twin++ = static_cast<char>(byte < 0 ? '?' : byte);
     }
-    *twin = 0;
     return TRUE;
 }
 
@@ -134,6 +163,9 @@ BOOL VerQueryValueA(LPCVOID block, LPCSTR path, LPVOID* value, UINT* length) {
     // A text that is not there is the empty one at the block's end: behind its name the next node begins.
     const size_t text = node->valueLength > 0 ? node->value : WordAt(bytes, 0);
     *value = node->text ? static_cast<LPVOID>(Twin(bytes, text)) : const_cast<unsigned char*>(bytes) + node->value;
-    *length = static_cast<UINT>(node->text ? node->valueLength / 2 : node->valueLength);
+    const bool longer = node->text && HouseIsUtf8() && node->valueLength > 0;
+    *length = static_cast<UINT>(longer       ? std::strlen(static_cast<char*>(*value)) + 1
+                                : node->text ? node->valueLength / 2
+                                             : node->valueLength);
     return TRUE;
 }

@@ -65,6 +65,6 @@ ORVIK_API DWORD WINAPI GetFileVersionInfoSizeA(LPCSTR file, LPDWORD zero);
 // A block that is too small for the whole is refused with error 122.
 ORVIK_API BOOL WINAPI GetFileVersionInfoA(LPCSTR file, DWORD unused, DWORD size, LPVOID block);
 // Finds a value by its path: "\" (the fixed information), "\VarFileInfo\Translation", "\StringFileInfo\040904B0\ProductName"; the
-// names' case does not matter. `value` points into the block, a text being Windows-1252 with "?" for what that lacks; `length` is
-// in bytes, of a text in characters with its terminator. 0 and error 1812 or 1813 when there is no such name.
+// names' case does not matter. `value` points into the block, a text being this house's (platform/house_text.h) with "?" for what
+// that lacks; `length` is in bytes, a text's with its terminator. 0 and error 1812 or 1813 when there is no such name.
 ORVIK_API BOOL WINAPI VerQueryValueA(LPCVOID block, LPCSTR path, LPVOID* value, UINT* length);
