@@ -55,16 +55,6 @@ public:
         });
     }
 
-    // What comes here goes there, and back: whoever opens one of both names has whoever opens the other at the far end.
-    void Join(FarEnd& other) {
-        for (const auto& [from, to] : {std::pair(this, &other), std::pair(&other, this)}) {
-            from->ServeBytes([to = to](const BYTE* bytes, size_t size) {
-                to->Send({bytes, bytes + size});
-                return std::vector<BYTE>();
-            });
-        }
-    }
-
     // Whatever comes is handed to `answer`, piece by piece; what it gives goes back.
     void ServeBytes(std::function<std::vector<BYTE>(const BYTE*, size_t)> answer) {
         m_thread = std::thread([this, answer = std::move(answer)]() mutable {

@@ -1,5 +1,5 @@
-// Others' implementations on the far end: servers of libmodbus and pymodbus are read as they read themselves, and mbpoll reads
-// the simulator, over a pseudo-terminal and over a network.
+// Others' implementations on the far end: a server of libmodbus is read as it reads itself, and mbpoll reads the simulator, over a
+// pseudo-terminal and over a network.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <modbus.h>
@@ -10,7 +10,6 @@
 #include <cmath>
 #include <cstdio>
 #include <mutex>
-#include <sstream>
 
 #include "plugins/modbus/modbus_logger.h"
 #include "plugins/modbus/modbus_mbap.h"
@@ -210,37 +209,6 @@ Device Polled() {
     }
     return device;
 }
-// Everything that a pymodbus server says it has, read from where `port` says, or else from where it says.
-void ReadPymodbus(std::vector<std::string> words, const char* port) {
-    // Debian's, whose packages another Python in the path may lack.
-    words.insert(words.begin(), {"/usr/bin/python3", std::string(ORVIK_TEST_FOLDER) + "/pymodbus_server.py"});
-    Program server(std::move(words));
-    std::string line;
-    ASSERT_TRUE(server.Line(line)) << "python3-pymodbus is missing; tools/install-packages native";
-    const std::string address = port != nullptr ? port : line;
-    Device device(7);
-    device.Database().SetValue("Line.nBaud", 19200u);
-    std::vector<std::string> lines;
-    std::vector<double> expected;
-    while (server.Line(line) && line != "ready") {
-        unsigned slave = 0, function = 0, first = 0;
-        std::string type, order, value;
-        std::istringstream(line) >> slave >> function >> first >> type >> order >> value;
-        device.Add(slave, function, first, type.c_str(), order.c_str());
-        expected.push_back(std::stod(value));
-        lines.push_back(line);
-    }
-    ASSERT_GT(lines.size(), 400u);
-    modbus::Logger logger(device.Description());
-    logger.Connect(address.c_str(), 5000);
-    CDoubleArray values;
-    logger.ReadSample(values);
-    for (size_t i = 0; i < lines.size(); ++i) {
-        const bool narrow = lines[i].find("float32") != std::string::npos;
-        const double value = narrow ? static_cast<float>(expected[i]) : expected[i];
-        EXPECT_EQ(values.GetAt(static_cast<INT_PTR>(i)), value) << lines[i];
-    }
-}
 }  // namespace
 
 TEST(ModbusPeer, LibmodbusOverASerialLine) {
@@ -308,14 +276,6 @@ TEST(ModbusPeer, LibmodbusIsWrittenTo) {
     EXPECT_EQ(modbus_get_float_cdab(peer.map->tab_registers + 12), 21.5f);
     EXPECT_EQ(MODBUS_GET_INT64_FROM_INT16(peer.map->tab_registers, 20), -9'007'199'254'740'993);
 }
-
-TEST(ModbusPeer, PymodbusOverASerialLine) {
-    FarEnd ours, its;
-    ours.Join(its);
-    ReadPymodbus({its.Name()}, ours.Name());
-}
-
-TEST(ModbusPeer, PymodbusOverANetwork) { ReadPymodbus({}, nullptr); }
 
 TEST(ModbusPeer, MbpollReadsTheSimulatorOverASerialLine) {
     Device device = Polled();
