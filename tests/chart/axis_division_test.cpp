@@ -186,24 +186,6 @@ TEST(AxisLayout, LabelsThatWouldOverlapAreLeftOutAndTicksAreNot) {
     EXPECT_EQ(layout.offsets[3], 30);
 }
 
-TEST(AxisLayout, AVerticalAxisIsLabelledFromTheTop) {
-    AxisDivisionRequest request = Request(-20, 20, 200, 20, "#######", true);
-    request.mapping.start += 50;
-    request.mapping.end += 50;
-    const AxisDivision division = DivideAxis(request);
-    ASSERT_EQ(division.step, 10);
-    AxisLayout layout;
-    const auto write = [](double value, CString& text) { Write(value, text, "#######"); };
-    LayOutAxis(layout, request, division, 5, write, [](const CString&) { return LONG{30}; });
-    ASSERT_EQ(layout.labels.size(), 5u);
-    const char* const texts[] = {"20", "10", "0", "-10", "-20"};
-    for (size_t i = 0; i < 5; ++i) {
-        EXPECT_STREQ(layout.labels[i].text, texts[i]);
-        EXPECT_EQ(layout.labels[i].at, static_cast<LONG>(50 + 50 * i));
-    }
-    EXPECT_EQ(layout.ticks.size(), 21u);
-}
-
 TEST(AxisLayout, HugeNumbersOfStepsStayBounded) {
     const AxisDivisionRequest request = Request(0, 999999, 2000000000, 0, "#######");
     const AxisDivision division = DivideAxis(request);

@@ -27,17 +27,6 @@ TEST(RegistryText, AKeyThatIsNoneGivesTheSystemsError) {
     EXPECT_EQ(6u, ::GetLastError());
 }
 
-TEST(SerialDevices, KeepTheirTextsWhenCopied) {
-    CSerialDevice empty;
-    EXPECT_STREQ("", empty.GetPortName());
-    EXPECT_STREQ("", empty.GetDescription());
-    const CSerialDevice original("COM3", "a cable");
-    CSerialDevice copy(original);
-    empty = copy;
-    EXPECT_STREQ("COM3", empty.GetPortName());
-    EXPECT_STREQ("a cable", empty.GetDescription());
-}
-
 TEST(SerialDevices, EnumerationAppends) {
     CArray<CSerialDevice, const CSerialDevice&> devices;
     devices.Add(CSerialDevice("mine", ""));

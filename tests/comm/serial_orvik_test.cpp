@@ -269,28 +269,4 @@ TEST_F(SerialOrvikTest, DestructionFlushesTheLineAndCloseDoesNot) {
     EXPECT_EQ((Text{"COM7 > last words"}), Lines());
 }
 
-TEST_F(SerialOrvikTest, DestructionOfAnOpenPortClosesItAndLeavesTheRecords) {
-    {
-        CSerialOrvik other;
-        ASSERT_EQ(0, other.Open(peer.Name(), &connection, 0, 0));
-        peer.Stream();
-    }
-    EXPECT_EQ(&connection, HolderOf("COM7")) << "taking it off the records is the owner's part";
-    EXPECT_EQ(CSerial::PortAvailable, CSerial::CheckPort(peer.Name()));
-    CSerialDevice::RemoveBusyPort("COM7");
-    CSerialOrvik::m_mapPorts.RemoveAll();
-    PumpOnce();
-}
-
-TEST(BusyPorts, ALaterHolderReplacesAnEarlierOne) {
-    Connection a, b;
-    COrvikConnection* holder = nullptr;
-    EXPECT_FALSE(CSerialDevice::LookupBusyPort("COM3", holder));
-    CSerialDevice::AddBusyPort("COM3", &a);
-    CSerialDevice::AddBusyPort("COM3", &b);
-    EXPECT_TRUE(CSerialDevice::LookupBusyPort("COM3", holder));
-    EXPECT_EQ(&b, holder);
-    EXPECT_TRUE(CSerialDevice::RemoveBusyPort("COM3"));
-    EXPECT_FALSE(CSerialDevice::RemoveBusyPort("COM3"));
-}
 }  // namespace

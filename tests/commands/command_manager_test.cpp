@@ -177,14 +177,6 @@ TEST_F(CommandManager, RemoveAllEndsEveryCommandFromTheOldest) {
     EXPECT_EQ(Undo(), "1 -d");
 }
 
-TEST_F(CommandManager, DyingEndsEveryCommand) {
-    {
-        COrvikCommandManager shortLived;
-        shortLived.DoCommand(new Step(log, "a")), shortLived.BeginGroup(), shortLived.DoCommand(new Step(log, "b"));
-    }
-    EXPECT_EQ(log, "!a~a!b~b");
-}
-
 TEST_F(CommandManager, ACommandMayLeaveByItself) {
     Do("a");
     Step* const b = Do("b");
@@ -197,37 +189,4 @@ TEST_F(CommandManager, ACommandMayLeaveByItself) {
     (new Step(log, "z"))->Destroy();  // in no history
 }
 
-// Steps that set a number, against a plain model: the numbers before and after, and a place among them.
-TEST_F(CommandManager, AgreesWithAPlainModelOfUndo) {
-    struct Set : CDoCommand {
-        Set(int& target, int to) : value(&target), before(target), after(to) { target = to; }
-        int OnUndo() override { return *value = before, 1; }
-        int OnRedo() override { return *value = after, 1; }
-        int *value, before, after;
-    };
-    std::mt19937 random(4);
-    std::deque<int> states{0};
-    size_t place = 0;
-    int value = 0;
-    for (int i = 0; i < 20'000; ++i) {
-        // Long runs of one kind, so that both ends are reached.
-        const auto kind = (random() % 40 == 0 ? random() : static_cast<unsigned>(i / 150)) % 3;
-        if (kind == 0) {
-            ASSERT_TRUE(manager.DoCommand(new Set(value, i + 1)));
-            states.resize(place + 1), states.push_back(i + 1);
-            if (states.size() > 100) states.pop_front();
-            place = states.size() - 1;
-        } else if (kind == 1) {
-            manager.UndoLastCommand();
-            if (place > 0) --place;
-        } else {
-            manager.RedoLastUndoneCommand();
-            if (place + 1 < states.size()) ++place;
-        }
-        ASSERT_EQ(value, states[place]);
-        ASSERT_EQ(manager.CanUndo(), place > 0);
-        ASSERT_EQ(manager.CanRedo(), place + 1 < states.size());
-        ASSERT_EQ(manager.GetCount() + 1, static_cast<INT_PTR>(states.size()));
-    }
-}
 }  // namespace

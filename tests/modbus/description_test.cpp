@@ -248,22 +248,6 @@ TEST(ModbusValues, EncodeTakesTheNearest) {
     EXPECT_EQ(Encode(text, -21.123456), (std::vector<WORD>{0x2D32, 0x312E, 0x3132}));  // "-21.12"
 }
 
-TEST(ModbusValues, WhatATypeCannotHoldIsKnown) {
-    using enum ValueType;
-    struct Case {
-        ValueType type;
-        double scale, value;
-    };
-    const Case can[] = {{Int16, 1, 32767},   {Uint16, 0.1, 21.3}, {Uint32, 0.001, 4294967.295},
-                        {Int64, 1, -0x1p53}, {Float32, 1, 0.1},   {Float64, 1, 1e300},
-                        {Bcd16, 1, 9999},    {Bool, 1, 1}};
-    const Case cannot[] = {{Int16, 1, 32768},      {Int16, 1, -32769},      {Uint16, 1, -1},     {Uint16, 0.1, 21.35},
-                           {Uint16, 1, 0.5},       {Int64, 1, -0x1p53 - 2}, {Uint64, 1, 0x1p54}, {Float32, 1, 1e39},
-                           {Float64, 1, INFINITY}, {Float64, 1, NAN},       {Bcd16, 1, 10000},   {Bool, 1, 2}};
-    for (const Case& one : can) EXPECT_TRUE(CanHold(Of(one.type, kHighFirst, one.scale), one.value)) << one.value;
-    for (const Case& one : cannot) EXPECT_FALSE(CanHold(Of(one.type, kHighFirst, one.scale), one.value)) << one.value;
-}
-
 TEST(ModbusPlan, JoinsNeighboursAndNothingElse) {
     Description description;
     const auto add = [&](BYTE function, WORD first, ValueType type) {

@@ -1,24 +1,88 @@
-// Others' implementations on the far end: a server of libmodbus is read as it reads itself, and mbpoll reads the simulator, over a
-// pseudo-terminal and over a network.
+// Others' implementations on the far end: servers of libmodbus are read as they read themselves, and written to; mbpoll reads the
+// simulator.
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <modbus.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <bit>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <mutex>
+#include <thread>
 
 #include "plugins/modbus/modbus_logger.h"
-#include "plugins/modbus/modbus_mbap.h"
 #include "plugins/modbus/modbus_simulator.h"
 #include "propdb/property_db.h"
-#include "tests/modbus/far_end.h"
-#include "tests/support/tcp_peer.h"
 
 namespace {
+// The far end of a pseudo-terminal, with what plays the logger there on a thread of its own.
+class FarEnd {
+public:
+    FarEnd() {
+        m_fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        grantpt(m_fd);
+        unlockpt(m_fd);
+        termios raw;
+        tcgetattr(m_fd, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(m_fd, TCSANOW, &raw);
+        m_name = ptsname(m_fd);
+    }
+    ~FarEnd() {
+        Stop();
+        close(m_fd);
+    }
+    void Stop() {
+        m_stopping = true;
+        if (m_thread.joinable()) m_thread.join();
+    }
+    const char* Name() const { return m_name.c_str(); }
+
+    // As libmodbus serves these registers and coils, whose contents stay the caller's.
+    void ServeLibmodbus(int slave, modbus_mapping_t* map) {
+        m_thread = std::thread([this, slave, map] {
+            modbus_t* context = modbus_new_rtu(m_name.c_str(), 19200, 'N', 8, 1);
+            modbus_set_slave(context, slave);
+            modbus_set_socket(context, m_fd);
+            modbus_set_indication_timeout(context, 0, 50'000);
+            while (!m_stopping) {
+                uint8_t query[MODBUS_RTU_MAX_ADU_LENGTH];
+                const int length = modbus_receive(context, query);
+                if (length > 0) modbus_reply(context, query, length, map);
+            }
+            modbus_free(context);
+        });
+    }
+
+    // Whatever comes is handed to `answer`, piece by piece; what it gives goes back.
+    void ServeBytes(std::function<std::vector<BYTE>(const BYTE*, size_t)> answer) {
+        m_thread = std::thread([this, answer = std::move(answer)]() mutable {
+            while (!m_stopping) {
+                pollfd waiting = {m_fd, POLLIN, 0};
+                if (poll(&waiting, 1, 20) <= 0 || !(waiting.revents & POLLIN)) continue;
+                BYTE block[256];
+                const ssize_t got = read(m_fd, block, sizeof block);
+                const std::vector<BYTE> reply = got > 0 ? answer(block, static_cast<size_t>(got)) : std::vector<BYTE>();
+                if (!reply.empty() && write(m_fd, reply.data(), reply.size()) < 0) return;
+            }
+        });
+    }
+
+private:
+    int m_fd = -1;
+    std::string m_name;
+    std::thread m_thread;
+    std::atomic<bool> m_stopping = false;
+};
+
 // A description of channels in the order in which they are added.
 class Device {
 public:
@@ -158,7 +222,6 @@ private:
     modbus::Simulator m_simulator;
 };
 
-constexpr int kPolls = 8;
 // What mbpoll understands, against the answer that it was given; a call and a connection for each poll.
 void PollAndCompare(std::vector<std::string> words, const std::function<modbus::Answer()>& given) {
     const struct {
@@ -166,10 +229,10 @@ void PollAndCompare(std::vector<std::string> words, const std::function<modbus::
         modbus::ValueType type;
         bool bigEndian;
         BYTE function;
-    } rows[kPolls] = {{"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
-                      {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
-                      {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
-                      {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4}};
+    } rows[] = {{"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
+                {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
+                {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
+                {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4}};
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.kind << row.bigEndian);
         const int first = std::string(row.kind).size() == 1 ? 1 : row.type == modbus::ValueType::Int32 ? 11 : 21;
@@ -210,18 +273,6 @@ Device Polled() {
     return device;
 }
 }  // namespace
-
-TEST(ModbusPeer, LibmodbusOverASerialLine) {
-    Libmodbus peer;
-    Device device = peer.Channels(17);
-    FarEnd far;
-    far.ServeLibmodbus(17, peer.map);
-    device.Database().SetValue("Line.nBaud", 19200u);
-    modbus::Logger logger(device.Description());
-    logger.Connect(far.Name(), 2000);
-    for (int round = 0; round < 3; ++round) peer.Check(logger);
-    EXPECT_TRUE(logger.Connection().IsConnected());
-}
 
 TEST(ModbusPeer, LibmodbusOverANetwork) {
     Libmodbus peer;
@@ -291,30 +342,4 @@ TEST(ModbusPeer, MbpollReadsTheSimulatorOverASerialLine) {
         size_t begin = 0, end = 0;
         return modbus::FindAnswer(simulated.last, begin, end).value_or(modbus::Answer{});
     });
-}
-
-TEST(ModbusPeer, MbpollReadsTheSimulatorOverANetwork) {
-    Device device = Polled();
-    TcpPeer peer;
-    const std::string address = peer.Address();
-    Simulated simulated(device, address.c_str());
-    std::mutex guard;
-    std::thread server([&] {
-        for (int poll = 0; poll < kPolls; ++poll) {
-            peer.Accept();
-            const std::string asked = peer.Receive(12);
-            const std::lock_guard lock(guard);
-            const std::vector<BYTE> reply = simulated.Answer(reinterpret_cast<const BYTE*>(asked.data()), asked.size());
-            peer.Send({reinterpret_cast<const char*>(reply.data()), reply.size()});
-        }
-    });
-    PollAndCompare({"-m", "tcp", "-p", address.substr(address.rfind(':') + 1), "127.0.0.1"}, [&] {
-        const std::lock_guard lock(guard);
-        modbus::Answer answer;
-        WORD transaction = 0;
-        size_t used = 0;
-        EXPECT_EQ(modbus::FirstAnswer(simulated.last, transaction, answer, used), modbus::NetworkEnd::Whole);
-        return answer;
-    });
-    server.join();
 }

@@ -50,34 +50,6 @@ protected:
 using Names = std::vector<std::string>;
 }  // namespace
 
-TEST_F(PosixFileNames, DrivesAndBackslashesLeadToTheSameFile) {
-    fs::create_directory("sub");
-    Make("sub/a.txt");
-    const std::string path = folder.string();
-    const std::string slashes = "C:" + path + "/sub/a.txt";
-    std::string windows = slashes;
-    std::replace(windows.begin(), windows.end(), '/', '\\');
-    for (const std::string& name : {slashes, windows, "c" + windows.substr(1), windows.substr(2), "\\\\?\\" + windows,
-                                    std::string("sub\\a.txt"), std::string(".\\sub/..\\sub\\a.txt"), std::string("c:sub\\a.txt")})
-        EXPECT_TRUE(IsThere(name)) << name;
-    EXPECT_EQ(SystemPath("C:"), path);
-    EXPECT_EQ(SystemPath("C:\\"), "/");
-    EXPECT_EQ(SystemPath("C:\\m\xE4t\\\x80"), "/m\xC3\xA4t/\xE2\x82\xAC");
-}
-
-TEST_F(PosixFileNames, OtherComputersAndMissingDrivesLeadNowhere) {
-    Make("a.txt");
-    std::string unc = "\\\\" + folder.string().substr(1) + "/a.txt";
-    std::replace(unc.begin(), unc.end(), '/', '\\');
-    for (const std::string& name : {unc, std::string("Q:\\a.txt"), std::string("Q:a.txt"), std::string("\\\\.\\C:")}) {
-        EXPECT_FALSE(IsThere(name)) << name;
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND}) << name;
-        EXPECT_FALSE(CopyFileA("a.txt", name.c_str(), TRUE)) << name;
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND}) << name;
-    }
-    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 1);
-}
-
 TEST_F(PosixFileNames, NamesHaveTheirCaseAndPatternsDoNot) {
     for (const char* name : {"a.txt", "A.TXT", "\xC3\xA5.txt", "\xC3\x85.TXT", "none"}) Make(name);
     EXPECT_FALSE(IsThere("a.TXT"));

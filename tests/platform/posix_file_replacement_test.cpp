@@ -1,6 +1,5 @@
-// What becomes of a file that is replaced when writing fails or is cut short, when several write it at once, and where nothing
-// can stand beside it. The limit on the size of files plays the full disk and, with its signal left alone, whoever kills the
-// program in the middle of a write.
+// What becomes of a file that is replaced when several write it at once, and where nothing can stand beside it. The limit on the
+// size of files plays the full disk.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -28,39 +27,8 @@ protected:
     fs::path Target() const { return m_folder / "a.xml"; }
     // Whether the file is stored, and if not, why.
     static DWORD Store(const fs::path& path, const std::string& content) { return ReplaceWholeFile(path.string(), content); }
-
-    // How a process ends that writes 100,000 bytes where 5,000 may be written.
-    int WriteTooMuch(void (*onLimit)(int)) const {
-        const pid_t child = fork();
-        if (child == 0) {
-            const rlimit limit = {5000, 5000};
-            setrlimit(RLIMIT_FSIZE, &limit);
-            signal(SIGXFSZ, onLimit);
-            _exit(static_cast<int>(Store(Target(), std::string(100000, 'x'))));
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        return status;
-    }
     const fs::path& m_folder = Folder();
 };
-
-TEST_F(WholeFile, FullDiskLeavesThePreviousFileAlone) {
-    const int status = WriteTooMuch(SIG_IGN);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), static_cast<int>(ERROR_DISK_FULL));
-    EXPECT_EQ(BytesOf(Target()), "previous");
-    EXPECT_EQ(Count(), 1u);
-}
-
-TEST_F(WholeFile, KillLeavesThePreviousFileAlone) {
-    const int status = WriteTooMuch(SIG_DFL);
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ) << status;
-    EXPECT_EQ(BytesOf(Target()), "previous");
-    EXPECT_EQ(Store(Target(), "next"), DWORD{ERROR_SUCCESS}) << "the file left over is in nobody's way";
-    EXPECT_EQ(BytesOf(Target()), "next");
-    EXPECT_EQ(Count(), 1u) << "and gone";
-}
 
 TEST_F(WholeFile, LinksAndPermissionsAreKept) {
     fs::permissions(Target(), fs::perms::owner_read | fs::perms::owner_write);

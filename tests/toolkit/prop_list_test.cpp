@@ -435,24 +435,6 @@ TEST_F(PropList, ThousandsOfRowsCostWhatCanBeSeen) {
     grid.UpdateWindow();
 }
 
-TEST_F(PropList, RowsGrowWithTheFont) {
-    Fill();
-    LOGFONTA description = {};
-    description.lfHeight = -11;
-    std::strcpy(description.lfFaceName, "DejaVu Sans");
-    CFont small, large;
-    ASSERT_TRUE(small.CreateFontIndirect(&description));
-    description.lfHeight = -33;
-    ASSERT_TRUE(large.CreateFontIndirect(&description));
-    grid.SetFont(&small);
-    const int before = grid.GetRowHeight();
-    grid.SetFont(&large);
-    EXPECT_GE(grid.GetRowHeight(), before * 2);
-    EXPECT_EQ(grid.GetPropertyRect(channel).Height(), grid.GetRowHeight());
-    EXPECT_EQ(grid.GetFont()->m_hObject, large.m_hObject);
-    grid.SetFont(nullptr);
-}
-
 // Marked values are bold, groups stand on the colour of bars, the border is inside or around.
 TEST_F(PropList, LooksFollowTheState) {
     Fill();

@@ -31,24 +31,6 @@ std::string AttributeOf(const char* value) {
 }
 }  // namespace
 
-TEST(XmlWriter, EmptyElements) {
-    EXPECT_EQ(Written([](CXMLWriter& w) { w.BeginTag("A"), w.EndTag(); }), "<A/>\r\n");
-    EXPECT_EQ(Written([](CXMLWriter& w) { w.BeginTag("A"), w.SetAttr("n", 1), w.EndTag(); }), "<A n=\"1\"/>\r\n");
-}
-
-TEST(XmlWriter, NestedElementsAreIndentedByOneSpace) {
-    EXPECT_EQ(Written([](CXMLWriter& w) {
-                  w.BeginTag("A"), w.SetAttr("name", "x"), w.BeginTag("B"), w.SetText("t"), w.EndTag(), w.BeginTag("C");
-                  w.BeginTag("D"), w.EndTag(), w.EndTag(), w.EndTag();
-              }),
-              "<A name=\"x\">\r\n"
-              " <B>t</B>\r\n"
-              " <C>\r\n"
-              "  <D/>\r\n"
-              " </C>\r\n"
-              "</A>\r\n");
-}
-
 TEST(XmlWriter, TextEscapes) {
     EXPECT_EQ(TextOf("a<b & \xE4"), "a&lt;b &amp; &#xe4;");
     EXPECT_EQ(TextOf("\xE5\xE4\xF6\xC5\xC4\xD6\xB0>"), "&#xe5;&#xe4;&#xf6;&#xc5;&#xc4;&#xd6;&#xb0;&gt;");

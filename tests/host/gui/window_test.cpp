@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
 #include <random>
 #include <tuple>
 
@@ -11,6 +10,7 @@
 #include "host/session/database_file.h"
 #include "record/recorder.h"
 #include "tests/host/gui/hands.h"
+#include "tests/support/test_folder.h"
 
 void Hands::WriteSession(const std::string& path, int readings) {
     CPropertyDB description, db;
@@ -39,8 +39,6 @@ void Hands::WriteSession(const std::string& path, int readings) {
 }
 
 namespace {
-namespace fs = std::filesystem;
-
 // What a test does while a drag is under way: called by a timer, which the tracker's loop serves.
 std::function<void()> g_meanwhile;
 void CALLBACK Meanwhile(HWND, UINT, UINT_PTR id, DWORD) {
@@ -49,39 +47,12 @@ void CALLBACK Meanwhile(HWND, UINT, UINT_PTR id, DWORD) {
     if (const auto work = std::exchange(g_meanwhile, nullptr)) work();
 }
 
-// Gives up every dialog over a window, while it lives.
-class DialogsGivenUp {
-public:
-    explicit DialogsGivenUp(HWND window) : m_timer(::SetTimer(nullptr, 0, USER_TIMER_MINIMUM, GiveUp)) { s_window = window; }
-    ~DialogsGivenUp() { ::KillTimer(nullptr, m_timer); }
-    DialogsGivenUp(const DialogsGivenUp&) = delete;
-    DialogsGivenUp& operator=(const DialogsGivenUp&) = delete;
-    static inline int count = 0;
-
-private:
-    static void CALLBACK GiveUp(HWND, UINT, UINT_PTR, DWORD) {
-        const HWND popup = ::GetActiveWindow();
-        if (popup == nullptr || popup == s_window || ::GetWindow(popup, GW_OWNER) != s_window) return;
-        ++count;
-        ::PostMessageA(popup, WM_COMMAND, IDCANCEL, 0);
-    }
-    static inline HWND s_window = nullptr;
-    UINT_PTR m_timer;
-};
-
-class WindowTest : public testing::Test {
+class WindowTest : public testing::Test, protected TestFolder {
 protected:
-    WindowTest()
-        : path((fs::temp_directory_path() /
-                ("orvik-gui-" + std::to_string(::GetTickCount()) + std::to_string(reinterpret_cast<uintptr_t>(this)) + ".odb"))
-                   .string()) {
+    WindowTest() {
         Hands::WriteSession(path);
         hands.window->Open(path);
         hands.Pump();
-    }
-    ~WindowTest() override {
-        hands.window.reset();
-        fs::remove(path);
     }
     // A drag in the middle of which `work` is done. It ends by itself, or `work` ends it.
     void DragWhile(POINT a, POINT b, std::function<void()> work) {
@@ -111,7 +82,7 @@ protected:
         return drags;
     }
 
-    std::string path;
+    const std::string path = Path("session.odb");
     Hands hands;
 };
 
@@ -315,20 +286,6 @@ TEST_F(WindowTest, AWindowMayGoInTheMiddleOfADrag) {
     }
 }
 
-TEST_F(WindowTest, AWindowWithoutRoomHasNothingToGrab) {
-    const auto before = hands.Pixels();
-    for (const SIZE size : {SIZE{1, 1}, SIZE{130, 30}}) {
-        hands.window->SetClientSize(size);
-        hands.Drag({0, 0}, {50, 50});
-        hands.DoubleClick({0, 0});
-        for (const UINT key : {VK_ADD, VK_RIGHT, VK_TAB, VK_DOWN, VK_HOME, VK_INSERT, VK_RETURN}) hands.Key(key);
-    }
-    hands.window->SetClientSize({640, 420});
-    while (hands.window->Command(kCommandUndo)) {
-    }
-    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
-}
-
 TEST_F(WindowTest, ThePointerTellsWhatADragWouldDo) {
     hands.window->Command(kCommandSelect);
     const ViewParts parts = hands.Parts();
@@ -437,95 +394,12 @@ TEST_F(WindowTest, ACommentStaysAtItsChannelsValue) {
     both("opened again");
 }
 
-TEST_F(WindowTest, KeepsItsViewInTheSession) {
-    const ViewParts parts = hands.Parts();
-    hands.Drag(Hands::Middle(parts.plot), {parts.plot.right - 5, parts.plot.bottom - 5});
-    hands.Drag(Hands::Middle(parts.axes[0].drag), Hands::Middle(parts.axes[2].drag));
-    hands.Drag({hands.Parts().plot.left + 30, hands.Parts().plot.top + 30},
-               {hands.Parts().plot.left + 90, hands.Parts().plot.top + 90}, true);
-    hands.Key(VK_INSERT);
-    hands.Type("kept");
-    hands.Key(VK_RETURN);
-    hands.Drag(Hands::Middle(hands.window->BarRect()), {300, 100});
-    hands.window->Chart().SetFocusMark({});
-    const ViewState state = hands.State();
-    EXPECT_EQ(state.tags.size(), 2u);
-    EXPECT_TRUE(state.time && state.selection && state.axes[0].unit != "\260C");
-    const auto picture = hands.Settled();
-    EXPECT_TRUE(hands.window->Document().IsModified());
-    ASSERT_TRUE(hands.window->SaveTo(path));
-    EXPECT_FALSE(hands.window->Document().IsModified());
-    hands.window.reset();
-    Hands again;
-    again.window->Open(path);
-    EXPECT_EQ(again.State(), state);
-    EXPECT_EQ(again.Difference(again.Settled(), picture), "");
-    EXPECT_FALSE(again.History().CanUndo());
-}
-
-TEST_F(WindowTest, AThousandGesturesUndoneGiveTheFirstPictureBack) {
-    const auto before = hands.Pixels();
-    std::mt19937 random(20261121);
-    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-    const auto anywhere = [&] { return POINT{below(700) - 30, below(460) - 20}; };
-    constexpr UINT kKeys[] = {VK_TAB,    VK_LEFT,  VK_RIGHT, VK_UP,     VK_DOWN,  VK_ADD, VK_SUBTRACT, VK_HOME, VK_DELETE,
-                              VK_RETURN, VK_PRIOR, VK_NEXT,  VK_INSERT, VK_SPACE, VK_F6,  VK_ESCAPE,   VK_F2};
-    int cancels = 0;
-    const DialogsGivenUp givenUp(hands.window->m_hWnd);
-    for (int i = 0; i < 1000; ++i) {
-        const int kind = below(20);
-        if (kind < 12) {
-            hands.Hold(kind % 4 == 1, kind % 4 == 2, TRUE);
-            const POINT a = anywhere(), b = anywhere();
-            hands.Press(a, b);
-            for (int k = below(3); k > 0; --k) hands.Point(WM_MOUSEMOVE, anywhere());
-            if (below(4) == 0) {
-                ++cancels;
-                below(2) == 0 ? void(::OrvikPostKey(hands.window->m_hWnd, VK_ESCAPE, TRUE)) : hands.Point(WM_RBUTTONDOWN, b);
-                ::OrvikPostKey(hands.window->m_hWnd, VK_ESCAPE, FALSE);
-                hands.Point(WM_RBUTTONUP, b);
-            }
-            hands.Point(WM_LBUTTONUP, b);
-            hands.Hold(kind % 4 == 1, kind % 4 == 2, FALSE);
-        } else if (kind < 14) {
-            hands.Hold(below(3) == 0, below(3) == 0, TRUE);
-            hands.Point(WM_MOUSEWHEEL, anywhere(), (below(7) - 3) * WHEEL_DELTA);
-            hands.Hold(true, true, FALSE);
-        } else if (kind < 15) {
-            hands.DoubleClick(anywhere());
-            hands.Type("text");
-            hands.Key(below(3) == 0 ? VK_ESCAPE : VK_RETURN);
-        } else if (kind < 19) {
-            hands.Key(kKeys[below(static_cast<int>(std::size(kKeys)))], below(4) == 0, below(4) == 0);
-        } else {
-            hands.window->Command(below(2) == 0 ? kCommandUndo : below(2) == 0 ? kCommandRedo : kCommandSelect);
-        }
-        hands.Pump();
-        ASSERT_EQ(::GetCapture(), nullptr) << i;
-    }
-    EXPECT_GT(cancels, 50);
-    EXPECT_GT(DialogsGivenUp::count, 0);
-    hands.window->Chart().EndWriting(true);
-    const ViewState last = hands.State();
-    EXPECT_TRUE(hands.History().CanUndo());
-    const auto lastPicture = hands.Settled();
-    while (hands.window->Command(kCommandUndo)) {
-    }
-    EXPECT_EQ(hands.Difference(hands.Settled(), before), "");
-    while (hands.window->Command(kCommandRedo)) {
-    }
-    EXPECT_EQ(hands.State(), last);
-    EXPECT_EQ(hands.Difference(hands.Settled(), lastPicture), "");
-}
 }  // namespace
 
 // What a window that was killed had downloaded is found by the next one, until it is saved.
 TEST_F(WindowTest, AnUnsavedDownloadIsFoundAgain) {
-    namespace fs = std::filesystem;
-    const fs::path folder = fs::path(testing::TempDir()) / "orvik-unsaved";
-    fs::remove_all(folder);
     static std::string setting;
-    setting = "ORVIK_UNSAVED=" + folder.string();
+    setting = "ORVIK_UNSAVED=" + Path("unsaved");
     ::putenv(setting.data());
     Hands second;
     second.window->OpenUnsaved();
@@ -548,7 +422,7 @@ TEST_F(WindowTest, AnUnsavedDownloadIsFoundAgain) {
     EXPECT_EQ(second.window->Document().GetSession()->Count(), 3u);
     EXPECT_TRUE(second.window->Document().IsModified());
     EXPECT_TRUE(second.window->Document().Path().empty());
-    const std::string file = (folder / "kept.odb").string();
+    const std::string file = Path("kept.odb");
     ASSERT_TRUE(second.window->SaveTo(file));
     EXPECT_FALSE(second.window->Document().IsModified());
     ASSERT_TRUE(second.window->Open(file));
