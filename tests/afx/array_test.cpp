@@ -120,21 +120,4 @@ TEST(Array, HugeCountsFailWithWhatCame) {
     ExpectInvalidArg([&] { words.RemoveAt(0, 3); });
 }
 
-TEST(Array, PointersKeepTheirTypeAndAreNotStored) {
-    int a = 1, b = 2;
-    CTypedPtrArray<CPtrArray, int*> array;
-    EXPECT_EQ(array.Add(&a), 0);
-    array.InsertAt(0, &b), array.SetAtGrow(3, &a);
-    EXPECT_EQ(array[2], nullptr);
-    array[2] = &b;
-    array.SetAt(3, nullptr);
-    CTypedPtrArray<CPtrArray, int*> copy;
-    copy.Copy(array), copy.Append(array), copy.RemoveAt(3, 3);
-    ASSERT_EQ(copy.GetSize(), 5);
-    EXPECT_EQ(*copy.GetAt(0) + *copy[1] + *copy.ElementAt(2), 5);
-    EXPECT_EQ(copy.GetAt(3), &b);
-    EXPECT_TRUE(copy.IsKindOf(CPtrArray::GetThisClass()));
-    EXPECT_TRUE(Raises<CNotSupportedException>([&] { Stored([&](CArchive& ar) { array.Serialize(ar); }); }))
-        << "pointers mean nothing in a file";
-}
 }  // namespace

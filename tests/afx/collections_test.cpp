@@ -82,36 +82,6 @@ TEST(StringMap, AWalkMayRemoveWhatItWasGiven) {
     ExpectInvalidArg([&] { map.GetNextAssoc(position, key, value); });
 }
 
-// Against a model, with keys that come and go.
-TEST(StringMap, AgreesWithAModel) {
-    std::mt19937 random(7);
-    CMapStringToString map;
-    std::map<std::string, std::string> model;
-    for (int step = 0; step < 20000; ++step) {
-        const std::string key = "k" + std::to_string(random() % (step < 10000 ? 700 : 30));
-        if (random() % 3 == 0) {
-            EXPECT_EQ(map.RemoveKey(key.c_str()) != 0, model.erase(key) == 1);
-        } else {
-            const std::string value = std::to_string(step);
-            map.SetAt(key.c_str(), value.c_str());
-            model[key] = value;
-        }
-        ASSERT_EQ(map.GetCount(), static_cast<INT_PTR>(model.size()));
-    }
-    for (const auto& [key, value] : model) {
-        CString found;
-        ASSERT_TRUE(map.Lookup(key.c_str(), found)) << key;
-        EXPECT_EQ(found, value.c_str());
-    }
-    size_t walked = 0;
-    for (POSITION position = map.GetStartPosition(); position != nullptr; ++walked) {
-        CString key, value;
-        map.GetNextAssoc(position, key, value);
-        EXPECT_EQ(model.at(key.GetString()), value.GetString());
-    }
-    EXPECT_EQ(walked, model.size());
-}
-
 TEST(StringMap, RemembersItsTableSize) {
     CMapStringToOb map;
     EXPECT_EQ(map.GetHashTableSize(), 17u);

@@ -26,22 +26,6 @@ void Write(double value, CString& text, const char* format) { _NlsSetReal(text, 
 
 }  // namespace
 
-TEST(AxisStep, WalksTheFamilyBothWaysAndComesBack) {
-    AxisStep step(-5);
-    const double up[] = {1e-5, 2e-5, 5e-5, 1e-4, 2e-4, 5e-4, 1e-3};
-    for (const double value : up) {
-        EXPECT_EQ(step.Value(), value);
-        step.Grow();
-    }
-    for (int i = 0; i < 7; ++i) step.Shrink();
-    EXPECT_EQ(step, AxisStep(-5));
-    EXPECT_TRUE(step <= AxisStep(-5));
-    step.Grow();
-    EXPECT_FALSE(step <= AxisStep(-5));
-    EXPECT_TRUE(step <= AxisStep(-4));
-    EXPECT_EQ(AxisStep(-1).Times(3), 0.3);  // 3 * 0.1 is not
-}
-
 TEST(AxisStep, TheDecadeOfAPowerOfTenIsThatPower) {
     for (int exponent = -323; exponent <= 308; ++exponent) {
         const double power = std::stod("1e" + std::to_string(exponent < -307 ? -307 : exponent));

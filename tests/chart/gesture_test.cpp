@@ -170,19 +170,6 @@ TEST_F(GestureTest, SurvivesAxesThatGo) {
         EXPECT_EQ(axes[1], static_cast<CUnitAxis*>(target));
     }
     {
-        ShownAxis dragged(0, 30, 10, 120);
-        ShownAxis target(0, 60, 10, 120);
-        CTypedPtrArray<CPtrArray, CUnitAxis*> axes;
-        axes.Add(dragged), axes.Add(target);
-        CDragAxisTracker tracker(axes, dragged);
-        m_wnd.Track(tracker, CPoint(30, 50), {Move(70, 50), Do([&] {
-                                                  axes.RemoveAll();
-                                                  target.Remove();
-                                                  ::ReleaseCapture();
-                                              })});
-        EXPECT_EQ(tracker.GetExchanged(), nullptr);
-    }
-    {
         ShownAxis axis(1, 125, 20, 180);
         axis->SetZoomRect({20, 121, 180, 140});
         CZoomAxisTracker tracker(&plot, axis);
@@ -321,35 +308,6 @@ protected:
     CUnitAxis* m_shown = nullptr;
     std::string m_shifts;
 };
-
-// From 0 to 100 over 160 pixels both ends stand on ticks: the extent is let go after 4 pixels, of which 3 are taken off.
-TEST_F(RubberTest, PullsTheExtentLooseFromItsTick) {
-    const HeldKeys keys;
-    const ShownAxis axis(1, 115, 20, 180);
-    Place(axis);
-    axis->SetRange(0, 100);
-    Show(axis);
-    ASSERT_EQ(axis->GetExtentAlignment(), 0);
-    const Pixels before = m_wnd.Picture();
-
-    int mode = 0;
-    EXPECT_EQ(
-        Rub(axis, CPoint(180, 120), {Move(183, 120), Move(177, 130), Do([&] { mode = axis->GetRubberMode(); }), Up(178, 130)}),
-        2);
-    EXPECT_EQ(m_shifts, "");
-    EXPECT_EQ(mode, 2);
-    EXPECT_EQ(axis->GetRubberMode(), 0);
-    EXPECT_FALSE(axis->IsRangeModified());
-
-    // To pixel 165: 160 * -12 / 145 = -13 pixels, so the value that was 13 pixels beyond the end becomes the extent.
-    EXPECT_EQ(Rub(axis, CPoint(180, 120), {Up(165, 120)}), 2);
-    EXPECT_EQ(m_shifts, " 0,-13");
-    EXPECT_DOUBLE_EQ(axis->GetOrigin(), 0);
-    EXPECT_NEAR(axis->GetExtent(), 100.0 * 173 / 160, 1e-9);
-    const Pixels after = m_wnd.Picture();
-    EXPECT_FALSE(Same(before, after));
-    EXPECT_TRUE(Same(after, m_wnd.Fresh())) << "the axis on the screen is the one that a paint gives";
-}
 
 TEST_F(RubberTest, TakesItsModeFromTheKeys) {
     const HeldKeys keys({VK_SHIFT});

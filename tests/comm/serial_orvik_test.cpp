@@ -160,22 +160,6 @@ TEST_F(SerialOrvikTest, BringsLineEventsAndTheFarewellToTheMainThread) {
     EXPECT_EQ(1, farewells());
 }
 
-TEST_F(SerialOrvikTest, KeepsItsWindowOverReopening) {
-    Open();
-    const HWND window = port.m_wndCom.GetSafeHwnd();
-    EXPECT_NE(nullptr, window);
-    EXPECT_EQ(0, port.Close());
-    EXPECT_EQ(0, port.Open(peer.Name(), nullptr, 0, 0)) << "a port may be nobody's";
-    EXPECT_EQ(window, port.m_wndCom.GetSafeHwnd());
-    // An event of a port without a connection goes nowhere.
-    EXPECT_EQ(0, ::SendMessageA(window, COrvikComWnd::ComMsg, 1, 0));
-    EXPECT_TRUE(connection.events.empty());
-    EXPECT_EQ(0, ::SendMessageA(window, COrvikComWnd::ComMsg, MAKEWPARAM(0x41, 0x0A), reinterpret_cast<LPARAM>(&connection)));
-    ASSERT_EQ(1u, connection.events.size());
-    EXPECT_EQ(0x41u, connection.events[0].event);
-    EXPECT_EQ(0x0Au, connection.events[0].error);
-}
-
 TEST_F(SerialOrvikTest, TracesAnExchange) {
     Traced(true);
     Write("\x01\x02\x03");

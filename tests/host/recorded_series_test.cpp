@@ -55,48 +55,7 @@ protected:
         }
     }
 };
-
-bool Same(const ReducedSeries& a, const ReducedSeries& b) {
-    const auto same = [](const ORVIK_CURVE_POINT& p, const ORVIK_CURVE_POINT& q) {
-        return std::isnan(p.x) ? std::isnan(q.x) : p.x == q.x && p.y == q.y;
-    };
-    return a.markers == b.markers && std::equal(a.points.begin(), a.points.end(), b.points.begin(), b.points.end(), same);
-}
 }  // namespace
-
-// Whatever is looked at: the same points, from the index of the file and from all readings.
-TEST_F(Recorded, LinesAreThoseOfTheSession) {
-    constexpr unsigned kCount = 150'000;
-    Begin(3);
-    Add(kCount);
-    for (const bool closed : {false, true}) {
-        if (closed) recorder.Close();
-        FoldRecording(recording, session);
-        const SessionFile folded = OpenSession(session), where = OpenSession(recording);
-        const CInt64Array& times = folded.session->Times();
-        ASSERT_EQ(where.session->Count(), kCount);
-        const auto first = static_cast<double>(times.GetAt(0)), length = static_cast<double>(times.GetAt(kCount - 1)) - first;
-        std::mt19937 random(4);
-        std::uniform_real_distribution<double> part(0, 1);
-        for (int round = 0; round < 60; ++round) {
-            PlotMapping mapping = {first, first + length, 10, 700, -20, 25, 400, 0};
-            if (round > 0) {
-                mapping.fromTime = first + length * (part(random) * 1.2 - 0.1);
-                mapping.toTime = mapping.fromTime + length * std::pow(10, -4 * part(random));
-                mapping.right = static_cast<LONG>(20 + random() % 2000);
-            }
-            if (round % 5 == 4) std::swap(mapping.fromTime, mapping.toTime);
-            const auto lines = where.session->Recorded()->Reduce({2, 0, 1}, {mapping, mapping, mapping});
-            for (size_t i = 0; i < 3; ++i) {
-                const CDoubleArray& values = folded.session->Channels()[(i + 2) % 3].values;
-                const ReducedSeries line = ReduceSeries({times.GetData(), values.GetData(), kCount}, mapping);
-                ASSERT_TRUE(Same(lines[i], line))
-                    << round << " " << i << " " << lines[i].points.size() << " " << line.points.size();
-            }
-        }
-        std::filesystem::remove(session);
-    }
-}
 
 // A channel that is read with every thousandth reading has one line, which parts where it was asked for in vain; in every form.
 TEST_F(Recorded, ALineGoesOnOverReadingsThatWereNotDue) {

@@ -310,19 +310,6 @@ class WindowFlow(unittest.TestCase):
         again.keep("7-reopened")
         self.assertEqual(again.close(), 0)
 
-    def test_swedish_users_have_swedish_menus(self):
-        window = self.open(language="sv_SE.UTF-8")
-        first = self.charted(window)
-        window.drag(self.at(0.45, 0.25), self.at(0.95, 0.75))
-        shown = Picture("root")
-        window.key("alt+r")  # "Redigera"; in English it is another letter
-        until(lambda: Picture("root") != shown, "the menu")
-        until(lambda: (lambda a: a == Picture("root"))(Picture("root")), "the menu to be drawn")
-        window.keep("9-swedish-menu", whole_screen=True)
-        window.key("Return")  # the first item: the step back
-        window.becomes(first, "the picture before")
-        self.assertEqual(window.close(), 0)
-
     def download(self, *words, title, faults=()):
         line = SimulatedLine(options, self.folder, faults)
         self.addCleanup(line.stop)

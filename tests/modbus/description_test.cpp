@@ -7,6 +7,7 @@
 #include "plugins/modbus/modbus_simulator.h"
 #include "tests/support/comm_failure.h"
 #include "tests/support/described.h"
+#include "tests/support/split.h"
 
 using namespace modbus;
 
@@ -55,30 +56,11 @@ TEST(ModbusDescription, WhatIsLeftOutHasItsStandard) {
 }
 
 TEST(ModbusDescription, EveryMistakeNamesItsKey) {
-    for (const std::string mistake : {".nSlave=256",
-                                      ".Line.nBaud=9600.5",
-                                      ".Line.sParity=maybe",
-                                      ".nMost=126",
-                                      ".nAttempts=0",
-                                      "sType=int128",
-                                      "nBit=3",
-                                      "nLength=3",
-                                      "nNumber=40001",
-                                      "sOrder=ABCD",
-                                      "sOrder=middle",
-                                      "sSlave=1",
-                                      "rInvalid=-1",
-                                      "sInvalid=65535 0x10000",
-                                      "nWrite=16",
-                                      "bWritable=maybe",
-                                      "nRegister=65536",
-                                      "nRegister=ten",
-                                      "nRegister=10 x",
-                                      "nRegister=",
-                                      "nFunction=6",
-                                      "rScale=0",
-                                      "rScale=0,1",
-                                      "rOffset=inf"}) {
+    for (const std::string& mistake :
+         Split(".nSlave=256|.Line.nBaud=9600.5|.Line.sParity=maybe|.nMost=126|.nAttempts=0|sType=int128|nBit=3|nLength=3|nNumber="
+               "40001|sOrder=ABCD|sOrder=middle|sSlave=1|rInvalid=-1|sInvalid=65535 "
+               "0x10000|nWrite=16|bWritable=maybe|nRegister=65536|nRegister=ten|nRegister=10 "
+               "x|nRegister=|nFunction=6|rScale=0|rScale=0,1|rOffset=inf")) {
         const std::string key = mistake.substr(0, mistake.find('='));
         const std::string named = key[0] == '.' ? key.substr(1) : "Channels.1." + key, said = Refusal(With(mistake));
         EXPECT_TRUE(said.starts_with(named)) << mistake << ": " << said;

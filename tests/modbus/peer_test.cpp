@@ -206,22 +206,6 @@ private:
     FILE* m_out = nullptr;
 };
 
-// The simulator at the far end, and the last answer that it gave.
-class Simulated {
-public:
-    Simulated(Device& device, const char* address) : m_simulator(device.Description()) { m_simulator.SetLine(address); }
-    std::vector<BYTE> Answer(const BYTE* bytes, size_t size) {
-        CByteArray reply;
-        m_simulator.Receive(bytes, size, reply);
-        if (reply.GetSize() != 0) last.assign(reply.GetData(), reply.GetData() + reply.GetSize());
-        return {reply.GetData(), reply.GetData() + reply.GetSize()};
-    }
-    std::vector<BYTE> last;
-
-private:
-    modbus::Simulator m_simulator;
-};
-
 // What mbpoll understands, against the answer that it was given; a call and a connection for each poll.
 void PollAndCompare(std::vector<std::string> words, const std::function<modbus::Answer()>& given) {
     const struct {
@@ -331,15 +315,21 @@ TEST(ModbusPeer, LibmodbusIsWrittenTo) {
 TEST(ModbusPeer, MbpollReadsTheSimulatorOverASerialLine) {
     Device device = Polled();
     FarEnd far;
-    Simulated simulated(device, far.Name());
+    modbus::Simulator simulator(device.Description());
+    simulator.SetLine(far.Name());
     std::mutex guard;
+    std::vector<BYTE> last;  // answer that it gave
     far.ServeBytes([&](const BYTE* bytes, size_t size) {
         const std::lock_guard lock(guard);
-        return simulated.Answer(bytes, size);
+        CByteArray reply;
+        simulator.Receive(bytes, size, reply);
+        const std::vector<BYTE> said(reply.GetData(), reply.GetData() + reply.GetSize());
+        if (!said.empty()) last = said;
+        return said;
     });
     PollAndCompare({"-m", "rtu", "-b", "19200", "-P", "none", far.Name()}, [&] {
         const std::lock_guard lock(guard);
         size_t begin = 0, end = 0;
-        return modbus::FindAnswer(simulated.last, begin, end).value_or(modbus::Answer{});
+        return modbus::FindAnswer(last, begin, end).value_or(modbus::Answer{});
     });
 }

@@ -1,5 +1,4 @@
-// What becomes of a file that is replaced when several write it at once, and where nothing can stand beside it. The limit on the
-// size of files plays the full disk.
+// What becomes of a file that is replaced where nothing can stand beside it. The limit on the size of files plays the full disk.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -7,12 +6,9 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
-#include <vector>
 
 #include "platform/file_replacement.h"
 #include "tests/support/test_folder.h"
@@ -107,50 +103,4 @@ TEST_F(WholeFile, FoldersOfAnyNameAreReached) {
     EXPECT_EQ(Count(), 4u);
 }
 
-// Two programs store one file again and again, a third is killed now and then: it is always one of them, whole, and nothing else
-// is left. $ORVIK_STORES says how often (500).
-TEST_F(WholeFile, OfSeveralWritersTheLastOneWins) {
-    const char* const setting = std::getenv("ORVIK_STORES");
-    const int stores = setting != nullptr ? std::atoi(setting) : 500;
-    fs::remove(Target());
-    std::vector<pid_t> writers;
-    for (const char letter : {'a', 'b'}) {
-        const pid_t child = fork();
-        if (child == 0) {
-            for (int i = 0; i < stores; ++i)
-                if (Store(Target(), std::string(static_cast<size_t>(1000 + i % 7 * 3000), letter)) != ERROR_SUCCESS) _exit(1);
-            _exit(0);
-        }
-        writers.push_back(child);
-    }
-    std::mt19937 random(1);
-    size_t looks = 0, running = writers.size();
-    bool ended = true;
-    while (running > 0) {
-        if (++looks % 50 == 0) {
-            const pid_t child = fork();
-            if (child == 0) {
-                for (;;) Store(Target(), std::string(50'000, 'c'));
-            }
-            usleep(static_cast<useconds_t>(random() % 3000));
-            kill(child, SIGKILL);
-            waitpid(child, nullptr, 0);
-        }
-        const std::string found = BytesOf(Target());
-        if (!found.empty()) {  // there is none before the first store
-            ASSERT_EQ(found.find_first_not_of(found[0]), std::string::npos);
-            ASSERT_TRUE(found.size() == 50'000 || found.size() % 1000 == 0);
-        }
-        for (pid_t& writer : writers) {
-            int status = 0;
-            if (writer == 0 || waitpid(writer, &status, WNOHANG) != writer) continue;
-            ended = ended && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-            writer = 0;
-            --running;
-        }
-    }
-    EXPECT_TRUE(ended);
-    EXPECT_EQ(Store(Target(), "last"), DWORD{ERROR_SUCCESS});
-    EXPECT_EQ(Count(), 1u);
-}
 }  // namespace

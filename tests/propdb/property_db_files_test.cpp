@@ -284,21 +284,6 @@ TEST_F(PropertyDbFiles, EveryPrefixFailsAndLeavesTheDatabaseUsable) {
     }
 }
 
-TEST_F(PropertyDbFiles, EveryBitFlipEndsInAResult) {
-    Fill();
-    for (bool xml : {true, false}) {
-        const std::string whole = StoredBytes(db, xml);
-        for (size_t bit = 0; bit < whole.size() * 8; ++bit) {
-            std::string damaged = whole;
-            damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << bit % 8));
-            CPropertyDB read;
-            LoadBytes(read, damaged, xml);
-            ASSERT_TRUE(read.SetValue("brand.new", 1));
-            ASSERT_FALSE(Contents(read).empty());
-        }
-    }
-}
-
 TEST_F(PropertyDbFiles, ForeignArchivesAreRefused) {
     const auto archive = [](std::string entry) { return std::string("\0\0\1\0\1a", 6) + entry; };
     const auto classTag = [](const char* name, char schema = 0) {
@@ -334,13 +319,6 @@ TEST_F(PropertyDbFiles, ForeignArchivesAreRefused) {
     EXPECT_TRUE(
         LoadBytes(read, std::string("\0\0\2\0\1a", 6) + classTag("CMapStringToOb") + std::string("\0\0\1a\1\x80\0\0", 8), false));
     EXPECT_EQ(Contents(read), "a = CMapStringToOb\n");
-}
-
-TEST_F(PropertyDbFiles, SerializeRaisesOnDamage) {
-    std::string bytes(3, '\0');
-    CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), 3);
-    CArchive archive(&file, CArchive::load);
-    EXPECT_EQ(CauseOf<CArchiveException>([&] { db.Serialize(archive); }), CArchiveException::endOfFile);
 }
 
 // ---- files by name

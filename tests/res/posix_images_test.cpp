@@ -12,12 +12,6 @@ using namespace orvik::detail;
 
 namespace {
 
-std::vector<unsigned char> File(unsigned id) {
-    for (const EmbeddedImage& image : EmbeddedImages())
-        if (image.id == id) return {image.first, image.end};
-    return {};
-}
-
 // A bitmap of 2 x 2 pixels: header, palette, rows from the bottom, mask.
 std::vector<unsigned char> Small(unsigned bits, const std::vector<unsigned char>& rest) {
     std::vector<unsigned char> bytes(40);

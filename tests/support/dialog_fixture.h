@@ -78,8 +78,8 @@ inline void ExpectUsable(HWND dialog, const std::string& name) {
         char kind[32] = "";
         ::GetClassNameA(each, kind, sizeof kind);
         const bool button = lstrcmpiA(kind, "Button") == 0;
-        if (!::IsWindowVisible(each) || (!button && lstrcmpiA(kind, "Static") != 0)) continue;
         const std::string text = TextOf(each);
+        if (!::IsWindowVisible(each) || text.empty() || (!button && lstrcmpiA(kind, "Static") != 0)) continue;
         const size_t mark = text.find('&');
         if (mark != std::string::npos) {
             EXPECT_TRUE(mnemonics.insert(static_cast<char>(::tolower(text[mark + 1]))).second) << name << ": " << text;

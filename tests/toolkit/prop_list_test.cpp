@@ -422,17 +422,6 @@ TEST_F(PropList, ThousandsOfRowsCostWhatCanBeSeen) {
     grid.SetCurSel(all[4321]);
     EXPECT_EQ(grid.HitTest(MiddleOf(grid.GetPropertyRect(all[4321]))), all[4321]);
     grid.RemoveAll();
-    // Nested as deeply as nobody would.
-    CBCGPProp* top = new CBCGPProp("0", 0);
-    grid.AddProperty(top);
-    for (int i = 1; i < 5000; ++i) {
-        auto* below = new CBCGPProp("x", i);
-        top->AddSubItem(below);
-        top = below;
-    }
-    EXPECT_EQ(grid.GetRowCount(), 5000);
-    EXPECT_EQ(grid.GetProperty(0)->CountWithSubItems(), 5000);
-    grid.UpdateWindow();
 }
 
 // Marked values are bold, groups stand on the colour of bars, the border is inside or around.
