@@ -275,21 +275,6 @@ TEST(Archive, NestsAtMost256Deep) {
     archive << &chain[1];  // and the archive is still usable
 }
 
-TEST(Archive, EveryPrefixOfAnArchiveFailsWithoutTrace) {
-    CArchiveProbe a, b;
-    CMapStringToOb map;
-    CStringArray texts;
-    texts.Add("one"), texts.Add("two");
-    map.SetAt("a", &a), map.SetAt("texts", &texts);
-    b.m_other = &map;
-    const int alive = CArchiveProbe::s_alive;
-    const std::string bytes = Stored([&](CArchive& ar) { ar << &b; });
-    for (size_t length = 0; length < bytes.size(); ++length)
-        EXPECT_EQ(Loaded(bytes.substr(0, length), [](CArchive& ar) { ar.ReadObject(nullptr); }), CArchiveException::endOfFile)
-            << length;
-    EXPECT_EQ(CArchiveProbe::s_alive, alive);  // and the leak checker sees the rest
-}
-
 TEST(Archive, OwnersSayWhatTheyTook) {
     // The owner has taken its part when the archive ends in its own last number.
     const std::string bytes = NewClass("CArchiveOwner", 3) + Word(1) + kProbe + Word(2) + Word(0);

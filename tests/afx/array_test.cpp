@@ -89,32 +89,6 @@ TEST(Array, HoldsTypesThatMustNotBeMovedByTheirBytes) {
     EXPECT_EQ(array[100], "text number 199");
 }
 
-TEST(Array, ArchivesAsCountAndElements) {
-    CByteArray bytes;
-    CWordArray words;
-    CDWordArray dwords;
-    CStringArray texts;
-    for (int i = 1; i <= 3; ++i) {
-        bytes.Add(static_cast<BYTE>(i));
-        words.Add(static_cast<WORD>(0x100 * i));
-        dwords.Add(0x10000u * static_cast<unsigned>(i));
-    }
-    texts.Add("ab"), texts.Add("");
-    const std::string all = Stored([&](CArchive& ar) {
-        bytes.Serialize(ar);
-        words.Serialize(ar);
-        dwords.Serialize(ar);
-        texts.Serialize(ar);
-    });
-    EXPECT_EQ(all, Word(3) + "\x01\x02\x03" + Word(3) + Word(0x100) + Word(0x200) + Word(0x300) + Word(3) + DWord(0x10000) +
-                       DWord(0x20000) + DWord(0x30000) + Word(2) + Text("ab") + Text(""));
-    EXPECT_EQ(Stored([](CArchive& ar) { CStringArray().Serialize(ar); }), Word(0));
-    CWordArray back;
-    back.Add(99);
-    ExpectLoads(all.substr(5), [&](CArchive& ar) { back.Serialize(ar); });
-    EXPECT_EQ(Values(back), (Ints{0x100, 0x200, 0x300}));
-}
-
 TEST(Array, LargeArraysComeBack) {
     CDWordArray array;
     for (DWORD i = 0; i < 70000; ++i) array.Add(i * 7);
@@ -146,21 +120,4 @@ TEST(Array, HugeCountsFailWithWhatCame) {
     ExpectInvalidArg([&] { words.RemoveAt(0, 3); });
 }
 
-TEST(Array, PointersKeepTheirTypeAndAreNotStored) {
-    int a = 1, b = 2;
-    CTypedPtrArray<CPtrArray, int*> array;
-    EXPECT_EQ(array.Add(&a), 0);
-    array.InsertAt(0, &b), array.SetAtGrow(3, &a);
-    EXPECT_EQ(array[2], nullptr);
-    array[2] = &b;
-    array.SetAt(3, nullptr);
-    CTypedPtrArray<CPtrArray, int*> copy;
-    copy.Copy(array), copy.Append(array), copy.RemoveAt(3, 3);
-    ASSERT_EQ(copy.GetSize(), 5);
-    EXPECT_EQ(*copy.GetAt(0) + *copy[1] + *copy.ElementAt(2), 5);
-    EXPECT_EQ(copy.GetAt(3), &b);
-    EXPECT_TRUE(copy.IsKindOf(CPtrArray::GetThisClass()));
-    EXPECT_TRUE(Raises<CNotSupportedException>([&] { Stored([&](CArchive& ar) { array.Serialize(ar); }); }))
-        << "pointers mean nothing in a file";
-}
 }  // namespace

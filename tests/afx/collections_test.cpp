@@ -82,36 +82,6 @@ TEST(StringMap, AWalkMayRemoveWhatItWasGiven) {
     ExpectInvalidArg([&] { map.GetNextAssoc(position, key, value); });
 }
 
-// Against a model, with keys that come and go.
-TEST(StringMap, AgreesWithAModel) {
-    std::mt19937 random(7);
-    CMapStringToString map;
-    std::map<std::string, std::string> model;
-    for (int step = 0; step < 20000; ++step) {
-        const std::string key = "k" + std::to_string(random() % (step < 10000 ? 700 : 30));
-        if (random() % 3 == 0) {
-            EXPECT_EQ(map.RemoveKey(key.c_str()) != 0, model.erase(key) == 1);
-        } else {
-            const std::string value = std::to_string(step);
-            map.SetAt(key.c_str(), value.c_str());
-            model[key] = value;
-        }
-        ASSERT_EQ(map.GetCount(), static_cast<INT_PTR>(model.size()));
-    }
-    for (const auto& [key, value] : model) {
-        CString found;
-        ASSERT_TRUE(map.Lookup(key.c_str(), found)) << key;
-        EXPECT_EQ(found, value.c_str());
-    }
-    size_t walked = 0;
-    for (POSITION position = map.GetStartPosition(); position != nullptr; ++walked) {
-        CString key, value;
-        map.GetNextAssoc(position, key, value);
-        EXPECT_EQ(model.at(key.GetString()), value.GetString());
-    }
-    EXPECT_EQ(walked, model.size());
-}
-
 TEST(StringMap, RemembersItsTableSize) {
     CMapStringToOb map;
     EXPECT_EQ(map.GetHashTableSize(), 17u);
@@ -160,32 +130,6 @@ TEST(MapStringToOb, AKeyComesOnceInAnArchive) {
     ExpectLoads(Word(1) + bytes.substr(2, bytes.size() - 8), [&](CArchive& ar) { map.Serialize(ar); });
     EXPECT_NE(map["a"], &own);
     DeleteTree(map);
-}
-
-// A small database, with every bit of its archive turned in turn: whatever comes of it, nothing leaks and nothing is deleted
-// twice.
-TEST(MapStringToOb, EveryTurnedBitIsSurvived) {
-    CMapStringToOb root, node, leaf;
-    CStringArray texts;
-    texts.Add("text");
-    CDWordArray numbers;
-    numbers.Add(42);
-    CByteArray raw;
-    raw.SetSize(5);
-    root.SetAt("Units", &node);
-    node.SetAt("A", &leaf);
-    leaf.SetAt("Name", &texts), leaf.SetAt("Value", &numbers);
-    node.SetAt("Raw", &raw);
-    const std::string bytes = Stored([&](CArchive& ar) { root.Serialize(ar); });
-    int failed = 0;
-    for (size_t bit = 0; bit < bytes.size() * 8; ++bit) {
-        std::string damaged = bytes;
-        damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << (bit % 8)));
-        CMapStringToOb back;
-        failed += LoadedAsTree(damaged, [&](CArchive& ar) { back.Serialize(ar); }) != -1;
-        DeleteTree(back);
-    }
-    EXPECT_GT(failed, 0);
 }
 
 TEST(MapStringToString, Archives) {

@@ -119,21 +119,6 @@ TEST_F(DcTest, EveryRasterOperation) {
     dc.SelectObject(oldPen), dc.SelectObject(oldBrush);
 }
 
-TEST_F(DcTest, InvertedFiguresVanishTheSecondTime) {
-    for (int y = 0; y < kHeight; ++y)
-        for (int x = 0; x < kWidth; ++x) dc.SetPixel(x, y, RGB(x * 9, y * 20, x * y));
-    const std::vector<uint32_t> ground = All();
-    CPen pen(PS_DOT, 1, RGB(255, 255, 255));
-    CPen* const old = dc.SelectObject(&pen);
-    dc.SelectStockObject(NULL_BRUSH), dc.SetBkMode(TRANSPARENT), dc.SetROP2(R2_NOT);
-    for (int round = 0; round < 2; ++round) {
-        dc.Rectangle(18, 9, 3, 2), dc.MoveTo(-5, 3), dc.LineTo(40, 9), dc.InvertRect(CRect(4, 4, 20, 8));
-        dc.DrawFocusRect(CRect(1, 1, 12, 11));
-        EXPECT_EQ(All() == ground, round == 1);
-    }
-    dc.SelectObject(old);
-}
-
 TEST_F(DcTest, RectanglesExcludeTheirRightAndBottom) {
     dc.SelectStockObject(NULL_BRUSH), dc.Rectangle(1, 1, 5, 4);
     EXPECT_EQ(Picture(6, 5), "....../.####./.#..#./.####./......");

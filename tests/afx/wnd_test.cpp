@@ -94,17 +94,6 @@ TEST(Wnd, MapsSayWhoAnswers) {
     EXPECT_EQ(derived.SendMessage(g_registered, 0, 9), 9);
 }
 
-TEST(Wnd, PostedMessagesArriveInOrder) {
-    std::vector<UINT> seen;
-    CTestWnd window(&seen);
-    ASSERT_TRUE(window.Create());
-    seen.clear();
-    std::thread([&] { window.PostMessage(WM_USER + 5), window.PostMessage(WM_USER + 4); }).join();
-    EXPECT_TRUE(seen.empty());
-    PumpAll();
-    EXPECT_EQ(seen, (std::vector<UINT>{WM_USER + 5, WM_USER + 4}));
-}
-
 TEST(Wnd, AWindowThatDiesIsForgotten) {
     std::vector<UINT> seen;
     CTestWnd window(&seen);
@@ -124,17 +113,6 @@ TEST(Wnd, AWindowThatDiesIsForgotten) {
     EXPECT_FALSE(window.PostMessage(WM_USER));
     EXPECT_EQ(window.SetTimer(1, 10), 0u);
     ASSERT_TRUE(window.Create());  // and may have another
-}
-
-TEST(Wnd, AnObjectThatDiesTakesItsWindow) {
-    HWND handle = nullptr;
-    {
-        CTestWnd window;
-        ASSERT_TRUE(window.Create());
-        handle = window.GetSafeHwnd();
-        EXPECT_TRUE(IsWindow(handle));
-    }
-    EXPECT_FALSE(IsWindow(handle));
 }
 
 TEST(Wnd, AttachesToAForeignWindowAndGivesItBack) {

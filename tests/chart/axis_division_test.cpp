@@ -26,22 +26,6 @@ void Write(double value, CString& text, const char* format) { _NlsSetReal(text, 
 
 }  // namespace
 
-TEST(AxisStep, WalksTheFamilyBothWaysAndComesBack) {
-    AxisStep step(-5);
-    const double up[] = {1e-5, 2e-5, 5e-5, 1e-4, 2e-4, 5e-4, 1e-3};
-    for (const double value : up) {
-        EXPECT_EQ(step.Value(), value);
-        step.Grow();
-    }
-    for (int i = 0; i < 7; ++i) step.Shrink();
-    EXPECT_EQ(step, AxisStep(-5));
-    EXPECT_TRUE(step <= AxisStep(-5));
-    step.Grow();
-    EXPECT_FALSE(step <= AxisStep(-5));
-    EXPECT_TRUE(step <= AxisStep(-4));
-    EXPECT_EQ(AxisStep(-1).Times(3), 0.3);  // 3 * 0.1 is not
-}
-
 TEST(AxisStep, TheDecadeOfAPowerOfTenIsThatPower) {
     for (int exponent = -323; exponent <= 308; ++exponent) {
         const double power = std::stod("1e" + std::to_string(exponent < -307 ? -307 : exponent));
@@ -184,24 +168,6 @@ TEST(AxisLayout, LabelsThatWouldOverlapAreLeftOutAndTicksAreNot) {
     EXPECT_EQ(layout.labelEnd, 80 + 9 + 2);
     ASSERT_EQ(layout.offsets.size(), 11u);
     EXPECT_EQ(layout.offsets[3], 30);
-}
-
-TEST(AxisLayout, AVerticalAxisIsLabelledFromTheTop) {
-    AxisDivisionRequest request = Request(-20, 20, 200, 20, "#######", true);
-    request.mapping.start += 50;
-    request.mapping.end += 50;
-    const AxisDivision division = DivideAxis(request);
-    ASSERT_EQ(division.step, 10);
-    AxisLayout layout;
-    const auto write = [](double value, CString& text) { Write(value, text, "#######"); };
-    LayOutAxis(layout, request, division, 5, write, [](const CString&) { return LONG{30}; });
-    ASSERT_EQ(layout.labels.size(), 5u);
-    const char* const texts[] = {"20", "10", "0", "-10", "-20"};
-    for (size_t i = 0; i < 5; ++i) {
-        EXPECT_STREQ(layout.labels[i].text, texts[i]);
-        EXPECT_EQ(layout.labels[i].at, static_cast<LONG>(50 + 50 * i));
-    }
-    EXPECT_EQ(layout.ticks.size(), 21u);
 }
 
 TEST(AxisLayout, HugeNumbersOfStepsStayBounded) {

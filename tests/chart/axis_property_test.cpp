@@ -161,30 +161,3 @@ TEST(AxisProperty, HoldsForAMillionRandomAxes) {
                                      << axis.format;
     }
 }
-
-// Doubles of any bits, formats and sizes that no range would have: it ends, within bounds.
-TEST(AxisProperty, EndsForAnyBits) {
-    Random random(21);
-    AxisLayout layout;
-    const char* const formats[] = {"#######", "@@@", "#######.####################", "@", "", "x", "."};
-    const LONG sizes[] = {0, 1, 2, 40, 2147483647, -2147483647 - 1};
-    for (int i = 0; i < 200000; ++i) {
-        AxisDivisionRequest request;
-        const uint64_t bits[] = {random.Next(), random.Next()};
-        std::memcpy(&request.mapping.origin, &bits[0], sizeof(double));
-        std::memcpy(&request.mapping.extent, &bits[1], sizeof(double));
-        if (random.Below(4) == 0) request.mapping.extent = std::nextafter(request.mapping.origin, 0);
-        request.mapping.start = random.Below(2) ? static_cast<LONG>(random.Next()) : 0;
-        request.mapping.end = random.Below(2) ? static_cast<LONG>(random.Next()) : random.Below(3);
-        request.mapping.vertical = random.Below(2) != 0;
-        request.format = formats[random.Below(std::size(formats))];
-        request.labelSize = sizes[random.Below(std::size(sizes))];
-        const AxisDivision division = DivideAxis(request);
-        ASSERT_LE(division.count, kMostAxisDivisions);
-        if (division.count > 1000) continue;
-        LayOutAxis(
-            layout, request, division, 5, [](double, CString& text) { text = "0"; }, [](const CString&) { return LONG{9}; });
-        ASSERT_LE(layout.ticks.size(), 5001u);
-        request.mapping.ToCoordinate(request.mapping.ToValue(request.mapping.start));
-    }
-}

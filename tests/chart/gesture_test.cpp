@@ -170,19 +170,6 @@ TEST_F(GestureTest, SurvivesAxesThatGo) {
         EXPECT_EQ(axes[1], static_cast<CUnitAxis*>(target));
     }
     {
-        ShownAxis dragged(0, 30, 10, 120);
-        ShownAxis target(0, 60, 10, 120);
-        CTypedPtrArray<CPtrArray, CUnitAxis*> axes;
-        axes.Add(dragged), axes.Add(target);
-        CDragAxisTracker tracker(axes, dragged);
-        m_wnd.Track(tracker, CPoint(30, 50), {Move(70, 50), Do([&] {
-                                                  axes.RemoveAll();
-                                                  target.Remove();
-                                                  ::ReleaseCapture();
-                                              })});
-        EXPECT_EQ(tracker.GetExchanged(), nullptr);
-    }
-    {
         ShownAxis axis(1, 125, 20, 180);
         axis->SetZoomRect({20, 121, 180, 140});
         CZoomAxisTracker tracker(&plot, axis);
@@ -278,57 +265,6 @@ TEST_F(GestureTest, DrawsSelectionsThatGoAgain) {
     }
 }
 
-// Any gesture, however it ends and whatever is painted in the middle, leaves the window as it was and the mouse free.
-TEST_F(GestureTest, LeavesNothingBehind) {
-    std::mt19937 random(20240607);
-    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-    const RECT plot = kPlot;
-    const Pixels before = m_wnd.Picture();
-    for (int round = 0; round < 400; ++round) {
-        SCOPED_TRACE(round);
-        const int horizontal = below(2);
-        const ShownAxis axis(horizontal, 20 + below(100), 10 + below(20), 30 + below(100));
-        const ShownAxis second(horizontal, below(140), 10, 120), third(horizontal, below(140), 10, 120, 1);
-        axis->SetZoomRect({below(40), below(40), 40 + below(150), 40 + below(100)});
-        CTypedPtrArray<CPtrArray, CUnitAxis*> axes;
-        for (const ShownAxis* each : {&third, &axis, &second}) axes.Add(*each);
-        const RECT selection = {below(200), below(150), below(200), below(150)};
-        const RECT bar = {below(150), below(100), 160 + below(40), 110 + below(40)};
-
-        std::unique_ptr<CTracker> tracker;
-        const int kind = below(7);
-        if (kind == 0) tracker = std::make_unique<CZoomAllTracker>(&plot);
-        if (kind == 1) tracker = std::make_unique<CZoomAxisTracker>(&plot, axis);
-        if (kind == 2)
-            tracker = std::make_unique<CZoomSelTracker>(&plot, &selection, static_cast<CZoomSelection::EHitCode>(below(10)));
-        if (kind == 3) tracker = std::make_unique<CDragAxisTracker>(axes, axis);
-        if (kind == 4) tracker = std::make_unique<CVertSplitBarTracker>(plot, bar);
-        if (kind == 5) tracker = std::make_unique<CHorzSplitBarTracker>(plot, bar);
-        if (kind == 6) tracker = std::make_unique<CColSizeTracker>(plot, bar);
-
-        Script script;
-        for (int moves = below(8); moves > 0; --moves) {
-            script.push_back(Move(below(300) - 50, below(250) - 50));
-            const int x = below(190), y = below(140);
-            if (below(3) == 0) script.push_back(m_wnd.Paint({x, y, x + 1 + below(200), y + 1 + below(150)}));
-            if (below(6) == 0) script.push_back(Key(VK_CONTROL));
-        }
-        const int end = below(6);
-        const bool quits = end == 3;
-        if (end == 0) script.push_back(Right());
-        if (end == 1) script.push_back(Key(VK_ESCAPE));
-        if (end == 2) script.push_back(Do([] { ::ReleaseCapture(); }));
-        if (quits) script.push_back(Do([] { ::PostQuitMessage(0); }));
-        if (end > 3) script.push_back(Up(below(300) - 50, below(250) - 50));
-        m_wnd.Track(*tracker, CPoint(below(200), below(150)), std::move(script));
-        ASSERT_EQ(::GetCapture(), nullptr);
-        MSG message;
-        ASSERT_EQ(::PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE), quits);
-        CPaintedWnd::Settle();
-        ASSERT_TRUE(Same(before, m_wnd.Picture()));
-    }
-}
-
 class RubberTest : public TrackerTest {
 protected:
     void SetUp() override {
@@ -372,35 +308,6 @@ protected:
     CUnitAxis* m_shown = nullptr;
     std::string m_shifts;
 };
-
-// From 0 to 100 over 160 pixels both ends stand on ticks: the extent is let go after 4 pixels, of which 3 are taken off.
-TEST_F(RubberTest, PullsTheExtentLooseFromItsTick) {
-    const HeldKeys keys;
-    const ShownAxis axis(1, 115, 20, 180);
-    Place(axis);
-    axis->SetRange(0, 100);
-    Show(axis);
-    ASSERT_EQ(axis->GetExtentAlignment(), 0);
-    const Pixels before = m_wnd.Picture();
-
-    int mode = 0;
-    EXPECT_EQ(
-        Rub(axis, CPoint(180, 120), {Move(183, 120), Move(177, 130), Do([&] { mode = axis->GetRubberMode(); }), Up(178, 130)}),
-        2);
-    EXPECT_EQ(m_shifts, "");
-    EXPECT_EQ(mode, 2);
-    EXPECT_EQ(axis->GetRubberMode(), 0);
-    EXPECT_FALSE(axis->IsRangeModified());
-
-    // To pixel 165: 160 * -12 / 145 = -13 pixels, so the value that was 13 pixels beyond the end becomes the extent.
-    EXPECT_EQ(Rub(axis, CPoint(180, 120), {Up(165, 120)}), 2);
-    EXPECT_EQ(m_shifts, " 0,-13");
-    EXPECT_DOUBLE_EQ(axis->GetOrigin(), 0);
-    EXPECT_NEAR(axis->GetExtent(), 100.0 * 173 / 160, 1e-9);
-    const Pixels after = m_wnd.Picture();
-    EXPECT_FALSE(Same(before, after));
-    EXPECT_TRUE(Same(after, m_wnd.Fresh())) << "the axis on the screen is the one that a paint gives";
-}
 
 TEST_F(RubberTest, TakesItsModeFromTheKeys) {
     const HeldKeys keys({VK_SHIFT});

@@ -159,14 +159,3 @@ TEST_F(UnitAxis, ItsRectanglesAreHitInTheirOrder) {
     axis.SetPosition(7, 8, 9), axis.GetPosition(nullptr, &start, nullptr);
     EXPECT_EQ(start, 8);
 }
-
-TEST_F(UnitAxis, EveryUnitOfTimeHasItsSpans) {
-    const __int64 second = 1000000, day = 86400 * second;
-    using Span = std::tuple<__int64, __int64>;
-    int i = 0;
-    for (const Span& span : {Span{1, 500}, Span{500, 500000}, Span{500000, 20 * second}, Span{30 * second, 1200 * second},
-                             Span{1800 * second, 36000 * second}, Span{day / 2, 5 * day}, Span{7 * day, 7000 * day}}) {
-        EXPECT_EQ(std::tuple(CAxis::tstsVector[i].m_lower.CvtToInt64(), CAxis::tstsVector[i].m_upper.CvtToInt64()), span) << i;
-        ++i;
-    }
-}

@@ -50,32 +50,6 @@ protected:
     WindowPort port;
 };
 
-TEST_F(ListenerTest, DataArrivesAsAMessage) {
-    Open();
-    EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-    peer.Send("hello");
-    const auto message = box.Next();
-    ASSERT_TRUE(message);
-    EXPECT_EQ(static_cast<UINT>(kMessage), message->message);
-    EXPECT_EQ(0x00000001u, message->wParam);
-    EXPECT_EQ(kParameter, message->lParam);
-    EXPECT_EQ("hello", ReadAll(5));
-}
-
-TEST_F(ListenerTest, AnEventOutsideTheMaskPostsNothing) {
-    Open();
-    EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-    EXPECT_EQ(0, port.SetMask(CSerial::EventCts));
-    peer.Send("not asked for");
-    EXPECT_EQ("not asked for", ReadAll(13));
-    EXPECT_FALSE(box.Waiting());
-    EXPECT_EQ(0, port.SetMask(CSerial::EventReceived));
-    peer.Send("asked for");
-    const auto message = box.Next();
-    ASSERT_TRUE(message);
-    EXPECT_EQ(0x00000001u, message->wParam);
-}
-
 TEST_F(ListenerTest, MessageNumberZeroStandsForTheRegisteredOne) {
     EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, ::RegisterWindowMessageA("CSerialWnd_DefaultComMsg"));
     EXPECT_GE(CSerialWnd::mg_nDefaultComMsg, 0xC000u);
@@ -84,28 +58,6 @@ TEST_F(ListenerTest, MessageNumberZeroStandsForTheRegisteredOne) {
     const auto message = box.Next();
     ASSERT_TRUE(message);
     EXPECT_EQ(CSerialWnd::mg_nDefaultComMsg, message->message);
-}
-
-TEST_F(ListenerTest, AnUnpluggedPortSaysFarewellOnce) {
-    Open();
-    peer.Unplug();
-    ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(port.m_hThread, kSoon)) << "the listener ends by itself";
-    DWORD code = 0;
-    EXPECT_TRUE(::GetExitCodeThread(port.m_hThread, &code));
-    EXPECT_NE(0u, code);
-    EXPECT_EQ(static_cast<LONG>(code), port.GetLastError());
-    EXPECT_TRUE(port.IsOpen()) << "closing is the owner's business";
-
-    int farewells = 0;
-    while (const auto message = box.Waiting()) farewells += message->wParam == kFarewell ? 1 : 0;
-    EXPECT_EQ(1, farewells);
-    EXPECT_EQ(0, port.Close());
-    EXPECT_FALSE(box.Waiting());
-
-    peer.Plug();
-    Open();
-    peer.Send("again");
-    ASSERT_TRUE(box.Next());
 }
 
 TEST_F(ListenerTest, StartsOnceStopsAndStartsAgain) {
@@ -284,16 +236,4 @@ TEST(SerialEx, ListensOnlyWhenAsked) {
     EXPECT_EQ(nullptr, port.m_hevtOverlappedWorkerThread);
 }
 
-TEST_F(ListenerTest, TheOwnerReadsAndWritesWhileItListens) {
-    Open();
-    EXPECT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-    for (int i = 0; i < 100; ++i) {
-        const std::string request = "request " + std::to_string(i);
-        EXPECT_EQ(0, port.Write(request.data(), request.size(), nullptr, nullptr, kSoon));
-        EXPECT_EQ(request, peer.Receive(request.size()));
-        peer.Send(request);
-        EXPECT_EQ(request, ReadAll(request.size()));
-    }
-    EXPECT_TRUE(box.Next());
-}
 }  // namespace

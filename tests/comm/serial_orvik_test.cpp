@@ -160,22 +160,6 @@ TEST_F(SerialOrvikTest, BringsLineEventsAndTheFarewellToTheMainThread) {
     EXPECT_EQ(1, farewells());
 }
 
-TEST_F(SerialOrvikTest, KeepsItsWindowOverReopening) {
-    Open();
-    const HWND window = port.m_wndCom.GetSafeHwnd();
-    EXPECT_NE(nullptr, window);
-    EXPECT_EQ(0, port.Close());
-    EXPECT_EQ(0, port.Open(peer.Name(), nullptr, 0, 0)) << "a port may be nobody's";
-    EXPECT_EQ(window, port.m_wndCom.GetSafeHwnd());
-    // An event of a port without a connection goes nowhere.
-    EXPECT_EQ(0, ::SendMessageA(window, COrvikComWnd::ComMsg, 1, 0));
-    EXPECT_TRUE(connection.events.empty());
-    EXPECT_EQ(0, ::SendMessageA(window, COrvikComWnd::ComMsg, MAKEWPARAM(0x41, 0x0A), reinterpret_cast<LPARAM>(&connection)));
-    ASSERT_EQ(1u, connection.events.size());
-    EXPECT_EQ(0x41u, connection.events[0].event);
-    EXPECT_EQ(0x0Au, connection.events[0].error);
-}
-
 TEST_F(SerialOrvikTest, TracesAnExchange) {
     Traced(true);
     Write("\x01\x02\x03");
@@ -269,28 +253,4 @@ TEST_F(SerialOrvikTest, DestructionFlushesTheLineAndCloseDoesNot) {
     EXPECT_EQ((Text{"COM7 > last words"}), Lines());
 }
 
-TEST_F(SerialOrvikTest, DestructionOfAnOpenPortClosesItAndLeavesTheRecords) {
-    {
-        CSerialOrvik other;
-        ASSERT_EQ(0, other.Open(peer.Name(), &connection, 0, 0));
-        peer.Stream();
-    }
-    EXPECT_EQ(&connection, HolderOf("COM7")) << "taking it off the records is the owner's part";
-    EXPECT_EQ(CSerial::PortAvailable, CSerial::CheckPort(peer.Name()));
-    CSerialDevice::RemoveBusyPort("COM7");
-    CSerialOrvik::m_mapPorts.RemoveAll();
-    PumpOnce();
-}
-
-TEST(BusyPorts, ALaterHolderReplacesAnEarlierOne) {
-    Connection a, b;
-    COrvikConnection* holder = nullptr;
-    EXPECT_FALSE(CSerialDevice::LookupBusyPort("COM3", holder));
-    CSerialDevice::AddBusyPort("COM3", &a);
-    CSerialDevice::AddBusyPort("COM3", &b);
-    EXPECT_TRUE(CSerialDevice::LookupBusyPort("COM3", holder));
-    EXPECT_EQ(&b, holder);
-    EXPECT_TRUE(CSerialDevice::RemoveBusyPort("COM3"));
-    EXPECT_FALSE(CSerialDevice::RemoveBusyPort("COM3"));
-}
 }  // namespace

@@ -35,21 +35,6 @@ TEST_F(SerialTest, AnOverriddenByteWriteSeesTextsToo) {
     EXPECT_EQ("through", peer.Receive(7));
 }
 
-TEST_F(SerialTest, NonBlockingReadTakesWhatIsThere) {
-    for (const bool overlapped : {false, true}) {
-        Open(overlapped);
-        peer.Send("abcdef");
-        if (overlapped) {
-            AwaitArrival();
-        } else {
-            ASSERT_EQ(0, port.WaitEvent(nullptr, INFINITE));
-        }
-        EXPECT_EQ("abcd", Read(4));
-        EXPECT_EQ("ef", Read(4));
-        port.Close();
-    }
-}
-
 TEST_F(SerialTest, EveryByteOfALargeTransferComesThrough) {
     Open();
     ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
@@ -163,19 +148,6 @@ TEST_F(CallersOverlapped, ReadsAreCollectedByTheCaller) {
     EXPECT_TRUE(::GetOverlappedResult(port.GetCommHandle(), &ov, &count, FALSE));
     EXPECT_EQ(1u, count);
     EXPECT_EQ('q', byte);
-}
-
-TEST_F(CallersOverlapped, OneThreadWaitsForEventsWhileItReadsAndWrites) {
-    Open();
-    ASSERT_EQ(0, port.SetupReadTimeouts(CSerial::ReadBlocking));
-    EXPECT_EQ(0, port.WaitEvent(&ov, 0));
-    EXPECT_EQ(WAIT_TIMEOUT, ::WaitForSingleObject(ov.hEvent, 0));
-    EXPECT_EQ(0, port.Write("ask", nullptr, nullptr, kSoon));
-    EXPECT_EQ("ask", peer.Receive(3));
-    peer.Send("answer");
-    EXPECT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(ov.hEvent, kSoon));
-    EXPECT_EQ(CSerial::EventReceived, port.GetEventType());
-    EXPECT_EQ("answer", Read(6));
 }
 
 TEST_F(SerialTest, EventsAreThoseOfTheMask) {

@@ -1,9 +1,7 @@
-// Several transports on one line, and ports on several threads.
+// Several transports on one line.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cctype>
-#include <thread>
 
 #include "comm/serial_device.h"
 #include "tests/comm/transport_user.h"
@@ -87,27 +85,4 @@ TEST(SharedLineTest, ALostConnectionIsOpenedAnewForAll) {
     EXPECT_EQ("y", peer.Receive(1));
 }
 
-TEST(SharedLineTest, PortsOpenAndCloseOnThreads) {
-    constexpr int kTimes = 20;
-    SerialPeer peers[] = {SerialPeer("COM7"), SerialPeer("COM8"), SerialPeer("COM9")};
-    std::atomic<int> opened = 0;
-    std::vector<std::thread> threads;
-    for (const SerialPeer& peer : peers) {
-        threads.emplace_back([&opened, name = peer.Port()] {
-            const Awaiting call("ports to open and close on a thread");
-            User user;
-            for (int i = 0; i < kTimes; ++i) {
-                user.Open(name);
-                COrvikConnection* holder = nullptr;
-                opened += CSerialOrvik::IsPortOpen(name.c_str()) && CSerialDevice::LookupBusyPort(name.c_str(), holder) &&
-                          holder == user.connection;
-                user.Send("x");
-                user.line->Close();
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(kTimes * 3, opened);
-    for (const SerialPeer& peer : peers) EXPECT_FALSE(CSerialOrvik::IsPortOpen(peer.Name()));
-}
 }  // namespace

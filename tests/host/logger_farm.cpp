@@ -3,92 +3,64 @@
 // Each line has loggers of all addresses below 100.
 //   logger_farm COUNT
 #include <fcntl.h>
-#include <sys/epoll.h>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <vector>
+
+#include "plugins/modbus/modbus_frame.h"
 
 namespace {
-constexpr uint8_t kSilent = 100;
-constexpr size_t kRequest = 8;  // unit, function, first, count, CRC
-
-uint16_t Crc(const uint8_t* bytes, size_t size) {
-    uint16_t crc = 0xFFFF;
-    for (size_t i = 0; i < size; ++i) {
-        crc = static_cast<uint16_t>(crc ^ bytes[i]);
-        for (int bit = 0; bit < 8; ++bit) crc = static_cast<uint16_t>(crc & 1 ? crc >> 1 ^ 0xA001 : crc >> 1);
-    }
-    return crc;
-}
+constexpr BYTE kSilent = 100;
 
 struct Logger {
-    int device = -1;
-    std::vector<uint8_t> heard;
-    uint16_t answers = 0;
+    std::vector<BYTE> heard;
+    WORD answers = 0;
 
-    bool Open() {
-        device = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
-        if (device < 0 || grantpt(device) != 0 || unlockpt(device) != 0) return false;
-        const int keeper = open(ptsname(device), O_RDWR | O_NOCTTY | O_CLOEXEC);  // without any opener our end would hang up
-        termios raw{};
-        if (keeper < 0 || tcgetattr(keeper, &raw) != 0) return false;
-        cfmakeraw(&raw);
-        return tcsetattr(keeper, TCSANOW, &raw) == 0 && std::puts(ptsname(device)) >= 0;
-    }
-    void Serve() {
-        uint8_t block[256];
+    void Serve(int device) {
+        BYTE block[256];
         const ssize_t got = read(device, block, sizeof block);
-        if (got <= 0) return;
-        heard.insert(heard.end(), block, block + got);
-        while (heard.size() >= kRequest) {
-            if (Crc(heard.data(), kRequest) != 0) {  // a frame and its own CRC leave nothing
-                heard.erase(heard.begin());
-                continue;
-            }
-            if (heard[0] < kSilent) Answer(heard.data());
-            heard.erase(heard.begin(), heard.begin() + kRequest);
+        if (got > 0) heard.insert(heard.end(), block, block + got);
+        modbus::Request request;
+        for (size_t used = 0; modbus::FindRequest(heard, request, used);) {
+            heard.erase(heard.begin(), heard.begin() + static_cast<std::ptrdiff_t>(used));
+            if (request.slave >= kSilent) continue;
+            const bool good = request.count > 0 && request.count <= modbus::kMaxRegisters;
+            const std::vector<WORD> words(request.count, answers = static_cast<WORD>((answers + good) & 0x3FFF));
+            const std::vector<BYTE> reply =
+                good ? modbus::EncodeReply(request, words) : modbus::EncodeException(request, modbus::kIllegalValue);
+            if (write(device, reply.data(), reply.size()) < 0) return;  // who does not read misses it
         }
-    }
-    void Answer(const uint8_t* request) {
-        const unsigned count = request[4] << 8 | request[5];
-        std::vector<uint8_t> reply = {request[0], request[1]};
-        if (count == 0 || count > 125) {
-            reply[1] |= 0x80;
-            reply.push_back(3);
-        } else {
-            reply.push_back(static_cast<uint8_t>(2 * count));
-            ++answers;
-            for (unsigned i = 0; i < count; ++i)
-                reply.insert(reply.end(), {static_cast<uint8_t>(answers >> 8 & 0x3F), static_cast<uint8_t>(answers)});
-        }
-        const uint16_t crc = Crc(reply.data(), reply.size());
-        reply.insert(reply.end(), {static_cast<uint8_t>(crc), static_cast<uint8_t>(crc >> 8)});
-        if (write(device, reply.data(), reply.size()) < 0) return;  // who does not read misses it
     }
 };
+
+// A pseudo-terminal that is raw and stays, whose name is printed; -1 if there is none.
+int Open() {
+    const int device = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+    if (device < 0 || grantpt(device) != 0 || unlockpt(device) != 0) return -1;
+    const int keeper = open(ptsname(device), O_RDWR | O_NOCTTY | O_CLOEXEC);  // without any opener our end would hang up
+    termios raw{};
+    if (keeper < 0 || tcgetattr(keeper, &raw) != 0) return -1;
+    cfmakeraw(&raw);
+    return tcsetattr(keeper, TCSANOW, &raw) == 0 && std::puts(ptsname(device)) >= 0 ? device : -1;
+}
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int count = argc > 1 ? std::atoi(argv[1]) : 1;
-    std::vector<Logger> loggers(static_cast<size_t>(count));
-    const int poll = epoll_create1(EPOLL_CLOEXEC);
-    for (size_t i = 0; i < loggers.size(); ++i) {
-        epoll_event event{};
-        event.events = EPOLLIN;
-        event.data.u64 = i;
-        if (!loggers[i].Open() || epoll_ctl(poll, EPOLL_CTL_ADD, loggers[i].device, &event) != 0) {
-            std::perror("logger_farm");
-            return 1;
-        }
+    std::vector<Logger> loggers(static_cast<size_t>(argc > 1 ? std::atoi(argv[1]) : 1));
+    std::vector<pollfd> devices;
+    while (devices.size() < loggers.size()) {
+        devices.push_back({Open(), POLLIN, 0});
+        if (devices.back().fd >= 0) continue;
+        std::perror("logger_farm");
+        return 1;
     }
     std::fflush(stdout);
-    for (;;) {
-        epoll_event events[64];
-        const int ready = epoll_wait(poll, events, 64, -1);
-        for (int i = 0; i < ready; ++i) loggers[events[i].data.u64].Serve();
+    while (poll(devices.data(), devices.size(), -1) >= 0) {
+        for (size_t i = 0; i < loggers.size(); ++i) {
+            if (devices[i].revents & POLLIN) loggers[i].Serve(devices[i].fd);
+        }
     }
 }

@@ -5,8 +5,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <random>
 
 #include "host/chart/chart_file.h"
@@ -16,27 +14,19 @@
 #include "host/session/session_file.h"
 #include "host/session/time_stamp.h"
 #include "record/recorder.h"
+#include "tests/support/test_folder.h"
 #include "time/locale_cache.h"
 
 namespace {
-namespace fs = std::filesystem;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr __int64 kBegin = 1'780'000'000'000'000;
 
-class Recorded : public testing::Test {
+class Recorded : public testing::Test, protected TestFolder {
 protected:
-    const fs::path folder = fs::temp_directory_path() / ("orvik-recorded-" + std::to_string(GetCurrentThreadId()));
-    const std::string recording = (folder / "r.rec").string(), session = (folder / "s.odb").string();
+    const std::string recording = Path("r.rec"), session = Path("s.odb");
     CRecorder recorder;
 
-    void SetUp() override {
-        NlsToolsRegister();
-        fs::create_directory(folder);
-    }
-    void TearDown() override {
-        recorder.Close();
-        fs::remove_all(folder);
-    }
+    void SetUp() override { NlsToolsRegister(); }
     void Begin(size_t channels) {
         CPropertyDB facts;
         facts.SetValue("Session.sLogger", "Inlet");
@@ -64,53 +54,8 @@ protected:
             ASSERT_EQ(recorder.AddReading(time, values.data()), 0u);
         }
     }
-    static std::string Bytes(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
 };
-
-bool Same(const ReducedSeries& a, const ReducedSeries& b) {
-    const auto same = [](const ORVIK_CURVE_POINT& p, const ORVIK_CURVE_POINT& q) {
-        return std::isnan(p.x) ? std::isnan(q.x) : p.x == q.x && p.y == q.y;
-    };
-    return a.markers == b.markers && std::equal(a.points.begin(), a.points.end(), b.points.begin(), b.points.end(), same);
-}
 }  // namespace
-
-// Whatever is looked at: the same points, from the index of the file and from all readings.
-TEST_F(Recorded, LinesAreThoseOfTheSession) {
-    constexpr unsigned kCount = 150'000;
-    Begin(3);
-    Add(kCount);
-    for (const bool closed : {false, true}) {
-        if (closed) recorder.Close();
-        FoldRecording(recording, session);
-        const SessionFile folded = OpenSession(session), where = OpenSession(recording);
-        const CInt64Array& times = folded.session->Times();
-        ASSERT_EQ(where.session->Count(), kCount);
-        const auto first = static_cast<double>(times.GetAt(0)), length = static_cast<double>(times.GetAt(kCount - 1)) - first;
-        std::mt19937 random(4);
-        std::uniform_real_distribution<double> part(0, 1);
-        for (int round = 0; round < 60; ++round) {
-            PlotMapping mapping = {first, first + length, 10, 700, -20, 25, 400, 0};
-            if (round > 0) {
-                mapping.fromTime = first + length * (part(random) * 1.2 - 0.1);
-                mapping.toTime = mapping.fromTime + length * std::pow(10, -4 * part(random));
-                mapping.right = static_cast<LONG>(20 + random() % 2000);
-            }
-            if (round % 5 == 4) std::swap(mapping.fromTime, mapping.toTime);
-            const auto lines = where.session->Recorded()->Reduce({2, 0, 1}, {mapping, mapping, mapping});
-            for (size_t i = 0; i < 3; ++i) {
-                const CDoubleArray& values = folded.session->Channels()[(i + 2) % 3].values;
-                const ReducedSeries line = ReduceSeries({times.GetData(), values.GetData(), kCount}, mapping);
-                ASSERT_TRUE(Same(lines[i], line))
-                    << round << " " << i << " " << lines[i].points.size() << " " << line.points.size();
-            }
-        }
-        fs::remove(session);
-    }
-}
 
 // A channel that is read with every thousandth reading has one line, which parts where it was asked for in vain; in every form.
 TEST_F(Recorded, ALineGoesOnOverReadingsThatWereNotDue) {
@@ -131,7 +76,7 @@ TEST_F(Recorded, ALineGoesOnOverReadingsThatWereNotDue) {
     gap.number = 1, gap.from = gap.until = kBegin + kMissed * 1'000'000ll, gap.missed = 1, gap.channels = {1};
     recorder.AddGap(gap);
     recorder.Close();
-    const std::string xml = (folder / "s.xml").string();
+    const std::string xml = Path("s.xml");
     FoldRecording(recording, session);
     FoldRecording(recording, xml);
     for (const std::string& path : {recording, session, xml}) {
@@ -169,8 +114,8 @@ TEST_F(Recorded, ThePictureIsTheSame) {
             ChartModel model(*one.session, {});
             model.Load(*one.db);
             EXPECT_EQ(model.Tags().size(), 1u);
-            WriteChart(model, (folder / kind).string(), {900, 500});
-            pictures.push_back(Bytes(folder / kind));
+            WriteChart(model, Path(kind), {900, 500});
+            pictures.push_back(Read(kind));
         }
         EXPECT_TRUE(std::isnan(one.session->LastValue(1)) || one.session->LastValue(1) < 30);
     }
@@ -187,14 +132,14 @@ TEST_F(Recorded, DamageLeavesTheRest) {
     Begin(2);
     Add(20'000);
     recorder.Close();
-    const std::string whole = Bytes(recording);
+    const std::string whole = BytesOf(recording);
     std::mt19937 random(6);
     for (int round = 0; round < 12; ++round) {
         std::string bytes = whole;
         for (int i = 0; i < 3; ++i) bytes[200 + random() % (bytes.size() - 200)] ^= 0x40;
         if (round > 8) bytes.resize(bytes.size() / 2);
         if (round == 5) bytes.erase(bytes.size() / 2, 7);
-        std::ofstream(recording, std::ios::binary) << bytes;
+        Write("r.rec", bytes);
         const FoldedRecording folded = FoldRecording(recording, session);
         EXPECT_GE(folded.readings, round > 8 || round == 5 ? 9'000u : 19'990u);
         EXPECT_GT(folded.damaged + folded.torn, 0u);
@@ -209,12 +154,12 @@ TEST_F(Recorded, DamageLeavesTheRest) {
         }
         const SessionFile file = OpenSession(recording);
         ChartModel model(*file.session, {});
-        WriteChart(model, (folder / "a.svg").string(), {900, 500});
+        WriteChart(model, Path("a.svg"), {900, 500});
     }
     // Without its first block a recording has lost its names, and nothing else.
     std::string bytes = whole;
     bytes[60] ^= 1;
-    std::ofstream(recording, std::ios::binary) << bytes;
+    Write("r.rec", bytes);
     const SessionFile file = OpenSession(recording);
     EXPECT_EQ(file.session->Count(), 20'000u);
     EXPECT_EQ(file.session->Channels()[1].name, "#2");

@@ -90,52 +90,6 @@ private:
     std::thread m_thread{[this] { m_server.Serve(); }};
 };
 
-// How often each thing happened to 1000 answers of 8 bytes.
-struct Tally {
-    int silent = 0, late = 0, spoiled = 0, split = 0, dropped = 0;
-    bool operator==(const Tally&) const = default;
-};
-Tally Count(const std::vector<std::string>& words, DWORD seed) {
-    LineLogger logger;
-    LineFaults faults(words, logger, 7, seed);
-    CByteArray answer;
-    for (BYTE i = 0; i < 8; ++i) answer.Add(i);
-    const std::vector<BYTE> whole(answer.GetData(), answer.GetData() + 8);
-    Tally tally;
-    for (int i = 0; i < 1000; ++i) {
-        const LineFaults::Fate fate = faults.Next(answer);
-        tally.silent += fate.bytes.empty() && !fate.drop;
-        tally.late += fate.late == 7;
-        tally.spoiled += !fate.bytes.empty() && fate.bytes != whole;
-        tally.split += fate.first > 0 && fate.first < fate.bytes.size();
-        tally.dropped += fate.drop;
-    }
-    return tally;
-}
-
-TEST(LineFaultsTest, HappenAsOftenAsAskedFor) {
-    struct Case {
-        const char* word;
-        int Tally::*what;
-        int times;
-    };
-    for (const Case& c :
-         {Case{"late=20", &Tally::late, 200}, Case{"noise=5", &Tally::spoiled, 50}, Case{"silent=10", &Tally::silent, 100},
-          Case{"split=10", &Tally::split, 100}, Case{"drop=1", &Tally::dropped, 10}}) {
-        SCOPED_TRACE(c.word);
-        const Tally tally = Count({c.word}, 1);
-        EXPECT_NEAR(c.times, tally.*c.what, c.times * 0.4);
-        Tally others = tally;
-        others.*c.what = 0;
-        EXPECT_EQ(Tally(), others);
-    }
-    EXPECT_EQ(1000, Count({"silent"}, 1).silent);
-    EXPECT_EQ(0, Count({"silent=0"}, 1).silent);
-    const std::vector<std::string> all = {"late=20", "noise=5", "silent=10", "split=10", "drop=1"};
-    EXPECT_EQ(Count(all, 5), Count(all, 5));
-    EXPECT_NE(Count(all, 5), Count(all, 6));
-}
-
 TEST(LineFaultsTest, OthersAreTheFamilysOwn) {
     LineLogger logger;
     LineFaults({"crc=3"}, logger, 0, 0);

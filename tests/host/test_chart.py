@@ -243,13 +243,6 @@ class Words(ChartTest):
             self.assertIn(wanted, said)
             self.assertNotIn(unwanted, said)
 
-    def test_the_calendar_before_1972(self):
-        times, wave = waves(100, HOUR, utc(1960, 2, 27), (5, 3, 20))
-        self.session(times, [("Level", "m", wave[0])])
-        said = texts(self.chart())
-        self.assertIn("2/29/1960", said)
-        self.assertNotIn("s", said)
-
     def test_each_kind_of_file(self):
         self.session([utc(2026, 6, 15) + i * SECOND for i in range(9)], [("Counter", "Wh", [1234567.0] * 9), ("Leak", "A", [2.4e-6] * 9)])
         said = texts(self.chart())

@@ -188,24 +188,6 @@ class Stations(HostTest):
         self.assertEqual(self.readings("one.rec")[:len(kept)], kept)
         self.assertIn("did not run", self.host("show", "one.rec", "--gaps").out)
 
-    @native("only there a file's size can be limited")
-    def test_what_a_full_disk_costs_is_missing(self):
-        self.station({"one": (self.simulate(), {"sFor": "8 s", "rInterval": 0.05, "sLogger": "fast.xml"}), "away": (NOWHERE, {"sFor": "8 s"})})
-        (self.folder / "fast.xml").write_text(METER.replace("<PROPERTY name=\"sGroup\">slow</PROPERTY>", ""))
-        process = subprocess.Popen(self.command("record", "st.xml"), cwd=self.folder, env=self.environment(), stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                   encoding="utf-8", restore_signals=False, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000, 5000)))
-        _, loggers = self.until(lambda l: l["one"]["waiting"] > 5 and l["away"]["state"] == "silent")
-        self.assertEqual(loggers["away"]["why"], "there is no such port")
-        out, said = process.communicate(timeout=60)
-        self.assertEqual(process.returncode, 2, said)
-        lost = int(re.search(r"(\d+) readings could not be written", said)[1])
-        made, missing = re.search(r"one: (\d+) readings, (\d+) missing: .*%d x the disk did not take them" % lost, out).groups()
-        self.assertEqual(int(made), len([row for row in self.readings("one.rec")[1:] if row[1]]))
-        self.assertGreaterEqual(int(missing), lost)
-        one = self.status()[1]["loggers"][1]
-        self.assertEqual((one["waiting"], one["missing"], one["made"]), (0, int(missing), int(made)))
-        self.assertIn("could not be written", self.host("status", "st.xml").out)
-
     @native("only there the recorder ends by a signal")
     def test_two_do_not_record_into_one_file(self):
         self.station({"one": (self.simulate(), {})})

@@ -310,19 +310,6 @@ class WindowFlow(unittest.TestCase):
         again.keep("7-reopened")
         self.assertEqual(again.close(), 0)
 
-    def test_swedish_users_have_swedish_menus(self):
-        window = self.open(language="sv_SE.UTF-8")
-        first = self.charted(window)
-        window.drag(self.at(0.45, 0.25), self.at(0.95, 0.75))
-        shown = Picture("root")
-        window.key("alt+r")  # "Redigera"; in English it is another letter
-        until(lambda: Picture("root") != shown, "the menu")
-        until(lambda: (lambda a: a == Picture("root"))(Picture("root")), "the menu to be drawn")
-        window.keep("9-swedish-menu", whole_screen=True)
-        window.key("Return")  # the first item: the step back
-        window.becomes(first, "the picture before")
-        self.assertEqual(window.close(), 0)
-
     def download(self, *words, title, faults=()):
         line = SimulatedLine(options, self.folder, faults)
         self.addCleanup(line.stop)
@@ -362,34 +349,6 @@ class WindowFlow(unittest.TestCase):
         window.key("ctrl+b")
         window.settled()
         self.assertEqual(window.close(keeping="11-question"), 0)
-
-    def test_a_download_is_asked_for_and_cancelled(self):
-        line = SimulatedLine(options, self.folder, ())
-        self.addCleanup(line.stop)
-        window = self.open(environment=simulated_line.environment(options))
-        self.charted(window)
-        window.key("ctrl+d")
-        fields = window.dialog("Download")
-        for text in (line.port, "100000", "100 ms"):
-            xdotool("key", "ctrl+a")
-            xdotool("type", text)
-            xdotool("key", "Tab")
-        run("import", "-window", fields, options.pictures / "12-download-asked-for.png")
-        xdotool("key", "Return")
-        progress = window.dialog("Download", other_than=fields)
-        window.title_start = "Demo logger"
-        until(window.is_modified, "the first reading")
-        before = window.picture()
-        until(lambda: window.picture() != before, "more readings behind the dialog")
-        window.keep("13-downloading-with-progress", whole_screen=True)
-        xdotool("windowfocus", "--sync", progress)
-        xdotool("key", "Escape")
-        until(lambda: not xdotool("search", "--onlyvisible", "--name", "^Download$"), "the end of the dialog")
-        xdotool("windowfocus", "--sync", window.id)
-        shown = window.settled()
-        self.assertTrue(shown.axis(ORANGE), "what was read is kept")
-        self.assertTrue(window.is_modified())
-        self.assertEqual(window.close(keeping="14-question"), 0)
 
     def test_it_can_be_used_while_a_logger_keeps_silent(self):
         # The first answer is awaited for ten minutes; nothing else waits for it.

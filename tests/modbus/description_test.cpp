@@ -7,6 +7,7 @@
 #include "plugins/modbus/modbus_simulator.h"
 #include "tests/support/comm_failure.h"
 #include "tests/support/described.h"
+#include "tests/support/split.h"
 
 using namespace modbus;
 
@@ -55,30 +56,11 @@ TEST(ModbusDescription, WhatIsLeftOutHasItsStandard) {
 }
 
 TEST(ModbusDescription, EveryMistakeNamesItsKey) {
-    for (const std::string mistake : {".nSlave=256",
-                                      ".Line.nBaud=9600.5",
-                                      ".Line.sParity=maybe",
-                                      ".nMost=126",
-                                      ".nAttempts=0",
-                                      "sType=int128",
-                                      "nBit=3",
-                                      "nLength=3",
-                                      "nNumber=40001",
-                                      "sOrder=ABCD",
-                                      "sOrder=middle",
-                                      "sSlave=1",
-                                      "rInvalid=-1",
-                                      "sInvalid=65535 0x10000",
-                                      "nWrite=16",
-                                      "bWritable=maybe",
-                                      "nRegister=65536",
-                                      "nRegister=ten",
-                                      "nRegister=10 x",
-                                      "nRegister=",
-                                      "nFunction=6",
-                                      "rScale=0",
-                                      "rScale=0,1",
-                                      "rOffset=inf"}) {
+    for (const std::string& mistake :
+         Split(".nSlave=256|.Line.nBaud=9600.5|.Line.sParity=maybe|.nMost=126|.nAttempts=0|sType=int128|nBit=3|nLength=3|nNumber="
+               "40001|sOrder=ABCD|sOrder=middle|sSlave=1|rInvalid=-1|sInvalid=65535 "
+               "0x10000|nWrite=16|bWritable=maybe|nRegister=65536|nRegister=ten|nRegister=10 "
+               "x|nRegister=|nFunction=6|rScale=0|rScale=0,1|rOffset=inf")) {
         const std::string key = mistake.substr(0, mistake.find('='));
         const std::string named = key[0] == '.' ? key.substr(1) : "Channels.1." + key, said = Refusal(With(mistake));
         EXPECT_TRUE(said.starts_with(named)) << mistake << ": " << said;
@@ -246,22 +228,6 @@ TEST(ModbusValues, EncodeTakesTheNearest) {
     Channel text = Of(ValueType::Text);
     text.length = 3;
     EXPECT_EQ(Encode(text, -21.123456), (std::vector<WORD>{0x2D32, 0x312E, 0x3132}));  // "-21.12"
-}
-
-TEST(ModbusValues, WhatATypeCannotHoldIsKnown) {
-    using enum ValueType;
-    struct Case {
-        ValueType type;
-        double scale, value;
-    };
-    const Case can[] = {{Int16, 1, 32767},   {Uint16, 0.1, 21.3}, {Uint32, 0.001, 4294967.295},
-                        {Int64, 1, -0x1p53}, {Float32, 1, 0.1},   {Float64, 1, 1e300},
-                        {Bcd16, 1, 9999},    {Bool, 1, 1}};
-    const Case cannot[] = {{Int16, 1, 32768},      {Int16, 1, -32769},      {Uint16, 1, -1},     {Uint16, 0.1, 21.35},
-                           {Uint16, 1, 0.5},       {Int64, 1, -0x1p53 - 2}, {Uint64, 1, 0x1p54}, {Float32, 1, 1e39},
-                           {Float64, 1, INFINITY}, {Float64, 1, NAN},       {Bcd16, 1, 10000},   {Bool, 1, 2}};
-    for (const Case& one : can) EXPECT_TRUE(CanHold(Of(one.type, kHighFirst, one.scale), one.value)) << one.value;
-    for (const Case& one : cannot) EXPECT_FALSE(CanHold(Of(one.type, kHighFirst, one.scale), one.value)) << one.value;
 }
 
 TEST(ModbusPlan, JoinsNeighboursAndNothingElse) {

@@ -1,25 +1,88 @@
-// Others' implementations on the far end: servers of libmodbus and pymodbus are read as they read themselves, and mbpoll reads
-// the simulator, over a pseudo-terminal and over a network.
+// Others' implementations on the far end: servers of libmodbus are read as they read themselves, and written to; mbpoll reads the
+// simulator.
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <modbus.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <bit>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <mutex>
-#include <sstream>
+#include <thread>
 
 #include "plugins/modbus/modbus_logger.h"
-#include "plugins/modbus/modbus_mbap.h"
 #include "plugins/modbus/modbus_simulator.h"
 #include "propdb/property_db.h"
-#include "tests/modbus/far_end.h"
-#include "tests/support/tcp_peer.h"
 
 namespace {
+// The far end of a pseudo-terminal, with what plays the logger there on a thread of its own.
+class FarEnd {
+public:
+    FarEnd() {
+        m_fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        grantpt(m_fd);
+        unlockpt(m_fd);
+        termios raw;
+        tcgetattr(m_fd, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(m_fd, TCSANOW, &raw);
+        m_name = ptsname(m_fd);
+    }
+    ~FarEnd() {
+        Stop();
+        close(m_fd);
+    }
+    void Stop() {
+        m_stopping = true;
+        if (m_thread.joinable()) m_thread.join();
+    }
+    const char* Name() const { return m_name.c_str(); }
+
+    // As libmodbus serves these registers and coils, whose contents stay the caller's.
+    void ServeLibmodbus(int slave, modbus_mapping_t* map) {
+        m_thread = std::thread([this, slave, map] {
+            modbus_t* context = modbus_new_rtu(m_name.c_str(), 19200, 'N', 8, 1);
+            modbus_set_slave(context, slave);
+            modbus_set_socket(context, m_fd);
+            modbus_set_indication_timeout(context, 0, 50'000);
+            while (!m_stopping) {
+                uint8_t query[MODBUS_RTU_MAX_ADU_LENGTH];
+                const int length = modbus_receive(context, query);
+                if (length > 0) modbus_reply(context, query, length, map);
+            }
+            modbus_free(context);
+        });
+    }
+
+    // Whatever comes is handed to `answer`, piece by piece; what it gives goes back.
+    void ServeBytes(std::function<std::vector<BYTE>(const BYTE*, size_t)> answer) {
+        m_thread = std::thread([this, answer = std::move(answer)]() mutable {
+            while (!m_stopping) {
+                pollfd waiting = {m_fd, POLLIN, 0};
+                if (poll(&waiting, 1, 20) <= 0 || !(waiting.revents & POLLIN)) continue;
+                BYTE block[256];
+                const ssize_t got = read(m_fd, block, sizeof block);
+                const std::vector<BYTE> reply = got > 0 ? answer(block, static_cast<size_t>(got)) : std::vector<BYTE>();
+                if (!reply.empty() && write(m_fd, reply.data(), reply.size()) < 0) return;
+            }
+        });
+    }
+
+private:
+    int m_fd = -1;
+    std::string m_name;
+    std::thread m_thread;
+    std::atomic<bool> m_stopping = false;
+};
+
 // A description of channels in the order in which they are added.
 class Device {
 public:
@@ -143,23 +206,6 @@ private:
     FILE* m_out = nullptr;
 };
 
-// The simulator at the far end, and the last answer that it gave.
-class Simulated {
-public:
-    Simulated(Device& device, const char* address) : m_simulator(device.Description()) { m_simulator.SetLine(address); }
-    std::vector<BYTE> Answer(const BYTE* bytes, size_t size) {
-        CByteArray reply;
-        m_simulator.Receive(bytes, size, reply);
-        if (reply.GetSize() != 0) last.assign(reply.GetData(), reply.GetData() + reply.GetSize());
-        return {reply.GetData(), reply.GetData() + reply.GetSize()};
-    }
-    std::vector<BYTE> last;
-
-private:
-    modbus::Simulator m_simulator;
-};
-
-constexpr int kPolls = 8;
 // What mbpoll understands, against the answer that it was given; a call and a connection for each poll.
 void PollAndCompare(std::vector<std::string> words, const std::function<modbus::Answer()>& given) {
     const struct {
@@ -167,10 +213,10 @@ void PollAndCompare(std::vector<std::string> words, const std::function<modbus::
         modbus::ValueType type;
         bool bigEndian;
         BYTE function;
-    } rows[kPolls] = {{"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
-                      {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
-                      {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
-                      {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4}};
+    } rows[] = {{"0", modbus::ValueType::Bool, false, 1},         {"1", modbus::ValueType::Bool, false, 2},
+                {"3", modbus::ValueType::Uint16, false, 4},       {"4", modbus::ValueType::Uint16, false, 3},
+                {"4:int", modbus::ValueType::Int32, true, 3},     {"4:int", modbus::ValueType::Int32, false, 3},
+                {"4:float", modbus::ValueType::Float32, true, 3}, {"3:float", modbus::ValueType::Float32, false, 4}};
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.kind << row.bigEndian);
         const int first = std::string(row.kind).size() == 1 ? 1 : row.type == modbus::ValueType::Int32 ? 11 : 21;
@@ -210,50 +256,7 @@ Device Polled() {
     }
     return device;
 }
-// Everything that a pymodbus server says it has, read from where `port` says, or else from where it says.
-void ReadPymodbus(std::vector<std::string> words, const char* port) {
-    // Debian's, whose packages another Python in the path may lack.
-    words.insert(words.begin(), {"/usr/bin/python3", std::string(ORVIK_TEST_FOLDER) + "/pymodbus_server.py"});
-    Program server(std::move(words));
-    std::string line;
-    ASSERT_TRUE(server.Line(line)) << "python3-pymodbus is missing; tools/install-packages native";
-    const std::string address = port != nullptr ? port : line;
-    Device device(7);
-    device.Database().SetValue("Line.nBaud", 19200u);
-    std::vector<std::string> lines;
-    std::vector<double> expected;
-    while (server.Line(line) && line != "ready") {
-        unsigned slave = 0, function = 0, first = 0;
-        std::string type, order, value;
-        std::istringstream(line) >> slave >> function >> first >> type >> order >> value;
-        device.Add(slave, function, first, type.c_str(), order.c_str());
-        expected.push_back(std::stod(value));
-        lines.push_back(line);
-    }
-    ASSERT_GT(lines.size(), 400u);
-    modbus::Logger logger(device.Description());
-    logger.Connect(address.c_str(), 5000);
-    CDoubleArray values;
-    logger.ReadSample(values);
-    for (size_t i = 0; i < lines.size(); ++i) {
-        const bool narrow = lines[i].find("float32") != std::string::npos;
-        const double value = narrow ? static_cast<float>(expected[i]) : expected[i];
-        EXPECT_EQ(values.GetAt(static_cast<INT_PTR>(i)), value) << lines[i];
-    }
-}
 }  // namespace
-
-TEST(ModbusPeer, LibmodbusOverASerialLine) {
-    Libmodbus peer;
-    Device device = peer.Channels(17);
-    FarEnd far;
-    far.ServeLibmodbus(17, peer.map);
-    device.Database().SetValue("Line.nBaud", 19200u);
-    modbus::Logger logger(device.Description());
-    logger.Connect(far.Name(), 2000);
-    for (int round = 0; round < 3; ++round) peer.Check(logger);
-    EXPECT_TRUE(logger.Connection().IsConnected());
-}
 
 TEST(ModbusPeer, LibmodbusOverANetwork) {
     Libmodbus peer;
@@ -309,52 +312,24 @@ TEST(ModbusPeer, LibmodbusIsWrittenTo) {
     EXPECT_EQ(MODBUS_GET_INT64_FROM_INT16(peer.map->tab_registers, 20), -9'007'199'254'740'993);
 }
 
-TEST(ModbusPeer, PymodbusOverASerialLine) {
-    FarEnd ours, its;
-    ours.Join(its);
-    ReadPymodbus({its.Name()}, ours.Name());
-}
-
-TEST(ModbusPeer, PymodbusOverANetwork) { ReadPymodbus({}, nullptr); }
-
 TEST(ModbusPeer, MbpollReadsTheSimulatorOverASerialLine) {
     Device device = Polled();
     FarEnd far;
-    Simulated simulated(device, far.Name());
+    modbus::Simulator simulator(device.Description());
+    simulator.SetLine(far.Name());
     std::mutex guard;
+    std::vector<BYTE> last;  // answer that it gave
     far.ServeBytes([&](const BYTE* bytes, size_t size) {
         const std::lock_guard lock(guard);
-        return simulated.Answer(bytes, size);
+        CByteArray reply;
+        simulator.Receive(bytes, size, reply);
+        const std::vector<BYTE> said(reply.GetData(), reply.GetData() + reply.GetSize());
+        if (!said.empty()) last = said;
+        return said;
     });
     PollAndCompare({"-m", "rtu", "-b", "19200", "-P", "none", far.Name()}, [&] {
         const std::lock_guard lock(guard);
         size_t begin = 0, end = 0;
-        return modbus::FindAnswer(simulated.last, begin, end).value_or(modbus::Answer{});
+        return modbus::FindAnswer(last, begin, end).value_or(modbus::Answer{});
     });
-}
-
-TEST(ModbusPeer, MbpollReadsTheSimulatorOverANetwork) {
-    Device device = Polled();
-    TcpPeer peer;
-    const std::string address = peer.Address();
-    Simulated simulated(device, address.c_str());
-    std::mutex guard;
-    std::thread server([&] {
-        for (int poll = 0; poll < kPolls; ++poll) {
-            peer.Accept();
-            const std::string asked = peer.Receive(12);
-            const std::lock_guard lock(guard);
-            const std::vector<BYTE> reply = simulated.Answer(reinterpret_cast<const BYTE*>(asked.data()), asked.size());
-            peer.Send({reinterpret_cast<const char*>(reply.data()), reply.size()});
-        }
-    });
-    PollAndCompare({"-m", "tcp", "-p", address.substr(address.rfind(':') + 1), "127.0.0.1"}, [&] {
-        const std::lock_guard lock(guard);
-        modbus::Answer answer;
-        WORD transaction = 0;
-        size_t used = 0;
-        EXPECT_EQ(modbus::FirstAnswer(simulated.last, transaction, answer, used), modbus::NetworkEnd::Whole);
-        return answer;
-    });
-    server.join();
 }

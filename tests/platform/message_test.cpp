@@ -60,29 +60,9 @@ protected:
         while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
         }
     }
-    static std::vector<UINT> Told(HWND window) {
-        std::vector<UINT> told;
-        for (const Note& note : g_notes) {
-            if (note.window == window && (note.message == WM_NCCREATE || note.message == WM_CREATE ||
-                                          note.message == WM_DESTROY || note.message == WM_NCDESTROY || note.message >= WM_USER))
-                told.push_back(note.message);
-        }
-        return told;
-    }
     HWND window = nullptr;
 };
 }  // namespace
-
-TEST_F(MessageTest, WindowIsToldOfItsLife) {
-    window = Make();
-    ASSERT_NE(window, nullptr);
-    EXPECT_TRUE(IsWindow(window));
-    EXPECT_EQ(GetWindowThreadProcessId(window, nullptr), GetCurrentThreadId());
-    EXPECT_TRUE(DestroyWindow(window));
-    EXPECT_EQ(Told(window), (std::vector<UINT>{WM_NCCREATE, WM_CREATE, WM_DESTROY, WM_NCDESTROY}));
-    EXPECT_FALSE(IsWindow(window));
-    EXPECT_FALSE(DestroyWindow(window));
-}
 
 TEST_F(MessageTest, RefusedCreationLeavesNothing) {
     EXPECT_EQ(Make(WM_NCCREATE), nullptr);
@@ -103,22 +83,6 @@ TEST_F(MessageTest, ClassesAreKnownByNameAndInstance) {
     EXPECT_EQ(CreateWindowExA(0, "OrvikNoSuchClass", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, Instance(), nullptr), nullptr);
     window = Make();
     EXPECT_FAILS(UnregisterClassA(kClass, Instance()), ERROR_CLASS_HAS_WINDOWS);
-}
-
-TEST_F(MessageTest, WindowKeepsNumbersAndText) {
-    window = Make();
-    char text[4];
-    EXPECT_EQ(GetWindowTextA(window, text, sizeof text), 3);
-    EXPECT_STREQ(text, "Ser");
-    EXPECT_TRUE(SetWindowTextA(window, "B"));
-    EXPECT_EQ(GetWindowTextLengthA(window), 1);
-    EXPECT_EQ(SetWindowLongPtrA(window, GWLP_USERDATA, 42), 0);
-    EXPECT_EQ(SetWindowLongPtrA(window, 8, 43), 0);
-    EXPECT_EQ(GetWindowLongPtrA(window, GWLP_USERDATA), 42);
-    EXPECT_EQ(GetWindowLongPtrA(window, 8), 43);
-    SetLastError(0);
-    EXPECT_EQ(GetWindowLongPtrA(window, 12), 0);  // would reach beyond the class's 16 bytes
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_INDEX});
 }
 
 TEST_F(MessageTest, PostedMessagesKeepTheirOrderAndFilter) {
@@ -158,22 +122,6 @@ TEST_F(MessageTest, MessagesOfADeadWindowAreDropped) {
     EXPECT_FALSE(PeekMessageA(&message, nullptr, WM_USER, WM_APP, PM_REMOVE));
     EXPECT_FAILS(PostMessageA(window, WM_USER + 10, 1, 0), ERROR_INVALID_WINDOW_HANDLE);
     EXPECT_EQ(SendMessageA(window, WM_USER + 1, 1, 0), 0);
-}
-
-TEST_F(MessageTest, PostsFromOtherThreadsWakeTheReader) {
-    window = Make();
-    constexpr WPARAM kCount = 500;
-    std::thread poster([this] {
-        for (WPARAM i = 0; i < kCount; ++i) PostMessageA(window, WM_USER + 10, i, 0);
-    });
-    for (WPARAM i = 0; i < kCount; ++i) {
-        MSG message{};
-        ASSERT_GT(GetMessageA(&message, window, 0, 0), 0);
-        ASSERT_EQ(message.wParam, i);
-        DispatchMessageA(&message);
-    }
-    poster.join();
-    EXPECT_EQ(Told(window).size(), 2 + kCount);
 }
 
 TEST_F(MessageTest, SendingToAnotherThreadWaitsForTheAnswer) {
@@ -220,40 +168,4 @@ TEST_F(MessageTest, MsgWaitSeesOnlyWhatIsNew) {
     // Seen and left: no reason to wake.
     EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, 0, QS_ALLINPUT), DWORD{WAIT_TIMEOUT});
     EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
-}
-
-namespace {
-int g_ticks = 0;
-void CALLBACK Tick(HWND, UINT, UINT_PTR id, DWORD) {
-    if (++g_ticks == 3) {
-        KillTimer(nullptr, id);
-        PostQuitMessage(0);
-    }
-}
-}  // namespace
-
-TEST_F(MessageTest, ThreadTimersCallTheirProcedure) {
-    g_ticks = 0;
-    EXPECT_NE(SetTimer(nullptr, 0, 10, Tick), 0u);
-    MSG message{};
-    while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
-    EXPECT_EQ(g_ticks, 3);
-}
-
-TEST_F(MessageTest, WindowTimersPostTheirNumberAndEndWhenKilled) {
-    window = Make();
-    EXPECT_NE(SetTimer(window, 77, 10, nullptr), 0u);
-    MSG message{};
-    ASSERT_GT(GetMessageA(&message, nullptr, WM_TIMER, WM_TIMER), 0);
-    EXPECT_EQ(message.hwnd, window);
-    EXPECT_EQ(message.wParam, 77u);
-    EXPECT_TRUE(KillTimer(window, 77));
-    EXPECT_FALSE(KillTimer(window, 77));
-}
-
-TEST_F(MessageTest, RegisteredMessagesHaveOneNumberAName) {
-    const UINT first = RegisterWindowMessageA("OrvikTest_First");
-    EXPECT_GE(first, 0xC000u);
-    EXPECT_EQ(RegisterWindowMessageA("OrvikTest_First"), first);
-    EXPECT_NE(RegisterWindowMessageA("OrvikTest_Second"), first);
 }

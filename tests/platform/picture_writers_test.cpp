@@ -9,28 +9,6 @@
 #include "tests/platform/png_reader.h"
 
 namespace {
-// Any pixels must come back, whatever patterns they make: noise, runs, repeated rows, plain areas, repetitions at the longest
-// distance, and codes so uneven that they must be flattened.
-TEST(PngWriter, PixelsComeBack) {
-    std::mt19937 random(7);
-    struct Row {
-        int width, height;
-        uint32_t colours;  // 0: all
-    };
-    for (const Row& c : {Row{1, 1, 2}, Row{2, 1, 0}, Row{7, 1, 0}, Row{1, 9, 3}, Row{300, 200, 1}, Row{257, 129, 0},
-                         Row{640, 300, 40}, Row{10923, 5, 0}}) {
-        const auto width = static_cast<size_t>(c.width);
-        std::vector<uint32_t> pixels(width * static_cast<size_t>(c.height));
-        for (size_t i = 0; i < pixels.size(); ++i) {
-            const uint32_t any = static_cast<uint32_t>(random());
-            const bool repeats = i >= width && i / width % 5 != 0;
-            pixels[i] = repeats ? pixels[i - width] : c.colours == 0 ? any & 0xFFFFFF : any % c.colours * 0x010305;
-        }
-        const PngImage image = ReadPng(orvik::detail::PngFile(pixels.data(), width, c.width, c.height));
-        EXPECT_EQ(image.width, c.width);
-        EXPECT_EQ(image.pixels, pixels) << c.width << " x " << c.height;
-    }
-}
 
 // The writer of PDF files by itself, on both homes: a reader finds each object where the table says, and text as it was drawn.
 TEST(PdfWriter, FileIsWellFormed) {

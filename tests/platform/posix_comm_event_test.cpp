@@ -10,46 +10,6 @@
 #include "tests/platform/posix_port_fixture.h"
 #include "tests/support/last_error.h"
 
-TEST_F(PortTest, SettingTheMaskEndsAPendingWait) {
-    Open();
-    ASSERT_TRUE(SetCommMask(port, EV_RXCHAR));
-    Overlapped first, second;
-    DWORD events = 99, other = 0;
-    ASSERT_FALSE(WaitCommEvent(port, &events, &first));
-    EXPECT_FAILS(WaitCommEvent(port, &other, &second), ERROR_INVALID_PARAMETER);
-    std::thread setter([&] { EXPECT_TRUE(SetCommMask(port, EV_RXCHAR)); });
-    EXPECT_EQ(WaitForSingleObject(first.hEvent, kLong), WAIT_OBJECT_0);
-    setter.join();
-    EXPECT_EQ(events, 0u);
-    DWORD mask = 0;
-    EXPECT_TRUE(GetCommMask(port, &mask));
-    EXPECT_EQ(mask, DWORD{EV_RXCHAR});
-    ASSERT_TRUE(SetCommMask(port, 0));
-    EXPECT_FAILS(WaitCommEvent(port, &events, &first), ERROR_INVALID_PARAMETER);
-}
-
-TEST_F(PortTest, PurgeDropsWhatWasReceived) {
-    Open();
-    SetReading(MAXDWORD, 0, 0);
-    FarSends("abc");
-    Arrive(3);
-    char got[8];
-    DWORD count;
-    Overlapped ov;
-    ASSERT_TRUE(ReadFile(port, got, 1, &count, &ov));
-    ASSERT_TRUE(PurgeComm(port, PURGE_TXCLEAR | PURGE_RXCLEAR));
-    ASSERT_TRUE(ReadFile(port, got, 8, &count, &ov));
-    EXPECT_EQ(count, 0u);
-    EXPECT_FALSE(PurgeComm(port, 0));
-    // Clearing leaves a pending read alone; aborting ends it.
-    SetReading(0, 0, 0);
-    ASSERT_FALSE(ReadFile(port, got, 8, &count, &ov));
-    ASSERT_TRUE(PurgeComm(port, PURGE_RXCLEAR));
-    EXPECT_EQ(WaitForSingleObject(ov.hEvent, 0), WAIT_TIMEOUT);
-    ASSERT_TRUE(PurgeComm(port, PURGE_RXABORT));
-    EXPECT_FAILS(GetOverlappedResult(port, &ov, &count, FALSE), ERROR_OPERATION_ABORTED);
-}
-
 TEST_F(PortTest, SettingsReadBackAsAsked) {
     Open();
     using Row = std::tuple<DWORD, BYTE, BYTE, BYTE, bool>;

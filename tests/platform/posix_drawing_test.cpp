@@ -65,15 +65,4 @@ TEST(Canvas, BytesAreLettersOfWindows1252) {
     DeleteDC(dc);
 }
 
-TEST(Canvas, RegionsKeepOneForm) {
-    PixelRegion pieces(RECT{0, 0, 4, 2});
-    for (const RECT& rect : {RECT{2, 2, 4, 6}, RECT{0, 2, 2, 6}, RECT{4, 0, 9, 6}}) pieces.Combine(rect, RGN_OR);
-    EXPECT_TRUE(pieces == PixelRegion(RECT{0, 0, 9, 6})) << pieces.Rects().size();
-    pieces.Combine(RECT{3, 3, 5, 5}, RGN_DIFF);
-    EXPECT_EQ(pieces.Rects().size(), 4u);
-    EXPECT_FALSE(pieces.Contains(4, 4));
-    pieces.Combine(RECT{3, 3, 5, 5}, RGN_XOR);
-    EXPECT_TRUE(pieces == PixelRegion(RECT{0, 0, 9, 6}));
-}
-
 }  // namespace

@@ -66,19 +66,6 @@ TEST_F(PosixFileNames, DrivesAndBackslashesLeadToTheSameFile) {
     EXPECT_EQ(SystemPath(orvik::detail::HouseFrom1252("C:\\m\xE4t\\\x80")), "/m\xC3\xA4t/\xE2\x82\xAC");
 }
 
-TEST_F(PosixFileNames, OtherComputersAndMissingDrivesLeadNowhere) {
-    Make("a.txt");
-    std::string unc = "\\\\" + folder.string().substr(1) + "/a.txt";
-    std::replace(unc.begin(), unc.end(), '/', '\\');
-    for (const std::string& name : {unc, std::string("Q:\\a.txt"), std::string("Q:a.txt"), std::string("\\\\.\\C:")}) {
-        EXPECT_FALSE(IsThere(name)) << name;
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND}) << name;
-        EXPECT_FALSE(CopyFileA("a.txt", name.c_str(), TRUE)) << name;
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND}) << name;
-    }
-    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 1);
-}
-
 static Names InHouseText(const Names& names) {
     Names in;
     for (const auto& name : names) in.insert(in.end(), orvik::detail::HouseFrom1252(name));

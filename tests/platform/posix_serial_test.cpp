@@ -5,23 +5,6 @@
 #include "tests/platform/posix_port_fixture.h"
 #include "tests/support/last_error.h"
 
-TEST_F(PortTest, BlockingReadWaitsForTheWholeCount) {
-    Open();
-    SetReading(0, 0, 0);
-    char got[4];
-    DWORD count = 0;
-    Overlapped ov;
-    FarSends("ab");
-    ASSERT_FALSE(ReadFile(port, got, 4, &count, &ov));
-    ASSERT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
-    EXPECT_EQ(WaitForSingleObject(ov.hEvent, 20), WAIT_TIMEOUT);
-    EXPECT_FAILS(GetOverlappedResult(port, &ov, &count, FALSE), ERROR_IO_INCOMPLETE);
-    FarSends("cd");
-    EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
-    ASSERT_TRUE(GetOverlappedResult(port, &ov, &count, FALSE));
-    EXPECT_EQ(std::string(got, count), "abcd");
-}
-
 TEST_F(PortTest, ReadTimeoutsFollowTheirRules) {
     struct Case {
         const char* what;
@@ -123,47 +106,6 @@ TEST_F(PortTest, FullReceiveBufferLeavesTheRestWithTheSystem) {
     sender.join();
     EXPECT_EQ(count, much.size());
     EXPECT_EQ(got, much);
-}
-
-TEST_F(PortTest, CloseEndsWhatOtherThreadsWaitFor) {
-    for (const DWORD flags : {DWORD{0}, DWORD{FILE_FLAG_OVERLAPPED}}) {
-        Open(flags);
-        HANDLE started = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-        DWORD error = 0;
-        std::thread reader([&] {
-            char byte;
-            DWORD count = 0;
-            Overlapped ov;
-            SetEvent(started);
-            if (!ReadFile(port, &byte, 1, &count, flags ? &ov : nullptr)) error = GetLastError();
-            if (error == ERROR_IO_PENDING) {
-                EXPECT_EQ(WaitForSingleObject(ov.hEvent, kLong), WAIT_OBJECT_0);
-                error = static_cast<DWORD>(ov.Internal);
-            }
-        });
-        WaitForSingleObject(started, kLong);
-        Sleep(20);  // into the read; the other order ends with 6, which is right too
-        Close();
-        reader.join();
-        EXPECT_TRUE(error == ERROR_OPERATION_ABORTED || error == ERROR_INVALID_HANDLE) << error;
-        CloseHandle(started);
-    }
-    Open();  // the lock went with the handle
-}
-
-TEST_F(PortTest, UnpluggingEndsABlockedReadAndWrite) {
-    Open();
-    SetReading(0, 0, 0);
-    Overlapped reading, writing;
-    const std::string much(300'000, 'x');
-    char byte;
-    DWORD count;
-    ASSERT_FALSE(ReadFile(port, &byte, 1, &count, &reading));
-    ASSERT_FALSE(WriteFile(port, much.data(), static_cast<DWORD>(much.size()), &count, &writing));
-    far.Unplug();
-    const HANDLE both[] = {reading.hEvent, writing.hEvent};
-    EXPECT_EQ(WaitForMultipleObjects(2, both, TRUE, kLong), WAIT_OBJECT_0);
-    for (Overlapped* each : {&reading, &writing}) EXPECT_FAILS(GetOverlappedResult(port, each, &count, FALSE), ERROR_NOT_READY);
 }
 
 // A listener, a reader, a writer and a closer at once; what counts is that the sanitizers find nothing and everybody ends.

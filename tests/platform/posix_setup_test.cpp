@@ -113,32 +113,3 @@ TEST_F(DeviceListTest, LinksNamePortsOnce) {
     EXPECT_FALSE(GetDefaultCommConfigA("COM8", &config, &size));
     CloseHandle(port);
 }
-
-TEST_F(DeviceListTest, WrongUseIsRefused) {
-    DWORD count = 9, size = 2;
-    EXPECT_TRUE(SetupDiClassGuidsFromNameA("Modem", nullptr, 0, &count));
-    EXPECT_EQ(count, 0u);
-    EXPECT_FAILS(SetupDiClassGuidsFromNameA("ports", nullptr, 0, &count), ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(count, 1u);
-    EXPECT_EQ(SetupDiGetClassDevsA(nullptr, nullptr, nullptr, DIGCF_PRESENT), INVALID_HANDLE_VALUE);
-    EXPECT_FALSE(SetupDiDestroyDeviceInfoList(INVALID_HANDLE_VALUE));
-
-    Tty("ttyS0", "pnp/00:01", "4");
-    const HDEVINFO set = SetupDiGetClassDevsA(nullptr, nullptr, nullptr, DIGCF_PRESENT | DIGCF_ALLCLASSES);
-    SP_DEVINFO_DATA device{};
-    EXPECT_FALSE(SetupDiEnumDeviceInfo(set, 0, &device));  // without its size
-    device.cbSize = sizeof device;
-    ASSERT_TRUE(SetupDiEnumDeviceInfo(set, 0, &device));
-    const HKEY key = SetupDiOpenDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_DEV, KEY_QUERY_VALUE);
-    BYTE small[2];
-    DWORD type = 0;
-    EXPECT_EQ(RegQueryValueExA(key, "PortName", nullptr, &type, small, &size), LSTATUS{ERROR_MORE_DATA});
-    EXPECT_EQ(size, 5u);  // "COM1" and its end
-    EXPECT_EQ(RegQueryValueExA(key, "PortName", nullptr, &type, nullptr, &size), 0);
-    EXPECT_EQ(RegQueryValueExA(key, "Other", nullptr, &type, nullptr, &size), LSTATUS{ERROR_FILE_NOT_FOUND});
-    device.DevInst = 99;
-    EXPECT_EQ(SetupDiOpenDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_DEV, KEY_QUERY_VALUE),
-              static_cast<HKEY>(INVALID_HANDLE_VALUE));
-    RegCloseKey(key);
-    SetupDiDestroyDeviceInfoList(set);
-}

@@ -77,17 +77,6 @@ TEST_F(WindowTreeTest, WrongParentsAreRefused) {
     DestroyWindow(top);
 }
 
-TEST_F(WindowTreeTest, EnablingIsToldOnce) {
-    const HWND top = Make("top", nullptr, WS_POPUP | WS_VISIBLE);
-    EXPECT_FALSE(EnableWindow(top, FALSE));
-    EXPECT_TRUE(EnableWindow(top, FALSE));
-    EXPECT_FALSE(IsWindowEnabled(top));
-    EXPECT_TRUE(EnableWindow(top, TRUE));
-    EXPECT_TRUE(IsWindowVisible(top));
-    EXPECT_EQ(g_told, (std::vector<std::string>{"disabled", "enabled"}));
-    DestroyWindow(top);
-}
-
 TEST(Queues, AreBoundedAndBelongToThreadsThatRead) {
     MSG message{};
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {

@@ -111,40 +111,6 @@ TEST_F(WindowImageTest, ChildrenAndSiblingsClip) {
     EXPECT_EQ(Pixel(a, 0, 0), kRed);
 }
 
-TEST_F(WindowImageTest, AContextFollowsItsWindow) {
-    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 110, 110});
-    Pump();
-    const HDC dc = GetDC(top);
-    EXPECT_EQ(WindowFromDC(dc), top);
-    SetWindowPos(top, nullptr, 0, 0, 300, 200, SWP_NOMOVE | SWP_NOZORDER);
-    Pump();
-    Fill(dc, {280, 180, 300, 200}, kBlue);
-    EXPECT_EQ(Pixel(top, 290, 190), kBlue);
-    // Inverting twice leaves nothing behind.
-    const RECT band{50, 50, 290, 190};
-    InvertRect(dc, &band);
-    EXPECT_EQ(Pixel(top, 60, 60), RGB(0, 0, 0));
-    InvertRect(dc, &band);
-    EXPECT_EQ(Pixel(top, 60, 60), kWhite);
-    EXPECT_EQ(Pixel(top, 285, 185), kBlue);
-    EXPECT_EQ(ReleaseDC(top, dc), 1);
-}
-
-TEST_F(WindowImageTest, ScrollingMovesThePictureAndInvalidatesTheRest) {
-    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 210, 110});
-    Pump();
-    HDC dc = GetDC(top);
-    Fill(dc, {10, 10, 20, 20}, kBlue);
-    ReleaseDC(top, dc);
-    RECT update;
-    ScrollWindowEx(top, 30, 0, nullptr, nullptr, nullptr, &update, SW_INVALIDATE | SW_ERASE);
-    EXPECT_EQ(Text(update), "0,0,30,100");
-    EXPECT_EQ(Pixel(top, 45, 15), kBlue);
-    Pump();
-    EXPECT_EQ(Pixel(top, 15, 15), kWhite);
-    EXPECT_EQ(Pixel(top, 45, 15), kBlue);
-}
-
 TEST_F(WindowImageTest, UpdateRegionsKeepTheirShape) {
     const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 210, 110});
     Pump();

@@ -95,30 +95,6 @@ TEST_F(WindowPlaceTest, FocusFollowsItsRules) {
     EXPECT_EQ(GetFocus(), top);
 }
 
-TEST_F(WindowPlaceTest, CaptureIsTakenLostAndReleased) {
-    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 20, 310, 220});
-    const HWND kid = Make("kid", WS_CHILD | WS_VISIBLE, {10, 20, 110, 70}, top);
-    Place();
-    EXPECT_EQ(GetCapture(), nullptr);
-    EXPECT_EQ(SetCapture(top), nullptr);
-    EXPECT_EQ(SetCapture(kid), top);
-    EXPECT_EQ(Place(), Log{"top capture kid"});
-    EXPECT_EQ(SetCapture(kid), kid);
-    EXPECT_EQ(Place(), Log{"kid capture kid"});
-    EXPECT_TRUE(ReleaseCapture());
-    EXPECT_EQ(Place(), Log{"kid capture none"});
-    EXPECT_TRUE(ReleaseCapture());
-    EXPECT_EQ(Place(), Log{});
-    SetCapture(kid);
-    EnableWindow(kid, FALSE);
-    EXPECT_EQ(GetCapture(), nullptr);
-    EXPECT_EQ(Place(), (Log{"kid cancel", "kid capture none", "kid enable 0"}));
-    SetCapture(kid);
-    DestroyWindow(kid);
-    EXPECT_EQ(GetCapture(), nullptr);
-    EXPECT_EQ(SetCapture(kid), nullptr);
-}
-
 TEST_F(WindowPlaceTest, OrderPointsAndRelations) {
     const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {100, 200, 400, 400});
     const HWND a = Make("a", WS_CHILD | WS_VISIBLE, {10, 10, 110, 60}, top, 1);
@@ -178,22 +154,4 @@ TEST_F(WindowPlaceTest, OrderPointsAndRelations) {
         },
         reinterpret_cast<LPARAM>(this));
     EXPECT_EQ(below, (std::vector<std::string>{"c", "b", "grandchild", "a"}));
-}
-
-TEST_F(WindowPlaceTest, AMenuGoesWithItsWindow) {
-    const HWND top = Make("top", WS_POPUP | WS_VISIBLE, {10, 10, 210, 110});
-    const HWND child = Make("child", WS_CHILD, {0, 0, 10, 10}, top, 7);
-    const HMENU first = CreateMenu(), second = CreateMenu();
-    EXPECT_EQ(GetMenu(top), nullptr);
-    EXPECT_TRUE(SetMenu(top, first));
-    EXPECT_EQ(GetMenu(top), first);
-    EXPECT_FALSE(SetMenu(child, second));
-    EXPECT_EQ(GetDlgCtrlID(child), 7);
-    EXPECT_FAILS(SetMenu(top, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(0x7FFF1))), ERROR_INVALID_MENU_HANDLE);
-    EXPECT_EQ(GetMenu(top), first);
-    EXPECT_TRUE(SetMenu(top, second));
-    EXPECT_TRUE(IsMenu(first));  // the caller's again
-    EXPECT_TRUE(DestroyMenu(first));
-    DestroyWindow(top);
-    EXPECT_FALSE(IsMenu(second));
 }

@@ -350,18 +350,6 @@ TEST_F(PropertyDb, FlagsSayWhatHappened) {
 
 // ---- removing and renaming
 
-TEST_F(PropertyDb, RemoveTakesWhatIsBelow) {
-    db.SetValue("a.b.c", 1), db.SetValue("a.d", 2);
-    EXPECT_FALSE(db.Remove("a.x"));
-    EXPECT_FALSE(db.Remove("a.d.x"));
-    EXPECT_TRUE(db.Remove("a.b"));
-    EXPECT_EQ(AllKeys(db), Keys{"a.d"});
-    EXPECT_TRUE(db.Remove("a.d"));
-    EXPECT_EQ(Contents(db), "a = CMapStringToOb\n");
-    db.RemoveAll();
-    EXPECT_TRUE(db.IsEmpty());
-}
-
 TEST_F(PropertyDb, RenameMovesWithinTheNode) {
     db.SetValue("a.b.c", 1), db.SetValue("a.d", 2);
     EXPECT_TRUE(db.Rename("a.b", "n"));

@@ -178,11 +178,6 @@ TEST_F(Recording, EveryPrefixHoldsItsReadings) {
         const Read after = ReadAll(cut);
         EXPECT_TRUE(!after.wrong && after.readings.size() == expected + 1 && after.damaged == 0) << size;
     }
-    for (size_t size = 0; size < head; ++size) {  // such files never have the name: creating is one step
-        const auto cut = std::make_shared<faulty::Contents>();
-        cut->bytes.assign(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
-        EXPECT_TRUE(ReadAll(cut).readings.empty());
-    }
 }
 
 // Any byte changed: at most the block it lies in is lost, nothing is made up, and the loss is told.
@@ -240,22 +235,6 @@ TEST_F(Recording, WhatStandsElsewhereIsToldAndKept) {
         const Read after = ReadAll(disk);
         EXPECT_TRUE(!after.wrong && after.readings.size() == read.readings.size() + 1 && after.readings.back() == 50) << round;
     }
-}
-
-TEST_F(Recording, AFailedWriteLeavesNoTrace) {
-    Begin(2);
-    Add(0, 3);
-    for (const bool full : {true, false}) {
-        if (full) disk->room = disk->bytes.size() + 20;
-        if (!full) disk->failures = 2;
-        EXPECT_NE(AddOne(recorder, 3), 0u);
-        EXPECT_NE(AddOne(recorder, 4), 0u);
-        EXPECT_EQ(ReadAll(disk).torn, 0u);
-        disk->room = ~0ull;
-        disk->failures = 0;
-    }
-    Add(5, 7);
-    EXPECT_EQ(ReadAll(disk).readings, (std::vector<unsigned>{0, 1, 2, 5, 6}));
 }
 
 TEST_F(Recording, AReaderFollowsWhileItGrows) {

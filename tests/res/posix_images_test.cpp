@@ -12,12 +12,6 @@ using namespace orvik::detail;
 
 namespace {
 
-std::vector<unsigned char> File(unsigned id) {
-    for (const EmbeddedImage& image : EmbeddedImages())
-        if (image.id == id) return {image.first, image.end};
-    return {};
-}
-
 // A bitmap of 2 x 2 pixels: header, palette, rows from the bottom, mask.
 std::vector<unsigned char> Small(unsigned bits, const std::vector<unsigned char>& rest) {
     std::vector<unsigned char> bytes(40);
@@ -27,38 +21,6 @@ std::vector<unsigned char> Small(unsigned bits, const std::vector<unsigned char>
 }
 
 }  // namespace
-
-TEST(IconFiles, EveryCutIsRefusedOrDecodedWithinBounds) {
-    const auto whole = File(167);
-    ASSERT_EQ(ReadIconFile(whole, false).size(), 3u);
-    EXPECT_TRUE(ReadIconFile(whole, true).empty());  // not a cursor
-    for (size_t length = 0; length < whole.size(); length += length < 100 ? 1 : 97) {
-        const std::vector<unsigned char> cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
-        EXPECT_TRUE(ReadIconFile(cut, false).empty()) << length;
-    }
-    const auto bitmap = ReadIconFile(whole, false)[0].image;
-    for (size_t length = 0; length < bitmap.size(); length += 13) {
-        const std::vector<unsigned char> cut(bitmap.begin(), bitmap.begin() + static_cast<ptrdiff_t>(length));
-        EXPECT_FALSE(DecodeIconBitmap(cut)) << length;
-    }
-}
-
-TEST(IconFiles, DamagedHeadersAreRefused) {
-    const auto good = Small(32, std::vector<unsigned char>(16 + 8));
-    EXPECT_TRUE(DecodeIconBitmap(good));
-    using Row = std::tuple<size_t, unsigned char>;
-    for (const auto& [at, value] : {Row{0, 12}, Row{4, 0}, Row{6, 1}, Row{8, 3}, Row{11, 0x80}, Row{14, 16}, Row{16, 1}}) {
-        auto bad = good;
-        bad[at] = value;
-        EXPECT_FALSE(DecodeIconBitmap(bad)) << at;
-    }
-    auto far = File(152);
-    far[18] = 0xFF, far[19] = 0xFF;  // the entry's place in the file
-    EXPECT_TRUE(ReadIconFile(far, true).empty());
-    auto many = File(152);
-    many[4] = 0xFF, many[5] = 0xFF;
-    EXPECT_TRUE(ReadIconFile(many, true).empty());
-}
 
 TEST(IconFiles, PixelsOfEveryDepth) {
     // Top row: red, blue; bottom row: clear, green. Rows are padded to four bytes; in the mask a set bit is clear.

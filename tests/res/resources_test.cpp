@@ -30,23 +30,6 @@ std::vector<unsigned char> Bytes(HRSRC resource) {
 
 }  // namespace
 
-TEST(Texts, BothLanguages) {
-    using Row = std::tuple<UINT, const char*, const char*>;
-    for (const auto& [id, english, swedish] :
-         {Row{823, "Source and target directories\nare the same.", "K\xE4lla och m\xE5lmapp\n\xE4r samma."},
-          Row{833, "Hardware access denied", "\xC5tkomst till h\xE5rdvara nekad"},
-          Row{844, "%s Properties ", "Egenskaper f\xF6r %s"}}) {
-        {
-            const TextLanguage language(LANG_ENGLISH);
-            EXPECT_EQ(Text(id), english) << id;
-        }
-        const TextLanguage language(LANG_SWEDISH);
-        EXPECT_EQ(Text(id), orvik::detail::HouseFrom1252(swedish)) << id;
-    }
-    const TextLanguage french(0x0C);
-    EXPECT_EQ(Text(828), "No error");  // neither language: English
-}
-
 TEST(Texts, EveryIdHasBoth) {
     const struct {
         UINT first, last;
@@ -59,13 +42,6 @@ TEST(Texts, EveryIdHasBoth) {
             }
     EXPECT_EQ(Text(7999), "");
     EXPECT_EQ(Text(60000), "");
-}
-
-TEST(Texts, SmallBufferCutsTheText) {
-    const TextLanguage language(LANG_ENGLISH);
-    char text[5] = "????";
-    EXPECT_EQ(LoadStringA(Module(), 836, text, sizeof text), 4);
-    EXPECT_STREQ(text, "Rece");
 }
 
 TEST(Texts, BlocksByLanguage) {

@@ -3,17 +3,16 @@
 
 #include <cmath>
 #include <condition_variable>
-#include <filesystem>
 
 #include "comm/comm_exception.h"
 #include "comm/line_connection.h"
 #include "host/station/port_thread.h"
 #include "host/station/station_status.h"
 #include "record/recording_reader.h"
+#include "tests/support/test_folder.h"
 #include "tests/support/time_limit.h"
 
 namespace {
-namespace fs = std::filesystem;
 
 // Two channels; what it does wrong is its name's affair. Notes which thread calls what.
 class MemoryLogger : public ILogger {
@@ -79,9 +78,8 @@ public:
     std::atomic<__int64> ahead = 0;
 };
 
-class StationTest : public testing::Test {
+class StationTest : public testing::Test, protected TestFolder {
 protected:
-    const fs::path folder = fs::temp_directory_path() / ("orvik-station-" + std::to_string(GetCurrentThreadId()));
     Clock clock;
     std::map<std::string, std::unique_ptr<PortThread>> ports;
     struct One {
@@ -93,13 +91,11 @@ protected:
     std::map<std::string, One> loggers;
     std::atomic<unsigned> news = 0;
 
-    void SetUp() override { fs::create_directory(folder); }
     void TearDown() override {
         ports.clear();
         loggers.clear();
-        fs::remove_all(folder);
     }
-    std::string File(const std::string& key) const { return (folder / (key + ".rec")).string(); }
+    std::string File(const std::string& key) const { return Path(key + ".rec"); }
     void Add(const std::string& key, const std::string& port, MemoryLogger::Kind kind, DWORD count,
              const std::string& file = {}) {
         auto plan = std::make_shared<StationLogger>();
@@ -188,7 +184,7 @@ TEST_F(StationTest, DeadOnesEndWhenTheyAreAskedTo) {
     Add("beside", "y", MemoryLogger::Well, kForEver);
     Add("throws", "z", MemoryLogger::Throws, kForEver);
     Add("blocked", "b", MemoryLogger::Blocked, kForEver);
-    Add("nowhere", "n", MemoryLogger::Well, kForEver, (folder / "none" / "x.rec").string());
+    Add("nowhere", "n", MemoryLogger::Well, kForEver, Path("none/x.rec"));
     const auto state = [&](const char* key) { return loggers[key].report.state; };
     Until([&] {
         return loggers["well"].report.made > 20 && loggers["beside"].report.made > 20 && state("away") == LoggerState::Silent &&
@@ -247,7 +243,7 @@ TEST_F(StationTest, TheStatusComesBackFromItsFile) {
     logger.report.causes = {{"Receive timeout", {1}, 2}, {"Device not open", {}, 1}};
     logger.report.file = "a\\b.rec";
     status.loggers = {logger};
-    const std::string path = (folder / "s.status").string();
+    const std::string path = Path("s.status");
     EXPECT_FALSE(StationStatus().Load(path));
     ASSERT_EQ(status.Store(path), 0u);
     ASSERT_EQ(status.Store(path), 0u) << "in the place of the one before";

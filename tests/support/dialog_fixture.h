@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -67,6 +69,42 @@ inline RECT PlaceIn(HWND parent, HWND child) {
     GetWindowRect(child, &place);
     MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&place), 2);
     return place;
+}
+
+// Texts fit, each mnemonic is there once, Tab reaches every control that can be reached.
+inline void ExpectUsable(HWND dialog, const std::string& name) {
+    std::set<char> mnemonics;
+    for (HWND each = ::GetWindow(dialog, GW_CHILD); each != nullptr; each = ::GetWindow(each, GW_HWNDNEXT)) {
+        char kind[32] = "";
+        ::GetClassNameA(each, kind, sizeof kind);
+        const bool button = lstrcmpiA(kind, "Button") == 0;
+        const std::string text = TextOf(each);
+        if (!::IsWindowVisible(each) || text.empty() || (!button && lstrcmpiA(kind, "Static") != 0)) continue;
+        const size_t mark = text.find('&');
+        if (mark != std::string::npos) {
+            EXPECT_TRUE(mnemonics.insert(static_cast<char>(::tolower(text[mark + 1]))).second) << name << ": " << text;
+        }
+        CClientDC dc(CWnd::FromHandle(each));
+        const HGDIOBJ before = ::SelectObject(dc.m_hDC, reinterpret_cast<HFONT>(::SendMessageA(each, WM_GETFONT, 0, 0)));
+        std::string shown = text;
+        if (mark != std::string::npos) shown.erase(mark, 1);
+        const CSize needed = dc.GetTextExtent(shown.c_str(), static_cast<int>(shown.size()));
+        ::SelectObject(dc.m_hDC, before);
+        CRect place;
+        ::GetClientRect(each, place);
+        const int lines = std::max(1, place.Height() / std::max<int>(1, needed.cy));
+        EXPECT_LE(needed.cx, place.Width() * lines) << name << ": " << text;
+        EXPECT_LE(needed.cy, place.Height()) << name << ": " << text;
+    }
+    const HWND first = ::GetNextDlgTabItem(dialog, nullptr, FALSE);
+    std::set<HWND> reached;
+    for (HWND each = first; reached.insert(each).second;) each = ::GetNextDlgTabItem(dialog, each, FALSE);
+    for (HWND each = ::GetWindow(dialog, GW_CHILD); each != nullptr; each = ::GetWindow(each, GW_HWNDNEXT)) {
+        const auto style = ::GetWindowLongPtrA(each, GWL_STYLE);
+        if ((style & WS_TABSTOP) != 0 && ::IsWindowVisible(each) && ::IsWindowEnabled(each)) {
+            EXPECT_TRUE(reached.count(each)) << name << ": " << TextOf(each);
+        }
+    }
 }
 
 // Keys that are held, until the test ends.

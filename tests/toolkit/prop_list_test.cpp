@@ -422,35 +422,6 @@ TEST_F(PropList, ThousandsOfRowsCostWhatCanBeSeen) {
     grid.SetCurSel(all[4321]);
     EXPECT_EQ(grid.HitTest(MiddleOf(grid.GetPropertyRect(all[4321]))), all[4321]);
     grid.RemoveAll();
-    // Nested as deeply as nobody would.
-    CBCGPProp* top = new CBCGPProp("0", 0);
-    grid.AddProperty(top);
-    for (int i = 1; i < 5000; ++i) {
-        auto* below = new CBCGPProp("x", i);
-        top->AddSubItem(below);
-        top = below;
-    }
-    EXPECT_EQ(grid.GetRowCount(), 5000);
-    EXPECT_EQ(grid.GetProperty(0)->CountWithSubItems(), 5000);
-    grid.UpdateWindow();
-}
-
-TEST_F(PropList, RowsGrowWithTheFont) {
-    Fill();
-    LOGFONTA description = {};
-    description.lfHeight = -11;
-    std::strcpy(description.lfFaceName, "DejaVu Sans");
-    CFont small, large;
-    ASSERT_TRUE(small.CreateFontIndirect(&description));
-    description.lfHeight = -33;
-    ASSERT_TRUE(large.CreateFontIndirect(&description));
-    grid.SetFont(&small);
-    const int before = grid.GetRowHeight();
-    grid.SetFont(&large);
-    EXPECT_GE(grid.GetRowHeight(), before * 2);
-    EXPECT_EQ(grid.GetPropertyRect(channel).Height(), grid.GetRowHeight());
-    EXPECT_EQ(grid.GetFont()->m_hObject, large.m_hObject);
-    grid.SetFont(nullptr);
 }
 
 // Marked values are bold, groups stand on the colour of bars, the border is inside or around.

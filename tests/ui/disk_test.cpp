@@ -41,16 +41,6 @@ using Names = std::vector<std::string>;
 
 }  // namespace
 
-TEST_F(Disk, ADirectoryIsToldWithItsDriveAndOneBackslash) {
-    EXPECT_EQ(folder.Path()[1], ':');
-    EXPECT_EQ(folder.Path()[2], '\\');
-    EXPECT_EQ(folder.Path().back(), '\\');
-    EXPECT_NE(folder.Path()[folder.Path().size() - 2], '\\');
-    EXPECT_EQ(folder.Path().find('/'), std::string::npos);
-    ASSERT_EQ(CDisk::ChDir("C:\\"), 1);
-    EXPECT_EQ(Dir(), "C:\\");
-}
-
 TEST_F(Disk, ADirectoryToldCanBeGoneBackTo) {
     folder.MakeFolder("logs");
     ASSERT_EQ(CDisk::ChDir("C:\\"), 1);

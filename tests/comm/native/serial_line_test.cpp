@@ -179,16 +179,4 @@ TEST_F(SerialTest, ASecondEnumerationListsEveryPortAgain) {
     }
     EXPECT_TRUE(found);
 }
-
-TEST(SerialStrange, NoPortIsNoPort) {
-    OpenSerial port;
-    for (const char* name : {"/dev/null", "/etc/passwd", "/tmp", "COM0", "COMX", "LPT1", "COM", R"(\\.\)", R"(\\.\C:)"}) {
-        SCOPED_TRACE(name);
-        EXPECT_NE(0, port.Open(name, 0, 0, true));
-        EXPECT_FALSE(port.IsOpen());
-        EXPECT_NE(CSerial::PortAvailable, CSerial::CheckPort(name));
-    }
-    EXPECT_NE(0, port.Open(nullptr, 0, 0, true));
-}
-
 }  // namespace

@@ -7,11 +7,6 @@
 #include "comm/serial_device.h"
 
 namespace {
-class Device : public CSerialDevice {
-public:
-    using CSerialDevice::RegQueryValueString;
-};
-
 // Devices of the class "Ports" that are present while the object lives.
 class Devices {
 public:
@@ -88,39 +83,4 @@ TEST(SetupDevices, AreListedByNameAndDescription) {
     EXPECT_EQ("not listed", Listed("COM212"));
 }
 
-class RegistryTextTest : public testing::Test {
-protected:
-    RegistryTextTest() { ::RegCreateKeyA(HKEY_CURRENT_USER, "Software\\OrvikTest", &key); }
-    ~RegistryTextTest() override {
-        ::RegCloseKey(key);
-        ::RegDeleteKeyA(HKEY_CURRENT_USER, "Software\\OrvikTest");
-    }
-    void Set(DWORD type, const void* data, size_t size) {
-        ASSERT_EQ(0, ::RegSetValueExA(key, "v", 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size)));
-    }
-    std::string Query() {
-        char* value = nullptr;
-        if (!Device::RegQueryValueString(key, "v", value)) {
-            EXPECT_EQ(nullptr, value);
-            return "error " + std::to_string(::GetLastError());
-        }
-        const std::string text = value;
-        ::LocalFree(value);
-        return text;
-    }
-    HKEY key = nullptr;
-};
-
-TEST_F(RegistryTextTest, ReadsTextAndRefusesTheRest) {
-    EXPECT_EQ("error 2", Query());
-    Set(REG_SZ, "COM3", 5);
-    EXPECT_EQ("COM3", Query());
-    Set(REG_SZ, "", 1);
-    EXPECT_EQ("", Query());
-    const DWORD number = 3;
-    Set(REG_DWORD, &number, sizeof(number));
-    EXPECT_EQ("error 13", Query());
-    Set(REG_BINARY, "COM3", 5);
-    EXPECT_EQ("error 13", Query());
-}
 }  // namespace

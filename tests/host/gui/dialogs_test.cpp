@@ -4,9 +4,6 @@
 
 #include <cmath>
 #include <deque>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <set>
 
@@ -16,13 +13,13 @@
 #include "res/ids.h"
 #include "tests/host/gui/hands.h"
 #include "tests/host/sentence_of.h"
-#include "tests/support/regional_settings.h"
+#include "tests/support/dialog_fixture.h"
+#include "tests/support/test_folder.h"
 #include "time/locale_cache.h"
 #include "time/span_text.h"
 #include "toolkit/prop_list.h"
 
 namespace {
-namespace fs = std::filesystem;
 using Step = std::function<void(HWND dialog)>;
 
 // Does one step after the other with whatever dialog stands over the window; what is left open is closed and told.
@@ -62,11 +59,6 @@ private:
     UINT_PTR m_timer;
 };
 
-std::string TextOf(HWND window) {
-    std::string text(static_cast<size_t>(::GetWindowTextLengthA(window)) + 1, 0);
-    text.resize(static_cast<size_t>(::GetWindowTextA(window, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
 std::string FieldText(HWND dialog, int id) { return TextOf(::GetDlgItem(dialog, id)); }
 void Press(HWND dialog, int id) {
     ::SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(id), reinterpret_cast<LPARAM>(::GetDlgItem(dialog, id)));
@@ -80,27 +72,17 @@ std::string Resource(UINT id) {
     text.LoadString(id);
     return text.GetString();
 }
-std::string Bytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
-class Dialogs : public testing::Test {
+class Dialogs : public testing::Test, protected TestFolder {
 protected:
-    Dialogs() : folder(fs::temp_directory_path() / ("orvik-dialogs-" + std::to_string(::GetTickCount()))) {
+    Dialogs() {
         settings.Swedish();
         settings.Set(LOCALE_SDATE, "-"), settings.Set(LOCALE_STIME, ":");
         NlsToolsUpdate();
-        fs::create_directories(folder);
-        path = (folder / "station.odb").string();
         Hands::WriteSession(path);
         hands.window->Open(path);
         hands.Pump();
         TellingHost::told.clear();
-    }
-    ~Dialogs() override {
-        hands.window.reset();
-        fs::remove_all(folder);
     }
     void Do(UINT command, std::deque<Step> steps) {
         const Answers answers(hands.window->m_hWnd, std::move(steps));
@@ -147,48 +129,12 @@ protected:
         EXPECT_EQ(hands.State(), changed) << Say(name);
     }
 
-    // Texts fit, each mnemonic is there once, Tab reaches every control that can be reached.
-    static void ExpectUsable(HWND dialog, const std::string& name) {
-        std::set<char> mnemonics;
-        for (HWND each = ::GetWindow(dialog, GW_CHILD); each != nullptr; each = ::GetWindow(each, GW_HWNDNEXT)) {
-            char kind[32] = "";
-            ::GetClassNameA(each, kind, sizeof kind);
-            const bool button = lstrcmpiA(kind, "Button") == 0;
-            if (!::IsWindowVisible(each) || (!button && lstrcmpiA(kind, "Static") != 0)) continue;
-            const std::string text = TextOf(each);
-            const size_t mark = text.find('&');
-            if (mark != std::string::npos) {
-                EXPECT_TRUE(mnemonics.insert(static_cast<char>(::tolower(text[mark + 1]))).second) << name << ": " << text;
-            }
-            CClientDC dc(CWnd::FromHandle(each));
-            const HGDIOBJ before = ::SelectObject(dc.m_hDC, reinterpret_cast<HFONT>(::SendMessageA(each, WM_GETFONT, 0, 0)));
-            std::string shown = text;
-            if (mark != std::string::npos) shown.erase(mark, 1);
-            const CSize needed = dc.GetTextExtent(shown.c_str(), static_cast<int>(shown.size()));
-            ::SelectObject(dc.m_hDC, before);
-            CRect place;
-            ::GetClientRect(each, place);
-            const int lines = std::max(1, place.Height() / std::max<int>(1, needed.cy));
-            EXPECT_LE(needed.cx, place.Width() * lines) << name << ": " << text;
-            EXPECT_LE(needed.cy, place.Height()) << name << ": " << text;
-        }
-        const HWND first = ::GetNextDlgTabItem(dialog, nullptr, FALSE);
-        std::set<HWND> reached;
-        for (HWND each = first; reached.insert(each).second;) each = ::GetNextDlgTabItem(dialog, each, FALSE);
-        for (HWND each = ::GetWindow(dialog, GW_CHILD); each != nullptr; each = ::GetWindow(each, GW_HWNDNEXT)) {
-            const auto style = ::GetWindowLongPtrA(each, GWL_STYLE);
-            if ((style & WS_TABSTOP) != 0 && ::IsWindowVisible(each) && ::IsWindowEnabled(each)) {
-                EXPECT_TRUE(reached.count(each)) << name << ": " << TextOf(each);
-            }
-        }
-    }
     static void Paint(HWND window) {
         ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
     }
 
     RegionalSettings settings;
-    fs::path folder;
-    std::string path;
+    const std::string path = Path("station.odb");
     Hands hands{{760, 460}};
 };
 
@@ -344,7 +290,7 @@ TEST_F(Dialogs, EachPropertyThatIsChangedIsAStep) {
 }
 
 TEST_F(Dialogs, APictureHasTheSizeAndKindThatWereAsked) {
-    const std::string file = (folder / "chart").string();
+    const std::string file = Path("chart");
     Do(kCommandPicture, {Refused(IDC_HOST_WIDTH, "0", Say(Text::SidesRange, {std::to_string(kOrvikPictureSide)})),
                          Refused(IDC_HOST_FILE, "", Say(Text::FileEmpty)), [&](HWND dialog) {
                              ::SetDlgItemTextA(dialog, IDC_HOST_FILE, (file + ".png").c_str());
@@ -352,9 +298,9 @@ TEST_F(Dialogs, APictureHasTheSizeAndKindThatWereAsked) {
                              EXPECT_EQ(FieldText(dialog, IDC_HOST_FILE), file + ".svg");
                              Filled({{IDC_HOST_WIDTH, "500"}, {IDC_HOST_HEIGHT, "300"}})(dialog);
                          }});
-    EXPECT_NE(Bytes(file + ".svg").find("width=\"500\" height=\"300\""), std::string::npos);
+    EXPECT_NE(BytesOf(file + ".svg").find("width=\"500\" height=\"300\""), std::string::npos);
     Do(kCommandPicture, {Filled({{IDC_HOST_FILE, file}, {IDC_HOST_WIDTH, "64"}, {IDC_HOST_HEIGHT, "48"}})});
-    const std::string png = Bytes(file + ".png");
+    const std::string png = BytesOf(file + ".png");
     ASSERT_GT(png.size(), 24u);
     EXPECT_EQ(png.substr(16, 8), std::string("\0\0\0\x40\0\0\0\x30", 8));
     EXPECT_FALSE(hands.History().CanUndo());
@@ -386,7 +332,7 @@ private:
 };
 
 TEST_F(Dialogs, LargeWorkCanBeCancelledAndLeavesWhatWasThere) {
-    const std::string large = (folder / "large.odb").string(), picture = (folder / "large.png").string();
+    const std::string large = Path("large.odb"), picture = Path("large.png");
     Hands::WriteSession(large, 120'000);
     const ViewState state = hands.State();
     const HWND window = hands.window->m_hWnd;
@@ -404,18 +350,18 @@ TEST_F(Dialogs, LargeWorkCanBeCancelledAndLeavesWhatWasThere) {
     ASSERT_TRUE(hands.window->Open(large));
     EXPECT_EQ(hands.window->Document().GetSession()->Count(), 120'000u);
     hands.window->Command(kCommandZoomIn);
-    for (const std::string& target : {large, path, (folder / "new.xml").string()}) {
+    for (const std::string& target : {large, path, Path("new.xml")}) {
         const bool existed = FileExists(target);
-        const std::string bytes = Bytes(target);
+        const std::string bytes = BytesOf(target);
         cancelled([&] { return hands.window->SaveTo(target); });
         EXPECT_EQ(FileExists(target), existed) << target;
-        EXPECT_TRUE(Bytes(target) == bytes) << target;
+        EXPECT_TRUE(BytesOf(target) == bytes) << target;
         EXPECT_TRUE(hands.window->Document().IsModified());
     }
     std::ofstream(picture) << "an older picture";
     cancelled([&] { return hands.window->SavePicture(picture, {4000, 2500}); });
-    EXPECT_EQ(Bytes(picture), "an older picture");
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 3) << "nothing is left beside the files";
+    EXPECT_EQ(BytesOf(picture), "an older picture");
+    EXPECT_EQ(Count(), 3u) << "nothing is left beside the files";
     ASSERT_TRUE(hands.window->SaveTo(large));
     EXPECT_FALSE(hands.window->Document().IsModified());
     EXPECT_TRUE(TellingHost::told.empty());
@@ -484,7 +430,7 @@ TEST_F(Dialogs, ADownloadShowsItsProgressAndKeepsWhatWasReadWhenCancelled) {
     EXPECT_GE(kept, 4u);
     EXPECT_LT(kept, 1'000'000u);
     EXPECT_TRUE(hands.window->Document().IsModified());
-    const std::string file = (folder / "kept.odb").string();
+    const std::string file = Path("kept.odb");
     ASSERT_TRUE(hands.window->SaveTo(file));
     hands.window->Open(file);
     EXPECT_EQ(hands.window->Document().GetSession()->Count(), kept);

@@ -1,10 +1,6 @@
-// Damaged PE and ELF files: whatever a file says, the reader stays inside it (the sanitizers watch) and inside its block.
+// What the reader of versions says of files that have none, and of paths into a block. Damaged files are the fuzzer's.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -12,56 +8,6 @@
 #include "tests/support/last_error.h"
 #include "tests/ui/scratch_folder.h"
 #include "ui/version_info.h"
-
-namespace {
-std::string Bytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-void Use(const CVersionInfo& info) {
-    for (const char* text : {info.GetFileDescription(), info.GetFileVersion(), info.GetInternalName(), info.GetLegalCopyright(),
-                             info.GetProductName(), info.GetSpecialBuild()})
-        EXPECT_LT(std::string(text).size(), 65536u);
-    if (!info.IsValid()) return;
-    DWORD ms = 0, ls = 0;
-    info.GetFileVersion(&ms, &ls), info.GetProductVersion(&ms, &ls), info.GetFileFlag(CVersionInfo::flagDebug);
-    info.GetFileOS(), info.GetFileType(), info.GetSubType();
-}
-
-class DamagedVersion : public testing::TestWithParam<const char*> {
-protected:
-    ~DamagedVersion() override { close(file); }
-    bool IsValid(const std::string& bytes) {
-        EXPECT_EQ(ftruncate(file, 0), 0);
-        EXPECT_EQ(pwrite(file, bytes.data(), bytes.size(), 0), static_cast<ssize_t>(bytes.size()));
-        const CVersionInfo info(("/proc/self/fd/" + std::to_string(file)).c_str());
-        Use(info);
-        return info.IsValid() != FALSE;
-    }
-    const int file = memfd_create("sample", 0);
-    const std::string whole = Bytes(std::string(SAMPLES) + GetParam());
-};
-}  // namespace
-
-TEST_P(DamagedVersion, EveryPrefix) {
-    ASSERT_TRUE(IsValid(whole));
-    int valid = 0;
-    for (size_t length = 0; length < whole.size(); ++length) valid += IsValid(whole.substr(0, length));
-    // What may miss is what stands behind the record: padding up to the file alignment, an ELF file's other parts.
-    EXPECT_LT(valid, 1024);
-}
-
-TEST_P(DamagedVersion, EveryByteChanged) {
-    for (size_t at = 0; at < whole.size(); ++at)
-        for (const char byte : {'\x00', '\x01', '\x7F', '\x80', '\xFF'}) {
-            std::string bytes = whole;
-            bytes[at] = byte;
-            IsValid(bytes);
-        }
-}
-
-INSTANTIATE_TEST_SUITE_P(Samples, DamagedVersion, testing::Values("module-x86.dll", "american.dll", "module-elf.so"));
 
 TEST(DamagedVersionFile, ErrorsTellWhatIsWrong) {
     const ScratchFolder folder;

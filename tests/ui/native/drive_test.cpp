@@ -51,31 +51,3 @@ TEST_F(Drives, ADirectoryIsToldByTheDriveItWasReachedBy) {
     fs::current_path("/");  // no longer on D
     EXPECT_EQ(Dir(), "C:\\");
 }
-
-TEST_F(Drives, EachDriveKeepsItsDirectory) {
-    ASSERT_EQ(CDisk::ChDir("D:\\logs"), 1);
-    ASSERT_EQ(CDisk::ChDir("C:\\"), 1);
-    std::ofstream(card / "logs" / "a.txt") << 1;
-    EXPECT_EQ(CDisk::Access("d:a.txt", accessRead), 1);
-    EXPECT_EQ(CDisk::Access("D:\\a.txt", accessRead), 0);
-    ASSERT_EQ(_chdrive(4), 0);
-    EXPECT_EQ(Dir(), "D:\\logs\\");
-    EXPECT_EQ(CDisk::Access("D:a.txt", accessRead), 1);
-    fs::current_path("/");
-    fs::remove_all(card / "logs");  // a directory that went away is left for the root
-    ASSERT_EQ(_chdrive(4), 0);
-    EXPECT_EQ(Dir(), "D:\\");
-}
-
-TEST_F(Drives, ADriveThatIsNotThereHoldsNothing) {
-    for (const char* name : {"E:\\", "E:", "Q:\\", "Q:new"}) {
-        EXPECT_EQ(CDisk::Access(name, accessExist), 0) << name;
-        EXPECT_FALSE(CreateDirectoryA(name, nullptr)) << name;
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND}) << name;
-    }
-    EXPECT_EQ(CDisk::FreeSpace('E'), -1);
-    EXPECT_NE(CDisk::FreeSpace('D'), -1);
-    EXPECT_EQ(_chdrive(5), -1);
-    EXPECT_EQ(_chdrive(0), -1);
-    EXPECT_EQ(_chdrive(27), -1);
-}

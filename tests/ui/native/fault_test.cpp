@@ -64,17 +64,6 @@ TEST_F(DiskFaults, FreeSpaceIsCountedIn32Bits) {
     EXPECT_EQ(Free({FALSE, 8, 512, 3}), -1);
 }
 
-TEST_F(DiskFaults, ADirectoryOnAnUnreadableDriveIsEnteredAndFails) {
-    folder.MakeFolder("logs");
-    const Space unreadable{FALSE};
-    g_space = &unreadable;
-    EXPECT_EQ(CDisk::ChDir(folder("logs\\").c_str()), 0);
-    g_space = nullptr;
-    CString dir;
-    EXPECT_TRUE(CDisk::GetDir(dir));
-    EXPECT_STREQ(dir, folder("logs\\").c_str());
-}
-
 TEST_F(DiskFaults, AFullDiskIsToldAndLeavesNothing) {
     folder.Write("a.bin", std::string(400000, 'x'));
     TellingApp app;
