@@ -28,7 +28,9 @@ std::string InItsOwnWords(const std::string& text) {
 }
 
 bool Put(HWND control, const char* text) {
-    if (OrvikTextCodePage() != CP_UTF8 || !std::string_view(text).starts_with("{\\rtf")) return ::SetWindowTextA(control, text);
+    const std::string_view given(text);
+    const bool formatted = given.starts_with("{\\rtf") || given.starts_with("{\\urtf");
+    if (OrvikTextCodePage() != CP_UTF8 || !formatted) return ::SetWindowTextA(control, text);
     const std::string words = InItsOwnWords(text);
     SETTEXTEX how = {ST_DEFAULT, CP_ACP};
     return ::SendMessageA(control, EM_SETTEXTEX, reinterpret_cast<WPARAM>(&how), reinterpret_cast<LPARAM>(words.c_str())) != 0;

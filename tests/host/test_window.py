@@ -54,6 +54,20 @@ def xdotool(*words):
     return run("xdotool", *words).decode("utf-8", "replace").strip()
 
 
+# Letters that no keyboard of the United States has, on a key that it has not either: Wine knows keys that are there when it starts.
+KEYS = """xkb_keymap {
+    xkb_keycodes { include "evdev+aliases(qwerty)" };
+    xkb_types { include "complete" };
+    xkb_compat { include "complete" };
+    xkb_symbols { include "pc+us+inet(evdev)" key <LSGT> { [ Greek_OMEGA, U6E29 ] }; };
+};
+"""
+
+
+def take_keys():
+    subprocess.run(["xkbcomp", "-w0", "-", os.environ["DISPLAY"]], input=KEYS.encode(), stderr=subprocess.DEVNULL, check=True)
+
+
 class Picture:
     """The pixels of a window without its last line."""
 
@@ -310,6 +324,45 @@ class WindowFlow(unittest.TestCase):
         again.keep("7-reopened")
         self.assertEqual(again.close(), 0)
 
+    def test_every_letter_can_be_typed(self):
+        """Into a comment, a channel's name and a file's name."""
+        omega = self.folder / "\u03a9\u6e29.odb"
+        shutil.copy(self.file, omega)
+        window = self.open()
+        self.charted(window)
+        window.key("ctrl+o")
+        window.dialog("Open a session")
+        xdotool("type", "Z:" + str(omega).replace("/", "\\"))
+        xdotool("key", "Return")
+        window.title_start = omega.name
+        until(window.find, "the title of the other file")
+        xdotool("windowfocus", "--sync", window.id)
+        self.charted(window)
+
+        window.point(*self.at(0.6, 0.8))
+        xdotool("click", "--repeat", 2, "--delay", 50, 1)
+        window.settled()
+        xdotool("type", "k\u03a9 \u6e29")
+        xdotool("key", "Return")
+        until(window.is_modified, "the comment")
+        window.keep("15-comment-of-every-letter")
+
+        window.key("alt+Return")
+        properties = window.dialog("Properties of \u00b0C")
+        xdotool("key", *4 * ["Down"])  # from the axis's near end to the channel's name
+        xdotool("type", "R\u03a9")
+        xdotool("key", "Return")
+        run("import", "-window", properties, options.pictures / "16-name-of-every-letter.png")
+        xdotool("key", "Escape")
+        xdotool("windowfocus", "--sync", window.id)
+        window.key("ctrl+s")
+        until(lambda: not window.is_modified(), "a saved session")
+        window.keep("17-every-letter")
+        self.assertEqual(window.close(), 0)
+        saved = omega.read_bytes()
+        for text in ("k\u03a9 \u6e29", "R\u03a9"):
+            self.assertTrue(b"\xff\xfe\xff" + bytes([len(text)]) + text.encode("utf-16-le") in saved, text)
+
     def download(self, *words, title, faults=()):
         line = SimulatedLine(options, self.folder, faults)
         self.addCleanup(line.stop)
@@ -371,5 +424,6 @@ if __name__ == "__main__":
     options.pictures = options.pictures.absolute()
     options.pictures.mkdir(parents=True, exist_ok=True)
     atexit.register(xdotool, "mousemove", *AWAY)
+    take_keys()
     with tempfile.TemporaryDirectory(prefix="orvik-records-") as options.records:
         unittest.main(argv=[sys.argv[0], *rest], verbosity=1)

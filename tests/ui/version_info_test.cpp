@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "frame/version.h"
+#include "platform/house_text.h"
 
 namespace {
 
@@ -80,11 +81,12 @@ TEST(VersionInfo, TheOnlyLanguageIsTakenOnEverySystem) {
     const CVersionInfo info(Sample("american.dll").c_str());
     using Row = std::tuple<const char*, const char*>;
     for (const auto& [found, expected] :
-         {Row{info.GetFileDescription(), "Logger driver, 5 \x80 at 10 ?"}, Row{info.GetFileVersion(), "2.3.4 build 5"},
-          Row{info.GetInternalName(), "american"}, Row{info.GetLegalCopyright(), "Copyright"},
-          Row{info.GetLegalTrademarks(), "Trademarks"}, Row{info.GetOriginalFilename(), "american.dll"},
-          Row{info.GetPrivateBuild(), "Private"}, Row{info.GetProductName(), "Sample"}, Row{info.GetProductVersion(), "6.7"},
-          Row{info.GetSpecialBuild(), "Special"}})
+         {Row{info.GetFileDescription(),
+              OrvikTextCodePage() == CP_UTF8 ? "Logger driver, 5 € at 10 測" : "Logger driver, 5 \x80 at 10 ?"},
+          Row{info.GetFileVersion(), "2.3.4 build 5"}, Row{info.GetInternalName(), "american"},
+          Row{info.GetLegalCopyright(), "Copyright"}, Row{info.GetLegalTrademarks(), "Trademarks"},
+          Row{info.GetOriginalFilename(), "american.dll"}, Row{info.GetPrivateBuild(), "Private"},
+          Row{info.GetProductName(), "Sample"}, Row{info.GetProductVersion(), "6.7"}, Row{info.GetSpecialBuild(), "Special"}})
         EXPECT_STREQ(found, expected);
 }
 
