@@ -4,6 +4,7 @@
 #include <string>
 #include <tuple>
 
+#include "platform/house_text_internal.h"
 #include "platform/rich_text.h"
 
 TEST(PosixRichText, ReadsWhatWineLeavesOut) {
@@ -16,6 +17,12 @@ TEST(PosixRichText, ReadsWhatWineLeavesOut) {
           Row{"{\\rtf1 {\\pict\\bin4 }}}}z}y}", "y"}, Row{"{\\rtf1 {\\*\\listtable l}{\\listtable l}{\\revtbl v}w}", "w"},
           Row{"{\\rtf1 a\\_b}", "a-b"}})
         EXPECT_EQ(reader.ToPlain(rich), plain) << rich;
+}
+
+TEST(PosixRichText, IsThisProcessesText) {
+    const bool utf8 = OrvikTextCodePage() == CP_UTF8;
+    EXPECT_EQ(orvik::RichTextReader(nullptr).ToPlain("{\\rtf1 a\\'e5\\endash\\~\\u937 ?}"),
+              orvik::detail::HouseFrom1252("a\xE5\x96\xA0") + (utf8 ? "Ω" : "?"));
 }
 
 TEST(PosixRichText, HostileTextIsBoundedIn1252) {

@@ -110,7 +110,7 @@ private:
                 Skip();
                 break;
             case '~':
-                Put("\xA0");
+                Put(detail::HouseFrom1252("\xA0"));
                 break;
             case '_':
                 Put("-");
@@ -142,7 +142,7 @@ private:
         m_at += 2;
         const char ch = static_cast<char>(high * 16 + low);
         if (ch == '\0') return;
-        Put(ch == '\r' || ch == '\n' ? std::string_view("\n") : std::string_view(&ch, 1));
+        Put(ch == '\r' || ch == '\n' ? "\n" : detail::HouseFrom1252({&ch, 1}));
     }
 
     void Word() {
@@ -168,7 +168,7 @@ private:
         } else {
             for (const auto& [name, text] : kTexts) {
                 if (word == name) {
-                    Put(text);
+                    Put(detail::HouseFrom1252(text));
                     return;
                 }
             }
