@@ -32,6 +32,10 @@ bool LineBegins(std::string_view line, std::string_view text) {
     return line.starts_with(text) || LineText(line).starts_with(LineText(text));
 }
 
+bool IsLetterByte(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (static_cast<unsigned char>(c) >= 0x80 && IsUtf8());
+}
+
 size_t CharacterAt(std::string_view text, size_t at, char32_t& character) {
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[at + i]); };
     character = byte(0);

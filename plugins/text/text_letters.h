@@ -14,6 +14,9 @@ std::string LineText(std::string_view line);
 // Whether a line that came begins with a text of the description, whichever bytes say it on the line.
 bool LineBegins(std::string_view line, std::string_view text);
 
+// Whether the byte belongs to a letter: of ASCII, and in a UTF-8 process of whatever lies beyond.
+bool IsLetterByte(char c);
+
 // The character at a place, and how many bytes it takes. A byte that belongs to none stands for itself.
 size_t CharacterAt(std::string_view text, size_t at, char32_t& character);
 // Where that many characters end; the text's size where it has fewer.

@@ -4,6 +4,7 @@
 
 #include "plugins/text/text_fields.h"
 #include "plugins/text/text_json.h"
+#include "plugins/text/text_letters.h"
 
 namespace text {
 namespace {
@@ -29,9 +30,7 @@ bool IsNumber(std::string_view field, char decimal, Cell& cell) {
     return true;
 }
 
-bool HasLetter(std::string_view text) {
-    return std::any_of(text.begin(), text.end(), [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); });
-}
+bool HasLetter(std::string_view text) { return std::any_of(text.begin(), text.end(), IsLetterByte); }
 
 Shape Row(const std::string& line, const Named& named, char decimal) {
     Shape shape;
@@ -69,9 +68,7 @@ Shape BestRow(const std::string& line) {
     return best;
 }
 
-bool IsNameCharacter(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '.' || c == '-';
-}
+bool IsNameCharacter(char c) { return (c >= '0' && c <= '9') || IsLetterByte(c) || c == '_' || c == '.' || c == '-'; }
 
 Shape Pairs(const std::string& line, char decimal) {
     Shape shape;

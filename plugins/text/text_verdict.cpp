@@ -12,20 +12,19 @@
 namespace text {
 namespace {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool HasLetter(std::string_view text) { return std::any_of(text.begin(), text.end(), IsLetter); }
+bool HasLetter(std::string_view text) { return std::any_of(text.begin(), text.end(), IsLetterByte); }
 
 // Up to the first number; digits that end a name, as in "T1=", are none.
 std::string_view LeadOf(std::string_view line) {
     size_t at = line.find_first_of("0123456789+-");
-    while (at != line.npos && at > 0 && IsLetter(line[at - 1]) && IsDigit(line[at])) {
+    while (at != line.npos && at > 0 && IsLetterByte(line[at - 1]) && IsDigit(line[at])) {
         const size_t end = line.find_first_not_of("0123456789", at);
         if (end == line.npos || std::string_view("=:\"").find(line[end]) == std::string_view::npos) break;
         at = line.find_first_of("0123456789+-", end);
     }
     std::string_view lead = Trimmed(line.substr(0, at));
     // The signs in front of the number may be what is damaged.
-    while (HasLetter(lead) && !IsLetter(lead.back()) && !IsDigit(lead.back())) lead.remove_suffix(1);
+    while (HasLetter(lead) && !IsLetterByte(lead.back()) && !IsDigit(lead.back())) lead.remove_suffix(1);
     return lead;
 }
 
@@ -103,10 +102,10 @@ bool IsMeant(const Description& description, const std::vector<std::string>& lea
     return std::any_of(leads.begin(), leads.end(), [&](const std::string& lead) {
         const std::string_view trimmed = Trimmed(line);
         if (HasLetter(lead))
-            return trimmed.starts_with(lead) && (trimmed.size() == lead.size() || !IsLetter(trimmed[lead.size()]));
+            return trimmed.starts_with(lead) && (trimmed.size() == lead.size() || !IsLetterByte(trimmed[lead.size()]));
         if (IsRow(description, line)) return true;
         return digit != std::string::npos &&
-               std::count_if(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(digit), IsLetter) <= 1;
+               std::count_if(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(digit), IsLetterByte) <= 1;
     });
 }
 

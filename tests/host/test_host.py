@@ -113,8 +113,7 @@ class WrongUse(HostTest):
                     (1, "download --port COM1 --out", "--out"), (1, "download --port COM1 --out x.odb --count 0", "--count"), (1, "show --csv --csv x", "twice"),
                     (1, "show one more", "more"), (1, "show", "FILE"), (1, "download --port COM1 --out x.odb --hex", "--trace"),
                     (1, "download --port COM1 --out x.odb --trace ./x.odb", "same file"), (1, "demo --out ''", "--out"))
-        if options.wine:  # elsewhere arguments are UTF-8 and lose nothing
-            self.assertIn("code page", self.refused(1, "show", "\u4e2d.odb"))
+        self.assertIn("There is no file \u4e2d.odb", self.refused(3, "show", "\u4e2d.odb"))
 
     @native("Windows has no device that is always full")
     def test_output_that_cannot_be_written_is_no_success(self):

@@ -100,6 +100,15 @@ TEST(TextLearn, DescribesWhatItHeard) {
     }
 }
 
+TEST(TextLearn, KnowsNamesOfAnyScript) {
+    if (OrvikTextCodePage() != CP_UTF8) return;  // names are ASCII there
+    const Learnt learnt(
+        "μία=1\nθερμοκρασία=23.5°C υγρασία=41%\nθερμοκρασία=23.6°C υγρασία=42%\nθερμοκρασία=23.7°C υγρασία=43%\n");
+    EXPECT_GE(learnt.sure, kSure);
+    EXPECT_NE(learnt.description.find("Channels.1.sKey=θερμοκρασία"), std::string::npos) << learnt.description;
+    EXPECT_EQ(learnt.values, "23.7 43");
+}
+
 TEST(TextLearn, IsNotSureOfAnythingElse) {
     std::string noise;
     for (int i = 0; i < 300; ++i) noise += static_cast<char>(i * 7919 >> 3);

@@ -62,7 +62,7 @@ TEST(TextPattern, TakesWhatPerlWouldTake) {
 }
 
 TEST(TextPattern, TakesCharactersOfAnyScript) {
-    if (OrvikTextCodePage() != CP_UTF8) GTEST_SKIP() << "characters are bytes";
+    if (OrvikTextCodePage() != CP_UTF8) return;  // characters are bytes there
     const struct {
         const char *pattern, *text, *groups;
     } cases[] = {{"^(?<t>.{3})C$", "21°C", "t=21°"},
