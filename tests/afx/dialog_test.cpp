@@ -11,6 +11,7 @@
 #include "afx/dialog.h"
 #include "afx/exception.h"
 #include "afx/message_box.h"
+#include "platform/house_text_internal.h"
 #include "res/ids.h"
 #include "tests/support/dialog_fixture.h"
 #include "tests/support/raises.h"
@@ -166,12 +167,12 @@ TEST(Dialogs, ExchangeDataAndRefuseIt) {
     TellingApp app;
     const Template fields = Fields();
     FieldsDialog dialog;
-    dialog.name = "r\xE4knare";
+    dialog.name = orvik::detail::HouseFrom1252("r\xE4knare").c_str();
     ASSERT_TRUE(dialog.CreateIndirect(fields.Get()));
     dialog.ShowWindow(SW_SHOW);
     CString text;
     dialog.GetDlgItemText(kName, text);
-    EXPECT_STREQ(text, "r\xE4knare");
+    EXPECT_EQ(text.GetView(), orvik::detail::HouseFrom1252("r\xE4knare"));
     EXPECT_EQ(dialog.GetDlgItemInt(kCount), 5u);
     EXPECT_EQ(dialog.edit.m_hWnd, ::GetDlgItem(dialog.m_hWnd, kName));
     struct Row {

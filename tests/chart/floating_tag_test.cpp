@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "afx/geometry.h"
+#include "platform/house_text_internal.h"
 #include "propdb/property_db.h"
 
 namespace {
@@ -115,7 +116,7 @@ TEST(FloatingTag, TheOlderLayoutIsReadForItsContext) {
     db.SetValue("NoContext.sText", "x");
     CFloatingTagManager manager;
     manager.CreateTag(kPlot, kTag), manager.OnDBGet_Orvik5(&db, "A");
-    EXPECT_EQ(Texts(manager), "Pump started\r\nat 5 \260C|plain\r\ntext||");
+    EXPECT_EQ(Texts(manager), orvik::detail::HouseFrom1252("Pump started\r\nat 5 \260C|plain\r\ntext||"));
     EXPECT_EQ(RectOf(*manager.GetTag(0), kPlot), CRect(300, 150, 300, 150));
     manager.OnDBGet_Orvik5(&db, "none");
     EXPECT_EQ(manager.GetTagCount(), 1);

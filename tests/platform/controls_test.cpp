@@ -366,8 +366,8 @@ TEST_F(Statics, TextsAndClicks) {
     Make("Static", SS_LEFT, "quiet");
     EXPECT_EQ(Send(WM_GETDLGCODE), DLGC_STATIC);
     EXPECT_EQ(Send(WM_NCHITTEST, 0, MAKELPARAM(15, 15)), HTTRANSPARENT);
-    SetWindowTextA(control, "r\xE4knas");
-    EXPECT_EQ(Text(), "r\xE4knas");
+    SetWindowTextA(control, orvik::detail::HouseFrom1252("r\xE4knas").c_str());
+    EXPECT_EQ(Text(), orvik::detail::HouseFrom1252("r\xE4knas"));
     const HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
     Send(WM_SETFONT, reinterpret_cast<WPARAM>(font));
     EXPECT_EQ(reinterpret_cast<HFONT>(Send(WM_GETFONT)), font);

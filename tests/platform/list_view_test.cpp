@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/house_text_internal.h"
 #include "tests/platform/control_host.h"
 
 namespace {
@@ -93,9 +94,9 @@ TEST_F(ListView, RowsAndTexts) {
     EXPECT_EQ(Told(), "insert1");
     EXPECT_EQ(Insert(99, "last"), 4);
     EXPECT_EQ(Send(LVM_GETITEMCOUNT), 5);
-    EXPECT_TRUE(SetText(1, 1, "7 \xB5s"));
+    EXPECT_TRUE(SetText(1, 1, orvik::detail::HouseFrom1252("7 \xB5s").c_str()));
     EXPECT_EQ(CellText(1, 0), "between");
-    EXPECT_EQ(CellText(1, 1), "7 \xB5s");
+    EXPECT_EQ(CellText(1, 1), orvik::detail::HouseFrom1252("7 \xB5s"));
     EXPECT_EQ(CellText(2, 1), "");
     EXPECT_TRUE(SetText(0, 1, LPSTR_TEXTCALLBACKA));
     EXPECT_EQ(CellText(0, 1), "asked");
