@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-#include "platform/win32.h"
+#include "platform/house_text.h"
 
 class RegionalSettings {
 public:
@@ -26,7 +26,11 @@ public:
     }
 
     // What the four countries' settings are on Windows, item by item, whatever the user's locale.
-    void Swedish() { All(",", "\xA0", ";", "3;0", "yyyy-MM-dd", "HH:mm:ss", "fm", "em"); }
+    void Swedish() {
+        std::string blank;
+        OrvikTextFromUtf8("\u00A0", blank);
+        All(",", blank.c_str(), ";", "3;0", "yyyy-MM-dd", "HH:mm:ss", "fm", "em");
+    }
     void American() { All(".", ",", ",", "3;0", "M/d/yyyy", "h:mm:ss tt", "AM", "PM"); }
     void German() { All(",", ".", ";", "3;0", "dd.MM.yyyy", "HH:mm:ss", "", ""); }
     void Indian() { All(".", ",", ",", "3;2;0", "dd-MM-yyyy", "hh:mm:ss tt", "am", "pm"); }

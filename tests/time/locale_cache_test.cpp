@@ -34,7 +34,8 @@ TEST_F(LocaleCacheTest, HoldsTheUsersSettings) {
         char decimal, thousand, list, date, time;
         const char *shortDate, *timePicture, *morning, *afternoon;
     };
-    for (const Row& c : {Row{&RegionalSettings::Swedish, ',', '\xA0', ';', '-', ':', "yyyy-MM-dd", "HH:mm:ss", "fm", "em"},
+    const char blank = OrvikTextCodePage() == CP_UTF8 ? ' ' : '\xA0';
+    for (const Row& c : {Row{&RegionalSettings::Swedish, ',', blank, ';', '-', ':', "yyyy-MM-dd", "HH:mm:ss", "fm", "em"},
                          Row{&RegionalSettings::American, '.', ',', ',', '/', ':', "M/d/yyyy", "h:mm:ss tt", "AM", "PM"},
                          Row{&RegionalSettings::German, ',', '.', ';', '.', ':', "dd.MM.yyyy", "HH:mm:ss", "", ""},
                          Row{&RegionalSettings::Indian, '.', ',', ',', '-', ':', "dd-MM-yyyy", "hh:mm:ss tt", "am", "pm"}}) {

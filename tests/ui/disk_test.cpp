@@ -100,8 +100,8 @@ TEST_F(Disk, CopiesBytesToANewName) {
     folder.Write("a.bin", bytes), folder.MakeFolder("sub");
     EXPECT_EQ(CDisk::CopyFileA(folder("a.bin").c_str(), folder("sub\\b.bin").c_str()), 1);
     EXPECT_EQ(folder.Read("sub/b.bin"), bytes);
-    EXPECT_EQ(CDisk::CopyFileA("a.bin", "m\xE4tning \x80.bin"), 1);
-    EXPECT_EQ(List("m*"), Names{"m\xE4tning \x80.bin"});
+    EXPECT_EQ(CDisk::CopyFileA("a.bin", orvik::detail::HouseFrom1252("m\xE4tning \x80.bin").c_str()), 1);
+    EXPECT_EQ(List("m*"), Names{orvik::detail::HouseFrom1252("m\xE4tning \x80.bin")});
     EXPECT_TRUE(app.told.empty());
 }
 
