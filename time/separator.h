@@ -10,12 +10,12 @@
 namespace orvik::detail {
 
 // Takes one letter off a zero-terminated text that is not at its end.
-char32_t TakeLetter(const char*& cursor);
+ORVIK_API char32_t TakeLetter(const char*& cursor);
 // Moves on by so many letters, at most to the text's end.
-void SkipLetters(const char*& cursor, int count);
-bool IsBlank(char32_t letter);
+ORVIK_API void SkipLetters(const char*& cursor, int count);
+ORVIK_API bool IsBlank(char32_t letter);
 // Spaces, those that do not break a line among them; U+00A0 and beyond in a UTF-8 process only.
-bool SkipLongerBlank(const char*& cursor);
+ORVIK_API bool SkipLongerBlank(const char*& cursor);
 inline void SkipBlanks(const char*& cursor) {
     for (;;) {
         while (*cursor == ' ') ++cursor;
@@ -27,14 +27,14 @@ inline void SkipBlanks(const char*& cursor) {
 }
 // Takes the text if it stands at the cursor. In a UTF-8 process a blank is any blank, and marks of direction, which nobody
 // types, are passed over in both.
-bool TakeText(const char*& cursor, std::string_view text);
+ORVIK_API bool TakeText(const char*& cursor, std::string_view text);
 
 // The first letter of a setting. One beyond ASCII, which only a UTF-8 process has, is written as it is; readers take for it an
 // ASCII character besides, which is also what functions that give a separator as one `char` say. A blank is any blank to readers.
 struct Separator {
     Separator() = default;
     explicit Separator(char c) : ascii(c) {}
-    Separator(std::string_view setting, char standIn);
+    ORVIK_API Separator(std::string_view setting, char standIn);
 
     char ascii = 0;           // the letter or, where it is longer, what stands for it; 0 for an empty setting
     std::string_view letter;  // a longer one, within the setting's text
@@ -54,11 +54,11 @@ struct Separator {
     bool operator==(const Separator& other) const { return Text() == other.Text(); }
 
 private:
-    bool TakeLonger(const char*& cursor) const;
+    ORVIK_API bool TakeLonger(const char*& cursor) const;
 };
 
 // -1, 1, or 0 where no sign stands. In a UTF-8 process the mathematical minus is one, and marks of direction may stand in front.
-int TakeLongerSign(const char*& cursor);
+ORVIK_API int TakeLongerSign(const char*& cursor);
 inline int TakeSign(const char*& cursor) {
     if (*cursor == '-' || *cursor == '+') return *cursor++ == '-' ? -1 : 1;
     if (static_cast<unsigned char>(*cursor) < 0x80) return 0;
