@@ -1,11 +1,31 @@
 #include "platform/letters.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/house_text_internal.h"
 #include "platform/letters_internal.h"
 
 using namespace orvik::detail;
+
+size_t orvik::detail::CharacterBefore(std::string_view text, size_t end) {
+    constexpr size_t kLongest = 4;
+    for (size_t length = 1; length <= std::min(end, kLongest); ++length) {
+        std::string_view character = text.substr(end - length, length);
+        if (TakeUtf8(character) != kInvalid && character.empty()) return end - length;
+    }
+    return end - 1;
+}
+
+size_t orvik::detail::CharacterOf(std::string_view text, size_t at) {
+    constexpr size_t kBack = 3;
+    for (size_t start = at; at - start < kBack && start > 0;) {
+        --start;
+        std::string_view rest = text.substr(start);
+        if (TakeUtf8(rest) != kInvalid && text.size() - rest.size() > at) return start;
+    }
+    return at;
+}
 
 std::string_view OrvikWholeLetters(std::string_view text, size_t bytes) {
     return bytes < text.size() ? text.substr(0, OrvikPreviousLetter(text, bytes + 1)) : text;

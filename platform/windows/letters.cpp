@@ -33,26 +33,6 @@ char32_t CharacterAt(std::string_view text, size_t at, size_t& next) {
     return character;
 }
 
-// Where the character begins that the byte before `end` is part of.
-size_t CharacterBefore(std::string_view text, size_t end) {
-    for (size_t length = 2; length <= 4 && length <= end; ++length) {
-        std::string_view character = text.substr(end - length, length);
-        if (TakeUtf8(character) != kInvalid && character.empty()) return end - length;
-    }
-    return end - 1;
-}
-
-// The start of the character that the byte is part of.
-size_t CharacterOf(std::string_view text, size_t at) {
-    for (size_t start = at; start > 0 && at - start < 3;) {
-        size_t next = 0;
-        --start;
-        CharacterAt(text, start, next);
-        if (next > at) return start;
-    }
-    return at;
-}
-
 bool IsLineEnd(std::string_view text, size_t at) { return text.substr(at, 2) == "\r\n"; }
 }  // namespace
 

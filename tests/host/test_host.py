@@ -8,6 +8,7 @@ import json
 import os
 import pathlib
 import pty
+import random
 import re
 import resource
 import shlex
@@ -730,6 +731,23 @@ class Plugins(HostTest):
 
 
 class Databases(HostTest):
+    def test_names_of_any_letters_go_through_every_form(self):
+        chosen = random.Random(20261122)
+        scripts = ((0x21, 0x7E), (0xA1, 0x17F), (0x300, 0x30F), (0x370, 0x377), (0x5D0, 0x5EA), (0x621, 0x64A), (0x905, 0x939), (0x4E00, 0x4E80), (0x1F300, 0x1F380))
+        names = []
+        self.done("download", "--port", self.simulate(), "--count", 2, "--interval", 50, "--out", "s.odb")
+        for channel in range(1, 6):
+            letters = [chr(chosen.randint(*chosen.choice(scripts))) for _ in range(12)]
+            names.append("n" + "".join(letters).replace(";", ",").replace("[", "(") + "n")
+            for key, text in (("sName", names[-1]), ("sUnit", "Ω" + letters[0] if letters[0] not in ";[]" else "kΩ")):
+                self.done("db", "set", "--", "s.odb", f"Channels.{channel}.{key}", text)
+        forms = ("s.odb", "t.xml", "t.csv", "t.rec", "u.odb")
+        for before, form in zip(forms, forms[1:]):
+            self.done("convert", before, form)
+            if form != "t.csv":
+                self.assertEqual(list(json.loads(self.done("show", form, "--json").out.splitlines()[0]))[1:], names, form)
+        self.assertEqual([p.text for p in ElementTree.parse(self.folder / "t.xml").iter("PROPERTY") if p.get("name") == "sName"][:5], names)
+
     def test_values_of_every_kind_come_back(self):
         for name in ("a.xml", "a.odb"):
             for key, kind, value in [("Text.s", "str", "mätvärde °C"), ("n.w", "u16", "1;2;65535"), ("n.d", "u32", "4294967295"),

@@ -8,31 +8,11 @@
 #include <string>
 
 #include "platform/house_text_internal.h"
+#include "platform/letters_internal.h"
 
 namespace orvik::detail {
 namespace {
 bool IsAscii(std::string_view text, size_t at) { return static_cast<unsigned char>(text[at]) < 0x80; }
-
-// The start of the character that ends at `end`, which is above 0.
-size_t CharacterBefore(std::string_view text, size_t end) {
-    constexpr size_t kLongest = 4;
-    for (size_t length = 1; length <= std::min(end, kLongest); ++length) {
-        std::string_view character = text.substr(end - length, length);
-        if (TakeUtf8(character) != kInvalid && character.empty()) return end - length;
-    }
-    return end - 1;
-}
-
-// The start of the character that the byte is part of.
-size_t CharacterOf(std::string_view text, size_t at) {
-    constexpr size_t kBack = 3;
-    for (size_t start = at; at - start < kBack && start > 0;) {
-        --start;
-        std::string_view rest = text.substr(start);
-        if (TakeUtf8(rest) != kInvalid && text.size() - rest.size() > at) return start;
-    }
-    return at;
-}
 
 char32_t CharacterAt(std::string_view text, size_t at) {
     text.remove_prefix(at);
