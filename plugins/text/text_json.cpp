@@ -120,8 +120,9 @@ private:
     static void Append(std::string& text, std::basic_string<WCHAR>& units) {
         if (units.empty()) return;
         const auto narrow = [&](char* to, int size) {
-            return WideCharToMultiByte(OrvikTextCodePage(), 0, units.data(), static_cast<int>(units.size()), to, size, nullptr,
-                                       nullptr);
+            const DWORD exact = OrvikTextCodePage() == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;  // "=" is no likeness of another sign
+            return WideCharToMultiByte(OrvikTextCodePage(), exact, units.data(), static_cast<int>(units.size()), to, size,
+                                       nullptr, nullptr);
         };
         const size_t before = text.size();
         const int size = narrow(nullptr, 0);

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "comm/comm_exception.h"
-
 #include "plugins/text/text_letters.h"
 
 namespace text {
@@ -15,6 +14,9 @@ constexpr auto kSettled = 50ms, kHeldUp = 1000ms;
 constexpr size_t kQueue = 4000, kMuch = 2048;
 constexpr size_t kMostAtOnce = 1 << 20;  // bytes before the clock is looked at
 constexpr size_t kMostLeads = 16;
+
+// Whether what came of a line may become one that begins with the text.
+bool CanBegin(std::string_view half, std::string_view text) { return half.starts_with(text.substr(0, half.size())); }
 }  // namespace
 
 Stream::Stream(const Description& description, ITransport& transport)
@@ -186,8 +188,8 @@ bool Stream::Take(Heard heard, const std::vector<BYTE>& due, std::vector<Outcome
 // Where nothing is known of the logger's lines yet, it may be anything.
 bool Stream::TakeBroken(const Heard& heard, Failure& failure) {
     const std::string& half = heard.line.text;
-    const std::string start = m_description.start.substr(0, half.size());
-    if (!half.starts_with(start) || (start.empty() && m_leads.empty())) return false;
+    const bool begins = CanBegin(half, m_description.start) || CanBegin(LineText(half), LineText(m_description.start));
+    if (!begins || (m_description.start.empty() && m_leads.empty())) return false;
     m_lines.clear();
     failure = heard.line.cut ? BadLine(Sentence::TooLong, {std::to_string(m_description.longest), Shown(half)})
                              : BadLine(Sentence::HalfLine, {Shown(half)});

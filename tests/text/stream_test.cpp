@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "platform/house_text_internal.h"
 #include "plugins/text/text_logger.h"
 #include "tests/text/described.h"
 #include "tests/text/scripted_line.h"
@@ -91,6 +92,11 @@ TEST(TextStream, EachLineIsAReading) {
          0,
          "1@0.2 !4@0.2 -3@0.2"},
         {"half a line", kOne, {{0.2, "1\n"}, {0.5, "2"}, {1.5, "3\n4\n"}}, 0, "1@0.2 !3@0.5 4@1.5"},
+        {"half a line, and a whole one, whose first sign comes in either form",
+         "sFields=keys; sStart=" + orvik::detail::HouseFrom1252("\xB0") + "; Channels.1.sKey=T",
+         {{0.2, "\xB0 T=1\n"}, {0.5, "\xB0 T"}, {1.5, "=2\n\xC2\xB0 T=3\n"}},
+         0,
+         "1@0.2 !3@0.5 3@1.5"},
         {"a line that is too long", kOne + "; nMostLength=3", {{0.2, "1\n1234\n5\n"}}, 0, "1@0.2 !3@0.2 5@0.2"},
         {"several lines, of which one is missing",
          "nLines=2; sFirst=A; sFields=keys; Channels.1.sKey=A; Channels.2.sKey=B",
