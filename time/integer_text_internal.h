@@ -14,6 +14,13 @@ namespace orvik::detail {
 // width asks for. A width of -1 pads nothing.
 template <class Integer>
 void AppendInteger(CString& text, Integer value, int width = -1) {
+    if (width <= 2 && value >= 0 && value <= 99) {  // what most parts of dates and clocks are
+        const auto number = static_cast<unsigned>(value);
+        const char two[] = {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
+        const bool one = number < 10 && width < 2;
+        text += std::string_view(two + one, one ? 1 : 2);
+        return;
+    }
     constexpr int kPad = 8;  // zeros that go with the digits in one piece
     char piece[kPad + 24] = {'0', '0', '0', '0', '0', '0', '0', '0'};
     char* const digits = piece + kPad;

@@ -2,6 +2,7 @@
 
 #include <cfloat>
 
+#include "platform/house_text_internal.h"
 #include "time/digits_internal.h"
 #include "time/local_nls_tools.h"
 #include "time/locale_cache.h"
@@ -28,35 +29,49 @@ private:
     bool m_uneven = false;
 };
 
+// What stands at the cursor, taken by bytes.
+struct Bytes {
+    static int Sign(const char*& at) { return *at == '-' || *at == '+' ? (*at++ == '-' ? -1 : 1) : 0; }
+    static int Digit(const char*& at) { return TakeAsciiDigit(at); }
+    static bool Take(const Separator& separator, const char*& at) {
+        if (*at != separator.ascii || *at == 0) return false;
+        ++at;
+        return true;
+    }
+};
+
+// The same by letters: digits of every script, separators and signs beyond ASCII.
+struct Letters {
+    static int Sign(const char*& at) { return TakeSign(at); }
+    static int Digit(const char*& at) { return TakeDigit(at); }
+    static bool Take(const Separator& separator, const char*& at) { return separator.Take(at); }
+};
+
 // Factor by factor: the roundings of a power of ten at once would be others.
 void Scale(double& value, double factor, int times) {
     for (; times >= 8; times -= 8) value = value * factor * factor * factor * factor * factor * factor * factor * factor;
     for (; times > 0; --times) value *= factor;
 }
 
-}  // namespace
-
-bool ReadReal(const char*& cursor, const Separator& decimalSep, const Separator& thousandSep, double& value) {
+template <class Text>
+bool ReadRealOf(const char*& cursor, const Separator& decimalSep, const Separator& thousandSep, double& value) {
     value = 0;
     const char* at = cursor;
     while (*at == ' ') ++at;
-    const int sign = TakeSign(at);
-    const bool negative = sign < 0;
+    const int sign = Text::Sign(at);
     cursor = at;
     double read = 0;
-    bool inDecimals = decimalSep.Take(at);
+    bool inDecimals = Text::Take(decimalSep, at);
     if (!inDecimals) {
-        if (sign == 0 && !IsDigitAt(at)) return false;
+        const char* behind = at;
+        if (sign == 0 && Text::Digit(behind) < 0) return false;
         Grouping grouping;
         size_t digits = 0;
         for (;;) {
-            const char* const run = at;
-            for (int digit; (digit = TakeAsciiDigit(at)) >= 0;) read = read * 10 + digit;
-            digits += static_cast<size_t>(at - run);
-            if (thousandSep.Take(at))
+            if (const int digit = Text::Digit(at); digit >= 0)
+                read = read * 10 + digit, ++digits;
+            else if (Text::Take(thousandSep, at))
                 grouping.PutSeparator(digits);
-            else if (const int native = TakeDigit(at); native >= 0)
-                read = read * 10 + native, ++digits;
             else
                 break;
         }
@@ -65,26 +80,42 @@ bool ReadReal(const char*& cursor, const Separator& decimalSep, const Separator&
             cursor = at;
             return false;
         }
-        inDecimals = decimalSep.Take(at);
+        inDecimals = Text::Take(decimalSep, at);
     }
     if (inDecimals) {
         double weight = 0.1;
-        for (int digit; (digit = TakeDigit(at)) >= 0; weight *= 0.1) read += digit * weight;
+        for (int digit; (digit = Text::Digit(at)) >= 0; weight *= 0.1) read += digit * weight;
     }
-    value = negative ? -read : read;
+    value = sign < 0 ? -read : read;
     if (*at == 'e' || *at == 'E') {
         ++at;
-        const bool down = TakeSign(at) < 0;
+        const bool down = Text::Sign(at) < 0;
+        const char* const begin = at;
         int exponent = 0;
-        const bool any = IsDigitAt(at);
-        for (int digit; (digit = TakeDigit(at)) >= 0;)
+        for (int digit; (digit = Text::Digit(at)) >= 0;)
             if (exponent < kExponentLimit) exponent = exponent * 10 + digit;
+        const bool any = at != begin;
         cursor = at;
         if (!any || exponent >= kExponentLimit) return false;
         Scale(value, down ? 0.1 : 10.0, exponent);
     }
     cursor = at;
     return true;
+}
+
+}  // namespace
+
+bool ReadReal(const char*& cursor, const Separator& decimalSep, const Separator& thousandSep, double& value) {
+    // Bytes are quicker, and all that most texts have. Where they leave off at ASCII or the end, letters would not go further.
+    if (decimalSep.letter.empty() && thousandSep.letter.empty()) {
+        const char* at = cursor;
+        const bool right = ReadRealOf<Bytes>(at, decimalSep, thousandSep, value);
+        if (static_cast<unsigned char>(*at) < 0x80 || !HouseIsUtf8()) {
+            cursor = at;
+            return right;
+        }
+    }
+    return ReadRealOf<Letters>(cursor, decimalSep, thousandSep, value);
 }
 
 }  // namespace orvik::detail
