@@ -35,6 +35,7 @@
 #include "platform/posix/serial/setup.h"
 #include "platform/posix/text/text.h"
 #include "platform/posix/types.h"
+#include "platform/posix/window/dpi.h"
 #include "platform/posix/window/messages.h"
 #include "platform/posix/window/scroll.h"
 #include "platform/posix/window/window.h"

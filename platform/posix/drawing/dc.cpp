@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/posix/drawing/dc_internal.h"
+#include "platform/posix/drawing/display_dots_internal.h"
 #include "platform/posix/kernel/handle_table_internal.h"
 #include "platform/posix/text/text.h"
 
@@ -301,7 +302,7 @@ int GetDeviceCaps(HDC dc, int index) {
     const Canvas& canvas = *found->place.canvas;
     // Memory and windows tell of a display of usual size; a page tells of itself.
     const SIZE size = canvas.IsPage() ? canvas.Size() : SIZE{1920, 1080};
-    const int dots = canvas.DotsPerInch();
+    const int dots = canvas.IsPage() ? canvas.DotsPerInch() : DisplayDots().load();
     const auto millimetres = [&](LONG pixels) { return static_cast<int>(std::lround(pixels * 25.4 / dots)); };
     switch (index) {
         case DRIVERVERSION:

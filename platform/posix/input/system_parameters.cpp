@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/posix/drawing/gdi.h"
+#include "platform/posix/window/dpi.h"
 #include "platform/posix/window/window_internal.h"
 
 using namespace orvik::detail;
@@ -40,24 +41,29 @@ bool InputParameter(UINT action, PVOID data) {
 }
 }  // namespace
 
-BOOL SystemParametersInfoA(UINT action, UINT, PVOID data, UINT) {
-    if (InputParameter(action, data)) return TRUE;
-    if (action != SPI_GETNONCLIENTMETRICS || data == nullptr) return Refuse();
+BOOL SystemParametersInfoForDpi(UINT action, UINT, PVOID data, UINT, UINT dpi) {
+    if (action != SPI_GETNONCLIENTMETRICS || data == nullptr || dpi == 0) return Refuse();
     const UINT size = *static_cast<const UINT*>(data);
     constexpr UINT kBeforePadding = offsetof(NONCLIENTMETRICSA, iPaddedBorderWidth);
     if (size != sizeof(NONCLIENTMETRICSA) && size != kBeforePadding) return Refuse();
+    // The desktop's usual measures.
+    const auto pixels = [&](int usual) { return MulDiv(usual, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI); };
     NONCLIENTMETRICSA metrics{};
     metrics.cbSize = size;
-    // The desktop's usual measures at 96 dots an inch, in pixels.
     metrics.iBorderWidth = 1;
-    metrics.iScrollWidth = metrics.iScrollHeight = 17;
-    metrics.iCaptionWidth = 36;
-    metrics.iCaptionHeight = metrics.iSmCaptionWidth = metrics.iSmCaptionHeight = 22;
-    metrics.iMenuWidth = metrics.iMenuHeight = 19;
+    metrics.iScrollWidth = metrics.iScrollHeight = pixels(17);
+    metrics.iCaptionWidth = pixels(36);
+    metrics.iCaptionHeight = metrics.iSmCaptionWidth = metrics.iSmCaptionHeight = pixels(22);
+    metrics.iMenuWidth = metrics.iMenuHeight = pixels(19);
     LOGFONTA font{};
     GetObjectA(GetStockObject(DEFAULT_GUI_FONT), sizeof font, &font);
+    font.lfHeight = pixels(font.lfHeight);
     metrics.lfCaptionFont = metrics.lfSmCaptionFont = metrics.lfMenuFont = metrics.lfStatusFont = metrics.lfMessageFont = font;
-    metrics.iPaddedBorderWidth = 4;
+    metrics.iPaddedBorderWidth = pixels(4);
     std::memcpy(data, &metrics, size);
     return TRUE;
+}
+
+BOOL SystemParametersInfoA(UINT action, UINT parameter, PVOID data, UINT winIni) {
+    return InputParameter(action, data) || SystemParametersInfoForDpi(action, parameter, data, winIni, GetDpiForSystem());
 }

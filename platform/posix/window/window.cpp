@@ -9,6 +9,7 @@
 #include "platform/posix/dialogs/menu.h"
 #include "platform/posix/kernel/threads.h"
 #include "platform/posix/text/letters_internal.h"
+#include "platform/posix/window/dpi.h"
 #include "platform/posix/window/window_class_internal.h"
 
 namespace orvik::detail {
@@ -185,6 +186,8 @@ HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR text, DWORD style, 
         if (!made->windowClass) return fail(ERROR_CANNOT_FIND_WND_CLASS);
         if (create.hwndParent != nullptr && FindWindowOf(create.hwndParent) == nullptr) return fail(ERROR_INVALID_WINDOW_HANDLE);
         if ((style & WS_CHILD) != 0 && parent == nullptr) return fail(ERROR_TLW_WITH_WSCHILD);
+        Window* above = FindWindowOf(create.hwndParent);
+        made->dpi = above != nullptr ? RootOf(*above).dpi : GetDpiForSystem();
         handle = made->handle = NextHandle();
         made->thread = thread;
         made->procedure = made->windowClass->info.lpfnWndProc;

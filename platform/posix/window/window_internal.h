@@ -40,6 +40,7 @@ struct Window {
     std::string text;
     HINSTANCE instance = nullptr;
     LONG_PTR userData = 0, id = 0;
+    UINT dpi = 96;  // of a top-level window's screen; below it that one counts
     std::vector<unsigned char> extra;
     std::shared_ptr<void> control;  // what a window of a system class keeps; ends without asking for the lock
 

@@ -163,4 +163,4 @@ ORVIK_API BOOL WINAPI SetForegroundWindow(HWND window);
 ORVIK_API HWND WINAPI GetFocus();
 ORVIK_API HWND WINAPI SetFocus(HWND window);  // null takes the focus from everyone
 
-ORVIK_API int WINAPI GetSystemMetrics(int index);  // pixels at 96 dots an inch; 0 for what is not known
+ORVIK_API int WINAPI GetSystemMetrics(int index);  // pixels at the system's dots an inch (dpi.h); 0 for what is not known
