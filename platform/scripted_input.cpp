@@ -1,21 +1,26 @@
 #include "platform/scripted_input.h"
 
 #include "platform/house_text_internal.h"
+#include "platform/scripted_input_internal.h"
 
-namespace {
-UINT PointerMessage() {
+namespace orvik::detail {
+UINT PointerStep() {
     static const UINT s_message = RegisterWindowMessageA("OrvikScriptedPointer");
     return s_message;
 }
-UINT KeyMessage() {
+UINT KeyStep() {
     static const UINT s_message = RegisterWindowMessageA("OrvikScriptedKey");
     return s_message;
 }
-UINT CharMessage() {
+UINT CharStep() {
     static const UINT s_message = RegisterWindowMessageA("OrvikScriptedChar");
     return s_message;
 }
+}  // namespace orvik::detail
 
+using namespace orvik::detail;
+
+namespace {
 // The low byte of a key's state: its highest bit is "down", its lowest "toggled".
 void SetKey(UINT key, bool down) {
     BYTE keys[256];
@@ -125,7 +130,8 @@ void BecomePointer(MSG& read, bool act) {
 
 void BecomeKey(MSG& read, bool act) {
     const auto key = static_cast<UINT>(read.wParam);
-    const bool down = read.lParam != 0;
+    const bool down = (read.lParam & 1) != 0;
+    const uint64_t writes = static_cast<uint64_t>(read.lParam) >> 32 << 32;
     const bool was = IsDown(static_cast<int>(key));
     if (act) SetKey(key, down);
     const HWND focus = GetFocus();
@@ -134,7 +140,8 @@ void BecomeKey(MSG& read, bool act) {
     if (focus != nullptr) read.hwnd = focus;
     read.message = down ? (system ? WM_SYSKEYDOWN : WM_KEYDOWN) : (system ? WM_SYSKEYUP : WM_KEYUP);
     const DWORD bits = 1u | (system && key != VK_F10 ? 1u << 29 : 0) | (was || !down ? 1u << 30 : 0) | (down ? 0 : 1u << 31);
-    read.lParam = static_cast<LPARAM>(static_cast<LONG>(bits));
+    // A key that goes up writes nothing; its bits are those of a negative number.
+    read.lParam = static_cast<LPARAM>(static_cast<LONG>(bits)) | static_cast<LPARAM>(down ? writes : 0);
 }
 
 void BecomeChar(MSG& read) {
@@ -160,9 +167,9 @@ private:
     static LRESULT CALLBACK Read(int code, WPARAM remove, LPARAM given) {
         if (code == HC_ACTION) {
             MSG& read = *reinterpret_cast<MSG*>(given);
-            if (read.message == PointerMessage()) BecomePointer(read, remove == PM_REMOVE);
-            if (read.message == KeyMessage()) BecomeKey(read, remove == PM_REMOVE);
-            if (read.message == CharMessage()) BecomeChar(read);
+            if (read.message == PointerStep()) BecomePointer(read, remove == PM_REMOVE);
+            if (read.message == KeyStep()) BecomeKey(read, remove == PM_REMOVE);
+            if (read.message == CharStep()) BecomeChar(read);
         }
         return CallNextHookEx(nullptr, code, remove, given);
     }
@@ -182,6 +189,8 @@ BOOL PostStep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 }
 }  // namespace
 
+bool orvik::detail::ReadSteps() { return ReadingHook::Ready(); }
+
 BOOL OrvikPostPointer(HWND window, UINT message, int x, int y, int wheel) {
     const bool known = message == WM_MOUSEMOVE || message == WM_MOUSEWHEEL || ButtonOf(message) != 0;
     const auto fits = [](int value) { return value >= -32768 && value <= 32767; };
@@ -189,7 +198,7 @@ BOOL OrvikPostPointer(HWND window, UINT message, int x, int y, int wheel) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    return PostStep(window, PointerMessage(), MAKEWPARAM(message, wheel), MAKELPARAM(x, y));
+    return PostStep(window, PointerStep(), MAKEWPARAM(message, wheel), MAKELPARAM(x, y));
 }
 
 BOOL OrvikPostKey(HWND window, UINT key, BOOL down) {
@@ -197,11 +206,11 @@ BOOL OrvikPostKey(HWND window, UINT key, BOOL down) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    return PostStep(window, KeyMessage(), key, down != FALSE);
+    return PostStep(window, KeyStep(), key, down != FALSE);
 }
 
 BOOL OrvikPostText(HWND window, LPCSTR text) {
-    const auto post = [window](WPARAM typed) { return PostStep(window, CharMessage(), typed, 1); };
+    const auto post = [window](WPARAM typed) { return PostStep(window, CharStep(), typed, 1); };
     std::string_view rest = text != nullptr ? text : "";
     while (!rest.empty()) {
         const char first = rest.front();

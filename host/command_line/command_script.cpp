@@ -5,6 +5,7 @@
 #include "host/gui/script_runner.h"
 #include "host/session/database_file.h"
 #include "host/words/arguments.h"
+#include "platform/screen.h"
 
 namespace {
 constexpr SIZE kWindow = {1000, 640};
@@ -39,6 +40,7 @@ ExitCode RunScript(CHostApp& app, const Words& words) {
         last.line = steps.empty() ? 1 : steps.back().line;
         steps.push_back(last);
     }
+    OrvikKeepWindowsInMemory();
     MainWindow window(app, MainWindow::Manner::Quiet);
     window.CreateWindowOf(kWindow, SW_SHOWNOACTIVATE);
     window.Open(sessionPath);

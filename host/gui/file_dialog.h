@@ -1,4 +1,4 @@
-// The system's questions for a file. House text. Nothing when the user gives up, and on a system that shows no dialogs, where
+// The system's questions for a file. House text. Nothing when the user gives up, and where no window comes to a screen:
 // HasFileDialogs is false and paths come from the command line. User-interface thread; its messages are handled meanwhile.
 #pragma once
 

@@ -4,6 +4,7 @@
 #include "platform/posix/controls/common_controls.h"
 #include "platform/posix/controls/controls.h"
 #include "platform/posix/dialogs/dialog.h"
+#include "platform/posix/dialogs/file_dialog.h"
 #include "platform/posix/dialogs/menu.h"
 #include "platform/posix/dialogs/message_box.h"
 #include "platform/posix/drawing/bitmap.h"

@@ -1,4 +1,5 @@
-"""The window host under Wine, as a user has it: a real window on a virtual screen, with the pointer and the keys of that screen.
+"""The window host as a user has it: a real window on a virtual screen, with the pointer and the keys of that screen; under Wine with
+--wine, else by the module for Linux desktops.
 
 Nothing here knows how the window is built. Where the axes and comments stand is read off its picture; what has happened is waited
 for, in the window's title, its picture or a file, however long a busy machine takes, and never guessed by
@@ -9,6 +10,7 @@ import atexit
 import math
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -47,7 +49,17 @@ def until(condition, what):
 
 
 def run(*words):
-    return subprocess.run(list(map(str, words)), stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+    return subprocess.run(list(map(str, words)), stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env={**os.environ, "LC_ALL": "C.UTF-8"}).stdout
+
+
+def windows():
+    """What is on the screen, by its title: xdotool itself asks by an old name that holds few letters."""
+    found = {}
+    for each in xdotool("search", "--onlyvisible", "--name", "").split():
+        said = run("xprop", "-id", each, "-notype", "_NET_WM_NAME").decode("utf-8", "replace")
+        if ' = "' in said:
+            found[each] = said.split(' = "', 1)[1].rsplit('"', 1)[0]
+    return found
 
 
 def xdotool(*words):
@@ -131,7 +143,7 @@ class Window:
     """OrvikHost.exe and the hands of its user. Places are those of the window's picture."""
 
     def __init__(self, folder, words, title, language="C.UTF-8", environment=None):
-        self.process = subprocess.Popen([options.wine, options.gui, *map(str, words)], cwd=folder, stdout=subprocess.DEVNULL,
+        self.process = subprocess.Popen([*([options.wine] if options.wine else []), options.gui, *map(str, words)], cwd=folder, stdout=subprocess.DEVNULL,
                                         env={**os.environ, "LC_ALL": language, **(environment or {})})
         self.title_start = title
         try:
@@ -139,8 +151,6 @@ class Window:
         except AssertionError:
             self.abandon()
             raise
-        place = dict(line.split("=") for line in xdotool("getwindowgeometry", "--shell", self.id).splitlines())
-        self.x, self.y = int(place["X"]), int(place["Y"])
         xdotool("windowfocus", "--sync", self.id)  # there is nobody else on the screen who would give it the keys
 
     def find(self):
@@ -150,7 +160,9 @@ class Window:
         """A window of this program that is on the screen."""
         if self.process.poll() is not None:
             raise AssertionError(f"the program ended with {self.process.returncode}")
-        return xdotool("search", "--onlyvisible", "--name", title).split("\n")[0]
+        if options.wine:
+            return xdotool("search", "--onlyvisible", "--name", title).split("\n")[0]
+        return next((window for window, name in windows().items() if re.search(title, name)), None)
 
     def dialog(self, name, other_than=None):
         """The dialog of this name when it has come up, with the keys of the screen."""
@@ -163,7 +175,7 @@ class Window:
         return dialog
 
     def title(self):
-        return xdotool("getwindowname", self.id)
+        return xdotool("getwindowname", self.id) if options.wine else windows().get(self.id, "")
 
     def is_modified(self):
         return self.title().startswith(self.title_start + "*")
@@ -206,7 +218,7 @@ class Window:
         xdotool("key", *names)
 
     def point(self, x, y):
-        xdotool("mousemove", self.x + x, self.y + y)
+        xdotool("mousemove", "--window", self.id, x, y)
 
     def press(self, a, b):
         """Down at a, over to b by way of a place between; what it does can be seen by then."""
@@ -230,7 +242,7 @@ class Window:
         if holding:
             xdotool("keyup", holding)
         self.key("Escape")  # no comment stays marked
-        self.point(AWAY[0] - self.x, AWAY[1] - self.y)
+        xdotool("mousemove", *AWAY)
         return self.settled(other_than=before)
 
     def close(self, keeping=None):
@@ -332,7 +344,12 @@ class WindowFlow(unittest.TestCase):
         self.charted(window)
         window.key("ctrl+o")
         window.dialog("Open a session")
-        xdotool("type", "Z:" + str(omega).replace("/", "\\"))
+        if options.wine:
+            xdotool("type", "Z:" + str(omega).replace("/", "\\"))
+        else:
+            xdotool("key", "slash")  # brings up the field for a path, which takes a moment
+            time.sleep(1)
+            xdotool("type", str(omega)[1:])
         xdotool("key", "Return")
         window.title_start = omega.name
         until(window.find, "the title of the other file")
@@ -413,9 +430,9 @@ class WindowFlow(unittest.TestCase):
 if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--gui", required=True)
-    parser.add_argument("--wine", required=True)
+    parser.add_argument("--wine")
     parser.add_argument("--simulator", required=True)
-    parser.add_argument("--preload", required=True)
+    parser.add_argument("--preload")
     parser.add_argument("--pictures", required=True, type=pathlib.Path)
     parser.add_argument("--patience", type=float, default=90, help="seconds that a busy machine may need for a step that takes a tenth of one")
     options, rest = parser.parse_known_args()

@@ -1,4 +1,5 @@
-// Message boxes where there is no screen: the text goes to the standard error stream, and the default button is the answer.
+// Message boxes. Where no window can come to a screen (platform/screen.h), the text goes to the standard error stream, and the
+// default button is the answer.
 // Any thread.
 #pragma once
 
@@ -31,6 +32,7 @@
 #define IDYES 6
 #define IDNO 7
 
-// A program without a user never waits here: the answer is the button that Enter would press. 0 and error 87 for an unknown set
-// of buttons.
+// On a screen a modal dialog; Escape and the frame's button choose Cancel, or the only button, and nothing where a choice must be
+// made. A program without a user never waits here: the answer is the button that Enter would press. 0 and error 87 for an unknown
+// set of buttons.
 ORVIK_API int WINAPI MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/posix/window/window_internal.h"
+#include "platform/scripted_input_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -135,6 +136,7 @@ BOOL SetCursorPos(int x, int y) {
 HCURSOR SetCursor(HCURSOR cursor) {
     MessageQueue& queue = CurrentQueue();
     const std::lock_guard kernel(KernelLock());
+    if (queue.cursor != cursor) NoteCursor(queue.thread);
     return std::exchange(queue.cursor, cursor);
 }
 
@@ -184,13 +186,21 @@ BOOL TranslateMessage(const MSG* message) {
     if (message->message != WM_KEYDOWN && !system) return FALSE;
     MessageQueue& queue = CurrentQueue();
     const std::lock_guard kernel(KernelLock());
-    const unsigned char character = CharacterOf(queue, static_cast<UINT>(message->wParam));
+    // A real keyboard says what its key writes: scripted_input_internal.h.
+    uint64_t units = static_cast<uint64_t>(message->lParam) >> 32;
+    const bool real = units != 0;
+    if (units == kWritesNothing) return TRUE;
+    if (!real || units == kWritesUsual) units = CharacterOf(queue, static_cast<UINT>(message->wParam));
     const Window* window = FindWindowOf(message->hwnd);
-    if (character == 0 || window == nullptr || window->thread != queue.thread) return TRUE;
+    if (units == 0 || window == nullptr || window->thread != queue.thread) return TRUE;
     MSG written = *message;
     written.message = system ? WM_SYSCHAR : WM_CHAR;
-    written.wParam = character;
-    queue.posted.push_back(written);
+    written.lParam = message->lParam & 0xFFFFFFFF;
+    // The next key, which may end what is written here, waits in the queue already.
+    for (auto at = real ? queue.posted.begin() : queue.posted.end(); units != 0; units >>= 16) {
+        written.wParam = units & 0xFFFF;
+        at = queue.posted.insert(at, written) + 1;
+    }
     queue.Note(QS_POSTMESSAGE | QS_ALLPOSTMESSAGE);
     return TRUE;
 }

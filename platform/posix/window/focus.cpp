@@ -42,7 +42,7 @@ void MoveFocus(HWND window) {
     if (window != nullptr && GetFocus() == window) SendMessageA(window, WM_SETFOCUS, reinterpret_cast<WPARAM>(before), 0);
 }
 
-bool Activate(HWND handle, bool byMouse) {
+bool Activate(HWND handle, bool byMouse, bool byScreen) {
     MessageQueue& queue = CurrentQueue();
     HWND before = nullptr;
     {
@@ -65,6 +65,10 @@ bool Activate(HWND handle, bool byMouse) {
         if (window != nullptr && !window->messageOnly) {
             Unlink(*window);
             Link(*window);
+            if (!byScreen) {
+                ++window->raised;
+                NoteChanged(*window);
+            }
         }
     }
     if (handle != nullptr) {
@@ -180,6 +184,7 @@ BOOL EnableWindow(HWND handle, BOOL enable) {
         Window* window = FindWindowOf(handle);
         if (window == nullptr) return disabled;
         window->style = enable ? window->style & ~WS_DISABLED : window->style | WS_DISABLED;
+        NoteChanged(*window);
         const Window* focus = FindWindowOf(queue.focus);
         hasFocus = !enable && focus != nullptr && IsBelow(*focus, handle) && (window->style & WS_CHILD) != 0;
         hasFocus = hasFocus || (!enable && queue.focus == handle);

@@ -15,6 +15,7 @@ DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll
         return WAIT_FAILED;
     }
     MessageQueue& queue = CurrentQueue();
+    ShowDrawn();
     const int64_t deadline = DeadlineIn(milliseconds);
     std::unique_lock kernel(KernelLock());
     const auto hasMessage = [&] {

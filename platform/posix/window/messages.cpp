@@ -4,13 +4,15 @@
 #include <map>
 #include <set>
 #include <unordered_map>
+#include <utility>
 
 #include "platform/posix/kernel/threads.h"
 #include "platform/posix/window/window_internal.h"
 
 namespace orvik::detail {
 namespace {
-constexpr size_t kMostPosted = 10'000;  // as on Windows: a thread that no longer reads must not eat all memory
+constexpr size_t kMostPosted = 10'000;       // as on Windows: a thread that no longer reads must not eat all memory
+constexpr int64_t kSoon = 8 * kMillisecond;  // half a frame of a screen
 
 std::unordered_map<DWORD, MessageQueue*>& Queues() {
     static auto* queues = new std::unordered_map<DWORD, MessageQueue*>;
@@ -263,13 +265,24 @@ int GetMessageA(LPMSG message, HWND window, UINT first, UINT last) {
         return -1;
     }
     const Filter filter{window, first, last};
-    for (;;) {
+    const auto show = [&kernel] {
+        kernel.unlock();
+        ShowDrawn();
+        kernel.lock();
+    };
+    for (bool shown = false;;) {
+        // Where messages never run dry, as while the pointer moves.
+        if (queue.drawnSince != 0 && !queue.mayPaint && NowNs() - queue.drawnSince > kSoon) show();
         ServeSentMessages(queue, kernel);
         queue.changed = 0;
         if (TakeMessage(queue, filter, true, *message)) {
             kernel.unlock();
             RunMessageHooks(*message, PM_REMOVE);
             return message->message == WM_QUIT ? 0 : 1;
+        }
+        if (queue.MayHaveDrawn() && !std::exchange(shown, true)) {
+            show();
+            continue;
         }
         WaitUntil(kernel, {}, queue.NextTimer(), [&] { return queue.changed != 0; });
     }
@@ -284,8 +297,11 @@ BOOL PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove
     queue.changed = 0;
     Filter filter{window, first, last};
     if ((remove >> 16) != 0) filter.kinds = remove & 0xFFFF0000u;
-    if (!TakeMessage(queue, filter, (remove & PM_REMOVE) != 0, *message)) return FALSE;
+    const bool taken = TakeMessage(queue, filter, (remove & PM_REMOVE) != 0, *message);
+    const bool showDrawn = !taken && queue.MayHaveDrawn() && !queue.mayPaint;
     kernel.unlock();
+    if (showDrawn) ShowDrawn();
+    if (!taken) return FALSE;
     RunMessageHooks(*message, remove & PM_REMOVE);
     return TRUE;
 }

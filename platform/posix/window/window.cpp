@@ -117,6 +117,9 @@ void RemoveWindow(HWND handle) {
     if (found == Windows().end()) return;
     Window& window = *found->second;
     --window.windowClass->windows;
+    window.style &= ~WS_VISIBLE;
+    NoteChanged(window);
+    ForgetPicture(handle);
     RemoveMessagesFor(handle, window.thread);
     DropContexts(window);
     Unlink(window);
@@ -262,6 +265,7 @@ LRESULT DefWindowProcA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) 
             Window* window = FindWindowOf(handle);
             if (window == nullptr) return 0;
             window->text = text == nullptr ? "" : text;
+            NoteChanged(*window);
             return TRUE;
         }
         case WM_GETTEXT: {

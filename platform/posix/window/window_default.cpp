@@ -21,15 +21,17 @@ LRESULT AskParent(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
 void TellPlace(HWND handle, const WINDOWPOS& pos) {
     RECT client{};
     POINT corner{};
+    WPARAM kind = SIZE_RESTORED;  // the three are numbered alike
     {
         const std::lock_guard kernel(KernelLock());
         const Window* window = FindWindowOf(handle);
         if (window == nullptr) return;
         client = window->Client();
         corner = {window->rectangle.left, window->rectangle.top};
+        kind = static_cast<WPARAM>(window->state);
     }
     if ((pos.flags & SWP_NOMOVE) == 0) SendMessageA(handle, WM_MOVE, 0, MAKELPARAM(corner.x, corner.y));
-    if ((pos.flags & SWP_NOSIZE) == 0) SendMessageA(handle, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.right, client.bottom));
+    if ((pos.flags & SWP_NOSIZE) == 0) SendMessageA(handle, WM_SIZE, kind, MAKELPARAM(client.right, client.bottom));
 }
 
 LRESULT ChooseCursor(HWND handle, WPARAM over, LPARAM lParam) {

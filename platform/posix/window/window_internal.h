@@ -12,6 +12,7 @@
 #include "platform/posix/drawing/pixel_region_internal.h"
 #include "platform/posix/input/input.h"
 #include "platform/posix/kernel/wait_internal.h"
+#include "platform/posix/window/screen_internal.h"
 #include "platform/posix/window/scroll.h"
 
 namespace orvik::detail {
@@ -49,6 +50,11 @@ struct Window {
     std::shared_ptr<Canvas> canvas;  // of a top-level window that was drawn on
     std::vector<HDC> contexts;       // got from it and not yet released
     HMENU menu = nullptr;
+    RECT drawn{};                         // since a screen saw the picture
+    SIZE least{1, 1};                     // a top-level window's, for who sizes it on a screen
+    bool sizedByScreen = false;           // the size that it has came from there
+    unsigned raised = 0, stateAsked = 0;  // count what the program wants of a screen
+    ShownWindow::State state = ShownWindow::State::Normal;
     std::array<SCROLLINFO, 2> scroll{SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0},
                                      SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0}};
 
@@ -81,6 +87,9 @@ struct MessageQueue {
     UINT_PTR lastTimerId = 0;
     bool quit = false;
     int quitCode = 0;
+    int64_t drawnSince = 0;  // what a screen has not seen yet; 0 for nothing
+    size_t contexts = 0;     // over its windows, not yet released
+    bool MayHaveDrawn() const { return drawnSince != 0 || contexts != 0; }
     DWORD changed = 0;      // QS_ bits of what came since the thread last looked
     bool mayPaint = false;  // some window of the thread may have something to paint
 
@@ -141,13 +150,14 @@ bool NextPaint(MessageQueue& queue, bool (*takes)(HWND window, const void* filte
 PixelRegion PixelsOf(HRGN region);   // empty for a bad handle
 void RefreshContexts(Window& root);  // gives every context below it the area that can be seen now
 void ResizeCanvas(Window& root);
-void DropContexts(Window& window);  // of a window that goes
+void DropContexts(Window& window);    // of a window that goes
+void NoteOpenContexts(DWORD thread);  // whoever holds one may have drawn on it: for a screen
 // Without the lock: erases what is to be erased in the window and below it.
 void EraseNow(HWND window);
 
 // Focus and activation, without the lock; all windows are the calling thread's.
-bool Activate(HWND window, bool byMouse);
-void MoveFocus(HWND window);                      // null for nobody; the messages of a focus change
+bool Activate(HWND window, bool byMouse, bool byScreen = false);  // `byScreen`: it is in front there already
+void MoveFocus(HWND window);                                      // null for nobody; the messages of a focus change
 void LeaveWindow(HWND window);                    // it was hidden or goes: activation, focus and capture go elsewhere
 HWND ForegroundWindow();                          // under the lock
 void RunMessageHooks(MSG& message, UINT remove);  // without the lock

@@ -58,7 +58,10 @@ CanvasPlace PlaceOf(const Context& context) {
 HDC OpenContext(Context context) {
     const HDC dc = MakeCanvasDC(PlaceOf(context));
     if (dc == nullptr) return nullptr;
-    if (Window* window = context.window == nullptr ? nullptr : FindWindowOf(context.window)) window->contexts.push_back(dc);
+    if (Window* window = context.window == nullptr ? nullptr : FindWindowOf(context.window)) {
+        window->contexts.push_back(dc);
+        if (MessageQueue* const queue = QueueOf(window->thread)) ++queue->contexts;
+    }
     Contexts()[dc] = std::move(context);
     return dc;
 }
@@ -67,8 +70,11 @@ HDC OpenContext(Context context) {
 bool CloseContext(HDC dc) {
     const auto found = Contexts().find(dc);
     if (found == Contexts().end()) return false;
-    if (Window* window = found->second.window == nullptr ? nullptr : FindWindowOf(found->second.window))
+    if (Window* window = found->second.window == nullptr ? nullptr : FindWindowOf(found->second.window)) {
         std::erase(window->contexts, dc);
+        if (MessageQueue* const queue = QueueOf(window->thread)) --queue->contexts;
+        if (HasScreen()) NoteDrawn(RootOf(*window), PlaceOf(found->second).clip.Box());
+    }
     Contexts().erase(found);
     EndCanvasDC(dc);
     return true;
@@ -161,12 +167,20 @@ void ResizeCanvas(Window& root) {
 
 void DropContexts(Window& window) {
     // Whoever holds one still draws on it, and nowhere.
+    if (MessageQueue* const queue = QueueOf(window.thread)) queue->contexts -= window.contexts.size();
     for (const HDC dc : window.contexts) {
         Context& context = Contexts()[dc];
         context.window = nullptr;
         PlaceCanvasDC(dc, PlaceOf(context));
     }
     window.contexts.clear();
+}
+
+void NoteOpenContexts(DWORD thread) {
+    for (const auto& [dc, context] : Contexts()) {
+        Window* const window = context.window == nullptr ? nullptr : FindWindowOf(context.window);
+        if (window != nullptr && window->thread == thread) NoteDrawn(RootOf(*window), PlaceOf(context).clip.Box());
+    }
 }
 
 void EraseNow(HWND handle) {
@@ -230,8 +244,7 @@ HDC BeginPaint(HWND handle, LPPAINTSTRUCT paint) {
 
 BOOL EndPaint(HWND, const PAINTSTRUCT* paint) {
     if (paint == nullptr) return FALSE;
-    const std::lock_guard kernel(KernelLock());
-    CloseContext(paint->hdc);
+    ReleaseDC(nullptr, paint->hdc);
     return TRUE;
 }
 
@@ -273,8 +286,13 @@ HDC GetDC(HWND handle) {
 HDC GetWindowDC(HWND handle) { return GetDC(handle); }
 
 int ReleaseDC(HWND, HDC dc) {
-    const std::lock_guard kernel(KernelLock());
-    return CloseContext(dc);
+    bool closed = false;
+    {
+        const std::lock_guard kernel(KernelLock());
+        closed = CloseContext(dc);
+    }
+    if (DrawnIsDue()) ShowDrawn();
+    return closed;
 }
 
 int GetUpdateRgn(HWND handle, HRGN region, BOOL erase) {

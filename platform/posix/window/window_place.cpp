@@ -60,6 +60,10 @@ bool ApplyPlace(Window& window, WINDOWPOS& pos) {
 
     const bool child = (window.style & WS_CHILD) != 0;
     if (!child && sized) ResizeCanvas(window);
+    if (!child) {
+        if (sized) window.sizedByScreen = false;
+        NoteChanged(window);
+    }
     RefreshContexts(RootOf(window));
     const bool isSeen = CanBeSeen(window);
     if ((pos.flags & SWP_NOREDRAW) == 0) {
@@ -83,6 +87,22 @@ bool ApplyPlace(Window& window, WINDOWPOS& pos) {
     if (sized) window.update.Combine(window.Client(), RGN_AND);
     if (!isSeen) window.update = {};
     return true;
+}
+
+// On a screen a window can be minimised and maximised; in memory there is nothing to fill.
+void AskForState(HWND handle, int command) {
+    using State = ShownWindow::State;
+    const std::lock_guard kernel(KernelLock());
+    Window* const window = FindWindowOf(handle);
+    if (window == nullptr || !HasScreen() || command == SW_HIDE || command == SW_SHOW || command == SW_SHOWNA) return;
+    const State asked = command == SW_SHOWMAXIMIZED ? State::Maximised
+                        : command == SW_MINIMIZE || command == SW_SHOWMINIMIZED || command == SW_SHOWMINNOACTIVE
+                            ? State::Minimised
+                            : State::Normal;
+    if (asked == window->state) return;
+    window->state = asked;
+    ++window->stateAsked;
+    NoteChanged(*window);
 }
 }  // namespace
 
@@ -122,6 +142,7 @@ BOOL SetWindowPos(HWND handle, HWND insertAfter, int x, int y, int width, int he
         pos.y = std::clamp(pos.y, -32768, 32767);
     };
     bound();
+    if (!child && (flags & SWP_SHOWWINDOW) != 0) JoinScreen(handle);
     if ((flags & SWP_NOSENDCHANGING) == 0) {
         SendMessageA(handle, WM_WINDOWPOSCHANGING, 0, reinterpret_cast<LPARAM>(&pos));
         bound();
@@ -157,6 +178,7 @@ BOOL ShowWindow(HWND handle, int command) {
         if (const Window* parent = child ? FindWindowOf(window->parent) : nullptr) parentSeen = CanBeSeen(*parent);
     }
     const bool show = command != SW_HIDE;
+    if (!child) AskForState(handle, command);
     if (show == was) return was;
     SendMessageA(handle, WM_SHOWWINDOW, show, 0);
     if (child && !parentSeen) {
@@ -173,8 +195,12 @@ BOOL ShowWindow(HWND handle, int command) {
     return was;
 }
 
-BOOL IsIconic(HWND) { return FALSE; }
-BOOL IsZoomed(HWND) { return FALSE; }
+BOOL IsIconic(HWND handle) {
+    return With<BOOL>(handle, [](const Window& window) { return window.state == ShownWindow::State::Minimised; });
+}
+BOOL IsZoomed(HWND handle) {
+    return With<BOOL>(handle, [](const Window& window) { return window.state == ShownWindow::State::Maximised; });
+}
 
 BOOL AdjustWindowRectEx(LPRECT rectangle, DWORD, BOOL, DWORD) {
     return Finish(rectangle == nullptr ? ERROR_INVALID_PARAMETER : ERROR_SUCCESS);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/screen.h"
+
 namespace {
 std::optional<std::string> Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEA), HWND owner, const std::string& title, std::string kinds,
                                DWORD flags, const std::string& extension, const std::string& suggestion) {
@@ -22,7 +24,7 @@ std::optional<std::string> Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEA), HWND owner
 }
 }  // namespace
 
-bool HasFileDialogs() { return true; }
+bool HasFileDialogs() { return OrvikHasScreen() != FALSE; }
 
 std::optional<std::string> AskFileToOpen(HWND owner, const std::string& title, const std::string& kinds) {
     return Ask(GetOpenFileNameA, owner, title, kinds, OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST, {}, {});

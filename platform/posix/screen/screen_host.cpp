@@ -1,0 +1,79 @@
+// What the library tells a screen of its windows.
+#include "platform/house_text_internal.h"
+#include "platform/posix/resources/images_internal.h"
+#include "platform/posix/screen/screen_events_internal.h"
+#include "platform/posix/screen/screen_loading_internal.h"
+#include "platform/posix/screen/screen_pictures_internal.h"
+#include "platform/posix/window/dpi.h"
+#include "platform/posix/window/window_internal.h"
+
+namespace orvik::detail {
+namespace {
+
+CursorLook LookOf(HCURSOR cursor) {
+    CursorLook look;
+    const IconImage* const image = ImageOf(reinterpret_cast<HICON>(cursor));
+    if (image == nullptr) return look;
+    look.picture = image;
+    look.systemId = image->systemId;
+    look.width = image->width;
+    look.height = image->height;
+    look.hotX = image->hotX;
+    look.hotY = image->hotY;
+    look.pixels = image->pixels;
+    return look;
+}
+
+class Host final : public ScreenHost {
+public:
+    bool Describe(HWND handle, ShownWindow& out) override {
+        const std::lock_guard kernel(KernelLock());
+        const Window* const window = FindWindowOf(handle);
+        if (window == nullptr || window->destroying) return false;
+        out.visible = (window->style & WS_VISIBLE) != 0 && !window->messageOnly;
+        out.enabled = (window->style & WS_DISABLED) == 0;
+        out.resizable = (window->style & WS_THICKFRAME) != 0;
+        out.dialog = window->parent != nullptr && (window->style & WS_CAPTION) == WS_CAPTION;
+        Window* const owner = window->parent != nullptr ? FindWindowOf(window->parent) : nullptr;
+        out.owner = owner != nullptr ? RootOf(*owner).handle : nullptr;
+        out.size = {window->Width(), window->Height()};
+        out.least = window->least;
+        out.sizedByScreen = window->sizedByScreen;
+        out.raised = window->raised;
+        out.state = window->state;
+        out.stateAsked = window->stateAsked;
+        out.title = Utf8FromHouse(window->text);
+        if (const MessageQueue* const queue = QueueOf(window->thread)) out.cursor = LookOf(queue->cursor);
+        return true;
+    }
+    void Lend(HWND window, const std::function<void(const PixelView&)>& take) override { LendPicture(window, take); }
+    void Post(HWND window, const ScreenEvent& event) override { PostScreenEvent(window, event); }
+    void SetDesktop(SIZE pixels, UINT dots) override {
+        OrvikSetSystemDpi(dots);
+        const std::lock_guard kernel(KernelLock());
+        Desktop().rectangle = {0, 0, pixels.cx, pixels.cy};
+    }
+};
+
+}  // namespace
+
+ScreenHost& TheScreenHost() {
+    static Host* host = new Host;
+    return *host;
+}
+
+void NoteChanged(const Window& window) {
+    if (window.thread == 0 || (window.style & WS_CHILD) != 0 || window.messageOnly) return;
+    if (Screen* const screen = TheScreen()) screen->Changed(window.handle);
+}
+
+void NoteCursor(DWORD thread) {
+    Screen* const screen = TheScreen();
+    if (screen == nullptr) return;
+    for (const HWND each : Desktop().children) {
+        const Window* const window = FindWindowOf(each);
+        if (window != nullptr && window->thread == thread && (window->style & WS_VISIBLE) != 0) screen->Changed(each);
+    }
+}
+
+}  // namespace orvik::detail

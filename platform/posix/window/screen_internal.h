@@ -1,0 +1,119 @@
+// The seam between windows in memory and a screen that shows them. A screen is a module of its own, loaded when a window is first
+// shown and a display is there (screen/screen.cpp); without one nothing here does anything.
+//
+// A screen has a thread of its own and asks for what it needs: whatever changes is only named (Screen::Changed, Screen::Damaged),
+// and the screen, in its own time, has the window described and its picture lent. So no thread of the program waits for a screen,
+// and none is called by it: what the user does is posted to the queue of the window's thread.
+// All sizes are pixels of the window's picture; a screen knows how many of them make one of its own units.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/posix/drawing/canvas_internal.h"
+#include "platform/posix/window/messages.h"
+
+namespace orvik::detail {
+struct Window;
+
+inline constexpr unsigned kScreenSeam = 1;  // grows with each change of this header: a module of another one is not used
+
+// A cursor's look: one of the system's, or pixels.
+struct CursorLook {
+    WORD systemId = 32512;          // IDC_ARROW's; 0 for none at all
+    const void* picture = nullptr;  // tells one from another
+    int width = 0, height = 0, hotX = 0, hotY = 0;
+    std::vector<uint32_t> pixels;  // 0xAARRGGBB, not premultiplied
+};
+
+// Where a popup belongs: beside an anchor in its owner. A screen that knows no absolute places needs no more.
+struct PopupSide {
+    RECT anchor{};        // in the owner's picture
+    bool beside = false;  // to the right of the anchor, as a submenu; else below it
+};
+
+// A top-level window as a screen is to show it.
+struct ShownWindow {
+    bool visible = false, enabled = true, resizable = false, dialog = false;
+    HWND owner = nullptr;            // a top-level window, or null
+    std::optional<PopupSide> popup;  // of a window without a frame that belongs to another one's place
+    SIZE size{}, least{1, 1};
+    bool sizedByScreen = false;  // the size is what the screen said last, or was about to be overtaken
+    unsigned raised = 0;         // grows when the program brings the window to the front
+    enum class State { Normal, Minimised, Maximised } state = State::Normal;
+    unsigned stateAsked = 0;  // grows when the program asks for the state
+    std::string title;        // UTF-8
+    CursorLook cursor;
+    RECT caret{};  // where letters are typed, in the picture: for the list of an input method
+};
+
+// What comes from the user or the desktop.
+struct ScreenEvent {
+    enum class Kind { Pointer, Key, Text, Resized, State, Focused, Left, CloseWished, DotsChanged, Placed } kind;
+    // Pointer: a mouse message, a point in the picture, the wheel's parts. Key: its VK_ code, whether it goes down. Resized: the
+    // size. State: one of ShownWindow::State. DotsChanged: dots an inch, and the size by these. Placed: where a popup came to lie
+    // in its owner's picture.
+    UINT code = 0;
+    int x = 0, y = 0, wheel = 0;
+    bool down = false;
+    bool untyped = false;      // of a key that writes nothing by itself, an input method having taken it (VK_PROCESSKEY)
+    std::u16string letters{};  // Text; of a key, what it writes if it is not the keyboard's usual
+};
+
+// A question for a file, by the desktop's own dialog. Texts are UTF-8, paths the system's.
+struct FileQuestion {
+    struct Kind {
+        std::string name, patterns;  // "Sessions", "*.odb;*.xml"
+    };
+    HWND owner = nullptr;
+    bool save = false, confirm = false;  // `confirm`: asks before a file is replaced
+    std::string title, folder, name;
+    std::vector<Kind> kinds;
+    size_t kind = 0;  // the one that is chosen at first
+};
+using FileAnswer = std::function<void(std::optional<std::string>)>;  // nothing when the user gives up
+
+// What the library offers a screen. For the screen's thread, which holds no lock of its own meanwhile.
+class ScreenHost {
+public:
+    virtual bool Describe(HWND window, ShownWindow& out) = 0;  // false for one that is gone
+    // Calls with the picture as it was drawn last; not at all for a window without one.
+    virtual void Lend(HWND window, const std::function<void(const PixelView&)>& take) = 0;
+    virtual void Post(HWND window, const ScreenEvent& event) = 0;
+    virtual void SetDesktop(SIZE pixels, UINT dots) = 0;
+
+protected:
+    ~ScreenHost() = default;
+};
+
+// What a screen does. From any thread, often under the kernel lock: each only leaves a note for the screen's own thread.
+class Screen {
+public:
+    virtual void Changed(HWND window) = 0;  // made, shown, hidden, sized, renamed, gone ...
+    virtual void Damaged(HWND window, const RECT& area) = 0;
+    virtual void AskForFile(FileQuestion question, FileAnswer answer) = 0;  // which is called on the screen's thread
+    virtual void End() = 0;                                                 // returns when the screen's thread has gone
+
+protected:
+    ~Screen() = default;
+};
+
+// The one function of a module, "OrvikOpenScreen": null where there is no display, or with the reason why none can be used.
+using OpenScreen = Screen*(unsigned seam, ScreenHost& host);
+
+// For the window layer, under the kernel lock; nothing without a screen.
+bool HasScreen();
+void NoteChanged(const Window& window);
+void NoteCursor(DWORD thread);                   // it has chosen another one
+void NoteDrawn(Window& root, const RECT& area);  // in its picture
+void ForgetPicture(HWND window);                 // of a window that goes
+// Without the lock, by the window's thread.
+bool OpenScreenNow();  // whether windows come to a screen; looks for one if nobody has
+bool AskOnScreen(const FileQuestion& question, FileAnswer answer);  // false without a screen
+void JoinScreen(HWND root);                                         // it is about to be shown
+void ShowDrawn();                                                   // what the calling thread has drawn since comes to the screen
+bool DrawnIsDue();  // it has waited for long: the thread is not back at its messages
+
+}  // namespace orvik::detail

@@ -1,0 +1,140 @@
+#include "platform/screen_gtk3/gtk_screen.h"
+
+#include <algorithm>
+#include <future>
+#include <utility>
+
+using namespace orvik::detail;
+
+bool GtkScreen::Start() {
+    std::promise<bool> started;
+    m_thread = std::thread([&, this] { Run([&](bool can) { started.set_value(can); }); });
+    const bool can = started.get_future().get();
+    if (!can) m_thread.join();
+    return can;
+}
+
+void GtkScreen::Run(std::function<void(bool)> started) {
+    gtk_disable_setlocale();  // the program's choice
+    // A desktop without a message bus has no settings to keep either.
+    if (g_getenv("DBUS_SESSION_BUS_ADDRESS") == nullptr) g_setenv("GSETTINGS_BACKEND", "memory", FALSE);
+    int count = 0;
+    char** words = nullptr;
+    if (!gtk_init_check(&count, &words)) return started(false);
+    GdkDisplay* const display = gdk_display_get_default();
+    GdkMonitor* monitor = gdk_display_get_primary_monitor(display);
+    if (monitor == nullptr) monitor = gdk_display_get_monitor(display, 0);
+    if (monitor != nullptr) {
+        GdkRectangle area{};
+        gdk_monitor_get_geometry(monitor, &area);
+        const int scale = gdk_monitor_get_scale_factor(monitor);
+        const double dots = gdk_screen_get_resolution(gdk_screen_get_default());
+        m_host.SetDesktop({area.width * scale, area.height * scale}, static_cast<UINT>((dots > 0 ? dots : 96) * scale + 0.5));
+    }
+    m_loop = g_main_loop_new(nullptr, FALSE);
+    started(true);
+    g_main_loop_run(m_loop);
+    m_windows.clear();
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+}
+
+void GtkScreen::End() {
+    g_idle_add(
+        +[](gpointer self) -> gboolean {
+            g_main_loop_quit(static_cast<GtkScreen*>(self)->m_loop);
+            return G_SOURCE_REMOVE;
+        },
+        this);
+    m_thread.join();
+}
+
+void GtkScreen::Schedule() {
+    if (m_scheduled) return;
+    m_scheduled = true;
+    g_idle_add_full(
+        G_PRIORITY_DEFAULT,
+        +[](gpointer self) -> gboolean {
+            static_cast<GtkScreen*>(self)->Serve();
+            return G_SOURCE_REMOVE;
+        },
+        this, nullptr);
+}
+
+void GtkScreen::Changed(HWND window) {
+    const std::lock_guard lock(m_lock);
+    m_changed.insert(window);
+    Schedule();
+}
+
+void GtkScreen::Damaged(HWND window, const RECT& area) {
+    const std::lock_guard lock(m_lock);
+    const auto [at, fresh] = m_damaged.try_emplace(window, area);
+    RECT& all = at->second;
+    all = {std::min(all.left, area.left), std::min(all.top, area.top), std::max(all.right, area.right),
+           std::max(all.bottom, area.bottom)};
+    Schedule();
+}
+
+void GtkScreen::Serve() {
+    std::set<HWND> changed;
+    std::map<HWND, RECT> damaged;
+    {
+        const std::lock_guard lock(m_lock);
+        m_scheduled = false;
+        changed.swap(m_changed);
+        damaged.swap(m_damaged);
+    }
+    for (const HWND each : changed) Follow(each);
+    for (const auto& [handle, area] : damaged)
+        if (ScreenWindow* const window = Find(handle)) window->Draw(area);
+}
+
+ScreenWindow* GtkScreen::Find(HWND handle) {
+    const auto found = m_windows.find(handle);
+    return found == m_windows.end() ? nullptr : found->second.get();
+}
+
+void GtkScreen::Follow(HWND handle) {
+    ShownWindow shown;
+    if (!m_host.Describe(handle, shown) || !shown.visible) {
+        if (m_focused == handle) Focused(handle, false);
+        m_windows.erase(handle);
+        return;
+    }
+    // Handles grow, so an owner comes before what it owns; one that is not shown yet will be followed by its own note.
+    auto& window = m_windows[handle];
+    if (window == nullptr) window = std::make_unique<ScreenWindow>(*this, handle, shown);
+    window->Follow(shown);
+}
+
+// Between two windows the desktop takes the focus from one before it gives it to the other.
+void GtkScreen::Focused(HWND window, bool has) {
+    if (has)
+        m_focused = window;
+    else if (m_focused == window)
+        m_focused = nullptr;
+    if (m_settling) return;
+    m_settling = true;
+    g_timeout_add(
+        has ? 0 : 30,
+        +[](gpointer self) -> gboolean {
+            static_cast<GtkScreen*>(self)->SettleFocus();
+            return G_SOURCE_REMOVE;
+        },
+        this);
+}
+
+void GtkScreen::SettleFocus() {
+    m_settling = false;
+    if (m_focused == m_told) return;
+    const HWND before = std::exchange(m_told, m_focused);
+    const bool has = m_focused != nullptr;
+    m_host.Post(has ? m_focused : before, ScreenEvent{has ? ScreenEvent::Kind::Focused : ScreenEvent::Kind::Left});
+}
+
+extern "C" __attribute__((visibility("default"))) Screen* OrvikOpenScreen(unsigned seam, ScreenHost& host) {
+    if (seam != kScreenSeam) return nullptr;
+    auto screen = std::make_unique<GtkScreen>(host);
+    return screen->Start() ? screen.release() : nullptr;
+}

@@ -1,0 +1,52 @@
+// The screen: a thread that runs GTK, and the windows on it.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <thread>
+
+#include "platform/posix/window/screen_internal.h"
+#include "platform/screen_gtk3/gtk_window.h"
+
+class GtkScreen final : public orvik::detail::Screen {
+public:
+    explicit GtkScreen(orvik::detail::ScreenHost& host) : m_host(host) {}
+
+    // Starts the thread; false where there is no display.
+    bool Start();
+
+    // From any thread.
+    void Changed(HWND window) override;
+    void Damaged(HWND window, const RECT& area) override;
+    void AskForFile(orvik::detail::FileQuestion question, orvik::detail::FileAnswer answer) override;
+    void End() override;
+
+    // For windows, on the module's thread.
+    orvik::detail::ScreenHost& Host() { return m_host; }
+    ScreenWindow* Find(HWND window);
+    void Focused(HWND window, bool has);  // as the desktop says; told on when it has settled
+
+private:
+    void Run(std::function<void(bool)> started);
+    void Serve();
+    void Follow(HWND window);
+    void SettleFocus();
+    void Schedule();
+
+    orvik::detail::ScreenHost& m_host;
+    std::thread m_thread;
+    GMainLoop* m_loop = nullptr;
+
+    std::mutex m_lock;  // the notes
+    std::set<HWND> m_changed;
+    std::map<HWND, RECT> m_damaged;
+    bool m_scheduled = false;
+
+    std::map<HWND, std::unique_ptr<ScreenWindow>> m_windows;
+    HWND m_focused = nullptr, m_told = nullptr;
+    bool m_settling = false;
+};

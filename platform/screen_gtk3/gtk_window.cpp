@@ -1,0 +1,257 @@
+#include "platform/screen_gtk3/gtk_window.h"
+
+#include <algorithm>
+
+#include "platform/screen_gtk3/gtk_screen.h"
+#include "platform/win32.h"
+
+using namespace orvik::detail;
+
+namespace {
+// A cursor of the desktop's theme, by the names that style sheets have for them; null for the arrow that is there anyway.
+const char* NameOf(WORD systemId) {
+    struct Named {
+        LPCSTR id;
+        const char* name;
+    };
+    static const Named kNames[] = {{IDC_ARROW, "default"},        {IDC_IBEAM, "text"},       {IDC_WAIT, "wait"},
+                                   {IDC_CROSS, "crosshair"},      {IDC_UPARROW, "n-resize"}, {IDC_SIZENWSE, "nwse-resize"},
+                                   {IDC_SIZENESW, "nesw-resize"}, {IDC_SIZEWE, "ew-resize"}, {IDC_SIZENS, "ns-resize"},
+                                   {IDC_SIZEALL, "move"},         {IDC_NO, "not-allowed"},   {IDC_HAND, "pointer"},
+                                   {IDC_APPSTARTING, "progress"}, {IDC_HELP, "help"}};
+    for (const Named& each : kNames)
+        if (reinterpret_cast<ULONG_PTR>(each.id) == systemId) return each.name;
+    return nullptr;
+}
+
+GdkCursor* MakeCursor(GdkDisplay* display, const CursorLook& look) {
+    if (look.pixels.empty()) {
+        const char* const name = NameOf(look.systemId);
+        return gdk_cursor_new_from_name(display, name != nullptr ? name : "default");
+    }
+    // Cairo's pixels are premultiplied.
+    cairo_surface_t* const picture = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, look.width, look.height);
+    cairo_surface_flush(picture);
+    unsigned char* const bytes = cairo_image_surface_get_data(picture);
+    const int stride = cairo_image_surface_get_stride(picture);
+    for (int y = 0; y < look.height; ++y) {
+        auto* const row = reinterpret_cast<uint32_t*>(bytes + y * stride);
+        for (int x = 0; x < look.width; ++x) {
+            const uint32_t pixel = look.pixels[static_cast<size_t>(y * look.width + x)], alpha = pixel >> 24;
+            const auto part = [&](int shift) { return ((pixel >> shift & 0xFF) * alpha + 127) / 255 << shift; };
+            row[x] = alpha << 24 | part(16) | part(8) | part(0);
+        }
+    }
+    cairo_surface_mark_dirty(picture);
+    GdkCursor* const cursor = gdk_cursor_new_from_surface(display, picture, look.hotX, look.hotY);
+    cairo_surface_destroy(picture);
+    return cursor;
+}
+}  // namespace
+
+ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& shown)
+    : m_screen(screen), m_handle(handle), m_popup(shown.popup.has_value()), m_raised(shown.raised) {
+    m_window = gtk_window_new(m_popup ? GTK_WINDOW_POPUP : GTK_WINDOW_TOPLEVEL);
+    gtk_widget_set_app_paintable(m_window, TRUE);
+    m_area = gtk_drawing_area_new();
+    gtk_container_add(GTK_CONTAINER(m_window), m_area);
+    auto* const window = GTK_WINDOW(m_window);
+    if (m_popup)
+        gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_POPUP_MENU);
+    else if (shown.dialog)
+        gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_DIALOG);
+    gtk_window_set_resizable(window, shown.resizable || m_popup);
+    if (ScreenWindow* const owner = screen.Find(shown.owner)) {
+        gtk_window_set_transient_for(window, GTK_WINDOW(owner->Widget()));
+        if (!m_popup) gtk_window_set_position(window, GTK_WIN_POS_CENTER_ON_PARENT);
+    }
+    m_input = std::make_unique<GtkInput>(*this);
+    Connect();
+    gtk_window_set_title(window, shown.title.c_str());
+    m_title = shown.title;
+    SetSize(shown.size);
+    gtk_widget_realize(m_window);
+    SetLeast(shown.least);
+    if (shown.popup) Place(*shown.popup);
+    gtk_widget_show_all(m_window);
+}
+
+ScreenWindow::~ScreenWindow() {
+    g_signal_handlers_disconnect_by_data(m_window, this);
+    g_signal_handlers_disconnect_by_data(m_area, this);
+    g_signal_handlers_disconnect_by_data(m_area, m_input.get());
+    m_input.reset();
+    gtk_widget_destroy(m_window);
+}
+
+void ScreenWindow::Connect() {
+    g_signal_connect(m_area, "draw", G_CALLBACK(&OnDraw), this);
+    g_signal_connect(m_area, "size-allocate", G_CALLBACK(&OnAllocate), this);
+    g_signal_connect(m_window, "notify::scale-factor", G_CALLBACK(&OnScale), this);
+    g_signal_connect(m_window, "window-state-event", G_CALLBACK(&OnState), this);
+    g_signal_connect(m_window, "delete-event", G_CALLBACK(&OnDelete), this);
+    const auto onKey = +[](GtkWidget*, GdkEventKey* event, gpointer self) -> gboolean {
+        return static_cast<ScreenWindow*>(self)->m_input->Key(*event);
+    };
+    g_signal_connect(m_window, "key-press-event", G_CALLBACK(onKey), this);
+    g_signal_connect(m_window, "key-release-event", G_CALLBACK(onKey), this);
+    const auto onFocus = +[](GtkWidget*, GdkEventFocus* event, gpointer given) -> gboolean {
+        auto& self = *static_cast<ScreenWindow*>(given);
+        self.m_input->Focus(event->in != 0);
+        self.m_screen.Focused(self.m_handle, event->in != 0);
+        return FALSE;
+    };
+    g_signal_connect(m_window, "focus-in-event", G_CALLBACK(onFocus), this);
+    g_signal_connect(m_window, "focus-out-event", G_CALLBACK(onFocus), this);
+}
+
+int ScreenWindow::Logical(LONG pixels) const {
+    const int scale = Scale();
+    return std::max(1, (static_cast<int>(pixels) + scale - 1) / scale);
+}
+
+// The desktop's scale, and how much larger than usual it wants its letters.
+UINT ScreenWindow::Dots() const {
+    const double dots = gdk_screen_get_resolution(gtk_widget_get_screen(m_window));
+    return static_cast<UINT>((dots > 0 ? dots : 96) * Scale() + 0.5);
+}
+
+void ScreenWindow::SetSize(SIZE size) {
+    m_size = size;
+    const int width = Logical(size.cx), height = Logical(size.cy);
+    auto* const window = GTK_WINDOW(m_window);
+    if (!gtk_window_get_resizable(window) || m_popup) gtk_widget_set_size_request(m_area, width, height);
+    if (gtk_widget_get_realized(m_window))
+        gtk_window_resize(window, width, height);
+    else
+        gtk_window_set_default_size(window, width, height);
+}
+
+void ScreenWindow::SetLeast(SIZE least) {
+    if (gtk_window_get_resizable(GTK_WINDOW(m_window)) && !m_popup)
+        gtk_widget_set_size_request(m_area, Logical(least.cx), Logical(least.cy));
+}
+
+void ScreenWindow::Place(const PopupSide& side) {
+    const int scale = Scale();
+    const GdkRectangle anchor{static_cast<int>(side.anchor.left) / scale, static_cast<int>(side.anchor.top) / scale,
+                              std::max(1, static_cast<int>(side.anchor.right - side.anchor.left) / scale),
+                              std::max(1, static_cast<int>(side.anchor.bottom - side.anchor.top) / scale)};
+    GdkWindow* const window = gtk_widget_get_window(m_window);
+    g_signal_connect(window, "moved-to-rect", G_CALLBACK(&OnPlaced), this);
+    gdk_window_move_to_rect(window, &anchor, side.beside ? GDK_GRAVITY_NORTH_EAST : GDK_GRAVITY_SOUTH_WEST,
+                            GDK_GRAVITY_NORTH_WEST, static_cast<GdkAnchorHints>(GDK_ANCHOR_FLIP | GDK_ANCHOR_SLIDE), 0, 0);
+}
+
+void ScreenWindow::OnPlaced(GdkWindow*, GdkRectangle*, GdkRectangle* final, gboolean, gboolean, gpointer given) {
+    auto& self = *static_cast<ScreenWindow*>(given);
+    if (final == nullptr) return;
+    ScreenEvent event{ScreenEvent::Kind::Placed};
+    event.x = final->x * self.Scale();
+    event.y = final->y * self.Scale();
+    self.m_screen.Host().Post(self.m_handle, event);
+}
+
+void ScreenWindow::SetCursor(const CursorLook& look) {
+    if (look.systemId == m_systemCursor && look.picture == m_cursorPicture) return;
+    m_systemCursor = look.systemId;
+    m_cursorPicture = look.picture;
+    GdkWindow* const window = gtk_widget_get_window(m_area);
+    GdkCursor* const cursor = MakeCursor(gdk_window_get_display(window), look);
+    gdk_window_set_cursor(window, cursor);
+    if (cursor != nullptr) g_object_unref(cursor);
+}
+
+void ScreenWindow::Follow(const ShownWindow& shown) {
+    auto* const window = GTK_WINDOW(m_window);
+    if (shown.title != m_title) {
+        m_title = shown.title;
+        gtk_window_set_title(window, m_title.c_str());
+    }
+    if (!shown.sizedByScreen && (shown.size.cx != m_size.cx || shown.size.cy != m_size.cy)) SetSize(shown.size);
+    if (shown.stateAsked != m_stateAsked) {
+        m_stateAsked = shown.stateAsked;
+        if (shown.state == ShownWindow::State::Maximised) gtk_window_maximize(window);
+        if (shown.state == ShownWindow::State::Minimised) gtk_window_iconify(window);
+        if (shown.state == ShownWindow::State::Normal) gtk_window_deiconify(window), gtk_window_unmaximize(window);
+    }
+    if (shown.raised != m_raised) {
+        m_raised = shown.raised;
+        if (!m_popup && !gtk_window_is_active(window)) gtk_window_present(window);
+    }
+    SetCursor(shown.cursor);
+    m_input->SetCaret(shown.caret);
+}
+
+void ScreenWindow::Draw(const RECT& area) {
+    const int scale = Scale();
+    const int left = static_cast<int>(area.left) / scale, top = static_cast<int>(area.top) / scale;
+    gtk_widget_queue_draw_area(m_area, left, top, Logical(area.right) - left, Logical(area.bottom) - top);
+}
+
+gboolean ScreenWindow::OnDraw(GtkWidget*, cairo_t* context, gpointer given) {
+    auto& self = *static_cast<ScreenWindow*>(given);
+    // What the window has grown by shows the picture's last column and row until there is a new one.
+    self.m_screen.Host().Lend(self.m_handle, [&](const PixelView& picture) {
+        if (picture.width == 0 || picture.height == 0) return;
+        cairo_surface_t* const surface = cairo_image_surface_create_for_data(
+            reinterpret_cast<unsigned char*>(picture.bits), CAIRO_FORMAT_RGB24, picture.width, picture.height,
+            static_cast<int>(picture.stride) * static_cast<int>(sizeof(uint32_t)));
+        const double scale = self.Scale();
+        cairo_surface_set_device_scale(surface, scale, scale);
+        cairo_set_source_surface(context, surface, 0, 0);
+        cairo_pattern_set_filter(cairo_get_source(context), CAIRO_FILTER_NEAREST);
+        cairo_pattern_set_extend(cairo_get_source(context), CAIRO_EXTEND_PAD);
+        cairo_set_operator(context, CAIRO_OPERATOR_SOURCE);
+        cairo_paint(context);
+        cairo_surface_finish(surface);
+        cairo_surface_destroy(surface);
+    });
+    return TRUE;
+}
+
+void ScreenWindow::OnAllocate(GtkWidget*, GdkRectangle* place, gpointer given) {
+    auto& self = *static_cast<ScreenWindow*>(given);
+    const int scale = self.Scale();
+    const SIZE size{place->width * scale, place->height * scale};
+    if (self.m_dots == 0) self.m_dots = self.Dots();
+    // Of a picture that is not a multiple of the scale some pixels stand beyond the edge, unseen.
+    if (self.Logical(self.m_size.cx) == place->width && self.Logical(self.m_size.cy) == place->height) return;
+    self.m_size = size;
+    ScreenEvent event{ScreenEvent::Kind::Resized};
+    event.x = static_cast<int>(size.cx);
+    event.y = static_cast<int>(size.cy);
+    self.m_screen.Host().Post(self.m_handle, event);
+}
+
+void ScreenWindow::OnScale(GObject*, GParamSpec*, gpointer given) {
+    auto& self = *static_cast<ScreenWindow*>(given);
+    const UINT dots = self.Dots();
+    if (dots == self.m_dots) return;
+    self.m_dots = dots;
+    const int scale = self.Scale();
+    self.m_size = {gtk_widget_get_allocated_width(self.m_area) * scale, gtk_widget_get_allocated_height(self.m_area) * scale};
+    ScreenEvent event{ScreenEvent::Kind::DotsChanged};
+    event.code = dots;
+    event.x = static_cast<int>(self.m_size.cx);
+    event.y = static_cast<int>(self.m_size.cy);
+    self.m_screen.Host().Post(self.m_handle, event);
+}
+
+gboolean ScreenWindow::OnState(GtkWidget*, GdkEventWindowState* event, gpointer given) {
+    auto& self = *static_cast<ScreenWindow*>(given);
+    if ((event->changed_mask & (GDK_WINDOW_STATE_ICONIFIED | GDK_WINDOW_STATE_MAXIMIZED)) == 0) return FALSE;
+    using State = ShownWindow::State;
+    ScreenEvent told{ScreenEvent::Kind::State};
+    told.code = static_cast<UINT>((event->new_window_state & GDK_WINDOW_STATE_ICONIFIED) != 0   ? State::Minimised
+                                  : (event->new_window_state & GDK_WINDOW_STATE_MAXIMIZED) != 0 ? State::Maximised
+                                                                                                : State::Normal);
+    self.m_screen.Host().Post(self.m_handle, told);
+    return FALSE;
+}
+
+gboolean ScreenWindow::OnDelete(GtkWidget*, GdkEvent*, gpointer given) {
+    auto& self = *static_cast<ScreenWindow*>(given);
+    self.m_screen.Host().Post(self.m_handle, ScreenEvent{ScreenEvent::Kind::CloseWished});
+    return TRUE;  // the program decides
+}

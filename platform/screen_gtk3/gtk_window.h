@@ -1,0 +1,55 @@
+// A top-level window of the library on the desktop.
+// For the module's thread.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <memory>
+
+#include "platform/screen_gtk3/gtk_input.h"
+
+class GtkScreen;
+
+class ScreenWindow {
+public:
+    ScreenWindow(GtkScreen& screen, HWND handle, const orvik::detail::ShownWindow& shown);
+    ~ScreenWindow();
+    ScreenWindow(const ScreenWindow&) = delete;
+    ScreenWindow& operator=(const ScreenWindow&) = delete;
+
+    void Follow(const orvik::detail::ShownWindow& shown);  // brings it in line
+    void Draw(const RECT& area);                           // pixels of the picture
+    HWND Handle() const { return m_handle; }
+    GtkWidget* Widget() const { return m_window; }
+    GtkWidget* Area() const { return m_area; }
+    GtkScreen& Owner() const { return m_screen; }
+    int Scale() const { return gtk_widget_get_scale_factor(m_window); }
+
+private:
+    int Logical(LONG pixels) const;
+    UINT Dots() const;
+    void SetSize(SIZE size);
+    void SetCursor(const orvik::detail::CursorLook& look);
+    void SetLeast(SIZE least);
+    void Place(const orvik::detail::PopupSide& side);
+    void Connect();
+    static gboolean OnDraw(GtkWidget* area, cairo_t* context, gpointer self);
+    static void OnAllocate(GtkWidget* area, GdkRectangle* place, gpointer self);
+    static void OnScale(GObject* window, GParamSpec* what, gpointer self);
+    static gboolean OnState(GtkWidget* window, GdkEventWindowState* event, gpointer self);
+    static gboolean OnDelete(GtkWidget* window, GdkEvent* event, gpointer self);
+    static void OnPlaced(GdkWindow* window, GdkRectangle* flipped, GdkRectangle* final, gboolean flippedX, gboolean flippedY,
+                         gpointer self);
+
+    GtkScreen& m_screen;
+    const HWND m_handle;
+    const bool m_popup;
+    GtkWidget *m_window = nullptr, *m_area = nullptr;
+    std::unique_ptr<GtkInput> m_input;
+    SIZE m_size{};  // that the library was told or told us last
+    UINT m_dots = 0;
+    unsigned m_raised = 0, m_stateAsked = 0;
+    std::string m_title;
+    WORD m_systemCursor = 0;
+    const void* m_cursorPicture = nullptr;
+};

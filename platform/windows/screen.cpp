@@ -1,0 +1,4 @@
+#include "platform/screen.h"
+
+void OrvikKeepWindowsInMemory() {}
+BOOL OrvikHasScreen() { return TRUE; }
