@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "afx/dc.h"
+#include "platform/dpi.h"
 
 CDragAxisTracker::CDragAxisTracker(CTypedPtrArray<CPtrArray, CUnitAxis*>& axes, CUnitAxis* pAxis)
     : m_pAxes(&axes), m_pAxis(pAxis), m_orientation(pAxis->GetOrientation()) {
@@ -10,10 +11,12 @@ CDragAxisTracker::CDragAxisTracker(CTypedPtrArray<CPtrArray, CUnitAxis*>& axes, 
     LONG start = 0;
     LONG end = 0;
     pAxis->GetPosition(&position, &start, &end);
-    const LONG first = position - CAxis::nLargeDiv;
-    const LONG last = position + CAxis::nLargeDiv + 1;
+    const LONG reach = Reach();
+    const LONG first = position - reach, last = position + reach + 1;
     m_band = m_orientation == CAxis::AX_VERTICAL ? RECT{first, start, last, end} : RECT{start, first, end, last};
 }
+
+LONG CDragAxisTracker::Reach() const { return OrvikScale(CAxis::nLargeDiv, m_pAxis->GetDpi()); }
 
 void CDragAxisTracker::OnBeginTrack(CPoint) {
     SetTrackFlags(m_orientation == CAxis::AX_VERTICAL ? TRACK_HORIZONTAL : TRACK_VERTICAL);
@@ -35,12 +38,13 @@ void CDragAxisTracker::OnConstrainTrack(CPoint& point) {
 }
 
 void CDragAxisTracker::OnTrack(CDC* pDC, UINT, CPoint point) {
+    const LONG reach = Reach();
     if (m_orientation == CAxis::AX_VERTICAL) {
-        m_band.left = point.x - CAxis::nLargeDiv;
-        m_band.right = point.x + CAxis::nLargeDiv + 1;
+        m_band.left = point.x - reach;
+        m_band.right = point.x + reach + 1;
     } else {
-        m_band.top = point.y - CAxis::nLargeDiv;
-        m_band.bottom = point.y + CAxis::nLargeDiv + 1;
+        m_band.top = point.y - reach;
+        m_band.bottom = point.y + reach + 1;
     }
     pDC->InvertRect(&m_band);
 }

@@ -23,6 +23,7 @@ public:
     void OnEndTrack(CPoint point, BOOL moved, BOOL cancelled) override;
 
 private:
+    LONG Reach() const;
     INT_PTR Find(const CUnitAxis* pAxis) const;  // -1 if it is not in the array
 
     CTypedPtrArray<CPtrArray, CUnitAxis*>* m_pAxes;
