@@ -6,17 +6,14 @@
 #include "platform/dpi.h"
 
 CDragAxisTracker::CDragAxisTracker(CTypedPtrArray<CPtrArray, CUnitAxis*>& axes, CUnitAxis* pAxis)
-    : m_pAxes(&axes), m_pAxis(pAxis), m_orientation(pAxis->GetOrientation()) {
+    : m_pAxes(&axes), m_pAxis(pAxis), m_orientation(pAxis->GetOrientation()), m_reach(OrvikScale(CAxis::nLargeDiv, pAxis->GetDpi())) {
     LONG position = 0;
     LONG start = 0;
     LONG end = 0;
     pAxis->GetPosition(&position, &start, &end);
-    const LONG reach = Reach();
-    const LONG first = position - reach, last = position + reach + 1;
+    const LONG first = position - m_reach, last = position + m_reach + 1;
     m_band = m_orientation == CAxis::AX_VERTICAL ? RECT{first, start, last, end} : RECT{start, first, end, last};
 }
-
-LONG CDragAxisTracker::Reach() const { return OrvikScale(CAxis::nLargeDiv, m_pAxis->GetDpi()); }
 
 void CDragAxisTracker::OnBeginTrack(CPoint) {
     SetTrackFlags(m_orientation == CAxis::AX_VERTICAL ? TRACK_HORIZONTAL : TRACK_VERTICAL);
@@ -38,13 +35,12 @@ void CDragAxisTracker::OnConstrainTrack(CPoint& point) {
 }
 
 void CDragAxisTracker::OnTrack(CDC* pDC, UINT, CPoint point) {
-    const LONG reach = Reach();
     if (m_orientation == CAxis::AX_VERTICAL) {
-        m_band.left = point.x - reach;
-        m_band.right = point.x + reach + 1;
+        m_band.left = point.x - m_reach;
+        m_band.right = point.x + m_reach + 1;
     } else {
-        m_band.top = point.y - reach;
-        m_band.bottom = point.y + reach + 1;
+        m_band.top = point.y - m_reach;
+        m_band.bottom = point.y + m_reach + 1;
     }
     pDC->InvertRect(&m_band);
 }

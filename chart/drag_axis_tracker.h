@@ -23,7 +23,6 @@ public:
     void OnEndTrack(CPoint point, BOOL moved, BOOL cancelled) override;
 
 private:
-    LONG Reach() const;
     INT_PTR Find(const CUnitAxis* pAxis) const;  // -1 if it is not in the array
 
     CTypedPtrArray<CPtrArray, CUnitAxis*>* m_pAxes;
@@ -31,4 +30,5 @@ private:
     CUnitAxis* m_pExchanged = nullptr;
     RECT m_band;
     CAxis::AXORIENT m_orientation;
+    LONG m_reach;  // to either side of the axis; kept, since the axis may go while it is dragged
 };
