@@ -7,23 +7,11 @@
 #include "ui/prop_list_dialog.h"
 
 namespace {
-int g_density = 0;  // dots an inch; 0 for what the display says
-}
-
-extern "C" {
-int __real__Z13GetDeviceCapsP5HDC__i(HDC dc, int index);
-int __wrap__Z13GetDeviceCapsP5HDC__i(HDC dc, int index) {
-    if (g_density != 0 && (index == LOGPIXELSX || index == LOGPIXELSY)) return g_density;
-    return __real__Z13GetDeviceCapsP5HDC__i(dc, index);
-}
-}
-
-namespace {
 
 class Density : public DialogTest {
 protected:
     void TearDown() override {
-        g_density = 0;
+        OrvikSetSystemDpi(USER_DEFAULT_SCREEN_DPI);
         DialogTest::TearDown();
     }
     // The client area and every control of the dialog in it.
@@ -55,7 +43,8 @@ TEST_F(Density, DialogsGrowWithTheDotsOfAnInch) {
     int row = 0;
     for (const int density : {96, 144, 192}) {
         SCOPED_TRACE(density);
-        g_density = density;
+        OrvikSetSystemDpi(static_cast<UINT>(density));
+        MakeOwner(WS_VISIBLE);
         CProgressDlgParams params;
         params.m_strMessage = "Reading", params.m_strMessage2 = "Block 1";
         CProgressDialog waiting(&owner);
