@@ -126,4 +126,38 @@ TEST_P(ScreenTest, AWindowThatComesToAScreenLooksAsOneStartedThere) {
     EXPECT_EQ(started->Difference(started->Pixels(), expected), "");
 }
 
+TEST_P(ScreenTest, AWindowMayComeToAScreenInTheMiddleOfADrag) {
+    const auto hands = StartAt(GetParam() == 96 ? 192 : 96);
+    const auto started = StartAt(GetParam());
+    const auto expected = started->Settled();
+    static HWND s_window;
+    static UINT s_dpi;
+    s_window = hands->window->m_hWnd;
+    const UINT first = OrvikDpiOf(s_window);
+    RECT client = {};
+    ::GetClientRect(s_window, &client);
+    const ViewParts parts = hands->Parts();
+    const RECT column = hands->window->List().ColumnRect(0), bar = hands->window->BarRect();
+    for (const POINT& at : {Hands::Middle(parts.plot), Hands::Middle(parts.tags[0]), Hands::Middle(parts.axes[0].zoom),
+                            Hands::Middle(parts.axes[0].rubber), Hands::Middle(parts.axes[0].drag), Hands::Middle(bar),
+                            POINT{bar.right + column.right, column.top + 8}}) {
+        s_dpi = GetParam();
+        const UINT_PTR timer = ::SetTimer(nullptr, 0, USER_TIMER_MINIMUM, [](HWND, UINT, UINT_PTR id, DWORD) {
+            if (::GetCapture() == nullptr) return;  // it has not begun
+            ::KillTimer(nullptr, id);
+            EXPECT_TRUE(OrvikSetWindowDpi(s_window, s_dpi, nullptr));
+            for (const BOOL down : {TRUE, FALSE}) ::OrvikPostKey(s_window, VK_ESCAPE, down);
+        });
+        hands->Press(at, {at.x + 20, at.y + 30});
+        hands->Pump();
+        ::KillTimer(nullptr, timer);
+        hands->Point(WM_LBUTTONUP, at);
+        hands->Pump();
+        ASSERT_EQ(OrvikDpiOf(s_window), s_dpi) << "no drag at " << at.x << "," << at.y;
+        EXPECT_EQ(hands->Difference(hands->Settled(), expected), "") << at.x << "," << at.y;
+        MoveTo(*hands, first);
+        hands->window->SetClientSize({client.right, client.bottom});
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Dots, ScreenTest, testing::Values(96u, 120u, 144u, 192u, 288u));
