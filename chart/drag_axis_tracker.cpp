@@ -6,7 +6,10 @@
 #include "platform/dpi.h"
 
 CDragAxisTracker::CDragAxisTracker(CTypedPtrArray<CPtrArray, CUnitAxis*>& axes, CUnitAxis* pAxis)
-    : m_pAxes(&axes), m_pAxis(pAxis), m_orientation(pAxis->GetOrientation()), m_reach(OrvikScale(CAxis::nLargeDiv, pAxis->GetDpi())) {
+    : m_pAxes(&axes),
+      m_pAxis(pAxis),
+      m_orientation(pAxis->GetOrientation()),
+      m_reach(OrvikScale(CAxis::nLargeDiv, pAxis->GetDpi())) {
     LONG position = 0;
     LONG start = 0;
     LONG end = 0;
