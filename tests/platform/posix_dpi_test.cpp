@@ -162,6 +162,27 @@ TEST_F(Screens, MeasuresGrowByTheDots) {
     }
 }
 
+TEST_F(Screens, AListHasTheDesktopsFontOfItsScreenUntilItIsGivenOne) {
+    const HWND root = Make("root", nullptr, WS_POPUP);
+    const HWND list =
+        CreateWindowExA(0, WC_LISTVIEWA, "", WS_CHILD | LVS_REPORT, 0, 0, 200, 100, root, nullptr, nullptr, nullptr);
+    const auto height = [&] {
+        LOGFONTA font{};
+        GetObjectA(reinterpret_cast<HFONT>(SendMessageA(list, WM_GETFONT, 0, 0)), sizeof font, &font);
+        return font.lfHeight;
+    };
+    const LONG usual = height();
+    for (const UINT dpi : {288u, 96u, 144u}) {
+        EXPECT_TRUE(OrvikSetWindowDpi(root, dpi, nullptr));
+        EXPECT_EQ(height(), OrvikScale(static_cast<int>(usual), dpi));
+    }
+    const auto given = reinterpret_cast<WPARAM>(GetStockObject(ANSI_FIXED_FONT));
+    SendMessageA(list, WM_SETFONT, given, FALSE);
+    EXPECT_TRUE(OrvikSetWindowDpi(root, 192, nullptr));
+    EXPECT_EQ(static_cast<WPARAM>(SendMessageA(list, WM_GETFONT, 0, 0)), given);
+    DestroyWindow(root);
+}
+
 TEST_F(Screens, ADialogThatComesToAScreenLooksAsOneMadeThere) {
     for (const UINT dpi : kScreens) {
         SCOPED_TRACE(dpi);
