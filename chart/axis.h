@@ -22,6 +22,7 @@ public:
     // Row i belongs to the unit i. The gaps between rows are meant: a span in one is left in the unit that it has.
     static const TimeSpanTypeSelector tstsVector[7];
 
+    // Pixels at 96 dots an inch.
     static const LONG nAxisMargin;  // between the axis's line and its labels; half of it before the unit's text
     static const LONG nSmallDiv;    // length of a small division's tick
     static const LONG nLargeDiv;    // length of a large one's; half the width of the band in which an axis can be dragged
@@ -54,6 +55,9 @@ public:
     int GetTotalDivisions() const;
 
     AXORIENT GetOrientation() const { return m_orientation; }
+    // The dots an inch of what shows the axis, 96 at first. Ticks, margins and what trackers measure by them follow it.
+    UINT GetDpi() const { return m_dpi; }
+    void SetDpi(UINT dpi) { m_dpi = dpi; }
     // A word that trackers keep while they stretch the axis; 0 at other times.
     int GetRubberMode() const { return m_rubberMode; }
     void SetRubberMode(int mode) { m_rubberMode = mode; }
@@ -94,5 +98,6 @@ private:
     RECT m_dragRect = {};
     RECT m_areaRect = {};
     LONG m_rubberMode = 0;
+    UINT m_dpi = 96;
     AXORIENT m_orientation;
 };

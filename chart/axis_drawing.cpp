@@ -4,6 +4,7 @@
 
 #include "afx/dc.h"
 #include "chart/unit_axis.h"
+#include "platform/dpi.h"
 #include "time/locale_cache.h"
 #include "time/number_text.h"
 #include "toolkit/global_data.h"
@@ -34,33 +35,46 @@ void Line(CDC& dc, LONG x1, LONG y1, LONG x2, LONG y2) {
     dc.LineTo(x2, y2);
 }
 
+LONG TickLength(const orvik::AxisPlace& place, const orvik::AxisTick& tick) {
+    return OrvikScale(tick.large ? CAxis::nLargeDiv : CAxis::nSmallDiv, place.dpi);
+}
+
 void DrawHorizontal(CDC& dc, const orvik::AxisPlace& place, const orvik::AxisLayout& layout, const CString& unit) {
-    const LONG position = place.position;
+    const LONG position = place.position, margin = OrvikScale(CAxis::nAxisMargin, place.dpi);
     Line(dc, place.start, position, place.end + 1, position);
-    for (const orvik::AxisTick& tick : layout.ticks)
-        Line(dc, tick.at, position + (tick.large ? CAxis::nLargeDiv : CAxis::nSmallDiv), tick.at, position - 1);
+    for (const orvik::AxisTick& tick : layout.ticks) Line(dc, tick.at, position + TickLength(place, tick), tick.at, position - 1);
     dc.SetTextAlign(TA_CENTER | TA_TOP);
-    for (const orvik::AxisLabel& label : layout.labels) dc.TextOut(label.at, position + CAxis::nAxisMargin, label.text);
+    for (const orvik::AxisLabel& label : layout.labels) dc.TextOut(label.at, position + margin, label.text);
     dc.SetTextAlign(TA_LEFT | TA_TOP);
-    dc.TextOut(std::max(place.end, layout.labelEnd) + CAxis::nAxisMargin / 2, position + CAxis::nAxisMargin, unit);
+    dc.TextOut(std::max(place.end, layout.labelEnd) + margin / 2, position + margin, unit);
 }
 
 void DrawVertical(CDC& dc, const orvik::AxisPlace& place, const orvik::AxisLayout& layout, const CString& unit) {
-    const LONG position = place.position, side = place.side;
+    const LONG position = place.position, side = place.side, margin = OrvikScale(CAxis::nAxisMargin, place.dpi);
     Line(dc, position, place.start, position, place.end + 1);
     for (const orvik::AxisTick& tick : layout.ticks)
-        Line(dc, position + side * (tick.large ? CAxis::nLargeDiv : CAxis::nSmallDiv), tick.at, position - side, tick.at);
+        Line(dc, position + side * TickLength(place, tick), tick.at, position - side, tick.at);
     dc.SetTextAlign(side < 0 ? TA_RIGHT | TA_TOP : TA_LEFT | TA_TOP);
     for (const orvik::AxisLabel& label : layout.labels)
-        dc.TextOut(position + side * CAxis::nAxisMargin, label.at - place.labelHeight / 2, label.text);
-    dc.TextOut(position, place.start - place.labelHeight - CAxis::nAxisMargin, unit);
+        dc.TextOut(position + side * margin, label.at - place.labelHeight / 2, label.text);
+    dc.TextOut(position, place.start - place.labelHeight - margin, unit);
 }
 
 }  // namespace
 
+void orvik::MakeAxisPen(CPen& pen, int pixels, UINT dpi, COLORREF color) {
+    const int width = OrvikScale(pixels, dpi);
+    const LOGBRUSH brush = {BS_SOLID, color, 0};
+    // At the usual dots it is the plain pen, as it always was; a wider line of that would end in a half-circle.
+    if (width <= pixels)
+        pen.CreatePen(PS_SOLID, pixels, color);
+    else
+        pen.CreatePen(PS_GEOMETRIC | PS_SOLID | PS_ENDCAP_FLAT | PS_JOIN_MITER, width, &brush);
+}
+
 void orvik::DrawAxis(CDC* dc, const AxisPlace& place, const AxisLayout& layout, const CString& unit, COLORREF color) {
     CPen pen;
-    pen.CreatePen(PS_SOLID, 1, color);
+    MakeAxisPen(pen, 1, place.dpi, color);
     const PenInUse inUse(*dc, pen);
     const UINT oldAlign = dc->GetTextAlign();
     (place.vertical ? DrawVertical : DrawHorizontal)(*dc, place, layout, unit);
@@ -88,7 +102,7 @@ void CUnitAxis::Render(CDC* pDC) {
         background.CreateSolidBrush(globalData.clrWindow);
         pDC->FillRect(&GetAreaRect(), &background);
     }
-    orvik::DrawAxis(pDC, {m_position, m_start, m_end, vertical, m_side, label.cy}, layout, m_unit,
+    orvik::DrawAxis(pDC, {m_position, m_start, m_end, vertical, m_side, label.cy, GetDpi()}, layout, m_unit,
                     pDC->IsPrinting() ? kBlack : globalData.clrWindowText);
 }
 

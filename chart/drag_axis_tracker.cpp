@@ -3,15 +3,18 @@
 #include <cstdlib>
 
 #include "afx/dc.h"
+#include "platform/dpi.h"
 
 CDragAxisTracker::CDragAxisTracker(CTypedPtrArray<CPtrArray, CUnitAxis*>& axes, CUnitAxis* pAxis)
-    : m_pAxes(&axes), m_pAxis(pAxis), m_orientation(pAxis->GetOrientation()) {
+    : m_pAxes(&axes),
+      m_pAxis(pAxis),
+      m_orientation(pAxis->GetOrientation()),
+      m_reach(OrvikScale(CAxis::nLargeDiv, pAxis->GetDpi())) {
     LONG position = 0;
     LONG start = 0;
     LONG end = 0;
     pAxis->GetPosition(&position, &start, &end);
-    const LONG first = position - CAxis::nLargeDiv;
-    const LONG last = position + CAxis::nLargeDiv + 1;
+    const LONG first = position - m_reach, last = position + m_reach + 1;
     m_band = m_orientation == CAxis::AX_VERTICAL ? RECT{first, start, last, end} : RECT{start, first, end, last};
 }
 
@@ -36,11 +39,11 @@ void CDragAxisTracker::OnConstrainTrack(CPoint& point) {
 
 void CDragAxisTracker::OnTrack(CDC* pDC, UINT, CPoint point) {
     if (m_orientation == CAxis::AX_VERTICAL) {
-        m_band.left = point.x - CAxis::nLargeDiv;
-        m_band.right = point.x + CAxis::nLargeDiv + 1;
+        m_band.left = point.x - m_reach;
+        m_band.right = point.x + m_reach + 1;
     } else {
-        m_band.top = point.y - CAxis::nLargeDiv;
-        m_band.bottom = point.y + CAxis::nLargeDiv + 1;
+        m_band.top = point.y - m_reach;
+        m_band.bottom = point.y + m_reach + 1;
     }
     pDC->InvertRect(&m_band);
 }

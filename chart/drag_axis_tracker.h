@@ -30,4 +30,5 @@ private:
     CUnitAxis* m_pExchanged = nullptr;
     RECT m_band;
     CAxis::AXORIENT m_orientation;
+    LONG m_reach;  // to either side of the axis; kept, since the axis may go while it is dragged
 };

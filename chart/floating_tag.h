@@ -22,7 +22,9 @@ public:
     BOOL HitTest(const RECT& plot, POINT point) const;
     // In the DC's font and text colour: a light label with a thin frame, a stronger one while the tag has the focus. The text is
     // wrapped within the rectangle, with an ellipsis where it does not fit. A tag without size draws nothing.
-    void Render(const RECT& plot, CDC* pDC) const;
+    // Its margins and frame follow the dots an inch.
+    void Render(const RECT& plot, CDC* pDC) const { Render(plot, pDC, 96); }
+    void Render(const RECT& plot, CDC* pDC, UINT dpi) const;
 
     void SetFocus(BOOL focus) { m_focus = focus; }
     BOOL HasFocus() const { return m_focus; }

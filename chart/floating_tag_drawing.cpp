@@ -4,6 +4,7 @@
 #include "afx/dc.h"
 #include "chart/floating_tag.h"
 #include "chart/text_lines.h"
+#include "platform/dpi.h"
 #include "toolkit/global_data.h"
 
 namespace {
@@ -23,22 +24,22 @@ void Fill(CDC& dc, const CRect& rect, COLORREF color) {
 
 }  // namespace
 
-void CFloatingTag::Render(const RECT& plot, CDC* pDC) const {
+void CFloatingTag::Render(const RECT& plot, CDC* pDC, UINT dpi) const {
     CRect rect;
     GetRect(plot, rect);
     if (rect.IsRectEmpty()) return;
     // Two filled rectangles are a frame of any width, as sharp in a file of vectors as on the screen.
     CRect paper(rect);
-    const int frame = m_focus ? kFocusWidth : 1;
+    const int frame = OrvikScale(m_focus ? kFocusWidth : 1, dpi);
     paper.DeflateRect(frame, frame);
     Fill(*pDC, rect, m_focus ? globalData.clrHilite : kFrame);
     if (paper.IsRectEmpty()) return;
     Fill(*pDC, paper, kPaper);
 
     CRect inner(rect);
-    inner.DeflateRect(std::min(kMarginX, rect.Width() / 4), 0);
+    inner.DeflateRect(std::min(OrvikScale(kMarginX, dpi), rect.Width() / 4), 0);
     const int lineHeight = std::max<int>(1, pDC->GetTextExtent("Ag", 2).cy);
-    const int margin = std::clamp((rect.Height() - lineHeight) / 2, 0, kMarginY);
+    const int margin = std::clamp((rect.Height() - lineHeight) / 2, 0, OrvikScale(kMarginY, dpi));
     const auto lines = orvik::detail::FitLines(
         m_text.GetView(), inner.Width(), static_cast<size_t>(std::max(1, (rect.Height() - 2 * margin) / lineHeight)),
         [pDC](std::string_view line) { return int{pDC->GetTextExtent(line.data(), static_cast<int>(line.size())).cx}; });

@@ -46,8 +46,8 @@ RubberMove RubberStep(RubberMode mode, LONG anchor, LONG pointer, const RubberAx
 
     long long distance = Clamped(static_cast<long long>(pointer) - anchor);
     if (Sticks(mode, axis)) {
-        if (distance > -kStickyDistance && distance < kStickyDistance) return move;
-        const LONG letGo = distance > 0 ? kStickyDistance - 1 : 1 - kStickyDistance;
+        if (distance > -axis.sticky && distance < axis.sticky) return move;
+        const LONG letGo = distance > 0 ? axis.sticky - 1 : 1 - axis.sticky;
         move.anchor = anchor + letGo;
         distance -= letGo;
     }

@@ -12,12 +12,16 @@ enum class RubberMode : int { None = 0, MoveOrigin = 1, MoveExtent = 2, Pan = 3 
 // Shift wins over Ctrl.
 RubberMode RubberModeOf(bool shift, bool control);
 
+// Pixels at 96 dots an inch that a tick at an end holds the pointer for.
+inline constexpr LONG kStickyDistance = 4;
+
 // An axis as the rubber sees it: pixels of its two ends, and how far the last drawing found them from their outermost ticks.
 struct RubberAxis {
     LONG origin;           // pixel of the origin end: the start of a horizontal axis, the lower end of a vertical one
     LONG extent;           // pixel of the other end
     LONG originAlignment;  // 0: a tick stands on the origin end
     LONG extentAlignment;
+    LONG sticky = kStickyDistance;  // in the window's own pixels
 };
 
 struct RubberMove {
@@ -29,10 +33,9 @@ struct RubberMove {
     LONG zoomExtent;
 };
 
-// An end that stands on a tick holds the pointer until it is kStickyDistance pixels away, and then lets go with all but one of
+// An end that stands on a tick holds the pointer until it is `sticky` pixels away, and then lets go with all but one of
 // them taken off. A drag is stopped where the next tick reaches the end, so that the tick holds it there.
 // The scale is pulled about the other end; with the pointer on that very end there is no such scale, and nothing changes.
-inline constexpr LONG kStickyDistance = 4;
 RubberMove RubberStep(RubberMode mode, LONG anchor, LONG pointer, const RubberAxis& axis);
 
 }  // namespace orvik::detail

@@ -3,6 +3,7 @@
 #include "afx/wnd.h"
 #include "chart/rubber_step_internal.h"
 #include "frame/app_stock.h"
+#include "platform/dpi.h"
 
 using namespace orvik::detail;
 
@@ -73,7 +74,8 @@ void CRubberTracker::OnTrack(CDC* pDC, UINT code, CPoint point) {
     }
     if (code != (TRACK_MOVE | TRACK_DRAW)) return;
 
-    RubberAxis axis{0, 0, m_pAxis->GetOriginAlignment(), m_pAxis->GetExtentAlignment()};
+    RubberAxis axis{0, 0, m_pAxis->GetOriginAlignment(), m_pAxis->GetExtentAlignment(),
+                    OrvikScale(kStickyDistance, m_pAxis->GetDpi())};
     if (IsVertical())
         m_pAxis->GetPosition(nullptr, &axis.extent, &axis.origin);
     else

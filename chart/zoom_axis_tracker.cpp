@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "chart/invert_drawing_internal.h"
+#include "platform/dpi.h"
 
 using namespace orvik::detail;
 
@@ -26,7 +27,8 @@ void CZoomAxisTracker::OnTrack(CDC* pDC, UINT code, CPoint point) {
 
 void CZoomAxisTracker::Mark(CDC* pDC, LONG coord) const {
     const LONG position = m_pAxis->GetPosition();
-    RECT across = {position - CAxis::nSmallDiv, coord - CAxis::nSmallDiv, position + CAxis::nSmallDiv, coord + CAxis::nSmallDiv};
+    const LONG half = OrvikScale(CAxis::nSmallDiv, m_pAxis->GetDpi());
+    RECT across = {position - half, coord - half, position + half, coord + half};
     {
         InvertDrawing drawing(pDC, PS_DOT, RGB(0, 0, 0));
         if (IsVertical()) {

@@ -2,6 +2,7 @@
 
 #include "chart/invert_drawing_internal.h"
 #include "chart/zoom_figure_internal.h"
+#include "platform/dpi.h"
 
 using namespace orvik::detail;
 
@@ -10,48 +11,50 @@ namespace {
 constexpr LONG kHandle = 6;
 
 // Where a handle starts that is to stand in the middle of an edge.
-LONG Centred(LONG from, LONG to) { return static_cast<LONG>((static_cast<long long>(from) + to - kHandle) / 2); }
+LONG Centred(LONG from, LONG to, LONG handle) { return static_cast<LONG>((static_cast<long long>(from) + to - handle) / 2); }
 
 }  // namespace
 
+LONG CZoomSelection::Handle() const { return OrvikScale(kHandle, m_dpi); }
+
 RECT CZoomSelection::GetNorthWestRect() const {
-    return {m_rect.left + 1, m_rect.top + 1, m_rect.left + 1 + kHandle, m_rect.top + kHandle};
+    return {m_rect.left + 1, m_rect.top + 1, m_rect.left + 1 + Handle(), m_rect.top + Handle()};
 }
 
 RECT CZoomSelection::GetNorthRect() const {
-    const LONG left = Centred(m_rect.left, m_rect.right);
-    return {left, m_rect.top + 1, left + kHandle, m_rect.top + kHandle};
+    const LONG left = Centred(m_rect.left, m_rect.right, Handle());
+    return {left, m_rect.top + 1, left + Handle(), m_rect.top + Handle()};
 }
 
 RECT CZoomSelection::GetNorthEastRect() const {
-    return {m_rect.right - kHandle, m_rect.top + 1, m_rect.right, m_rect.top + kHandle};
+    return {m_rect.right - Handle(), m_rect.top + 1, m_rect.right, m_rect.top + Handle()};
 }
 
 RECT CZoomSelection::GetEastRect() const {
-    const LONG top = Centred(m_rect.top, m_rect.bottom);
-    return {m_rect.right - kHandle, top, m_rect.right, top + kHandle};
+    const LONG top = Centred(m_rect.top, m_rect.bottom, Handle());
+    return {m_rect.right - Handle(), top, m_rect.right, top + Handle()};
 }
 
 RECT CZoomSelection::GetSouthEastRect() const {
-    return {m_rect.right - kHandle, m_rect.bottom - kHandle, m_rect.right, m_rect.bottom};
+    return {m_rect.right - Handle(), m_rect.bottom - Handle(), m_rect.right, m_rect.bottom};
 }
 
 RECT CZoomSelection::GetSouthRect() const {
-    const LONG left = Centred(m_rect.left, m_rect.right);
-    return {left, m_rect.bottom - kHandle, left + kHandle, m_rect.bottom};
+    const LONG left = Centred(m_rect.left, m_rect.right, Handle());
+    return {left, m_rect.bottom - Handle(), left + Handle(), m_rect.bottom};
 }
 
 RECT CZoomSelection::GetSouthWestRect() const {
-    return {m_rect.left + 1, m_rect.bottom - kHandle, m_rect.left + 1 + kHandle, m_rect.bottom};
+    return {m_rect.left + 1, m_rect.bottom - Handle(), m_rect.left + 1 + Handle(), m_rect.bottom};
 }
 
 RECT CZoomSelection::GetWestRect() const {
-    const LONG top = Centred(m_rect.top, m_rect.bottom);
-    return {m_rect.left + 1, top, m_rect.left + 1 + kHandle, top + kHandle};
+    const LONG top = Centred(m_rect.top, m_rect.bottom, Handle());
+    return {m_rect.left + 1, top, m_rect.left + 1 + Handle(), top + Handle()};
 }
 
 CZoomSelection::EHitCode CZoomSelection::HitTest(CPoint point) const {
-    CZoomSelection upright;
+    CZoomSelection upright = *this;
     upright.SetPosition(Normalised(m_rect));
     if (!::PtInRect(&upright.m_rect, point)) return HIT_OUTSIDE;
     const struct {
@@ -69,7 +72,7 @@ CZoomSelection::EHitCode CZoomSelection::HitTest(CPoint point) const {
 }
 
 void CZoomSelection::Draw(CDC* pDC) const {
-    CZoomSelection upright;
+    CZoomSelection upright = *this;
     upright.SetPosition(Normalised(m_rect));
     {
         InvertDrawing drawing(pDC, PS_SOLID, RGB(0, 0, 0));

@@ -27,6 +27,9 @@ public:
     const RECT& GetPosition() const { return m_rect; }
     void SetPosition(const RECT& rect) { m_rect = rect; }
 
+    // Of the window: handles are 6 pixels wide at 96 dots an inch, which is what it begins with.
+    void SetDpi(UINT dpi) { m_dpi = dpi; }
+
     // Handles go before the body, and where they overlap in the order north-west, north, north-east, east and so on around.
     EHitCode HitTest(CPoint point) const;
     // Inverts the outline and the handles: a second call restores the DC.
@@ -44,5 +47,8 @@ private:
     RECT GetSouthWestRect() const;
     RECT GetWestRect() const;
 
+    LONG Handle() const;
+
     RECT m_rect = {};
+    UINT m_dpi = 96;
 };

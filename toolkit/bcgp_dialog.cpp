@@ -6,6 +6,7 @@ IMPLEMENT_DYNAMIC(CBCGPDialog, CDialog)
 
 BEGIN_MESSAGE_MAP(CBCGPDialog, CDialog)
 ON_WM_SIZE()
+ON_MESSAGE(WM_DPICHANGED, OnDpiChanged)
 ON_MESSAGE(WM_GETMINMAXINFO, OnGetMinMaxInfo)
 ON_WM_CTLCOLOR()
 ON_WM_NCHITTEST()
@@ -38,6 +39,17 @@ BOOL CBCGPDialog::OnInitDialog() {
 void CBCGPDialog::OnSize(UINT nType, int, int) {
     Default();
     if (m_pLayout != nullptr && nType != SIZE_MINIMIZED) m_pLayout->AdjustLayout();
+}
+
+LRESULT CBCGPDialog::OnDpiChanged(WPARAM wParam, LPARAM) {
+    // The system scales the controls with the letters; the layout goes on from there.
+    std::unique_ptr<CBCGPStaticLayout> layout = std::move(m_pLayout);
+    const HWND self = m_hWnd;
+    const LRESULT answer = Default();
+    if (!::IsWindow(self) || layout == nullptr) return answer;
+    layout->StartAnew(LOWORD(wParam));
+    m_pLayout = std::move(layout);
+    return answer;
 }
 
 LRESULT CBCGPDialog::OnGetMinMaxInfo(WPARAM, LPARAM lParam) {

@@ -31,6 +31,7 @@ protected:
     BOOL OnInitDialog() override;
 
     afx_msg void OnSize(UINT nType, int cx, int cy);
+    afx_msg LRESULT OnDpiChanged(WPARAM wParam, LPARAM lParam);
     afx_msg LRESULT OnGetMinMaxInfo(WPARAM wParam, LPARAM lParam);
     afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
     afx_msg LRESULT OnNcHitTest(CPoint point);

@@ -5,6 +5,7 @@
 
 #include "afx/controls.h"
 #include "afx/message_map.h"
+#include "platform/dpi.h"
 #include "toolkit/prop_list_internal.h"
 
 IMPLEMENT_DYNAMIC(CBCGPPropList, CWnd)
@@ -191,7 +192,7 @@ CBCGPPropList::Places CBCGPPropList::Layout() const {
     places.rows.bottom = places.description.top;
     places.bar = CRect(places.rows.right, places.rows.top, places.rows.right, places.rows.bottom);
     if (GetRowCount() * m_nRowHeight > places.rows.Height()) {
-        places.bar.left = std::max<LONG>(places.rows.left, places.rows.right - ::GetSystemMetrics(SM_CXVSCROLL));
+        places.bar.left = std::max<LONG>(places.rows.left, places.rows.right - OrvikMetric(SM_CXVSCROLL, OrvikDpiOf(m_hWnd)));
         places.rows.right = places.bar.left;
     }
     return places;
@@ -309,6 +310,8 @@ void CBCGPPropList::TakeFont(HFONT font) {
     dc.GetTextMetrics(&metrics);
     ::SelectObject(dc.m_hDC, before);
     // Air above and below the letters, a third of them, and the line below.
+    // A divider that was moved stays where it is among the letters.
+    if (m_nNameWidth > 0 && m_nTextHeight > 0) m_nNameWidth = ::MulDiv(m_nNameWidth, metrics.tmHeight, m_nTextHeight);
     m_nTextHeight = static_cast<int>(metrics.tmHeight);
     m_nRowHeight = std::max(8, m_nTextHeight + m_nTextHeight / 3 + 1);
     Arrange();

@@ -3,11 +3,12 @@
 
 #include "afx/menu.h"
 #include "afx/message_map.h"
+#include "platform/dpi.h"
 #include "res/ids.h"
 #include "toolkit/prop_list_internal.h"
 
 namespace {
-constexpr int kDividerReach = 3;  // pixels to either side
+constexpr int kDividerReach = 3;  // pixels to either side, at 96 dots an inch
 constexpr int kWheelRows = 3;
 }  // namespace
 
@@ -36,7 +37,8 @@ void CBCGPPropList::OnLButtonDown(UINT, CPoint point) {
     const int divider = places.rows.left + NameWidth();
     const bool above = places.header.PtInRect(point) || places.rows.PtInRect(point);
     CBCGPProp* const hit = HitTest(point);
-    if (above && std::abs(point.x - divider) <= kDividerReach && (hit == nullptr || !hit->IsGroup())) {
+    if (above && std::abs(point.x - divider) <= OrvikScale(kDividerReach, OrvikDpiOf(m_hWnd)) &&
+        (hit == nullptr || !hit->IsGroup())) {
         m_bDragging = true;
         m_nDragOffset = divider - point.x;
         SetCapture();
@@ -100,7 +102,7 @@ BOOL CBCGPPropList::OnSetCursor(CWnd* pWnd, UINT nHitTest, UINT message) {
     const bool above = places.header.PtInRect(point) || places.rows.PtInRect(point);
     const CBCGPProp* hit = HitTest(point);
     if (pWnd == this && nHitTest == HTCLIENT && above && (hit == nullptr || !hit->IsGroup()) &&
-        std::abs(point.x - (places.rows.left + NameWidth())) <= kDividerReach) {
+        std::abs(point.x - (places.rows.left + NameWidth())) <= OrvikScale(kDividerReach, OrvikDpiOf(m_hWnd))) {
         ::SetCursor(::LoadCursorA(nullptr, IDC_SIZEWE));
         return TRUE;
     }

@@ -32,6 +32,17 @@ BOOL CBCGPStaticLayout::AddAnchor(HWND hWnd, XMoveType typeMove, XSizeType typeS
     return TRUE;
 }
 
+void CBCGPStaticLayout::StartAnew(UINT dpi) {
+    const auto scaled = [&](int pixels) { return ::MulDiv(pixels, static_cast<int>(dpi), static_cast<int>(m_dpi)); };
+    m_minSize = CSize(scaled(m_minSize.cx), scaled(m_minSize.cy));
+    m_dpi = dpi;
+    for (Anchor& anchor : m_anchors) {
+        anchor.hostStart = ClientSize(*m_pHost);
+        ::GetWindowRect(anchor.window, anchor.place);
+        m_pHost->ScreenToClient(anchor.place);
+    }
+}
+
 void CBCGPStaticLayout::AdjustLayout() {
     const CSize now = ClientSize(*m_pHost);
     for (const Anchor& anchor : m_anchors) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "afx/wnd.h"
+#include "platform/dpi.h"
 
 class ORVIK_API CBCGPStaticLayout {
 public:
@@ -22,8 +23,12 @@ public:
     BOOL IsEmpty() const { return m_anchors.empty(); }
 
     // The smallest size that the user can give the host, frame included; 0 for no limit.
-    void SetMinSize(CSize size) { m_minSize = size; }
+    void SetMinSize(CSize size) { m_minSize = size, m_dpi = OrvikDpiOf(m_pHost->m_hWnd); }
     CSize GetMinSize() const { return m_minSize; }
+
+    // The host and its controls have been scaled to other dots an inch: anchors start from where they are now, and the smallest
+    // size is scaled as well.
+    void StartAnew(UINT dpi);
 
     // Puts every control where the host's size wants it.
     void AdjustLayout();
@@ -40,4 +45,5 @@ private:
     CWnd* m_pHost;
     std::vector<Anchor> m_anchors;
     CSize m_minSize;
+    UINT m_dpi = USER_DEFAULT_SCREEN_DPI;  // of the smallest size
 };

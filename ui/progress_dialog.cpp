@@ -10,6 +10,7 @@ IMPLEMENT_DYNAMIC(CProgressDialog, CBCGPDialog)
 BEGIN_MESSAGE_MAP(CProgressDialog, CBCGPDialog)
 ON_WM_SYSCOMMAND()
 ON_WM_PAINT()
+ON_MESSAGE(WM_DPICHANGED, OnDpiChanged)
 END_MESSAGE_MAP()
 
 CProgressDialog::CProgressDialog(CWnd* parent) : CBCGPDialog(IDD_ORVIK_PROGRESS, parent) { EnableVisualManagerStyle(); }
@@ -114,6 +115,25 @@ BOOL CProgressDialog::IsCancelled() {
     const BOOL cancelled = m_bCancelled;
     m_bCancelled = FALSE;
     return cancelled;
+}
+
+LRESULT CProgressDialog::OnDpiChanged(WPARAM wParam, LPARAM lParam) {
+    // The band grows as the system moves what lies below it.
+    const auto top = [this] {
+        CRect place;
+        m_wndMessage.GetWindowRect(place);
+        ScreenToClient(place);
+        return place.top;
+    };
+    const HWND self = m_hWnd;
+    const LONG before = top();
+    const LRESULT answer = CBCGPDialog::OnDpiChanged(wParam, lParam);
+    if (!::IsWindow(self)) return answer;
+    if (before > 0) m_params.m_nHeaderHeight = ::MulDiv(m_params.m_nHeaderHeight, top(), before);
+    CRect client;
+    GetClientRect(client);
+    m_nLayoutBottom = client.Height();
+    return answer;
 }
 
 CRect CProgressDialog::Header() const {

@@ -26,7 +26,7 @@ struct CProgressDlgParams {
     BOOL m_bShowCancel = TRUE;
     BOOL m_bShowProgress = TRUE;
     BOOL m_bShowPercentage = TRUE;
-    LONG m_nHeaderHeight = 0;           // pixels; above 0 OnDrawHeader paints a band that high at the top
+    LONG m_nHeaderHeight = 0;           // pixels on the first screen; above 0 OnDrawHeader paints a band that high at the top
     BOOL m_bUseTaskBarProgress = TRUE;  // not used by this dialog
     BOOL m_bPumpMessages = FALSE;       // SetPos and OffsetPos handle waiting messages first
 };
@@ -75,6 +75,7 @@ protected:
     void OnCancel() override;
     afx_msg void OnSysCommand(UINT nID, LPARAM lParam);
     afx_msg void OnPaint();
+    afx_msg LRESULT OnDpiChanged(WPARAM wParam, LPARAM lParam);
     DECLARE_MESSAGE_MAP()
 
     CBCGPProgressCtrl m_wndProgress;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "platform/dpi.h"
+
 namespace {
-constexpr LONG kAxisMargin = 4;      // what an axis leaves between its line and its labels
+constexpr LONG kAxisMargin = 4;      // what an axis leaves between its line and its labels, at 96 dots an inch
 constexpr LONG kLeastPlotLines = 4;  // the plot is at least so many lines high before anything else is shown
 constexpr LONG kSmallestFont = 9, kLargestFont = 26;
 
@@ -46,9 +48,9 @@ private:
 };
 }  // namespace
 
-LONG ChartFontHeight(LONG width, LONG height) {
-    const LONG side = std::min(width, static_cast<LONG>(static_cast<long long>(height) * 16 / 9));
-    return std::clamp<LONG>(9 + side / 230, kSmallestFont, kLargestFont);
+LONG ChartFontHeight(LONG width, LONG height, UINT dpi) {
+    const LONG side = OrvikUnscale(std::min(width, static_cast<LONG>(static_cast<long long>(height) * 16 / 9)), dpi);
+    return OrvikScale(std::clamp<LONG>(9 + side / 230, kSmallestFont, kLargestFont), dpi);
 }
 
 ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
@@ -56,13 +58,14 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
     layout.plot = bounds;
     layout.axes.resize(sizes.axes.size());
     layout.legend.resize(sizes.legend.size());
-    const LONG line = std::max<LONG>(sizes.line, 1), margin = std::max<LONG>(line / 2, 2);
+    const LONG line = std::max<LONG>(sizes.line, 1), margin = std::max<LONG>(line / 2, OrvikScale(2, sizes.dpi)),
+               axisMargin = OrvikScale(kAxisMargin, sizes.dpi);
     layout.swatch = sizes.swatch * line;
     const LONG width = Width(bounds) - 2 * margin, height = bounds.bottom - bounds.top - 2 * margin;
     if (width <= 0 || height <= 0) return layout;
 
     // From top to bottom: what is shown is decided by the height that is left for the plot.
-    const LONG legendLine = line + line / 3, timeHeight = kAxisMargin + 2 * line, unitHeight = sizes.axisHead + kAxisMargin;
+    const LONG legendLine = line + line / 3, timeHeight = axisMargin + 2 * line, unitHeight = sizes.axisHead + axisMargin;
     Legend legend(sizes, layout.swatch, legendLine, width);
     LONG left = height - kLeastPlotLines * line;
     const auto take = [&left](LONG wanted) {
@@ -103,7 +106,7 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
     // From the sides inwards: the widths of the axes first, then their places.
     LONG sides[2] = {0, 0};
     for (size_t i = 0; i < sizes.axes.size() && axesShown; ++i) {
-        const LONG wanted = sizes.axes[i] + kAxisMargin + (i >= 2 ? line : 0);
+        const LONG wanted = sizes.axes[i] + axisMargin + (i >= 2 ? line : 0);
         if (sides[0] + sides[1] + wanted > width / 2) break;
         sides[i % 2] += wanted;
         layout.axes[i].shown = true;
@@ -117,12 +120,12 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
     for (size_t i = 0; i < layout.axes.size() && layout.axes[i].shown; ++i) {
         ChartLayout::Axis& axis = layout.axes[i];
         axis.left = i % 2 == 0;
-        const LONG reach = sizes.axes[i] + kAxisMargin;
+        const LONG reach = sizes.axes[i] + axisMargin;
         LONG& place = at[i % 2];
         if (i >= 2) place += axis.left ? -line : line;
         axis.position = place;
-        axis.area = {axis.left ? place - reach : place - kAxisMargin, y - unitHeight,
-                     axis.left ? place + kAxisMargin : place + reach, bottom + line / 2};
+        axis.area = {axis.left ? place - reach : place - axisMargin, y - unitHeight,
+                     axis.left ? place + axisMargin : place + reach, bottom + line / 2};
         place += axis.left ? -reach : reach;
     }
     if (axesShown && !layout.axes.empty() && !layout.axes.back().shown)
@@ -130,8 +133,8 @@ ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes) {
     // Beside value axes, whose lowest labels reach below the plot, the time axis keeps to its own width.
     const auto shown = [&](size_t i) { return i < layout.axes.size() && layout.axes[i].shown; };
     if (timeShown) {
-        layout.timeArea = {shown(0) ? layout.plot.left - kAxisMargin : bounds.left, bottom,
-                           shown(1) ? layout.plot.right + kAxisMargin : bounds.right, bounds.bottom - margin};
+        layout.timeArea = {shown(0) ? layout.plot.left - axisMargin : bounds.left, bottom,
+                           shown(1) ? layout.plot.right + axisMargin : bounds.right, bounds.bottom - margin};
     }
     return layout;
 }

@@ -20,6 +20,7 @@ struct ChartTextSizes {
     LONG more = 0;             // width of what tells that there are more entries
     LONG swatch = 2;           // of an entry's line, in heights of a line of text
     LONG timeLabel = 0;        // width of a label of the time axis
+    UINT dpi = 96;             // dots an inch, which what does not follow from the texts follows
 };
 
 struct ChartLayout {
@@ -41,5 +42,5 @@ struct ChartLayout {
 
 ChartLayout LayoutChart(const RECT& bounds, const ChartTextSizes& sizes);
 
-// The height of ordinary text, in pixels, for a chart of this size.
-LONG ChartFontHeight(LONG width, LONG height);
+// The height of ordinary text, in pixels, for a chart of this size, in pixels of so many dots an inch.
+LONG ChartFontHeight(LONG width, LONG height, UINT dpi = 96);

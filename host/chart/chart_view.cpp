@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "chart/axis_drawing.h"
 #include "chart/floating_tag.h"
 #include "host/chart/dashed_line.h"
 #include "host/chart/time_ticks.h"
@@ -14,8 +15,8 @@
 namespace {
 constexpr char kFace[] = "DejaVu Sans";
 constexpr COLORREF kWhite = RGB(255, 255, 255), kBlack = RGB(0, 0, 0), kGrey = RGB(90, 90, 90), kRaster = RGB(224, 224, 224);
-constexpr SIZE kTagRoom = {12, 8};  // what a tag's text has around it
-constexpr LONG kBrokenSwatch = 4;   // lines of text that a legend's line is long where some are broken
+constexpr struct { int cx, cy; } kTagRoom = {12, 8};  // what a tag's text has around it, at 96 dots an inch
+constexpr LONG kBrokenSwatch = 4;                     // lines of text that a legend's line is long where some are broken
 
 void MakeFont(CFont& font, LONG height, bool bold) {
     LOGFONTA description = {};
@@ -69,8 +70,11 @@ ChartView::~ChartView() {
     for (CValueAxis* const axis : m_axes) axis->Release();
 }
 
-void ChartView::Draw(CDC& dc, const RECT& bounds) {
-    const LONG height = ChartFontHeight(bounds.right - bounds.left, bounds.bottom - bounds.top);
+void ChartView::Draw(CDC& dc, const RECT& bounds, UINT dpi) {
+    m_dpi = dpi;
+    m_time->SetDpi(dpi);
+    for (CValueAxis* const axis : m_axes) axis->SetDpi(dpi);
+    const LONG height = ChartFontHeight(bounds.right - bounds.left, bounds.bottom - bounds.top, dpi);
     CFont ordinary, bold;
     MakeFont(ordinary, height, false);
     MakeFont(bold, height * 5 / 4, true);
@@ -93,9 +97,10 @@ void ChartView::MeasureAndPlace(CDC& dc, const RECT& bounds) {
     m_line = dc.GetTextExtent("0", 1).cy;
     ChartTextSizes sizes;
     sizes.line = m_line;
+    sizes.dpi = m_dpi;
     sizes.titleLine = m_model.Title().empty() ? 0 : m_line * 4 / 3;
     sizes.subtitle = !TimeRange().empty();
-    sizes.axisHead = CValueAxis::HeadHeight(m_line);
+    sizes.axisHead = CValueAxis::HeadHeight(m_line, m_dpi);
     const auto& all = m_model.AllSeries();
     for (const auto& series : all) {
         sizes.legend.push_back(WidthOfText(dc, series.name));
@@ -141,9 +146,9 @@ void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
         if (Empty(entry)) continue;
         const ChartModel::Series& series = m_model.AllSeries()[i];
         const float y = static_cast<float>(entry.top + entry.bottom - 1) / 2, line = static_cast<float>(m_line);
-        const float left = static_cast<float>(entry.left) + 2,
+        const float left = static_cast<float>(entry.left) + Scaled(2.0f),
                     right = static_cast<float>(entry.left + m_layout.swatch) - line / 2;
-        const float width = std::max(line / (series.pattern > 0 ? 8 : 5), 2.0f);
+        const float width = std::max(line / (series.pattern > 0 ? 8 : 5), Scaled(2.0f));
         const std::vector<ORVIK_CURVE_POINT> swatch = DashedLine({{left, y}, {right, y}}, series.pattern, width, entry);
         OrvikSmoothPolyline(dc.m_hDC, swatch.data(), static_cast<int>(swatch.size()), series.colour, width);
         entry.left += m_layout.swatch;
@@ -184,7 +189,8 @@ void ChartView::DrawAxes(CDC& dc) {
         // An axis that only one channel has shows that channel's colour.
         const auto& series = m_model.Units()[m_places[i]].series;
         if (series.size() != 1) continue;
-        CPen pen(PS_SOLID, 2, m_model.AllSeries()[series.front()].colour);
+        CPen pen;
+        orvik::MakeAxisPen(pen, 2, m_dpi, m_model.AllSeries()[series.front()].colour);
         CPen* const before = dc.SelectObject(&pen);
         dc.MoveTo(place.position, plot.top);
         dc.LineTo(place.position, plot.bottom);
@@ -193,8 +199,10 @@ void ChartView::DrawAxes(CDC& dc) {
     const bool time = !Empty(m_layout.timeArea);
     if (time) m_time->Render(&dc);
     // Beside the lines of the axes, not over them.
-    CPen pen(PS_SOLID, 1, kRaster);
-    const RECT inside = {plot.left + 1, plot.top, plot.right - 1, plot.bottom - 1};
+    CPen pen;
+    orvik::MakeAxisPen(pen, 1, m_dpi, kRaster);
+    const LONG line = Scaled(1);
+    const RECT inside = {plot.left + line, plot.top, plot.right - line, plot.bottom - line};
     if (!m_layout.axes.empty() && m_layout.axes.front().shown) AxisAt(0).DrawRaster(&dc, inside, pen);
     if (time) m_time->DrawRaster(&dc, inside, pen);
 }
@@ -218,7 +226,7 @@ PlotMapping ChartView::PlotOf(size_t unit) const {
 void ChartView::DrawTraces(CDC& dc) {
     const int saved = dc.SaveDC();
     dc.IntersectClipRect(&m_layout.plot);
-    const float width = std::max(static_cast<float>(m_line) / 11, 1.2f);
+    const float width = std::max(static_cast<float>(m_line) / 11, Scaled(1.2f));
     std::vector<PlotMapping> mappings;
     for (const ChartModel::Series& series : m_model.AllSeries()) mappings.push_back(PlotOf(series.unit));
     m_lines = m_model.Reduce(mappings);
@@ -290,12 +298,12 @@ void ChartView::DrawTags(CDC& dc) {
         RECT text = {0, 0, std::max<LONG>((plot.right - plot.left) / 3, m_line), m_line};
         dc.DrawText(tag.text.c_str(), static_cast<int>(tag.text.size()), &text, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
         RECT& rect = m_tagRects.back();
-        rect.right += text.right + kTagRoom.cx, rect.bottom += text.bottom + kTagRoom.cy;
+        rect.right += text.right + Scaled(kTagRoom.cx), rect.bottom += text.bottom + Scaled(kTagRoom.cy);
         OffsetRect(&rect, std::min<LONG>(0, plot.right - 1 - rect.right), std::min<LONG>(0, plot.bottom - 1 - rect.bottom));
         CFloatingTag label(nullptr, plot, rect);
         label.SetText(tag.text.c_str());
         label.SetFocus(number == m_focusedTag);
-        label.Render(plot, &dc);
+        label.Render(plot, &dc, m_dpi);
         const ORVIK_CURVE_POINT point = {static_cast<float>(corner.x), static_cast<float>(corner.y)};
         OrvikSmoothPolyline(dc.m_hDC, &point, 1, kBlack, static_cast<float>(m_line) / 3);
     }

@@ -14,6 +14,7 @@
 #include "host/chart/chart_model.h"
 #include "host/chart/time_axis.h"
 #include "host/chart/value_axis.h"
+#include "platform/dpi.h"
 
 class ChartView {
 public:
@@ -27,7 +28,8 @@ public:
     void SetPlaces(const std::vector<size_t>& units) { m_places = units; }
 
     // The DC's objects and modes come back as they were. Without a title where `bounds` is small, and so on: see ChartLayout.
-    void Draw(CDC& dc, const RECT& bounds);
+    // A window says its dots an inch; a picture in a file has 96, wherever it is made.
+    void Draw(CDC& dc, const RECT& bounds, UINT dpi = 96);
 
     CTimeAxis& TimeAxis() { return *m_time; }
     CUnitAxis& UnitAxis(size_t unit) { return *m_axes[unit]; }
@@ -51,6 +53,8 @@ private:
     void DrawTags(CDC& dc);
     void DrawWhatIsMissing(CDC& dc) const;
     PlotMapping PlotOf(size_t unit) const;
+    LONG Scaled(int pixels) const { return OrvikScale(pixels, m_dpi); }
+    float Scaled(float pixels) const { return pixels * static_cast<float>(m_dpi) / 96; }
     std::string TimeRange() const;
 
     ChartModel& m_model;
@@ -63,4 +67,5 @@ private:
     std::vector<RECT> m_tagRects;
     int m_focusedTag = -1;
     LONG m_line = 0;
+    UINT m_dpi = 96;
 };

@@ -6,6 +6,7 @@
 #include "afx/dc.h"
 #include "chart/axis_drawing.h"
 #include "host/chart/time_ticks.h"
+#include "platform/dpi.h"
 
 namespace {
 constexpr double kMicro = 1e6;
@@ -83,7 +84,7 @@ void CTimeAxis::RenderCalendar(CDC& dc, __int64 from, __int64 to) {
     const bool bounded = GetAreaRect().right > GetAreaRect().left;
     const LONG least = bounded ? GetAreaRect().left : -orvik::AxisMapping::kFarthest;
     const LONG most = bounded ? GetAreaRect().right : orvik::AxisMapping::kFarthest;
-    const LONG line = dc.GetTextExtent("0", 1).cy, gap = std::max<LONG>(line * 2 / 3, 4);
+    const LONG line = dc.GetTextExtent("0", 1).cy, gap = std::max<LONG>(line * 2 / 3, OrvikScale(4, GetDpi()));
     LONG free = least;
     for (size_t i = 0; i < inOrder.size(); ++i) {
         const std::string text = TimeLabel(step, inOrder[i]);
@@ -113,14 +114,14 @@ void CTimeAxis::RenderCalendar(CDC& dc, __int64 from, __int64 to) {
 
     if (!dc.IsPrinting()) dc.FillSolidRect(&GetAreaRect(), GetSysColor(COLOR_WINDOW));
     const COLORREF color = dc.IsPrinting() ? RGB(0, 0, 0) : GetSysColor(COLOR_WINDOWTEXT);
-    orvik::DrawAxis(&dc, {m_position, m_start, m_end, false, 1, line}, layout, "", color);
+    orvik::DrawAxis(&dc, {m_position, m_start, m_end, false, 1, line, GetDpi()}, layout, "", color);
 
     // The second line. What stands at the axis's beginning is shortened, or gives way, where a change comes right behind it. What
     // was not told the next label tells.
     const auto contexts = TimeContexts(step, from, to, ticks);
     const UINT align = dc.SetTextAlign(TA_LEFT | TA_TOP);
     const int mode = dc.SetBkMode(TRANSPARENT);
-    const LONG y = m_position + nAxisMargin + line, right = std::max(GetAreaRect().right, m_end);
+    const LONG y = m_position + OrvikScale(nAxisMargin, GetDpi()) + line, right = std::max(GetAreaRect().right, m_end);
     LONG behind = m_start - m_end;
     ContextLabel told;
     for (size_t i = 0; i < contexts.size(); ++i) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "afx/dc.h"
+#include "chart/axis_drawing.h"
 #include "host/chart/value_ticks.h"
 #include "platform/letters.h"
 
@@ -24,7 +25,9 @@ LONG WidthOfText(const CDC& dc, const std::string& text) {
 LONG LineOf(const CDC& dc) { return dc.GetTextExtent("0", 1).cy; }
 
 // From the axis's line to its labels.
-LONG LabelDistance(LONG line) { return CAxis::nLargeDiv + std::max<LONG>(line / 2, 3); }
+LONG LabelDistance(LONG line, UINT dpi) {
+    return OrvikScale(CAxis::nLargeDiv, dpi) + std::max<LONG>(line / 2, OrvikScale(3, dpi));
+}
 
 ValueTicks TicksOf(const CUnitAxis& axis, LONG pixels, LONG line) {
     return DivideValues(std::min(axis.GetOrigin(), axis.GetExtent()), std::max(axis.GetOrigin(), axis.GetExtent()), pixels, line,
@@ -39,7 +42,7 @@ LONG CValueAxis::WidthFor(const CDC& dc, LONG pixels) const {
     const ValueTicks ticks = TicksOf(*this, pixels, line);
     LONG widest = 0;
     for (const std::string& label : ticks.labels) widest = std::max(widest, WidthOfText(dc, label));
-    return std::max(LabelDistance(line) + widest, WidthOfText(dc, ticks.head));
+    return std::max(LabelDistance(line, GetDpi()) + widest, WidthOfText(dc, ticks.head));
 }
 
 void CValueAxis::Render(CDC* pDC) {
@@ -61,7 +64,8 @@ void CValueAxis::Render(CDC* pDC) {
     SetAlignments(large.empty() ? 0 : m_end - *bottom, large.empty() ? 0 : m_start - *top);
 
     if (!printing) dc.FillSolidRect(&GetAreaRect(), GetSysColor(COLOR_WINDOW));
-    CPen pen(PS_SOLID, 1, printing ? RGB(0, 0, 0) : GetSysColor(COLOR_WINDOWTEXT));
+    CPen pen;
+    orvik::MakeAxisPen(pen, 1, GetDpi(), printing ? RGB(0, 0, 0) : GetSysColor(COLOR_WINDOWTEXT));
     CPen* const before = dc.SelectObject(&pen);
     const UINT align = dc.GetTextAlign();
     const int mode = dc.SetBkMode(TRANSPARENT);
@@ -71,15 +75,15 @@ void CValueAxis::Render(CDC* pDC) {
     };
     dc.MoveTo(m_position, m_start);
     dc.LineTo(m_position, m_end + 1);
-    for (const double value : ticks.small) tick(pixel(value), nSmallDiv);
-    for (const LONG at : large) tick(at, nLargeDiv);
+    for (const double value : ticks.small) tick(pixel(value), OrvikScale(nSmallDiv, GetDpi()));
+    for (const LONG at : large) tick(at, OrvikScale(nLargeDiv, GetDpi()));
     dc.SetTextAlign((side < 0 ? TA_RIGHT : TA_LEFT) | TA_TOP);
     const auto write = [&](LONG x, LONG y, const std::string& text) {
         dc.TextOut(x, y, text.c_str(), static_cast<int>(text.size()));
     };
     for (size_t i = 0; i < large.size(); ++i)
-        write(m_position + side * LabelDistance(line), large[i] - line / 2, ticks.labels[i]);
-    write(m_position, m_start - HeadHeight(line), ticks.head);
+        write(m_position + side * LabelDistance(line, GetDpi()), large[i] - line / 2, ticks.labels[i]);
+    write(m_position, m_start - HeadHeight(line, GetDpi()), ticks.head);
     dc.SetBkMode(mode);
     dc.SetTextAlign(align);
     dc.SelectObject(before);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "chart/unit_axis.h"
+#include "platform/dpi.h"
 
 class CValueAxis : public CUnitAxis {
 public:
@@ -12,7 +13,7 @@ public:
     // From the line outwards, how wide labels and head are on an axis of so many pixels, in the DC's font.
     LONG WidthFor(const CDC& dc, LONG pixels) const;
     // How high the head stands above the axis, for a line of text: above its highest label.
-    static LONG HeadHeight(LONG line) { return line + line / 2 + 2; }
+    static LONG HeadHeight(LONG line, UINT dpi) { return line + line / 2 + OrvikScale(2, dpi); }
 
     // As CUnitAxis does; labels keep so far from their ticks that none reads as a sign.
     void Render(CDC* pDC) override;

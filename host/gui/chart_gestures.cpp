@@ -10,6 +10,7 @@
 #include "chart/zoom_sel_tracker.h"
 #include "host/gui/chart_window.h"
 #include "host/gui/tag_tracker.h"
+#include "platform/dpi.h"
 
 namespace {
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
@@ -101,7 +102,7 @@ void ChartWindow::DragSelection(CPoint point, CZoomSelection::EHitCode handle) {
 void ChartWindow::DragTag(CPoint point, int tag) {
     const ViewParts parts = m_scene.Parts();
     Drag drag(*this);
-    TagTracker tracker(parts.plot, parts.tags[static_cast<size_t>(tag)]);
+    TagTracker tracker(parts.plot, parts.tags[static_cast<size_t>(tag)], OrvikScale(1, parts.dpi));
     if (drag.Track(tracker, point) == 2)
         Do(Text::StepMoveTag, TagMoved(m_document.State(), parts, static_cast<size_t>(tag), tracker.Corner()));
 }

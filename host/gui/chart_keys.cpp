@@ -1,10 +1,11 @@
 // What keys and commands do in the chart: with what has the focus, or with the plot.
 #include "chart/tracker.h"
 #include "host/gui/chart_window.h"
+#include "platform/dpi.h"
 
 namespace {
 constexpr double kPan = 0.1;
-constexpr LONG kTagStep = 8, kSelectionStep = 8;
+constexpr LONG kTagStep = 8, kSelectionStep = 8;  // pixels at 96 dots an inch
 
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
 }  // namespace
@@ -96,12 +97,13 @@ void ChartWindow::MoveFocus(int dx, int dy, bool shift, bool control) {
         Do(one ? Text::StepStretchAxis : Text::StepPan, next);
     } else if (m_focus.kind == Focus::Tag) {
         const RECT& tag = parts.tags[static_cast<size_t>(m_focus.index)];
-        const LONG step = shift ? 1 : kTagStep;
+        const LONG step = shift ? 1 : OrvikScale(kTagStep, parts.dpi);
         Do(Text::StepMoveTag,
            TagMoved(state, parts, static_cast<size_t>(m_focus.index), {tag.left + dx * step, tag.top + dy * step}));
     } else {
         CRect rect = parts.selection.GetPosition();
-        const CPoint by(dx * kSelectionStep, dy * kSelectionStep);
+        const int step = OrvikScale(kSelectionStep, parts.dpi);
+        const CPoint by(dx * step, dy * step);
         if (shift) {
             rect.right += by.x, rect.bottom += by.y;
         } else {

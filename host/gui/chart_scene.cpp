@@ -4,9 +4,12 @@
 #include <cmath>
 
 #include "host/gui/pane_font.h"
+#include "platform/dpi.h"
 
 namespace {
-constexpr LONG kZoomBand = 10;  // pixels from an axis's line outwards in which a drag selects an interval
+// Pixels at 96 dots an inch.
+constexpr int kZoomBand = 10;  // from an axis's line outwards, in which a drag selects an interval
+constexpr int kFocusGap = 3;   // between the selection and its focus
 
 RECT Rect(LONG left, LONG top, LONG right, LONG bottom) { return {left, top, std::max(left, right), std::max(top, bottom)}; }
 
@@ -117,13 +120,14 @@ void ChartScene::ApplyRanges() {
     }
 }
 
-void ChartScene::Draw(CDC& dc, const RECT& bounds, Focus focus) {
+void ChartScene::Draw(CDC& dc, const RECT& bounds, Focus focus, UINT dpi) {
     if (m_view == nullptr) return;
     m_bounds = bounds;
+    m_dpi = dpi;
     if (!m_live) ApplyRanges();
     m_model->SetTags(m_state.tags);
     m_view->SetFocusedTag(focus.kind == Focus::Tag ? focus.index : -1);
-    m_view->Draw(dc, bounds);
+    m_view->Draw(dc, bounds, dpi);
     FindParts();
     if (m_parts.selected) m_parts.selection.Draw(&dc);
     DrawFocus(dc, focus);
@@ -134,13 +138,15 @@ void ChartScene::FindParts() {
     const RECT& plot = layout.plot;
     m_parts = {};
     m_parts.plot = plot;
+    m_parts.dpi = m_dpi;
+    const LONG band = OrvikScale(kZoomBand, m_dpi);
     for (const Session::Channel& channel : m_session->Channels())
         m_parts.channels.push_back(
             {channel.key, m_view->MappingOf(*m_model->UnitOf(channel.key)), m_model->FrameOf(channel.key)});
 
     CTimeAxis& time = m_view->TimeAxis();
     if (layout.timeArea.bottom > layout.timeArea.top) {
-        m_parts.time.zoom = Rect(plot.left, plot.bottom, plot.right, std::min(plot.bottom + kZoomBand, layout.timeArea.bottom));
+        m_parts.time.zoom = Rect(plot.left, plot.bottom, plot.right, std::min(plot.bottom + band, layout.timeArea.bottom));
         m_parts.time.rubber = Rect(plot.left, m_parts.time.zoom.bottom, plot.right, layout.timeArea.bottom);
     }
     m_parts.time.mapping = time.GetMapping();
@@ -157,8 +163,8 @@ void ChartScene::FindParts() {
         part.mapping = axis.GetMapping();
         const RECT& area = place.area;
         const LONG line = place.position;
-        part.zoom = place.left ? Rect(std::max(area.left, line - kZoomBand), plot.top, line + 1, plot.bottom)
-                               : Rect(line, plot.top, std::min(area.right, line + kZoomBand + 1), plot.bottom);
+        part.zoom = place.left ? Rect(std::max(area.left, line - band), plot.top, line + 1, plot.bottom)
+                               : Rect(line, plot.top, std::min(area.right, line + band + 1), plot.bottom);
         part.rubber = place.left ? Rect(area.left, plot.top, part.zoom.left, plot.bottom)
                                  : Rect(part.zoom.right, plot.top, area.right, plot.bottom);
         part.drag = Rect(area.left, std::min(area.top, plot.top), area.right, plot.top);
@@ -175,6 +181,7 @@ void ChartScene::FindParts() {
 
     m_parts.tags = m_view->TagRects();
     m_parts.selected = m_state.selection.has_value();
+    m_parts.selection.SetDpi(m_dpi);
     if (m_parts.selected) m_parts.selection.SetPosition(SelectionOf(*m_state.selection, plot));
 }
 
@@ -185,7 +192,7 @@ void ChartScene::DrawFocus(CDC& dc, Focus focus) const {
         UnionRect(&rect, &axis.rubber, &axis.zoom);
     } else if (focus.kind == Focus::Selection && m_parts.selected) {
         rect = m_parts.selection.GetPosition();
-        InflateRect(&rect, 3, 3);
+        InflateRect(&rect, OrvikScale(kFocusGap, m_dpi), OrvikScale(kFocusGap, m_dpi));
     } else {
         return;
     }
@@ -205,5 +212,5 @@ std::string ChartScene::ChannelAt(POINT point) const {
 }
 
 LOGFONTA ChartScene::LabelFont() const {
-    return PaneFont(ChartFontHeight(m_bounds.right - m_bounds.left, m_bounds.bottom - m_bounds.top));
+    return PaneFont(ChartFontHeight(m_bounds.right - m_bounds.left, m_bounds.bottom - m_bounds.top, m_dpi));
 }

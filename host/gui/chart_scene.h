@@ -31,7 +31,7 @@ public:
     // While axes are live, their ranges are what the tracker made of them and not the state's.
     void SetLive(bool live) { m_live = live; }
     // Where everything lies is known afterwards, for the same size and state.
-    void Draw(CDC& dc, const RECT& bounds, Focus focus);
+    void Draw(CDC& dc, const RECT& bounds, Focus focus, UINT dpi);
     const ViewParts& Parts() const { return m_parts; }
     // Labels are drawn with it.
     LOGFONTA LabelFont() const;
@@ -64,6 +64,7 @@ private:
     CTypedPtrArray<CPtrArray, CUnitAxis*> m_shown;
     ViewParts m_parts;
     RECT m_bounds = {};
+    UINT m_dpi = 96;
     bool m_live = false;
     int m_generation = 0;
 };

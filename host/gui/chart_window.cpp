@@ -1,6 +1,7 @@
 #include "host/gui/chart_window.h"
 
 #include "host/gui/pane_font.h"
+#include "platform/dpi.h"
 
 BEGIN_MESSAGE_MAP(ChartWindow, CWnd)
 ON_MESSAGE(WM_PAINT, OnPaintMessage)
@@ -84,17 +85,18 @@ void ChartWindow::UpToDate() {
     CClientDC window(this);
     m_picture.Resize(window, client.Size());
     if (m_picture.before == nullptr) return;
+    const UINT dpi = OrvikDpiOf(m_hWnd);
     if (m_scene.HasData()) {
-        m_scene.Draw(m_picture.dc, client, m_focus);
+        m_scene.Draw(m_picture.dc, client, m_focus, dpi);
         if (m_focus != ValidFocus(m_scene.Parts(), m_focus)) {
             m_focus = {};
-            m_scene.Draw(m_picture.dc, client, m_focus);
+            m_scene.Draw(m_picture.dc, client, m_focus, dpi);
         }
         if (m_writing) DrawWriting(m_picture.dc);
     } else {
         m_picture.dc.FillSolidRect(client, RGB(255, 255, 255));
         CFont font;
-        const LOGFONTA description = PaneFont(ChartFontHeight(client.Width(), client.Height()));
+        const LOGFONTA description = PaneFont(ChartFontHeight(client.Width(), client.Height(), dpi));
         font.CreateFontIndirect(&description);
         CFont* const before = m_picture.dc.SelectObject(&font);
         m_picture.dc.SetTextColor(RGB(90, 90, 90));
@@ -121,7 +123,7 @@ LRESULT ChartWindow::OnSized(WPARAM, LPARAM) {
 }
 
 void ChartWindow::DrawOn(CDC& dc, const RECT& bounds) {
-    m_scene.Draw(dc, bounds, {});
+    m_scene.Draw(dc, bounds, {}, USER_DEFAULT_SCREEN_DPI);
     Redraw();  // the parts are those of the other size now
 }
 

@@ -40,6 +40,8 @@ public:
     // Around a change of the session's readings.
     void BeforeReadings() { m_scene.SetData(nullptr, nullptr); }
     void AfterReadings();
+    // The window has come to a screen of other dots an inch.
+    void DpiChanged() { Redraw(); }
 
     bool IsDragging() const { return m_dragging; }
     bool IsWriting() const { return m_writing; }
@@ -56,7 +58,7 @@ public:
     ViewRange ShownTimes() const { return m_scene.RangeOf(kTimeAxis); }
     CTimeAxis& TimeAxis() { return m_scene.TimeAxis(); }
     void Prepare() { UpToDate(); }
-    // The chart at another size, on another DC.
+    // The chart at another size, on another DC, at 96 dots an inch.
     void DrawOn(CDC& dc, const RECT& bounds);
     // What is being written in a tag is kept, or left.
     void EndWriting(bool keep);

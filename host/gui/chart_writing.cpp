@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "host/gui/chart_window.h"
+#include "platform/dpi.h"
 
 namespace {
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
@@ -71,15 +72,16 @@ void ChartWindow::DrawWriting(CDC& dc) const {
     CFont* const before = dc.SelectObject(&font);
     const CSize size = dc.GetTextExtent(m_edit.text.c_str(), static_cast<int>(m_edit.text.size()));
     const CSize height = dc.GetTextExtent("Ag", 2), start = dc.GetTextExtent(m_edit.text.c_str(), static_cast<int>(m_edit.caret));
-    constexpr int kGap = 3, kLeast = 80;
+    const UINT dpi = m_scene.Parts().dpi;
+    const int gap = OrvikScale(3, dpi), least = OrvikScale(80, dpi);
     const RECT& plot = m_scene.Parts().plot;
-    CRect box(m_writtenAt, CSize(std::max<int>(size.cx + 2 * kGap + 1, kLeast), height.cy + 2 * kGap));
+    CRect box(m_writtenAt, CSize(std::max<int>(size.cx + 2 * gap + OrvikScale(1, dpi), least), height.cy + 2 * gap));
     box.OffsetRect(std::min<int>(0, plot.right - box.right), std::min<int>(0, plot.bottom - box.bottom));
     dc.FillSolidRect(box, RGB(255, 255, 255));
     dc.Draw3dRect(box, RGB(0, 0, 0), RGB(0, 0, 0));
     dc.SetTextColor(RGB(0, 0, 0));
     dc.SetBkMode(TRANSPARENT);
-    dc.TextOut(box.left + kGap, box.top + kGap, m_edit.text.c_str(), static_cast<int>(m_edit.text.size()));
-    dc.FillSolidRect(box.left + kGap + start.cx, box.top + kGap, 1, height.cy, RGB(0, 0, 0));
+    dc.TextOut(box.left + gap, box.top + gap, m_edit.text.c_str(), static_cast<int>(m_edit.text.size()));
+    dc.FillSolidRect(box.left + gap + start.cx, box.top + gap, OrvikScale(1, dpi), height.cy, RGB(0, 0, 0));
     dc.SelectObject(before);
 }

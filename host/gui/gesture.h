@@ -30,6 +30,7 @@ struct ViewParts {
     std::vector<RECT> tags;  // as many as the state has, in the order of drawing
     CZoomSelection selection;
     bool selected = false;
+    UINT dpi = 96;  // dots an inch of the window
 };
 
 enum class Spot { Nowhere, Plot, Selection, Tag, AxisZoom, AxisRubber, AxisDrag };

@@ -6,15 +6,19 @@
 #include "chart/split_bar_trackers.h"
 #include "frame/app_stock.h"
 #include "host/gui/pane_font.h"
+#include "platform/dpi.h"
 
 namespace {
-constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kKeyStep = 8;
+// Pixels at 96 dots an inch.
+constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kKeyStep = 8, kFontHeight = 13;
+constexpr LONG kTextMargin = 8, kTextGap = 16;  // of the line at the bottom
 }  // namespace
 
 BEGIN_MESSAGE_MAP(MainWindow, CWnd)
 ON_MESSAGE(WM_PAINT, OnPaintMessage)
 ON_MESSAGE(WM_ERASEBKGND, OnErase)
 ON_MESSAGE(WM_SIZE, OnSized)
+ON_MESSAGE(WM_DPICHANGED, OnDpi)
 ON_MESSAGE(WM_LBUTTONDOWN, OnPress)
 ON_MESSAGE(WM_MOUSEMOVE, OnPointer)
 ON_MESSAGE(WM_SETCURSOR, OnCursor)
@@ -44,7 +48,7 @@ void MainWindow::CreateWindowOf(SIZE client, int show) {
         throw Failure{kFileFailed, Say(Text::NoWindow)};
     MakeMenu();
     if (!m_chart.CreatePane(m_hWnd) || !m_list.CreatePane(m_hWnd)) throw Failure{kFileFailed, Say(Text::NoWindow)};
-    SetClientSize(client);
+    SetClientSize({Scaled(client.cx), Scaled(client.cy)});
     UpdateTitle();
     UpdateMenu();
     ::ShowWindow(m_hWnd, show);
@@ -56,12 +60,12 @@ void MainWindow::SetClientSize(SIZE client) {
     ::AdjustWindowRectEx(&rect, static_cast<DWORD>(::GetWindowLongPtrA(m_hWnd, GWL_STYLE)), ::GetMenu(m_hWnd) != nullptr, 0);
     ::SetWindowPos(m_hWnd, nullptr, 0, 0, rect.right - rect.left, rect.bottom - rect.top,
                    SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    // A menu that needs two lines takes room of the client area.
+    // A menu that needs two lines takes room of the client area, and frames are thicker on some screens.
     RECT now = {};
     ::GetClientRect(m_hWnd, &now);
-    if (now.bottom != client.cy && now.bottom > 0)
-        ::SetWindowPos(m_hWnd, nullptr, 0, 0, rect.right - rect.left, rect.bottom - rect.top + client.cy - now.bottom,
-                       SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    if ((now.right != client.cx || now.bottom != client.cy) && now.bottom > 0)
+        ::SetWindowPos(m_hWnd, nullptr, 0, 0, rect.right - rect.left + client.cx - now.right,
+                       rect.bottom - rect.top + client.cy - now.bottom, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     Layout();
 }
 
@@ -99,21 +103,21 @@ void MainWindow::UpdateTitle() {
 LONG MainWindow::PaneWidth() const {
     RECT client = {};
     ::GetClientRect(m_hWnd, &client);
-    const LONG most = client.right - kBar - kLeastChart;
-    return std::max<LONG>(std::min(std::max(m_document.State().pane, kLeastPane), most), 0);
+    const LONG most = client.right - Scaled(kBar) - Scaled(kLeastChart);
+    return std::max<LONG>(std::min(Scaled(std::max(m_document.State().pane, kLeastPane)), most), 0);
 }
 
 RECT MainWindow::BarRect() const {
     RECT client = {};
     ::GetClientRect(m_hWnd, &client);
-    const LONG left = std::max<LONG>(client.right - PaneWidth() - kBar, 0);
-    return {left, 0, std::min(left + kBar, client.right), std::max<LONG>(client.bottom - kStatus, 0)};
+    const LONG bar = Scaled(kBar), left = std::max<LONG>(client.right - PaneWidth() - bar, 0);
+    return {left, 0, std::min(left + bar, client.right), StatusRect().top};
 }
 
 RECT MainWindow::StatusRect() const {
     RECT client = {};
     ::GetClientRect(m_hWnd, &client);
-    return {0, std::max<LONG>(client.bottom - kStatus, 0), client.right, client.bottom};
+    return {0, std::max<LONG>(client.bottom - Scaled(kStatus), 0), client.right, client.bottom};
 }
 
 void MainWindow::Layout() {
@@ -135,11 +139,23 @@ void MainWindow::Layout() {
 
 void MainWindow::SetPaneWidth(LONG width) {
     ViewState next = m_document.State();
-    next.pane = std::max(width, kLeastPane);
+    next.pane = std::max<LONG>(OrvikUnscale(width, OrvikDpiOf(m_hWnd)), kLeastPane);
     Do(Text::StepPane, next);
 }
 
 LRESULT MainWindow::OnSized(WPARAM, LPARAM) {
+    Layout();
+    return 0;
+}
+
+LONG MainWindow::Scaled(LONG pixels) const { return OrvikScale(pixels, OrvikDpiOf(m_hWnd)); }
+
+LRESULT MainWindow::OnDpi(WPARAM, LPARAM lParam) {
+    m_list.DpiChanged();
+    m_chart.DpiChanged();
+    const RECT& place = *reinterpret_cast<const RECT*>(lParam);
+    ::SetWindowPos(m_hWnd, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
     Layout();
     return 0;
 }
@@ -149,23 +165,24 @@ LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
     const COLORREF face = ::GetSysColor(COLOR_BTNFACE), shadow = ::GetSysColor(COLOR_BTNSHADOW);
     const CRect bar = BarRect(), status = StatusRect();
     dc.FillSolidRect(bar, m_barFocus && ::GetFocus() == m_hWnd ? ::GetSysColor(COLOR_HIGHLIGHT) : face);
-    dc.FillSolidRect(bar.left, bar.top, 1, bar.Height(), shadow);
-    dc.FillSolidRect(bar.right - 1, bar.top, 1, bar.Height(), shadow);
+    const int line = Scaled(1);
+    dc.FillSolidRect(bar.left, bar.top, line, bar.Height(), shadow);
+    dc.FillSolidRect(bar.right - line, bar.top, line, bar.Height(), shadow);
     dc.FillSolidRect(status, face);
-    dc.FillSolidRect(status.left, status.top, status.Width(), 1, shadow);
-    const LOGFONTA description = PaneFont(13);
+    dc.FillSolidRect(status.left, status.top, status.Width(), line, shadow);
+    const LOGFONTA description = PaneFont(Scaled(kFontHeight));
     CFont font;
     font.CreateFontIndirect(&description);
     CFont* const before = dc.SelectObject(&font);
     dc.SetTextColor(RGB(0, 0, 0));
     dc.SetBkMode(TRANSPARENT);
     CRect text = status;
-    text.DeflateRect(8, 0);
+    text.DeflateRect(Scaled(kTextMargin), 0);
     const int width =
         m_status.empty() ? 0 : static_cast<int>(dc.GetTextExtent(m_status.c_str(), static_cast<int>(m_status.size())).cx);
     const UINT format = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
     dc.DrawText(m_status.c_str(), static_cast<int>(m_status.size()), text, format | DT_RIGHT);
-    text.right = std::max<LONG>(text.right - width - 16, text.left);
+    text.right = std::max<LONG>(text.right - width - Scaled(kTextGap), text.left);
     dc.DrawText(m_hint.c_str(), static_cast<int>(m_hint.size()), text, format);
     dc.SelectObject(before);
     return 0;
@@ -186,8 +203,9 @@ LRESULT MainWindow::OnPress(WPARAM, LPARAM lParam) {
     ::UpdateWindow(m_hWnd);
     RECT client = {};
     ::GetClientRect(m_hWnd, &client);
-    CVertSplitBarTracker tracker(
-        {kLeastChart, bar.top, std::max<LONG>(client.right - kBar - kLeastPane, kLeastChart), bar.bottom}, bar);
+    CVertSplitBarTracker tracker({Scaled(kLeastChart), bar.top,
+                                  std::max(client.right - Scaled(kBar) - Scaled(kLeastPane), Scaled(kLeastChart)), bar.bottom},
+                                 bar);
     const HWND window = m_hWnd;
     m_dragging = true;
     const int result = tracker.TrackCursor(this, point);
@@ -195,7 +213,7 @@ LRESULT MainWindow::OnPress(WPARAM, LPARAM lParam) {
     if (!::IsWindow(window)) return 0;
     RECT end = {};
     tracker.GetRect(&end);
-    if (result == 2) SetPaneWidth(client.right - kBar - end.left);
+    if (result == 2) SetPaneWidth(client.right - Scaled(kBar) - end.left);
     OnDragEnd();
     return 0;
 }
@@ -246,7 +264,7 @@ void MainWindow::OnPaneKey(WORD key) {
 LRESULT MainWindow::OnKey(WPARAM wParam, LPARAM) {
     const auto key = static_cast<WORD>(wParam);
     if (m_barFocus && (key == VK_LEFT || key == VK_RIGHT)) {
-        SetPaneWidth(PaneWidth() + (key == VK_LEFT ? kKeyStep : -kKeyStep));
+        SetPaneWidth(PaneWidth() + (key == VK_LEFT ? Scaled(kKeyStep) : -Scaled(kKeyStep)));
     } else {
         OnPaneKey(key);
     }

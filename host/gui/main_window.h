@@ -23,7 +23,8 @@ public:
     MainWindow(CHostApp& app, Manner manner);
     ~MainWindow() override;
 
-    // Sizes are those of the client area. A Failure if the system makes no window.
+    // Sizes are those of the client area; at first in pixels at 96 dots an inch, then in the window's own. A Failure if the
+    // system makes no window.
     void CreateWindowOf(SIZE client, int show);
     void SetClientSize(SIZE client);
 
@@ -57,6 +58,7 @@ protected:
     LRESULT OnPaintMessage(WPARAM, LPARAM);
     LRESULT OnErase(WPARAM, LPARAM) { return 1; }
     LRESULT OnSized(WPARAM, LPARAM);
+    LRESULT OnDpi(WPARAM, LPARAM);
     LRESULT OnPress(WPARAM, LPARAM);
     LRESULT OnPointer(WPARAM, LPARAM);
     LRESULT OnCursor(WPARAM, LPARAM);
@@ -107,6 +109,7 @@ private:
     void DocumentChanged();
     void StateChanged();
     void Layout();
+    LONG Scaled(LONG pixels) const;  // from 96 dots an inch to the window's
     LONG PaneWidth() const;
     void SetPaneWidth(LONG width);
     void NextPane(bool backwards);

@@ -9,6 +9,7 @@
 #include "host/gui/unsaved_recording.h"
 #include "host/logger/logger_file.h"
 #include "host/session/database_file.h"
+#include "platform/dpi.h"
 #include "platform/picture.h"
 
 namespace {
@@ -116,7 +117,8 @@ bool MainWindow::SavePicture(const std::string& path, SIZE size) {
 SIZE MainWindow::ChartSize() const {
     CRect client;
     ::GetClientRect(m_chart.m_hWnd, &client);
-    return client.IsRectEmpty() ? SIZE{1600, 900} : SIZE{client.Width(), client.Height()};
+    const UINT dpi = OrvikDpiOf(m_hWnd);  // pictures have 96, wherever they are made
+    return client.IsRectEmpty() ? SIZE{1600, 900} : SIZE{OrvikUnscale(client.Width(), dpi), OrvikUnscale(client.Height(), dpi)};
 }
 
 void MainWindow::WritePicture(const std::string& path, SIZE size, WorkProgress& progress) {

@@ -4,7 +4,7 @@
 
 #include "afx/dc.h"
 
-TagTracker::TagTracker(const RECT& plot, const RECT& tag) : m_tag(tag) {
+TagTracker::TagTracker(const RECT& plot, const RECT& tag, int line) : m_tag(tag), m_line(line) {
     SetConstrainRect({plot.left, plot.top, std::max(plot.left, plot.right - 1 - (tag.right - tag.left)),
                       std::max(plot.top, plot.bottom - 1 - (tag.bottom - tag.top))});
     SetClipRect(plot);
@@ -17,8 +17,8 @@ void TagTracker::OnTrack(CDC* dc, UINT code, CPoint point) {
     if (code == TRACK_REPEAT) return;
     const CRect frame(point, CSize(m_tag.right - m_tag.left, m_tag.bottom - m_tag.top));
     // By inverting, so that a second call takes it away.
-    dc->InvertRect(CRect(frame.left, frame.top, frame.right, frame.top + 1));
-    dc->InvertRect(CRect(frame.left, frame.bottom - 1, frame.right, frame.bottom));
-    dc->InvertRect(CRect(frame.left, frame.top + 1, frame.left + 1, frame.bottom - 1));
-    dc->InvertRect(CRect(frame.right - 1, frame.top + 1, frame.right, frame.bottom - 1));
+    dc->InvertRect(CRect(frame.left, frame.top, frame.right, frame.top + m_line));
+    dc->InvertRect(CRect(frame.left, frame.bottom - m_line, frame.right, frame.bottom));
+    dc->InvertRect(CRect(frame.left, frame.top + m_line, frame.left + m_line, frame.bottom - m_line));
+    dc->InvertRect(CRect(frame.right - m_line, frame.top + m_line, frame.right, frame.bottom - m_line));
 }

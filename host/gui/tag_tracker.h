@@ -5,8 +5,8 @@
 
 class TagTracker : public CTracker {
 public:
-    // The tag stays within the plot as far as it fits.
-    TagTracker(const RECT& plot, const RECT& tag);
+    // The tag stays within the plot as far as it fits; `line` is how thick its frame is.
+    TagTracker(const RECT& plot, const RECT& tag, int line);
 
     CPoint Corner() const { return m_point; }  // the upper left one, after tracking
 
@@ -15,4 +15,5 @@ public:
 
 private:
     RECT m_tag;
+    int m_line;
 };

@@ -7,10 +7,12 @@
 #include "frame/app_stock.h"
 #include "host/gui/pane_font.h"
 #include "host/session/value_text.h"
+#include "platform/dpi.h"
 
 namespace {
+// Pixels at 96 dots an inch.
 constexpr LONG kStandardWidths[ValueList::kColumns] = {140, 80, 60};
-constexpr LONG kGrip = 4, kWidest = 4096, kKeyStep = 8;
+constexpr LONG kGrip = 4, kWidest = 4096, kKeyStep = 8, kFontHeight = 13;
 constexpr Text kHeads[ValueList::kColumns] = {Text::HeadChannel, Text::HeadValue, Text::HeadUnit};
 
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
@@ -58,12 +60,23 @@ BOOL ValueList::CreatePane(HWND parent) {
         WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER;
     if (!Create(style, CRect(0, 0, 0, 0), CWnd::FromHandle(parent), 1)) return FALSE;
     SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
-    const LOGFONTA description = PaneFont(13);
-    m_font.CreateFontIndirect(&description);
-    SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(m_font.m_hObject), FALSE);
     for (size_t i = 0; i < kColumns; ++i)
-        InsertColumn(static_cast<int>(i), Say(kHeads[i]).c_str(), i == 1 ? LVCFMT_RIGHT : LVCFMT_LEFT, kStandardWidths[i]);
+        InsertColumn(static_cast<int>(i), Say(kHeads[i]).c_str(), i == 1 ? LVCFMT_RIGHT : LVCFMT_LEFT,
+                     static_cast<int>(Scaled(kStandardWidths[i])));
+    DpiChanged();
     return m_header.SubclassWindow(reinterpret_cast<HWND>(SendMessage(LVM_GETHEADER)));
+}
+
+LONG ValueList::Scaled(LONG pixels) const { return OrvikScale(pixels, OrvikDpiOf(m_hWnd)); }
+
+void ValueList::DpiChanged() {
+    const LOGFONTA description = PaneFont(Scaled(kFontHeight));
+    CFont font;
+    font.CreateFontIndirect(&description);
+    SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(font.m_hObject), TRUE);
+    m_font.DeleteObject();
+    m_font.Attach(font.Detach());
+    Update();
 }
 
 std::vector<LONG> ValueList::WidthsOf(const ViewState& state) {
@@ -119,7 +132,8 @@ void ValueList::Update() {
     if (m_hWnd == nullptr) return;
     const std::vector<LONG> widths = WidthsOf(m_document.State());
     for (size_t i = 0; i < kColumns; ++i) {
-        if (GetColumnWidth(static_cast<int>(i)) != widths[i]) SetColumnWidth(static_cast<int>(i), static_cast<int>(widths[i]));
+        const int width = Scaled(widths[i]);
+        if (GetColumnWidth(static_cast<int>(i)) != width) SetColumnWidth(static_cast<int>(i), width);
     }
     const size_t count = ChannelCount();
     while (m_states.size() > count) {
@@ -158,9 +172,10 @@ void ValueList::Settle() {
 // --- The columns ---
 
 size_t ValueList::EdgeAt(CPoint point) const {
+    const LONG grip = Scaled(kGrip);
     for (size_t column = kColumns; column-- > 0;) {
         const LONG edge = ColumnRect(column).right;
-        if (point.x >= edge - kGrip && point.x < edge + kGrip) return column;
+        if (point.x >= edge - grip && point.x < edge + grip) return column;
     }
     return kColumns;
 }
@@ -171,7 +186,7 @@ void ValueList::DragEdge(size_t column, LONG y) {
     CRect constrain;
     ::GetClientRect(m_hWnd, &constrain);
     const CRect head = ColumnRect(column);
-    constrain.left = head.left + kLeastColumn;
+    constrain.left = head.left + Scaled(kLeastColumn);
     CColSizeTracker tracker(constrain, head);
     const HWND window = m_hWnd;
     m_dragging = true;
@@ -179,7 +194,7 @@ void ValueList::DragEdge(size_t column, LONG y) {
     const int result = tracker.TrackCursor(this, CPoint(head.right, y));
     m_dragging = false;
     if (!::IsWindow(window)) return;
-    if (result == 2) SetWidth(column, tracker.GetWidth());
+    if (result == 2) SetWidth(column, OrvikUnscale(tracker.GetWidth(), OrvikDpiOf(m_hWnd)));
     m_owner.OnDragEnd();
 }
 

@@ -12,7 +12,7 @@
 class ValueList : public CValueListCtrl {
 public:
     static constexpr size_t kColumns = 3;
-    static constexpr LONG kLeastColumn = 24;
+    static constexpr LONG kLeastColumn = 24;  // pixels at 96 dots an inch, as all widths of a state are
     static constexpr COLORREF kHidden = RGB(128, 128, 128), kNoNumber = RGB(200, 0, 0);
 
     ValueList(ViewDocument& document, PaneOwner& owner) : m_document(document), m_owner(owner), m_header(*this) {}
@@ -21,6 +21,8 @@ public:
     BOOL CreatePane(HWND parent);
     // The document's channels, latest values and state; what has not changed is not drawn anew.
     void Update();
+    // The window has come to a screen of other dots an inch.
+    void DpiChanged();
     bool IsDragging() const { return m_dragging; }
     RECT ColumnRect(size_t column) const;  // of the header, in the list's client area
     // The channel that keys are about; nothing without a session.
@@ -65,7 +67,8 @@ private:
     // The column whose right edge is at a place of the header, kColumns for none.
     size_t EdgeAt(CPoint point) const;
     void DragEdge(size_t column, LONG y);
-    void SetWidth(size_t column, LONG width);
+    void SetWidth(size_t column, LONG width);  // at 96 dots an inch
+    LONG Scaled(LONG pixels) const;
     void Toggle(size_t channel);
     void ShowColumnHint();
 

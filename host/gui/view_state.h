@@ -47,8 +47,8 @@ struct ViewState {
     std::vector<Tag> tags;          // their places are such that a file gives them back as they are
     std::optional<Selection> selection;
     std::vector<std::string> hidden;  // names of channels that are not drawn
-    LONG pane = kStandardPane;        // pixels of the value list's width
-    std::vector<LONG> columns;        // pixels of its columns' widths
+    LONG pane = kStandardPane;        // the value list's width, in pixels at 96 dots an inch
+    std::vector<LONG> columns;        // its columns' widths, the same
 
     bool operator==(const ViewState&) const = default;
 

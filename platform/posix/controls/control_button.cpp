@@ -203,11 +203,11 @@ private:
         }
         const bool down = (m_state & BST_PUSHED) != 0 || (m_state & 3) != 0;
         DrawFrameControl(dc, &area, DFC_BUTTON, DFCS_BUTTONPUSH | (down ? DFCS_PUSHED : 0));
-        RECT face = Shrunk(area, 3);
-        if (down) OffsetRect(&face, 1, 1);
+        RECT face = Shrunk(area, Scaled(3));
+        if (down) OffsetRect(&face, Scaled(1), Scaled(1));
         PaintText(dc, face, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
         if (Focused()) {
-            const RECT ring = Shrunk(area, 3);
+            const RECT ring = Shrunk(area, Scaled(3));
             SetTextColor(dc, 0);
             DrawFocusRect(dc, &ring);
         }
@@ -216,13 +216,13 @@ private:
     void PaintCheck(HDC dc, const RECT& client) {
         const HBRUSH background = ParentBrush(dc, WM_CTLCOLORSTATIC);
         FillRect(dc, &client, background);
-        const int size = std::min<int>(13 * std::max(96, GetDeviceCaps(dc, LOGPIXELSX)) / 96, client.bottom - client.top);
+        const int size = std::min<int>(Scaled(13), client.bottom - client.top), gap = Scaled(4);
         RECT box{client.left, client.top + (client.bottom - client.top - size) / 2, client.left + size, 0};
         box.bottom = box.top + size;
-        RECT label{box.right + 4, client.top, client.right, client.bottom};
+        RECT label{box.right + gap, client.top, client.right, client.bottom};
         if (Style() & BS_LEFTTEXT) {
             OffsetRect(&box, client.right - size - client.left, 0);
-            label = {client.left, client.top, box.left - 4, client.bottom};
+            label = {client.left, client.top, box.left - gap, client.bottom};
         }
         UINT state = IsRadio() ? DFCS_BUTTONRADIO : (m_state & 3) == BST_INDETERMINATE ? DFCS_BUTTON3STATE : DFCS_BUTTONCHECK;
         if ((m_state & 3) != 0) state |= DFCS_CHECKED;
@@ -245,10 +245,10 @@ private:
         RECT frame{client.left, client.top + extent.cy / 2, client.right, client.bottom};
         DrawEdge(dc, &frame, EDGE_ETCHED, BF_RECT);
         if (text.empty()) return;
-        RECT label{client.left + 8, client.top, std::min<LONG>(client.left + 10 + extent.cx, client.right - 8),
-                   client.top + extent.cy};
+        RECT label{client.left + Scaled(8), client.top,
+                   std::min<LONG>(client.left + Scaled(10) + extent.cx, client.right - Scaled(8)), client.top + extent.cy};
         FillRect(dc, &label, background);
-        label.left += 1;
+        label.left += Scaled(1);
         PaintText(dc, label, DT_SINGLELINE);
     }
 

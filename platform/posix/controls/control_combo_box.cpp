@@ -131,8 +131,10 @@ protected:
         RECT button = Button();
         DrawFrameControl(dc, &button, DFC_BUTTON, DFCS_BUTTONPUSH | (m_dropped ? DFCS_PUSHED : 0));
         const LONG x = (button.left + button.right) / 2, y = (button.top + button.bottom) / 2;
-        for (LONG i = 0; i < 4; ++i)
-            FillColour(dc, {x - i, y + 2 - i, x + i + 1, y + 3 - i}, GetSysColor(Enabled() ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
+        const int rows = Scaled(4), down = rows / 2;
+        for (LONG i = 0; i < rows; ++i)
+            FillColour(dc, {x - i, y + down - i, x + i + 1, y + down + 1 - i},
+                       GetSysColor(Enabled() ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
         if (m_edit != nullptr) return;
         RECT field = Field();
         if (Focused()) {
@@ -140,7 +142,7 @@ protected:
             SetTextColor(dc, GetSysColor(COLOR_HIGHLIGHTTEXT));
         }
         if (!Enabled()) SetTextColor(dc, GetSysColor(COLOR_GRAYTEXT));
-        field.left += 2;
+        field.left += Scaled(2);
         if (m_items.Has(m_current))
             DrawTextA(dc, m_items[m_current].text.c_str(), -1, &field, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
     }
@@ -149,7 +151,7 @@ private:
     bool HasEdit() const { return (Style() & 3) != CBS_DROPDOWNLIST; }
     RECT Button() const {
         RECT area = Shrunk(Client(), 2);
-        area.left = std::max(area.left, area.right - GetSystemMetrics(SM_CXVSCROLL));
+        area.left = std::max(area.left, area.right - BarWidth());
         return area;
     }
     RECT Field() const {
@@ -160,7 +162,7 @@ private:
     // The closed box is one line high, whatever height it was made with: that counts for the list.
     void Arrange() {
         const RECT client = Client();
-        const int height = LineHeight() + 8;
+        const int height = LineHeight() + Scaled(8);
         if (client.bottom - client.top != height) {
             SetWindowPos(m_window, nullptr, 0, 0, client.right - client.left, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
         }

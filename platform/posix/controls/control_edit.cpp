@@ -454,9 +454,9 @@ private:
     // ---- Where characters are.
     RECT Inner() const {
         RECT inner = Shrunk(Client(), ExStyle() & WS_EX_CLIENTEDGE ? 3 : Bordered() ? 3 : 1);
-        inner.left += m_left + 1;
-        inner.right -= m_right + 1;
-        if (Multiline() && Style() & WS_VSCROLL) inner.right -= GetSystemMetrics(SM_CXVSCROLL);
+        inner.left += m_left + Scaled(1);
+        inner.right -= m_right + Scaled(1);
+        if (Multiline() && Style() & WS_VSCROLL) inner.right -= BarWidth();
         return inner;
     }
     int Page() const {
@@ -466,7 +466,7 @@ private:
     ScrollPart Bar() {
         ScrollPart bar;
         const RECT area = Shrunk(Client(), FrameWidth());
-        bar.place = {area.right - GetSystemMetrics(SM_CXVSCROLL), area.top, area.right, area.bottom};
+        bar.place = {area.right - BarWidth(), area.top, area.right, area.bottom};
         bar.most = static_cast<int>(Lines().size()) - 1;
         bar.page = Page();
         bar.position = m_top;

@@ -76,8 +76,8 @@ protected:
             if (cell.right <= client.left || cell.left >= client.right) continue;
             DrawFrameControl(dc, &cell, DFC_BUTTON, DFCS_BUTTONPUSH | (m_pressed == static_cast<int>(i) ? DFCS_PUSHED : 0));
             cell = RectOf(i);
-            cell.left += 6;
-            cell.right -= 6;
+            cell.left += Scaled(6);
+            cell.right -= Scaled(6);
             UINT format = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
             if ((m_items[i].format & HDF_JUSTIFYMASK) == HDF_RIGHT) format |= DT_RIGHT;
             if ((m_items[i].format & HDF_JUSTIFYMASK) == HDF_CENTER) format |= DT_CENTER;
@@ -125,7 +125,7 @@ private:
     // The column whose right edge is within reach; -1 when none is.
     int DividerAt(POINT at) const {
         for (size_t i = m_items.size(); i-- > 0;)
-            if (std::abs(at.x - RectOf(i).right) <= 4) return static_cast<int>(i);
+            if (std::abs(at.x - RectOf(i).right) <= Scaled(4)) return static_cast<int>(i);
         return -1;
     }
     int ItemAt(POINT at) const {

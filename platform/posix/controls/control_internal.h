@@ -15,6 +15,7 @@
 #include "platform/posix/drawing/gdi.h"
 #include "platform/posix/drawing/text_draw.h"
 #include "platform/posix/input/input.h"
+#include "platform/posix/window/dpi.h"
 #include "platform/posix/window/window_paint.h"
 #include "platform/posix/window/window_place.h"
 
@@ -50,6 +51,10 @@ protected:
     LRESULT Notify(NMHDR& header, UINT code) const;  // WM_NOTIFY to the parent; fills the header
     void Invalidate() const;
     void Invalidate(const RECT& part) const;
+
+    // Pixels at 96 dots an inch in those of the window; and how wide its scroll bars are.
+    int Scaled(int pixels) const { return MulDiv(pixels, static_cast<int>(GetDpiForWindow(m_window)), USER_DEFAULT_SCREEN_DPI); }
+    int BarWidth() const { return GetSystemMetricsForDpi(SM_CXVSCROLL, GetDpiForWindow(m_window)); }
 
     HFONT Font() const { return m_font; }
     int LineHeight() const;

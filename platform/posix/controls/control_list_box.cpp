@@ -110,9 +110,9 @@ protected:
             const bool selected = Selected(i);
             if (selected) FillColour(dc, row, GetSysColor(COLOR_HIGHLIGHT));
             SetTextColor(dc, !Enabled() ? GetSysColor(COLOR_GRAYTEXT) : selected ? GetSysColor(COLOR_HIGHLIGHTTEXT) : ink);
-            row.left += 2;
+            row.left += Scaled(2);
             DrawTextA(dc, m_items[i].text.c_str(), -1, &row, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
-            row.left -= 2;
+            row.left -= Scaled(2);
             if (Focused() && i == m_caret) DrawFocusRect(dc, &row);
         }
     }
@@ -192,7 +192,7 @@ private:
 
     RECT Inner() const {
         RECT inner = Shrunk(Client(), FrameWidth());
-        if (m_items.Count() > (inner.bottom - inner.top) / LineHeight()) inner.right -= GetSystemMetrics(SM_CXVSCROLL);
+        if (m_items.Count() > (inner.bottom - inner.top) / LineHeight()) inner.right -= BarWidth();
         return inner;
     }
     int Page() const {
@@ -202,7 +202,7 @@ private:
     ScrollPart Bar() const {
         const RECT inner = Inner();
         ScrollPart bar;
-        bar.place = {inner.right, inner.top, inner.right + GetSystemMetrics(SM_CXVSCROLL), inner.bottom};
+        bar.place = {inner.right, inner.top, inner.right + BarWidth(), inner.bottom};
         bar.most = m_items.Count() - 1;
         bar.page = Page();
         bar.position = m_top;

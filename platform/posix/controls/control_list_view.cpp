@@ -13,6 +13,22 @@ T& At(LPARAM lParam) {
 }
 }  // namespace
 
+// Lists begin with the desktop's font, not with the system's as other controls do.
+void ListView::TakeStandardFont() {
+    const HFONT before = m_ownFont ? m_standard : nullptr;
+    const UINT dpi = GetDpiForWindow(m_window);
+    m_standard = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+    m_ownFont = dpi != USER_DEFAULT_SCREEN_DPI;
+    if (m_ownFont) {
+        NONCLIENTMETRICSA metrics{};
+        metrics.cbSize = sizeof metrics;
+        SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi);
+        m_standard = CreateFontIndirectA(&metrics.lfMessageFont);
+    }
+    SendMessageA(m_window, WM_SETFONT, reinterpret_cast<WPARAM>(m_standard), FALSE);
+    if (before != nullptr) DeleteObject(before);
+}
+
 LRESULT ListView::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     const auto index = static_cast<int>(wParam);
     switch (message) {
@@ -21,10 +37,15 @@ LRESULT ListView::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             const DWORD visible = Style() & LVS_NOCOLUMNHEADER ? 0 : WS_VISIBLE;
             m_header = CreateWindowExA(0, WC_HEADERA, nullptr, WS_CHILD | HDS_HORZ | HDS_FULLDRAG | sortable | visible, 0, 0, 0,
                                        0, m_window, nullptr, nullptr, nullptr);
-            // Lists begin with the desktop's font, not with the system's as other controls do.
-            SendMessageA(m_window, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+            TakeStandardFont();
             return 0;
         }
+        case WM_NCDESTROY:
+            if (std::exchange(m_ownFont, false)) DeleteObject(m_standard);
+            break;
+        case WM_DPICHANGED_BEFOREPARENT:
+            if (m_font == m_standard) TakeStandardFont();
+            return 0;
         case WM_SETFONT:
             Control::Handle(message, wParam, lParam);
             SendMessageA(m_header, WM_SETFONT, wParam, lParam);

@@ -14,7 +14,7 @@ RECT ScrollPart::Thumb() const {
     const LONG arrow = Arrow(), length = Length() - 2 * arrow;
     const long long range = std::max(1LL, static_cast<long long>(most) - least + 1);
     LONG thumb = page > 0 ? static_cast<LONG>(length * static_cast<long long>(page) / range) : arrow;
-    thumb = std::min(std::max<LONG>(thumb, 8), std::max<LONG>(length, 0));
+    thumb = std::min(std::max<LONG>(thumb, 2 * ArrowLines()), std::max<LONG>(length, 0));
     const long long way = static_cast<long long>(Most()) - least;
     const LONG at =
         arrow + (way > 0 ? static_cast<LONG>((length - thumb) * (static_cast<long long>(position) - least) / way) : 0);
@@ -77,8 +77,9 @@ void ScrollPart::Paint(HDC dc) const {
     for (const bool up : {true, false}) {
         const RECT& box = up ? first : last;
         const LONG x = (box.left + box.right) / 2, y = (box.top + box.bottom) / 2;
-        for (LONG i = 0; i < 4; ++i) {
-            const LONG along = (up ? -1 : 1) * (1 - i);
+        const LONG lines = ArrowLines();
+        for (LONG i = 0; i < lines; ++i) {
+            const LONG along = (up ? -1 : 1) * (lines / 4 - i);
             const RECT line =
                 vertical ? RECT{x - i, y + along, x + i + 1, y + along + 1} : RECT{x + along, y - i, x + along + 1, y + i + 1};
             FillColour(dc, line, ink);

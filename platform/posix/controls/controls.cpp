@@ -23,10 +23,12 @@ void DrawRing(HDC dc, RECT& rect, UINT sides, int upper, int lower) {
 }
 
 void DrawCheckMark(HDC dc, const RECT& box, int color) {
-    // Seven columns of three pixels, two down and four up.
-    const int left = (box.left + box.right) / 2 - 4, top = (box.top + box.bottom) / 2 - 1;
+    // Seven columns of three pixels, two down and four up, in a box of nine; larger ones have it larger by whole pixels.
+    const int n = std::max(1, (box.right - box.left) / 9);
+    const int left = (box.left + box.right) / 2 - 4 * n, top = (box.top + box.bottom) / 2 - n;
     constexpr int kRows[] = {0, 1, 2, 1, 0, -1, -2};
-    for (int i = 0; i < 7; ++i) FillPart(dc, {left + i, top + kRows[i] - 1, left + i + 1, top + kRows[i] + 2}, color);
+    for (int i = 0; i < 7; ++i)
+        FillPart(dc, {left + i * n, top + (kRows[i] - 1) * n, left + (i + 1) * n, top + (kRows[i] + 2) * n}, color);
 }
 
 }  // namespace

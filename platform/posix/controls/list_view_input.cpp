@@ -6,7 +6,7 @@
 
 namespace orvik::detail {
 
-int ListView::RowHeight() const { return LineHeight() + 2; }
+int ListView::RowHeight() const { return LineHeight() + Scaled(2); }
 
 int ListView::ContentWidth() const {
     int width = 0;
@@ -17,9 +17,9 @@ int ListView::ContentWidth() const {
 ListView::Layout ListView::Places() const {
     Layout out{};
     const RECT area = Shrunk(Client(), FrameWidth());
-    const int height = RowHeight(), bar = GetSystemMetrics(SM_CXVSCROLL);
+    const int height = RowHeight(), bar = BarWidth();
     out.header = area;
-    out.header.bottom = Style() & LVS_NOCOLUMNHEADER ? area.top : std::min<LONG>(area.top + height + 4, area.bottom);
+    out.header.bottom = Style() & LVS_NOCOLUMNHEADER ? area.top : std::min<LONG>(area.top + height + Scaled(4), area.bottom);
     out.rows = area;
     out.rows.top = out.header.bottom;
     const int content = ContentWidth();
@@ -177,10 +177,10 @@ LRESULT ListView::Key(WPARAM key) {
             to = at < m_top + page - 1 ? std::min(last, m_top + page - 1) : std::min(last, at + page - 1);
             break;
         case VK_LEFT:
-            ScrollTo(m_top, m_shift - 10);
+            ScrollTo(m_top, m_shift - Scaled(10));
             return 0;
         case VK_RIGHT:
-            ScrollTo(m_top, m_shift + 10);
+            ScrollTo(m_top, m_shift + Scaled(10));
             return 0;
         case VK_SPACE:
             if (Has(at) && control) {
@@ -236,7 +236,9 @@ LRESULT ListView::Press(WPARAM keys, POINT at, bool second) {
         if (code == SB_THUMBTRACK)
             m_dragged = 2, SetCapture(m_window);
         else
-            ScrollTo(m_top, code == SB_LINEUP ? m_shift - 10 : code == SB_LINEDOWN ? m_shift + 10 : places.across.After(code));
+            ScrollTo(m_top, code == SB_LINEUP     ? m_shift - Scaled(10)
+                            : code == SB_LINEDOWN ? m_shift + Scaled(10)
+                                                  : places.across.After(code));
         return 0;
     }
     LVHITTESTINFO hit{};

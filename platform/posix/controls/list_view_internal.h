@@ -80,6 +80,7 @@ private:
     void ScrollTo(int top, int shift);
     LRESULT EnsureVisible(int row, bool partial);
     void Arrange();
+    void TakeStandardFont();
 
     // Input.
     LRESULT Key(WPARAM key);
@@ -98,6 +99,8 @@ private:
     std::vector<Row> m_rows;
     std::vector<Column> m_columns;
     HWND m_header = nullptr;
+    HFONT m_standard = nullptr;  // what the list began with, and has until it is given another
+    bool m_ownFont = false;
     int m_focused = -1, m_mark = -1, m_selected = 0;
     int m_top = 0, m_shift = 0;  // the first row in sight; pixels scrolled off at the left
     COLORREF m_back = GetSysColor(COLOR_WINDOW), m_ink = GetSysColor(COLOR_WINDOWTEXT), m_textBack = GetSysColor(COLOR_WINDOW);

@@ -91,8 +91,8 @@ void ListView::PaintRow(HDC dc, int row, const Layout& places, bool custom) {
         UINT flags = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
         if (format == LVCFMT_RIGHT) flags |= DT_RIGHT;
         if (format == LVCFMT_CENTER) flags |= DT_CENTER;
-        cell.left += 4;
-        cell.right -= 4;
+        cell.left += Scaled(4);
+        cell.right -= Scaled(4);
         const std::string text = TextOf(row, column);
         if (cell.left < cell.right) DrawTextA(dc, text.c_str(), static_cast<int>(text.size()), &cell, flags);
         if (said & CDRF_NEWFONT) SelectObject(dc, font);

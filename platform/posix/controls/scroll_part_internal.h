@@ -26,6 +26,10 @@ struct ScrollPart {
 private:
     LONG Length() const { return vertical ? place.bottom - place.top : place.right - place.left; }
     LONG Arrow() const { return std::min(vertical ? place.right - place.left : place.bottom - place.top, Length() / 2); }
+    // How high an arrow is: 4 in a bar of the usual width, and as much more as a bar is wider.
+    LONG ArrowLines() const {
+        return std::max<LONG>(4, 4 * (vertical ? place.right - place.left : place.bottom - place.top) / 17);
+    }
 };
 
 }  // namespace orvik::detail

@@ -3,20 +3,12 @@
 
 #include <algorithm>
 
-#include "platform/posix/drawing/text_draw.h"
+#include "platform/dpi.h"
 #include "platform/posix/kernel/errors.h"
 
 namespace orvik::detail {
 
 std::shared_ptr<Dialog> DialogOf(HWND window) { return std::dynamic_pointer_cast<Dialog>(ControlOf(window)); }
-
-SIZE UnitsOf(HDC dc) {
-    static constexpr char kLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-    SIZE size{};
-    TEXTMETRICA metrics{};
-    if (!GetTextExtentPoint32A(dc, kLetters, 52, &size) || !GetTextMetricsA(dc, &metrics)) return {8, 16};
-    return {std::max<LONG>(1, (size.cx / 26 + 1) / 2), std::max<LONG>(1, metrics.tmHeight)};
-}
 
 bool IsButton(HWND window, LRESULT codes) { return (SendMessageA(window, WM_GETDLGCODE, 0, 0) & codes) != 0; }
 
@@ -125,6 +117,18 @@ LRESULT Dialog::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_GETFONT:
             return reinterpret_cast<LRESULT>(m_font);
+        case WM_GETDPISCALEDSIZE:
+            return SuggestSize(static_cast<UINT>(wParam), *reinterpret_cast<SIZE*>(lParam));
+        case WM_DPICHANGED: {
+            Rescale();
+            const RECT& place = *reinterpret_cast<const RECT*>(lParam);
+            SetWindowPos(m_window, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                         SWP_NOZORDER | SWP_NOACTIVATE);
+            return 0;
+        }
+        case WM_DPICHANGED_BEFOREPARENT:
+            Rescale();  // its own place is its parent's business
+            return 0;
         case WM_NCDESTROY:
             if (ownFont != nullptr) DeleteObject(std::exchange(ownFont, nullptr));
             ended = true;
@@ -135,18 +139,10 @@ LRESULT Dialog::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     return DefWindowProcA(m_window, message, wParam, lParam);
 }
 
-namespace {
-// The window that a modal dialog over `parent` disables.
-HWND OwnerOf(HWND parent) {
-    if (parent == nullptr) return nullptr;
-    const HWND root = GetAncestor(parent, GA_ROOT);
-    return root != nullptr ? root : parent;
-}
-
-bool CreateItems(HWND window, Dialog& dialog, const DialogTemplate& from, HINSTANCE instance) {
+bool Dialog::CreateItems(const DialogTemplate& from, HINSTANCE instance) {
+    const HWND window = m_window;
     for (const TemplateItem& item : from.items) {
-        RECT place{item.x, item.y, item.x + item.width, item.y + item.height};
-        MapDialogRect(window, &place);
+        const RECT inUnits{item.x, item.y, item.x + item.width, item.y + item.height}, place = InPixels(inUnits, units);
         // An icon's title is a number: it travels as the byte 0xFF and the number's two bytes.
         std::string title = item.title.text;
         if (item.title.number != 0) {
@@ -163,36 +159,33 @@ bool CreateItems(HWND window, Dialog& dialog, const DialogTemplate& from, HINSTA
             if (from.style & DS_NOFAILCREATE) continue;
             return false;
         }
-        if (dialog.ownFont != nullptr) SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(dialog.ownFont), FALSE);
+        if (ownFont != nullptr) SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(ownFont), FALSE);
+        m_placed.push_back({control, inUnits, PlaceIn(window, control)});
         // The first default button counts; any later one looks plain.
         if (!IsButton(control, DLGC_DEFPUSHBUTTON)) continue;
-        if (dialog.DefaultId() == 0)
-            dialog.SetDefault(static_cast<int>(item.id));
+        if (DefaultId() == 0)
+            SetDefault(static_cast<int>(item.id));
         else
             Restyle(control, BS_PUSHBUTTON);
     }
     return true;
 }
 
-HFONT MakeFont(const DialogTemplate& from, HDC dc) {
-    if ((from.style & DS_SETFONT) == 0) return nullptr;
-    LOGFONTA font{};
-    font.lfHeight = -MulDiv(from.points, GetDeviceCaps(dc, LOGPIXELSY), 72);
-    font.lfWeight = from.weight != 0 ? from.weight : FW_NORMAL;
-    font.lfItalic = from.italic;
-    font.lfCharSet = DEFAULT_CHARSET;
-    from.face.copy(font.lfFaceName, LF_FACESIZE - 1);
-    return CreateFontIndirectA(&font);
+namespace {
+// The window that a modal dialog over `parent` disables.
+HWND OwnerOf(HWND parent) {
+    if (parent == nullptr) return nullptr;
+    const HWND root = GetAncestor(parent, GA_ROOT);
+    return root != nullptr ? root : parent;
 }
 
 // Where the dialog stands, in pixels: of the desktop, or of the parent's client area for a child.
 RECT PlaceOf(const DialogTemplate& from, HWND parent, SIZE units, DWORD style) {
-    const auto across = [&](int value) { return MulDiv(value, units.cx, 4); };
-    const auto down = [&](int value) { return MulDiv(value, units.cy, 8); };
-    RECT place{0, 0, across(from.width), down(from.height)};
+    RECT place = InPixels({0, 0, from.width, from.height}, units);
     AdjustWindowRectEx(&place, style, FALSE, from.exStyle);
     const LONG width = place.right - place.left, height = place.bottom - place.top;
-    POINT at{across(from.x), down(from.y)};
+    const RECT corner = InPixels({from.x, from.y, 0, 0}, units);
+    POINT at{corner.left, corner.top};
     if (from.x == static_cast<short>(0x8000)) at = {0, 0};
     if (style & WS_CHILD) return {at.x, at.y, at.x + width, at.y + height};
     if (from.style & DS_CENTER) {
@@ -214,14 +207,8 @@ HWND Create(HINSTANCE instance, const void* bytes, HWND parent, DLGPROC procedur
     DWORD style = from.style;
     if (style & DS_CONTROL) style &= ~(WS_CAPTION | WS_SYSMENU);
     if (!(style & WS_CHILD)) style |= WS_CLIPSIBLINGS;
-    SIZE units;
-    HFONT font;
-    {
-        const MeasuringDc dc(nullptr, nullptr);
-        font = MakeFont(from, dc);
-        if (font != nullptr) SelectObject(dc, font);
-        units = UnitsOf(dc);
-    }
+    const HFONT font = from.style & DS_SETFONT ? MakeFont(from.font, OrvikDpiOf(parent)) : nullptr;
+    const SIZE units = UnitsOf(font);
     const RECT place = PlaceOf(from, parent, units, style);
     const HWND window = CreateWindowExA(from.exStyle,
                                         from.windowClass.number != 0    ? MAKEINTRESOURCEA(from.windowClass.number)
@@ -240,10 +227,13 @@ HWND Create(HINSTANCE instance, const void* bytes, HWND parent, DLGPROC procedur
     }
     dialog->units = units;
     dialog->ownFont = font;
+    if (font != nullptr) dialog->font = from.font;
+    dialog->size = {from.width, from.height};
+    dialog->made = {place.right - place.left, place.bottom - place.top};
     dialog->modal = modal;
     SetWindowLongPtrA(window, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(procedure));
     if (font != nullptr) SendMessageA(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-    if (!CreateItems(window, *dialog, from, instance)) {
+    if (!dialog->CreateItems(from, instance)) {
         if (IsWindow(window)) DestroyWindow(window);
         return nullptr;
     }
@@ -358,8 +348,6 @@ BOOL MapDialogRect(HWND window, LPRECT rectangle) {
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
         return FALSE;
     }
-    const SIZE units = dialog->units;
-    *rectangle = {MulDiv(rectangle->left, units.cx, 4), MulDiv(rectangle->top, units.cy, 8),
-                  MulDiv(rectangle->right, units.cx, 4), MulDiv(rectangle->bottom, units.cy, 8)};
+    *rectangle = InPixels(*rectangle, dialog->units);
     return TRUE;
 }

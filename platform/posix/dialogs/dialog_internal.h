@@ -1,6 +1,7 @@
 // Dialog templates as they are read, and what a dialog keeps beside its window.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,13 +23,17 @@ struct TemplateItem {
     const void* data = nullptr;  // for the control's WM_CREATE; null without
 };
 
+struct DialogFont {
+    int points = 0, weight = 0;
+    bool italic = false;
+    std::string face;
+};
+
 struct DialogTemplate {
     DWORD style = 0, exStyle = 0;
     int x = 0, y = 0, width = 0, height = 0;
     TemplateName windowClass, title;
-    int points = 0, weight = 0;  // the font, with DS_SETFONT
-    bool italic = false;
-    std::string face;
+    DialogFont font;  // with DS_SETFONT
     std::vector<TemplateItem> items;
 };
 
@@ -48,8 +53,15 @@ public:
     int DefaultId() const { return m_default; }
     void SetFocusLater(HWND control) { m_focus = control; }
 
+    // The controls as the template has them, in the font of the window's dots an inch; false when one cannot be made.
+    bool CreateItems(const DialogTemplate& from, HINSTANCE instance);
+    // Font, controls and base units at the window's dots an inch (dialog_scaling.cpp).
+    void Rescale();
+
     SIZE units{8, 16};  // dialog base units in pixels
     HFONT ownFont = nullptr;
+    std::optional<DialogFont> font;  // what `ownFont` is made from
+    SIZE size{}, made{};             // of the client area in dialog units, and what that came to
     bool modal = false, ended = false;
     INT_PTR result = 0;
     HWND owner = nullptr;  // what a modal dialog disabled
@@ -58,16 +70,28 @@ protected:
     void Paint(HDC, const RECT&) override {}
 
 private:
+    // Where the template put a control: in dialog units, and what that came to. Whoever moved it since has taken it over.
+    struct Placed {
+        HWND window;
+        RECT units, pixels;
+    };
+    bool SuggestSize(UINT dpi, SIZE& size) const;
     void SaveFocus();
     void RestoreFocus();
+    std::vector<Placed> m_placed;
     int m_default = 0;
     HWND m_focus = nullptr;
 };
 // Null for a window that is none.
 std::shared_ptr<Dialog> DialogOf(HWND window);
 
-// Base units of a font: the average width of the letters, and the height.
-SIZE UnitsOf(HDC dc);
+HFONT MakeFont(const DialogFont& font, UINT dpi);
+// Base units of a font (the system's for null): the average width of the letters, and the height.
+SIZE UnitsOf(HFONT font);
+// Dialog units in pixels.
+RECT InPixels(const RECT& units, SIZE base);
+RECT PlaceIn(HWND parent, HWND child);  // in the parent's client area
+
 bool IsButton(HWND window, LRESULT codes);  // whether its WM_GETDLGCODE answer has one of the bits
 
 }  // namespace orvik::detail

@@ -139,10 +139,10 @@ DialogTemplate ReadTemplate(const void* bytes) {
     out.windowClass = in.Name();
     out.title = in.Name();
     if (out.style & DS_SETFONT) {
-        out.points = in.Short();
-        out.weight = extended ? in.Short() : FW_NORMAL;
-        if (extended) out.italic = in.Get(1) != 0, in.Get(1);
-        out.face = in.Name().text;
+        out.font.points = in.Short();
+        out.font.weight = extended ? in.Short() : FW_NORMAL;
+        if (extended) out.font.italic = in.Get(1) != 0, in.Get(1);
+        out.font.face = in.Name().text;
     }
     for (int i = 0; i < count; ++i) {
         in.Align();

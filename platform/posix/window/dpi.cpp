@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <algorithm>
 
+#include "platform/dpi.h"
 #include "platform/posix/drawing/display_dots_internal.h"
 #include "platform/posix/kernel/threads.h"
 #include "platform/posix/window/window_internal.h"
@@ -76,4 +77,9 @@ BOOL OrvikSetWindowDpi(HWND root, UINT dpi, const RECT* suggested) {
     TellEach(TreeOf(root), WM_DPICHANGED_AFTERPARENT);
     if (IsWindow(root)) RedrawWindow(root, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
     return TRUE;
+}
+
+UINT OrvikDpiOf(HWND window) {
+    const UINT dpi = window != nullptr ? GetDpiForWindow(window) : 0;
+    return dpi != 0 ? dpi : GetDpiForSystem();
 }

@@ -1,4 +1,5 @@
 // The desktop's measures.
+#include "platform/dpi.h"
 #include "platform/posix/window/dpi.h"
 #include "platform/posix/window/window_internal.h"
 
@@ -61,3 +62,4 @@ int GetSystemMetricsForDpi(int index, UINT dpi) {
 }
 
 int GetSystemMetrics(int index) { return GetSystemMetricsForDpi(index, GetDpiForSystem()); }
+int OrvikMetric(int index, UINT dpi) { return GetSystemMetricsForDpi(index, dpi); }

@@ -7,23 +7,18 @@
 #include "ui/prop_list_dialog.h"
 
 namespace {
-int g_density = 0;  // dots an inch; 0 for what the display says
-}
 
-extern "C" {
-int __real__Z13GetDeviceCapsP5HDC__i(HDC dc, int index);
-int __wrap__Z13GetDeviceCapsP5HDC__i(HDC dc, int index) {
-    if (g_density != 0 && (index == LOGPIXELSX || index == LOGPIXELSY)) return g_density;
-    return __real__Z13GetDeviceCapsP5HDC__i(dc, index);
-}
-}
-
-namespace {
+class Banded : public CProgressDialog {
+public:
+    using CProgressDialog::CProgressDialog;
+    void OnDrawHeader(CDC*, CRect rect) override { band = rect; }
+    CRect band;
+};
 
 class Density : public DialogTest {
 protected:
     void TearDown() override {
-        g_density = 0;
+        OrvikSetSystemDpi(USER_DEFAULT_SCREEN_DPI);
         DialogTest::TearDown();
     }
     // The client area and every control of the dialog in it.
@@ -36,13 +31,13 @@ protected:
         return places;
     }
     // Dialog units are whole pixels, and a letter's are rounded: 6 by 13 at 96 dots an inch.
-    static void ExpectLarger(const std::vector<CRect>& now, const std::vector<CRect>& before, double factor) {
+    static void ExpectLarger(const std::vector<CRect>& now, const std::vector<CRect>& before, double factor, double most = 0) {
         ASSERT_EQ(now.size(), before.size());
         for (size_t i = 0; i < now.size(); ++i) {
             const LONG small[] = {before[i].left, before[i].top, before[i].right, before[i].bottom};
             const LONG large[] = {now[i].left, now[i].top, now[i].right, now[i].bottom};
             for (int side = 0; side < 4; ++side)
-                EXPECT_NEAR(large[side], small[side] * factor, 3 + small[side] * factor * 0.12)
+                EXPECT_NEAR(large[side], small[side] * factor, most > 0 ? most : 3 + small[side] * factor * 0.12)
                     << "control " << i << " side " << side;
         }
     }
@@ -50,12 +45,53 @@ protected:
 
 }  // namespace
 
+// What a program has laid out keeps its shares, to within the rounding of a pixel or a unit.
+TEST_F(Density, DialogsGrowWhereTheyComeToAnotherScreen) {
+    for (const int density : {120, 144, 192, 288}) {
+        SCOPED_TRACE(density);
+        std::vector<CRect> places[2];
+        int row[2] = {};
+        for (const bool moved : {false, true}) {
+            OrvikSetSystemDpi(moved ? USER_DEFAULT_SCREEN_DPI : static_cast<UINT>(density));
+            MakeOwner(WS_VISIBLE);
+            CProgressDlgParams params;
+            params.m_strMessage = "Reading";
+            CProgressDialog waiting(&owner);
+            ASSERT_TRUE(waiting.Create(params, &owner));
+            params.m_nHeaderHeight = 40;
+            Banded banded(&owner);
+            ASSERT_TRUE(banded.Create(params, &owner));
+            CPropListDialog sheet(&owner);
+            sheet.EnableLayout();
+            ASSERT_TRUE(sheet.Create(IDD_ORVIK_PROPERTIES, &owner));
+            if (moved) {
+                EXPECT_TRUE(OrvikSetWindowDpi(waiting, static_cast<UINT>(density), nullptr));
+                EXPECT_TRUE(OrvikSetWindowDpi(sheet, static_cast<UINT>(density), nullptr));
+                EXPECT_TRUE(OrvikSetWindowDpi(banded, static_cast<UINT>(density), nullptr));
+                banded.RedrawWindow(nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+                EXPECT_GT(banded.band.Height(), 40);
+                EXPECT_LT(banded.band.bottom, CRect(PlaceIn(banded, *banded.GetDlgItem(IDC_ORVIK_MESSAGE))).top);
+            }
+            // The layout goes on from there.
+            CRect window;
+            sheet.GetWindowRect(window);
+            sheet.SetWindowPos(nullptr, 0, 0, window.Width() + 100, window.Height() + 50, SWP_NOMOVE | SWP_NOZORDER);
+            row[moved] = sheet.GetPropList().GetRowHeight();
+            places[moved] = Places(waiting);
+            for (const CRect& place : Places(sheet)) places[moved].push_back(place);
+        }
+        EXPECT_EQ(row[0], row[1]);
+        ExpectLarger(places[1], places[0], 1, density / 96 + 1);
+    }
+}
+
 TEST_F(Density, DialogsGrowWithTheDotsOfAnInch) {
     std::vector<CRect> progress, properties;
     int row = 0;
     for (const int density : {96, 144, 192}) {
         SCOPED_TRACE(density);
-        g_density = density;
+        OrvikSetSystemDpi(static_cast<UINT>(density));
+        MakeOwner(WS_VISIBLE);
         CProgressDlgParams params;
         params.m_strMessage = "Reading", params.m_strMessage2 = "Block 1";
         CProgressDialog waiting(&owner);
