@@ -1,4 +1,5 @@
 // What programs ask about the desktop's settings.
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 
@@ -8,6 +9,8 @@
 using namespace orvik::detail;
 
 namespace {
+std::atomic<UINT> g_menuDelay = 400;
+
 BOOL Refuse() {
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
@@ -26,6 +29,8 @@ bool InputParameter(UINT action, PVOID data) {
             return set(1);
         case SPI_GETKEYBOARDSPEED:
             return set(31);
+        case SPI_GETMENUSHOWDELAY:
+            return set(g_menuDelay);
         case SPI_GETWHEELSCROLLLINES:
         case SPI_GETWHEELSCROLLCHARS:
             return set(3);
@@ -40,7 +45,11 @@ bool InputParameter(UINT action, PVOID data) {
 }
 }  // namespace
 
-BOOL SystemParametersInfoA(UINT action, UINT, PVOID data, UINT) {
+BOOL SystemParametersInfoA(UINT action, UINT parameter, PVOID data, UINT) {
+    if (action == SPI_SETMENUSHOWDELAY) {
+        g_menuDelay = parameter;
+        return TRUE;
+    }
     if (InputParameter(action, data)) return TRUE;
     if (action != SPI_GETNONCLIENTMETRICS || data == nullptr) return Refuse();
     const UINT size = *static_cast<const UINT*>(data);

@@ -6,6 +6,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,20 @@ struct WindowClass {
 
 class Canvas;
 
+// How a popup (a menu, a submenu, the list of a combo box) lies to the window that it was opened for. Whoever shows windows where
+// programs cannot choose a place on the screen shows a popup by this and not by its rectangle. The popup stands at `side` of the
+// anchor, on the other side where there is no room (it flips), and moves along the anchor to be seen whole (it slides). A point is
+// an anchor without width and height.
+enum class PopupSide { Below, Above, Right, Left };
+enum class PopupEdge { Near, Middle, Far };  // along the anchor: left or upper edges in line, middles, right or lower edges
+
+struct PopupPlace {
+    HWND owner = nullptr;  // a top-level window, or for a submenu the popup that it was opened from
+    RECT anchor{};         // in the owner's client area; a menu bar lies above it, at negative heights
+    PopupSide side = PopupSide::Below;
+    PopupEdge edge = PopupEdge::Near;
+};
+
 struct Window {
     HWND handle = nullptr;
     DWORD thread = 0;  // 0 for the desktop alone
@@ -45,15 +60,17 @@ struct Window {
 
     PixelRegion update;  // what is to be painted, in client coordinates
     bool erase = false, internalPaint = false;
-    std::shared_ptr<Canvas> canvas;  // of a top-level window that was drawn on
+    std::shared_ptr<Canvas> canvas;  // of a top-level window that was drawn on: its menu bar and, below that, its client area
     std::vector<HDC> contexts;       // got from it and not yet released
     HMENU menu = nullptr;
+    LONG bar = 0;                     // height of the menu bar, which lies above the client area; 0 for none
+    std::optional<PopupPlace> popup;  // of a popup
     std::array<SCROLLINFO, 2> scroll{SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0},
                                      SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0}};
 
     LONG Width() const { return rectangle.right - rectangle.left; }
     LONG Height() const { return rectangle.bottom - rectangle.top; }
-    RECT Client() const { return {0, 0, Width(), Height()}; }
+    RECT Client() const { return {0, 0, Width(), Height() - bar}; }
 };
 
 // A message on its way to another thread's window, shared by both threads.
@@ -87,6 +104,7 @@ struct MessageQueue {
     HCURSOR cursor = nullptr;
     int cursorShown = 0;
     std::array<BYTE, 256> keys{};
+    UINT menuKey = 0;    // Alt or F10, while it is down and nothing else was pressed: letting go of it opens the menu bar
     DWORD lastTime = 0;  // of the message read last
     POINT lastPoint{};
     struct Hook {
@@ -144,6 +162,11 @@ void DropContexts(Window& window);  // of a window that goes
 // Without the lock: erases what is to be erased in the window and below it.
 void EraseNow(HWND window);
 
+// Popups. Where one of that size lies on the desktop; under the lock.
+RECT PopupRectangle(const PopupPlace& place, SIZE size);
+// Moves the popup there and remembers how it lies, without the lock and without activating it.
+void PutPopup(HWND popup, const PopupPlace& place, SIZE size);
+
 // Focus and activation, without the lock; all windows are the calling thread's.
 bool Activate(HWND window, bool byMouse);
 void MoveFocus(HWND window);                      // null for nobody; the messages of a focus change
@@ -152,7 +175,8 @@ HWND ForegroundWindow();                          // under the lock
 void RunMessageHooks(MSG& message, UINT remove);  // without the lock
 LRESULT DefaultAnswer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);  // to what concerns place, painting and input
 LRESULT PaintingAnswer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-POINT PointerPlace();  // under the lock
+POINT PointerPlace();        // under the lock
+bool IsPress(UINT message);  // a button goes down, once or twice
 
 // Calls the procedure without the lock; for a message that the calling thread may handle itself.
 LRESULT CallProcedureOf(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
