@@ -156,6 +156,12 @@ void MenuLoop::Enter(int level, int item) {
     End();
 }
 
+// Out of a submenu, to the item that it was opened from.
+void MenuLoop::Back() {
+    CloseTo(Last() - 1);
+    TellSelected(At(Last()), false);
+}
+
 bool MenuLoop::MoveInBar(int by) {
     if (!m_bar) return false;
     const bool open = Last() > 0;
@@ -186,8 +192,7 @@ void MenuLoop::Key(const MSG& message) {
         case VK_RETURN:
             return Enter(last, hot);
         case VK_ESCAPE:
-            if (bar || (first && !m_bar)) return End();
-            return CloseTo(last - 1);
+            return bar || (first && !m_bar) ? End() : Back();
         case VK_RIGHT:
             if (!bar && hot >= 0 && face[hot].submenu != nullptr && face[hot].Usable()) return Open(last, hot, true);
             if (const int beside = face.Beside(hot, 1); beside >= 0) return select(beside);
@@ -195,7 +200,7 @@ void MenuLoop::Key(const MSG& message) {
             return;
         case VK_LEFT:
             if (const int beside = face.Beside(hot, -1); beside >= 0) return select(beside);
-            if (!bar && !first) return CloseTo(last - 1);
+            if (!bar && !first) return Back();
             MoveInBar(-1);
             return;
         case VK_MENU:

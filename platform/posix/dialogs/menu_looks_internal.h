@@ -20,8 +20,8 @@ inline double Contrast(COLORREF first, COLORREF second) {
         };
         return 0.2126 * linear(GetRValue(colour)) + 0.7152 * linear(GetGValue(colour)) + 0.0722 * linear(GetBValue(colour));
     };
-    const auto [dark, light] = std::minmax(luminance(first), luminance(second));
-    return (light + 0.05) / (dark + 0.05);
+    const double one = luminance(first), other = luminance(second);
+    return (std::max(one, other) + 0.05) / (std::min(one, other) + 0.05);
 }
 
 // The colour, as much darker or lighter as it takes to be read on the ground.

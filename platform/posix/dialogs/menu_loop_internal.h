@@ -72,6 +72,7 @@ private:
     void Release(POINT screen, UINT message);
     void Key(const MSG& message);
     bool MoveInBar(int by);
+    void Back();
     void Enter(int level, int item);  // opens its submenu, or chooses it
     void Wait(Task task, int level, UINT milliseconds);
     void OnTimer();
