@@ -60,7 +60,8 @@ HWND WindowUnder(HWND window, POINT screen) {
     return at;
 }
 
-// Whether the press goes on to the window after it has, perhaps, activated its top-level window. `hit`: which part of it is meant.
+// Whether the press goes on to the window after it has, perhaps, activated its top-level window. `hit`: which part of it is
+// meant.
 bool ActivateByPress(HWND target, UINT message, LRESULT hit) {
     HWND root = target;
     for (HWND child = target; const HWND parent = ParentOfChild(child); child = root = parent) {

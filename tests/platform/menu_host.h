@@ -47,8 +47,8 @@ protected:
         for (std::string word; words >> word;) m_steps.push_back(word);
     }
     virtual void Do(const std::string& word) {
-        static const std::map<std::string, UINT> kKeys = {{"up", VK_UP},       {"down", VK_DOWN},   {"left", VK_LEFT},
-                                                          {"right", VK_RIGHT}, {"home", VK_HOME},   {"end", VK_END},
+        static const std::map<std::string, UINT> kKeys = {{"up", VK_UP},        {"down", VK_DOWN},     {"left", VK_LEFT},
+                                                          {"right", VK_RIGHT},  {"home", VK_HOME},     {"end", VK_END},
                                                           {"enter", VK_RETURN}, {"escape", VK_ESCAPE}, {"alt", VK_MENU}};
         const auto key = kKeys.find(word);
         if (key != kKeys.end())
@@ -67,8 +67,11 @@ protected:
     bool Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& answer) override {
         if (window != top) return false;
         const auto note = [this](const std::string& text) { log += (log.empty() ? "" : " ") + text; };
-        const auto name = [this](HMENU menu) { return menu == edit ? "edit" : menu == more ? "more" : menu == bar ? "bar" : "?"; };
-        const auto menu = reinterpret_cast<HMENU>(message == WM_MENUSELECT || message == WM_MENUCHAR ? lParam : static_cast<LPARAM>(wParam));
+        const auto name = [this](HMENU menu) {
+            return menu == edit ? "edit" : menu == more ? "more" : menu == bar ? "bar" : "?";
+        };
+        const auto menu =
+            reinterpret_cast<HMENU>(message == WM_MENUSELECT || message == WM_MENUCHAR ? lParam : static_cast<LPARAM>(wParam));
         switch (message) {
             case WM_ENTERMENULOOP:
                 note(wParam != 0 ? "enter" : "enter-bar");
@@ -88,7 +91,7 @@ protected:
                 const std::string chosen = std::to_string(LOWORD(wParam)) + ((HIWORD(wParam) & MF_POPUP) != 0 ? "p" : "") +
                                            ((HIWORD(wParam) & MF_GRAYED) != 0 ? "g" : "") +
                                            ((HIWORD(wParam) & MF_CHECKED) != 0 ? "c" : "");
-                if (log.size() < chosen.size() || log.substr(log.size() - chosen.size()) != chosen) note(chosen);
+                if (!(" " + log).ends_with(" " + chosen)) note(chosen);
                 break;
             }
             case WM_MENUCHAR:

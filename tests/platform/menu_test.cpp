@@ -13,13 +13,13 @@ TEST_F(MenuTest, KeysMoveAndChoose) {
         UINT command;
         int closed;
     };
-    const auto rows = Table(
-        Row{"down enter", "1", 1, 1}, Row{"down down enter escape", "1 2g", 0, 1},  // a grey item is marked and not chosen
-        Row{"up enter", "5", 5, 1}, Row{"up down enter", "5 1", 1, 1},             // round the ends
-        Row{"end home enter", "5 1", 1, 1}, Row{"down down down right down enter", "1 2g 3p open:more3 11 12c", 12, 2},
-        Row{"'m enter", "3p open:more3 11", 11, 2}, Row{"'m left up up enter", "3p open:more3 11 3p 2g 1", 1, 2},
-        Row{"'m escape escape", "3p open:more3 11 3p", 0, 2}, Row{"'U", "1", 1, 1}, Row{"'x 'x enter", "4 5", 5, 1},
-        Row{"down alt", "1", 0, 1});
+    const auto rows =
+        Table(Row{"down enter", "1", 1, 1}, Row{"down down enter escape", "1 2g", 0, 1},  // a grey item is marked and not chosen
+              Row{"up enter", "5", 5, 1}, Row{"up down enter", "5 1", 1, 1},              // round the ends
+              Row{"end home enter", "5 1", 1, 1}, Row{"down down down right down enter", "1 2g 3p open:more3 11 12c", 12, 2},
+              Row{"'m enter", "3p open:more3 11", 11, 2}, Row{"'m left up up enter", "3p open:more3 11 3p 2g 1", 1, 2},
+              Row{"'m escape escape", "3p open:more3 11 3p", 0, 2}, Row{"'U", "1", 1, 1}, Row{"'x 'x enter", "4 5", 5, 1},
+              Row{"down alt", "1", 0, 1});
     for (const Row& row : rows) {
         Track(row.doing);
         std::string expected = std::string("enter init:edit open:edit0 ") + row.told + " none exit";

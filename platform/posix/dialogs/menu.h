@@ -1,7 +1,8 @@
 // Menus and accelerators: items, their state and text, the bar of a window and menus that open at a point.
 // An open menu is a top-level window of the class "#32768" in memory like all others, with a picture of its own; pointer and keys
-// work on it as they do on Windows. Any thread; a menu is used by one thread at a time, and shown by its window's thread. Items are
-// named by command or, with MF_BYPOSITION, by place. A text has its mnemonic behind '&' and what its keys are called behind a tab.
+// work on it as they do on Windows. Any thread; a menu is used by one thread at a time, and shown by its window's thread. Items
+// are named by command or, with MF_BYPOSITION, by place. A text has its mnemonic behind '&' and what its keys are called behind a
+// tab.
 #pragma once
 
 #include "platform/posix/drawing/dc.h"
@@ -117,11 +118,11 @@ ORVIK_API BOOL WINAPI SetMenuDefaultItem(HMENU menu, UINT item, UINT byPosition)
 ORVIK_API HMENU WINAPI GetMenu(HWND window);
 ORVIK_API BOOL WINAPI SetMenu(HWND window, HMENU menu);
 ORVIK_API BOOL WINAPI DrawMenuBar(HWND window);
-// Shows the menu at the point on the desktop, until the user has chosen from it or has done with it. `window` is told what happens
-// (WM_ENTERMENULOOP, WM_INITMENU, WM_INITMENUPOPUP for each menu that opens, WM_MENUSELECT, WM_ENTERIDLE while nothing waits,
-// WM_UNINITMENUPOPUP, WM_EXITMENULOOP; nothing with TPM_NONOTIFY) and gets the command posted. With TPM_RETURNCMD the result is the
-// command, 0 for none. Also ended by EndMenu, WM_CANCELMODE, the window's end and the quit message, which stays in the queue, as
-// does a press beside the menu. FALSE with 1446 where the thread has a menu open already.
+// Shows the menu at the point on the desktop, until the user has chosen from it or has done with it. `window` is told what
+// happens (WM_ENTERMENULOOP, WM_INITMENU, WM_INITMENUPOPUP for each menu that opens, WM_MENUSELECT, WM_ENTERIDLE while nothing
+// waits, WM_UNINITMENUPOPUP, WM_EXITMENULOOP; nothing with TPM_NONOTIFY) and gets the command posted. With TPM_RETURNCMD the
+// result is the command, 0 for none. Also ended by EndMenu, WM_CANCELMODE, the window's end and the quit message, which stays in
+// the queue, as does a press beside the menu. FALSE with 1446 where the thread has a menu open already.
 ORVIK_API BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int reserved, HWND window, LPCRECT rectangle);
 ORVIK_API BOOL WINAPI EndMenu();  // the calling thread's; FALSE when none is open
 // Where an item of an open menu, or of the window's bar, is on the desktop.

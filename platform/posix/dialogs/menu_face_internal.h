@@ -1,5 +1,5 @@
-// A menu laid out: where its items stand in a popup or a bar, and how they look. Read from the menu when it opens; on its window's
-// thread. Places are pixels from the upper left corner of the popup or bar.
+// A menu laid out: where its items stand in a popup or a bar, and how they look. Read from the menu when it opens; on its
+// window's thread. Places are pixels from the upper left corner of the popup or bar.
 #pragma once
 
 #include <string>

@@ -226,8 +226,8 @@ void MenuLoop::Character(WPARAM typed) {
         if (item > At(last).hot) return Select(last, item, false);
     }
     if (!found.empty()) return Select(last, found.front(), false);
-    const LRESULT answer = Tell(WM_MENUCHAR, MAKEWPARAM(typed, IsBar(last) ? 0 : MF_POPUP),
-                                reinterpret_cast<LPARAM>(At(last).face->Menu()));
+    const LRESULT answer =
+        Tell(WM_MENUCHAR, MAKEWPARAM(typed, IsBar(last) ? 0 : MF_POPUP), reinterpret_cast<LPARAM>(At(last).face->Menu()));
     const int item = static_cast<short>(LOWORD(answer));
     if (HIWORD(answer) == MNC_CLOSE) End();
     if (HIWORD(answer) < MNC_EXECUTE || item < 0 || item >= At(last).face->Count()) return;

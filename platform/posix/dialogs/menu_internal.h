@@ -1,5 +1,5 @@
-// What the rooms below ask of menus: their items, and the bar that lies above a window's client area. Without the kernel lock; the
-// bar on its window's thread.
+// What the rooms below ask of menus: their items, and the bar that lies above a window's client area. Without the kernel lock;
+// the bar on its window's thread.
 #pragma once
 
 #include <string>

@@ -14,8 +14,8 @@ bool MenuLoop::Show(HMENU menu, int from, const PopupPlace& place) {
     level.face = std::make_unique<MenuFace>(m_owner, menu);
     level.from = from;
     if (m_over || level.face->Count() == 0) return false;
-    level.window = CreateWindowExA(WS_EX_TOOLWINDOW | WS_EX_TOPMOST | WS_EX_NOACTIVATE, "#32768", "", WS_POPUP, 0, 0, 0, 0, m_owner,
-                                   nullptr, nullptr, nullptr);
+    level.window = CreateWindowExA(WS_EX_TOOLWINDOW | WS_EX_TOPMOST | WS_EX_NOACTIVATE, "#32768", "", WS_POPUP, 0, 0, 0, 0,
+                                   m_owner, nullptr, nullptr, nullptr);
     if (level.window == nullptr) return false;
     RECT room{};
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &room, 0);
@@ -123,6 +123,7 @@ MenuLoop::Hit MenuLoop::HitAt(POINT screen) const {
         if (level.scrolled > 0 && point.y < strip) hit.scroll = -1;
         if (level.scrolled < hidden && point.y >= window.bottom - window.top - strip) hit.scroll = 1;
         if (hit.scroll == 0) hit.item = level.face->ItemAt({point.x, point.y + level.scrolled});
+        if (hit.item >= 0 && (*level.face)[hit.item].Is(MF_SEPARATOR)) hit.item = -1;
         return hit;
     }
     return {};

@@ -71,7 +71,8 @@ public:
 
     const COLORREF ground = GetSysColor(COLOR_MENU), hot = GetSysColor(COLOR_HIGHLIGHT);
     const COLORREF text = ReadableOn(ground, GetSysColor(COLOR_MENUTEXT)), grey = ReadableOn(ground, GetSysColor(COLOR_GRAYTEXT));
-    const COLORREF hotText = ReadableOn(hot, GetSysColor(COLOR_HIGHLIGHTTEXT)), hotGrey = ReadableOn(hot, GetSysColor(COLOR_GRAYTEXT));
+    const COLORREF hotText = ReadableOn(hot, GetSysColor(COLOR_HIGHLIGHTTEXT)),
+                   hotGrey = ReadableOn(hot, GetSysColor(COLOR_GRAYTEXT));
     const COLORREF rule = GetSysColor(COLOR_BTNSHADOW);
 
     HFONT font = nullptr, bold = nullptr;

@@ -1,5 +1,5 @@
-// An open menu: its popups, or a window's bar with the popups below it, and the loop in which the user works on them. One at a time
-// for a thread. The owner is told what happens; it may do anything meanwhile, also end the menu or go.
+// An open menu: its popups, or a window's bar with the popups below it, and the loop in which the user works on them. One at a
+// time for a thread. The owner is told what happens; it may do anything meanwhile, also end the menu or go.
 #pragma once
 
 #include <memory>
@@ -23,7 +23,7 @@ public:
     void End() { m_over = true; }
     // Where an item of one of its open menus is on the desktop; false for none.
     bool PlaceOf(HMENU menu, int item, RECT& screen) const;
-    int HotInBar(HWND window) const;                    // -1 for none
+    int HotInBar(HWND window) const;  // -1 for none
     void PaintPopup(HWND window, HDC dc, const RECT& client);
     HMENU MenuIn(HWND popup) const;
 

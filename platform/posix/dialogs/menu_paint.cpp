@@ -82,8 +82,8 @@ void MenuFace::LetOwnerPaint(HDC dc, const MenuItem& item, const RECT& place, bo
     asked.itemID = static_cast<UINT>(item.id);
     asked.itemAction = ODA_DRAWENTIRE;
     asked.itemState = (hot ? ODS_SELECTED : 0) | ((item.state & MF_GRAYED) != 0 ? ODS_GRAYED : 0) |
-                      ((item.state & MF_DISABLED) != 0 ? ODS_DISABLED : 0) |
-                      ((item.state & MF_CHECKED) != 0 ? ODS_CHECKED : 0) | ((item.state & MF_DEFAULT) != 0 ? ODS_DEFAULT : 0);
+                      ((item.state & MF_DISABLED) != 0 ? ODS_DISABLED : 0) | ((item.state & MF_CHECKED) != 0 ? ODS_CHECKED : 0) |
+                      ((item.state & MF_DEFAULT) != 0 ? ODS_DEFAULT : 0);
     asked.hwndItem = reinterpret_cast<HWND>(m_menu);
     asked.hDC = dc;
     asked.rcItem = place;

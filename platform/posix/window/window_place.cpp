@@ -75,9 +75,10 @@ bool ApplyPlace(Window& window, WINDOWPOS& pos, LONG bar) {
         const UINT anew = window.windowClass->info.style;
         PixelRegion todo;
         const RECT client = window.Client();
-        if (isSeen && (!wasSeen || framed || (child && moved) || ordered || (pos.flags & (SWP_NOCOPYBITS | SWP_FRAMECHANGED)) != 0 ||
-                       (client.right != oldClient.right && (anew & CS_HREDRAW) != 0) ||
-                       (client.bottom != oldClient.bottom && (anew & CS_VREDRAW) != 0))) {
+        if (isSeen &&
+            (!wasSeen || framed || (child && moved) || ordered || (pos.flags & (SWP_NOCOPYBITS | SWP_FRAMECHANGED)) != 0 ||
+             (client.right != oldClient.right && (anew & CS_HREDRAW) != 0) ||
+             (client.bottom != oldClient.bottom && (anew & CS_VREDRAW) != 0))) {
             todo = client;
         } else if (isSeen && sized) {
             todo = client;

@@ -1,7 +1,7 @@
 // Where windows are: rectangles, the order in which they lie upon each other, showing, activation and focus.
 // The desktop in memory measures 1920 by 1080 pixels; every top-level window lies on it and has a picture of its own, so windows
-// of the desktop do not hide each other. There are no frames: a window is its client area, whatever its style says, and above that
-// the bar of its menu if it has one. Any thread may ask. A window is moved, shown and focused by the thread that owns it.
+// of the desktop do not hide each other. There are no frames: a window is its client area, whatever its style says, and above
+// that the bar of its menu if it has one. Any thread may ask. A window is moved, shown and focused by the thread that owns it.
 #pragma once
 
 #include "platform/posix/window/window.h"
