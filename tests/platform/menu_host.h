@@ -1,8 +1,7 @@
-// A window with menus that writes down what their loop tells it. What a user does is a list of words, done one by one while the
-// loop waits: a key's name, "'x" for a character, and what a test adds.
+// A window with menus that writes down what their loop tells it. What a user does is a list of words, done one after the other by
+// messages that the loop hands on: a key's name, "'x" for a character, and what a test adds.
 #pragma once
 
-#include <functional>
 #include <sstream>
 
 #include "platform/scripted_input.h"
@@ -34,7 +33,7 @@ protected:
     }
     // The menu at a point of the desktop, with that done in it; what came of it.
     BOOL Track(const std::string& doing, UINT flags = 0, POINT at = {150, 150}) {
-        Plan(doing);
+        Plan(doing), Begin();
         const BOOL result = TrackPopupMenu(edit, flags, static_cast<int>(at.x), static_cast<int>(at.y), 0, top, nullptr);
         Pump();
         return result;
@@ -46,14 +45,16 @@ protected:
         std::istringstream words(doing);
         for (std::string word; words >> word;) m_steps.push_back(word);
     }
+    void Begin() { PostMessageA(top, WM_APP, 0, 0); }
     virtual void Do(const std::string& word) {
         static const std::map<std::string, UINT> kKeys = {{"up", VK_UP},        {"down", VK_DOWN},     {"left", VK_LEFT},
                                                           {"right", VK_RIGHT},  {"home", VK_HOME},     {"end", VK_END},
                                                           {"enter", VK_RETURN}, {"escape", VK_ESCAPE}, {"alt", VK_MENU}};
         const auto key = kKeys.find(word);
-        if (key != kKeys.end())
+        if (key != kKeys.end()) {
             PostMessageA(top, key->second == VK_MENU ? WM_SYSKEYDOWN : WM_KEYDOWN, key->second, 1);
-        else if (word[0] == '\'')
+            if (word == "enter") PostMessageA(top, WM_CHAR, '\r', 1);  // some loops wait for the character
+        } else if (word[0] == '\'')
             PostMessageA(top, WM_CHAR, static_cast<unsigned char>(word[1]), 1);
         else if (word == "quit")
             PostQuitMessage(7);
@@ -74,6 +75,7 @@ protected:
             reinterpret_cast<HMENU>(message == WM_MENUSELECT || message == WM_MENUCHAR ? lParam : static_cast<LPARAM>(wParam));
         switch (message) {
             case WM_ENTERMENULOOP:
+                m_open = true;
                 note(wParam != 0 ? "enter" : "enter-bar");
                 break;
             case WM_INITMENU:
@@ -102,23 +104,22 @@ protected:
                 ++closed;  // homes differ in when they tell it
                 break;
             case WM_EXITMENULOOP:
+                m_open = false;
                 note("exit");
                 break;
             case WM_COMMAND:
                 note("command:" + std::to_string(wParam));
                 break;
-            case WM_ENTERIDLE: {
-                if (wParam != MSGF_MENU) break;
+            case WM_APP: {
                 if (m_steps.empty()) {
-                    ADD_FAILURE() << "the menu is still open: " << log;
+                    EXPECT_FALSE(m_open) << "the menu is still open: " << log;
                     EndMenu();
-                    PostMessageA(top, WM_CANCELMODE, 0, 0);
                     break;
                 }
-                popup = reinterpret_cast<HWND>(lParam);
                 const std::string word = m_steps.front();
                 m_steps.erase(m_steps.begin());
                 Do(word);
+                if (IsWindow(top) && word != "quit") Begin();  // the quit message comes when nothing else waits
                 break;
             }
             default:
@@ -126,7 +127,7 @@ protected:
         }
         return false;
     }
-    HWND top = nullptr, popup = nullptr;
+    HWND top = nullptr;
     HMENU edit = nullptr, more = nullptr, bar = nullptr;
     LRESULT menuChar = 0;
     int closed = 0;
@@ -134,4 +135,5 @@ protected:
 
 private:
     std::vector<std::string> m_steps;
+    bool m_open = false;
 };

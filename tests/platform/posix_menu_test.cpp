@@ -4,6 +4,7 @@
 #include "platform/posix/window/window_internal.h"
 #include "tests/platform/control_host.h"
 #include "tests/platform/menu_host.h"
+#include "tests/support/last_error.h"
 
 using namespace orvik::detail;
 
@@ -70,6 +71,29 @@ TEST_F(PointerTest, PressesDragsAndHoverChoose) {
     }
 }
 
+TEST_F(PointerTest, ItemsWithTheSameLetterTakeTurns) {
+    EXPECT_EQ(Track("'x 'x enter", TPM_RETURNCMD), 5);
+    EXPECT_EQ(Track("'x 'x 'x enter", TPM_RETURNCMD), 4);
+}
+
+TEST_F(PointerTest, WhateverEndsItLeavesTheQueueAsItIs) {
+    for (const char* end : {"cancel", "end!"}) {
+        PostMessageA(top, WM_USER, 0, 0);
+        Track(std::string("down ") + end);
+        EXPECT_EQ(log, "enter init:edit open:edit0 1 none exit") << end;
+        EXPECT_EQ(Take({"user"}).size(), 1u);
+    }
+    Plan("down quit"), Begin();
+    TrackPopupMenu(edit, 0, 150, 150, 0, top, nullptr);
+    MSG message{};
+    EXPECT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 7u);
+    Track("down destroy");
+    EXPECT_FALSE(IsWindow(top));
+    EXPECT_FAILS(TrackPopupMenu(edit, 0, 0, 0, 0, top, nullptr), ERROR_INVALID_WINDOW_HANDLE);
+    EXPECT_FALSE(EndMenu());
+}
+
 TEST_F(PointerTest, AnItemDisabledMeanwhileIsNotChosen) {
     EnableMenuItem(edit, 4, MF_GRAYED);
     EXPECT_EQ(Track("click:edit.4 escape", TPM_RETURNCMD), 0);
@@ -92,6 +116,7 @@ TEST_F(PointerTest, TheBarOpensSlidesAndCloses) {
         const POINT at = Place("bar.0");
         EXPECT_LT(at.y, 0);
         OrvikPostPointer(top, WM_LBUTTONDOWN, static_cast<int>(at.x), static_cast<int>(at.y));
+        Begin();
         Pump();
         EXPECT_EQ(log, std::string("enter-bar init:bar ") + told) << doing;
     }
@@ -104,6 +129,7 @@ TEST_F(PointerTest, TheBarOpensSlidesAndCloses) {
                std::pair(Keys{{VK_MENU, TRUE}, {VK_RETURN, TRUE}, {VK_RETURN, FALSE}, {VK_MENU, FALSE}}, ""))) {
         Plan("escape");
         for (const auto& [key, down] : keys) OrvikPostKey(top, key, down);
+        Begin();
         Pump();
         EXPECT_EQ(log, told);
     }
@@ -173,6 +199,39 @@ TEST_F(PointerTest, ALongMenuScrollsToWhatIsMarked) {
     PostMessageA(top, WM_KEYDOWN, VK_END, 1), PostMessageA(top, WM_KEYDOWN, VK_RETURN, 1);
     EXPECT_EQ(TrackPopupMenu(longMenu, TPM_RETURNCMD | TPM_NONOTIFY, 10, 10, 0, top, nullptr), 100);
     DestroyMenu(longMenu);
+}
+
+// An item that its owner draws, in a second column that arrows reach; and one menu at a time.
+class OwnerDrawTest : public MenuHost {
+protected:
+    bool Answer(HWND window, UINT message, WPARAM, LPARAM lParam, LRESULT& answer) override {
+        if (message == WM_MEASUREITEM) {
+            auto& asked = *reinterpret_cast<MEASUREITEMSTRUCT*>(lParam);
+            EXPECT_EQ(asked.itemData, 77u);
+            asked.itemWidth = 90, asked.itemHeight = 40;
+        }
+        if (message == WM_DRAWITEM) {
+            const auto& asked = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+            selected |= (asked.itemState & ODS_SELECTED) != 0;
+            EXPECT_EQ(asked.rcItem.bottom - asked.rcItem.top, 40);
+        }
+        if (message == WM_ENTERIDLE && selected) {
+            EXPECT_FAILS(TrackPopupMenu(edit, 0, 0, 0, 0, window, nullptr), ERROR_POPUP_ALREADY_ACTIVE);
+            PostMessageA(window, WM_KEYDOWN, VK_RETURN, 1);
+        }
+        answer = TRUE;
+        return message == WM_MEASUREITEM || message == WM_DRAWITEM;
+    }
+    bool selected = false;
+};
+
+TEST_F(OwnerDrawTest, OwnersDrawAndColumnsStandSideBySide) {
+    const HMENU columns = CreatePopupMenu();
+    AppendMenuA(columns, MF_STRING, 1, "plain");
+    AppendMenuA(columns, MF_OWNERDRAW | MF_MENUBREAK, 2, reinterpret_cast<LPCSTR>(static_cast<UINT_PTR>(77)));
+    PostMessageA(top, WM_KEYDOWN, VK_DOWN, 1), PostMessageA(top, WM_KEYDOWN, VK_RIGHT, 1);
+    EXPECT_EQ(TrackPopupMenu(columns, TPM_RETURNCMD, 150, 150, 0, top, nullptr), 2);
+    DestroyMenu(columns);
 }
 
 TEST_F(PointerTest, TextsAreReadable) {

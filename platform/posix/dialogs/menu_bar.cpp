@@ -59,7 +59,7 @@ void TrackMenuBarByKey(HWND window, WPARAM character) {
     if (!HasBar(window) || MenuLoop::Current() != nullptr) return;
     MenuLoop loop(window, GetMenu(window), 0, true);
     if (character == 0)
-        loop.Mark(0);
+        loop.MarkFirst();
     else
         loop.Character(character);
     if (loop.HasHot()) RunBar(window, loop);

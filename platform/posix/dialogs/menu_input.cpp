@@ -80,6 +80,8 @@ void MenuLoop::Move(POINT screen) {
     m_last = screen;
     m_moved = true;
     const Hit hit = HitAt(screen);
+    // In a submenu, what it was opened from is marked, whatever the pointer passed on its way.
+    for (int i = hit.level; i > 0; --i) Select(i - 1, At(i).from, true);
     if (hit.scroll != 0) {
         Select(hit.level, -1, true);
         return Wait(hit.scroll < 0 ? Task::ScrollUp : Task::ScrollDown, hit.level, kScrollPace);

@@ -28,7 +28,7 @@ public:
     HMENU MenuIn(HWND popup) const;
 
     void OpenFirst(const PopupPlace& place);
-    void Mark(int barItem) { Select(0, barItem, false); }
+    void MarkFirst() { Select(0, At(0).face->Step(-1, 1), false); }  // in the bar
     void Press(POINT screen, UINT message);
     void Character(WPARAM typed);
     bool HasHot() const { return !m_levels.empty() && m_levels.front().hot >= 0; }
