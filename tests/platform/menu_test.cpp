@@ -16,8 +16,7 @@ TEST_F(MenuTest, KeysMoveAndChoose) {
         Table(Row{"down enter", "1", 1, 1}, Row{"down down enter escape", "1 2g", 0, 1},  // a grey item is marked and not chosen
               Row{"up enter", "5", 5, 1}, Row{"up down enter", "5 1", 1, 1},              // round the ends
               Row{"end home enter", "5 1", 1, 1}, Row{"down down down right down enter", "1 2g 3p open:more3 11 12c", 12, 2},
-              Row{"'m enter", "3p open:more3 11", 11, 2}, Row{"'m left up up enter", "3p open:more3 11 3p 2g 1", 1, 2},
-              Row{"'m escape escape", "3p open:more3 11 3p", 0, 2}, Row{"'U", "1", 1, 1}, Row{"down alt", "1", 0, 1});
+              Row{"'m enter", "3p open:more3 11", 11, 2}, Row{"'U", "1", 1, 1}, Row{"down alt", "1", 0, 1});
     for (const Row& row : rows) {
         Track(row.doing);
         std::string expected = std::string("enter init:edit open:edit0 ") + row.told + " none exit";
@@ -41,8 +40,8 @@ TEST_F(MenuTest, ReturnsTheCommandOrTellsNothing) {
 
 TEST_F(MenuTest, AnUnknownLetterIsTheOwnersToAnswer) {
     for (const auto& [answer, doing, command] :
-         Table(std::tuple(MAKELONG(4, MNC_EXECUTE), "'q", 4), std::tuple(MAKELONG(5, MNC_SELECT), "'q enter", 5),
-               std::tuple(MAKELONG(0, MNC_CLOSE), "'q", 0), std::tuple(MAKELONG(0, MNC_IGNORE), "'q down enter", 1))) {
+         Table(std::tuple(MAKELONG(4, MNC_EXECUTE), "'q", 4), std::tuple(MAKELONG(0, MNC_CLOSE), "'q", 0),
+               std::tuple(MAKELONG(0, MNC_IGNORE), "'q down enter", 1))) {
         menuChar = answer;
         EXPECT_EQ(Track(doing, TPM_RETURNCMD), command) << doing << answer;
         EXPECT_NE(log.find("char:q"), std::string::npos);
@@ -69,21 +68,13 @@ TEST_F(MenuTest, ABarOpensByItsKeys) {
     EXPECT_GE(corner.y, item.bottom);
     EXPECT_EQ(SendMessageA(top, WM_NCHITTEST, 0, MAKELPARAM(item.left + 2, item.top + 2)), HTMENU);
 
-    struct Row {
-        LPARAM letter;  // 0: Alt alone
-        const char* doing;
-        const char* told;
-    };
-    const auto rows =
-        Table(Row{'e', "enter", "0p open:edit0 1 none exit command:1"}, Row{'v', "enter", "1p open:?1 21 none exit command:21"},
-              Row{0, "down enter", "0p open:edit0 1 none exit command:1"}, Row{0, "right escape", "0p 1p none exit"},
-              Row{'e', "right enter", "0p open:edit0 1 1p open:?1 21 none exit command:21"},
-              Row{'v', "escape escape", "1p open:?1 21 1p none exit"});
-    for (const Row& row : rows) {
-        Plan(row.doing), Begin();
-        SendMessageA(top, WM_SYSCOMMAND, SC_KEYMENU, row.letter);
+    for (const auto& [doing, told] :
+         Table(std::pair("down enter", "0p open:edit0 1 none exit command:1"), std::pair("right escape", "0p 1p none exit"),
+               std::pair("right down enter", "0p 1p open:?1 21 none exit command:21"))) {
+        Plan(doing), Begin();
+        SendMessageA(top, WM_SYSCOMMAND, SC_KEYMENU, 0);
         Pump();
-        EXPECT_EQ(log, std::string("enter-bar init:bar ") + row.told) << row.doing;
+        EXPECT_EQ(log, std::string("enter-bar init:bar ") + told) << doing;
     }
     EXPECT_TRUE(SetMenu(top, nullptr));
     GetClientRect(top, &now);

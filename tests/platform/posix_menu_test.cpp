@@ -72,6 +72,8 @@ TEST_F(PointerTest, PressesDragsAndHoverChoose) {
 }
 
 TEST_F(PointerTest, ItemsWithTheSameLetterTakeTurns) {
+    menuChar = MAKELONG(5, MNC_SELECT);
+    EXPECT_EQ(Track("'q enter", TPM_RETURNCMD), 5);
     EXPECT_EQ(Track("'x 'x enter", TPM_RETURNCMD), 5);
     EXPECT_EQ(Track("'x 'x 'x enter", TPM_RETURNCMD), 4);
 }
@@ -117,6 +119,18 @@ TEST_F(PointerTest, TheBarOpensSlidesAndCloses) {
         EXPECT_LT(at.y, 0);
         OrvikPostPointer(top, WM_LBUTTONDOWN, static_cast<int>(at.x), static_cast<int>(at.y));
         Begin();
+        Pump();
+        EXPECT_EQ(log, std::string("enter-bar init:bar ") + told) << doing;
+    }
+    // A letter opens its menu at once; arrows go from one open menu to the next, and a closed submenu leaves its item marked.
+    for (const auto& [letter, doing, told] :
+         Table(std::tuple('e', "enter", "0p open:edit0 1 none exit command:1"),
+               std::tuple('e', "right enter", "0p open:edit0 1 1p open:?1 21 none exit command:21"),
+               std::tuple('v', "escape escape", "1p open:?1 21 1p none exit"),
+               std::tuple('e', "'m left up up enter", "0p open:edit0 1 3p open:more3 11 3p 2g 1 none exit command:1"),
+               std::tuple('q', "", "char:q none exit"))) {
+        Plan(doing), Begin();
+        SendMessageA(top, WM_SYSCOMMAND, SC_KEYMENU, letter);
         Pump();
         EXPECT_EQ(log, std::string("enter-bar init:bar ") + told) << doing;
     }
