@@ -65,8 +65,9 @@ HWND WindowUnder(HWND window, POINT screen) {
     return at;
 }
 
-// Whether the press goes on to the window after it has, perhaps, activated its top-level window.
-bool ActivateByPress(HWND target, UINT message) {
+// Whether the press goes on to the window after it has, perhaps, activated its top-level window. `hit`: which part of it is
+// meant.
+bool ActivateByPress(HWND target, UINT message, LRESULT hit) {
     HWND root = target;
     for (HWND child = target; const HWND parent = ParentOfChild(child); child = root = parent) {
         if ((GetWindowLongPtrA(child, GWL_EXSTYLE) & WS_EX_NOPARENTNOTIFY) != 0) continue;
@@ -76,7 +77,7 @@ bool ActivateByPress(HWND target, UINT message) {
         SendMessageA(parent, WM_PARENTNOTIFY, MAKEWPARAM(message, 0), MAKELPARAM(point.x, point.y));
     }
     if (GetActiveWindow() == root) return true;
-    const LRESULT answer = SendMessageA(target, WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(root), MAKELPARAM(HTCLIENT, message));
+    const LRESULT answer = SendMessageA(target, WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(root), MAKELPARAM(hit, message));
     if (answer != MA_NOACTIVATE && answer != MA_NOACTIVATEANDEAT) SetForegroundWindow(root);
     return answer != MA_ACTIVATEANDEAT && answer != MA_NOACTIVATEANDEAT;
 }
@@ -107,22 +108,33 @@ void BecomePointer(MSG& read, bool act) {
     const HWND capture = GetCapture();
     HWND target = capture != nullptr ? capture : WindowUnder(window, screen);
     if (message == WM_MOUSEWHEEL && GetFocus() != nullptr) target = GetFocus();
+    // Of the parts beside the client area, only the menu bar is the system's; a point anywhere else is the window's own.
+    LRESULT hit = HTCLIENT;
+    if (capture == nullptr && message != WM_MOUSEWHEEL && target != nullptr &&
+        SendMessageA(target, WM_NCHITTEST, 0, MAKELPARAM(screen.x, screen.y)) == HTMENU)
+        hit = HTMENU;
     if (act && capture == nullptr && message != WM_MOUSEWHEEL) {
         if (target == nullptr) {
             SendMessageA(window, WM_SETCURSOR, reinterpret_cast<WPARAM>(window), MAKELPARAM(HTERROR, message));
         } else {
-            const bool goesOn = !IsPress(message) || ActivateByPress(target, message);
-            SendMessageA(target, WM_SETCURSOR, reinterpret_cast<WPARAM>(target), MAKELPARAM(HTCLIENT, message));
+            const bool goesOn = !IsPress(message) || ActivateByPress(target, message, hit);
+            SendMessageA(target, WM_SETCURSOR, reinterpret_cast<WPARAM>(target), MAKELPARAM(hit, message));
             if (!goesOn) target = nullptr;
         }
     }
     if (target == nullptr || !IsWindow(target)) return Drop(read);
     if (IsDoublePress(message) && (GetClassLongPtrA(target, GCL_STYLE) & CS_DBLCLKS) == 0) message -= 2;
+    read.hwnd = target;
+    if (hit == HTMENU) {
+        read.message = message - WM_MOUSEMOVE + WM_NCMOUSEMOVE;
+        read.wParam = HTMENU;
+        read.lParam = MAKELPARAM(screen.x, screen.y);
+        return;
+    }
     const int held = (IsDown(VK_LBUTTON) ? MK_LBUTTON : 0) | (IsDown(VK_RBUTTON) ? MK_RBUTTON : 0) |
                      (IsDown(VK_MBUTTON) ? MK_MBUTTON : 0) | (IsDown(VK_SHIFT) ? MK_SHIFT : 0) |
                      (IsDown(VK_CONTROL) ? MK_CONTROL : 0);
     if (message != WM_MOUSEWHEEL) ScreenToClient(target, &screen);  // a wheel message has the screen's point
-    read.hwnd = target;
     read.message = message;
     read.wParam = MAKEWPARAM(held, message == WM_MOUSEWHEEL ? wheel : 0);
     read.lParam = MAKELPARAM(screen.x, screen.y);

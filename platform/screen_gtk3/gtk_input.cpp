@@ -132,6 +132,7 @@ bool GtkInput::Key(GdkEventKey& given) {
         SendModifier(event.code, event.down);
         return true;
     }
+    if (event.down) m_window.Owner().Noted(reinterpret_cast<GdkEvent*>(&given));
     FollowModifiers(given.state);
     m_written.clear();
     m_filtering = true;
@@ -195,6 +196,7 @@ void GtkInput::Scroll(const GdkEventScroll& event) {
 }
 
 gboolean GtkInput::OnButton(GtkWidget*, GdkEventButton* event, gpointer self) {
+    if (event->type == GDK_BUTTON_PRESS) static_cast<GtkInput*>(self)->m_window.Owner().Noted(reinterpret_cast<GdkEvent*>(event));
     if (event->type == GDK_BUTTON_PRESS || event->type == GDK_BUTTON_RELEASE) static_cast<GtkInput*>(self)->Button(*event);
     return TRUE;
 }

@@ -19,7 +19,7 @@ public:
     GtkInput& operator=(const GtkInput&) = delete;
 
     void SetCaret(const RECT& caret);  // in the picture
-    void Focus(bool has);
+    void Focus(bool has);              // keys go to the window, or no longer
     bool Key(GdkEventKey& event);
 
 private:

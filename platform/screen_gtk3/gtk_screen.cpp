@@ -34,6 +34,7 @@ void GtkScreen::Run(std::function<void(bool)> started) {
     m_loop = g_main_loop_new(nullptr, FALSE);
     started(true);
     g_main_loop_run(m_loop);
+    m_popups.clear();
     m_windows.clear();
     while (g_main_context_iteration(nullptr, FALSE)) {
     }
@@ -100,6 +101,7 @@ void GtkScreen::Follow(HWND handle) {
     if (!m_host.Describe(handle, shown) || !shown.visible) {
         if (m_focused == handle) Focused(handle, false);
         m_windows.erase(handle);
+        if (std::erase(m_popups, handle) != 0) Release();
         return;
     }
     // Handles grow, so an owner comes before what it owns; one that is not shown yet will be followed by its own note.
@@ -108,11 +110,37 @@ void GtkScreen::Follow(HWND handle) {
     window->Follow(shown);
 }
 
+void GtkScreen::Noted(const GdkEvent* event) {
+    if (m_press != nullptr) gdk_event_free(m_press);
+    m_press = gdk_event_copy(event);
+}
+
+void GtkScreen::Grab(ScreenWindow& popup) {
+    if (m_popups.empty() || m_popups.back() != popup.Handle()) m_popups.push_back(popup.Handle());
+    GdkWindow* const window = gtk_widget_get_window(popup.Widget());
+    GdkSeat* const seat = gdk_display_get_default_seat(gdk_window_get_display(window));
+    const auto show = +[](GdkSeat*, GdkWindow*, gpointer widget) { gtk_widget_show(GTK_WIDGET(widget)); };
+    gdk_seat_grab(seat, window, GDK_SEAT_CAPABILITY_ALL, TRUE, nullptr, m_press, show, popup.Widget());
+}
+
+// The popup below has what the one that went had; after the last nobody has.
+void GtkScreen::Release() {
+    if (!m_popups.empty()) {
+        if (ScreenWindow* const below = Find(m_popups.back())) Grab(*below);
+        return;
+    }
+    gdk_seat_ungrab(gdk_display_get_default_seat(gdk_display_get_default()));
+    // While popups had the keys, nobody was told where they went.
+    for (const auto& [handle, window] : m_windows)
+        if (!window->IsPopup() && gtk_window_is_active(GTK_WINDOW(window->Widget()))) return Focused(handle, true);
+    Focused(m_focused, false);
+}
+
 // Between two windows the desktop takes the focus from one before it gives it to the other.
 void GtkScreen::Focused(HWND window, bool has) {
     if (has)
         m_focused = window;
-    else if (m_focused == window)
+    else if (m_focused == window && m_popups.empty())
         m_focused = nullptr;
     if (m_settling) return;
     m_settling = true;

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <set>
 #include <thread>
+#include <vector>
 
 #include "platform/posix/window/screen_internal.h"
 #include "platform/screen_gtk3/gtk_window.h"
@@ -28,12 +29,15 @@ public:
     // For windows, on the module's thread.
     orvik::detail::ScreenHost& Host() { return m_host; }
     ScreenWindow* Find(HWND window);
+    void Grab(ScreenWindow& popup);       // pointer and keys, for as long as it is there
+    void Noted(const GdkEvent* event);    // a press, which a grab refers to
     void Focused(HWND window, bool has);  // as the desktop says; told on when it has settled
 
 private:
     void Run(std::function<void(bool)> started);
     void Serve();
     void Follow(HWND window);
+    void Release();
     void SettleFocus();
     void Schedule();
 
@@ -47,6 +51,8 @@ private:
     bool m_scheduled = false;
 
     std::map<HWND, std::unique_ptr<ScreenWindow>> m_windows;
+    std::vector<HWND> m_popups;  // with the grab, the last one on top
+    GdkEvent* m_press = nullptr;
     HWND m_focused = nullptr, m_told = nullptr;
     bool m_settling = false;
 };

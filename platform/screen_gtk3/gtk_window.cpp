@@ -61,6 +61,7 @@ ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& sh
     else if (shown.dialog)
         gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_DIALOG);
     gtk_window_set_resizable(window, shown.resizable || m_popup);
+    m_owner = shown.owner;
     if (ScreenWindow* const owner = screen.Find(shown.owner)) {
         gtk_window_set_transient_for(window, GTK_WINDOW(owner->Widget()));
         if (!m_popup) gtk_window_set_position(window, GTK_WIN_POS_CENTER_ON_PARENT);
@@ -72,11 +73,21 @@ ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& sh
     SetSize(shown.size);
     gtk_widget_realize(m_window);
     SetLeast(shown.least);
-    if (shown.popup) Place(*shown.popup);
-    gtk_widget_show_all(m_window);
+    gtk_widget_show(m_area);
+    if (!shown.popup) {
+        gtk_widget_show(m_window);
+        return;
+    }
+    g_signal_connect(gtk_widget_get_window(m_window), "moved-to-rect", G_CALLBACK(&OnPlaced), this);
+    g_signal_connect(m_window, "unmap-event", G_CALLBACK(&OnUnmap), this);
+    Place(*shown.popup);
+    // On Wayland a popup is shown within its grab.
+    screen.Grab(*this);
+    gtk_widget_show(m_window);
 }
 
 ScreenWindow::~ScreenWindow() {
+    if (m_popup) g_signal_handlers_disconnect_by_data(gtk_widget_get_window(m_window), this);
     g_signal_handlers_disconnect_by_data(m_window, this);
     g_signal_handlers_disconnect_by_data(m_area, this);
     g_signal_handlers_disconnect_by_data(m_area, m_input.get());
@@ -132,24 +143,71 @@ void ScreenWindow::SetLeast(SIZE least) {
         gtk_widget_set_size_request(m_area, Logical(least.cx), Logical(least.cy));
 }
 
-void ScreenWindow::Place(const PopupSide& side) {
+namespace {
+// The point of the anchor that the popup's own point comes to lie on; `far` edges are right and lower ones.
+struct Gravities {
+    GdkGravity anchor, popup;
+};
+Gravities GravitiesOf(const PopupPlace& place) {
+    constexpr GdkGravity kCorners[3][3] = {{GDK_GRAVITY_NORTH_WEST, GDK_GRAVITY_NORTH, GDK_GRAVITY_NORTH_EAST},
+                                           {GDK_GRAVITY_WEST, GDK_GRAVITY_CENTER, GDK_GRAVITY_EAST},
+                                           {GDK_GRAVITY_SOUTH_WEST, GDK_GRAVITY_SOUTH, GDK_GRAVITY_SOUTH_EAST}};
+    const int along = place.edge == PopupEdge::Near ? 0 : place.edge == PopupEdge::Middle ? 1 : 2;
+    switch (place.side) {
+        case PopupSide::Below:
+            return {kCorners[2][along], kCorners[0][along]};
+        case PopupSide::Above:
+            return {kCorners[0][along], kCorners[2][along]};
+        case PopupSide::Right:
+            return {kCorners[along][2], kCorners[along][0]};
+        default:
+            return {kCorners[along][0], kCorners[along][2]};
+    }
+}
+bool AreEqual(const PopupPlace& a, const PopupPlace& b) {
+    return a.owner == b.owner && a.side == b.side && a.edge == b.edge && a.anchor.left == b.anchor.left &&
+           a.anchor.top == b.anchor.top && a.anchor.right == b.anchor.right && a.anchor.bottom == b.anchor.bottom;
+}
+}  // namespace
+
+// Wayland knows no absolute places: the desktop is told the rule, and tells what came of it.
+void ScreenWindow::Place(const PopupPlace& place) {
+    m_place = place;
+    ScreenWindow* const owner = m_screen.Find(m_owner);
+    if (owner == nullptr) return;
     const int scale = Scale();
-    const GdkRectangle anchor{static_cast<int>(side.anchor.left) / scale, static_cast<int>(side.anchor.top) / scale,
-                              std::max(1, static_cast<int>(side.anchor.right - side.anchor.left) / scale),
-                              std::max(1, static_cast<int>(side.anchor.bottom - side.anchor.top) / scale)};
-    GdkWindow* const window = gtk_widget_get_window(m_window);
-    g_signal_connect(window, "moved-to-rect", G_CALLBACK(&OnPlaced), this);
-    gdk_window_move_to_rect(window, &anchor, side.beside ? GDK_GRAVITY_NORTH_EAST : GDK_GRAVITY_SOUTH_WEST,
-                            GDK_GRAVITY_NORTH_WEST, static_cast<GdkAnchorHints>(GDK_ANCHOR_FLIP | GDK_ANCHOR_SLIDE), 0, 0);
+    // Within the owner's window there may be a frame, too.
+    int left = 0, top = 0;
+    gtk_widget_translate_coordinates(owner->Area(), owner->Widget(), 0, 0, &left, &top);
+    const GdkRectangle anchor{left + static_cast<int>(place.anchor.left) / scale,
+                              top + static_cast<int>(place.anchor.top) / scale,
+                              std::max(1, static_cast<int>(place.anchor.right - place.anchor.left) / scale),
+                              std::max(1, static_cast<int>(place.anchor.bottom - place.anchor.top) / scale)};
+    const Gravities gravities = GravitiesOf(place);
+    const bool across = place.side == PopupSide::Below || place.side == PopupSide::Above;
+    const int hints = across ? GDK_ANCHOR_FLIP_Y | GDK_ANCHOR_SLIDE : GDK_ANCHOR_FLIP_X | GDK_ANCHOR_SLIDE;
+    gdk_window_move_to_rect(gtk_widget_get_window(m_window), &anchor, gravities.anchor, gravities.popup,
+                            static_cast<GdkAnchorHints>(hints), 0, 0);
 }
 
-void ScreenWindow::OnPlaced(GdkWindow*, GdkRectangle*, GdkRectangle* final, gboolean, gboolean, gpointer given) {
+void ScreenWindow::OnPlaced(GdkWindow* window, GdkRectangle*, GdkRectangle*, gboolean, gboolean, gpointer given) {
     auto& self = *static_cast<ScreenWindow*>(given);
-    if (final == nullptr) return;
+    ScreenWindow* const owner = self.m_screen.Find(self.m_owner);
+    if (owner == nullptr) return;
+    int left = 0, top = 0, ownerLeft = 0, ownerTop = 0;
+    gdk_window_get_origin(window, &left, &top);
+    gdk_window_get_origin(gtk_widget_get_window(owner->Area()), &ownerLeft, &ownerTop);
     ScreenEvent event{ScreenEvent::Kind::Placed};
-    event.x = final->x * self.Scale();
-    event.y = final->y * self.Scale();
+    event.x = (left - ownerLeft) * self.Scale();
+    event.y = (top - ownerTop) * self.Scale();
     self.m_screen.Host().Post(self.m_handle, event);
+}
+
+// Only the desktop unmaps one that is still there.
+gboolean ScreenWindow::OnUnmap(GtkWidget*, GdkEvent*, gpointer given) {
+    auto& self = *static_cast<ScreenWindow*>(given);
+    self.m_screen.Host().Post(self.m_handle, ScreenEvent{ScreenEvent::Kind::Dismissed});
+    return FALSE;
 }
 
 void ScreenWindow::SetCursor(const CursorLook& look) {
@@ -168,7 +226,9 @@ void ScreenWindow::Follow(const ShownWindow& shown) {
         m_title = shown.title;
         gtk_window_set_title(window, m_title.c_str());
     }
+    const bool placed = shown.popup && AreEqual(*shown.popup, m_place);
     if (!shown.sizedByScreen && (shown.size.cx != m_size.cx || shown.size.cy != m_size.cy)) SetSize(shown.size);
+    if (shown.popup && !placed) Place(*shown.popup);
     if (shown.stateAsked != m_stateAsked) {
         m_stateAsked = shown.stateAsked;
         if (shown.state == ShownWindow::State::Maximised) gtk_window_maximize(window);

@@ -22,6 +22,7 @@ public:
     HWND Handle() const { return m_handle; }
     GtkWidget* Widget() const { return m_window; }
     GtkWidget* Area() const { return m_area; }
+    bool IsPopup() const { return m_popup; }
     GtkScreen& Owner() const { return m_screen; }
     int Scale() const { return gtk_widget_get_scale_factor(m_window); }
 
@@ -31,19 +32,22 @@ private:
     void SetSize(SIZE size);
     void SetCursor(const orvik::detail::CursorLook& look);
     void SetLeast(SIZE least);
-    void Place(const orvik::detail::PopupSide& side);
+    void Place(const orvik::detail::PopupPlace& place);
+    static gboolean OnUnmap(GtkWidget* window, GdkEvent* event, gpointer self);
     void Connect();
     static gboolean OnDraw(GtkWidget* area, cairo_t* context, gpointer self);
     static void OnAllocate(GtkWidget* area, GdkRectangle* place, gpointer self);
     static void OnScale(GObject* window, GParamSpec* what, gpointer self);
     static gboolean OnState(GtkWidget* window, GdkEventWindowState* event, gpointer self);
     static gboolean OnDelete(GtkWidget* window, GdkEvent* event, gpointer self);
-    static void OnPlaced(GdkWindow* window, GdkRectangle* flipped, GdkRectangle* final, gboolean flippedX, gboolean flippedY,
+    static void OnPlaced(GdkWindow* window, GdkRectangle* flipped, GdkRectangle* placed, gboolean flippedX, gboolean flippedY,
                          gpointer self);
 
     GtkScreen& m_screen;
     const HWND m_handle;
     const bool m_popup;
+    HWND m_owner = nullptr;
+    orvik::detail::PopupPlace m_place;
     GtkWidget *m_window = nullptr, *m_area = nullptr;
     std::unique_ptr<GtkInput> m_input;
     SIZE m_size{};  // that the library was told or told us last

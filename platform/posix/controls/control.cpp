@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/posix/controls/combo_list_internal.h"
+#include "platform/posix/dialogs/menu_internal.h"
 #include "platform/posix/window/window_class_internal.h"
 #include "platform/posix/window/window_internal.h"
 
@@ -163,7 +165,9 @@ std::span<const SystemClass> SystemClasses() {
         {"Edit", CS_PARENTDC | CS_DBLCLKS, 8, EditProcedure, 0},
         {"ListBox", CS_PARENTDC | CS_DBLCLKS, 8, ListBoxProcedure, 0},
         {"ComboBox", CS_PARENTDC | CS_DBLCLKS | CS_VREDRAW | CS_HREDRAW, 8, ComboBoxProcedure, 0},
+        {"ComboLBox", CS_DBLCLKS | CS_SAVEBITS, 0, ComboListProcedure, 0},
         {"ScrollBar", CS_PARENTDC | CS_DBLCLKS | CS_VREDRAW | CS_HREDRAW, 0, ScrollBarProcedure, 0},
+        {"#32768", CS_DBLCLKS | CS_SAVEBITS, 0, MenuProcedure, 0x8000},
         {"#32770", CS_DBLCLKS | CS_SAVEBITS, DLGWINDOWEXTRA, DefDlgProcA, 0x8002},
         {PROGRESS_CLASSA, CS_VREDRAW | CS_HREDRAW, 8, ProgressProcedure, 0},
         {WC_HEADERA, CS_DBLCLKS, 8, HeaderProcedure, 0},

@@ -1,9 +1,10 @@
-// The combo box: a field over a list that drops down. The list is kept as state: dropped or not, its strings and its selection;
-// it has no window. CBS_DROPDOWN has an edit control (id 1001) for its field, CBS_DROPDOWNLIST shows the selected string.
+// The combo box: a field, and a list that drops from it as a popup of its own. CBS_DROPDOWN has an edit control (id 1001) for its
+// field, CBS_DROPDOWNLIST shows the selected string.
 #include <algorithm>
 #include <cstring>
 
 #include "platform/letters.h"
+#include "platform/posix/controls/combo_list_internal.h"
 #include "platform/posix/controls/list_items_internal.h"
 #include "platform/posix/controls/scroll_part_internal.h"
 #include "platform/posix/text/letters_internal.h"
@@ -37,7 +38,21 @@ public:
                 if (m_edit != nullptr) SendMessageA(m_edit, WM_SETFONT, wParam, lParam);
                 Arrange();
                 return 0;
+            case WM_DESTROY:
+                CloseList();
+                return 0;
+            case WM_SHOWWINDOW:
+                if (wParam == 0) Drop(false, true);
+                return Control::Handle(message, wParam, lParam);
+            case kComboListChosen:
+                Choose(index);
+                Drop(false, true);
+                return 0;
+            case kComboListLeft:
+                Drop(false, true);
+                return 0;
             case WM_ENABLE:
+                if (wParam == 0) Drop(false, true);
                 if (m_edit != nullptr) EnableWindow(m_edit, wParam != 0);
                 return Control::Handle(message, wParam, lParam);
             case WM_SETTEXT:
@@ -59,13 +74,13 @@ public:
                 if (!m_items.Remove(index)) return CB_ERR;
                 if (m_current == index) m_current = -1;
                 if (m_current > index) --m_current;
-                Invalidate();
+                Follow();
                 return m_items.Count();
             case CB_RESETCONTENT:
                 m_items.Clear();
                 m_current = -1;
                 if (m_edit != nullptr) SetWindowTextA(m_edit, "");
-                Invalidate();
+                Follow();
                 return CB_OKAY;
             case CB_GETCURSEL:
                 return m_current;
@@ -116,6 +131,7 @@ public:
                 Drop(!m_dropped, true);
                 return 0;
             case WM_MOUSEWHEEL:
+                if (m_list != nullptr) return SendMessageA(m_list, message, wParam, lParam);
                 return Key(GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? VK_UP : VK_DOWN);
             default:
                 return Control::Handle(message, wParam, lParam);
@@ -164,6 +180,7 @@ private:
         const RECT client = Client();
         const int height = LineHeight() + Scaled(8);
         if (client.bottom - client.top != height) {
+            m_listHeight = client.bottom - height;
             SetWindowPos(m_window, nullptr, 0, 0, client.right - client.left, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
         }
         if (m_edit == nullptr) return;
@@ -197,6 +214,7 @@ private:
 
     LRESULT Added(int index) {
         if (index >= 0 && m_current >= index) ++m_current;
+        Follow();
         return index;
     }
     LRESULT Select(int index) {
@@ -208,8 +226,19 @@ private:
             SendMessageA(m_edit, EM_SETSEL, 0, -1);
             m_setting = false;
         }
-        Invalidate();
+        Follow();
         return valid ? index : CB_ERR;
+    }
+    // What is shown is what is kept, in the list as well.
+    void Follow() {
+        Invalidate();
+        if (m_list != nullptr) SendMessageA(m_list, kComboListFollow, static_cast<WPARAM>(m_current), 0);
+    }
+    // As many as the height leaves that the box was made with; a box made without any has a list all the same.
+    int Rows() const {
+        constexpr int kUsual = 10;
+        const auto rows = static_cast<int>((m_listHeight - 2) / LineHeight());
+        return rows < 1 ? kUsual : rows;
     }
     // By the user: told to the parent.
     void Choose(int index) {
@@ -218,13 +247,21 @@ private:
         if (!m_dropped) Tell(CBN_SELENDOK);
         Tell(CBN_SELCHANGE);
     }
+    void CloseList() {
+        const HWND list = std::exchange(m_list, nullptr);
+        if (list == nullptr) return;
+        if (GetCapture() == list) ReleaseCapture();
+        DestroyWindow(list);
+    }
     void Drop(bool down, bool take) {
         if (m_dropped == down) return;
         if (down) Tell(CBN_DROPDOWN);
         m_dropped = down;
         if (down) {
             m_before = m_current;
+            if (IsWindowVisible(m_window)) m_list = OpenComboList({m_window, &m_items, m_font, Rows()}, m_current);
         } else {
+            CloseList();
             Tell(take ? CBN_SELENDOK : CBN_SELENDCANCEL);
             if (!take) Select(m_before);
             Tell(CBN_CLOSEUP);
@@ -270,7 +307,8 @@ private:
     }
 
     ListItems m_items;
-    HWND m_edit = nullptr;
+    HWND m_edit = nullptr, m_list = nullptr;  // the list while it is open
+    LONG m_listHeight = 0;
     int m_current = -1, m_before = -1;
     OrvikTypedText m_typed;
     bool m_dropped = false, m_setting = false;

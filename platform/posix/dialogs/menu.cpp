@@ -1,25 +1,20 @@
-#include "platform/posix/dialogs/menu.h"
-
+// Menus as they are kept: their items, what these say and whether they can be chosen.
 #include <algorithm>
-#include <cstring>
 #include <map>
+#include <mutex>
 
+#include "platform/posix/dialogs/menu_internal.h"
+#include "platform/posix/kernel/handle_table_internal.h"
 #include "platform/posix/text/letters_internal.h"
-#include "platform/posix/window/window_internal.h"
 
 namespace {
+using Item = orvik::detail::MenuItem;
+
 constexpr UINT kStates = MF_GRAYED | MF_DISABLED | MF_CHECKED | MF_HILITE | MF_DEFAULT;
 constexpr UINT kTypes = MF_BITMAP | MF_MENUBARBREAK | MF_MENUBREAK | MF_OWNERDRAW | MF_SEPARATOR | MFT_RADIOCHECK;
 constexpr size_t kMostItems = 0x7FFF;
 constexpr int kDeepest = 25;  // as many levels as anybody can open
 
-struct Item {
-    UINT type = MF_STRING, state = 0;
-    UINT_PTR id = 0;
-    HMENU submenu = nullptr;
-    std::string text;
-    ULONG_PTR data = 0;
-};
 struct Menu {
     bool popup = false;
     std::vector<Item> items;
@@ -29,7 +24,6 @@ struct Menu {
 struct Menus {
     std::mutex lock;
     std::map<HMENU, Menu> made;
-    std::map<HACCEL, std::vector<ACCEL>> tables;
     uintptr_t last = 0x20000;
 };
 Menus& TheMenus() {
@@ -124,6 +118,12 @@ void Collect(HMENU handle, std::vector<HMENU>& list) {
 }  // namespace
 
 using orvik::detail::Finish;
+
+std::vector<orvik::detail::MenuItem> orvik::detail::MenuItemsOf(HMENU handle) {
+    const std::lock_guard lock(TheMenus().lock);
+    const Menu* menu = Find(handle);
+    return menu == nullptr ? std::vector<MenuItem>() : menu->items;
+}
 
 HMENU CreateMenu() { return NewMenu(false); }
 HMENU CreatePopupMenu() { return NewMenu(true); }
@@ -261,86 +261,5 @@ BOOL SetMenuDefaultItem(HMENU handle, UINT which, UINT byPosition) {
     if (item == nullptr && which != 0xFFFFFFFFu) return FALSE;
     for (Item& each : menu->items) each.state &= ~MF_DEFAULT;
     if (item != nullptr) item->state |= MF_DEFAULT;
-    return TRUE;
-}
-
-HMENU GetMenu(HWND handle) {
-    const std::lock_guard kernel(orvik::detail::KernelLock());
-    const orvik::detail::Window* window = orvik::detail::FindWindowOf(handle);
-    return window == nullptr ? nullptr : window->menu;
-}
-
-BOOL SetMenu(HWND handle, HMENU menu) {
-    if (menu != nullptr && !IsMenu(menu)) return Finish(ERROR_INVALID_MENU_HANDLE);
-    const std::lock_guard kernel(orvik::detail::KernelLock());
-    orvik::detail::Window* window = orvik::detail::FindWindowOf(handle);
-    if (window == nullptr || (window->style & WS_CHILD) != 0) return Finish(ERROR_INVALID_WINDOW_HANDLE);
-    window->menu = menu;
-    return TRUE;
-}
-
-BOOL DrawMenuBar(HWND window) { return Finish(IsWindow(window) ? ERROR_SUCCESS : ERROR_INVALID_WINDOW_HANDLE); }
-
-BOOL TrackPopupMenu(HMENU menu, UINT flags, int, int, int, HWND window, LPCRECT) {
-    if (!IsMenu(menu)) return Finish(ERROR_INVALID_MENU_HANDLE);
-    if (!IsWindow(window)) return Finish(ERROR_INVALID_WINDOW_HANDLE);
-    if ((flags & TPM_NONOTIFY) == 0) {
-        SendMessageA(window, WM_ENTERMENULOOP, TRUE, 0);
-        SendMessageA(window, WM_INITMENU, reinterpret_cast<WPARAM>(menu), 0);
-        SendMessageA(window, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu), 0);
-        SendMessageA(window, WM_UNINITMENUPOPUP, reinterpret_cast<WPARAM>(menu), 0);
-        SendMessageA(window, WM_EXITMENULOOP, TRUE, 0);
-    }
-    return (flags & TPM_RETURNCMD) == 0;
-}
-
-HACCEL CreateAcceleratorTableA(LPACCEL entries, int count) {
-    if (entries == nullptr || count < 1 || count > 32767) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    Menus& menus = TheMenus();
-    const std::lock_guard lock(menus.lock);
-    const auto handle = reinterpret_cast<HACCEL>(menus.last += 2);
-    menus.tables[handle].assign(entries, entries + count);
-    return handle;
-}
-
-BOOL DestroyAcceleratorTable(HACCEL table) {
-    Menus& menus = TheMenus();
-    const std::lock_guard lock(menus.lock);
-    return menus.tables.erase(table) != 0;
-}
-
-int TranslateAcceleratorA(HWND window, HACCEL table, LPMSG message) {
-    if (window == nullptr || message == nullptr) return FALSE;
-    const UINT kind = message->message;
-    const bool down = kind == WM_KEYDOWN || kind == WM_SYSKEYDOWN, character = kind == WM_CHAR || kind == WM_SYSCHAR;
-    if (!down && !character) return FALSE;
-    std::vector<ACCEL> entries;
-    {
-        Menus& menus = TheMenus();
-        const std::lock_guard lock(menus.lock);
-        const auto found = menus.tables.find(table);
-        if (found == menus.tables.end()) return FALSE;
-        entries = found->second;
-    }
-    const bool alt = GetKeyState(VK_MENU) < 0;
-    const int held = (GetKeyState(VK_SHIFT) < 0 ? FSHIFT : 0) | (GetKeyState(VK_CONTROL) < 0 ? FCONTROL : 0) | (alt ? FALT : 0);
-    const auto wanted = std::find_if(entries.begin(), entries.end(), [&](const ACCEL& each) {
-        if (each.key != message->wParam) return false;
-        if ((each.fVirt & FVIRTKEY) != 0) return down && (each.fVirt & (FSHIFT | FCONTROL | FALT)) == held;
-        return character && ((each.fVirt & FALT) != 0) == (kind == WM_SYSCHAR);
-    });
-    if (wanted == entries.end()) return FALSE;
-    const HMENU menu = GetMenu(window);
-    UINT state = 0;
-    if (menu != nullptr) {
-        SendMessageA(window, WM_INITMENU, reinterpret_cast<WPARAM>(menu), 0);
-        state = GetMenuState(menu, wanted->cmd, MF_BYCOMMAND);
-        if (state == 0xFFFFFFFFu) state = 0;
-    }
-    if (IsWindowEnabled(window) && (state & (MF_GRAYED | MF_DISABLED)) == 0)
-        SendMessageA(window, WM_COMMAND, MAKEWPARAM(wanted->cmd, 1), 0);
     return TRUE;
 }

@@ -1,8 +1,11 @@
-// Menus and accelerators as they are kept: items, their state and text. A menu is shown by nobody; what a user would choose, a
-// script chooses by WM_COMMAND. Any thread; a menu is used by one thread at a time. Items are named by command or, with
-// MF_BYPOSITION, by place.
+// Menus and accelerators: items, their state and text, the bar of a window and menus that open at a point.
+// An open menu is a top-level window of the class "#32768" in memory like all others, with a picture of its own; pointer and keys
+// work on it as they do on Windows. Any thread; a menu is used by one thread at a time, and shown by its window's thread. Items
+// are named by command or, with MF_BYPOSITION, by place. A text has its mnemonic behind '&' and what its keys are called behind a
+// tab.
 #pragma once
 
+#include "platform/posix/drawing/dc.h"
 #include "platform/posix/input/input.h"
 #include "platform/posix/window/messages.h"
 
@@ -23,6 +26,7 @@
 #define MF_BYPOSITION 0x0400u
 #define MF_SEPARATOR 0x0800u
 #define MF_DEFAULT 0x1000u
+#define MF_MOUSESELECT 0x8000u
 #define MFT_STRING MF_STRING
 #define MFT_SEPARATOR MF_SEPARATOR
 #define MFT_RADIOCHECK 0x0200u
@@ -39,15 +43,47 @@
 #define TPM_CENTERALIGN 0x0004u
 #define TPM_RIGHTALIGN 0x0008u
 #define TPM_TOPALIGN 0x0000u
+#define TPM_VCENTERALIGN 0x0010u
 #define TPM_BOTTOMALIGN 0x0020u
 #define TPM_NONOTIFY 0x0080u
 #define TPM_RETURNCMD 0x0100u
+
+#define MNC_IGNORE 0
+#define MNC_CLOSE 1
+#define MNC_EXECUTE 2
+#define MNC_SELECT 3
+#define MN_GETHMENU 0x01E1u
+#define MSGF_MENU 2
+
+#define ODT_MENU 1u
+#define ODA_DRAWENTIRE 0x0001u
+#define ODA_SELECT 0x0002u
+#define ODS_SELECTED 0x0001u
+#define ODS_GRAYED 0x0002u
+#define ODS_DISABLED 0x0004u
+#define ODS_CHECKED 0x0008u
+#define ODS_DEFAULT 0x0020u
 
 #define FVIRTKEY 0x01
 #define FNOINVERT 0x02
 #define FSHIFT 0x04
 #define FCONTROL 0x08
 #define FALT 0x10
+
+// For MF_OWNERDRAW: the window says how large an item is (WM_MEASUREITEM, once a showing) and draws it (WM_DRAWITEM).
+struct MEASUREITEMSTRUCT {
+    UINT CtlType, CtlID, itemID, itemWidth, itemHeight;
+    ULONG_PTR itemData;
+};
+using LPMEASUREITEMSTRUCT = MEASUREITEMSTRUCT*;
+struct DRAWITEMSTRUCT {
+    UINT CtlType, CtlID, itemID, itemAction, itemState;
+    HWND hwndItem;  // the menu's handle
+    HDC hDC;
+    RECT rcItem;
+    ULONG_PTR itemData;
+};
+using LPDRAWITEMSTRUCT = DRAWITEMSTRUCT*;
 
 struct ACCEL {
     BYTE fVirt;
@@ -77,13 +113,20 @@ ORVIK_API DWORD WINAPI CheckMenuItem(HMENU menu, UINT item, UINT check);
 ORVIK_API BOOL WINAPI CheckMenuRadioItem(HMENU menu, UINT first, UINT last, UINT item, UINT flags);
 ORVIK_API BOOL WINAPI SetMenuDefaultItem(HMENU menu, UINT item, UINT byPosition);
 
-// A window's menu goes with it. A child window has none.
+// A window's menu goes with it, and lies in a bar above its client area. A child window has none. Who changes the items of a bar
+// calls DrawMenuBar: rows and the client area follow then.
 ORVIK_API HMENU WINAPI GetMenu(HWND window);
 ORVIK_API BOOL WINAPI SetMenu(HWND window, HMENU menu);
 ORVIK_API BOOL WINAPI DrawMenuBar(HWND window);
-// Tells the window that the menu opens (WM_INITMENUPOPUP, unless TPM_NONOTIFY), and gives up: nobody chooses from it. FALSE with
-// TPM_RETURNCMD, for nothing chosen; TRUE without it.
+// Shows the menu at the point on the desktop, until the user has chosen from it or has done with it. `window` is told what
+// happens (WM_ENTERMENULOOP, WM_INITMENU, WM_INITMENUPOPUP for each menu that opens, WM_MENUSELECT, WM_ENTERIDLE while nothing
+// waits, WM_UNINITMENUPOPUP, WM_EXITMENULOOP; nothing with TPM_NONOTIFY) and gets the command posted. With TPM_RETURNCMD the
+// result is the command, 0 for none. Also ended by EndMenu, WM_CANCELMODE, the window's end and the quit message, which stays in
+// the queue, as does a press beside the menu. FALSE with 1446 where the thread has a menu open already.
 ORVIK_API BOOL WINAPI TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int reserved, HWND window, LPCRECT rectangle);
+ORVIK_API BOOL WINAPI EndMenu();  // the calling thread's; FALSE when none is open
+// Where an item of an open menu, or of the window's bar, is on the desktop.
+ORVIK_API BOOL WINAPI GetMenuItemRect(HWND window, HMENU menu, UINT position, LPRECT rectangle);
 
 ORVIK_API HACCEL WINAPI CreateAcceleratorTableA(LPACCEL entries, int count);
 ORVIK_API BOOL WINAPI DestroyAcceleratorTable(HACCEL table);

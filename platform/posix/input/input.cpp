@@ -44,6 +44,10 @@ unsigned char CharacterOf(const MessageQueue& queue, UINT key) {
 }
 }  // namespace
 
+bool IsPress(UINT message) {
+    return message >= WM_LBUTTONDOWN && message <= WM_MBUTTONDBLCLK && (message - WM_LBUTTONDOWN) % 3 != 1;
+}
+
 POINT PointerPlace() { return g_pointer; }
 
 void RunMessageHooks(MSG& message, UINT remove) {
@@ -55,10 +59,15 @@ void RunMessageHooks(MSG& message, UINT remove) {
         queue.lastPoint = message.pt;
         if (!queue.hooks.empty()) procedure = queue.hooks.back().procedure;
     }
-    if (procedure == nullptr) return;
-    const size_t depth = std::exchange(t_hookDepth, 0);
-    procedure(HC_ACTION, remove, reinterpret_cast<LPARAM>(&message));
-    t_hookDepth = depth;
+    if (procedure != nullptr) {
+        const size_t depth = std::exchange(t_hookDepth, 0);
+        procedure(HC_ACTION, remove, reinterpret_cast<LPARAM>(&message));
+        t_hookDepth = depth;
+    }
+    // Alt that goes with another key or a click is no wish for the menu.
+    const bool key = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+    const bool other = key ? message.wParam != queue.menuKey : IsPress(message.message);
+    if (remove == PM_REMOVE && other) queue.menuKey = 0;
 }
 
 }  // namespace orvik::detail

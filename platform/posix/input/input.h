@@ -11,6 +11,7 @@
 #define MK_SHIFT 0x0004
 #define MK_CONTROL 0x0008
 #define MK_MBUTTON 0x0010
+#define KF_REPEAT 0x4000u
 #define WHEEL_DELTA 120
 #define WHEEL_PAGESCROLL 0xFFFFFFFFu
 
@@ -93,6 +94,8 @@
 #define SPI_GETNONCLIENTMETRICS 0x0029u
 #define SPI_GETWORKAREA 0x0030u
 #define SPI_GETWHEELSCROLLLINES 0x0068u
+#define SPI_GETMENUSHOWDELAY 0x006Au
+#define SPI_SETMENUSHOWDELAY 0x006Bu
 #define SPI_GETWHEELSCROLLCHARS 0x006Cu
 
 #define WH_GETMESSAGE 3
@@ -122,6 +125,6 @@ ORVIK_API HHOOK WINAPI SetWindowsHookExA(int kind, HOOKPROC procedure, HINSTANCE
 ORVIK_API BOOL WINAPI UnhookWindowsHookEx(HHOOK hook);
 ORVIK_API LRESULT WINAPI CallNextHookEx(HHOOK hook, int code, WPARAM wParam, LPARAM lParam);
 
-// Only SPI_GETNONCLIENTMETRICS, in both documented sizes (344 bytes, and 340 without the padded border): other queries are
-// error 87.
+// The SPI_ numbers above; SPI_GETNONCLIENTMETRICS in both documented sizes (344 bytes, and 340 without the padded border). Others
+// are error 87. The delay before a submenu opens is milliseconds, for this process.
 ORVIK_API BOOL WINAPI SystemParametersInfoA(UINT action, UINT parameter, PVOID data, UINT winIni);

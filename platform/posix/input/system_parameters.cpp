@@ -1,4 +1,5 @@
 // What programs ask about the desktop's settings.
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 
@@ -9,6 +10,8 @@
 using namespace orvik::detail;
 
 namespace {
+std::atomic<UINT> g_menuDelay = 400;
+
 BOOL Refuse() {
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
@@ -27,6 +30,8 @@ bool InputParameter(UINT action, PVOID data) {
             return set(1);
         case SPI_GETKEYBOARDSPEED:
             return set(31);
+        case SPI_GETMENUSHOWDELAY:
+            return set(g_menuDelay);
         case SPI_GETWHEELSCROLLLINES:
         case SPI_GETWHEELSCROLLCHARS:
             return set(3);
@@ -65,5 +70,9 @@ BOOL SystemParametersInfoForDpi(UINT action, UINT, PVOID data, UINT, UINT dpi) {
 }
 
 BOOL SystemParametersInfoA(UINT action, UINT parameter, PVOID data, UINT winIni) {
+    if (action == SPI_SETMENUSHOWDELAY) {
+        g_menuDelay = parameter;
+        return TRUE;
+    }
     return InputParameter(action, data) || SystemParametersInfoForDpi(action, parameter, data, winIni, GetDpiForSystem());
 }

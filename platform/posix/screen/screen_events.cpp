@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/house_text_internal.h"
+#include "platform/posix/dialogs/menu.h"
 #include "platform/posix/screen/screen_loading_internal.h"
 #include "platform/posix/window/dpi.h"
 #include "platform/posix/window/window_internal.h"
@@ -88,6 +89,28 @@ void SetState(HWND handle, ShownWindow::State state) {
     SendMessageA(handle, WM_SIZE, static_cast<WPARAM>(state), MAKELPARAM(size.cx, size.cy));
 }
 
+LONG BarOf(HWND handle) {
+    const std::lock_guard kernel(KernelLock());
+    const Window* const window = FindWindowOf(handle);
+    return window != nullptr ? window->bar : 0;
+}
+
+// Where the desktop has put a popup, in its owner's picture: other places than ours would make its pointer point elsewhere.
+void Place(HWND handle, POINT inOwner) {
+    RECT owner{};
+    const HWND of = With<HWND>(handle, [](const Window& window) { return window.popup ? window.popup->owner : nullptr; });
+    if (!GetWindowRect(of, &owner)) return;
+    SetWindowPos(handle, nullptr, static_cast<int>(owner.left + inOwner.x), static_cast<int>(owner.top + inOwner.y), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// As if the user had pressed beside it.
+void Dismiss(HWND handle) {
+    if (!IsWindow(handle)) return;
+    EndMenu();
+    if (GetCapture() == handle) ReleaseCapture();
+}
+
 // The owner of a dialog that waits for an answer is disabled: the dialog comes forward in its place.
 HWND EnabledFor(HWND handle) {
     if (IsWindowEnabled(handle)) return handle;
@@ -134,6 +157,12 @@ void Act(const MSG& read) {
             Resize(read.hwnd, {x, y});
             break;
         }
+        case ScreenEvent::Kind::Placed:
+            Place(read.hwnd, {x, y});
+            break;
+        case ScreenEvent::Kind::Dismissed:
+            Dismiss(read.hwnd);
+            break;
         default:
             break;
     }
@@ -171,8 +200,7 @@ void PostScreenEvent(HWND window, const ScreenEvent& event) {
     const WPARAM kind = static_cast<WPARAM>(event.kind) | static_cast<WPARAM>(event.code) << 8;
     switch (event.kind) {
         case Kind::Pointer: {
-            POINT point{event.x, event.y};
-            const LPARAM at = MAKELPARAM(point.x, point.y);
+            const LPARAM at = MAKELPARAM(event.x, event.y - BarOf(window));
             if (event.code == WM_MOUSEMOVE)
                 PostLatest(window, PointerStep(), WM_MOUSEMOVE, at);
             else

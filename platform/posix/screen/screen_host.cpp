@@ -36,6 +36,11 @@ public:
         out.dialog = window->parent != nullptr && (window->style & WS_CAPTION) == WS_CAPTION;
         Window* const owner = window->parent != nullptr ? FindWindowOf(window->parent) : nullptr;
         out.owner = owner != nullptr ? RootOf(*owner).handle : nullptr;
+        out.popup = window->popup;
+        if (const Window* const base = out.popup ? FindWindowOf(out.popup->owner) : nullptr) {
+            out.owner = base->handle;
+            out.popup->anchor = Moved(out.popup->anchor, 0, base->bar);
+        }
         out.size = {window->Width(), window->Height()};
         out.least = window->least;
         out.sizedByScreen = window->sizedByScreen;

@@ -18,7 +18,7 @@ HWND Successor(const Window& leaving) {
     const auto suits = [&](HWND handle) {
         const Window* window = FindWindowOf(handle);
         return window != nullptr && window->handle != leaving.handle && window->thread == leaving.thread && CanBeSeen(*window) &&
-               (window->style & (WS_DISABLED | WS_CHILD)) == 0 && !window->destroying;
+               (window->style & (WS_DISABLED | WS_CHILD)) == 0 && !window->popup && !window->destroying;
     };
     if (suits(leaving.parent)) return leaving.parent;
     const auto& order = Desktop().children;

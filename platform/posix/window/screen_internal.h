@@ -14,6 +14,7 @@
 
 #include "platform/posix/drawing/canvas_internal.h"
 #include "platform/posix/window/messages.h"
+#include "platform/posix/window/popup_place_internal.h"
 
 namespace orvik::detail {
 struct Window;
@@ -28,17 +29,11 @@ struct CursorLook {
     std::vector<uint32_t> pixels;  // 0xAARRGGBB, not premultiplied
 };
 
-// Where a popup belongs: beside an anchor in its owner. A screen that knows no absolute places needs no more.
-struct PopupSide {
-    RECT anchor{};        // in the owner's picture
-    bool beside = false;  // to the right of the anchor, as a submenu; else below it
-};
-
 // A top-level window as a screen is to show it.
 struct ShownWindow {
     bool visible = false, enabled = true, resizable = false, dialog = false;
-    HWND owner = nullptr;            // a top-level window, or null
-    std::optional<PopupSide> popup;  // of a window without a frame that belongs to another one's place
+    HWND owner = nullptr;             // a top-level window, or null
+    std::optional<PopupPlace> popup;  // its anchor is in the owner's picture
     SIZE size{}, least{1, 1};
     bool sizedByScreen = false;  // the size is what the screen said last, or was about to be overtaken
     unsigned raised = 0;         // grows when the program brings the window to the front
@@ -51,10 +46,10 @@ struct ShownWindow {
 
 // What comes from the user or the desktop.
 struct ScreenEvent {
-    enum class Kind { Pointer, Key, Text, Resized, State, Focused, Left, CloseWished, DotsChanged, Placed } kind;
+    enum class Kind { Pointer, Key, Text, Resized, State, Focused, Left, CloseWished, DotsChanged, Placed, Dismissed } kind;
     // Pointer: a mouse message, a point in the picture, the wheel's parts. Key: its VK_ code, whether it goes down. Resized: the
-    // size. State: one of ShownWindow::State. DotsChanged: dots an inch, and the size by these. Placed: where a popup came to lie
-    // in its owner's picture.
+    // size. Dismissed: the desktop has taken a popup away. State: one of ShownWindow::State. DotsChanged: dots an inch, and the
+    // size by these. Placed: where a popup came to lie in its owner's picture.
     UINT code = 0;
     int x = 0, y = 0, wheel = 0;
     bool down = false;

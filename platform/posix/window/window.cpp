@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <map>
 
-#include "platform/posix/dialogs/menu.h"
+#include "platform/posix/dialogs/menu_internal.h"
 #include "platform/posix/kernel/threads.h"
 #include "platform/posix/text/letters_internal.h"
 #include "platform/posix/window/dpi.h"
@@ -215,6 +215,10 @@ HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR text, DWORD style, 
         const std::lock_guard kernel(KernelLock());
         RemoveWindow(handle);
         return nullptr;
+    }
+    if (const LONG bar = MenuBarHeight(handle, create.cx); bar > 0) {
+        const std::lock_guard kernel(KernelLock());
+        if (Window* window = FindWindowOf(handle)) window->bar = bar;
     }
     if (CallProcedureOf(handle, WM_CREATE, 0, told) == -1) {
         DestroyTree(handle);

@@ -1,7 +1,8 @@
 // What a window does by itself about its place, its painting and its user.
 #include <algorithm>
+#include <utility>
 
-#include "platform/posix/dialogs/menu.h"
+#include "platform/posix/dialogs/menu_internal.h"
 #include "platform/posix/window/window_internal.h"
 #include "platform/posix/window/window_paint.h"
 
@@ -34,8 +35,36 @@ void TellPlace(HWND handle, const WINDOWPOS& pos) {
     if ((pos.flags & SWP_NOSIZE) == 0) SendMessageA(handle, WM_SIZE, kind, MAKELPARAM(client.right, client.bottom));
 }
 
+HWND RootHandle(HWND handle) {
+    const std::lock_guard kernel(KernelLock());
+    Window* window = FindWindowOf(handle);
+    return window == nullptr ? nullptr : RootOf(*window).handle;
+}
+
+LRESULT HitTest(HWND handle, POINT screen) {
+    RECT place{};
+    GetWindowRect(handle, &place);
+    if (!HoldsPoint(place, screen)) return HTNOWHERE;
+    const std::lock_guard kernel(KernelLock());
+    const Window* window = FindWindowOf(handle);
+    return window != nullptr && screen.y < place.top + window->bar ? HTMENU : HTCLIENT;
+}
+
+// Alt and F10, pressed and let go of with nothing between, open the menu bar.
+void NoteMenuKey(UINT key) {
+    MessageQueue& queue = CurrentQueue();
+    const std::lock_guard kernel(KernelLock());
+    queue.menuKey = key;
+}
+bool TakeMenuKey(WPARAM key) {
+    MessageQueue& queue = CurrentQueue();
+    const std::lock_guard kernel(KernelLock());
+    return std::exchange(queue.menuKey, 0u) == key && key != 0;
+}
+
 LRESULT ChooseCursor(HWND handle, WPARAM over, LPARAM lParam) {
     if (AskParent(handle, WM_SETCURSOR, over, lParam) != 0) return TRUE;
+    if (GET_X_LPARAM(lParam) == HTMENU) return ShowMenuCursor(), TRUE;
     if (GET_X_LPARAM(lParam) != HTCLIENT) return FALSE;
     HCURSOR cursor = nullptr;
     {
@@ -64,15 +93,20 @@ LRESULT DefaultAnswer(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
             return answer != 0 ? answer : MA_ACTIVATE;
         }
         case WM_CANCELMODE:
+            CancelMenuOf(handle);
             if (GetCapture() == handle) ReleaseCapture();
             return 0;
         case WM_SETCURSOR:
             return ChooseCursor(handle, wParam, lParam);
-        case WM_NCHITTEST: {
-            RECT place{};
-            GetWindowRect(handle, &place);
-            return HoldsPoint(place, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}) ? HTCLIENT : HTNOWHERE;
-        }
+        case WM_NCHITTEST:
+            return HitTest(handle, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+        case WM_NCPAINT:
+            PaintMenuBar(handle);
+            return 0;
+        case WM_NCLBUTTONDOWN:
+        case WM_NCLBUTTONDBLCLK:
+            if (wParam == HTMENU) SendMessageA(handle, WM_SYSCOMMAND, SC_MOUSEMENU | HTMENU, lParam);
+            return 0;
         case WM_SETREDRAW: {
             const std::lock_guard kernel(KernelLock());
             if (Window* window = FindWindowOf(handle)) {
@@ -96,14 +130,23 @@ LRESULT DefaultAnswer(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
             if (wParam == VK_APPS) SendMessageA(handle, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(handle), -1);
             return 0;
         case WM_SYSKEYDOWN:
-            if (wParam == VK_F4 && GetKeyState(VK_MENU) < 0) {
-                HWND root = handle;
-                while (const HWND parent = ParentOfChild(root)) root = parent;
-                PostMessageA(root, WM_SYSCOMMAND, SC_CLOSE, 0);
-            }
+            if (wParam == VK_F4 && GetKeyState(VK_MENU) < 0) PostMessageA(RootHandle(handle), WM_SYSCOMMAND, SC_CLOSE, 0);
+            if (wParam == VK_F10 && GetKeyState(VK_SHIFT) < 0)
+                SendMessageA(handle, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(handle), -1);
+            else if ((wParam == VK_MENU && (HIWORD(lParam) & KF_REPEAT) == 0) || wParam == VK_F10)
+                NoteMenuKey(static_cast<UINT>(wParam));
+            return 0;
+        case WM_SYSKEYUP:
+            if (TakeMenuKey(wParam)) SendMessageA(RootHandle(handle), WM_SYSCOMMAND, SC_KEYMENU, 0);
+            return 0;
+        case WM_SYSCHAR:
+            if (wParam > VK_SPACE && GetKeyState(VK_MENU) < 0)
+                SendMessageA(RootHandle(handle), WM_SYSCOMMAND, SC_KEYMENU, static_cast<LPARAM>(wParam));
             return 0;
         case WM_SYSCOMMAND:
             if ((wParam & 0xFFF0) == SC_CLOSE) SendMessageA(handle, WM_CLOSE, 0, 0);
+            if ((wParam & 0xFFF0) == SC_KEYMENU) TrackMenuBarByKey(handle, static_cast<WPARAM>(lParam));
+            if ((wParam & 0xFFF0) == SC_MOUSEMENU) TrackMenuBarByMouse(handle, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
             return 0;
         default:
             return PaintingAnswer(handle, message, wParam, lParam);

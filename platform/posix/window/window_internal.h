@@ -6,6 +6,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,7 +48,7 @@ struct Window {
 
     PixelRegion update;  // what is to be painted, in client coordinates
     bool erase = false, internalPaint = false;
-    std::shared_ptr<Canvas> canvas;  // of a top-level window that was drawn on
+    std::shared_ptr<Canvas> canvas;  // of a top-level window that was drawn on: its menu bar and, below that, its client area
     std::vector<HDC> contexts;       // got from it and not yet released
     HMENU menu = nullptr;
     RECT drawn{};                         // since a screen saw the picture
@@ -55,12 +56,14 @@ struct Window {
     bool sizedByScreen = false;           // the size that it has came from there
     unsigned raised = 0, stateAsked = 0;  // count what the program wants of a screen
     ShownWindow::State state = ShownWindow::State::Normal;
+    LONG bar = 0;                     // height of the menu bar, which lies above the client area; 0 for none
+    std::optional<PopupPlace> popup;  // of a popup
     std::array<SCROLLINFO, 2> scroll{SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0},
                                      SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0}};
 
     LONG Width() const { return rectangle.right - rectangle.left; }
     LONG Height() const { return rectangle.bottom - rectangle.top; }
-    RECT Client() const { return {0, 0, Width(), Height()}; }
+    RECT Client() const { return {0, 0, Width(), Height() - bar}; }
 };
 
 // A message on its way to another thread's window, shared by both threads.
@@ -97,6 +100,7 @@ struct MessageQueue {
     HCURSOR cursor = nullptr;
     int cursorShown = 0;
     std::array<BYTE, 256> keys{};
+    UINT menuKey = 0;    // Alt or F10, while it is down and nothing else was pressed: letting go of it opens the menu bar
     DWORD lastTime = 0;  // of the message read last
     POINT lastPoint{};
     struct Hook {
@@ -155,6 +159,11 @@ void NoteOpenContexts(DWORD thread);  // whoever holds one may have drawn on it:
 // Without the lock: erases what is to be erased in the window and below it.
 void EraseNow(HWND window);
 
+// Popups. Where one of that size lies on the desktop; under the lock.
+RECT PopupRectangle(const PopupPlace& place, SIZE size);
+// Moves the popup there and remembers how it lies, without the lock and without activating it.
+void PutPopup(HWND popup, const PopupPlace& place, SIZE size);
+
 // Focus and activation, without the lock; all windows are the calling thread's.
 bool Activate(HWND window, bool byMouse, bool byScreen = false);  // `byScreen`: it is in front there already
 void MoveFocus(HWND window);                                      // null for nobody; the messages of a focus change
@@ -163,7 +172,8 @@ HWND ForegroundWindow();                          // under the lock
 void RunMessageHooks(MSG& message, UINT remove);  // without the lock
 LRESULT DefaultAnswer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);  // to what concerns place, painting and input
 LRESULT PaintingAnswer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-POINT PointerPlace();  // under the lock
+POINT PointerPlace();        // under the lock
+bool IsPress(UINT message);  // a button goes down, once or twice
 
 // Calls the procedure without the lock; for a message that the calling thread may handle itself.
 LRESULT CallProcedureOf(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

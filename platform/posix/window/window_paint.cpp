@@ -14,7 +14,7 @@ namespace {
 // How a window's context was asked for, so that its clip can be worked out anew when windows move.
 struct Context {
     HWND window = nullptr;  // null for the desktop's
-    DWORD flags = 0;        // DCX_CLIPCHILDREN, DCX_CLIPSIBLINGS
+    DWORD flags = 0;        // DCX_CLIPCHILDREN, DCX_CLIPSIBLINGS, DCX_WINDOW
     bool limited = false;
     PixelRegion limit;  // in the window's coordinates; for limited ones
 };
@@ -41,10 +41,15 @@ CanvasPlace PlaceOf(const Context& context) {
     if (root.Width() == 0 || root.Height() == 0) return place;
     if (root.canvas == nullptr) root.canvas = MakeImageCanvas(root.Width(), root.Height());
     if (root.canvas == nullptr) return place;  // too large for memory
-    const POINT own = OriginOf(*window), above = OriginOf(root);
+    const POINT own = OriginOf(*window);
     place.canvas = root.canvas;
-    place.origin = {own.x - above.x, own.y - above.y};
+    place.origin = {own.x - root.rectangle.left, own.y - root.rectangle.top};
     PixelRegion seen = VisibleRegion(*window, (context.flags & DCX_CLIPCHILDREN) != 0, (context.flags & DCX_CLIPSIBLINGS) != 0);
+    seen.Offset(0, root.bar);
+    if ((context.flags & DCX_WINDOW) != 0 && window->bar > 0) {
+        place.origin = {};
+        seen.Combine(RECT{0, 0, root.Width(), root.bar}, RGN_OR);
+    }
     if (context.limited) {
         PixelRegion limit = context.limit;
         limit.Offset(place.origin.x, place.origin.y);
@@ -274,16 +279,16 @@ HDC GetDCEx(HWND handle, HRGN region, DWORD flags) {
     return dc;
 }
 
-HDC GetDC(HWND handle) {
-    DWORD flags = 0;
-    {
-        const std::lock_guard kernel(KernelLock());
-        if (const Window* window = FindWindowOf(handle)) flags = ClipFlagsOf(*window);
-    }
-    return GetDCEx(handle, nullptr, flags);
+namespace {
+DWORD StyleFlags(HWND handle) {
+    const std::lock_guard kernel(KernelLock());
+    const Window* window = FindWindowOf(handle);
+    return window == nullptr ? 0 : ClipFlagsOf(*window);
 }
+}  // namespace
 
-HDC GetWindowDC(HWND handle) { return GetDC(handle); }
+HDC GetDC(HWND handle) { return GetDCEx(handle, nullptr, StyleFlags(handle)); }
+HDC GetWindowDC(HWND handle) { return GetDCEx(handle, nullptr, StyleFlags(handle) | DCX_WINDOW); }
 
 int ReleaseDC(HWND, HDC dc) {
     bool closed = false;

@@ -2,7 +2,9 @@
 #include "platform/posix/window/window_place.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "platform/posix/dialogs/menu_internal.h"
 #include "platform/posix/window/window_internal.h"
 #include "platform/posix/window/window_paint.h"
 
@@ -38,16 +40,18 @@ void InvalidateAround(const Window& window, const PixelRegion& uncovered, bool e
     InvalidateRegion(*parent, uncovered, RDW_INVALIDATE | (erase ? RDW_ERASE : 0) | RDW_ALLCHILDREN);
 }
 
-// Carries out what `pos` says and tells in its flags what came of it.
-bool ApplyPlace(Window& window, WINDOWPOS& pos) {
+// Carries out what `pos` says, with a menu bar of that height, and tells in its flags what came of it.
+bool ApplyPlace(Window& window, WINDOWPOS& pos, LONG bar) {
     const bool wasSeen = CanBeSeen(window);
-    const RECT before = window.rectangle;
+    const RECT before = window.rectangle, oldClient = window.Client();
+    const bool framed = std::exchange(window.bar, bar) != bar;
     const RECT after{pos.x, pos.y, pos.x + pos.cx, pos.y + pos.cy};
     const bool moved = after.left != before.left || after.top != before.top;
     const bool sized = pos.cx != window.Width() || pos.cy != window.Height();
     const bool shown = (window.style & WS_VISIBLE) != 0;
     if (!moved) pos.flags |= SWP_NOMOVE;
-    if (!sized) pos.flags |= SWP_NOSIZE;
+    // A bar that comes, goes or wraps changes the client area.
+    pos.flags = sized || framed ? pos.flags & ~SWP_NOSIZE : pos.flags | SWP_NOSIZE;
     if (shown) pos.flags &= ~SWP_SHOWWINDOW;
     if (!shown) pos.flags &= ~SWP_HIDEWINDOW;
     const bool ordered = (pos.flags & SWP_NOZORDER) == 0 && Reorder(window, pos.hwndInsertAfter);
@@ -74,17 +78,19 @@ bool ApplyPlace(Window& window, WINDOWPOS& pos) {
         }
         const UINT anew = window.windowClass->info.style;
         PixelRegion todo;
-        if (isSeen && (!wasSeen || (child && moved) || ordered || (pos.flags & (SWP_NOCOPYBITS | SWP_FRAMECHANGED)) != 0 ||
-                       (after.right - after.left != before.right - before.left && (anew & CS_HREDRAW) != 0) ||
-                       (after.bottom - after.top != before.bottom - before.top && (anew & CS_VREDRAW) != 0))) {
-            todo = window.Client();
+        const RECT client = window.Client();
+        if (isSeen &&
+            (!wasSeen || framed || (child && moved) || ordered || (pos.flags & (SWP_NOCOPYBITS | SWP_FRAMECHANGED)) != 0 ||
+             (client.right != oldClient.right && (anew & CS_HREDRAW) != 0) ||
+             (client.bottom != oldClient.bottom && (anew & CS_VREDRAW) != 0))) {
+            todo = client;
         } else if (isSeen && sized) {
-            todo = window.Client();
-            todo.Combine(RECT{0, 0, before.right - before.left, before.bottom - before.top}, RGN_DIFF);
+            todo = client;
+            todo.Combine(oldClient, RGN_DIFF);
         }
-        if (child || sized || !wasSeen) InvalidateRegion(window, todo, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+        if (child || sized || framed || !wasSeen) InvalidateRegion(window, todo, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
     }
-    if (sized) window.update.Combine(window.Client(), RGN_AND);
+    if (sized || framed) window.update.Combine(window.Client(), RGN_AND);
     if (!isSeen) window.update = {};
     return true;
 }
@@ -148,13 +154,15 @@ BOOL SetWindowPos(HWND handle, HWND insertAfter, int x, int y, int width, int he
         bound();
     }
     bool changed = false;
+    const LONG bar = MenuBarHeight(handle, pos.cx);
     {
         const std::lock_guard kernel(KernelLock());
         Window* window = FindWindowOf(handle);
         if (window == nullptr) return Finish(ERROR_INVALID_WINDOW_HANDLE);
-        changed = ApplyPlace(*window, pos);
+        changed = ApplyPlace(*window, pos, bar);
     }
     if ((pos.flags & (SWP_NOACTIVATE | SWP_HIDEWINDOW)) == 0 && !child && IsWindowVisible(handle)) Activate(handle, false);
+    if ((pos.flags & SWP_NOREDRAW) == 0 && changed && bar > 0) SendMessageA(handle, WM_NCPAINT, 1, 0);
     if ((pos.flags & (SWP_NOREDRAW | SWP_DEFERERASE)) == 0 && changed) EraseNow(handle);
     if (changed && IsWindow(handle)) SendMessageA(handle, WM_WINDOWPOSCHANGED, 0, reinterpret_cast<LPARAM>(&pos));
     if ((pos.flags & SWP_HIDEWINDOW) != 0) LeaveWindow(handle);
@@ -202,6 +210,8 @@ BOOL IsZoomed(HWND handle) {
     return With<BOOL>(handle, [](const Window& window) { return window.state == ShownWindow::State::Maximised; });
 }
 
-BOOL AdjustWindowRectEx(LPRECT rectangle, DWORD, BOOL, DWORD) {
-    return Finish(rectangle == nullptr ? ERROR_INVALID_PARAMETER : ERROR_SUCCESS);
+BOOL AdjustWindowRectEx(LPRECT rectangle, DWORD, BOOL menu, DWORD) {
+    if (rectangle == nullptr) return Finish(ERROR_INVALID_PARAMETER);
+    if (menu) rectangle->top -= GetSystemMetrics(SM_CYMENU);
+    return TRUE;
 }

@@ -1,7 +1,7 @@
 // Where windows are: rectangles, the order in which they lie upon each other, showing, activation and focus.
 // The desktop in memory measures 1920 by 1080 pixels; every top-level window lies on it and has a picture of its own, so windows
-// of the desktop do not hide each other. There are no frames: a window is its client area, whatever its style says. Any thread
-// may ask. A window is moved, shown and focused by the thread that owns it.
+// of the desktop do not hide each other. There are no frames: a window is its client area, whatever its style says, and above
+// that the bar of its menu if it has one. Any thread may ask. A window is moved, shown and focused by the thread that owns it.
 #pragma once
 
 #include "platform/posix/window/window.h"
@@ -67,12 +67,15 @@
 #define MA_NOACTIVATE 3
 #define MA_NOACTIVATEANDEAT 4
 #define SC_CLOSE 0xF060
+#define SC_MOUSEMENU 0xF090
+#define SC_KEYMENU 0xF100
 
 #define HTERROR (-2)
 #define HTTRANSPARENT (-1)
 #define HTNOWHERE 0
 #define HTCLIENT 1
 #define HTCAPTION 2
+#define HTMENU 5
 
 #define SM_CXSCREEN 0
 #define SM_CYSCREEN 1
@@ -132,7 +135,7 @@ ORVIK_API BOOL WINAPI ClientToScreen(HWND window, LPPOINT point);
 ORVIK_API BOOL WINAPI ScreenToClient(HWND window, LPPOINT point);
 // Null stands for the desktop. The result holds the two shifts as signed 16-bit numbers, x in the low word.
 ORVIK_API int WINAPI MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count);
-ORVIK_API BOOL WINAPI AdjustWindowRectEx(LPRECT rectangle, DWORD style, BOOL menu, DWORD exStyle);  // no frame: unchanged
+ORVIK_API BOOL WINAPI AdjustWindowRectEx(LPRECT rectangle, DWORD style, BOOL menu, DWORD exStyle);  // a bar of one row
 // Sends WM_WINDOWPOSCHANGING, which may change what will be, and then, if anything came to change, WM_WINDOWPOSCHANGED; the
 // default answer to that sends WM_MOVE and WM_SIZE. Sizes below 0 are 0.
 ORVIK_API BOOL WINAPI SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width, int height, UINT flags);

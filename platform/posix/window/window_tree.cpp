@@ -44,7 +44,7 @@ POINT OriginOf(const Window& window) {
     POINT origin{};
     for (const Window* at = &window; at != nullptr; at = at->style & WS_CHILD ? FindWindowOf(at->parent) : nullptr) {
         origin.x += at->rectangle.left;
-        origin.y += at->rectangle.top;
+        origin.y += at->rectangle.top + at->bar;
     }
     return origin;
 }
@@ -190,7 +190,7 @@ HWND WindowFromPoint(POINT screen) {
         if (child == nullptr) return at->handle;
         at = FindWindowOf(child);
         screen.x -= at->rectangle.left;
-        screen.y -= at->rectangle.top;
+        screen.y -= at->rectangle.top + at->bar;
     }
 }
 
@@ -217,6 +217,7 @@ BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
     return With<BOOL>(handle, [&](const Window& window) {
         const POINT origin = OriginOf(window);
         *rectangle = Moved(window.Client(), origin.x, origin.y);
+        rectangle->top -= window.bar;
         return TRUE;
     });
 }
