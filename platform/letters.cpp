@@ -40,6 +40,14 @@ size_t OrvikColumns(std::string_view utf8) {
     return columns;
 }
 
+bool OrvikHasRightToLeft(std::string_view utf8) {
+    for (utf8.remove_prefix(AsciiPrefix(utf8)); !utf8.empty();) {
+        const char32_t character = TakeUtf8(utf8);
+        if (character != kInvalid && IsRightToLeft(character)) return true;
+    }
+    return false;
+}
+
 std::string OrvikTypedText::Take(WPARAM typed) {
     if (!HouseIsUtf8()) return std::string(1, static_cast<char>(typed));
     const auto unit = static_cast<char16_t>(typed);

@@ -11,4 +11,6 @@ size_t CharacterBefore(std::string_view text, size_t end);
 size_t CharacterOf(std::string_view text, size_t at);
 // 2 for a wide one, 0 for one that sits on another or is not seen, else 1.
 size_t ColumnsOf(char32_t character);
+// Of a script that is read from the right, its digits included.
+bool IsRightToLeft(char32_t character);
 }  // namespace orvik::detail

@@ -1,6 +1,7 @@
 // locale: the user's regional settings as the module has read them, and a sample of every kind of text.
 #include "host/command_line/commands.h"
 #include "host/words/arguments.h"
+#include "host/words/isolated.h"
 #include "host/words/texts.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
@@ -9,7 +10,9 @@
 #include "time/span_text.h"
 
 namespace {
-void Line(const char* name, const CString& text) { Print(std::string(name) + ": " + ToUtf8(static_cast<const char*>(text))); }
+void Line(const char* name, const CString& text) {
+    Print(std::string(name) + ": " + Isolated(ToUtf8(static_cast<const char*>(text))));
+}
 CString Quoted(char separator) { return separator == 0 ? CString("\"\"") : "\"" + CString(separator) + "\""; }
 }  // namespace
 

@@ -10,6 +10,7 @@
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
 #include "host/words/console.h"
+#include "host/words/isolated.h"
 #include "host/words/json_text.h"
 #include "host/words/texts.h"
 #include "platform/letters.h"
@@ -60,7 +61,7 @@ public:
     }
     void Row(std::string& out, __int64 time, const double* values) override {
         const std::string stamp = TimeTextOf(time);
-        out += stamp;
+        out += Isolated(stamp);
         out.append(m_timeWidth - std::min(m_timeWidth, OrvikColumns(stamp)), ' ');
         for (const Column& column : m_columns) Right(out, Cell(column, values[column.place]), column.width);
         out.erase(out.find_last_not_of(' ') + 1);
@@ -80,7 +81,7 @@ private:
     }
     static void Right(std::string& out, const std::string& cell, size_t width) {
         out.append(2 + width - std::min(width, OrvikColumns(cell)), ' ');
-        out += cell;
+        out += Isolated(cell);
     }
 
     const std::string m_picture;

@@ -64,3 +64,10 @@ size_t orvik::detail::ColumnsOf(char32_t c) {
     if ((type & C3_HALFWIDTH) != 0) return 1;
     return (type & (C3_FULLWIDTH | C3_IDEOGRAPH | C3_HIRAGANA | C3_KATAKANA)) != 0 || (c >= 0xAC00 && c < 0xD7A4) ? 2 : 1;
 }
+
+bool orvik::detail::IsRightToLeft(char32_t c) {
+    if (c >= 0x10000) return (c >= 0x10800 && c < 0x11000) || (c >= 0x1E800 && c < 0x1F000);
+    const auto unit = static_cast<WCHAR>(c);
+    WORD type = 0;
+    return GetStringTypeW(CT_CTYPE2, &unit, 1, &type) && (type == C2_RIGHTTOLEFT || type == C2_ARABICNUMBER);
+}

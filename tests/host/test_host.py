@@ -866,6 +866,19 @@ class Regional(HostTest):
         for line in ("morning: \"AM\"", "afternoon: \"PM\"", "leading zero: 1", "real: -1,234,567.89", "short date: 7/4/2026", "clock: 3:06:07 PM", "words: 1 weeks 1 days"):
             self.assertIn(line, american)
 
+    def test_what_is_read_from_the_right_keeps_its_column(self):
+        (self.folder / "a.csv").write_text("time,رطوبة [%],b,ab Ω\n2026-05-28T20:26:40Z,1,2,3\n", encoding="utf-8")
+        self.done("convert", "a.csv", "a.odb")
+        table = self.done("show", "a.odb").out
+        self.assertRegex(table, "^Time +\u2068رطوبة \\[%\\]\u2069\u200e +b +ab Ω\n")
+        heading, row = (re.sub("[\u2068\u2069\u200e]", "", line) for line in table.splitlines())
+        self.assertEqual(len(heading), len(row))
+        for words in (("show", "a.odb", "--csv"), ("show", "a.odb", "--json")):
+            self.assertNotIn("\u2068", self.done(*words).out)
+        if not options.wine:
+            picture = self.done("show", "a.odb", "--picture", "#.#", language="ar_EG.UTF-8").out.splitlines()[1]
+            self.assertRegex(picture, "^\u2068[^\u2069]+م\u2069\u200e +\u2068١٫٠\u2069\u200e +\u2068٢٫٠\u2069\u200e +\u2068٣٫٠\u2069\u200e$")
+
     def test_spans_and_pictures(self):
         port = self.simulate()
         self.done("download", "--port", port, "--out", "s.odb", "--interval", "0.2 s", "--for", "800 ms", "--timeout", "1 s")
