@@ -142,8 +142,3 @@ std::vector<size_t> BreaksBeyondBlanks(std::string_view text) {
     return breaks;
 }
 }  // namespace orvik::detail
-
-bool orvik::detail::IsRightToLeft(char32_t character) {
-    const UCharDirection direction = u_charDirection(static_cast<UChar32>(character));
-    return direction == U_RIGHT_TO_LEFT || direction == U_RIGHT_TO_LEFT_ARABIC || direction == U_ARABIC_NUMBER;
-}
