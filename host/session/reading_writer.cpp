@@ -12,12 +12,21 @@
 #include "host/words/console.h"
 #include "host/words/isolated.h"
 #include "host/words/json_text.h"
+#include "host/words/same_text.h"
 #include "host/words/texts.h"
 #include "platform/letters.h"
 
 namespace {
 std::string HeadingOf(const Session::Channel& channel) {
     return ToUtf8(channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]");
+}
+
+// On one line, and nothing that a terminal would obey.
+std::string ShownHeading(const Session::Channel& channel) {
+    std::string heading = WithoutControls(HeadingOf(channel));
+    std::replace_if(
+        heading.begin(), heading.end(), [](char c) { return c == '\t' || c == '\r' || c == '\n'; }, ' ');
+    return heading;
 }
 
 // The times of the first and the last reading, and of some between.
@@ -46,7 +55,7 @@ public:
         for (const size_t place : shown) {
             double low = 0, high = 0;
             const bool any = session.Range(place, low, high);
-            Column column{place, HeadingOf(session.Channels()[place]), ColumnFormat(low, high), 0};
+            Column column{place, ShownHeading(session.Channels()[place]), ColumnFormat(low, high), 0};
             column.width = OrvikColumns(column.heading);
             if (any) column.width = std::max({column.width, OrvikColumns(Cell(column, low)), OrvikColumns(Cell(column, high))});
             m_columns.push_back(std::move(column));
@@ -172,7 +181,7 @@ ShownChannels ChannelsNamed(const Session& session, const std::vector<std::strin
         std::string there;
         for (size_t i = 0; i < all.size(); ++i) {
             there += (i == 0 ? "" : ", ") + ToUtf8(all[i].name);
-            if (all[i].name != name && all[i].key != name) continue;
+            if (!LookTheSame(all[i].name, name) && !LookTheSame(all[i].key, name)) continue;
             found = true;
             if (std::find(shown.begin(), shown.end(), i) == shown.end()) shown.push_back(i);
         }

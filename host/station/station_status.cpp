@@ -232,6 +232,7 @@ std::string StationStatus::Words(bool running) const {
     std::string out = running ? Say(Text::StationRunning, {Isolated(ToUtf8(name)), Isolated(TimeTextOf(started))})
                       : ended ? Say(Text::StationEnded, {Isolated(ToUtf8(name)), Isolated(TimeTextOf(written))})
                               : Say(Text::StationStale, {Isolated(ToUtf8(name)), Isolated(TimeTextOf(written))});
+    if (out.ends_with("..")) out.pop_back();  // a clock may end in "p.m."
     const auto line = [&](const std::string& text) { out += "\n    " + text; };
     for (const Logger& logger : loggers) {
         const LoggerReport& report = logger.report;
