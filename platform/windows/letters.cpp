@@ -59,6 +59,8 @@ size_t OrvikPreviousLetter(std::string_view text, size_t at) {
 
 size_t orvik::detail::ColumnsOf(char32_t c) {
     if (c != 0xAD && Joins(c)) return 0;
+    if (c >= 0x1160 && c < 0x1200) return 0;  // parts of a Korean syllable behind its first one, which has two columns
+    if (c >= 0x1100 && c < 0x1160) return 2;
     if (c >= 0x20000 || (c >= 0x1F300 && c < 0x1FB00)) return 2;
     const WORD type = Type3(c);
     if ((type & C3_HALFWIDTH) != 0) return 1;

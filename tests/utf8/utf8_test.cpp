@@ -102,6 +102,7 @@ TEST(Utf8Process, TextsHaveOneFormAndASide) {
         EXPECT_EQ(row.fromRight, IsLineFromRight(row.text)) << row.text;
         EXPECT_EQ(row.holdsFromRight, OrvikHasRightToLeft(row.text)) << row.text;
     }
+    EXPECT_EQ(OrvikColumns("\uD55C"), OrvikColumns("\u1112\u1161\u11AB"));
 }
 
 TEST(Utf8Process, LettersHaveTheirCase) {

@@ -14,6 +14,9 @@ size_t OrvikPreviousLetter(std::string_view text, size_t at) { return orvik::det
 size_t orvik::detail::ColumnsOf(char32_t character) {
     const auto c = static_cast<UChar32>(character);
     if ((U_GET_GC_MASK(c) & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0) return 0;
+    // The parts of a Korean syllable behind its first one share that one's columns.
+    const int part = u_getIntPropertyValue(c, UCHAR_HANGUL_SYLLABLE_TYPE);
+    if (part == U_HST_VOWEL_JAMO || part == U_HST_TRAILING_JAMO) return 0;
     const int width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
