@@ -40,6 +40,30 @@ size_t OrvikColumns(std::string_view utf8) {
     return columns;
 }
 
+bool OrvikHasRightToLeft(std::string_view utf8) {
+    for (utf8.remove_prefix(AsciiPrefix(utf8)); !utf8.empty();) {
+        const char32_t character = TakeUtf8(utf8);
+        if (character == kInvalid) continue;
+        const Reading reading = ReadingOf(character);
+        if (reading == Reading::FromRight || reading == Reading::ArabicNumber) return true;
+    }
+    return false;
+}
+
+bool orvik::detail::IsLineFromRight(std::string_view text) {
+    if (!HouseIsUtf8() || AsciiPrefix(text) == text.size()) return false;
+    while (!text.empty()) {
+        const Reading reading = ReadingOf(TakeHouse(text));
+        if (reading == Reading::FromLeft || reading == Reading::FromRight) return reading == Reading::FromRight;
+    }
+    return false;
+}
+
+std::string OrvikComposed(std::string_view text) {
+    const bool plain = AsciiPrefix(text) == text.size() || !HouseIsUtf8() || !IsUtf8(text);
+    return plain ? std::string(text) : FormC(text);
+}
+
 std::string OrvikTypedText::Take(WPARAM typed) {
     if (!HouseIsUtf8()) return std::string(1, static_cast<char>(typed));
     const auto unit = static_cast<char16_t>(typed);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace orvik::detail {
@@ -11,4 +12,11 @@ size_t CharacterBefore(std::string_view text, size_t end);
 size_t CharacterOf(std::string_view text, size_t at);
 // 2 for a wide one, 0 for one that sits on another or is not seen, else 1.
 size_t ColumnsOf(char32_t character);
+// Unicode's form C of UTF-8; the text itself where that fails.
+std::string FormC(std::string_view utf8);
+// How a character is read: strongly from one side, as a number of Arabic, or as its neighbours are.
+enum class Reading { FromLeft, FromRight, ArabicNumber, AsNeighbours };
+Reading ReadingOf(char32_t character);
+// Whether a line of this process's text is read from the right: its first letter that has a direction says so.
+bool IsLineFromRight(std::string_view text);
 }  // namespace orvik::detail

@@ -1,6 +1,7 @@
 // Pictures as SVG: one element a line, in the order of drawing, so that two pictures can be compared and text can be searched.
 #include <map>
 
+#include "platform/letters_internal.h"
 #include "platform/vector_sink_internal.h"
 
 namespace orvik::detail {
@@ -143,8 +144,14 @@ protected:
                                                    : !text.underline ? "line-through"
                                                                      : "underline line-through");
         m_text += Attribute("fill", Colour(text.colour));
-        if (text.anchor != VectorAnchor::start)
-            m_text += Attribute("text-anchor", text.anchor == VectorAnchor::middle ? "middle" : "end");
+        // A line from the right starts at its right end.
+        const bool fromRight = IsLineFromRight(text.text);
+        if (fromRight) m_text += Attribute("direction", "rtl");
+        if (text.anchor == VectorAnchor::middle) {
+            m_text += Attribute("text-anchor", "middle");
+        } else if ((text.anchor == VectorAnchor::end) != fromRight) {
+            m_text += Attribute("text-anchor", "end");
+        }
         if (text.angle != 0)
             m_text += Attribute("transform", "rotate(" + VectorNumber(-text.angle) + " " + VectorNumber(text.x) + " " +
                                                  VectorNumber(text.y) + ")");

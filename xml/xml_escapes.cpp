@@ -10,7 +10,7 @@
 namespace orvik::detail {
 namespace {
 // What a byte needs: nothing, an end, or one of the escapes by its number.
-enum : unsigned char { kPlain = 0, kEnd, kAmp, kLess, kGreater, kApos, kQuote, kHigh, kFirstLetter };
+enum : unsigned char { kPlain = 0, kEnd, kAmp, kLess, kGreater, kApos, kQuote, kControl, kHigh, kFirstLetter };
 
 constexpr std::array<unsigned char, 256> TextClasses() {
     std::array<unsigned char, 256> classes{};
@@ -22,6 +22,13 @@ constexpr std::array<unsigned char, 256> TextClasses() {
 }
 constexpr std::array<unsigned char, 256> With1252Letters(std::array<unsigned char, 256> classes) {
     for (unsigned i = 0; i < 7; ++i) classes[XmlEntities::kCode[i]] = static_cast<unsigned char>(kFirstLetter + i);
+    return classes;
+}
+// In UTF-8 no reader of XML may stumble: what XML has no way to say, not even by its number, is written as U+FFFD.
+constexpr std::array<unsigned char, 256> WithControls(std::array<unsigned char, 256> classes) {
+    for (unsigned byte = 1; byte < ' '; ++byte) {
+        if (byte != '\t' && byte != '\r' && byte != '\n') classes[byte] = kControl;
+    }
     return classes;
 }
 // In UTF-8 any byte above 127 is looked at together with those that follow.
@@ -38,10 +45,10 @@ constexpr std::array<unsigned char, 256> AttributeClasses() {
     return classes;
 }
 constexpr auto kTextClass = With1252Letters(TextClasses());
-constexpr auto kUtf8TextClass = WithHighBytes(TextClasses());
+constexpr auto kUtf8TextClass = WithControls(WithHighBytes(TextClasses()));
 constexpr auto kAttributeClass = AttributeClasses();
-constexpr auto kUtf8AttributeClass = WithHighBytes(AttributeClasses());
-constexpr std::string_view kEscape[] = {"", "", "&amp;", "&lt;", "&gt;", "&apos;", "&quot;"};
+constexpr auto kUtf8AttributeClass = WithControls(WithHighBytes(AttributeClasses()));
+constexpr std::string_view kEscape[] = {"", "", "&amp;", "&lt;", "&gt;", "&apos;", "&quot;", "\uFFFD"};
 
 // One character of UTF-8 text from its first byte on. A byte that belongs to none is written as the Windows-1252 character of its
 // value: what stands in the file is UTF-8 in any case. The number of bytes taken.
@@ -54,7 +61,9 @@ size_t AppendHigh(ShortText& out, std::string_view text, const XmlEntities* enti
         out << entities->m_text[i].GetView();
         return taken;
     }
-    if (taken > 1) {
+    if (character == 0xFFFE || character == 0xFFFF) {
+        out << kEscape[kControl];
+    } else if (taken > 1) {
         out << text.substr(0, taken);
     } else {
         std::string said;

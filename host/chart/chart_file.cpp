@@ -3,9 +3,12 @@
 #include <algorithm>
 
 #include "host/chart/chart_view.h"
+#include "host/session/value_text.h"
 #include "host/words/console.h"
 #include "host/words/texts.h"
+#include "platform/letters.h"
 #include "platform/picture.h"
+#include "time/number_text.h"
 
 void RequirePictureName(const std::string& path) {
     CString end = path.size() < 4 ? "" : path.substr(path.size() - 4).c_str();
@@ -20,6 +23,18 @@ void RequirePictureSize(const std::string& path, SIZE size) {
     end.MakeLower();
     if (end == ".png" && static_cast<__int64>(size.cx) * size.cy > kOrvikPicturePixels)
         throw Failure{kWrongUse, Say(Text::PictureTooLarge, {std::to_string(kOrvikPicturePixels)})};
+}
+
+void TellLettersWithoutFont(const ChartModel& model) {
+    std::string texts = model.Title();
+    for (const ChartModel::Series& series : model.AllSeries()) texts += series.name;
+    for (const ChartTag& tag : model.Tags()) texts += tag.text;
+    CString digits("0123456789");
+    NlsToOwnDigits(digits);
+    texts += digits.GetString();
+    const std::string times = TimeTextOf(model.First()) + TimeTextOf(model.Last());
+    const std::string without = OrvikLettersWithoutFont(ToUtf8(texts) + times);
+    if (!without.empty()) PrintError(Say(Text::NoFontHas, {without}));
 }
 
 bool WriteChart(ChartModel& model, const std::string& path, SIZE size) {

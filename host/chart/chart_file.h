@@ -11,3 +11,5 @@ void RequirePictureName(const std::string& path);
 void RequirePictureSize(const std::string& path, SIZE size);
 // Replaces what is there, as a whole. False: the picture is so small that it lacks something without saying so.
 bool WriteChart(ChartModel& model, const std::string& path, SIZE size);
+// To the error stream, where no font of the machine has some letters of the chart: they are boxes in the picture.
+void TellLettersWithoutFont(const ChartModel& model);

@@ -10,6 +10,7 @@
 #include "chart/unit_axis.h"
 #include "host/session/value_text.h"
 #include "host/words/console.h"
+#include "host/words/same_text.h"
 #include "host/words/texts.h"
 
 namespace {
@@ -55,7 +56,9 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
     std::string names;
     for (const auto& channel : all) names += (names.empty() ? "" : ", ") + ToUtf8(channel.name);
     for (const std::string& wanted : channels) {
-        const auto fits = [&](const Session::Channel& channel) { return wanted == channel.name || wanted == channel.key; };
+        const auto fits = [&](const Session::Channel& channel) {
+            return LookTheSame(wanted, channel.name) || LookTheSame(wanted, channel.key);
+        };
         if (std::none_of(all.begin(), all.end(), fits)) throw Failure{kWrongUse, Say(Text::NoChannel, {ToUtf8(wanted), names})};
     }
 
@@ -98,7 +101,9 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
             for (const size_t k : order) m_sortedValues[i].push_back(values[k]);
             values = m_sortedValues[i].data();
         }
-        const auto named = [&](const std::string& wanted) { return wanted == channel.name || wanted == channel.key; };
+        const auto named = [&](const std::string& wanted) {
+            return LookTheSame(wanted, channel.name) || LookTheSame(wanted, channel.key);
+        };
         if (!channels.empty() && std::none_of(channels.begin(), channels.end(), named)) continue;
         unit->series.push_back(m_series.size());
         m_series.push_back({channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]",

@@ -37,7 +37,9 @@ LONG WidthOfText(const CDC& dc, const std::string& text) {
 
 void Write(CDC& dc, const std::string& text, RECT rect) {
     if (Empty(rect)) return;
-    dc.DrawText(text.c_str(), static_cast<int>(text.size()), &rect, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+    // A text that fits is not cut: who looks at an SVG may have another font, in which it is wider.
+    const UINT cut = WidthOfText(dc, text) > rect.right - rect.left ? DT_END_ELLIPSIS : DT_NOCLIP;
+    dc.DrawText(text.c_str(), static_cast<int>(text.size()), &rect, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | cut);
 }
 
 COLORREF Pale(COLORREF colour) {

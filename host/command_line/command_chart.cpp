@@ -79,5 +79,6 @@ ExitCode RunChart(CHostApp&, const Words& words) {
     if (change) SaveSession(file.path, session, db);
     Print(Say(change ? Text::ChartMadeTagsKept : Text::ChartMade, {ToUtf8(out), ToUtf8(file.path)}));
     if (!tells) Print(Say(Text::PictureTooSmall));
+    TellLettersWithoutFont(model);
     return kDone;
 }

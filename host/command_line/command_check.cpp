@@ -8,6 +8,7 @@
 #include "host/session/session.h"
 #include "host/station/station_files.h"
 #include "host/words/arguments.h"
+#include "host/words/isolated.h"
 #include "host/words/span_words.h"
 #include "host/words/texts.h"
 
@@ -24,8 +25,9 @@ ExitCode CheckStation(CHostApp& app, const std::string& path) {
             CPropertyDB description = logger->description;
             const Session session(description, logger->plan.port);
             ports.insert(logger->plan.port);
-            Print(ToUtf8(logger->key) + "  " + ToUtf8(logger->plan.port) + "  " + WordsFromSpan(logger->record.interval) + "  " +
-                  std::to_string(session.Channels().size()) + "  " + ToUtf8(logger->record.path));
+            Print(Isolated(ToUtf8(logger->key)) + "  " + Isolated(ToUtf8(logger->plan.port)) + "  " +
+                  WordsFromSpan(logger->record.interval) + "  " + std::to_string(session.Channels().size()) + "  " +
+                  Isolated(ToUtf8(logger->record.path)));
         }
         Print(Say(Text::StationWhole,
                   {ToUtf8(station.name), std::to_string(station.loggers.size()), std::to_string(ports.size())}));
@@ -46,8 +48,8 @@ ExitCode RunCheck(CHostApp& app, const Words& words) {
     MakeLogger(app, description);  // what it cannot use, it says
     const Session session(description, "");
     for (const Session::Channel& channel : session.Channels()) {
-        std::string line = ToUtf8(channel.key) + "  " + ToUtf8(channel.name);
-        if (!channel.unit.empty()) line += "  " + ToUtf8(channel.unit);
+        std::string line = Isolated(ToUtf8(channel.key)) + "  " + Isolated(ToUtf8(channel.name));
+        if (!channel.unit.empty()) line += "  " + Isolated(ToUtf8(channel.unit));
         Print(line);
     }
     return kDone;

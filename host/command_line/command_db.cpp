@@ -4,6 +4,7 @@
 #include "host/session/database_file.h"
 #include "host/session/value_text.h"
 #include "host/words/arguments.h"
+#include "host/words/isolated.h"
 #include "host/words/texts.h"
 
 namespace {
@@ -86,7 +87,7 @@ void ListDatabase(const CPropertyDB& db, const std::string& prefix, bool whole) 
         const CObject* value = db.GetValueObject(key.c_str(), TRUE);
         const std::string kind = KindOf(value);
         const std::string text = kind.empty() ? "" : whole ? TextOf(value) : BriefTextOf(value);
-        Print(kind.empty() ? ToUtf8(key) + "." : ToUtf8(key) + "  " + kind + "  " + text);
+        Print(kind.empty() ? Isolated(ToUtf8(key)) + "." : Isolated(ToUtf8(key)) + "  " + kind + "  " + Isolated(text));
     }
 }
 

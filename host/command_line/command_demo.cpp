@@ -13,6 +13,7 @@
 #include "host/session/recording_files.h"
 #include "host/session/value_text.h"
 #include "host/words/arguments.h"
+#include "host/words/shell_word.h"
 #include "host/words/texts.h"
 
 namespace {
@@ -62,7 +63,7 @@ void RequireOwnFolder(const std::string& session, CPropertyDB& description, cons
     if (force) return;
     RequireReplaceable(session, description);
     if (FileExists(RecordingBeside(session)))
-        throw Failure{kFileFailed, Say(Text::LeftOverDemo, {ToUtf8(RecordingBeside(session)), ToUtf8(session)})};
+        throw Failure{kFileFailed, Say(Text::LeftOverDemo, {ToUtf8(RecordingBeside(session)), ShellWord(session)})};
     if (FileExists(session)) return;
     for (const std::string& file : others) {
         if (FileExists(file)) throw Failure{kFileFailed, Say(Text::NotOurs, {ToUtf8(file)})};
@@ -127,6 +128,7 @@ ExitCode RunDemo(CHostApp& app, const Words& words) {
     StoreDatabase(session, db);
     StoreDatabase(copy, db);
     WriteChart(model, chart, {1600, 900});
+    TellLettersWithoutFont(model);
     if (result.failure) throw *result.failure;
     if (result.end == Measurement::Ended::Stopped)
         throw Failure{kCommunicationFailed, Say(Text::Stopped, {std::to_string(result.made)})};

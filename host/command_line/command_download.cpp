@@ -9,6 +9,7 @@
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
 #include "host/words/arguments.h"
+#include "host/words/shell_word.h"
 #include "host/words/texts.h"
 
 namespace {
@@ -21,7 +22,7 @@ bool Fold(const RecordingWriter::File& file, bool mayReplace, CPropertyDB& descr
         if (!mayReplace) RequireReplaceable(file.target, description);
         folded = FoldRecording(file.recording, file.target);
     } catch (const Failure& failure) {
-        throw Failure{failure.exitCode, Say(Text::NotFolded, {failure.sentence, ToUtf8(file.recording), ToUtf8(file.target)})};
+        throw Failure{failure.exitCode, Say(Text::NotFolded, {failure.sentence, ToUtf8(file.recording), ShellWord(file.target)})};
     }
     LayAside(file.recording, file.target, folded);
     return folded.damaged == 0;

@@ -13,6 +13,7 @@
 #include "host/measurement/download.h"
 #include "host/session/database_file.h"
 #include "host/words/arguments.h"
+#include "host/words/shell_word.h"
 #include "host/words/texts.h"
 
 namespace {
@@ -209,6 +210,6 @@ ExitCode RunLearn(CHostApp& app, const Words& words) {
     StoreDatabase(path, guess.description);
     guess.shown.erase(guess.shown.find_last_not_of('\n') + 1);
     Print(guess.shown);
-    Print(Say(Text::LearnDone, {ToUtf8(path), ToUtf8(port)}));
+    Print(Say(Text::LearnDone, {ToUtf8(path), ShellWord(port), ShellWord(path)}));
     return kDone;
 }

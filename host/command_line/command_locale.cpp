@@ -1,6 +1,7 @@
 // locale: the user's regional settings as the module has read them, and a sample of every kind of text.
 #include "host/command_line/commands.h"
 #include "host/words/arguments.h"
+#include "host/words/isolated.h"
 #include "host/words/texts.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
@@ -9,8 +10,13 @@
 #include "time/span_text.h"
 
 namespace {
-void Line(const char* name, const CString& text) { Print(std::string(name) + ": " + ToUtf8(static_cast<const char*>(text))); }
-CString Quoted(char separator) { return separator == 0 ? CString("\"\"") : "\"" + CString(separator) + "\""; }
+void Line(const char* name, const CString& text) {
+    Print(std::string(name) + ": " + Isolated(ToUtf8(static_cast<const char*>(text))));
+}
+CString Quoted(const orvik::detail::Separator& separator) {
+    const std::string text(separator.Text());
+    return ("\"" + text + "\"").c_str();
+}
 }  // namespace
 
 ExitCode RunLocale(CHostApp&, const Words& words) {
@@ -18,11 +24,11 @@ ExitCode RunLocale(CHostApp&, const Words& words) {
     const orvik::detail::LocaleCache& cache = orvik::detail::TheLocaleCache();
     Line("country", cache.country);
     Line("language", cache.language);
-    Line("decimal", Quoted(NlsGetDecimalSep()));
-    Line("thousand", Quoted(NlsGetThousandSep()));
-    Line("list", Quoted(NlsGetListSep()));
-    Line("date", Quoted(NlsGetDateSep()) + " " + NlsGetShortDateSpec());
-    Line("time", Quoted(NlsGetTimeSep()) + " " + NlsGetTimeSpec());
+    Line("decimal", Quoted(cache.decimal));
+    Line("thousand", Quoted(cache.thousand));
+    Line("list", Quoted(cache.list));
+    Line("date", Quoted(cache.date) + " " + NlsGetShortDateSpec());
+    Line("time", Quoted(cache.time) + " " + NlsGetTimeSpec());
     Line("long date picture", cache.longDate);
     Line("morning", "\"" + cache.morning + "\"");
     Line("afternoon", "\"" + cache.afternoon + "\"");

@@ -6,6 +6,7 @@
 #include "comm/serial_device.h"
 #include "host/command_line/commands.h"
 #include "host/words/arguments.h"
+#include "host/words/isolated.h"
 #include "host/words/texts.h"
 #include "platform/letters.h"
 #include "platform/port_holder.h"
@@ -64,8 +65,8 @@ ExitCode RunPorts(CHostApp&, const Words& words) {
         for (size_t i = 0; i < 2; ++i) widths[i] = std::max(widths[i], OrvikColumns(row[i]));
     }
     for (const auto& row : rows) {
-        std::string line = row[0] + std::string(widths[0] - OrvikColumns(row[0]) + 2, ' ') + row[1];
-        if (!row[2].empty()) line += std::string(widths[1] - OrvikColumns(row[1]) + 2, ' ') + row[2];
+        std::string line = Isolated(row[0]) + std::string(widths[0] - OrvikColumns(row[0]) + 2, ' ') + Isolated(row[1]);
+        if (!row[2].empty()) line += std::string(widths[1] - OrvikColumns(row[1]) + 2, ' ') + Isolated(row[2]);
         Print(line);
     }
     return kDone;

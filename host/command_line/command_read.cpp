@@ -8,6 +8,7 @@
 #include "host/session/reading_writer.h"
 #include "host/session/value_text.h"
 #include "host/words/arguments.h"
+#include "host/words/isolated.h"
 #include "host/words/texts.h"
 #include "platform/letters.h"
 
@@ -47,17 +48,17 @@ std::string Lines(const Session& session, const OneReading& reading) {
         names = std::max(names, OrvikColumns(ToUtf8(session.Channels()[i].name)));
         if (reading.WhyNot(i).empty()) numbers = std::max(numbers, OrvikColumns(texts[i]));
     }
-    std::string lines = TimeTextOf(reading.time) + "\n";
+    std::string lines = Isolated(TimeTextOf(reading.time)) + "\n";
     for (size_t i = 0; i < texts.size(); ++i) {
         const std::string name = ToUtf8(session.Channels()[i].name), why = reading.WhyNot(i);
-        lines += name + std::string(names - OrvikColumns(name) + 2, ' ');
+        lines += Isolated(name) + std::string(names - OrvikColumns(name) + 2, ' ');
         if (!why.empty()) {
-            lines += "- (" + why + ")\n";
+            lines += "- (" + Isolated(why) + ")\n";
             continue;
         }
         const std::string unit = ToUtf8(session.Channels()[i].unit);
-        lines += std::string(numbers - std::min(numbers, OrvikColumns(texts[i])), ' ') + texts[i] +
-                 (unit.empty() ? "" : " " + unit) + "\n";
+        lines += std::string(numbers - std::min(numbers, OrvikColumns(texts[i])), ' ') + Isolated(texts[i]) +
+                 (unit.empty() ? "" : " " + Isolated(unit)) + "\n";
     }
     return lines;
 }

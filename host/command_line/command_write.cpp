@@ -1,4 +1,5 @@
 // write: set one channel of a logger, and show what it then holds.
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -9,9 +10,16 @@
 #include "host/session/column_format.h"
 #include "host/session/value_text.h"
 #include "host/words/arguments.h"
+#include "host/words/plain_digits.h"
+#include "host/words/same_text.h"
 #include "host/words/texts.h"
 
 namespace {
+std::string WithDecimalSign(std::string digits) {
+    if (const size_t point = digits.find('.'); point != std::string::npos) digits.replace(point, 1, DecimalSign());
+    return digits;
+}
+
 // What was typed as a logger takes it: with a point as it is, in the user's format as that is read.
 std::string WithPoint(const std::string& typed, double value) {
     const char* const begin = typed.data() + (typed.starts_with('+') ? 1 : 0);
@@ -20,15 +28,24 @@ std::string WithPoint(const std::string& typed, double value) {
     return error == std::errc() && end == typed.data() + typed.size() ? begin : TextOf(value);
 }
 
+// A number whose "." parts thousands for its user, and decimals for programs, could set a device to a thousand times what was
+// meant.
+void RefuseTwoReadings(const std::string& typed, double value) {
+    constexpr double kSame = 1e-9;  // the readers agree to so much
+    const std::optional<double> own = RealInUsersFormat(typed);
+    if (!own || std::abs(*own - value) <= kSame * std::max(std::abs(*own), std::abs(value))) return;
+    throw Failure{kWrongUse, Say(Text::ValueAmbiguous, {typed, WithDecimalSign(TextOf(value)), WithDecimalSign(TextOf(*own))})};
+}
+
 // A channel by its key or, where no other has it, by its name.
 size_t ChannelOf(const Session& session, const std::string& wanted) {
     const std::vector<Session::Channel>& all = session.Channels();
     std::vector<size_t> named;
     std::string there, keys;
     for (size_t i = 0; i < all.size(); ++i) {
-        if (all[i].key == wanted) return i;
+        if (LookTheSame(all[i].key, wanted)) return i;
         there += (i == 0 ? "" : ", ") + ToUtf8(all[i].name);
-        if (all[i].name != wanted) continue;
+        if (!LookTheSame(all[i].name, wanted)) continue;
         keys += (named.empty() ? "" : ", ") + ToUtf8(all[i].key);
         named.push_back(i);
     }
@@ -41,10 +58,11 @@ size_t ChannelOf(const Session& session, const std::string& wanted) {
 ExitCode RunWrite(CHostApp& app, const Words& words) {
     const Arguments arguments(words, {"--port", "--logger", "--channel", "--value", "--timeout"}, {}, 0);
     const std::string port = arguments.Require("--port"), wanted = arguments.Require("--channel");
-    const std::string typed = ToUtf8(arguments.Require("--value"));
+    const std::string typed = WithPlainDigits(ToUtf8(arguments.Require("--value")));
     const DWORD timeout = arguments.Milliseconds("--timeout", 1, 600'000, MeasurementPlan().timeout);
     double value = 0;
-    if (!RealFromText(typed, value) || !std::isfinite(value)) throw Failure{kWrongUse, Say(Text::ValueNoNumber, {typed})};
+    if (!RealFromText(typed, value)) throw Failure{kWrongUse, Say(Text::ValueNoNumber, {ToUtf8(arguments.Get("--value"))})};
+    RefuseTwoReadings(typed, value);
     CPropertyDB description;
     LoadLoggerDescription(arguments.Require("--logger"), description);
     const std::unique_ptr<ILogger> logger = MakeLogger(app, description);
@@ -69,9 +87,8 @@ ExitCode RunWrite(CHostApp& app, const Words& words) {
         if (refused) throw Failure{kWrongUse, Say(Text::NotSet, {ToUtf8(channel.name), why})};
         throw Failure{kCommunicationFailed, Say(Text::PortFailed, {ToUtf8(port), why})};
     }
-    const auto shown = [&](std::string digits) {
-        if (const size_t point = digits.find('.'); point != std::string::npos) digits.replace(point, 1, DecimalSign());
-        return digits + (channel.unit.empty() ? "" : " " + ToUtf8(channel.unit));
+    const auto shown = [&](const std::string& digits) {
+        return WithDecimalSign(digits) + (channel.unit.empty() ? "" : " " + ToUtf8(channel.unit));
     };
     const std::string sent = shown(written.sent.GetString());
     Print(Say(Text::ValueSet, {ToUtf8(channel.name), sent, shown(written.held.GetString())}));

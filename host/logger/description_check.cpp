@@ -8,6 +8,7 @@
 #include "afx/collections.h"
 #include "host/session/value_text.h"
 #include "host/words/console.h"
+#include "host/words/nearest_word.h"
 #include "host/words/texts.h"
 #include "propdb/key_segments.h"
 
@@ -47,23 +48,6 @@ size_t CountFitting(const Segments& key, const Segments& pattern) {
     return count;
 }
 
-// Letters to insert, remove or exchange to make one of the other, whatever their case.
-size_t Distance(const std::string& one, const std::string& other) {
-    const std::string a = Lower(one), b = Lower(other);
-    std::vector<size_t> row(b.size() + 1);
-    for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
-    for (size_t i = 1; i <= a.size(); ++i) {
-        size_t diagonal = row[0];
-        row[0] = i;
-        for (size_t j = 1; j <= b.size(); ++j) {
-            const size_t exchanged = diagonal + (a[i - 1] != b[j - 1]);
-            diagonal = row[j];
-            row[j] = std::min({exchanged, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row[b.size()];
-}
-
 // What was probably meant: the name alone where only that differs, else the whole key.
 std::string Nearest(const Segments& key, const std::vector<Segments>& patterns) {
     size_t least = std::string::npos;
@@ -71,13 +55,13 @@ std::string Nearest(const Segments& key, const std::vector<Segments>& patterns) 
     for (const Segments& pattern : patterns) {
         // Keys of another depth are compared by their names alone, and stand behind all others that are as near.
         const bool sameDepth = key.size() == pattern.size();
-        size_t distance = sameDepth ? 0 : 1 + Distance(key.back(), pattern.back());
+        size_t distance = sameDepth ? 0 : 1 + LetterDistance(key.back(), pattern.back());
         Segments meant = pattern;
         for (size_t i = 0; i < meant.size(); ++i) {
             if (IsAny(meant[i])) {
                 meant[i] = sameDepth ? key[i] : "<key>";
             } else if (sameDepth) {
-                distance += Distance(key[i], meant[i]);
+                distance += LetterDistance(key[i], meant[i]);
             }
         }
         if (distance >= least) continue;

@@ -2,6 +2,7 @@
 
 #include "comm/comm_exception.h"
 #include "host/logger/description_check.h"
+#include "host/logger/name_check.h"
 #include "host/session/channel_intervals.h"
 #include "host/session/database_file.h"
 #include "host/words/console.h"
@@ -97,5 +98,6 @@ void LoadLoggerDescription(const std::string& path, CPropertyDB& description) {
         LoadDatabase(path, description);
         if (IsXmlName(path)) CheckXml(path);
         SpellHostKeys(description);
+        CheckNames(description);
     }
 }

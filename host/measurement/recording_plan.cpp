@@ -6,6 +6,7 @@
 #include "host/session/recording_files.h"
 #include "host/session/session_file.h"
 #include "host/words/console.h"
+#include "host/words/shell_word.h"
 #include "host/words/span_words.h"
 #include "host/words/texts.h"
 #include "record/recording_reader.h"
@@ -50,7 +51,7 @@ void CheckEarlier(const RecordingWriter::Plan& record, bool force, CPropertyDB& 
     if (!record.target.empty()) {
         RequireReplaceable(record.target, description);
         if (FileExists(record.path))
-            throw Failure{kFileFailed, Say(Text::LeftOver, {ToUtf8(record.path), ToUtf8(record.target)})};
+            throw Failure{kFileFailed, Say(Text::LeftOver, {ToUtf8(record.path), ShellWord(record.target)})};
     } else {
         RequireReplaceable(record.path, description);
     }

@@ -96,13 +96,13 @@ public:
 
 private:
     [[noreturn]] void Fail(Text what, const std::string& shown = {}) const {
-        throw Failure{kFileFailed, Say(Text::CsvLine, {ToUtf8(m_path), std::to_string(m_lines.number), Say(what, {shown})})};
+        throw Failure{kFileFailed,
+                      Say(Text::CsvLine, {ToUtf8(m_path), std::to_string(m_lines.number), Say(what, {ToUtf8(shown)})})};
     }
 
     void TakeHeading(std::string line) {
         constexpr char kMark[] = "\xEF\xBB\xBF", kTime[] = "time";
-        m_local = line.compare(0, 3, kMark) == 0;
-        if (m_local) line.erase(0, 3);
+        if (line.compare(0, 3, kMark) == 0) line.erase(0, 3);
         const size_t behind = sizeof kTime - 1;
         if (line.compare(0, behind, kTime) != 0) Fail(Text::CsvHeading);
         m_separator = line.size() > behind ? line[behind] : ',';
@@ -129,6 +129,8 @@ private:
 
     void TakeReading(const std::string& line) {
         if (!Part(line, m_separator, m_fields) || m_fields.size() != m_values.size() + 1) Fail(Text::CsvColumns);
+        // The first reading says for all whether times are local: those of programs end in Z.
+        if (m_times.IsEmpty()) m_local = !m_fields[0].ends_with('Z');
         const __int64 time = TimeFrom(m_fields[0]);
         if (m_times.GetSize() > 0 && time <= m_times.GetAt(m_times.GetUpperBound())) Fail(Text::CsvOrder, m_fields[0]);
         m_times.Add(time);
@@ -149,12 +151,17 @@ private:
         return time;
     }
 
-    double ValueFrom(std::string& text) const {
-        if (text.empty()) return std::numeric_limits<double>::quiet_NaN();
-        if (m_local) std::replace(text.begin(), text.end(), ',', '.');
+    double ValueFrom(const std::string& given) const {
+        constexpr std::string_view kMinus = "\u2212";
+        if (given.empty()) return std::numeric_limits<double>::quiet_NaN();
+        std::string text = given;
+        if (m_local) {
+            std::replace(text.begin(), text.end(), ',', '.');
+            if (text.starts_with(kMinus)) text.replace(0, kMinus.size(), 1, '-');
+        }
         double value = 0;
         const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (error != std::errc() || end != text.data() + text.size()) Fail(Text::CsvValue, text);
+        if (error != std::errc() || end != text.data() + text.size()) Fail(Text::CsvValue, given);
         return value;
     }
 

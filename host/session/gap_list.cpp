@@ -8,6 +8,7 @@
 
 #include "comm/comm_exception.h"
 #include "host/session/value_text.h"
+#include "host/words/isolated.h"
 #include "host/words/texts.h"
 #include "time/span_text.h"
 
@@ -47,7 +48,7 @@ std::string StepInWords(__int64 microseconds) {
 
 std::string GapLine(const CRecordedGap& gap, const Session& session) {
     const std::string channels = ChannelNames(gap.channels, session);
-    std::string line = TimeTextOf(gap.from) + "  " + TimeTextOf(gap.until) + "  ";
+    std::string line = Isolated(TimeTextOf(gap.from)) + "  " + Isolated(TimeTextOf(gap.until)) + "  ";
     std::string cause = CauseInWords(gap.cause);
     // What was told says more, with the cause's own words or without.
     if (const std::string told = ToUtf8(gap.text); told.starts_with(cause)) {
@@ -55,15 +56,15 @@ std::string GapLine(const CRecordedGap& gap, const Session& session) {
     } else if (!told.empty()) {
         cause += " (" + told + ")";
     }
-    line += Say(Text::GapLine, {std::to_string(gap.missed), std::to_string(gap.attempts), cause});
-    if (!channels.empty()) line += ": " + channels;
+    line += Say(Text::GapLine, {std::to_string(gap.missed), std::to_string(gap.attempts), Isolated(cause)});
+    if (!channels.empty()) line += ": " + Isolated(channels);
     return line;
 }
 
 std::string EventLine(const CRecordedEvent& event) {
-    std::string line = TimeTextOf(event.time) + "  " + InWords(kEvents, event.kind);
-    if (event.kind == RE_CLOCK_STEPPED) line += " " + StepInWords(event.amount);
-    if (!event.text.empty()) line += " (" + ToUtf8(event.text) + ")";
+    std::string line = Isolated(TimeTextOf(event.time)) + "  " + InWords(kEvents, event.kind);
+    if (event.kind == RE_CLOCK_STEPPED) line += " " + Isolated(StepInWords(event.amount));
+    if (!event.text.empty()) line += " (" + Isolated(ToUtf8(event.text)) + ")";
     return line;
 }
 }  // namespace

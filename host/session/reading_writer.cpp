@@ -10,13 +10,23 @@
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
 #include "host/words/console.h"
+#include "host/words/isolated.h"
 #include "host/words/json_text.h"
+#include "host/words/same_text.h"
 #include "host/words/texts.h"
 #include "platform/letters.h"
 
 namespace {
 std::string HeadingOf(const Session::Channel& channel) {
     return ToUtf8(channel.unit.empty() ? channel.name : channel.name + " [" + channel.unit + "]");
+}
+
+// On one line, and nothing that a terminal would obey.
+std::string ShownHeading(const Session::Channel& channel) {
+    std::string heading = WithoutControls(HeadingOf(channel));
+    std::replace_if(
+        heading.begin(), heading.end(), [](char c) { return c == '\t' || c == '\r' || c == '\n'; }, ' ');
+    return heading;
 }
 
 // The times of the first and the last reading, and of some between.
@@ -45,7 +55,7 @@ public:
         for (const size_t place : shown) {
             double low = 0, high = 0;
             const bool any = session.Range(place, low, high);
-            Column column{place, HeadingOf(session.Channels()[place]), ColumnFormat(low, high), 0};
+            Column column{place, ShownHeading(session.Channels()[place]), ColumnFormat(low, high), 0};
             column.width = OrvikColumns(column.heading);
             if (any) column.width = std::max({column.width, OrvikColumns(Cell(column, low)), OrvikColumns(Cell(column, high))});
             m_columns.push_back(std::move(column));
@@ -60,7 +70,7 @@ public:
     }
     void Row(std::string& out, __int64 time, const double* values) override {
         const std::string stamp = TimeTextOf(time);
-        out += stamp;
+        out += Isolated(stamp);
         out.append(m_timeWidth - std::min(m_timeWidth, OrvikColumns(stamp)), ' ');
         for (const Column& column : m_columns) Right(out, Cell(column, values[column.place]), column.width);
         out.erase(out.find_last_not_of(' ') + 1);
@@ -80,7 +90,7 @@ private:
     }
     static void Right(std::string& out, const std::string& cell, size_t width) {
         out.append(2 + width - std::min(width, OrvikColumns(cell)), ' ');
-        out += cell;
+        out += Isolated(cell);
     }
 
     const std::string m_picture;
@@ -171,7 +181,7 @@ ShownChannels ChannelsNamed(const Session& session, const std::vector<std::strin
         std::string there;
         for (size_t i = 0; i < all.size(); ++i) {
             there += (i == 0 ? "" : ", ") + ToUtf8(all[i].name);
-            if (all[i].name != name && all[i].key != name) continue;
+            if (!LookTheSame(all[i].name, name) && !LookTheSame(all[i].key, name)) continue;
             found = true;
             if (std::find(shown.begin(), shown.end(), i) == shown.end()) shown.push_back(i);
         }

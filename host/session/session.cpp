@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 
 #include "afx/collections.h"
 #include "host/session/channel_intervals.h"
@@ -10,6 +11,7 @@
 #include "host/session/reading_source.h"
 #include "host/session/reading_writer.h"
 #include "host/words/console.h"
+#include "host/words/same_text.h"
 #include "host/words/texts.h"
 
 namespace {
@@ -18,6 +20,15 @@ std::string ReadText(IPropertyDB& db, const std::string& key) {
     db.GetValue(key.c_str(), text);
     return static_cast<const char*>(text);
 }
+
+// Units that look the same are one unit, with one axis: written as the first channel has it.
+class UnitSpellings {
+public:
+    const std::string& Spelling(const std::string& unit) { return m_first.emplace(LooksOf(unit), unit).first->second; }
+
+private:
+    std::map<std::string, std::string> m_first;
+};
 }  // namespace
 
 Session::Channel::Channel(std::string channelKey, std::string channelName, std::string channelUnit)
@@ -30,12 +41,13 @@ Session::Channel::Channel(Channel&& other) noexcept
 
 Session::Session(IPropertyDB& description, const std::string& port)
     : m_family(ReadText(description, "sFamily")), m_logger(ReadText(description, "sName")), m_port(port) {
+    UnitSpellings units;
     CStringArray keys;
     description.Enum("Channels", keys, FALSE, FALSE);
     for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
         const std::string key = static_cast<const char*>(keys.GetAt(i)), at = "Channels." + key;
         const std::string name = ReadText(description, at + ".sName");
-        m_channels.emplace_back(key, name.empty() ? key : name, ReadText(description, at + ".sUnit"));
+        m_channels.emplace_back(key, name.empty() ? key : name, units.Spelling(ReadText(description, at + ".sUnit")));
     }
 }
 
@@ -78,9 +90,10 @@ void Session::TakeNames(IPropertyDB& stored) {
     m_family = ReadText(stored, "Session.sFamily");
     m_logger = ReadText(stored, "Session.sLogger");
     m_port = ReadText(stored, "Session.sPort");
+    UnitSpellings units;
     for (const std::string& key : ChannelKeys(stored)) {
         const std::string at = "Channels." + key;
-        m_channels.emplace_back(key, ReadText(stored, at + ".sName"), ReadText(stored, at + ".sUnit"));
+        m_channels.emplace_back(key, ReadText(stored, at + ".sName"), units.Spelling(ReadText(stored, at + ".sUnit")));
     }
 }
 

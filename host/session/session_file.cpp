@@ -2,6 +2,7 @@
 
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
+#include "host/words/shell_word.h"
 #include "host/words/texts.h"
 
 namespace {
@@ -17,7 +18,7 @@ std::string FileOfSession(const std::string& path, std::string& note) {
     const bool grows = IsRecordedInto(beside);
     const Text open = grows ? Text::RecordingOpenedGrows : Text::RecordingOpened,
                left = grows ? Text::RecordingGrows : Text::RecordingIsBeside;
-    note = Say(there ? left : open, {ToUtf8(path), ToUtf8(beside)});
+    note = Say(there ? left : open, {ToUtf8(path), ToUtf8(beside), ShellWord(path)});
     return there ? path : beside;
 }
 

@@ -11,6 +11,7 @@
 #include "frame/numeric_arrays.h"
 #include "host/session/column_format.h"
 #include "host/words/console.h"
+#include "host/words/control_letters.h"
 #include "host/words/texts.h"
 #include "platform/letters.h"
 #include "time/clock_text.h"
@@ -80,6 +81,13 @@ bool VisitNumbers(const CObject* value, Visit visit) {
     if (const auto* bigs = As<CInt64Array>(value)) return visit("i64", *bigs), true;
     if (const auto* singles = As<CFloatArray>(value)) return visit("r32", *singles), true;
     if (const auto* doubles = As<CDoubleArray>(value)) return visit("r64", *doubles), true;
+    return false;
+}
+bool HasLetterOutsideXml(const CString& text) {
+    for (const ControlLetter& control : FindControls(text.GetView())) {
+        const bool layout = control.code == '\t' || control.code == '\r' || control.code == '\n';
+        if ((control.code < 0x20 && !layout) || control.code >= 0xFFFE) return true;
+    }
     return false;
 }
 // UTF-8, and how many elements there are in all.
@@ -166,6 +174,11 @@ std::string TimeTextOf(__int64 time) {
     return ToUtf8((date + " " + clock).GetString());
 }
 
+std::optional<double> RealInUsersFormat(const std::string& text) {
+    double value = 0;
+    return HasDigit(text) && _NlsGetReal(text.c_str(), value) && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
 bool RealFromText(const std::string& text, double& value) { return ReadNumber(text, value) && std::isfinite(value); }
 
 void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kind, const std::string& text) {
@@ -196,14 +209,15 @@ void SetFromText(IPropertyDB& db, const std::string& key, const std::string& kin
 XmlFit FitInXml(const CObject* value) {
     if (As<CByteArray>(value) != nullptr || As<CInt32Array>(value) != nullptr) return XmlFit::Nothing;
     if (const auto* strings = As<CStringArray>(value)) {
-        // An edge of white space is trimmed, ";" parts elements, and bytes that are no UTF-8 become letters.
+        // An edge of white space is trimmed, ";" parts elements, bytes that are no UTF-8 become letters, and controls U+FFFD.
         for (INT_PTR i = 0; i < strings->GetSize(); ++i) {
             const CString element = strings->GetAt(i);
             CString trimmed = element;
             trimmed.Trim(" \t\r\n");
             const bool edge = i == 0 || i == strings->GetSize() - 1;
             const bool otherLetters = ToUtf8(element.GetString()) != element.GetString();
-            if (element.Find(';') >= 0 || (edge && trimmed != element) || otherLetters) return XmlFit::Changed;
+            if (element.Find(';') >= 0 || (edge && trimmed != element) || otherLetters || HasLetterOutsideXml(element))
+                return XmlFit::Changed;
         }
         return XmlFit::Whole;
     }

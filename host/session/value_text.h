@@ -3,6 +3,7 @@
 // What is for people's eyes follows the user's settings, and what people type may.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "propdb/property_db_interface.h"
@@ -24,6 +25,9 @@ std::string WholeTextOf(double value);
 
 // A real number as TextOf writes it or, where that is none, in the user's format. UTF-8; false for other texts.
 bool RealFromText(const std::string& text, double& value);
+
+// The same text in the user's format alone; none where that does not read it.
+std::optional<double> RealInUsersFormat(const std::string& text);
 
 // Stores `text` (UTF-8) under the key as a value of this kind. A real may be written as TextOf does or, where that is no number,
 // in the user's format. A Failure if the text is no such value or the key cannot hold it.

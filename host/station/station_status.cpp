@@ -8,6 +8,7 @@
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
 #include "host/words/console.h"
+#include "host/words/isolated.h"
 #include "host/words/json_text.h"
 #include "host/words/texts.h"
 
@@ -228,33 +229,36 @@ std::string StationStatus::Json(bool running) const {
 }
 
 std::string StationStatus::Words(bool running) const {
-    std::string out = running ? Say(Text::StationRunning, {ToUtf8(name), TimeTextOf(started)})
-                      : ended ? Say(Text::StationEnded, {ToUtf8(name), TimeTextOf(written)})
-                              : Say(Text::StationStale, {ToUtf8(name), TimeTextOf(written)});
+    std::string out = running ? Say(Text::StationRunning, {Isolated(ToUtf8(name)), Isolated(TimeTextOf(started))})
+                      : ended ? Say(Text::StationEnded, {Isolated(ToUtf8(name)), Isolated(TimeTextOf(written))})
+                              : Say(Text::StationStale, {Isolated(ToUtf8(name)), Isolated(TimeTextOf(written))});
+    if (out.ends_with("..")) out.pop_back();  // a clock may end in "p.m."
     const auto line = [&](const std::string& text) { out += "\n    " + text; };
     for (const Logger& logger : loggers) {
         const LoggerReport& report = logger.report;
-        out += "\n" + Say(Text::StationSince,
-                          {ToUtf8(logger.key), Say(kStateTexts[static_cast<size_t>(report.state)]), TimeTextOf(report.since)});
-        if (!report.why.empty()) line(report.why);
-        line(Say(Text::StationCounts, {std::to_string(report.made), std::to_string(report.missing), ToUtf8(report.file)}));
+        out += "\n" + Say(Text::StationSince, {Isolated(ToUtf8(logger.key)), Say(kStateTexts[static_cast<size_t>(report.state)]),
+                                               Isolated(TimeTextOf(report.since))});
+        if (!report.why.empty()) line(Isolated(report.why));
+        line(Say(Text::StationCounts,
+                 {std::to_string(report.made), std::to_string(report.missing), Isolated(ToUtf8(report.file))}));
         std::vector<std::string> causes;
         for (const GapKeeper::Count& cause : report.causes) {
             const std::string names = Joined(Names(logger, cause.channels));
-            causes.push_back(std::to_string(cause.missed) + " x " + ToUtf8(cause.text) +
-                             (names.empty() ? "" : " (" + names + ")"));
+            causes.push_back(std::to_string(cause.missed) + " x " + Isolated(ToUtf8(cause.text)) +
+                             (names.empty() ? "" : " (" + Isolated(names) + ")"));
         }
         if (!causes.empty()) line(Say(Text::StationCauses, {Joined(causes)}));
         if (report.waiting > 0)
             line(Say(running ? Text::StationWaiting : Text::StationNotWritten, {std::to_string(report.waiting)}));
-        if (report.made > 0) line(Say(Text::StationLate, {Milliseconds(report.late), Milliseconds(report.veryLate)}));
+        if (report.made > 0)
+            line(Say(Text::StationLate, {Isolated(Milliseconds(report.late)), Isolated(Milliseconds(report.veryLate))}));
         for (size_t i = 0; i < logger.channels.size(); ++i) {
             const Logger::Channel& channel = logger.channels[i];
             const LoggerReport::Last& last = report.last[i];
             if (last.time == 0) continue;
             const std::string value = std::isnan(last.value) ? "-" : WholeTextOf(last.value);
-            line(ToUtf8(channel.name) + ": " + value + (channel.unit.empty() ? "" : " " + ToUtf8(channel.unit)) + "  " +
-                 TimeTextOf(last.time));
+            line(Isolated(ToUtf8(channel.name)) + ": " + Isolated(value) +
+                 (channel.unit.empty() ? "" : " " + Isolated(ToUtf8(channel.unit))) + "  " + Isolated(TimeTextOf(last.time)));
         }
     }
     return out;

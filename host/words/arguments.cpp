@@ -5,6 +5,8 @@
 #include <cstring>
 
 #include "host/words/console.h"
+#include "host/words/nearest_word.h"
+#include "host/words/plain_digits.h"
 #include "host/words/span_words.h"
 #include "host/words/texts.h"
 
@@ -28,7 +30,14 @@ Arguments::Arguments(const std::vector<std::string>& words, std::initializer_lis
             // A negative number is a value, not an option.
             if (!hasValue && !listed(flags, option)) {
                 const bool number = word.find_first_not_of("0123456789.,eE+-;") == std::string::npos;
-                if (!number || m_arguments.size() == most) throw Failure{kWrongUse, Say(Text::UnknownOption, {ToUtf8(option)})};
+                if (!number || m_arguments.size() == most) {
+                    std::vector<std::string> known(withValue.begin(), withValue.end());
+                    known.insert(known.end(), flags.begin(), flags.end());
+                    known.insert(known.end(), repeated.begin(), repeated.end());
+                    const std::string meant = NearestWord(option, known);
+                    throw Failure{kWrongUse, meant.empty() ? Say(Text::UnknownOption, {ToUtf8(option)})
+                                                           : Say(Text::OptionMeant, {ToUtf8(option), meant})};
+                }
                 m_arguments.push_back(word);
                 continue;
             }
@@ -65,7 +74,7 @@ std::string Arguments::Require(const char* option) const {
 
 DWORD Arguments::Number(const char* option, DWORD low, DWORD high, DWORD standard) const {
     if (!Has(option)) return standard;
-    const std::string text = Get(option);
+    const std::string text = WithPlainDigits(Get(option));
     DWORD value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size() || value < low || value > high) {

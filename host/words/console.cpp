@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "host/words/isolated.h"
 #include "host/words/texts.h"
 #include "platform/win32.h"
 
@@ -17,7 +18,7 @@ void FinishOutput() {
 
 void PrintError(std::string_view sentence) {
     std::fflush(stdout);
-    std::fprintf(stderr, "orvikhost: %.*s\n", static_cast<int>(sentence.size()), sentence.data());
+    std::fprintf(stderr, "orvikhost: %s\n", WithoutControls(std::string(sentence)).c_str());
     std::fflush(stderr);
 }
 

@@ -6,6 +6,8 @@
 #include <limits>
 #include <string>
 
+#include "host/words/plain_digits.h"
+
 namespace {
 using Count = unsigned __int64;
 
@@ -33,9 +35,9 @@ const Unit kSizes[] = {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
-// Blanks that keep numbers and units on a line become plain ones.
+// Digits of any script become plain ones, and so do blanks that keep numbers and units on a line.
 std::string Plain(std::string_view text) {
-    std::string plain(text);
+    std::string plain = WithPlainDigits(text);
     for (const std::string_view kept : {"\u00A0", "\u202F"}) {
         for (size_t at = 0; (at = plain.find(kept, at)) != plain.npos; ++at) plain.replace(at, kept.size(), " ");
     }

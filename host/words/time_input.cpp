@@ -3,23 +3,17 @@
 #include <cstdio>
 #include <vector>
 
+#include "host/words/plain_digits.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
 #include "time/locale_cache.h"
-#include "time/number_text.h"
 #include "time/time_point.h"
 
 namespace {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-std::string InAsciiDigits(const std::string& text) {
-    CString digits(text.c_str());
-    NlsToAsciiDigits(digits);
-    return digits.GetString();
-}
-
 std::vector<int> NumbersIn(const std::string& given) {
-    const std::string text = InAsciiDigits(given);
+    const std::string text = WithPlainDigits(given);
     std::vector<int> numbers;
     for (size_t i = 0; i < text.size();) {
         if (!IsDigit(text[i])) {
@@ -52,7 +46,7 @@ std::string WithSeconds(std::string clock) {
 }
 
 bool ReadClock(const std::string& typed, CVXTTime& time) {
-    const std::string clock = WithSeconds(InAsciiDigits(typed));
+    const std::string clock = WithSeconds(WithPlainDigits(typed));
     const std::vector<int> given = NumbersIn(clock);
     if (given.size() < 3 || given.size() > 4 || given[0] > 23 || given[1] > 59 || given[2] > 59) return false;
     if (const char first = clock[clock.find_first_not_of(' ')]; first == NlsGetTimeSep() || first == '-') return false;

@@ -59,8 +59,41 @@ size_t OrvikPreviousLetter(std::string_view text, size_t at) {
 
 size_t orvik::detail::ColumnsOf(char32_t c) {
     if (c != 0xAD && Joins(c)) return 0;
+    if (c >= 0x1160 && c < 0x1200) return 0;  // parts of a Korean syllable behind its first one, which has two columns
+    if (c >= 0x1100 && c < 0x1160) return 2;
     if (c >= 0x20000 || (c >= 0x1F300 && c < 0x1FB00)) return 2;
     const WORD type = Type3(c);
     if ((type & C3_HALFWIDTH) != 0) return 1;
     return (type & (C3_FULLWIDTH | C3_IDEOGRAPH | C3_HIRAGANA | C3_KATAKANA)) != 0 || (c >= 0xAC00 && c < 0xD7A4) ? 2 : 1;
 }
+
+Reading orvik::detail::ReadingOf(char32_t c) {
+    if (c >= 0x10000) {
+        const bool fromRight = (c >= 0x10800 && c < 0x11000) || (c >= 0x1E800 && c < 0x1F000);
+        const bool picture = c >= 0x1F000 && c < 0x20000;
+        return fromRight ? Reading::FromRight : picture ? Reading::AsNeighbours : Reading::FromLeft;
+    }
+    const auto unit = static_cast<WCHAR>(c);
+    WORD type = 0;
+    if (!GetStringTypeW(CT_CTYPE2, &unit, 1, &type)) return Reading::AsNeighbours;
+    return type == C2_LEFTTORIGHT    ? Reading::FromLeft
+           : type == C2_RIGHTTOLEFT  ? Reading::FromRight
+           : type == C2_ARABICNUMBER ? Reading::ArabicNumber
+                                     : Reading::AsNeighbours;
+}
+
+std::string orvik::detail::FormC(std::string_view utf8) {
+    const auto length = static_cast<int>(utf8.size());
+    std::wstring wide(utf8.size(), 0);
+    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, wide.data(), length)));
+    const auto units = static_cast<int>(wide.size());
+    std::wstring composed(3 * wide.size(), 0);  // no character has a form of more than three
+    const int taken = NormalizeString(NormalizationC, wide.data(), units, composed.data(), static_cast<int>(composed.size()));
+    if (taken <= 0) return std::string(utf8);
+    std::string text(3 * static_cast<size_t>(taken), 0);
+    text.resize(static_cast<size_t>(
+        WideCharToMultiByte(CP_UTF8, 0, composed.data(), taken, text.data(), static_cast<int>(text.size()), nullptr, nullptr)));
+    return text;
+}
+
+std::string OrvikLettersWithoutFont(std::string_view) { return {}; }

@@ -30,7 +30,8 @@ TEST(Arguments, MistakesNameTheirOption) {
                                                                       {{"--out", "--for=1 s"}, "--out"},
                                                                       {{"--all=1"}, "--all takes no"},
                                                                       {{"--al"}, "--al"},
-                                                                      {{"--oot=x"}, "\"--oot\""},
+                                                                      {{"--oot=x"}, "mean --out"},
+                                                                      {{"--xyz"}, "--help lists"},
                                                                       {{"--out=a", "--out", "b"}, "twice"}};
     for (const auto& [words, named] : table)
         EXPECT_NE(SentenceOf([&, w = words] { Read(w); }).find(named), std::string::npos) << words[0];

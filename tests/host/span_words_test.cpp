@@ -17,7 +17,7 @@ TEST(SpanWords, AreReadTheSameEverywhere) {
                                                      {250'000, " 250 ms "},
                                                      {kSecond, "1.0000000000000000000000000000001 s"},
                                                      {1'500'000, "1.5 s|1,5 s|1500"},
-                                                     {20 * kSecond, "20 sek"},
+                                                     {20 * kSecond, "20 sek|٢٠ s|２０ｓ"},
                                                      {360 * kSecond, "0.1 h"},
                                                      {600 * kSecond, "10 min"},
                                                      {kHour, "1 hour|1 timme"},

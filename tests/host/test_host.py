@@ -113,7 +113,9 @@ class WrongUse(HostTest):
         self.refuse((1, "frobnicate", "frobnicate"), (1, "download --speed 9", "--speed"), (1, "download --out x.odb", "--port"),
                     (1, "download --port COM1 --out", "--out"), (1, "download --port COM1 --out x.odb --count 0", "--count"), (1, "show --csv --csv x", "twice"),
                     (1, "show one more", "more"), (1, "show", "FILE"), (1, "download --port COM1 --out x.odb --hex", "--trace"),
-                    (1, "download --port COM1 --out x.odb --trace ./x.odb", "same file"), (1, "demo --out ''", "--out"))
+                    (1, "download --port COM1 --out x.odb --trace ./x.odb", "same file"), (1, "demo --out ''", "--out"), (1, "dwnload", "mean download"), (1, "show x --chanel a", "mean --channel"))
+        for command in re.findall(r"^  orvikhost (\w+) ", self.done("--help").out, re.M):
+            self.assertTrue(self.done(command, "--help").out.startswith("  orvikhost " + command), command)
         self.assertIn("There is no file \u4e2d.odb", self.refused(3, "show", "\u4e2d.odb"))
 
     @native("Windows has no device that is always full")
@@ -385,6 +387,10 @@ class Download(HostTest):
         result = self.host(*call, "Total", "--value", "9007199254740993")
         self.assertEqual((result.code, result.out.strip()), (0, "Total: wrote 9007199254740993, read back 9007199254740993."), result.err)
         self.assertIn("läste tillbaka 0,5 °C", self.host(*call, "s", "--value", "0,5", language="sv_SE.UTF-8").out)
+        self.assertIn("read back 21.5", self.done(*call, "s", "--value", "２１．５").out)
+        for language, value, told in [("el_GR.UTF-8", "12.345", "12,345 or 12345"), ("de_DE.UTF-8", "-1.500", "-1,5 or -1500")]:
+            self.assertIn(told, self.refused(1, *call, "s", "--value", value, language=language))
+            self.assertIn(" 1234,5 ", self.done(*call, "s", "--value", "1.234,5", language=language).out)
         for code, channel, value, told in [(1, "Pump", 1, "p, q"), (1, "q", 1, "does not allow"), (1, "Room", 1, "does not allow"),
                                            (1, "Boiler", 1, "Setpoint"), (1, "Setpoint", "warm", "warm"), (1, "p", 2, "cannot hold 2"),
                                            (1, "Setpoint", "nan", "nan")]:
@@ -434,7 +440,7 @@ class Download(HostTest):
         self.assertEqual(self.download(port, "--logger", "logger.xml", count=1).code, 0)
         self.assertEqual(self.readings("session.odb")[0], ["time", "a [°C]"])
         for wrong, right, told in [("rScal", "rScale", "mean rScale"), ("NSLAV", "nslave", "nSlave"), ("0,5", "0.5", "point"), ("256", ">3<", "nSlave"),
-                                   ("'nRegister' type='int'", "'nRegister'", "line 1")]:
+                                   ("'nRegister' type='int'", "'nRegister'", "line 1"), ("°\u202eC", "°C", "U+202E"), ("°\u0085", "°C", "U+0085")]:
             path.write_text(body.replace(right, f">{wrong}<" if right == ">3<" else wrong), encoding="utf-8")
             self.assertIn(told, self.refused(3 if "line" in told else 1, "check", "logger.xml"))
         for right, wrong, told in [("rScale", "rScal", "rScal"), ("'sType'", "'sKind'", "Channels.a.sKind"), (">Modbus<", ">Pneumatic<", "Pneumatic")]:
@@ -516,6 +522,13 @@ class Recordings(HostTest):
         (self.folder / "l.csv").write_text(local, encoding="utf-8")
         self.done("convert", "l.csv", "m.odb")
         self.assertEqual(self.readings("m.odb"), rows)
+        # As an editor leaves it, without the mark and with a minus of print.
+        (self.folder / "n.csv").write_text(local.lstrip("\ufeff").replace(";0,375;", ";\u22120,375;", 1), encoding="utf-8")
+        self.done("convert", "n.csv", "n.odb")
+        self.assertEqual([row[:2] for row in self.readings("n.odb")], [row[:2] for row in rows])
+        self.assertEqual(self.readings("n.odb")[3][2], "-0.375")
+        (self.folder / "n.csv").write_text("time;a\n2026-05-28 20:26:40,000;1,5x\n", encoding="utf-8")
+        self.assertIn('"1,5x"', self.refused(3, "convert", "n.csv", "p.odb"))
         before = (self.folder / "b.odb").read_bytes()
         self.assertIn("--force", self.refused(3, "convert", "a.rec", "b.odb"))
         self.assertIn("same file", self.refused(1, "convert", "a.rec", "./a.rec"))
@@ -548,7 +561,7 @@ class Recordings(HostTest):
         self.assertTrue((self.folder / "b.rec").exists())
         self.assertIn("--force", self.refused(3, "recover", "b.rec"))
         self.make("a.odb.rec", 3, 2)
-        self.assertIn("orvikhost recover", self.done("show", "a.odb").err)
+        self.assertIn("`orvikhost recover a.odb`", self.done("show", "a.odb").err)
         self.done("recover", "a.odb.rec", "--force")
         self.assertEqual(len(self.readings("a.odb")), 4)
         maker = self.keep_open("c.odb.rec", 2, 1)
@@ -865,6 +878,56 @@ class Regional(HostTest):
         american = self.host("locale", language="en_US.UTF-8").out.splitlines()
         for line in ("morning: \"AM\"", "afternoon: \"PM\"", "leading zero: 1", "real: -1,234,567.89", "short date: 7/4/2026", "clock: 3:06:07 PM", "words: 1 weeks 1 days"):
             self.assertIn(line, american)
+
+    def test_what_is_read_from_the_right_keeps_its_column(self):
+        (self.folder / "a.csv").write_text("time,رطوبة [%],b,ab Ω\n2026-05-28T20:26:40Z,1,2,3\n", encoding="utf-8")
+        self.done("convert", "a.csv", "a.odb")
+        table = self.done("show", "a.odb").out
+        self.assertRegex(table, "^Time +\u2068رطوبة \\[%\\]\u2069\u200e +b +ab Ω\n")
+        heading, row = (re.sub("[\u2068\u2069\u200e]", "", line) for line in table.splitlines())
+        self.assertEqual(len(heading), len(row))
+        for words in (("show", "a.odb", "--csv"), ("show", "a.odb", "--json")):
+            self.assertNotIn("\u2068", self.done(*words).out)
+        if not options.wine:
+            picture = self.done("show", "a.odb", "--picture", "#.#", language="ar_EG.UTF-8").out.splitlines()[1]
+            self.assertRegex(picture, "^\u2068[^\u2069]+م\u2069\u200e +\u2068١٫٠\u2069\u200e +\u2068٢٫٠\u2069\u200e +\u2068٣٫٠\u2069\u200e$")
+
+    def test_what_looks_the_same_is_the_same(self):
+        (self.folder / "a.csv").write_text("time,e\u0301 [\u2126],b [\u03a9],c [\u00b5A],d [\u03bcA]\n2026-05-28T20:26:40Z,1,2,3,4\n", encoding="utf-8")
+        self.done("convert", "a.csv", "a.odb")
+        self.assertEqual(self.done("show", "a.odb", "--csv", "--channel", "\u00e9").out.splitlines()[1].split(",")[1], "1")
+        self.done("chart", "a.odb", "--out", "a.svg")
+        said = [text.text for text in ElementTree.parse(self.folder / "a.svg").iter() if text.tag.endswith("text")]
+        self.assertEqual([sum(unit in said for unit in units) for units in ("\u2126\u03a9", ("\u00b5A", "\u03bcA"))], [1, 1], said)
+        if not options.wine:  # Windows does not tell
+            self.done("db", "set", "a.odb", "Channels.1.sName", "b\u0378")
+            self.assertIn(": \u0378; Debian", self.host("chart", "a.odb", "--out", "a.svg").sentences[0])
+        (self.folder / "a.xml").write_text("<PROPERTYDB><PROPERTY name='sFamily'>Modbus</PROPERTY><PATH name='Channels'>" + "".join(
+            f"<PATH name='{key}'><PROPERTY name='sName'>{name}</PROPERTY><PROPERTY name='nNumber'>30001</PROPERTY></PATH>" for key, name in (("1", "\u00c5"), ("2", "\u212b")))
+            + "</PATH></PROPERTYDB>", encoding="utf-8")
+        self.refuse((1, "check a.xml", "channels 1 and 2 have names that look the same"))
+
+    def test_orders_to_a_terminal_are_not_passed_on(self):
+        (self.folder / "a.csv").write_text("time,a\x1b[31m\u202e\u0085 [k\uffff],\u2067b\u2069\n2026-05-28T20:26:40Z,1,2\n", encoding="utf-8")
+        self.done("convert", "a.csv", "a.odb")
+        self.assertRegex(self.done("show", "a.odb").out, " a\ufffd\\[31m\ufffd\ufffd \\[k\ufffd\\] +\u2067b\u2069\n")
+        self.assertIn("a\x1b[31m", self.done("show", "a.odb", "--csv").out)
+        self.done("convert", "a.odb", "a.xml")
+        self.assertIn("a\ufffd[31m\u202e\u0085", [value.text for value in ElementTree.parse(self.folder / "a.xml").iter("PROPERTY")])
+        self.assertEqual(self.host("show", "a.odb", "--channel", "\x1b").sentences[0].count("\x1b"), 0)
+
+    @native("another shell, and names of other bytes")
+    def test_commands_to_be_copied_have_their_quotes(self):
+        for name in (b"a b.odb", b"it's.odb", b"na\xefve.odb", "μέτρηση.odb".encode(), b"-x.odb", b"a\x1b$(x).odb"):
+            with self.subTest(name):
+                (self.folder / "made.rec").unlink(missing_ok=True)
+                Recordings.make(self, "made.rec", 3, 2)
+                os.rename(self.folder / "made.rec", os.fsencode(self.folder) + b"/" + name + b".rec")
+                said = self.host("download", "--port", "COM250", "--out=" + os.fsdecode(name), "--count", 1).sentences[0]
+                command = re.search("`(.*)` makes", said).group(1).replace("orvikhost", self.command()[0])
+                done = subprocess.run(["bash", "-c", command], cwd=self.folder, env=self.environment(), capture_output=True, timeout=120)
+                self.assertEqual(done.returncode, 0, done.stderr)
+                self.assertIn(name, os.listdir(os.fsencode(self.folder)))
 
     def test_spans_and_pictures(self):
         port = self.simulate()

@@ -6,6 +6,8 @@
 #include "afx/archive.h"
 #include "afx/file.h"
 #include "platform/house_text_internal.h"
+#include "platform/letters.h"
+#include "platform/letters_internal.h"
 #include "propdb/property_db.h"
 #include "record/recorder.h"
 #include "record/recording_reader.h"
@@ -81,6 +83,26 @@ TEST(Utf8Process, BytesThatAreNoneCountAsWindows1252) {
         std::string back;
         EXPECT_EQ(IsUtf8(c.in), OrvikTextFromUtf8(c.in, back));
     }
+}
+
+TEST(Utf8Process, TextsHaveOneFormAndASide) {
+    const struct {
+        const char *text, *composed;
+        bool fromRight, holdsFromRight;
+    } table[] = {{"k\u03A9 \u2126", "k\u03A9 \u03A9", false, false},
+                 {"\u212B e\u0301", "\u00C5 \u00E9", false, false},
+                 {"\xEA\u2126", "\xEA\u2126", false, false},  // bytes that are none
+                 {"12 \u0645 x", "12 \u0645 x", true, true},
+                 {"x \u05E9", "x \u05E9", false, true},
+                 {"\u0661\u066B\u0662", "\u0661\u066B\u0662", false, true},
+                 {"\u4E2D\u0645", "\u4E2D\u0645", false, true},
+                 {"(1)", "(1)", false, false}};
+    for (const auto& row : table) {
+        EXPECT_EQ(row.composed, OrvikComposed(row.text)) << row.text;
+        EXPECT_EQ(row.fromRight, IsLineFromRight(row.text)) << row.text;
+        EXPECT_EQ(row.holdsFromRight, OrvikHasRightToLeft(row.text)) << row.text;
+    }
+    EXPECT_EQ(OrvikColumns("\uD55C"), OrvikColumns("\u1112\u1161\u11AB"));
 }
 
 TEST(Utf8Process, LettersHaveTheirCase) {

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <numeric>
 
+#include "platform/letters_internal.h"
 #include "platform/posix/drawing/glyph_picture_internal.h"
 #include "platform/posix/text/letters_internal.h"
 #include "platform/posix/text/text_internal.h"
@@ -189,9 +190,9 @@ ShapedText Shaper::ShapeAnew(std::string_view text) {
     const int length = static_cast<int>(paragraph.utf8.size());
     double pen = 0;  // in pixels of an unstretched font
     const auto pixel = [&](double place) { return static_cast<int>(std::lround(std::clamp(place * m_own.across, -1e8, 1e8))); };
-    GList* parts = length == 0
-                       ? nullptr
-                       : pango_itemize_with_base_dir(m_context, PANGO_DIRECTION_LTR, utf8, 0, length, Attributes(), nullptr);
+    const PangoDirection direction = IsLineFromRight(text) ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR;
+    GList* parts =
+        length == 0 ? nullptr : pango_itemize_with_base_dir(m_context, direction, utf8, 0, length, Attributes(), nullptr);
     GList* visual = pango_reorder_items(parts);
     PangoGlyphString* glyphs = pango_glyph_string_new();
     for (GList* link = visual; link != nullptr; link = link->next) {
