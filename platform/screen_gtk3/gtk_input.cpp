@@ -101,6 +101,16 @@ void GtkInput::Focus(bool has) {
         gtk_im_context_focus_in(m_method);
     } else {
         gtk_im_context_focus_out(m_method);
+        // Alt that goes up by itself would open the menu bar; here it left with the keys, as when windows are switched.
+        if (m_modifiers.count(VK_MENU) != 0) {
+            ScreenEvent other{ScreenEvent::Kind::Key};
+            other.code = VK_PROCESSKEY;
+            other.untyped = true;
+            for (const bool down : {true, false}) {
+                other.down = down;
+                Post(other);
+            }
+        }
         FollowModifiers(0);
     }
 }

@@ -108,6 +108,7 @@ void ScreenWindow::Connect() {
     g_signal_connect(m_window, "key-release-event", G_CALLBACK(onKey), this);
     const auto onFocus = +[](GtkWidget*, GdkEventFocus* event, gpointer given) -> gboolean {
         auto& self = *static_cast<ScreenWindow*>(given);
+        if (self.m_popup) return FALSE;  // it has the keys by its grab, and never the focus
         self.m_input->Focus(event->in != 0);
         self.m_screen.Focused(self.m_handle, event->in != 0);
         return FALSE;

@@ -3,6 +3,7 @@
 #include <map>
 #include <set>
 
+#include "platform/house_text_internal.h"
 #include "platform/posix/dialogs/message_box_internal.h"
 #include "platform/posix/screen/screen_loading_internal.h"
 #include "platform/scripted_input_internal.h"
@@ -166,7 +167,7 @@ TEST_F(ScreenTest, LettersComeInTheOrderOfTheirKeys) {
     Idle();
     char text[64] = "";
     GetWindowTextA(edit, text, sizeof text);
-    EXPECT_EQ(std::string(text), "k\xE9\xE8\xEA!yx");
+    EXPECT_EQ(Utf8FromHouse(text), "k\u00E9\u00E8\u00EA!yx");
     DestroyWindow(edit);
 }
 

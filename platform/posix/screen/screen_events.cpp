@@ -104,6 +104,18 @@ void Place(HWND handle, POINT inOwner) {
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// Where the desktop's key for it has Alt, that key has done its work: it opens no menu, and one that it did open makes way.
+void Close(HWND handle) {
+    if (!IsWindowEnabled(handle)) return;
+    MessageQueue& queue = CurrentQueue();
+    {
+        const std::lock_guard kernel(KernelLock());
+        queue.menuKey = 0;
+    }
+    EndMenu();
+    PostMessageA(handle, WM_SYSCOMMAND, SC_CLOSE, 0);
+}
+
 // As if the user had pressed beside it.
 void Dismiss(HWND handle) {
     if (!IsWindow(handle)) return;
@@ -157,6 +169,9 @@ void Act(const MSG& read) {
             Resize(read.hwnd, {x, y});
             break;
         }
+        case ScreenEvent::Kind::CloseWished:
+            Close(read.hwnd);
+            break;
         case ScreenEvent::Kind::Placed:
             Place(read.hwnd, {x, y});
             break;
@@ -221,9 +236,6 @@ void PostScreenEvent(HWND window, const ScreenEvent& event) {
         case Kind::Resized:
         case Kind::DotsChanged:
             PostLatest(window, EventMessage(), kind, Pair(event.x, event.y));
-            break;
-        case Kind::CloseWished:
-            if (IsWindowEnabled(window)) PostMessageA(window, WM_SYSCOMMAND, SC_CLOSE, 0);
             break;
         default:
             PostMessageA(window, EventMessage(), kind, Pair(event.x, event.y));
