@@ -70,8 +70,14 @@ ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& sh
     Connect();
     gtk_window_set_title(window, shown.title.c_str());
     m_title = shown.title;
+    m_dots = shown.dots;
     SetSize(shown.size);
     gtk_widget_realize(m_window);
+    if (const UINT dots = Dots(); dots != m_dots) {
+        const auto scaled = [&](LONG pixels) { return static_cast<LONG>(static_cast<int64_t>(pixels) * dots / m_dots); };
+        SetSize({scaled(shown.size.cx), scaled(shown.size.cy)});
+        TellDots(dots);
+    }
     SetLeast(shown.least);
     gtk_widget_show(m_area);
     if (!shown.popup) {
@@ -275,7 +281,6 @@ void ScreenWindow::OnAllocate(GtkWidget*, GdkRectangle* place, gpointer given) {
     auto& self = *static_cast<ScreenWindow*>(given);
     const int scale = self.Scale();
     const SIZE size{place->width * scale, place->height * scale};
-    if (self.m_dots == 0) self.m_dots = self.Dots();
     // Of a picture that is not a multiple of the scale some pixels stand beyond the edge, unseen.
     if (self.Logical(self.m_size.cx) == place->width && self.Logical(self.m_size.cy) == place->height) return;
     self.m_size = size;
@@ -289,14 +294,19 @@ void ScreenWindow::OnScale(GObject*, GParamSpec*, gpointer given) {
     auto& self = *static_cast<ScreenWindow*>(given);
     const UINT dots = self.Dots();
     if (dots == self.m_dots) return;
-    self.m_dots = dots;
     const int scale = self.Scale();
     self.m_size = {gtk_widget_get_allocated_width(self.m_area) * scale, gtk_widget_get_allocated_height(self.m_area) * scale};
+    self.TellDots(dots);
+}
+
+// The size by these is m_size.
+void ScreenWindow::TellDots(UINT dots) {
+    m_dots = dots;
     ScreenEvent event{ScreenEvent::Kind::DotsChanged};
     event.code = dots;
-    event.x = static_cast<int>(self.m_size.cx);
-    event.y = static_cast<int>(self.m_size.cy);
-    self.m_screen.Host().Post(self.m_handle, event);
+    event.x = static_cast<int>(m_size.cx);
+    event.y = static_cast<int>(m_size.cy);
+    m_screen.Host().Post(m_handle, event);
 }
 
 gboolean ScreenWindow::OnState(GtkWidget*, GdkEventWindowState* event, gpointer given) {

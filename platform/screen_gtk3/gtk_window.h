@@ -29,6 +29,7 @@ public:
 private:
     int Logical(LONG pixels) const;
     UINT Dots() const;
+    void TellDots(UINT dots);
     void SetSize(SIZE size);
     void SetCursor(const orvik::detail::CursorLook& look);
     void SetLeast(SIZE least);

@@ -43,6 +43,7 @@ public:
         }
         out.size = {window->Width(), window->Height()};
         out.least = window->least;
+        out.dots = window->dpi;
         out.sizedByScreen = window->sizedByScreen;
         out.raised = window->raised;
         out.state = window->state;

@@ -35,6 +35,7 @@ struct ShownWindow {
     HWND owner = nullptr;             // a top-level window, or null
     std::optional<PopupPlace> popup;  // its anchor is in the owner's picture
     SIZE size{}, least{1, 1};
+    UINT dots = 96;              // an inch, that the window knows of
     bool sizedByScreen = false;  // the size is what the screen said last, or was about to be overtaken
     unsigned raised = 0;         // grows when the program brings the window to the front
     enum class State { Normal, Minimised, Maximised } state = State::Normal;
