@@ -34,6 +34,12 @@ void SetKey(UINT key, bool down) {
     SetKeyboardState(keys);
 }
 
+#ifdef _WIN32
+constexpr bool kMenusTakeSteps = false;
+#else
+constexpr bool kMenusTakeSteps = true;
+#endif
+
 bool IsDown(int key) { return GetKeyState(key) < 0; }
 
 // Which button a message is about; 0 for none.
@@ -108,9 +114,10 @@ void BecomePointer(MSG& read, bool act) {
     const HWND capture = GetCapture();
     HWND target = capture != nullptr ? capture : WindowUnder(window, screen);
     if (message == WM_MOUSEWHEEL && GetFocus() != nullptr) target = GetFocus();
-    // Of the parts beside the client area, only the menu bar is the system's; a point anywhere else is the window's own.
+    // Of the parts beside the client area, only a menu bar of our own is told of; a point anywhere else is the window's. Windows'
+    // menus read from the devices alone: one that a step opened would stay for ever.
     LRESULT hit = HTCLIENT;
-    if (capture == nullptr && message != WM_MOUSEWHEEL && target != nullptr &&
+    if (kMenusTakeSteps && capture == nullptr && message != WM_MOUSEWHEEL && target != nullptr &&
         SendMessageA(target, WM_NCHITTEST, 0, MAKELPARAM(screen.x, screen.y)) == HTMENU)
         hit = HTMENU;
     if (act && capture == nullptr && message != WM_MOUSEWHEEL) {
