@@ -1,5 +1,6 @@
 #include "time/date_picture_internal.h"
 
+#include <charconv>
 #include <optional>
 
 #include "platform/house_text_internal.h"
@@ -62,6 +63,39 @@ void AppendField(CString& text, const Element& field, const CalendarDate& date) 
     }
 }
 
+// The beginning of a date in figures, which most dates are all of: one piece for the text to take, instead of one an element.
+class Figures {
+public:
+    // Takes elements off the picture until one is no figure and no text, or there is no more room. Gives their characters.
+    std::string_view Take(std::string_view& picture, const CalendarDate& date) {
+        for (std::string_view rest = picture; Put(rest, date);) picture = rest;
+        return {m_bytes, m_count};
+    }
+
+private:
+    bool Put(std::string_view& rest, const CalendarDate& date) {
+        Element element;
+        if (!TakeElement(rest, element)) return false;
+        if (!element.letter) {
+            if (element.text.size() > sizeof m_bytes - m_count) return false;
+            for (const char c : element.text) m_bytes[m_count++] = c;
+            return true;
+        }
+        const bool year = element.letter == 'y';
+        const int value = !year ? element.letter == 'M' ? date.month : date.day : element.run == 2 ? date.year % 100 : date.year;
+        if (element.run > (year ? 4u : 2u) || (year && element.run % 2 != 0) || value < 0 || value > 9999) return false;
+        char digits[4];
+        const auto length = static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits);
+        if (sizeof m_bytes - m_count < sizeof digits) return false;
+        if (element.run == 2 && length == 1) m_bytes[m_count++] = '0';
+        for (size_t i = 0; i < length; ++i) m_bytes[m_count++] = digits[i];
+        return true;
+    }
+
+    char m_bytes[48];
+    size_t m_count = 0;
+};
+
 // Of this house's text, not of the process locale: "S\xF6ndag" is one word. Beyond Latin-1 whatever is no mark, symbol or digit
 // is one, the vowel signs of names in Hindi, too.
 bool IsLetter(char32_t c) {
@@ -116,6 +150,7 @@ bool ReadField(const char*& cursor, const Element& field, std::optional<int>& va
 }  // namespace
 
 void AppendDatePicture(CString& text, std::string_view picture, const CalendarDate& date) {
+    if (!g_hasOwnDigits) text += Figures().Take(picture, date);
     for (Element element; TakeElement(picture, element);) {
         if (!element.letter) {
             text += element.text;
