@@ -69,8 +69,13 @@ GtkInput::~GtkInput() {
 
 void GtkInput::Post(const ScreenEvent& event) const { m_window.Owner().Host().Post(m_window.Handle(), event); }
 
-void GtkInput::Pointer(UINT message, double x, double y, int wheel) const {
+// By the place on the desktop: while a popup has the grab, Wayland tells it of the pointer over other windows by their
+// coordinates.
+void GtkInput::Pointer(UINT message, double rootX, double rootY, int wheel) const {
     const int scale = m_window.Scale();
+    int left = 0, top = 0;
+    gdk_window_get_origin(gtk_widget_get_window(m_window.Area()), &left, &top);
+    const double x = rootX - left, y = rootY - top;
     ScreenEvent event{ScreenEvent::Kind::Pointer};
     event.code = message;
     event.x = static_cast<int>(std::floor(x * scale));
@@ -172,7 +177,7 @@ void GtkInput::Button(const GdkEventButton& event) {
     UINT message = PressOf(event.button);
     if (message == 0) return;
     FollowModifiers(event.state);
-    if (event.type == GDK_BUTTON_RELEASE) return Pointer(message + kToRelease, event.x, event.y);
+    if (event.type == GDK_BUTTON_RELEASE) return Pointer(message + kToRelease, event.x_root, event.y_root);
     GtkSettings* const settings = gtk_settings_get_default();
     gint time = 0, distance = 0;
     g_object_get(settings, "gtk-double-click-time", &time, "gtk-double-click-distance", &distance, nullptr);
@@ -183,21 +188,21 @@ void GtkInput::Button(const GdkEventButton& event) {
     m_pressTime = event.time;
     m_pressX = event.x;
     m_pressY = event.y;
-    Pointer(message, event.x, event.y);
+    Pointer(message, event.x_root, event.y_root);
 }
 
 void GtkInput::Scroll(const GdkEventScroll& event) {
     FollowModifiers(event.state);
     switch (event.direction) {
         case GDK_SCROLL_UP:
-            return Pointer(WM_MOUSEWHEEL, event.x, event.y, WHEEL_DELTA);
+            return Pointer(WM_MOUSEWHEEL, event.x_root, event.y_root, WHEEL_DELTA);
         case GDK_SCROLL_DOWN:
-            return Pointer(WM_MOUSEWHEEL, event.x, event.y, -WHEEL_DELTA);
+            return Pointer(WM_MOUSEWHEEL, event.x_root, event.y_root, -WHEEL_DELTA);
         case GDK_SCROLL_SMOOTH: {
             m_wheel -= event.delta_y * WHEEL_DELTA;
             const int parts = static_cast<int>(m_wheel);
             m_wheel -= parts;
-            if (parts != 0) Pointer(WM_MOUSEWHEEL, event.x, event.y, parts);
+            if (parts != 0) Pointer(WM_MOUSEWHEEL, event.x_root, event.y_root, parts);
             return;
         }
         default:
@@ -214,13 +219,13 @@ gboolean GtkInput::OnButton(GtkWidget*, GdkEventButton* event, gpointer self) {
 gboolean GtkInput::OnMotion(GtkWidget*, GdkEventMotion* event, gpointer given) {
     auto& self = *static_cast<GtkInput*>(given);
     self.FollowModifiers(event->state);
-    self.Pointer(WM_MOUSEMOVE, event->x, event->y);
+    self.Pointer(WM_MOUSEMOVE, event->x_root, event->y_root);
     return TRUE;
 }
 
 gboolean GtkInput::OnLeave(GtkWidget*, GdkEventCrossing* event, gpointer given) {
     // Where it went to, so that what it lay on learns that it left.
-    if (event->mode == GDK_CROSSING_NORMAL) static_cast<GtkInput*>(given)->Pointer(WM_MOUSEMOVE, event->x, event->y);
+    if (event->mode == GDK_CROSSING_NORMAL) static_cast<GtkInput*>(given)->Pointer(WM_MOUSEMOVE, event->x_root, event->y_root);
     return TRUE;
 }
 

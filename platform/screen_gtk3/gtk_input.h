@@ -24,7 +24,7 @@ public:
 
 private:
     void Post(const orvik::detail::ScreenEvent& event) const;
-    void Pointer(UINT message, double x, double y, int wheel = 0) const;
+    void Pointer(UINT message, double rootX, double rootY, int wheel = 0) const;
     void FollowModifiers(guint state);
     void SendModifier(UINT key, bool down);
     void Button(const GdkEventButton& event);

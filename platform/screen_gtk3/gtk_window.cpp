@@ -123,6 +123,12 @@ void ScreenWindow::Connect() {
     g_signal_connect(m_window, "focus-out-event", G_CALLBACK(onFocus), this);
 }
 
+// A popup's is its owner's: Wayland tells a window of its own only when it is seen.
+int ScreenWindow::Scale() const {
+    const ScreenWindow* const owner = m_popup ? m_screen.Find(m_owner) : nullptr;
+    return owner != nullptr ? owner->Scale() : gtk_widget_get_scale_factor(m_window);
+}
+
 int ScreenWindow::Logical(LONG pixels) const {
     const int scale = Scale();
     return std::max(1, (static_cast<int>(pixels) + scale - 1) / scale);

@@ -24,7 +24,7 @@ public:
     GtkWidget* Area() const { return m_area; }
     bool IsPopup() const { return m_popup; }
     GtkScreen& Owner() const { return m_screen; }
-    int Scale() const { return gtk_widget_get_scale_factor(m_window); }
+    int Scale() const;  // pixels of the picture to a unit of the desktop's
 
 private:
     int Logical(LONG pixels) const;
