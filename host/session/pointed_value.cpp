@@ -49,6 +49,6 @@ double ValueAt(const Session& session, size_t channel, const PointedTime& pointe
     const __int64 toLeft = hasLeft ? pointed.time - left->time : std::numeric_limits<__int64>::max(),
                   toRight = hasRight ? right->time - pointed.time : std::numeric_limits<__int64>::max();
     if (!hasLeft && !hasRight) return kNothing;
-    if (!(hasLeft && hasRight) && std::min(toLeft, toRight) > pointed.near) return kNothing;
+    if (!(hasLeft && hasRight) && std::min(toLeft, toRight) > pointed.within) return kNothing;
     return toLeft <= toRight ? left->value : right->value;
 }

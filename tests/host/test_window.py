@@ -420,7 +420,7 @@ class WindowFlow(unittest.TestCase):
         self.charted(window)
         window.key("ctrl+d")
         dialog = window.dialog("Download")
-        xdotool("key", "alt+p")
+        xdotool("key", "alt+p", "Home", "shift+End")
         xdotool("type", line.port)
         before = Picture(dialog)
         xdotool("key", "alt+t")
@@ -432,7 +432,7 @@ class WindowFlow(unittest.TestCase):
 
         until(settles, "the reading that was tried")
         window.keep("20-tried", whole_screen=True)
-        xdotool("key", "alt+i", "ctrl+a")
+        xdotool("key", "alt+i", "Home", "shift+End")
         xdotool("type", "10 ms")
         xdotool("key", "Return")
         window.title_start = "Demo logger"
