@@ -5,7 +5,7 @@
 
 // Where a pointer stands in the times of a chart.
 struct PointedTime {
-    __int64 time = 0;  // microseconds since 1970
+    __int64 time = 0;    // microseconds since 1970
     __int64 within = 0;  // microseconds within which a reading counts as being pointed at
     bool operator==(const PointedTime&) const = default;
 };
