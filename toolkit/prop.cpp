@@ -150,7 +150,12 @@ CString CBCGPProp::FormatProperty() const {
     char* end = text;
     if (m_value.IsInteger()) end = std::to_chars(text, text + sizeof text, m_value.Integer()).ptr;
     if (m_value.IsReal()) {
-        end = std::to_chars(text, text + sizeof text, m_value.Real()).ptr;
+        // Digits that only the arithmetic behind a number has made are no part of it.
+        const double number = m_value.Real();
+        const auto narrow = static_cast<float>(number);
+        end = static_cast<double>(narrow) == number
+                  ? std::to_chars(text, text + sizeof text, narrow).ptr
+                  : std::to_chars(text, text + sizeof text, number, std::chars_format::general, 15).ptr;
         for (char* at = text; at != end; ++at) {
             if (*at == '.') *at = DecimalSeparator();
         }

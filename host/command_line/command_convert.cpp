@@ -1,15 +1,13 @@
 // convert: a session in another form: recording, archive, XML or text.
 #include "host/command_line/commands.h"
+#include "host/session/csv_export.h"
 #include "host/session/csv_file.h"
 #include "host/session/database_file.h"
-#include "host/session/reading_source.h"
-#include "host/session/reading_writer.h"
 #include "host/session/recording_copy.h"
 #include "host/session/recording_files.h"
 #include "host/session/session_file.h"
 #include "host/words/arguments.h"
 #include "host/words/texts.h"
-#include "platform/file_replacement.h"
 
 namespace {
 bool EndsIn(const std::string& path, const char* wanted) {
@@ -25,36 +23,6 @@ SessionFile OpenAny(const std::string& path) {
     LoadCsv(path, *file.db);
     file.session = std::make_unique<Session>(*file.db, path, 0);
     return file;
-}
-
-// False where damage kept some of it from being there.
-bool StoreCsv(const std::string& path, const Session& session) {
-    constexpr size_t kBlock = 1 << 20;
-    const auto check = [&](DWORD error) {
-        if (error != ERROR_SUCCESS) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})};
-    };
-    orvik::detail::FileReplacement replacement;
-    check(replacement.Begin(path));
-    std::string text;
-    const auto write = [&] {
-        DWORD written = 0;
-        if (!WriteFile(replacement.File(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr))
-            check(GetLastError());
-        if (written != text.size()) check(ERROR_DISK_FULL);
-        text.clear();
-    };
-    const std::unique_ptr<ReadingWriter> writer = MakeCsvWriter(session, ChannelsNamed(session, {}), {});
-    writer->Heading(text);
-    const std::unique_ptr<ReadingSource> readings = ReadingsOf(session);
-    bool whole = true;
-    while (readings->Next()) {
-        whole = whole && !readings->Damage();
-        writer->Row(text, readings->Time(), readings->Values());
-        if (text.size() >= kBlock) write();
-    }
-    write();
-    check(replacement.Commit());
-    return whole && !readings->Damage();
 }
 }  // namespace
 

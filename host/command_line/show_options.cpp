@@ -68,9 +68,8 @@ ShowOptions::ShowOptions(const Words& words) {
                                      : Form::Table;
     picture = arguments.Get("--picture");
     if (!picture.empty() && !IsPicture(picture)) throw Failure{kWrongUse, Say(Text::NotAPicture, {ToUtf8(picture)})};
-    csv.local = arguments.Has("--local");
-    const bool comma = csv.local && DecimalSign() == ",";
-    csv.separator = comma ? ';' : ',';
+    if (arguments.Has("--local")) csv = SpreadsheetForm();
+    const bool comma = csv.separator == ';';
     if (arguments.Has("--separator")) csv.separator = SeparatorOf(arguments.Get("--separator"));
     if (comma && csv.separator == ',') throw Failure{kWrongUse, Say(Text::SeparatorIsDecimalSign)};
     channels = arguments.All("--channel");

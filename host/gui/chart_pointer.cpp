@@ -1,8 +1,11 @@
 // What the pointer looks like over the chart, what a press would do there, and the menu for what lies there.
+#include <cmath>
+#include <cstdlib>
 #include <utility>
 
 #include "frame/app_stock.h"
 #include "host/gui/chart_window.h"
+#include "platform/dpi.h"
 
 namespace {
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
@@ -79,14 +82,27 @@ LRESULT ChartWindow::OnCursor(WPARAM wParam, LPARAM lParam) {
     return TRUE;
 }
 
+std::optional<PointedTime> ChartWindow::TimeUnder(POINT point) const {
+    constexpr LONG kNear = 3;  // pixels at 96 dots an inch
+    const ViewParts& parts = m_scene.Parts();
+    if (!m_scene.HasData() || !::PtInRect(&parts.plot, point)) return std::nullopt;
+    const double at = parts.time.mapping.ToValue(point.x),
+                 beside = parts.time.mapping.ToValue(point.x + OrvikScale(kNear, parts.dpi));
+    if (!std::isfinite(at) || !std::isfinite(beside)) return std::nullopt;
+    const __int64 time = m_scene.TimeAxis().TimeOf(at);
+    return PointedTime{time, std::abs(m_scene.TimeAxis().TimeOf(beside) - time)};
+}
+
 LRESULT ChartWindow::OnPointer(WPARAM, LPARAM lParam) {
     UpToDate();
     m_owner.ShowHint(m_scene.HasData() ? HintAt(HitTest(m_scene.Parts(), PointOf(lParam))) : std::string());
+    m_owner.ShowValuesAt(TimeUnder(PointOf(lParam)));
     return 0;
 }
 
 LRESULT ChartWindow::OnLeave(WPARAM, LPARAM) {
     m_owner.ShowHint({});
+    m_owner.ShowValuesAt(std::nullopt);
     return 0;
 }
 

@@ -8,6 +8,7 @@
 #include "host/gui/line_edit.h"
 #include "host/gui/menu_commands.h"
 #include "host/gui/view_document.h"
+#include "host/session/pointed_value.h"
 
 // What the panes of the window ask of the window around them.
 class PaneOwner {
@@ -19,6 +20,8 @@ public:
     virtual void OnPaneKey(WORD key) = 0;
     // What a press at the pointer's place would do; an empty text for nothing.
     virtual void ShowHint(const std::string& text) = 0;
+    // The values of a time, which the pointer shows; the latest ones again for none.
+    virtual void ShowValuesAt(std::optional<PointedTime> pointed) = 0;
     // A menu for what has the focus, at a place of the screen.
     virtual void ShowContextMenu(POINT screen) = 0;
     // A drag has ended: what had to wait for it can be done.
@@ -111,6 +114,7 @@ private:
     void DrawWriting(CDC& dc) const;
     void Redraw();
     void UpToDate();
+    std::optional<PointedTime> TimeUnder(POINT point) const;
     HCURSOR CursorAt(const Hit& hit) const;
     std::string HintAt(const Hit& hit) const;
     bool OnWritingKey(WORD key);

@@ -6,7 +6,7 @@
 
 namespace {
 std::optional<std::string> Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEA), HWND owner, const std::string& title, std::string kinds,
-                               DWORD flags, const std::string& extension, const std::string& suggestion) {
+                               DWORD flags, const std::string& extension, const std::string& suggestion, DWORD kind) {
     std::replace(kinds.begin(), kinds.end(), '|', '\0');
     kinds.append(2, '\0');
     char path[4096] = {};
@@ -16,6 +16,7 @@ std::optional<std::string> Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEA), HWND owner
     question.hwndOwner = owner;
     question.lpstrTitle = title.c_str();
     question.lpstrFilter = kinds.c_str();
+    question.nFilterIndex = kind + 1;
     question.lpstrFile = path;
     question.nMaxFile = sizeof path;
     question.lpstrDefExt = extension.empty() ? nullptr : extension.c_str();
@@ -27,10 +28,10 @@ std::optional<std::string> Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEA), HWND owner
 bool HasFileDialogs() { return OrvikHasScreen() != FALSE; }
 
 std::optional<std::string> AskFileToOpen(HWND owner, const std::string& title, const std::string& kinds) {
-    return Ask(GetOpenFileNameA, owner, title, kinds, OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST, {}, {});
+    return Ask(GetOpenFileNameA, owner, title, kinds, OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST, {}, {}, 0);
 }
 
 std::optional<std::string> AskFileToSave(HWND owner, const std::string& title, const std::string& kinds,
-                                         const std::string& extension, const std::string& suggestion) {
-    return Ask(GetSaveFileNameA, owner, title, kinds, OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST, extension, suggestion);
+                                         const std::string& extension, const std::string& suggestion, DWORD kind) {
+    return Ask(GetSaveFileNameA, owner, title, kinds, OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST, extension, suggestion, kind);
 }

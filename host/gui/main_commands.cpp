@@ -2,6 +2,8 @@
 #include "afx/message_box.h"
 #include "host/gui/about_dialog.h"
 #include "host/gui/file_dialog.h"
+#include "host/gui/keys_dialog.h"
+#include "host/gui/listed_ports.h"
 #include "host/gui/main_window.h"
 #include "host/gui/properties_dialog.h"
 #include "host/gui/range_dialogs.h"
@@ -31,9 +33,12 @@ bool MainWindow::CanCommand(UINT command) const {
         case kCommandDownload:
             return !IsDownloading();
         case kCommandExit:
+        case kCommandKeys:
         case kCommandAbout:
             return true;
         case kCommandSave:
+        case kCommandSaveAs:
+        case kCommandExport:
         case kCommandPicture:
             return m_document.HasSession();
         case kCommandProperties:
@@ -47,6 +52,7 @@ bool MainWindow::CanCommand(UINT command) const {
         default:
             if (command >= kCommandPorts) return !IsDownloading() && command - kCommandPorts < m_ports.size();
             if (command >= kCommandChannels) return m_document.HasSession();
+            if (command >= kCommandRecent) return !IsDownloading() && command - kCommandRecent < m_recentShown.size();
             return m_chart.CanCommand(command);
     }
 }
@@ -60,6 +66,11 @@ bool MainWindow::Command(UINT command) {
             return true;
         case kCommandSave:
             return AskAndSave();
+        case kCommandSaveAs:
+            return AskAndSaveAs();
+        case kCommandExport:
+            AskAndExport();
+            return true;
         case kCommandPicture:
             AskAndSavePicture();
             return true;
@@ -86,6 +97,9 @@ bool MainWindow::Command(UINT command) {
             command == kCommandUndo ? m_document.History().Undo() : m_document.History().Redo();
             StateChanged();
             return true;
+        case kCommandKeys:
+            Ask([&] { KeysDialog(this).DoModal(); });
+            return true;
         case kCommandAbout:
             Ask([&] { AboutDialog(this).DoModal(); });
             return true;
@@ -102,6 +116,10 @@ bool MainWindow::Command(UINT command) {
         Do(Text::StepChannel, ValueList::Toggled(m_document.State(), *m_document.GetSession(), channel));
         return true;
     }
+    if (command >= kCommandRecent) {
+        OpenRecent(command - kCommandRecent);
+        return true;
+    }
     return m_chart.Command(command);
 }
 
@@ -112,36 +130,70 @@ void MainWindow::AskAndOpen() {
     if (path) Open(*path);
 }
 
-bool MainWindow::AskAndSave() {
-    if (!m_document.Path().empty()) return SaveTo(m_document.Path());
+// What is gone is taken off the list.
+void MainWindow::OpenRecent(size_t place) {
+    const std::string path = m_recentShown[place];
+    if (!FileExists(path)) {
+        m_recent.Remove(path);
+        return Tell(Say(Text::RecentGone, {ToUtf8(path)}));
+    }
+    if (MayLeave()) Open(path);
+}
+
+// A script leaves no trace in its user's list.
+void MainWindow::Remember(const std::string& path) {
+    if (m_manner == Manner::Interactive) m_recent.Add(path);
+}
+
+bool MainWindow::AskAndSave() { return m_document.Path().empty() ? AskAndSaveAs() : SaveTo(m_document.Path()); }
+
+bool MainWindow::AskAndSaveAs() {
+    const std::string& now = m_document.Path();
     const auto path = Ask([&] {
-        return AskFileToSave(m_hWnd, Say(Text::AskSave), KindsOf(Text::SessionFiles, "*.odb;*.xml"), "odb", "session.odb");
+        return AskFileToSave(m_hWnd, Say(Text::AskSave), KindsOf(Text::SessionFiles, "*.odb;*.xml"), "odb",
+                             now.empty() ? "session.odb" : now);
     });
     return path && SaveTo(*path);
+}
+
+// What is there is replaced only if the user wants that; the question for the file may have asked already.
+bool MainWindow::MayReplace(const SavingDialog& dialog) {
+    const std::string path = dialog.path.GetString();
+    if (m_manner == Manner::Quiet || dialog.IsAgreed() || !FileExists(path)) return true;
+    const std::string question = Say(Text::AskReplace, {ToUtf8(path)});
+    return Ask([&] { return AfxMessageBox(question.c_str(), MB_YESNO | MB_ICONQUESTION); }) == IDYES;
+}
+
+void MainWindow::AskAndExport() {
+    const std::string title = m_document.Title();
+    ExportDialog dialog(this, title.substr(0, title.find_last_of('.')) + ".csv");
+    if (Ask([&] { return dialog.DoModal(); }) != IDOK || !MayReplace(dialog)) return;
+    ExportTo(dialog.path.GetString(), dialog.ForSpreadsheets() ? SpreadsheetForm() : CsvForm{}, dialog.ShownOnly());
 }
 
 void MainWindow::AskAndSavePicture() {
     PictureDialog dialog(this, "chart.png", ChartSize());
     if (Ask([&] { return dialog.DoModal(); }) != IDOK) return;
-    const std::string path = dialog.path.GetString();
-    if (m_manner == Manner::Interactive && FileExists(path)) {
-        const std::string question = Say(Text::AskReplace, {ToUtf8(path)});
-        if (Ask([&] { return AfxMessageBox(question.c_str(), MB_YESNO | MB_ICONQUESTION); }) != IDYES) return;
-    }
-    SavePicture(path, {static_cast<LONG>(dialog.width), static_cast<LONG>(dialog.height)});
+    if (!MayReplace(dialog)) return;
+    SavePicture(dialog.path.GetString(), {static_cast<LONG>(dialog.width), static_cast<LONG>(dialog.height)});
 }
 
 void MainWindow::AskAndDownload() {
-    FillPorts(m_portMenu);
-    DownloadDialog dialog(this, m_ports.empty() ? std::string() : m_ports.front(), 10,
-                          CVXTTimeSpan(kLiveInterval, TST_MILLISECONDS));
+    const std::vector<ListedPort> ports = ListPorts();
+    DownloadDialog dialog(this, m_app, m_recentLoggers.All());
+    dialog.description = m_loggerFile.c_str();
+    dialog.port = ports.empty() ? "" : ports.front().name.c_str();
+    dialog.interval = CVXTTimeSpan(kLiveInterval, TST_MILLISECONDS);
+    dialog.timeout = kLiveTimeout;
     if (Ask([&] { return dialog.DoModal(); }) != IDOK || !MayLeave()) return;
+    m_loggerFile = dialog.description.GetString();
+    if (m_manner == Manner::Interactive && !m_loggerFile.empty()) m_recentLoggers.Add(m_loggerFile);
     DownloadPlan plan;
     plan.port = dialog.port.GetString();
     plan.count = dialog.count;
     plan.interval = static_cast<DWORD>(dialog.interval.GetTotalMilliSeconds());
     plan.timeout = kLiveTimeout;
-    Connect({}, plan);
+    Connect(m_loggerFile, plan);
 }
 
 void MainWindow::AskRange() {
@@ -216,5 +268,5 @@ void MainWindow::ConnectTo(size_t port) {
     plan.count = kForEver;
     plan.interval = kLiveInterval;
     plan.timeout = kLiveTimeout;
-    Connect({}, plan);
+    Connect(m_loggerFile, plan);
 }

@@ -1,7 +1,7 @@
 // The window's menus: what they say, and when.
 #include <algorithm>
 
-#include "comm/serial_device.h"
+#include "host/gui/listed_ports.h"
 #include "host/gui/main_window.h"
 #include "host/words/console.h"
 
@@ -10,7 +10,9 @@ std::string MainWindow::ItemText(const MenuCommand& command) const {
     std::string text = Say(command.text);
     if (command.id == kCommandUndo && history.CanUndo()) text = Say(Text::MenuUndoStep, {Say(history.UndoName())});
     if (command.id == kCommandRedo && history.CanRedo()) text = Say(Text::MenuRedoStep, {Say(history.RedoName())});
-    if (command.keyText[0] != 0) text += std::string("\t") + command.keyText;
+    std::string keys = command.keyText;
+    if (const size_t shift = keys.find("Shift"); shift != std::string::npos) keys.replace(shift, 5, Say(Text::KeyShift));
+    if (!keys.empty()) text += "\t" + keys;
     return text;
 }
 
@@ -28,6 +30,10 @@ void MainWindow::MakeMenu() {
                 m_portMenu = ::CreatePopupMenu();
                 ::AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(m_portMenu), Say(Text::MenuConnect).c_str());
             }
+            if (command.id == kCommandSave) {
+                m_recentMenu = ::CreatePopupMenu();
+                ::AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(m_recentMenu), Say(Text::MenuRecent).c_str());
+            }
             if (command.afterLine) {
                 ::AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
             }
@@ -42,6 +48,7 @@ void MainWindow::MakeMenu() {
     }
     ::SetMenu(m_hWnd, bar);
     FillPorts(m_portMenu);
+    FillRecent(m_recentMenu);
     FillChannels(m_channelMenu);
 }
 
@@ -69,17 +76,32 @@ void EmptyMenu(HMENU menu) {
 void MainWindow::FillPorts(HMENU menu) {
     EmptyMenu(menu);
     m_ports.clear();
-    CArray<CSerialDevice, const CSerialDevice&> devices;
-    CSerialDevice::EnumSerialDevices(devices);
-    for (INT_PTR i = 0; i < devices.GetSize() && i < INT_PTR{kCommandEnd - kCommandPorts}; ++i) {
-        CSerialDevice device = devices.GetAt(i);
-        m_ports.emplace_back(static_cast<const char*>(device.GetPortName()));
-        const std::string description = static_cast<const char*>(device.GetDescription());
-        const std::string text = m_ports.back() + (description.empty() ? "" : "  " + description);
-        ::AppendMenuA(menu, MF_STRING | (IsDownloading() ? MF_GRAYED : MF_ENABLED), kCommandPorts + static_cast<UINT>(i),
-                      text.c_str());
+    for (const ListedPort& port : ListPorts()) {
+        if (m_ports.size() == size_t{kCommandEnd - kCommandPorts}) break;
+        const std::string text = port.name + (port.description.empty() ? "" : "  " + port.description);
+        ::AppendMenuA(menu, MF_STRING | (IsDownloading() ? MF_GRAYED : MF_ENABLED),
+                      kCommandPorts + static_cast<UINT>(m_ports.size()), text.c_str());
+        m_ports.push_back(port.name);
     }
     if (m_ports.empty()) ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, Say(Text::NoPorts).c_str());
+}
+
+// Numbered for the keys; a long path keeps its end, which tells files apart.
+void MainWindow::FillRecent(HMENU menu) {
+    constexpr size_t kLongest = 60;
+    EmptyMenu(menu);
+    m_recentShown = m_recent.All();
+    for (size_t i = 0; i < m_recentShown.size(); ++i) {
+        std::string path = m_recentShown[i], text = "&" + std::to_string(i + 1) + "  ";
+        if (path.size() > kLongest) {
+            const size_t cut = path.find_first_of("/\\", path.size() - kLongest);
+            if (cut != std::string::npos) path = "..." + path.substr(cut);
+        }
+        for (const char letter : path) text.append(letter == '&' ? 2 : 1, letter);
+        const UINT id = kCommandRecent + static_cast<UINT>(i);
+        ::AppendMenuA(menu, MF_STRING | (CanCommand(id) ? MF_ENABLED : MF_GRAYED), id, text.c_str());
+    }
+    if (m_recentShown.empty()) ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, Say(Text::NoRecent).c_str());
 }
 
 void MainWindow::FillChannels(HMENU menu) {
@@ -99,6 +121,7 @@ void MainWindow::FillChannels(HMENU menu) {
 
 LRESULT MainWindow::OnMenuOpens(WPARAM wParam, LPARAM) {
     const HMENU menu = reinterpret_cast<HMENU>(wParam);
+    if (menu == m_recentMenu) FillRecent(menu);
     if (menu == m_portMenu) FillPorts(menu);
     if (menu == m_channelMenu) FillChannels(menu);
     UpdateMenu();

@@ -6,6 +6,7 @@
 #include "chart/split_bar_trackers.h"
 #include "frame/app_stock.h"
 #include "host/gui/pane_font.h"
+#include "host/session/value_text.h"
 #include "platform/dpi.h"
 
 namespace {
@@ -84,6 +85,7 @@ void MainWindow::StateChanged() {
 }
 
 void MainWindow::DocumentChanged() {
+    ForgetPointer();
     m_chart.DataChanged();
     StateChanged();
 }
@@ -178,10 +180,10 @@ LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
     dc.SetBkMode(TRANSPARENT);
     CRect text = status;
     text.DeflateRect(Scaled(kTextMargin), 0);
-    const int width =
-        m_status.empty() ? 0 : static_cast<int>(dc.GetTextExtent(m_status.c_str(), static_cast<int>(m_status.size())).cx);
+    const std::string& told = m_pointed.empty() ? m_status : m_pointed;
+    const int width = told.empty() ? 0 : static_cast<int>(dc.GetTextExtent(told.c_str(), static_cast<int>(told.size())).cx);
     const UINT format = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
-    dc.DrawText(m_status.c_str(), static_cast<int>(m_status.size()), text, format | DT_RIGHT);
+    dc.DrawText(told.c_str(), static_cast<int>(told.size()), text, format | DT_RIGHT);
     text.right = std::max<LONG>(text.right - width - Scaled(kTextGap), text.left);
     dc.DrawText(m_hint.c_str(), static_cast<int>(m_hint.size()), text, format);
     dc.SelectObject(before);
@@ -191,6 +193,24 @@ LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
 void MainWindow::ShowHint(const std::string& text) {
     if (text == m_hint || m_hWnd == nullptr) return;
     m_hint = text;
+    const RECT status = StatusRect();
+    ::InvalidateRect(m_hWnd, &status, FALSE);
+}
+
+// Nobody tells when the pointer leaves a window that another one covers, or the screen's edge ends: it is looked for.
+void MainWindow::ShowValuesAt(std::optional<PointedTime> pointed) {
+    constexpr UINT kPause = 100;  // ms
+    const std::string time = pointed ? TimeTextOf(pointed->time) : std::string();
+    m_list.ShowValuesAt(pointed);
+    if (time == m_pointed || m_hWnd == nullptr) return;
+    if (time.empty() != m_pointed.empty()) {
+        if (pointed) {
+            ::SetTimer(m_hWnd, kPointerTimer, kPause, nullptr);
+        } else {
+            ::KillTimer(m_hWnd, kPointerTimer);
+        }
+    }
+    m_pointed = time;
     const RECT status = StatusRect();
     ::InvalidateRect(m_hWnd, &status, FALSE);
 }
@@ -220,6 +240,7 @@ LRESULT MainWindow::OnPress(WPARAM, LPARAM lParam) {
 
 LRESULT MainWindow::OnPointer(WPARAM, LPARAM lParam) {
     const RECT bar = BarRect();
+    ForgetPointer();
     ShowHint(::PtInRect(&bar, CPoint(lParam)) ? Say(Text::HintBar) : std::string());
     return 0;
 }

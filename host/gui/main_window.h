@@ -10,8 +10,12 @@
 #include "host/app/host_app.h"
 #include "host/gui/chart_window.h"
 #include "host/gui/live_download.h"
+#include "host/gui/recent_files.h"
 #include "host/gui/value_list.h"
+#include "host/session/reading_writer.h"
 #include "ui/progress_dialog.h"
+
+class SavingDialog;
 
 class MainWindow : public CWnd, private PaneOwner, private LiveDownload::Listener {
 public:
@@ -33,6 +37,8 @@ public:
     bool SaveTo(const std::string& path);
     // An empty size is the chart's own.
     bool SavePicture(const std::string& path, SIZE size = {});
+    // The readings as text, all of them or those in the range of times that the chart shows.
+    bool ExportTo(const std::string& path, const CsvForm& form, bool shownOnly);
     bool Connect(const std::string& loggerFile, const DownloadPlan& plan);
     // What a window that was killed had downloaded, as if it had just been; nothing else is opened if there is none.
     void OpenUnsaved();
@@ -50,6 +56,8 @@ public:
     RECT BarRect() const;
     RECT StatusRect() const;
     void SetHint(const std::string& text) { ShowHint(text); }
+    // As if the pointer were elsewhere.
+    void ForgetPointer() { ShowValuesAt(std::nullopt); }
     // The text of a menu's item, and whether it can be chosen; for those who look at the menu.
     std::string MenuText(UINT command) const;
     bool CanCommand(UINT command) const;
@@ -79,6 +87,7 @@ private:
     void OnPaneCommand(UINT command) override { Command(command); }
     void OnPaneKey(WORD key) override;
     void ShowHint(const std::string& text) override;
+    void ShowValuesAt(std::optional<PointedTime> pointed) override;
     void ShowContextMenu(POINT screen) override;
     void OnDragEnd() override;
     // LiveDownload::Listener
@@ -99,6 +108,8 @@ private:
         const bool m_before;
     };
 
+    static constexpr UINT_PTR kProgressTimer = 1, kPointerTimer = 2;
+
     template <class Work>
     bool Try(Work work);
     template <class Work>
@@ -117,13 +128,19 @@ private:
     void UpdateMenu();
     std::string ItemText(const MenuCommand& command) const;
     void FillPorts(HMENU menu);
+    void FillRecent(HMENU menu);
     void FillChannels(HMENU menu);
     void UpdateTitle();
     void TakeReadings();
     void DropUnsaved();
     bool MayLeave();  // what is not saved is saved, or given up by the user
     bool AskAndSave();
+    bool AskAndSaveAs();
+    void AskAndExport();
+    bool MayReplace(const SavingDialog& dialog);
     void AskAndOpen();
+    void OpenRecent(size_t place);
+    void Remember(const std::string& path);
     void AskAndSavePicture();
     void AskAndDownload();
     void AskRange();
@@ -150,8 +167,11 @@ private:
     };
     std::deque<Reading> m_readings;  // that a drag keeps waiting
     std::vector<std::string> m_ports;
-    HMENU m_portMenu = nullptr, m_channelMenu = nullptr;
-    std::string m_hint, m_status;
+    const RecentFiles m_recent{"recent"}, m_recentLoggers{"recent-loggers"};
+    std::vector<std::string> m_recentShown;  // by the menu
+    std::string m_loggerFile;                // the description that was used last; empty: the embedded one
+    HMENU m_recentMenu = nullptr, m_portMenu = nullptr, m_channelMenu = nullptr;
+    std::string m_hint, m_status, m_pointed;
     bool m_dragging = false;
     bool m_barFocus = false;
     bool m_closing = false;

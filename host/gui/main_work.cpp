@@ -1,4 +1,5 @@
 // What the window works on: files, pictures, downloads, and what can go wrong with them.
+#include <algorithm>
 #include <utility>
 
 #include "afx/dc.h"
@@ -8,7 +9,9 @@
 #include "host/gui/main_window.h"
 #include "host/gui/unsaved_recording.h"
 #include "host/logger/logger_file.h"
+#include "host/session/csv_export.h"
 #include "host/session/database_file.h"
+#include "host/session/recording_files.h"
 #include "platform/dpi.h"
 #include "platform/picture.h"
 
@@ -16,8 +19,7 @@ namespace {
 // From these on the progress dialog stands there at once.
 constexpr unsigned __int64 kLargeFile = 4 * 1024 * 1024;
 constexpr double kLargePicture = 8e6;  // pixels
-constexpr UINT_PTR kProgressTimer = 1;
-constexpr UINT kProgressPause = 100;  // ms
+constexpr UINT kProgressPause = 100;   // ms
 }  // namespace
 
 namespace {
@@ -75,6 +77,7 @@ bool MainWindow::Open(const std::string& path) {
         WorkWith(Text::WorkOpen, Text::WorkReading, Text::OpenStopped, path, FileSize(path) >= kLargeFile,
                  [&](WorkProgress& progress) { m_document.Open(path, progress); });
         if (path != m_unsaved) DropUnsaved();
+        Remember(m_document.Path());
         if (!m_document.Note().empty()) m_status = m_document.Note();
         DocumentChanged();
     });
@@ -96,6 +99,7 @@ bool MainWindow::SaveTo(const std::string& path) {
         WorkWith(Text::WorkSave, Text::WorkWriting, Text::WorkStopped, path, m_document.SizeAs(path) >= kLargeFile,
                  [&](WorkProgress& progress) { m_document.Save(path, progress); });
         if (!IsDownloading()) DropUnsaved();
+        Remember(path);
         m_status = Say(Text::SavedTo, {ToUtf8(path)});
         StateChanged();
     });
@@ -111,6 +115,29 @@ bool MainWindow::SavePicture(const std::string& path, SIZE size) {
                  static_cast<double>(size.cx) * size.cy >= kLargePicture,
                  [&](WorkProgress& progress) { WritePicture(path, size, progress); });
         ShowStatus(Say(Text::SavedTo, {ToUtf8(path)}));
+    });
+}
+
+bool MainWindow::ExportTo(const std::string& path, const CsvForm& form, bool shownOnly) {
+    m_chart.EndWriting(true);
+    return Try([&] {
+        if (IsRecording(path)) throw Failure{kFileFailed, Say(Text::RecordingNotReplaced, {ToUtf8(path)})};
+        RequireWritable(path);
+        TakeReadings();
+        TimeRange range;
+        if (shownOnly && m_document.State().time) {
+            m_chart.Prepare();
+            const ViewRange shown = m_chart.ShownTimes();
+            range = {m_chart.TimeAxis().TimeOf(std::min(shown.origin, shown.extent)),
+                     m_chart.TimeAxis().TimeOf(std::max(shown.origin, shown.extent))};
+        }
+        const Session& session = *m_document.GetSession();
+        constexpr unsigned __int64 kText = 18;  // bytes of a number
+        const bool large = session.Count() * (session.Channels().size() + 1) * kText >= kLargeFile;
+        bool whole = true;
+        WorkWith(Text::WorkSave, Text::WorkWriting, Text::WorkStopped, path, large,
+                 [&](WorkProgress& progress) { whole = StoreCsv(path, session, form, range, &progress); });
+        ShowStatus(Say(whole ? Text::SavedTo : Text::SavedWithDamage, {ToUtf8(path)}));
     });
 }
 
@@ -207,6 +234,9 @@ void MainWindow::ShowDownload(const DownloadPlan& plan) {
 }
 
 LRESULT MainWindow::OnTimer(WPARAM wParam, LPARAM) {
+    POINT pointer = {};
+    if (wParam == kPointerTimer && ::GetCursorPos(&pointer) && ::WindowFromPoint(pointer) != m_chart.m_hWnd && !IsDragging())
+        ForgetPointer();
     if (wParam == kProgressTimer && m_progress != nullptr && m_progress->IsCancelled() && IsDownloading()) m_download->Stop();
     return 0;
 }

@@ -30,6 +30,10 @@ enum CommandId : UINT {
     kCommandTimeRange,
     kCommandProperties,
     kCommandDownload,
+    kCommandSaveAs,
+    kCommandExport,
+    kCommandKeys,
+    kCommandRecent = 180,    // and the files after it, the newest first
     kCommandChannels = 200,  // and the channels after it, in the session's order
     kCommandPorts = 400,     // and the ports after it, in the order in which they were listed
     kCommandEnd = 600
@@ -50,8 +54,8 @@ struct MenuCommand {
 
 // Commands that open a dialog for somebody to answer.
 constexpr bool AsksUser(CommandId id) {
-    for (const CommandId one : {kCommandOpen, kCommandSave, kCommandPicture, kCommandDownload, kCommandRange, kCommandTimeRange,
-                                kCommandProperties, kCommandAbout}) {
+    for (const CommandId one : {kCommandOpen, kCommandSave, kCommandSaveAs, kCommandExport, kCommandPicture, kCommandDownload,
+                                kCommandRange, kCommandTimeRange, kCommandProperties, kCommandAbout, kCommandKeys}) {
         if (id == one) return true;
     }
     return false;
@@ -60,6 +64,8 @@ constexpr bool AsksUser(CommandId id) {
 inline constexpr MenuCommand kMenuCommands[] = {
     {kCommandOpen, MenuPlace::File, false, Text::MenuOpen, "open", 'O', true, false, "Ctrl+O"},
     {kCommandSave, MenuPlace::File, false, Text::MenuSave, "save", 'S', true, false, "Ctrl+S"},
+    {kCommandSaveAs, MenuPlace::File, false, Text::MenuSaveAs, "save-as", 'S', true, true, "Ctrl+Shift+S"},
+    {kCommandExport, MenuPlace::File, true, Text::MenuExport, "export", 'E', true, false, "Ctrl+E"},
     {kCommandPicture, MenuPlace::File, false, Text::MenuPicture, "picture", 'P', true, false, "Ctrl+P"},
     {kCommandDownload, MenuPlace::File, true, Text::MenuDownload, "download", 'D', true, false, "Ctrl+D"},
     {kCommandStop, MenuPlace::File, false, Text::MenuStop, "stop", 'B', true, false, "Ctrl+B"},
@@ -80,7 +86,8 @@ inline constexpr MenuCommand kMenuCommands[] = {
     {kCommandRange, MenuPlace::View, true, Text::MenuRange, "range", 'G', true, false, "Ctrl+G"},
     {kCommandTimeRange, MenuPlace::View, false, Text::MenuTimeRange, "time-range", 'T', true, false, "Ctrl+T"},
     {kCommandProperties, MenuPlace::View, false, Text::MenuProperties, "properties", 0, false, false, "Alt+Enter"},
-    {kCommandAbout, MenuPlace::Help, false, Text::MenuAbout, "about", VK_F1, false, false, "F1"},
+    {kCommandKeys, MenuPlace::Help, false, Text::MenuKeys, "keys", VK_F1, false, false, "F1"},
+    {kCommandAbout, MenuPlace::Help, true, Text::MenuAbout, "about", 0, false, false, ""},
 };
 
 // By what a script calls it; kCommandNone for nothing.

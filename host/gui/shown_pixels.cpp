@@ -5,6 +5,7 @@ void PaintAll(MainWindow& window) {
 }
 
 std::vector<COLORREF> ShownPixels(MainWindow& window) {
+    window.ForgetPointer();
     PaintAll(window);
     RECT client = {};
     ::GetClientRect(window.m_hWnd, &client);

@@ -114,16 +114,28 @@ const std::string& ValueList::CellText(size_t channel, size_t column) const {
         const auto same = [&](const ViewState::Axis& axis) { return axis.unit == shown.unit; };
         const auto axis = std::find_if(state.axes.begin(), state.axes.end(), same);
         const std::string& picture = axis != state.axes.end() ? axis->picture : std::string();
-        m_text = ShortTextOf(session.LastValue(channel), picture);
+        const double value = ValueOf(channel);
+        if (!m_pointed || std::isfinite(value)) m_text = ShortTextOf(value, picture);
     }
     return m_text;
+}
+
+double ValueList::ValueOf(size_t channel) const {
+    const Session& session = *m_document.GetSession();
+    return m_pointed ? ValueAt(session, channel, *m_pointed) : session.LastValue(channel);
+}
+
+void ValueList::ShowValuesAt(std::optional<PointedTime> pointed) {
+    if (pointed == m_pointed) return;
+    m_pointed = pointed;
+    Update();
 }
 
 COLORREF ValueList::ColourOf(size_t channel) const {
     const ViewState& state = m_document.State();
     const Session::Channel& shown = m_document.GetSession()->Channels()[channel];
     const Session& session = *m_document.GetSession();
-    if (session.Count() > 0 && !std::isfinite(session.LastValue(channel))) return kNoNumber;
+    if (session.Count() > 0 && !m_pointed && !std::isfinite(session.LastValue(channel))) return kNoNumber;
     if (std::find(state.hidden.begin(), state.hidden.end(), shown.key) != state.hidden.end()) return kHidden;
     return channel < state.channels.size() ? state.channels[channel].colour : ChartModel::ColourOf(channel);
 }
@@ -208,6 +220,7 @@ LRESULT ValueList::Header::OnPress(WPARAM, LPARAM lParam) {
 }
 
 LRESULT ValueList::Header::OnPointer(WPARAM, LPARAM lParam) {
+    m_list.m_owner.ShowValuesAt(std::nullopt);
     CPoint point(lParam);
     ::MapWindowPoints(m_hWnd, m_list.m_hWnd, &point, 1);
     m_list.m_owner.ShowHint(m_list.EdgeAt(point) < kColumns ? Say(Text::HintColumn) : std::string());
@@ -254,6 +267,7 @@ void ValueList::OnTwice(NMHDR* told, LRESULT* result) {
 }
 
 LRESULT ValueList::OnPointer(WPARAM, LPARAM lParam) {
+    m_owner.ShowValuesAt(std::nullopt);
     LVHITTESTINFO info = {};
     info.pt = CPoint(lParam);
     m_owner.ShowHint(HitTest(&info) >= 0 ? Say(Text::HintRow) : std::string());

@@ -1,4 +1,5 @@
-// The channels beside the chart: their names, latest values and units, in columns that can be sized. A row has its channel's
+// The channels beside the chart: their names, latest values (or those of the time under the
+// pointer) and units, in columns that can be sized. A row has its channel's
 // colour in the chart; it is grey while the chart hides the channel, and red while the latest reading is no number.
 // Space hides a channel from the chart or shows it, a double click (or Enter) opens its properties. User-interface thread.
 #pragma once
@@ -21,6 +22,8 @@ public:
     BOOL CreatePane(HWND parent);
     // The document's channels, latest values and state; what has not changed is not drawn anew.
     void Update();
+    // Shows the values of a time in place of the latest ones; those again for none.
+    void ShowValuesAt(std::optional<PointedTime> pointed);
     // The window has come to a screen of other dots an inch.
     void DpiChanged();
     bool IsDragging() const { return m_dragging; }
@@ -62,6 +65,7 @@ private:
     };
 
     const std::string& CellText(size_t channel, size_t column) const;
+    double ValueOf(size_t channel) const;
     COLORREF ColourOf(size_t channel) const;
     size_t ChannelCount() const;
     // The column whose right edge is at a place of the header, kColumns for none.
@@ -78,6 +82,7 @@ private:
     CFont m_font;
     std::vector<std::unique_ptr<CValueState>> m_states;  // one a row
     mutable std::string m_text;
+    std::optional<PointedTime> m_pointed;
     size_t m_column = 0;  // what the keys size
     bool m_dragging = false;
 };

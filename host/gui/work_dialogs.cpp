@@ -4,7 +4,11 @@
 
 #include "afx/message_map.h"
 #include "host/gui/file_dialog.h"
+#include "host/gui/listed_ports.h"
+#include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
+#include "host/measurement/one_reading.h"
+#include "host/session/csv_file.h"
 #include "host/words/texts.h"
 #include "platform/picture.h"
 #include "res/ids.h"
@@ -24,7 +28,22 @@ std::optional<int> KindOf(const CString& path) {
 }
 }  // namespace
 
-BEGIN_MESSAGE_MAP(PictureDialog, FieldsDialog)
+BOOL SavingDialog::OnInitDialog() {
+    const BOOL done = FieldsDialog::OnInitDialog();
+    GetDlgItem(IDC_HOST_BROWSE)->EnableWindow(HasFileDialogs());
+    return done;
+}
+
+bool SavingDialog::Browse(Text title, const std::string& kinds, const std::string& extension, DWORD kind) {
+    const auto chosen = AskFileToSave(m_hWnd, Say(title), kinds + "|" + Say(Text::AllFiles) + "|*.*", extension,
+                                      TextOf(IDC_HOST_FILE).GetString(), kind);
+    if (!chosen) return false;
+    m_agreed = chosen->c_str();
+    GetDlgItem(IDC_HOST_FILE)->SetWindowText(m_agreed);
+    return true;
+}
+
+BEGIN_MESSAGE_MAP(PictureDialog, SavingDialog)
 ON_BN_CLICKED(IDC_HOST_BROWSE, OnBrowse)
 ON_BN_CLICKED(IDC_HOST_PNG, OnKind)
 ON_BN_CLICKED(IDC_HOST_SVG, OnKind)
@@ -32,33 +51,29 @@ ON_BN_CLICKED(IDC_HOST_PDF, OnKind)
 END_MESSAGE_MAP()
 
 PictureDialog::PictureDialog(CWnd* parent, const std::string& first, SIZE size)
-    : FieldsDialog(IDD_HOST_SAVE_PICTURE, parent, {IDC_HOST_FILE, IDC_HOST_WIDTH, IDC_HOST_HEIGHT}),
-      path(first.c_str()),
+    : SavingDialog(IDD_HOST_SAVE_PICTURE, parent, {IDC_HOST_FILE, IDC_HOST_WIDTH, IDC_HOST_HEIGHT}, first),
       width(static_cast<UINT>(size.cx)),
       height(static_cast<UINT>(size.cy)),
       m_kind(KindOf(path).value_or(0)) {}
 
-BOOL PictureDialog::OnInitDialog() {
-    const BOOL done = FieldsDialog::OnInitDialog();
-    GetDlgItem(IDC_HOST_BROWSE)->EnableWindow(HasFileDialogs());
-    return done;
+int PictureDialog::Kind() const {
+    int kind = 0;
+    while (kind < 2 && IsDlgButtonChecked(IDC_HOST_PNG + kind) != BST_CHECKED) ++kind;
+    return kind;
 }
 
 // The name follows the kind that is chosen.
 void PictureDialog::OnKind() {
-    int kind = 0;
-    while (kind < 2 && IsDlgButtonChecked(IDC_HOST_PNG + kind) != BST_CHECKED) ++kind;
+    const int kind = Kind();
     CString name = TextOf(IDC_HOST_FILE);
     if (KindOf(name)) name = name.Left(name.GetLength() - 4);
     if (!name.IsEmpty()) GetDlgItem(IDC_HOST_FILE)->SetWindowText(name + kKinds[kind]);
 }
 
 void PictureDialog::OnBrowse() {
-    const std::string kinds = Say(Text::PictureFiles) + "|*.png;*.svg;*.pdf|" + Say(Text::AllFiles) + "|*.*";
-    const auto chosen = AskFileToSave(m_hWnd, Say(Text::AskPicture), kinds, "png", TextOf(IDC_HOST_FILE).GetString());
-    if (!chosen) return;
-    GetDlgItem(IDC_HOST_FILE)->SetWindowText(chosen->c_str());
-    if (const auto kind = KindOf(chosen->c_str())) CheckRadioButton(IDC_HOST_PNG, IDC_HOST_PDF, IDC_HOST_PNG + *kind);
+    const int now = Kind();
+    if (!Browse(Text::AskPicture, "PNG|*.png|SVG|*.svg|PDF|*.pdf", kKinds[now] + 1, static_cast<DWORD>(now))) return;
+    if (const auto kind = KindOf(TextOf(IDC_HOST_FILE))) CheckRadioButton(IDC_HOST_PNG, IDC_HOST_PDF, IDC_HOST_PNG + *kind);
 }
 
 void PictureDialog::DoDataExchange(CDataExchange* exchange) {
@@ -83,17 +98,116 @@ void PictureDialog::DoDataExchange(CDataExchange* exchange) {
     height = down;
 }
 
-DownloadDialog::DownloadDialog(CWnd* parent, const std::string& first, UINT readings, CVXTTimeSpan between)
+BEGIN_MESSAGE_MAP(ExportDialog, SavingDialog)
+ON_BN_CLICKED(IDC_HOST_BROWSE, OnBrowse)
+END_MESSAGE_MAP()
+
+ExportDialog::ExportDialog(CWnd* parent, const std::string& first)
+    : SavingDialog(IDD_HOST_EXPORT, parent, {IDC_HOST_FILE}, first) {}
+
+void ExportDialog::OnBrowse() { Browse(Text::AskExport, Say(Text::TextFiles) + "|*.csv", "csv", 0); }
+
+void ExportDialog::DoDataExchange(CDataExchange* exchange) {
+    FieldsDialog::DoDataExchange(exchange);
+    CString name = path;
+    DDX_Text(exchange, IDC_HOST_FILE, name);
+    DDX_Radio(exchange, IDC_HOST_FOR_PROGRAMS, m_form);
+    DDX_Radio(exchange, IDC_HOST_EXPORT_ALL, m_part);
+    if (!exchange->m_bSaveAndValidate) return;
+    if (name.IsEmpty()) Refuse(exchange, IDC_HOST_FILE, Say(Text::FileEmpty));
+    if (!EndsInCsv(name.GetString())) name += ".csv";
+    path = name;
+}
+
+BEGIN_MESSAGE_MAP(DownloadDialog, FieldsDialog)
+ON_BN_CLICKED(IDC_HOST_BROWSE, OnBrowse)
+ON_BN_CLICKED(IDC_HOST_TEST, OnTest)
+ON_CONTROL(CBN_DROPDOWN, IDC_HOST_PORT, OnPortsDrop)
+END_MESSAGE_MAP()
+
+DownloadDialog::DownloadDialog(CWnd* parent, CHostApp& app, std::vector<std::string> descriptions)
     : FieldsDialog(IDD_HOST_DOWNLOAD, parent, {IDC_HOST_PORT, IDC_HOST_COUNT, IDC_HOST_INTERVAL}),
-      port(first.c_str()),
-      count(readings),
-      interval(between) {}
+      m_app(app),
+      m_descriptions(std::move(descriptions)) {}
+
+BOOL DownloadDialog::OnInitDialog() {
+    const BOOL done = FieldsDialog::OnInitDialog();
+    GetDlgItem(IDC_HOST_BROWSE)->EnableWindow(HasFileDialogs());
+    for (const std::string& one : m_descriptions)
+        SendDlgItemMessage(IDC_HOST_DESCRIPTION, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(one.c_str()));
+    FillPorts();
+    SetDlgItemText(IDC_HOST_RESULT, Say(Text::DescriptionHint).c_str());
+    return done;
+}
+
+// Whatever was plugged in meanwhile; what stands in the field stays.
+void DownloadDialog::FillPorts() {
+    const CString now = TextOf(IDC_HOST_PORT);
+    SendDlgItemMessage(IDC_HOST_PORT, CB_RESETCONTENT, 0, 0);
+    for (const ListedPort& one : ListPorts())
+        SendDlgItemMessage(IDC_HOST_PORT, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(one.name.c_str()));
+    GetDlgItem(IDC_HOST_PORT)->SetWindowText(now);
+}
+
+void DownloadDialog::OnPortsDrop() { FillPorts(); }
+
+void DownloadDialog::OnBrowse() {
+    const auto chosen = AskFileToOpen(m_hWnd, Say(Text::AskDescription),
+                                      Say(Text::DescriptionFiles) + "|*.xml;*.odb|" + Say(Text::AllFiles) + "|*.*");
+    if (chosen) GetDlgItem(IDC_HOST_DESCRIPTION)->SetWindowText(chosen->c_str());
+}
+
+// One reading of the logger as the fields describe it, or why there is none.
+std::string DownloadDialog::Try() {
+    try {
+        MeasurementPlan plan;
+        plan.port = TextOf(IDC_HOST_PORT).GetString();
+        if (plan.port.empty()) return Say(Text::PortEmpty);
+        plan.timeout = timeout;
+        plan.stopAsked = [this] { return m_stop; };
+        CPropertyDB facts;
+        LoadLoggerDescription(TextOf(IDC_HOST_DESCRIPTION).GetString(), facts);
+        const std::unique_ptr<ILogger> logger = MakeLogger(m_app, facts);
+        const Session session(facts, plan.port);
+        m_tried = logger.get();
+        const OneReading reading = ReadOnce(*logger, session, plan);
+        m_tried = nullptr;
+        return reading.Lines(session);
+    } catch (const Failure& failure) {
+        m_tried = nullptr;
+        return failure.sentence;
+    }
+}
+
+// Messages are handled while the logger is awaited: nothing but Cancel can be pressed meanwhile, and ends the trial.
+void DownloadDialog::OnTest() {
+    if (m_tried != nullptr) return;
+    const int fields[] = {IDOK, IDC_HOST_TEST, IDC_HOST_BROWSE, IDC_HOST_PORT, IDC_HOST_DESCRIPTION};
+    SetDlgItemText(IDC_HOST_RESULT, Say(Text::Connecting, {ToUtf8(TextOf(IDC_HOST_PORT).GetString())}).c_str());
+    GetDlgItem(IDC_HOST_RESULT)->UpdateWindow();
+    GetDlgItem(IDCANCEL)->SetFocus();
+    for (const int field : fields) GetDlgItem(field)->EnableWindow(FALSE);
+    m_stop = false;
+    std::string told = Try();
+    if (m_hWnd == nullptr) return;
+    for (size_t at = 0; (at = told.find('\n', at)) != std::string::npos; at += 2) told.insert(at, 1, '\r');
+    SetDlgItemText(IDC_HOST_RESULT, told.c_str());
+    for (const int field : fields) GetDlgItem(field)->EnableWindow(field != IDC_HOST_BROWSE || HasFileDialogs());
+    GetDlgItem(IDC_HOST_TEST)->SetFocus();
+}
+
+void DownloadDialog::OnCancel() {
+    if (m_tried == nullptr) return FieldsDialog::OnCancel();
+    m_stop = true;
+    m_tried->Abort();
+}
 
 void DownloadDialog::DoDataExchange(CDataExchange* exchange) {
     FieldsDialog::DoDataExchange(exchange);
     UINT readings = count;
     CVXTTimeSpan between = interval;
-    CString name = port;
+    CString name = port, file = description;
+    DDX_Text(exchange, IDC_HOST_DESCRIPTION, file);
     DDX_Text(exchange, IDC_HOST_PORT, name);
     DDX_Text(exchange, IDC_HOST_COUNT, readings);
     if (!exchange->m_bSaveAndValidate || IsChanged(IDC_HOST_INTERVAL))
@@ -103,6 +217,14 @@ void DownloadDialog::DoDataExchange(CDataExchange* exchange) {
     if (readings == 0 || readings > kMostReadings) Refuse(exchange, IDC_HOST_COUNT, Say(Text::CountRange));
     const __int64 pause = between.GetTotalMilliSeconds();
     if (pause < 0 || pause > kWeek) Refuse(exchange, IDC_HOST_INTERVAL, Say(Text::IntervalRange));
+    try {
+        CPropertyDB facts;
+        LoadLoggerDescription(file.GetString(), facts);
+        MakeLogger(m_app, facts);
+    } catch (const Failure& failure) {
+        Refuse(exchange, IDC_HOST_DESCRIPTION, failure.sentence);
+    }
+    description = file;
     port = name;
     count = readings;
     interval = between;

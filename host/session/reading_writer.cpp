@@ -196,6 +196,7 @@ std::unique_ptr<ReadingWriter> MakeTableWriter(const Session& session, ShownChan
 std::unique_ptr<ReadingWriter> MakeCsvWriter(const Session& session, ShownChannels shown, const CsvForm& form) {
     return std::make_unique<CsvWriter>(session, std::move(shown), form);
 }
+CsvForm SpreadsheetForm() { return {DecimalSign() == "," ? ';' : ',', true}; }
 std::unique_ptr<ReadingWriter> MakeJsonWriter(const Session& session, ShownChannels shown) {
     return std::make_unique<JsonWriter>(session, std::move(shown));
 }

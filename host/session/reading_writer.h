@@ -30,6 +30,8 @@ struct CsvForm {
     char separator = ',';
     bool local = false;  // for spreadsheets: local times, the user's decimal sign, a byte-order mark
 };
+// The form that this user's spreadsheets take: values are parted by a character that no number has.
+CsvForm SpreadsheetForm();
 // Times to the microsecond in UTC, values to the last bit, nothing for NaN.
 std::unique_ptr<ReadingWriter> MakeCsvWriter(const Session& session, ShownChannels shown, const CsvForm& form);
 

@@ -199,6 +199,18 @@ size_t RecordedSeries::CountBefore(double time, bool orAt) {
     return static_cast<size_t>(span->first) + static_cast<size_t>(in - decoded->times.begin());
 }
 
+DatedValue RecordedSeries::ReadingAt(size_t number, size_t channel) {
+    const auto& spans = m_index.Spans();
+    const auto after =
+        std::partition_point(spans.begin(), spans.end(), [&](const CRecordingSpan& s) { return s.first <= number; });
+    if (after == spans.begin()) return {0, std::numeric_limits<double>::quiet_NaN()};
+    const CRecordingSpan& span = *(after - 1);
+    const auto decoded = Decode(static_cast<size_t>(after - 1 - spans.begin()));
+    const size_t in = number - static_cast<size_t>(span.first);
+    if (in >= decoded->times.size()) return {span.lastTime, std::numeric_limits<double>::quiet_NaN()};
+    return {decoded->times[in], decoded->values[in * ChannelCount() + channel]};
+}
+
 std::vector<ReducedSeries> RecordedSeries::Reduce(const std::vector<size_t>& channels, const std::vector<PlotMapping>& mappings) {
     std::vector<ReducedSeries> lines(channels.size());
     ColumnPlan plan;

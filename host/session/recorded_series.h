@@ -20,6 +20,11 @@
 // A row that marks where a stretch without readings begins.
 bool MarksGap(const BYTE* flags, size_t channels);
 
+struct DatedValue {
+    __int64 time = 0;
+    double value = 0;
+};
+
 class RecordedSeries {
 public:
     // A Failure with a sentence for what cannot be opened.
@@ -40,6 +45,9 @@ public:
 
     // The value of the last reading that asked for it; NaN without any.
     double LastValue(size_t channel);
+    // How many readings there are up to a time, and one of them by its number, from 0; a NaN for one that damage has taken.
+    size_t CountUntil(__int64 time) { return CountBefore(static_cast<double>(time), true); }
+    DatedValue ReadingAt(size_t number, size_t channel);
     // The lines of these channels, as ReduceSeries makes them. The mappings, one for each, differ in their values only.
     std::vector<ReducedSeries> Reduce(const std::vector<size_t>& channels, const std::vector<PlotMapping>& mappings);
 

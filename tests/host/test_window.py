@@ -144,7 +144,7 @@ class Window:
 
     def __init__(self, folder, words, title, language="C.UTF-8", environment=None):
         self.process = subprocess.Popen([*([options.wine] if options.wine else []), options.gui, *map(str, words)], cwd=folder, stdout=subprocess.DEVNULL,
-                                        env={**os.environ, "LC_ALL": language, **(environment or {})})
+                                        env={**os.environ, "LC_ALL": language, "XDG_STATE_HOME": str(folder / "state"), **(environment or {})})
         self.title_start = title
         try:
             self.id = until(self.find, "a window called " + title)
@@ -379,6 +379,68 @@ class WindowFlow(unittest.TestCase):
         saved = omega.read_bytes()
         for text in ("k\u03a9 \u6e29", "R\u03a9"):
             self.assertTrue(b"\xff\xfe\xff" + bytes([len(text)]) + text.encode("utf-16-le") in saved, text)
+
+    def test_another_name_readings_as_text_and_the_files_of_before(self):
+        other, text = self.folder / "other.odb", self.folder / "readings.csv"
+        named = lambda path: "Z:" + str(path).replace("/", "\\") if options.wine else str(path)
+        window = self.open()
+        self.charted(window)
+        window.key("ctrl+shift+s")
+        window.dialog("Save the session")
+        xdotool("key", "ctrl+a")
+        xdotool("type", named(other))
+        xdotool("key", "Return")
+        window.title_start = other.name
+        until(window.find, "the title of the new file")
+        self.assertTrue(other.exists())
+        xdotool("windowfocus", "--sync", window.id)
+
+        window.key("ctrl+e")
+        window.dialog("Export Values")
+        xdotool("type", named(text))
+        window.keep("18-export", whole_screen=True)
+        xdotool("key", "Return")
+        until(lambda: text.exists() and text.read_bytes().count(b"\n") == 401, "the readings as text")
+
+        # Of the files in the menu the second one is the one from before.
+        xdotool("windowfocus", "--sync", window.id)
+        window.settled()
+        for key in ("alt+f", "r"):
+            window.key(key)
+            window.settled()
+        window.keep("19-recent", whole_screen=True)
+        window.key("2")
+        window.title_start = self.file.name
+        until(window.find, "the title of the first file")
+        xdotool("windowfocus", "--sync", window.id)
+        self.assertEqual(window.close(), 0)
+
+    def test_a_logger_is_tried_before_it_is_downloaded(self):
+        line = SimulatedLine(options, self.folder, [])
+        self.addCleanup(line.stop)
+        window = self.open(environment=simulated_line.environment(options))
+        self.charted(window)
+        window.key("ctrl+d")
+        dialog = window.dialog("Download")
+        xdotool("key", "alt+p", "Home", "shift+End")
+        xdotool("type", line.port)
+        before = Picture(dialog)
+        xdotool("key", "alt+t")
+        tried = []
+
+        def settles():
+            tried.append(Picture(dialog))
+            return len(tried) > 12 and tried[-1] != before and all(one == tried[-1] for one in tried[-8:])
+
+        until(settles, "the reading that was tried")
+        window.keep("20-tried", whole_screen=True)
+        xdotool("key", "alt+r", "Return")  # on the button it would try again
+        window.title_start = "Demo logger"
+        until(window.find, "the title of the download")
+        until(window.is_modified, "its readings")
+        until(lambda: window.picture().axis(ORANGE), "their chart")
+        xdotool("windowfocus", "--sync", window.id)
+        self.assertEqual(window.close(keeping="21-downloaded"), 0)
 
     def download(self, *words, title, faults=()):
         line = SimulatedLine(options, self.folder, faults)

@@ -103,7 +103,11 @@ public:
                 if (reinterpret_cast<HWND>(lParam) == m_edit && m_edit != nullptr) FromEdit(HIWORD(wParam));
                 return 0;
             case WM_SETFOCUS:
-                if (m_edit != nullptr) return SetFocus(m_edit), 0;
+                if (m_edit != nullptr) {
+                    SetFocus(m_edit);
+                    SendMessageA(m_edit, EM_SETSEL, 0, -1);  // what is typed takes its place
+                    return 0;
+                }
                 Invalidate();
                 Tell(CBN_SETFOCUS);
                 return 0;

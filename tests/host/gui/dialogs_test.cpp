@@ -9,6 +9,7 @@
 
 #include "comm/task.h"
 #include "host/gui/script_runner.h"
+#include "host/logger/logger_file.h"
 #include "host/session/database_file.h"
 #include "res/ids.h"
 #include "tests/host/gui/hands.h"
@@ -147,11 +148,13 @@ TEST_F(Dialogs, EveryOneIsReachedByKeyFitsAndCanBeGivenUp) {
             ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
         });
     };
-    for (const auto& [name, key] : {std::pair("range", 'G'), std::pair("time-range", 'T'), std::pair("picture", 'P'),
-                                    std::pair("download", 'D'), std::pair("about", static_cast<char>(VK_F1))}) {
+    for (const auto& [name, key] :
+         {std::pair("range", 'G'), std::pair("time-range", 'T'), std::pair("picture", 'P'), std::pair("download", 'D'),
+          std::pair("export", 'E'), std::pair("keys", static_cast<char>(VK_F1))}) {
         const Answers answers(hands.window->m_hWnd, {look(name)});
         hands.Key(static_cast<UINT>(key), false, key != VK_F1);
     }
+    Do(kCommandAbout, {look("about")});
     // Alt+Enter: of the axis, or of the channel whose row has the keys; Enter there as well.
     for (const bool list : {false, true}) {
         ::SetFocus(list ? hands.window->List().m_hWnd : hands.window->Chart().m_hWnd);
@@ -304,6 +307,85 @@ TEST_F(Dialogs, APictureHasTheSizeAndKindThatWereAsked) {
     ASSERT_GT(png.size(), 24u);
     EXPECT_EQ(png.substr(16, 8), std::string("\0\0\0\x40\0\0\0\x30", 8));
     EXPECT_FALSE(hands.History().CanUndo());
+}
+
+TEST_F(Dialogs, ReadingsBecomeTextInEitherFormAndAllOrThoseShown) {
+    ViewState part = hands.State();
+    part.time = ViewRange{600, 1200};  // seconds: eleven of the readings, one a minute
+    hands.History().Do(Text::StepTimeRange, part);
+    hands.window->Chart().StateChanged();
+    const struct {
+        int form, part;
+        size_t lines;
+        const char *heading, *first;
+    } cases[] = {
+        {IDC_HOST_FOR_PROGRAMS, IDC_HOST_EXPORT_ALL, 201, "time,Air [°C],Humidity [%],Soil [°C],Wind [km/h]\n",
+         "\n2026-01-01T09:33:20.000000Z,8,18,28,38\n"},
+        {IDC_HOST_FOR_PROGRAMS, IDC_HOST_EXPORT_SHOWN, 12, "time,Air", "\n2026-01-01T09:43:20.000000Z,10.397"},
+        {IDC_HOST_FOR_SHEETS, IDC_HOST_EXPORT_SHOWN, 12, "\xEF\xBB\xBFtime;Air", "\n2026-01-01 09:43:20,000;10,397"},
+    };
+    for (const auto& one : cases) {
+        const std::string file = Path("values");
+        Do(kCommandExport, {[&](HWND dialog) {
+                                ::SetDlgItemTextA(dialog, IDC_HOST_FILE, "");
+                                Press(dialog, IDOK);
+                                EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{Say(Text::FileEmpty)});
+                            },
+                            [&](HWND dialog) {
+                                Choose(dialog, IDC_HOST_FOR_PROGRAMS, IDC_HOST_FOR_SHEETS, one.form);
+                                Choose(dialog, IDC_HOST_EXPORT_ALL, IDC_HOST_EXPORT_SHOWN, one.part);
+                                Filled({{IDC_HOST_FILE, file}})(dialog);
+                            }});
+        const std::string text = BytesOf(file + ".csv");
+        EXPECT_EQ(static_cast<size_t>(std::count(text.begin(), text.end(), '\n')), one.lines);
+        EXPECT_EQ(text.substr(0, std::string(one.heading).size()), one.heading);
+        EXPECT_NE(text.substr(0, 200).find(one.first), std::string::npos) << text.substr(0, 200);
+    }
+    EXPECT_TRUE(TellingHost::told.empty());
+}
+
+// The sentences are those that `check` has.
+TEST_F(Dialogs, ADownloadTellsWhatItsDescriptionLacksBeforeItBegins) {
+    const std::string damaged = Path("damaged.xml"), unknown = Path("unknown.xml");
+    std::ofstream(damaged) << "no description";
+    {
+        CPropertyDB db;
+        db.SetValue("sFamily", "nobody");
+        db.SetValue("Channels.1.sName", "Level");
+        StoreDatabase(unknown, db);
+    }
+    const auto told = [&](const std::string& file) {
+        const auto load = [&] {
+            CPropertyDB db;
+            LoadLoggerDescription(file, db);
+            MakeLogger(static_cast<CHostApp&>(*AfxGetApp()), db);
+        };
+        return SentenceOf(load, file == damaged ? kFileFailed : kWrongUse);
+    };
+    const auto tried = [&](const std::string& file, const char* port, const std::string& result) {
+        return Step([=](HWND dialog) {
+            ::SetDlgItemTextA(dialog, IDC_HOST_DESCRIPTION, file.c_str());
+            ::SetDlgItemTextA(dialog, IDC_HOST_PORT, port);
+            Press(dialog, IDC_HOST_TEST);
+            EXPECT_EQ(FieldText(dialog, IDC_HOST_RESULT), result);
+            EXPECT_TRUE(::IsWindowEnabled(::GetDlgItem(dialog, IDOK)));
+        });
+    };
+    Do(kCommandDownload, {tried({}, "", Say(Text::PortEmpty)), tried(damaged, "COM1", told(damaged)),
+                          tried(unknown, "COM1", told(unknown)), [&](HWND dialog) {
+                              ::SetDlgItemTextA(dialog, IDC_HOST_PORT, "COM1");
+                              for (const std::string& file : {damaged, unknown}) {
+                                  ::SetDlgItemTextA(dialog, IDC_HOST_DESCRIPTION, file.c_str());
+                                  Press(dialog, IDOK);
+                                  EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{told(file)});
+                                  EXPECT_TRUE(::IsChild(::GetDlgItem(dialog, IDC_HOST_DESCRIPTION), ::GetFocus()));
+                              }
+                              ::SetDlgItemTextA(dialog, IDC_HOST_PORT, "");
+                              Press(dialog, IDOK);
+                              EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{Say(Text::PortEmpty)});
+                              Press(dialog, IDCANCEL);
+                          }});
+    EXPECT_FALSE(hands.window->IsDownloading());
 }
 
 // Waits in the queue until the work handles messages, and then presses Cancel in the dialog that stands over the window.

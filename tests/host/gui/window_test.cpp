@@ -2,12 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <random>
 #include <tuple>
 
 #include "frame/app_stock.h"
+#include "host/gui/recent_files.h"
 #include "host/gui/unsaved_recording.h"
+#include "host/session/channel_intervals.h"
 #include "host/session/database_file.h"
+#include "host/session/pointed_value.h"
 #include "record/recorder.h"
 #include "tests/host/gui/hands.h"
 #include "tests/support/test_folder.h"
@@ -508,4 +512,74 @@ TEST_F(WindowTest, AnUnsavedDownloadIsFoundAgain) {
     ASSERT_TRUE(second.window->Open(file));
     EXPECT_EQ(second.window->Document().GetSession()->Count(), 3u);
     EXPECT_TRUE(UnsavedRecordings().empty()) << "it goes when nobody reads it any more";
+}
+
+// The list of files is its user's, whichever window asks; what is gone is told of and leaves it.
+TEST_F(WindowTest, TheFilesThatWereOpenedLastAreOffered) {
+    static std::string setting;
+    setting = "APPDATA=" + Path("settings");
+    ::putenv(setting.data());
+    const RecentFiles files("recent"), others("recent");
+    EXPECT_TRUE(files.All().empty());
+    const std::string gone = Path("gone.odb");
+    for (int i = 0; i < 10; ++i) files.Add(Path("år " + std::to_string(i) + ".odb"));
+    others.Add(gone);
+    files.Add(path);
+    ASSERT_EQ(others.All().size(), RecentFiles::kMost);
+    EXPECT_EQ(others.All()[2], Path("år 9.odb"));
+    files.Add(gone);
+    EXPECT_EQ(others.All()[0], gone);
+    EXPECT_EQ(others.All()[1], path);
+    EXPECT_EQ(others.All().size(), RecentFiles::kMost) << "once each";
+    Hands second;
+    EXPECT_FALSE(second.window->Command(kCommandRecent + RecentFiles::kMost));
+    EXPECT_TRUE(second.window->Command(kCommandRecent));
+    EXPECT_FALSE(second.window->Document().HasSession());
+    EXPECT_EQ(files.All().size(), RecentFiles::kMost - 1);
+    EXPECT_TRUE(second.window->Command(kCommandRecent + 1));
+    EXPECT_EQ(second.window->Document().Path(), path);
+    EXPECT_EQ(files.All()[0], path) << "a window of a script leaves no trace";
+}
+
+// Nearest readings, each channel's own; nothing where its line has a hole.
+TEST_F(WindowTest, TheListShowsTheValuesUnderThePointer) {
+    const double hole = std::numeric_limits<double>::quiet_NaN(), later = NotDueValue();
+    const double air[] = {1, 2, hole, 4, 5, 6}, soil[] = {10, later, later, 40, later, later};
+    CPropertyDB description;
+    description.SetValue("Channels.1.sName", "Air");
+    description.SetValue("Channels.2.sName", "Soil");
+    Session session(description, "COM1");
+    for (int i = 0; i < 6; ++i) {
+        CDoubleArray values;
+        values.Add(air[i]), values.Add(soil[i]);
+        CVXTTime time;
+        time.SetBinaryTime(1'000'000ll * (i + 1));
+        session.Add(time, values);
+    }
+    const struct {
+        double seconds;
+        double air, soil;
+    } cases[] = {{0.5, hole, hole}, {0.95, 1, 10}, {1.4, 1, 10},   {1.6, 2, 10}, {2.04, 2, 10},   {2.5, hole, 10},
+                 {3, hole, 40},     {3.96, 4, 40}, {4.2, 4, hole}, {5, 5, hole}, {6.04, 6, hole}, {6.2, hole, hole}};
+    for (const auto& one : cases) {
+        const PointedTime at{static_cast<__int64>(one.seconds * 1e6), 50'000};
+        for (const auto& [channel, wanted] : {std::pair(size_t{0}, one.air), std::pair(size_t{1}, one.soil)}) {
+            const double got = ValueAt(session, channel, at);
+            EXPECT_TRUE(got == wanted || (std::isnan(got) && std::isnan(wanted))) << one.seconds << " " << channel << " " << got;
+        }
+    }
+    // By hand: the first reading of the session that is open stands at the left end of the plot.
+    const auto text = [&](size_t channel) {
+        return std::string(hands.window->List().GetItemText(static_cast<int>(channel), 1).GetString());
+    };
+    const std::string latest = text(0);
+    const RECT plot = hands.Parts().plot;
+    hands.Point(WM_MOUSEMOVE, {plot.left, plot.top + 5});
+    hands.Pump();
+    EXPECT_EQ(text(0), "8");
+    EXPECT_EQ(text(1), "18");
+    hands.Point(WM_MOUSEMOVE, {plot.left, plot.bottom + 20});
+    hands.Pump();
+    EXPECT_EQ(text(0), latest);
+    EXPECT_FALSE(hands.History().CanUndo());
 }

@@ -1,0 +1,54 @@
+#include "host/session/pointed_value.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "host/session/channel_intervals.h"
+
+namespace {
+constexpr size_t kFarthest = 20'000;  // readings that are looked at on each side for a channel that is read now and then
+
+// The readings of a session by their numbers, wherever they are.
+struct Readings {
+    const Session& session;
+    size_t channel;
+
+    size_t CountUntil(__int64 time) const {
+        if (session.Recorded() != nullptr) return session.Recorded()->CountUntil(time);
+        INT_PTR low = 0, high = session.Times().GetSize();
+        while (low < high) {
+            const INT_PTR middle = low + (high - low) / 2;
+            session.Times().GetAt(middle) <= time ? low = middle + 1 : high = middle;
+        }
+        return static_cast<size_t>(low);
+    }
+    DatedValue At(size_t number) const {
+        if (session.Recorded() != nullptr) return session.Recorded()->ReadingAt(number, channel);
+        const auto at = static_cast<INT_PTR>(number);
+        return {session.Times().GetAt(at), session.Channels()[channel].values.GetAt(at)};
+    }
+};
+}  // namespace
+
+double ValueAt(const Session& session, size_t channel, const PointedTime& pointed) {
+    constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
+    const Readings readings{session, channel};
+    const size_t count = session.Count(), after = readings.CountUntil(pointed.time);
+    std::optional<DatedValue> left, right;
+    for (size_t i = after; i > 0 && after - i < kFarthest && !left; --i) {
+        const DatedValue one = readings.At(i - 1);
+        if (!IsNotDue(one.value)) left = one;
+    }
+    for (size_t i = after; i < count && i - after < kFarthest && !right; ++i) {
+        const DatedValue one = readings.At(i);
+        if (!IsNotDue(one.value)) right = one;
+    }
+    const bool hasLeft = left && std::isfinite(left->value), hasRight = right && std::isfinite(right->value);
+    const __int64 toLeft = hasLeft ? pointed.time - left->time : std::numeric_limits<__int64>::max(),
+                  toRight = hasRight ? right->time - pointed.time : std::numeric_limits<__int64>::max();
+    if (!hasLeft && !hasRight) return kNothing;
+    if (!(hasLeft && hasRight) && std::min(toLeft, toRight) > pointed.within) return kNothing;
+    return toLeft <= toRight ? left->value : right->value;
+}
