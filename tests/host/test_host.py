@@ -75,8 +75,8 @@ class HostTest(unittest.TestCase):
         errors = self.folder / "stderr.txt"
         done = subprocess.run(self.command(*words), cwd=self.folder, env=self.environment(language, WINE_STDERR=str(errors), **more), timeout=120,
                               capture_output=True, input=typed, encoding="utf-8", errors="replace")
-        # Who fails has something to say.
-        said = done.stderr + (wine_stderr.take(errors, done.returncode != 0) if options.wine else "")
+        # Who fails and has printed nothing has something to say.
+        said = done.stderr + (wine_stderr.take(errors, done.returncode != 0 and not done.stdout) if options.wine else "")
         return Result(done.returncode, done.stdout, said)
 
     def refused(self, code, *words, **more):

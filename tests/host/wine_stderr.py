@@ -3,7 +3,7 @@ import time
 
 
 def take(errors, expected):
-    """The file's text, after which it is gone. Wine may write a moment after the program's end: what is expected is waited for."""
+    """The file's text, after which it is gone. Wine may write a moment after the program's end: what is expected is waited for, 15 s at most."""
     for _ in range(150 if expected else 0):
         if errors.exists() and errors.stat().st_size > 0:
             break
