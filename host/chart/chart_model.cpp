@@ -17,7 +17,7 @@ namespace {
 constexpr char kFolder[] = "Chart", kTagFolder[] = "Tags", kTagChannels[] = "sTagChannels";
 // Chosen to be told apart with any kind of colour vision, on white paper.
 constexpr COLORREF kColours[] = {RGB(0, 114, 178), RGB(213, 94, 0),   RGB(0, 140, 105), RGB(190, 90, 155),
-                                 RGB(215, 145, 0), RGB(70, 165, 220), RGB(85, 85, 85),  RGB(120, 110, 20)};
+                                 RGB(200, 132, 0), RGB(52, 152, 208), RGB(85, 85, 85),  RGB(120, 110, 20)};
 // The frame that stored tags are read and written in, so far from 0 that rounding goes one way.
 constexpr LONG kAway = TagFrame::kFarthest * TagFrame::kGrid;
 constexpr RECT kStored = {kAway, kAway, kAway + TagFrame::kGrid, kAway + TagFrame::kGrid};

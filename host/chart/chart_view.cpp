@@ -14,7 +14,6 @@
 
 namespace {
 constexpr char kFace[] = "DejaVu Sans";
-constexpr COLORREF kWhite = RGB(255, 255, 255), kBlack = RGB(0, 0, 0), kGrey = RGB(90, 90, 90), kRaster = RGB(224, 224, 224);
 constexpr struct { int cx, cy; } kTagRoom = {12, 8};  // what a tag's text has around it, at 96 dots an inch
 constexpr LONG kBrokenSwatch = 4;                     // lines of text that a legend's line is long where some are broken
 
@@ -42,11 +41,6 @@ void Write(CDC& dc, const std::string& text, RECT rect) {
     dc.DrawText(text.c_str(), static_cast<int>(text.size()), &rect, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | cut);
 }
 
-COLORREF Pale(COLORREF colour) {
-    const auto half = [](int part) { return (part + 255) / 2; };
-    return RGB(half(GetRValue(colour)), half(GetGValue(colour)), half(GetBValue(colour)));
-}
-
 float DistanceTo(POINT point, const ORVIK_CURVE_POINT& a, const ORVIK_CURVE_POINT& b) {
     const float dx = b.x - a.x, dy = b.y - a.y, length = dx * dx + dy * dy;
     const float x = static_cast<float>(point.x) - a.x, y = static_cast<float>(point.y) - a.y;
@@ -72,20 +66,25 @@ ChartView::~ChartView() {
     for (CValueAxis* const axis : m_axes) axis->Release();
 }
 
-void ChartView::Draw(CDC& dc, const RECT& bounds, UINT dpi) {
+void ChartView::Draw(CDC& dc, const RECT& bounds, UINT dpi, const ChartColours& colours) {
     m_dpi = dpi;
+    m_colours = colours;
     m_time->SetDpi(dpi);
-    for (CValueAxis* const axis : m_axes) axis->SetDpi(dpi);
+    m_time->SetColours(colours);
+    for (CValueAxis* const axis : m_axes) {
+        axis->SetDpi(dpi);
+        axis->SetColours(colours);
+    }
     const LONG height = ChartFontHeight(bounds.right - bounds.left, bounds.bottom - bounds.top, dpi);
     CFont ordinary, bold;
     MakeFont(ordinary, height, false);
     MakeFont(bold, height * 5 / 4, true);
     const int saved = dc.SaveDC();
     dc.IntersectClipRect(&bounds);
-    if (!dc.IsPrinting()) dc.FillSolidRect(&bounds, kWhite);
+    if (!dc.IsPrinting()) dc.FillSolidRect(&bounds, m_colours.paper);
     dc.SetTextAlign(TA_LEFT | TA_TOP);
     dc.SetBkMode(TRANSPARENT);
-    dc.SetTextColor(kBlack);
+    dc.SetTextColor(m_colours.ink);
     dc.SelectObject(&ordinary);
     MeasureAndPlace(dc, bounds);
     DrawHeads(dc, ordinary, bold);
@@ -140,9 +139,9 @@ void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
     dc.SelectObject(&bold);
     Write(dc, m_model.Title(), m_layout.title);
     dc.SelectObject(&ordinary);
-    dc.SetTextColor(kGrey);
+    dc.SetTextColor(m_colours.quiet);
     Write(dc, TimeRange(), m_layout.subtitle);
-    dc.SetTextColor(kBlack);
+    dc.SetTextColor(m_colours.ink);
     for (size_t i = 0; i < m_layout.legend.size(); ++i) {
         RECT entry = m_layout.legend[i];
         if (Empty(entry)) continue;
@@ -152,7 +151,7 @@ void ChartView::DrawHeads(CDC& dc, CFont& ordinary, CFont& bold) {
                     right = static_cast<float>(entry.left + m_layout.swatch) - line / 2;
         const float width = std::max(line / (series.pattern > 0 ? 8 : 5), Scaled(2.0f));
         const std::vector<ORVIK_CURVE_POINT> swatch = DashedLine({{left, y}, {right, y}}, series.pattern, width, entry);
-        OrvikSmoothPolyline(dc.m_hDC, swatch.data(), static_cast<int>(swatch.size()), series.colour, width);
+        OrvikSmoothPolyline(dc.m_hDC, swatch.data(), static_cast<int>(swatch.size()), m_colours.Line(series.colour), width);
         entry.left += m_layout.swatch;
         Write(dc, series.name, entry);
     }
@@ -169,7 +168,7 @@ bool ChartView::TellsWhatIsMissing() const {
 
 // Nothing is left out without a word.
 void ChartView::DrawWhatIsMissing(CDC& dc) const {
-    dc.SetTextColor(kGrey);
+    dc.SetTextColor(m_colours.quiet);
     const auto entries = std::count_if(m_layout.legend.begin(), m_layout.legend.end(), Empty);
     if (!Empty(m_layout.more)) Write(dc, Say(Text::LegendMore, {std::to_string(entries)}), m_layout.more);
     std::string units;
@@ -179,7 +178,7 @@ void ChartView::DrawWhatIsMissing(CDC& dc) const {
         units += (units.empty() ? "" : ", ") + (unit.empty() ? Say(Text::NoUnit) : unit);
     }
     if (!units.empty()) Write(dc, Say(Text::AxesLeftOut, {ToUtf8(units)}), m_layout.leftOut);
-    dc.SetTextColor(kBlack);
+    dc.SetTextColor(m_colours.ink);
 }
 
 void ChartView::DrawAxes(CDC& dc) {
@@ -192,7 +191,7 @@ void ChartView::DrawAxes(CDC& dc) {
         const auto& series = m_model.Units()[m_places[i]].series;
         if (series.size() != 1) continue;
         CPen pen;
-        orvik::MakeAxisPen(pen, 2, m_dpi, m_model.AllSeries()[series.front()].colour);
+        orvik::MakeAxisPen(pen, 2, m_dpi, m_colours.Line(m_model.AllSeries()[series.front()].colour));
         CPen* const before = dc.SelectObject(&pen);
         dc.MoveTo(place.position, plot.top);
         dc.LineTo(place.position, plot.bottom);
@@ -202,7 +201,7 @@ void ChartView::DrawAxes(CDC& dc) {
     if (time) m_time->Render(&dc);
     // Beside the lines of the axes, not over them.
     CPen pen;
-    orvik::MakeAxisPen(pen, 1, m_dpi, kRaster);
+    orvik::MakeAxisPen(pen, 1, m_dpi, m_colours.raster);
     const LONG line = Scaled(1);
     const RECT inside = {plot.left + line, plot.top, plot.right - line, plot.bottom - line};
     if (!m_layout.axes.empty() && m_layout.axes.front().shown) AxisAt(0).DrawRaster(&dc, inside, pen);
@@ -237,30 +236,30 @@ void ChartView::DrawTraces(CDC& dc) {
         const ChartModel::Series& series = m_model.AllSeries()[i];
         const ReducedSeries& line = m_lines[i];
         if (line.points.empty()) continue;
-        const auto draw = [&](const std::vector<ORVIK_CURVE_POINT>& points, COLORREF colour) {
-            OrvikSmoothPolyline(dc.m_hDC, points.data(), static_cast<int>(points.size()), colour, width);
+        const COLORREF colour = m_colours.Line(series.colour);
+        const auto draw = [&](const std::vector<ORVIK_CURVE_POINT>& points, COLORREF ink) {
+            OrvikSmoothPolyline(dc.m_hDC, points.data(), static_cast<int>(points.size()), ink, width);
         };
         const double crowding = series.pattern > 0 ? CrowdingOf(line.points, m_layout.plot) : 0;
         // Where it fills an area, long gaps would hide readings: they are pale instead.
-        if (crowding > 1) draw(line.points, Pale(series.colour));
-        draw(DashedLine(line.points, series.pattern, width * static_cast<float>(std::max(crowding, 1.0)), m_layout.plot),
-             series.colour);
+        if (crowding > 1) draw(line.points, orvik::Mixed(colour, m_colours.paper, 50));
+        draw(DashedLine(line.points, series.pattern, width * static_cast<float>(std::max(crowding, 1.0)), m_layout.plot), colour);
         if (!line.markers) continue;
         std::vector<ORVIK_CURVE_POINT> dots;
         constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
         for (const ORVIK_CURVE_POINT& point : line.points) {
             if (!std::isnan(point.x)) dots.push_back(point), dots.push_back({kNan, kNan});
         }
-        OrvikSmoothPolyline(dc.m_hDC, dots.data(), static_cast<int>(dots.size()), series.colour, width * 3);
+        OrvikSmoothPolyline(dc.m_hDC, dots.data(), static_cast<int>(dots.size()), colour, width * 3);
     }
     dc.RestoreDC(saved);
     if (m_model.HasValues()) return;
-    dc.SetTextColor(kGrey);
+    dc.SetTextColor(m_colours.quiet);
     const std::string text = Say(m_model.Count() == 0 ? Text::NoReadings : Text::NoValues);
     RECT middle = m_layout.plot;
     dc.DrawText(text.c_str(), static_cast<int>(text.size()), &middle,
                 DT_SINGLELINE | DT_CENTER | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
-    dc.SetTextColor(kBlack);
+    dc.SetTextColor(m_colours.ink);
 }
 
 const ChartModel::Series* ChartView::NearestSeries(POINT point) const {
@@ -285,6 +284,7 @@ void ChartView::DrawTags(CDC& dc) {
     const RECT& plot = m_layout.plot;
     const int saved = dc.SaveDC();
     dc.IntersectClipRect(&plot);
+    dc.SetTextColor(RGB(0, 0, 0));  // a tag's paper is light, whatever the chart's is
     for (const ChartTag& tag : m_model.Tags()) {
         const int number = static_cast<int>(m_tagRects.size());
         const PlotMapping mapping = PlotOf(m_model.UnitOf(tag.channel).value_or(0));
@@ -307,7 +307,7 @@ void ChartView::DrawTags(CDC& dc) {
         label.SetFocus(number == m_focusedTag);
         label.Render(plot, &dc, m_dpi);
         const ORVIK_CURVE_POINT point = {static_cast<float>(corner.x), static_cast<float>(corner.y)};
-        OrvikSmoothPolyline(dc.m_hDC, &point, 1, kBlack, static_cast<float>(m_line) / 3);
+        OrvikSmoothPolyline(dc.m_hDC, &point, 1, m_colours.ink, static_cast<float>(m_line) / 3);
     }
     dc.RestoreDC(saved);
 }

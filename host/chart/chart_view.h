@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "afx/dc.h"
+#include "host/chart/chart_colours.h"
 #include "host/chart/chart_layout.h"
 #include "host/chart/chart_model.h"
 #include "host/chart/time_axis.h"
@@ -29,7 +30,7 @@ public:
 
     // The DC's objects and modes come back as they were. Without a title where `bounds` is small, and so on: see ChartLayout.
     // A window says its dots an inch; a picture in a file has 96, wherever it is made.
-    void Draw(CDC& dc, const RECT& bounds, UINT dpi = 96);
+    void Draw(CDC& dc, const RECT& bounds, UINT dpi = 96, const ChartColours& colours = {});
 
     CTimeAxis& TimeAxis() { return *m_time; }
     CUnitAxis& UnitAxis(size_t unit) { return *m_axes[unit]; }
@@ -68,4 +69,5 @@ private:
     int m_focusedTag = -1;
     LONG m_line = 0;
     UINT m_dpi = 96;
+    ChartColours m_colours;
 };

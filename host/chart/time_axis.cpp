@@ -112,8 +112,8 @@ void CTimeAxis::RenderCalendar(CDC& dc, __int64 from, __int64 to) {
     for (size_t i = 0; i < inOrder.size(); ++i) SetDivisionOffset(static_cast<int>(i), pixel(inOrder[i]) - m_start);
     SetAlignments(inOrder.empty() ? 0 : m_start - pixel(inOrder.front()), inOrder.empty() ? 0 : m_end - pixel(inOrder.back()));
 
-    if (!dc.IsPrinting()) dc.FillSolidRect(&GetAreaRect(), GetSysColor(COLOR_WINDOW));
-    const COLORREF color = dc.IsPrinting() ? RGB(0, 0, 0) : GetSysColor(COLOR_WINDOWTEXT);
+    if (!dc.IsPrinting()) dc.FillSolidRect(&GetAreaRect(), m_colours.paper);
+    const COLORREF color = dc.IsPrinting() ? RGB(0, 0, 0) : m_colours.ink;
     orvik::DrawAxis(&dc, {m_position, m_start, m_end, false, 1, line, GetDpi()}, layout, "", color);
 
     // The second line. What stands at the axis's beginning is shortened, or gives way, where a change comes right behind it. What

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "chart/unit_axis.h"
+#include "host/chart/chart_colours.h"
 
 class CTimeAxis : public CUnitAxis {
 public:
@@ -18,6 +19,7 @@ public:
 
     // As CUnitAxis does, with the second line; the range is not snapped.
     void Render(CDC* pDC) override;
+    void SetColours(const ChartColours& colours) { m_colours = colours; }
     using CUnitAxis::Zoom;
     // About the point's x, where the pointer is.
     void Zoom(CPoint point, double factor) override;
@@ -26,4 +28,5 @@ private:
     void RenderCalendar(CDC& dc, __int64 from, __int64 to);
 
     __int64 m_base;
+    ChartColours m_colours;
 };

@@ -63,9 +63,9 @@ void CValueAxis::Render(CDC* pDC) {
     const auto [top, bottom] = std::minmax_element(large.begin(), large.end());
     SetAlignments(large.empty() ? 0 : m_end - *bottom, large.empty() ? 0 : m_start - *top);
 
-    if (!printing) dc.FillSolidRect(&GetAreaRect(), GetSysColor(COLOR_WINDOW));
+    if (!printing) dc.FillSolidRect(&GetAreaRect(), m_colours.paper);
     CPen pen;
-    orvik::MakeAxisPen(pen, 1, GetDpi(), printing ? RGB(0, 0, 0) : GetSysColor(COLOR_WINDOWTEXT));
+    orvik::MakeAxisPen(pen, 1, GetDpi(), printing ? RGB(0, 0, 0) : m_colours.ink);
     CPen* const before = dc.SelectObject(&pen);
     const UINT align = dc.GetTextAlign();
     const int mode = dc.SetBkMode(TRANSPARENT);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "chart/unit_axis.h"
+#include "host/chart/chart_colours.h"
 #include "platform/dpi.h"
 
 class CValueAxis : public CUnitAxis {
@@ -17,4 +18,8 @@ public:
 
     // As CUnitAxis does; labels keep so far from their ticks that none reads as a sign.
     void Render(CDC* pDC) override;
+    void SetColours(const ChartColours& colours) { m_colours = colours; }
+
+private:
+    ChartColours m_colours;
 };

@@ -120,14 +120,14 @@ void ChartScene::ApplyRanges() {
     }
 }
 
-void ChartScene::Draw(CDC& dc, const RECT& bounds, Focus focus, UINT dpi) {
+void ChartScene::Draw(CDC& dc, const RECT& bounds, Focus focus, UINT dpi, const ChartColours& colours) {
     if (m_view == nullptr) return;
     m_bounds = bounds;
     m_dpi = dpi;
     if (!m_live) ApplyRanges();
     m_model->SetTags(m_state.tags);
     m_view->SetFocusedTag(focus.kind == Focus::Tag ? focus.index : -1);
-    m_view->Draw(dc, bounds, dpi);
+    m_view->Draw(dc, bounds, dpi, colours);
     FindParts();
     if (m_parts.selected) m_parts.selection.Draw(&dc);
     DrawFocus(dc, focus);
@@ -196,9 +196,8 @@ void ChartScene::DrawFocus(CDC& dc, Focus focus) const {
     } else {
         return;
     }
-    dc.SetTextColor(RGB(0, 0, 0));
-    dc.SetBkColor(RGB(255, 255, 255));
-    dc.DrawFocusRect(&rect);
+    const COLORREF ring = orvik::ReadableOn(::GetSysColor(COLOR_WINDOW), ::GetSysColor(COLOR_HIGHLIGHT), orvik::kVisibleShape);
+    for (int i = 0; i < 2 * OrvikScale(1, m_dpi); ++i, ::InflateRect(&rect, -1, -1)) dc.Draw3dRect(&rect, ring, ring);
 }
 
 CUnitAxis& ChartScene::Axis(int index) const {

@@ -31,7 +31,7 @@ public:
     // While axes are live, their ranges are what the tracker made of them and not the state's.
     void SetLive(bool live) { m_live = live; }
     // Where everything lies is known afterwards, for the same size and state.
-    void Draw(CDC& dc, const RECT& bounds, Focus focus, UINT dpi);
+    void Draw(CDC& dc, const RECT& bounds, Focus focus, UINT dpi, const ChartColours& colours = {});
     const ViewParts& Parts() const { return m_parts; }
     // Labels are drawn with it.
     LOGFONTA LabelFont() const;

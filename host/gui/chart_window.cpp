@@ -87,19 +87,19 @@ void ChartWindow::UpToDate() {
     if (m_picture.before == nullptr) return;
     const UINT dpi = OrvikDpiOf(m_hWnd);
     if (m_scene.HasData()) {
-        m_scene.Draw(m_picture.dc, client, m_focus, dpi);
+        m_scene.Draw(m_picture.dc, client, m_focus, dpi, ChartColours::OfWindow());
         if (m_focus != ValidFocus(m_scene.Parts(), m_focus)) {
             m_focus = {};
-            m_scene.Draw(m_picture.dc, client, m_focus, dpi);
+            m_scene.Draw(m_picture.dc, client, m_focus, dpi, ChartColours::OfWindow());
         }
         if (m_writing) DrawWriting(m_picture.dc);
     } else {
-        m_picture.dc.FillSolidRect(client, RGB(255, 255, 255));
+        m_picture.dc.FillSolidRect(client, ChartColours::OfWindow().paper);
         CFont font;
         const LOGFONTA description = PaneFont(ChartFontHeight(client.Width(), client.Height(), dpi));
         font.CreateFontIndirect(&description);
         CFont* const before = m_picture.dc.SelectObject(&font);
-        m_picture.dc.SetTextColor(RGB(90, 90, 90));
+        m_picture.dc.SetTextColor(ChartColours::OfWindow().quiet);
         const std::string text = Say(Text::NothingOpen);
         RECT place = client;
         m_picture.dc.DrawText(text.c_str(), static_cast<int>(text.size()), &place, DT_SINGLELINE | DT_CENTER | DT_VCENTER);

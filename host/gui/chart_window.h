@@ -44,7 +44,7 @@ public:
     void BeforeReadings() { m_scene.SetData(nullptr, nullptr); }
     void AfterReadings();
     // The window has come to a screen of other dots an inch.
-    void DpiChanged() { Redraw(); }
+    void LooksChanged() { Redraw(); }  // colours, or dots an inch
 
     bool IsDragging() const { return m_dragging; }
     bool IsWriting() const { return m_writing; }

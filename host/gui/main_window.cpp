@@ -11,7 +11,7 @@
 
 namespace {
 // Pixels at 96 dots an inch.
-constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kKeyStep = 8, kFontHeight = 13;
+constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kKeyStep = 8;
 constexpr LONG kTextMargin = 8, kTextGap = 16;  // of the line at the bottom
 }  // namespace
 
@@ -20,6 +20,8 @@ ON_MESSAGE(WM_PAINT, OnPaintMessage)
 ON_MESSAGE(WM_ERASEBKGND, OnErase)
 ON_MESSAGE(WM_SIZE, OnSized)
 ON_MESSAGE(WM_DPICHANGED, OnDpi)
+ON_MESSAGE(WM_SYSCOLORCHANGE, OnColours)
+ON_MESSAGE(WM_SETTINGCHANGE, OnSettings)
 ON_MESSAGE(WM_LBUTTONDOWN, OnPress)
 ON_MESSAGE(WM_MOUSEMOVE, OnPointer)
 ON_MESSAGE(WM_SETCURSOR, OnCursor)
@@ -154,12 +156,27 @@ LONG MainWindow::Scaled(LONG pixels) const { return OrvikScale(pixels, OrvikDpiO
 
 LRESULT MainWindow::OnDpi(WPARAM, LPARAM lParam) {
     m_list.DpiChanged();
-    m_chart.DpiChanged();
+    m_chart.LooksChanged();
     const RECT& place = *reinterpret_cast<const RECT*>(lParam);
     ::SetWindowPos(m_hWnd, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
                    SWP_NOZORDER | SWP_NOACTIVATE);
     Layout();
     return 0;
+}
+
+LRESULT MainWindow::OnColours(WPARAM, LPARAM) {
+    globalData.UpdateSysColors();
+    m_list.SendMessage(WM_SYSCOLORCHANGE);  // which goes to top-level windows only
+    m_list.Update();
+    m_chart.LooksChanged();
+    ::InvalidateRect(m_hWnd, nullptr, FALSE);
+    return 0;
+}
+
+LRESULT MainWindow::OnSettings(WPARAM, LPARAM) {
+    m_list.DpiChanged();
+    ::InvalidateRect(m_hWnd, nullptr, FALSE);
+    return Default();
 }
 
 LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
@@ -172,11 +189,11 @@ LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
     dc.FillSolidRect(bar.right - line, bar.top, line, bar.Height(), shadow);
     dc.FillSolidRect(status, face);
     dc.FillSolidRect(status.left, status.top, status.Width(), line, shadow);
-    const LOGFONTA description = PaneFont(Scaled(kFontHeight));
+    const LOGFONTA description = DesktopFont(m_hWnd);
     CFont font;
     font.CreateFontIndirect(&description);
     CFont* const before = dc.SelectObject(&font);
-    dc.SetTextColor(RGB(0, 0, 0));
+    dc.SetTextColor(::GetSysColor(COLOR_BTNTEXT));
     dc.SetBkMode(TRANSPARENT);
     CRect text = status;
     text.DeflateRect(Scaled(kTextMargin), 0);

@@ -66,6 +66,8 @@ protected:
     LRESULT OnPaintMessage(WPARAM, LPARAM);
     LRESULT OnErase(WPARAM, LPARAM) { return 1; }
     LRESULT OnSized(WPARAM, LPARAM);
+    LRESULT OnColours(WPARAM wParam, LPARAM lParam);
+    LRESULT OnSettings(WPARAM wParam, LPARAM lParam);
     LRESULT OnDpi(WPARAM, LPARAM);
     LRESULT OnPress(WPARAM, LPARAM);
     LRESULT OnPointer(WPARAM, LPARAM);

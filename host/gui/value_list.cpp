@@ -12,7 +12,7 @@
 namespace {
 // Pixels at 96 dots an inch.
 constexpr LONG kStandardWidths[ValueList::kColumns] = {140, 80, 60};
-constexpr LONG kGrip = 4, kWidest = 4096, kKeyStep = 8, kFontHeight = 13;
+constexpr LONG kGrip = 4, kWidest = 4096, kKeyStep = 8;
 constexpr Text kHeads[ValueList::kColumns] = {Text::HeadChannel, Text::HeadValue, Text::HeadUnit};
 
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
@@ -70,7 +70,7 @@ BOOL ValueList::CreatePane(HWND parent) {
 LONG ValueList::Scaled(LONG pixels) const { return OrvikScale(pixels, OrvikDpiOf(m_hWnd)); }
 
 void ValueList::DpiChanged() {
-    const LOGFONTA description = PaneFont(Scaled(kFontHeight));
+    const LOGFONTA description = DesktopFont(m_hWnd);
     CFont font;
     font.CreateFontIndirect(&description);
     SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(font.m_hObject), TRUE);
@@ -132,12 +132,13 @@ void ValueList::ShowValuesAt(std::optional<PointedTime> pointed) {
 }
 
 COLORREF ValueList::ColourOf(size_t channel) const {
+    const ChartColours paper = ChartColours::OfWindow();
     const ViewState& state = m_document.State();
     const Session::Channel& shown = m_document.GetSession()->Channels()[channel];
     const Session& session = *m_document.GetSession();
-    if (session.Count() > 0 && !m_pointed && !std::isfinite(session.LastValue(channel))) return kNoNumber;
-    if (std::find(state.hidden.begin(), state.hidden.end(), shown.key) != state.hidden.end()) return kHidden;
-    return channel < state.channels.size() ? state.channels[channel].colour : ChartModel::ColourOf(channel);
+    if (session.Count() > 0 && !m_pointed && !std::isfinite(session.LastValue(channel))) return paper.Name(kNoNumber);
+    if (std::find(state.hidden.begin(), state.hidden.end(), shown.key) != state.hidden.end()) return paper.Name(kHidden);
+    return paper.Name(channel < state.channels.size() ? state.channels[channel].colour : ChartModel::ColourOf(channel));
 }
 
 void ValueList::Update() {

@@ -14,7 +14,7 @@ class ValueList : public CValueListCtrl {
 public:
     static constexpr size_t kColumns = 3;
     static constexpr LONG kLeastColumn = 24;  // pixels at 96 dots an inch, as all widths of a state are
-    static constexpr COLORREF kHidden = RGB(128, 128, 128), kNoNumber = RGB(200, 0, 0);
+    static constexpr COLORREF kHidden = RGB(113, 113, 113), kNoNumber = RGB(200, 0, 0);
 
     ValueList(ViewDocument& document, PaneOwner& owner) : m_document(document), m_owner(owner), m_header(*this) {}
     ~ValueList() override;

@@ -4,6 +4,8 @@
 #include <future>
 #include <utility>
 
+#include "platform/screen_gtk3/gtk_looks.h"
+
 using namespace orvik::detail;
 
 bool GtkScreen::Start() {
@@ -31,6 +33,7 @@ void GtkScreen::Run(std::function<void(bool)> started) {
         const double dots = gdk_screen_get_resolution(gdk_screen_get_default());
         m_host.SetDesktop({area.width * scale, area.height * scale}, static_cast<UINT>((dots > 0 ? dots : 96) * scale + 0.5));
     }
+    const GtkLooks looks(m_host);
     m_loop = g_main_loop_new(nullptr, FALSE);
     started(true);
     g_main_loop_run(m_loop);

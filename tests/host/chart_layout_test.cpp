@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "host/chart/chart_colours.h"
+#include "host/chart/chart_model.h"
+
 namespace {
 bool Empty(const RECT& r) { return r.right <= r.left || r.bottom <= r.top; }
 bool Inside(const RECT& outer, const RECT& r) {
@@ -81,6 +84,19 @@ TEST(ChartLayout, HoldsForAnySize) {
                     }
                 }
             }
+        }
+    }
+}
+
+TEST(ChartColours, ChannelsAreSeenOnLightAndDarkPaper) {
+    const ChartColours light;
+    for (const ChartColours& colours :
+         {light, ChartColours{RGB(30, 30, 30), RGB(240, 240, 240), RGB(170, 170, 170), RGB(60, 60, 60)}}) {
+        EXPECT_GE(orvik::Contrast(colours.quiet, colours.paper), orvik::kReadableText);
+        for (size_t i = 0; i < 8; ++i) {
+            EXPECT_GE(orvik::Contrast(colours.Line(ChartModel::ColourOf(i)), colours.paper), orvik::kVisibleShape) << i;
+            EXPECT_GE(orvik::Contrast(colours.Name(ChartModel::ColourOf(i)), colours.paper), orvik::kReadableText) << i;
+            EXPECT_EQ(light.Line(ChartModel::ColourOf(i)), ChartModel::ColourOf(i)) << i;  // in files as they are chosen
         }
     }
 }

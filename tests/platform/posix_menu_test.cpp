@@ -252,7 +252,7 @@ TEST_F(PointerTest, TextsAreReadable) {
     const MenuLooks looks(96);
     for (const auto& [ground, ink] : Table(std::pair(looks.ground, looks.text), std::pair(looks.ground, looks.grey),
                                            std::pair(looks.hot, looks.hotText), std::pair(looks.hot, looks.hotGrey)))
-        EXPECT_GE(Contrast(ground, ink), 4.5) << std::hex << ink;
+        EXPECT_GE(orvik::Contrast(ground, ink), 4.5) << std::hex << ink;
 }
 
 class ComboLists : public ControlHost {

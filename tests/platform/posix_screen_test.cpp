@@ -263,3 +263,17 @@ TEST_F(ScreenTest, FilesAreAskedForByTheDesktop) {
     m_screen.answers = {"/nowhere at all/much too long a name, which no buffer of sixty-four bytes can hold.odb"};
     EXPECT_FALSE(GetOpenFileNameA(&asked));
 }
+
+TEST_F(ScreenTest, WindowsFollowTheLooksOfTheDesktop) {
+    const HWND label = CreateWindowExA(0, "Static", "", WS_POPUP | WS_VISIBLE, 0, 0, 20, 20, nullptr, nullptr, nullptr, nullptr);
+    Idle();
+    for (const bool dark : {true, false}) {
+        DesktopLooks looks;
+        looks.dark = dark;
+        TheScreenHost().SetLooks(looks);
+        Idle();
+        EXPECT_EQ(PixelShown(label, 10, 10) & 0xFFFFFF, PixelOf(GetSysColor(COLOR_BTNFACE))) << dark;
+        EXPECT_EQ((GetSysColor(COLOR_BTNFACE) & 0xFF) < 128, dark);
+    }
+    DestroyWindow(label);
+}

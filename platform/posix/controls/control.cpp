@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/posix/controls/combo_list_internal.h"
+#include "platform/posix/controls/flat_looks_internal.h"
 #include "platform/posix/dialogs/menu_internal.h"
 #include "platform/posix/window/window_class_internal.h"
 #include "platform/posix/window/window_internal.h"
@@ -151,10 +152,11 @@ void FrameColour(HDC dc, const RECT& rectangle, COLORREF colour) {
     DeleteObject(brush);
 }
 void Control::PaintFrame(HDC dc, RECT client) const {
-    if (FrameWidth() == 2)
-        DrawEdge(dc, &client, EDGE_SUNKEN, BF_RECT);
-    else if (Bordered())
-        FrameColour(dc, client, GetSysColor(COLOR_WINDOWFRAME));
+    if (!Bordered()) return;
+    FlatState state;
+    state.enabled = Enabled();
+    state.focused = state.enabled && Focused();
+    PaintFieldFrame(dc, client, state, Dpi());
 }
 RECT Shrunk(const RECT& r, int by) { return {r.left + by, r.top + by, r.right - by, r.bottom - by}; }
 

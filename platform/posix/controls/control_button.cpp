@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "platform/posix/controls/control_internal.h"
+#include "platform/posix/controls/flat_looks_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -97,6 +98,7 @@ public:
     }
 
 protected:
+    bool ShowsHot() const override { return Enabled(); }
     void Paint(HDC dc, const RECT& client) override {
         if (Kind() == BS_GROUPBOX) return PaintGroup(dc, client);
         if (Kind() == BS_OWNERDRAW) return;
@@ -194,29 +196,30 @@ private:
         Check(BST_CHECKED);
     }
 
+    FlatState Look() const {
+        FlatState look;
+        look.enabled = Enabled();
+        look.hot = Hot();
+        look.pressed = (m_state & BST_PUSHED) != 0;
+        look.on = (m_state & 3) != 0;
+        look.third = (m_state & 3) == BST_INDETERMINATE;
+        return look;
+    }
+
     void PaintPush(HDC dc, const RECT& client) {
-        ParentBrush(dc, WM_CTLCOLORBTN);
-        RECT area = client;
-        if (Kind() == BS_DEFPUSHBUTTON || Focused()) {
-            FrameColour(dc, area, GetSysColor(COLOR_WINDOWFRAME));
-            area = Shrunk(area, 1);
-        }
-        const bool down = (m_state & BST_PUSHED) != 0 || (m_state & 3) != 0;
-        DrawFrameControl(dc, &area, DFC_BUTTON, DFCS_BUTTONPUSH | (down ? DFCS_PUSHED : 0));
-        RECT face = Shrunk(area, Scaled(3));
-        if (down) OffsetRect(&face, Scaled(1), Scaled(1));
-        PaintText(dc, face, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
-        if (Focused()) {
-            const RECT ring = Shrunk(area, Scaled(3));
-            SetTextColor(dc, 0);
-            DrawFocusRect(dc, &ring);
-        }
+        FillRect(dc, &client, ParentBrush(dc, WM_CTLCOLORBTN));
+        FlatState look = Look();
+        look.main = Kind() == BS_DEFPUSHBUTTON;
+        look.focused = Focused();
+        PaintButtonFace(dc, client, look, Dpi());
+        SetTextColor(dc, ButtonInk(look));
+        PaintText(dc, Shrunk(client, Scaled(3)), DT_CENTER | DT_VCENTER | DT_SINGLELINE);
     }
 
     void PaintCheck(HDC dc, const RECT& client) {
         const HBRUSH background = ParentBrush(dc, WM_CTLCOLORSTATIC);
         FillRect(dc, &client, background);
-        const int size = std::min<int>(Scaled(13), client.bottom - client.top), gap = Scaled(4);
+        const int size = std::min<int>(Scaled(14), client.bottom - client.top), gap = Scaled(5);
         RECT box{client.left, client.top + (client.bottom - client.top - size) / 2, client.left + size, 0};
         box.bottom = box.top + size;
         RECT label{box.right + gap, client.top, client.right, client.bottom};
@@ -224,36 +227,34 @@ private:
             OffsetRect(&box, client.right - size - client.left, 0);
             label = {client.left, client.top, box.left - gap, client.bottom};
         }
-        UINT state = IsRadio() ? DFCS_BUTTONRADIO : (m_state & 3) == BST_INDETERMINATE ? DFCS_BUTTON3STATE : DFCS_BUTTONCHECK;
-        if ((m_state & 3) != 0) state |= DFCS_CHECKED;
-        if ((m_state & BST_PUSHED) != 0) state |= DFCS_PUSHED;
-        if (!Enabled()) state |= DFCS_INACTIVE;
-        DrawFrameControl(dc, &box, DFC_BUTTON, state);
+        IsRadio() ? PaintRadioButton(dc, box, Look(), Dpi()) : PaintCheckBox(dc, box, Look(), Dpi());
+        if (!Enabled()) SetTextColor(dc, GetSysColor(COLOR_GRAYTEXT));
         PaintText(dc, label, Style() & BS_MULTILINE ? DT_WORDBREAK : DT_VCENTER | DT_SINGLELINE);
         if (!Focused()) return;
         const SIZE extent = Measure(Text());
-        const LONG top = label.top + (label.bottom - label.top - extent.cy) / 2;
-        RECT ring{label.left - 1, top - 1, std::min<LONG>(label.left + extent.cx + 1, label.right), top + extent.cy + 1};
-        SetTextColor(dc, 0);
-        DrawFocusRect(dc, &ring);
+        const LONG top = std::max(client.top, label.top + (label.bottom - label.top - extent.cy) / 2 - Scaled(2));
+        PaintFocusRing(
+            dc,
+            {std::max(client.left, label.left - Scaled(3)), top, std::min<LONG>(label.left + extent.cx + Scaled(3), client.right),
+             std::min<LONG>(top + extent.cy + Scaled(4), client.bottom)},
+            Dpi());
     }
 
     void PaintGroup(HDC dc, const RECT& client) {
         const HBRUSH background = ParentBrush(dc, WM_CTLCOLORSTATIC);
         const std::string text = Text();
         const SIZE extent = Measure(text.empty() ? "X" : text);
-        RECT frame{client.left, client.top + extent.cy / 2, client.right, client.bottom};
-        DrawEdge(dc, &frame, EDGE_ETCHED, BF_RECT);
+        FrameColour(dc, {client.left, client.top + extent.cy / 2, client.right, client.bottom}, GetSysColor(COLOR_BTNSHADOW));
         if (text.empty()) return;
         RECT label{client.left + Scaled(8), client.top,
                    std::min<LONG>(client.left + Scaled(10) + extent.cx, client.right - Scaled(8)), client.top + extent.cy};
         FillRect(dc, &label, background);
         label.left += Scaled(1);
+        if (!Enabled()) SetTextColor(dc, GetSysColor(COLOR_GRAYTEXT));
         PaintText(dc, label, DT_SINGLELINE);
     }
 
     void PaintText(HDC dc, RECT area, UINT format) const {
-        if (!Enabled()) SetTextColor(dc, GetSysColor(COLOR_GRAYTEXT));
         const std::string text = Text();
         DrawTextA(dc, text.c_str(), static_cast<int>(text.size()), &area, format);
     }

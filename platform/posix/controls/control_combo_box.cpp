@@ -5,6 +5,7 @@
 
 #include "platform/letters.h"
 #include "platform/posix/controls/combo_list_internal.h"
+#include "platform/posix/controls/flat_looks_internal.h"
 #include "platform/posix/controls/list_items_internal.h"
 #include "platform/posix/controls/scroll_part_internal.h"
 #include "platform/posix/text/letters_internal.h"
@@ -143,24 +144,18 @@ public:
     }
 
 protected:
+    bool ShowsHot() const override { return Enabled(); }
     void Paint(HDC dc, const RECT& client) override {
         const HBRUSH paper = ParentBrush(dc, WM_CTLCOLOREDIT);
         FillRect(dc, &client, paper);
-        RECT frame = client;
-        DrawEdge(dc, &frame, EDGE_SUNKEN, BF_RECT);
-        RECT button = Button();
-        DrawFrameControl(dc, &button, DFC_BUTTON, DFCS_BUTTONPUSH | (m_dropped ? DFCS_PUSHED : 0));
-        const LONG x = (button.left + button.right) / 2, y = (button.top + button.bottom) / 2;
-        const int rows = Scaled(4), down = rows / 2;
-        for (LONG i = 0; i < rows; ++i)
-            FillColour(dc, {x - i, y + down - i, x + i + 1, y + down + 1 - i},
-                       GetSysColor(Enabled() ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
+        FlatState state;
+        state.enabled = Enabled();
+        state.hot = Hot();
+        state.focused = Focused() || (m_edit != nullptr && GetFocus() == m_edit);
+        PaintFieldFrame(dc, client, state, Dpi());
+        PaintChevron(dc, Button(), 0, 1, GetSysColor(Enabled() ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT), Dpi());
         if (m_edit != nullptr) return;
         RECT field = Field();
-        if (Focused()) {
-            FillColour(dc, field, GetSysColor(COLOR_HIGHLIGHT));
-            SetTextColor(dc, GetSysColor(COLOR_HIGHLIGHTTEXT));
-        }
         if (!Enabled()) SetTextColor(dc, GetSysColor(COLOR_GRAYTEXT));
         field.left += Scaled(2);
         if (m_items.Has(m_current))

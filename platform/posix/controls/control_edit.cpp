@@ -134,7 +134,7 @@ protected:
         }
         if (Focused() && !dim) {
             const POINT at = PointOf(m_text.Caret());
-            FillColour(dc, {at.x, at.y, at.x + 1, at.y + height}, GetSysColor(COLOR_WINDOWTEXT));
+            FillColour(dc, {at.x, at.y, at.x + Scaled(1), at.y + height}, GetSysColor(COLOR_WINDOWTEXT));
         }
     }
 

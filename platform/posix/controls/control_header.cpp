@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "platform/contrast.h"
 #include "platform/posix/controls/control_internal.h"
 #include "platform/posix/text/letters_internal.h"
 
@@ -69,13 +70,13 @@ protected:
     void Paint(HDC dc, const RECT& client) override {
         FillColour(dc, client, GetSysColor(COLOR_BTNFACE));
         SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
-        RECT rest = client;
         for (size_t i = 0; i < m_items.size(); ++i) {
             RECT cell = RectOf(i);
-            rest.left = cell.right;
             if (cell.right <= client.left || cell.left >= client.right) continue;
-            DrawFrameControl(dc, &cell, DFC_BUTTON, DFCS_BUTTONPUSH | (m_pressed == static_cast<int>(i) ? DFCS_PUSHED : 0));
-            cell = RectOf(i);
+            if (m_pressed == static_cast<int>(i))
+                FillColour(dc, cell, Mixed(GetSysColor(COLOR_BTNFACE), GetSysColor(COLOR_BTNTEXT), 18));
+            FillColour(dc, {cell.right - 1, cell.top + Scaled(4), cell.right, cell.bottom - Scaled(4)},
+                       GetSysColor(COLOR_BTNSHADOW));
             cell.left += Scaled(6);
             cell.right -= Scaled(6);
             UINT format = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
@@ -84,7 +85,7 @@ protected:
             const std::string& text = m_items[i].text;
             if (cell.left < cell.right) DrawTextA(dc, text.c_str(), static_cast<int>(text.size()), &cell, format);
         }
-        if (rest.left < rest.right) DrawFrameControl(dc, &rest, DFC_BUTTON, DFCS_BUTTONPUSH);
+        FillColour(dc, {client.left, client.bottom - 1, client.right, client.bottom}, GetSysColor(COLOR_BTNSHADOW));
     }
 
 private:

@@ -30,8 +30,14 @@ public:
 
     // What all controls answer alike: font, redraw switch, painting, enabling, text. Overrides end here.
     virtual LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
+    // Follows whether the pointer is over it. Before Handle, for every message.
+    void Track(UINT message) {
+        const bool hot = message == WM_MOUSEMOVE || (m_hot && message != WM_MOUSELEAVE);
+        if (std::exchange(m_hot, hot) != hot && ShowsHot()) Invalidate();
+    }
 
 protected:
+    virtual bool ShowsHot() const { return false; }  // looks otherwise while the pointer is over it
     // The whole client area; the font is selected and text is transparent. The state of `dc` is put back afterwards.
     virtual void Paint(HDC dc, const RECT& client) = 0;
 
@@ -42,6 +48,8 @@ protected:
     HWND Parent() const { return GetParent(m_window); }
     bool Enabled() const { return IsWindowEnabled(m_window) != FALSE; }
     bool Focused() const { return GetFocus() == m_window; }
+    UINT Dpi() const { return GetDpiForWindow(m_window); }
+    bool Hot() const { return m_hot; }  // the pointer is over it
     bool Bordered() const { return (Style() & WS_BORDER) != 0 || (ExStyle() & WS_EX_CLIENTEDGE) != 0; }
     int FrameWidth() const { return (ExStyle() & WS_EX_CLIENTEDGE) != 0 ? 2 : Bordered() ? 1 : 0; }
     void PaintFrame(HDC dc, RECT client) const;
@@ -53,8 +61,8 @@ protected:
     void Invalidate(const RECT& part) const;
 
     // Pixels at 96 dots an inch in those of the window; and how wide its scroll bars are.
-    int Scaled(int pixels) const { return MulDiv(pixels, static_cast<int>(GetDpiForWindow(m_window)), USER_DEFAULT_SCREEN_DPI); }
-    int BarWidth() const { return GetSystemMetricsForDpi(SM_CXVSCROLL, GetDpiForWindow(m_window)); }
+    int Scaled(int pixels) const { return MulDiv(pixels, static_cast<int>(Dpi()), USER_DEFAULT_SCREEN_DPI); }
+    int BarWidth() const { return GetSystemMetricsForDpi(SM_CXVSCROLL, Dpi()); }
 
     HFONT Font() const { return m_font; }
     int LineHeight() const;
@@ -65,6 +73,9 @@ protected:
     const HWND m_window;
     HFONT m_font = nullptr;  // null: the system font
     bool m_redraw = true;
+
+private:
+    bool m_hot = false;
 };
 
 // A DC for measuring with the control's font. Ends with the object.
@@ -95,6 +106,7 @@ LRESULT CALLBACK ControlProcedure(HWND window, UINT message, WPARAM wParam, LPAR
         control = std::make_shared<T>(window);
         SetControl(window, control);
     }
+    control->Track(message);
     return control->Handle(message, wParam, lParam);
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "platform/letters.h"
+#include "platform/posix/controls/flat_looks_internal.h"
 #include "platform/posix/controls/list_items_internal.h"
 #include "platform/posix/controls/scroll_part_internal.h"
 
@@ -113,7 +114,7 @@ protected:
             row.left += Scaled(2);
             DrawTextA(dc, m_items[i].text.c_str(), -1, &row, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
             row.left -= Scaled(2);
-            if (Focused() && i == m_caret) DrawFocusRect(dc, &row);
+            if (Focused() && i == m_caret) PaintRowFocus(dc, row, selected, Dpi());
         }
     }
 

@@ -111,19 +111,19 @@ LRESULT ListView::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case LVM_GETBKCOLOR:
-            return static_cast<LRESULT>(m_back);
+            return static_cast<LRESULT>(Back());
         case LVM_SETBKCOLOR:
             m_back = static_cast<COLORREF>(lParam);
             Invalidate();
             return TRUE;
         case LVM_GETTEXTCOLOR:
-            return static_cast<LRESULT>(m_ink);
+            return static_cast<LRESULT>(Ink());
         case LVM_SETTEXTCOLOR:
             m_ink = static_cast<COLORREF>(lParam);
             Invalidate();
             return TRUE;
         case LVM_GETTEXTBKCOLOR:
-            return static_cast<LRESULT>(m_textBack);
+            return static_cast<LRESULT>(TextBack());
         case LVM_SETTEXTBKCOLOR:
             m_textBack = static_cast<COLORREF>(lParam);
             Invalidate();

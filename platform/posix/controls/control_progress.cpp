@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "platform/posix/controls/control_internal.h"
+#include "platform/posix/controls/flat_looks_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -45,9 +46,10 @@ public:
 
 protected:
     void Paint(HDC dc, const RECT& client) override {
-        FillColour(dc, client, m_back == CLR_DEFAULT ? GetSysColor(COLOR_BTNFACE) : m_back);
-        RECT inner = Shrunk(client, 1);
-        FrameColour(dc, client, GetSysColor(COLOR_BTNSHADOW));
+        const float radius = static_cast<float>(Scaled(3));
+        FillRect(dc, &client, ParentBrush(dc, WM_CTLCOLORSTATIC));
+        FillRounded(dc, client, radius, m_back == CLR_DEFAULT ? GetSysColor(COLOR_BTNSHADOW) : m_back);
+        RECT inner = client;
         const long long span = static_cast<long long>(m_high) - m_low;
         if (span <= 0) return;
         const long long done = static_cast<long long>(m_position) - m_low;
@@ -56,7 +58,7 @@ protected:
         else
             inner.right = inner.left + static_cast<LONG>((inner.right - inner.left) * done / span);
         if (inner.left < inner.right && inner.top < inner.bottom)
-            FillColour(dc, inner, m_bar == CLR_DEFAULT ? GetSysColor(COLOR_HIGHLIGHT) : m_bar);
+            FillRounded(dc, inner, radius, m_bar == CLR_DEFAULT ? GetSysColor(COLOR_HIGHLIGHT) : m_bar);
     }
 
 private:

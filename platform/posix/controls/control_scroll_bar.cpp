@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "platform/posix/controls/flat_looks_internal.h"
+
 namespace orvik::detail {
 
 int ScrollPart::Most() const { return std::max(least, most - std::max(page - 1, 0)); }
@@ -65,26 +67,21 @@ int ScrollPart::PositionAt(LONG offset) const {
 
 void ScrollPart::Paint(HDC dc) const {
     FillColour(dc, place, GetSysColor(COLOR_SCROLLBAR));
-    const auto push = [&](RECT area) { DrawFrameControl(dc, &area, DFC_BUTTON, DFCS_BUTTONPUSH); };
     const LONG arrow = Arrow();
     RECT first = place, last = place;
     vertical ? first.bottom = first.top + arrow : first.right = first.left + arrow;
     vertical ? last.top = last.bottom - arrow : last.left = last.right - arrow;
-    push(first), push(last);
-    if (Useful()) push(Thumb());
-    // The arrows: triangles of single lines.
     const COLORREF ink = GetSysColor(Useful() ? COLOR_BTNTEXT : COLOR_GRAYTEXT);
-    for (const bool up : {true, false}) {
-        const RECT& box = up ? first : last;
-        const LONG x = (box.left + box.right) / 2, y = (box.top + box.bottom) / 2;
-        const LONG lines = ArrowLines();
-        for (LONG i = 0; i < lines; ++i) {
-            const LONG along = (up ? -1 : 1) * (lines / 4 - i);
-            const RECT line =
-                vertical ? RECT{x - i, y + along, x + i + 1, y + along + 1} : RECT{x + along, y - i, x + along + 1, y + i + 1};
-            FillColour(dc, line, ink);
-        }
-    }
+    // As many dots an inch as the bar's width is for.
+    const LONG width = vertical ? place.right - place.left : place.bottom - place.top;
+    const UINT dpi = static_cast<UINT>(std::max<LONG>(width, 1) * USER_DEFAULT_SCREEN_DPI / 17);
+    PaintChevron(dc, first, vertical ? 0 : -1, vertical ? -1 : 0, ink, dpi);
+    PaintChevron(dc, last, vertical ? 0 : 1, vertical ? 1 : 0, ink, dpi);
+    if (!Useful()) return;
+    RECT thumb = Thumb();
+    const LONG inset = width / 4;
+    vertical ? InflateRect(&thumb, -static_cast<int>(inset), 0) : InflateRect(&thumb, 0, -static_cast<int>(inset));
+    FillRounded(dc, thumb, static_cast<float>(width) / 4, FrameInk());
 }
 
 namespace {

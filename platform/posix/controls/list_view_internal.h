@@ -4,6 +4,7 @@
 // drawing; control_list_view.cpp the messages.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "platform/letters.h"
@@ -102,8 +103,11 @@ private:
     HFONT m_standard = nullptr;  // what the list began with, and has until it is given another
     bool m_ownFont = false;
     int m_focused = -1, m_mark = -1, m_selected = 0;
-    int m_top = 0, m_shift = 0;  // the first row in sight; pixels scrolled off at the left
-    COLORREF m_back = GetSysColor(COLOR_WINDOW), m_ink = GetSysColor(COLOR_WINDOWTEXT), m_textBack = GetSysColor(COLOR_WINDOW);
+    int m_top = 0, m_shift = 0;                         // the first row in sight; pixels scrolled off at the left
+    std::optional<COLORREF> m_back, m_ink, m_textBack;  // the scheme's until they are set
+    COLORREF Back() const { return m_back.value_or(GetSysColor(COLOR_WINDOW)); }
+    COLORREF Ink() const { return m_ink.value_or(GetSysColor(COLOR_WINDOWTEXT)); }
+    COLORREF TextBack() const { return m_textBack.value_or(GetSysColor(COLOR_WINDOW)); }
     DWORD m_extended = 0;
     int m_dragged = 0;  // 1: the vertical thumb, 2: the horizontal one, 3: a row was pressed
     LONG m_grip = 0;

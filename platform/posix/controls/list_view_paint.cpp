@@ -1,6 +1,7 @@
 // The drawing of a list view, with the parent's say in colours (NM_CUSTOMDRAW).
 #include <algorithm>
 
+#include "platform/posix/controls/flat_looks_internal.h"
 #include "platform/posix/controls/list_view_internal.h"
 
 namespace orvik::detail {
@@ -17,11 +18,11 @@ LRESULT ListView::Ask(HDC dc, DWORD stage, int row, int subItem, const RECT& rec
 
 void ListView::Paint(HDC dc, const RECT& client) {
     const Layout places = Places();
-    FillColour(dc, client, m_back == CLR_NONE ? GetSysColor(COLOR_WINDOW) : m_back);
+    FillColour(dc, client, Back() == CLR_NONE ? GetSysColor(COLOR_WINDOW) : Back());
     PaintFrame(dc, client);
     NMLVCUSTOMDRAW draw{};
-    draw.clrText = m_ink;
-    draw.clrTextBk = m_textBack;
+    draw.clrText = Ink();
+    draw.clrTextBk = TextBack();
     const LRESULT answer = Ask(dc, CDDS_PREPAINT, 0, 0, places.rows, draw);
     if (answer & CDRF_SKIPDEFAULT) return;
     if (places.hasDown) places.down.Paint(dc);
@@ -59,8 +60,8 @@ void ListView::PaintRow(HDC dc, int row, const Layout& places, bool custom) {
     const RECT area = RowRect(row);
     const auto fresh = [&] {
         NMLVCUSTOMDRAW draw{};
-        draw.clrText = m_ink;
-        draw.clrTextBk = m_textBack;
+        draw.clrText = Ink();
+        draw.clrTextBk = TextBack();
         draw.nmcd.uItemState = (marked ? CDIS_SELECTED : 0u) | (focused && rowState & LVIS_FOCUSED ? CDIS_FOCUS : 0u);
         return draw;
     };
@@ -100,8 +101,7 @@ void ListView::PaintRow(HDC dc, int row, const Layout& places, bool custom) {
     }
     if (focused && rowState & LVIS_FOCUSED) {
         const RECT ring = whole ? area : CellRect(row, 0);
-        SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
-        DrawFocusRect(dc, &ring);
+        PaintRowFocus(dc, ring, marked, Dpi());
     }
     if (answer & CDRF_NOTIFYPOSTPAINT) Ask(dc, CDDS_ITEMPOSTPAINT, row, 0, area, rowDraw);
 }

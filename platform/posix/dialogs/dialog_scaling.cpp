@@ -3,6 +3,7 @@
 
 #include "platform/dpi.h"
 #include "platform/posix/dialogs/dialog_internal.h"
+#include "platform/posix/drawing/desktop_looks_internal.h"
 #include "platform/posix/drawing/text_draw.h"
 
 namespace orvik::detail {
@@ -18,7 +19,10 @@ SIZE UnitsOf(HFONT font) {
 
 HFONT MakeFont(const DialogFont& from, UINT dpi) {
     LOGFONTA font{};
-    font.lfHeight = -MulDiv(from.points, static_cast<int>(dpi), 72);
+    // A dialog in the desktop's letters has them as large as the desktop wants them beside its usual ones.
+    const int usual = DesktopLooks().fontPixels;
+    const int pixels = MulDiv(from.points, static_cast<int>(dpi), 72);
+    font.lfHeight = -(IsDesktopFace(from.face) ? MulDiv(pixels, TheDesktopLooks().fontPixels, usual) : pixels);
     font.lfWeight = from.weight != 0 ? from.weight : FW_NORMAL;
     font.lfItalic = from.italic;
     font.lfCharSet = DEFAULT_CHARSET;

@@ -1,4 +1,5 @@
-// Colours and the desktop's colour scheme, as constants of this home: the classic grey one. Any thread.
+// Colours and the desktop's colour scheme: a light and a dark one, flat, in the accent that the desktop has
+// (desktop_looks_internal.h). A program is told of a change by WM_SYSCOLORCHANGE. Any thread.
 #pragma once
 
 #include "platform/api.h"

@@ -88,7 +88,7 @@ std::optional<LineLook> Dc::Line() const {
 std::optional<FillLook> Dc::LookOf(const BrushObject& brush) const {
     if (brush.style == BS_NULL) return std::nullopt;
     FillLook look;
-    look.color = brush.fromDc ? state.dcBrushColor : brush.color;
+    look.color = brush.fromDc ? state.dcBrushColor : brush.Colour();
     look.origin = {state.brushOrg.x + place.origin.x, state.brushOrg.y + place.origin.y};
     if (brush.style == BS_HATCHED) {
         look.kind = FillLook::kHatch;

@@ -264,26 +264,39 @@ PageGlyph FontFace::ForPage(const ShapedGlyph& glyph) const {
     return m_shaper != nullptr ? m_shaper->ForPage(glyph) : PageGlyph{};
 }
 
+namespace {
+struct FaceCache {
+    std::mutex lock;
+    std::list<std::shared_ptr<const FontFace>> faces;  // the last one asked for first
+};
+FaceCache& Faces() {
+    static FaceCache* cache = new FaceCache;
+    return *cache;
+}
+}  // namespace
+
+void ForgetFaces() {
+    FaceCache& cache = Faces();
+    const std::lock_guard guard(cache.lock);
+    cache.faces.clear();
+}
+
 std::shared_ptr<const FontFace> FaceOf(const LOGFONTA& description) {
-    struct Cache {
-        std::mutex lock;
-        std::list<std::shared_ptr<const FontFace>> faces;  // the last one asked for first
-    };
-    static Cache* cache = new Cache;
+    FaceCache& cache = Faces();
     LOGFONTA key{};  // what follows the face's name does not count
     std::memcpy(&key, &description, offsetof(LOGFONTA, lfFaceName));
     std::memcpy(key.lfFaceName, description.lfFaceName, strnlen(description.lfFaceName, LF_FACESIZE - 1));
-    const std::lock_guard guard(cache->lock);
-    const auto found = std::find_if(cache->faces.begin(), cache->faces.end(), [&](const std::shared_ptr<const FontFace>& face) {
+    const std::lock_guard guard(cache.lock);
+    const auto found = std::find_if(cache.faces.begin(), cache.faces.end(), [&](const std::shared_ptr<const FontFace>& face) {
         return std::memcmp(&face->Font().asked, &key, sizeof key) == 0;
     });
-    if (found != cache->faces.end()) {
-        cache->faces.splice(cache->faces.begin(), cache->faces, found);
+    if (found != cache.faces.end()) {
+        cache.faces.splice(cache.faces.begin(), cache.faces, found);
     } else {
-        cache->faces.push_front(std::make_shared<const FontFace>(key));
-        if (cache->faces.size() > kFacesKept) cache->faces.pop_back();
+        cache.faces.push_front(std::make_shared<const FontFace>(key));
+        if (cache.faces.size() > kFacesKept) cache.faces.pop_back();
     }
-    return cache->faces.front();
+    return cache.faces.front();
 }
 
 }  // namespace orvik::detail

@@ -81,5 +81,6 @@ private:
 
 // The face of a description. The most recent ones are kept.
 std::shared_ptr<const FontFace> FaceOf(const LOGFONTA& description);
+void ForgetFaces();  // what the names of fonts stand for has changed
 
 }  // namespace orvik::detail

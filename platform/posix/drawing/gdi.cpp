@@ -305,7 +305,7 @@ int GetObjectA(HANDLE object, int size, LPVOID buffer) {
             const auto& brush = static_cast<const BrushObject&>(*found);
             const ULONG_PTR hatch =
                 brush.style == BS_PATTERN ? reinterpret_cast<ULONG_PTR>(brush.pattern) : static_cast<ULONG_PTR>(brush.hatch);
-            return CopyOut(LOGBRUSH{brush.style, brush.color, hatch}, size, buffer);
+            return CopyOut(LOGBRUSH{brush.style, brush.Colour(), hatch}, size, buffer);
         }
         case OBJ_BITMAP:
             return Describe(static_cast<const BitmapObject&>(*found), size, buffer);

@@ -34,12 +34,14 @@ struct BrushObject : GdiObject {
     BrushObject() : GdiObject(OBJ_BRUSH) {}
     UINT style = BS_SOLID;
     COLORREF color = 0;
+    int systemColour = -1;  // COLOR_ number of a brush that follows the scheme
     int hatch = 0;
     std::vector<uint32_t> tile;  // of a pattern brush
     int tileWidth = 0, tileHeight = 0;
     bool tileMonochrome = false;
     HBITMAP pattern = nullptr;
     bool fromDc = false;  // DC_BRUSH
+    COLORREF Colour() const { return systemColour < 0 ? color : GetSysColor(systemColour); }
 };
 
 struct FontObject : GdiObject {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/posix/drawing/desktop_looks_internal.h"
 #include "platform/posix/text/text_internal.h"
 
 namespace orvik::detail {
@@ -62,10 +63,17 @@ GlyphImage PictureOf(cairo_scaled_font_t* font, unsigned long index, bool colour
     return image;
 }
 
+bool IsDesktopFace(std::string_view name) {
+    constexpr std::string_view kNames[] = {"MS Shell Dlg", "MS Shell Dlg 2", "Segoe UI", "MS Sans Serif", "Tahoma"};
+    return std::find(std::begin(kNames), std::end(kNames), name) != std::end(kNames);
+}
+
 std::vector<std::string> FamiliesOf(const LOGFONTA& description) {
     std::vector<std::string> families;
-    if (description.lfFaceName[0] != 0)
-        families.push_back(Utf8FromHouse({description.lfFaceName, strnlen(description.lfFaceName, LF_FACESIZE)}));
+    const std::string_view name{description.lfFaceName, strnlen(description.lfFaceName, LF_FACESIZE)};
+    if (IsDesktopFace(name)) families.push_back(TheDesktopLooks().font);
+    families.push_back(Utf8FromHouse(name));
+    std::erase(families, std::string());
     const bool fixed = (description.lfPitchAndFamily & 3) == FIXED_PITCH || (description.lfPitchAndFamily & 0xF0) == FF_MODERN;
     families.push_back(fixed                                               ? "DejaVu Sans Mono"
                        : (description.lfPitchAndFamily & 0xF0) == FF_ROMAN ? "DejaVu Serif"

@@ -68,6 +68,12 @@ void RunMessageHooks(MSG& message, UINT remove) {
     const bool key = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
     const bool other = key ? message.wParam != queue.menuKey : IsPress(message.message);
     if (remove == PM_REMOVE && other) queue.menuKey = 0;
+    if (remove == PM_REMOVE && message.message == WM_MOUSEMOVE && message.hwnd != queue.hot) {
+        // Controls look otherwise while the pointer is on them.
+        const HWND left = std::exchange(queue.hot, message.hwnd);
+        if (With<bool>(left, [](const Window& window) { return window.control != nullptr; }))
+            PostMessageA(left, WM_MOUSELEAVE, 0, 0);
+    }
 }
 
 }  // namespace orvik::detail

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "platform/posix/drawing/desktop_looks_internal.h"
 #include "platform/posix/drawing/gdi.h"
 #include "platform/posix/window/dpi.h"
 #include "platform/posix/window/window_internal.h"
@@ -62,7 +63,7 @@ BOOL SystemParametersInfoForDpi(UINT action, UINT, PVOID data, UINT, UINT dpi) {
     metrics.iMenuWidth = metrics.iMenuHeight = pixels(19);
     LOGFONTA font{};
     GetObjectA(GetStockObject(DEFAULT_GUI_FONT), sizeof font, &font);
-    font.lfHeight = pixels(font.lfHeight);
+    font.lfHeight = -pixels(TheDesktopLooks().fontPixels);
     metrics.lfCaptionFont = metrics.lfSmCaptionFont = metrics.lfMenuFont = metrics.lfStatusFont = metrics.lfMessageFont = font;
     metrics.iPaddedBorderWidth = pixels(4);
     std::memcpy(data, &metrics, size);

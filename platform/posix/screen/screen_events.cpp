@@ -142,6 +142,14 @@ void Focus(HWND handle, bool has) {
     }
 }
 
+// As a program is told of a change of the desktop's scheme or letters.
+void LooksChanged(HWND handle) {
+    SendMessageA(handle, WM_SYSCOLORCHANGE, 0, 0);
+    constexpr WPARAM kMetrics = 0x2A;  // SPI_SETNONCLIENTMETRICS
+    SendMessageA(handle, WM_SETTINGCHANGE, kMetrics, 0);
+    RedrawWindow(handle, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+}
+
 void Act(const MSG& read) {
     const auto kind = static_cast<ScreenEvent::Kind>(read.wParam & 0xFF);
     const auto code = static_cast<UINT>(read.wParam >> 8);
@@ -177,6 +185,9 @@ void Act(const MSG& read) {
             break;
         case ScreenEvent::Kind::Dismissed:
             Dismiss(read.hwnd);
+            break;
+        case ScreenEvent::Kind::LooksChanged:
+            LooksChanged(read.hwnd);
             break;
         default:
             break;

@@ -59,6 +59,15 @@ public:
         const std::lock_guard kernel(KernelLock());
         Desktop().rectangle = {0, 0, pixels.cx, pixels.cy};
     }
+    void SetLooks(const DesktopLooks& looks) override {
+        if (!SetDesktopLooks(looks)) return;
+        std::vector<HWND> roots;
+        {
+            const std::lock_guard kernel(KernelLock());
+            roots = Desktop().children;
+        }
+        for (const HWND each : roots) PostScreenEvent(each, ScreenEvent{ScreenEvent::Kind::LooksChanged});
+    }
 };
 
 }  // namespace

@@ -13,13 +13,14 @@
 #include <vector>
 
 #include "platform/posix/drawing/canvas_internal.h"
+#include "platform/posix/drawing/desktop_looks_internal.h"
 #include "platform/posix/window/messages.h"
 #include "platform/posix/window/popup_place_internal.h"
 
 namespace orvik::detail {
 struct Window;
 
-inline constexpr unsigned kScreenSeam = 1;  // grows with each change of this header: a module of another one is not used
+inline constexpr unsigned kScreenSeam = 2;  // grows with each change of this header: a module of another one is not used
 
 // A cursor's look: one of the system's, or pixels.
 struct CursorLook {
@@ -47,7 +48,20 @@ struct ShownWindow {
 
 // What comes from the user or the desktop.
 struct ScreenEvent {
-    enum class Kind { Pointer, Key, Text, Resized, State, Focused, Left, CloseWished, DotsChanged, Placed, Dismissed } kind;
+    enum class Kind {
+        Pointer,
+        Key,
+        Text,
+        Resized,
+        State,
+        Focused,
+        Left,
+        CloseWished,
+        DotsChanged,
+        Placed,
+        Dismissed,
+        LooksChanged
+    } kind;
     // Pointer: a mouse message, a point in the picture, the wheel's parts. Key: its VK_ code, whether it goes down. Resized: the
     // size. Dismissed: the desktop has taken a popup away. State: one of ShownWindow::State. DotsChanged: dots an inch, and the
     // size by these. Placed: where a popup came to lie in its owner's picture.
@@ -79,6 +93,7 @@ public:
     virtual void Lend(HWND window, const std::function<void(const PixelView&)>& take) = 0;
     virtual void Post(HWND window, const ScreenEvent& event) = 0;
     virtual void SetDesktop(SIZE pixels, UINT dots) = 0;
+    virtual void SetLooks(const DesktopLooks& looks) = 0;  // at first, and when they change
 
 protected:
     ~ScreenHost() = default;

@@ -101,6 +101,7 @@ struct MessageQueue {
     int cursorShown = 0;
     std::array<BYTE, 256> keys{};
     UINT menuKey = 0;    // Alt or F10, while it is down and nothing else was pressed: letting go of it opens the menu bar
+    HWND hot = nullptr;  // the window that the pointer moved on last
     DWORD lastTime = 0;  // of the message read last
     POINT lastPoint{};
     struct Hook {

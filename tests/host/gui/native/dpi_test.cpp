@@ -65,7 +65,7 @@ TEST_P(ScreenTest, EverythingIsAsMuchLarger) {
     nearly(parts.tags[0], small.tags[0], "tag");
     LOGFONTA font = {};
     ::GetObjectA(reinterpret_cast<HFONT>(large->window->List().SendMessage(WM_GETFONT)), sizeof font, &font);
-    EXPECT_EQ(font.lfHeight, -scaled(13));
+    EXPECT_EQ(font.lfHeight, -scaled(12));
 }
 
 TEST_P(ScreenTest, HandsMeetWhatIsSeen) {
