@@ -62,6 +62,7 @@ void MainWindow::WorkWith(Text caption, Text message, Text stopped, const std::s
 
 bool MainWindow::Open(const std::string& path) {
     m_chart.EndWriting(true);
+    if (!EndDownload()) return false;
     return Try([&] {
         WorkWith(Text::WorkOpen, Text::WorkReading, Text::OpenStopped, path, FileSize(path) >= kLargeFile,
                  [&](WorkProgress& progress) { m_document.Open(path, progress); });

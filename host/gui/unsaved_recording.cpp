@@ -1,7 +1,9 @@
 #include "host/gui/unsaved_recording.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <memory>
+#include <random>
 
 #include "host/gui/user_folder.h"
 #include "platform/win32.h"
@@ -23,13 +25,13 @@ std::string NewNameIn(const std::string& folder) {
     if (!IsFolder(folder)) return {};
     SYSTEMTIME t;
     GetSystemTime(&t);
-    for (int number = 1; number < 1000; ++number) {
-        char begun[64];
-        std::snprintf(begun, sizeof begun, "/unsaved-%04u%02u%02uT%02u%02u%02uZ-", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute,
-                      t.wSecond);
-        // Two programs may choose theirs at the same moment.
-        const std::string name =
-            folder + begun + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(number) + ".rec";
+    char begun[64];
+    std::snprintf(begun, sizeof begun, "/unsaved-%04u%02u%02uT%02u%02u%02uZ-", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute,
+                  t.wSecond);
+    // Two programs may choose theirs at the same moment.
+    std::random_device random;
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        const std::string name = folder + begun + std::to_string(random() % 1'000'000) + ".rec";
         if (GetFileAttributesA(name.c_str()) == INVALID_FILE_ATTRIBUTES) return name;
     }
     return {};
