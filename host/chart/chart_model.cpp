@@ -15,6 +15,7 @@
 
 namespace {
 constexpr char kFolder[] = "Chart", kTagFolder[] = "Tags", kTagChannels[] = "sTagChannels";
+constexpr char kTagTimes[] = "tTagTimes", kTagValues[] = "rTagValues";
 // Chosen to be told apart with any kind of colour vision, on white paper.
 constexpr COLORREF kColours[] = {RGB(0, 114, 178), RGB(213, 94, 0),   RGB(0, 140, 105), RGB(190, 90, 155),
                                  RGB(200, 132, 0), RGB(52, 152, 208), RGB(85, 85, 85),  RGB(120, 110, 20)};
@@ -225,11 +226,22 @@ void ChartModel::LoadTags(IPropertyDB& db) {
         const auto part = [](LONG at) { return static_cast<double>(at - kAway) / TagFrame::kGrid; };
         FrameOf(m_tags.back().channel).Place(m_tags.back(), part(rect.left), part(rect.top));
     }
+    // The frame of a recording that has grown since is another one.
+    CInt64Array times;
+    CDoubleArray values;
+    if (!db.GetValue(kTagTimes, times) || !db.GetValue(kTagValues, values)) return;
+    if (times.GetSize() != stored.GetTagCount() || values.GetSize() != times.GetSize()) return;
+    for (size_t i = 0; i < m_tags.size(); ++i) {
+        const auto at = static_cast<INT_PTR>(i);
+        if (std::isfinite(values.GetAt(at))) m_tags[i].time = times.GetAt(at), m_tags[i].value = values.GetAt(at);
+    }
 }
 
 void ChartModel::StoreTags(IPropertyDB& db) const {
     CStringArray channels;
     CFloatingTagManager stored;
+    CInt64Array times;
+    CDoubleArray values;
     bool others = false;
     const auto& all = m_session.Channels();
     for (const ChartTag& tag : m_tags) {
@@ -241,10 +253,19 @@ void ChartModel::StoreTags(IPropertyDB& db) const {
         const POINT corner = {at(frame.Left(tag.time)), at(frame.Top(tag.value))};
         stored.CreateTag(kStored, {corner.x, corner.y, corner.x, corner.y})->SetText(tag.text.c_str());
         channels.Add(tag.channel.c_str());
+        times.Add(tag.time);
+        values.Add(tag.value);
         others |= !all.empty() && tag.channel != all.front().key;
     }
     // Left out where it tells nothing new; what is there is not taken away, since recordings only grow.
     if (others || db.Find(kTagChannels)) db.SetValue(kTagChannels, channels);
+    if (m_session.Recorded() != nullptr) {
+        db.SetValue(kTagTimes, times);
+        db.SetValue(kTagValues, values);
+    } else {
+        db.Remove(kTagTimes);
+        db.Remove(kTagValues);
+    }
     db.BeginUsing(kTagFolder);
     stored.OnDBSet(&db);
     db.EndUsing();

@@ -1,4 +1,6 @@
 // What keys and commands do in the chart: with what has the focus, or with the plot.
+#include <algorithm>
+
 #include "chart/tracker.h"
 #include "host/gui/chart_window.h"
 #include "platform/dpi.h"
@@ -162,6 +164,8 @@ bool ChartWindow::CanCommand(UINT command) const {
             return state.selection.has_value();
         case kCommandResetAll:
             return AllReset(state) != state;
+        case kCommandLatest:
+            return state.time.has_value() && !m_scene.ShowsEnd();
         default:
             return true;
     }
@@ -189,6 +193,13 @@ bool ChartWindow::Command(UINT command) {
         case kCommandResetAll:
             Do(Text::StepResetAll, AllReset(state));
             return true;
+        case kCommandLatest: {
+            ViewState next = state;
+            const double by = m_scene.LastTime() - std::max(state.time->origin, state.time->extent);
+            next.time = ViewRange{state.time->origin + by, state.time->extent + by};
+            Do(Text::StepLatest, next);
+            return true;
+        }
         case kCommandZoomIn:
             ZoomFocus(kNarrower);
             return true;

@@ -205,6 +205,12 @@ CUnitAxis& ChartScene::Axis(int index) const {
     return *m_shown[index];
 }
 
+bool ChartScene::ShowsEnd() const {
+    if (!HasData() || !m_state.time) return false;
+    const auto [from, to] = std::minmax(m_state.time->origin, m_state.time->extent);
+    return LastTime() >= from && LastTime() <= to;
+}
+
 std::string ChartScene::ChannelAt(POINT point) const {
     const ChartModel::Series* const series = m_view->NearestSeries(point);
     return series != nullptr ? m_model->KeyOf(*series) : std::string();

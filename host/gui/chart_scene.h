@@ -43,6 +43,10 @@ public:
     ViewRange RangeOf(int index) const { return {Axis(index).GetOrigin(), Axis(index).GetExtent()}; }
     // The key of the channel whose line is the nearest to a point of the plot.
     std::string ChannelAt(POINT point) const;
+    // Seconds since the first reading, as the time axis counts.
+    double LastTime() const { return TimeAxis().SecondsOf(m_model->Last()); }
+    // The last reading lies in view, and the times in view do not follow the data by themselves.
+    bool ShowsEnd() const;
     size_t PlaceOf(int index) const { return m_parts.axes[static_cast<size_t>(index)].place; }
 
 private:

@@ -1,5 +1,8 @@
 #include "host/gui/chart_window.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "host/gui/pane_font.h"
 #include "platform/dpi.h"
 
@@ -59,8 +62,19 @@ void ChartWindow::StateChanged() {
     Redraw();
 }
 
+void ChartWindow::BeforeReadings() {
+    m_atEnd = m_scene.ShowsEnd();
+    m_scene.SetData(nullptr, nullptr);
+}
+
 void ChartWindow::AfterReadings() {
     m_scene.SetData(m_document.GetSession(), &m_document.Database());
+    if (std::exchange(m_atEnd, false)) {
+        const ViewRange shown = *m_document.State().time;
+        const double by = m_scene.LastTime() - std::max(shown.origin, shown.extent);
+        if (by > 0) m_document.History().Slide(ViewRange{shown.origin + by, shown.extent + by});
+        m_scene.SetState(m_document.State());
+    }
     Redraw();
 }
 

@@ -41,7 +41,8 @@ public:
     void DataChanged();
     void StateChanged();
     // Around a change of the session's readings.
-    void BeforeReadings() { m_scene.SetData(nullptr, nullptr); }
+    void BeforeReadings();
+    // Whoever looks at the end of the readings goes on looking at it.
     void AfterReadings();
     // The window has come to a screen of other dots an inch.
     void LooksChanged() { Redraw(); }  // colours, or dots an inch
@@ -126,6 +127,7 @@ private:
     Picture m_picture;
     bool m_drawn = false;  // picture and parts are those of the state and the size
     bool m_dragging = false;
+    bool m_atEnd = false;       // the last reading was in view
     bool m_ignoreMenu = false;  // the right button has just cancelled a drag
     int m_wheel = 0;            // what is left of a notch
     bool m_writing = false;

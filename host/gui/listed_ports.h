@@ -10,3 +10,5 @@ struct ListedPort {
 
 // As they are at this moment.
 std::vector<ListedPort> ListPorts();
+// Two names of one port.
+bool SamePort(const std::string& one, const std::string& other);

@@ -1,65 +1,79 @@
-// Readings that come in while the window is in use: a task of the scheduler, which lets a measurement do what is due.
-// User-interface thread, which stays responsive: while an answer is awaited its messages are handled. What has been read stays
-// read, however it ends; it is also in a recording of its own, so that it outlives the program (see unsaved_recording.h).
+// Readings that come in while the window is in use: a measurement on a thread of its own, into a recording, which the window
+// follows as it would follow anybody's. What has been read stays read, however it ends, also when the program is killed (see
+// unsaved_recording.h).
+//
+// Made, asked and destroyed on the user-interface thread, which never waits for the logger; the destructor ends the exchange
+// under way and waits for that.
 #pragma once
 
-#include <memory>
+#include <atomic>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
-#include "comm/task.h"
 #include "host/logger_family.h"
 #include "host/measurement/download.h"
 #include "host/measurement/measurement.h"
 #include "host/measurement/recording_writer.h"
 
-class LiveDownload : public CVXTTask, private IMeasurementSink, private RecordingWriter::Listener {
+class LiveDownload : private IMeasurementSink, private RecordingWriter::Listener {
 public:
-    // Told as readings come. Each may begin another download, or end this one, but not destroy it.
-    class Listener {
-    public:
-        virtual void OnReading(__int64 time, const std::vector<double>& values) = 0;
-        // A sentence on what goes wrong, or is well again; the download goes on. UTF-8.
-        virtual void OnDownloadState(const std::string& sentence) = 0;
-        virtual void OnDownloadEnd(const std::string& sentence) = 0;  // UTF-8; empty: as planned, or as wished
-
-    protected:
-        ~Listener() = default;
+    // How it stands, and what has happened since it was last asked. UTF-8.
+    struct News {
+        bool begun = false;  // the recording is there
+        bool lost = false;   // nothing comes at the moment
+        bool over = false;
+        unsigned __int64 passed = 0, missing = 0;  // readings whose time has come; those of which all or something is missing
+        size_t waiting = 0;                        // readings that cannot be written at the moment
+        std::vector<std::string> sentences;        // what goes wrong, or is well again
+        std::string end;                           // why it is over; empty: as planned, or as wished
     };
 
-    // Records into `recording` as well, unless that is empty.
-    LiveDownload(std::unique_ptr<ILogger> logger, CPropertyDB& description, DownloadPlan plan, std::string recording,
-                 Listener& listener);
-    ~LiveDownload() override;
+    // Records into `recording`, which nothing has yet. A Failure if the system has no thread for it.
+    LiveDownload(std::unique_ptr<ILogger> logger, CPropertyDB& description, DownloadPlan plan, std::string recording);
+    ~LiveDownload();
+    LiveDownload(const LiveDownload&) = delete;
+    LiveDownload& operator=(const LiveDownload&) = delete;
 
-    void Go() { Start(0); }
-    // The exchange under way ends at once; the end is told when the task comes back.
-    void Stop();
+    News Take();
     bool IsOver() const { return m_over; }
-    // Readings whose time has come.
-    unsigned __int64 Made() const { return m_measurement->Slot(); }
+    // The exchange under way ends at once, the download soon after.
+    void Stop();
+    // What else is to be known of the session, into the recording (CRecorder::AddFacts).
+    void Note(std::unique_ptr<CPropertyDB> facts);
     const DownloadPlan& Plan() const { return m_plan; }
     const std::string& Recording() const { return m_recording; }
 
-    BOOL OnShedule() override;
-
 private:
-    Begin OnBegin(__int64 time) override;
+    Begin OnBegin(__int64 time) override { return m_writer.OnBegin(time); }
     void OnReading(__int64 time, const std::vector<double>& values, const std::vector<BYTE>& flags) override;
-    void OnGap(const CRecordedGap& gap) override;
+    void OnGap(const CRecordedGap& gap) override { m_writer.OnGap(gap); }
     void OnEvent(const CRecordedEvent& event) override;
     void OnWriting(const std::string& path, DWORD error) override;
-    void OnDropped(CRecordedGap gap) override;
-    void OnFile(const std::string&) override {}
-    BOOL End();
+    void OnDropped(CRecordedGap gap) override { m_measurement.Dropped(std::move(gap)); }
+    void OnFile(const std::string&) override;
+    void Main();
+    void Run();
+    void TakeNotes();
+    void Tell(const std::string& sentence);
+    void Report();
+    std::string End();
 
-    std::unique_ptr<ILogger> m_logger;
+    const std::unique_ptr<ILogger> m_logger;
     const DownloadPlan m_plan;
     const std::string m_recording;
-    Listener& m_listener;
     SystemClock m_clock;
     CPropertyDB m_facts;
-    std::unique_ptr<RecordingWriter> m_writer;  // null without a recording
-    std::unique_ptr<Measurement> m_measurement;
-    bool m_stopped = false, m_over = false, m_busy = false, m_lost = false;
+    RecordingWriter m_writer;
+    Measurement m_measurement;
+    std::atomic<bool> m_stop = false, m_over = false;
+    bool m_lost = false;
+    std::string m_writingFails;  // why; empty while all is written
+
+    std::mutex m_lock;
+    News m_news;                                        // under the lock
+    std::vector<std::unique_ptr<CPropertyDB>> m_notes;  // the same
+    const HANDLE m_wake;
+    std::thread m_thread;
 };

@@ -31,7 +31,6 @@ bool MainWindow::CanCommand(UINT command) const {
     switch (command) {
         case kCommandOpen:
         case kCommandDownload:
-            return !IsDownloading();
         case kCommandExit:
         case kCommandKeys:
         case kCommandAbout:
@@ -50,9 +49,9 @@ bool MainWindow::CanCommand(UINT command) const {
         case kCommandRedo:
             return history.CanRedo();
         default:
-            if (command >= kCommandPorts) return !IsDownloading() && command - kCommandPorts < m_ports.size();
+            if (command >= kCommandPorts) return command - kCommandPorts < m_ports.size();
             if (command >= kCommandChannels) return m_document.HasSession();
-            if (command >= kCommandRecent) return !IsDownloading() && command - kCommandRecent < m_recentShown.size();
+            if (command >= kCommandRecent) return command - kCommandRecent < m_recentShown.size();
             return m_chart.CanCommand(command);
     }
 }
@@ -124,10 +123,11 @@ bool MainWindow::Command(UINT command) {
 }
 
 void MainWindow::AskAndOpen() {
-    const auto path = Ask([&] {
-        return MayLeave() ? AskFileToOpen(m_hWnd, Say(Text::AskOpen), KindsOf(Text::SessionFiles, "*.odb;*.xml")) : std::nullopt;
-    });
-    if (path) Open(*path);
+    const bool running = IsDownloading();
+    if (!running && !MayLeave()) return;
+    const auto path =
+        Ask([&] { return AskFileToOpen(m_hWnd, Say(Text::AskOpen), KindsOf(Text::SessionFiles, "*.odb;*.xml;*.rec")); });
+    if (path && (!running || (EndDownload() && MayLeave()))) Open(*path);
 }
 
 // What is gone is taken off the list.
@@ -137,7 +137,7 @@ void MainWindow::OpenRecent(size_t place) {
         m_recent.Remove(path);
         return Tell(Say(Text::RecentGone, {ToUtf8(path)}));
     }
-    if (MayLeave()) Open(path);
+    if (EndDownload() && MayLeave()) Open(path);
 }
 
 // A script leaves no trace in its user's list.
@@ -185,7 +185,8 @@ void MainWindow::AskAndDownload() {
     dialog.port = ports.empty() ? "" : ports.front().name.c_str();
     dialog.interval = CVXTTimeSpan(kLiveInterval, TST_MILLISECONDS);
     dialog.timeout = kLiveTimeout;
-    if (Ask([&] { return dialog.DoModal(); }) != IDOK || !MayLeave()) return;
+    if (IsDownloading()) dialog.busyPort = m_download->Plan().port;
+    if (Ask([&] { return dialog.DoModal(); }) != IDOK || !EndDownload() || !MayLeave()) return;
     m_loggerFile = dialog.description.GetString();
     if (m_manner == Manner::Interactive && !m_loggerFile.empty()) m_recentLoggers.Add(m_loggerFile);
     DownloadPlan plan;
@@ -262,9 +263,11 @@ bool MainWindow::MayLeave() {
 }
 
 void MainWindow::ConnectTo(size_t port) {
-    if (!MayLeave()) return;
+    const std::string name = m_ports[port];
+    if (IsDownloading() && SamePort(name, m_download->Plan().port)) return Tell(Say(Text::PortDownloads, {ToUtf8(name)}));
+    if (!EndDownload() || !MayLeave()) return;
     DownloadPlan plan;
-    plan.port = m_ports[port];
+    plan.port = name;
     plan.count = kForEver;
     plan.interval = kLiveInterval;
     plan.timeout = kLiveTimeout;

@@ -79,8 +79,7 @@ void MainWindow::FillPorts(HMENU menu) {
     for (const ListedPort& port : ListPorts()) {
         if (m_ports.size() == size_t{kCommandEnd - kCommandPorts}) break;
         const std::string text = port.name + (port.description.empty() ? "" : "  " + port.description);
-        ::AppendMenuA(menu, MF_STRING | (IsDownloading() ? MF_GRAYED : MF_ENABLED),
-                      kCommandPorts + static_cast<UINT>(m_ports.size()), text.c_str());
+        ::AppendMenuA(menu, MF_STRING, kCommandPorts + static_cast<UINT>(m_ports.size()), text.c_str());
         m_ports.push_back(port.name);
     }
     if (m_ports.empty()) ::AppendMenuA(menu, MF_STRING | MF_GRAYED, 0, Say(Text::NoPorts).c_str());

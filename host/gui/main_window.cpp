@@ -8,11 +8,14 @@
 #include "host/gui/pane_font.h"
 #include "host/session/value_text.h"
 #include "platform/dpi.h"
+#include "platform/picture.h"
 
 namespace {
 // Pixels at 96 dots an inch.
 constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kKeyStep = 8;
 constexpr LONG kTextMargin = 8, kTextGap = 16;  // of the line at the bottom
+constexpr LONG kDot = 9, kDotGap = 10;          // in front of what tells of readings that come
+constexpr COLORREF kComing = RGB(0, 140, 60), kLost = RGB(215, 120, 0);
 }  // namespace
 
 BEGIN_MESSAGE_MAP(MainWindow, CWnd)
@@ -43,6 +46,7 @@ MainWindow::MainWindow(CHostApp& app, Manner manner)
 MainWindow::~MainWindow() {
     m_download.reset();
     if (m_hWnd != nullptr) DestroyWindow();
+    if (m_manner == Manner::Quiet) DropUnsaved();  // there is nobody who would ask for it
 }
 
 void MainWindow::CreateWindowOf(SIZE client, int show) {
@@ -81,6 +85,7 @@ void MainWindow::Do(Text name, const ViewState& next) {
 void MainWindow::StateChanged() {
     m_chart.StateChanged();
     m_list.Update();
+    KeepComments();
     Layout();
     UpdateTitle();
     UpdateMenu();
@@ -197,11 +202,21 @@ LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
     dc.SetBkMode(TRANSPARENT);
     CRect text = status;
     text.DeflateRect(Scaled(kTextMargin), 0);
-    const std::string& told = m_pointed.empty() ? m_status : m_pointed;
-    const int width = told.empty() ? 0 : static_cast<int>(dc.GetTextExtent(told.c_str(), static_cast<int>(told.size())).cx);
     const UINT format = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
-    dc.DrawText(told.c_str(), static_cast<int>(told.size()), text, format | DT_RIGHT);
-    text.right = std::max<LONG>(text.right - width - Scaled(kTextGap), text.left);
+    const auto place = [&](const std::string& told) {
+        if (told.empty()) return;
+        const int length = static_cast<int>(told.size()), width = static_cast<int>(dc.GetTextExtent(told.c_str(), length).cx);
+        dc.DrawText(told.c_str(), length, text, format | DT_RIGHT);
+        text.right = std::max<LONG>(text.right - width - Scaled(kTextGap), text.left);
+    };
+    place(m_live);
+    if (!m_live.empty()) {
+        const LONG size = Scaled(kDot), x = std::max<LONG>(text.right + Scaled(kTextGap) - Scaled(kDotGap), text.left);
+        const ORVIK_CURVE_POINT dot = {static_cast<float>(x), static_cast<float>(text.top + text.bottom) / 2};
+        ::OrvikSmoothPolyline(dc.m_hDC, &dot, 1, m_lineLost ? kLost : kComing, static_cast<float>(size));
+        text.right = std::max<LONG>(text.right - Scaled(kDotGap), text.left);
+    }
+    place(m_pointed.empty() ? m_status : m_pointed);
     dc.DrawText(m_hint.c_str(), static_cast<int>(m_hint.size()), text, format);
     dc.SelectObject(before);
     return 0;
@@ -328,21 +343,14 @@ void MainWindow::OnMenuCommand(UINT command) { Command(command); }
 LRESULT MainWindow::OnCloseWish(WPARAM, LPARAM) {
     if (m_asking) return 0;  // what is under way ends first
     m_chart.EndWriting(true);
-    if (IsDownloading()) {
-        // The window goes when the exchange under way has ended; what was read can then be saved.
-        m_closing = true;
-        m_download->Stop();
-        return 0;
-    }
-    m_closing = false;
-    if (!MayLeave()) return 0;
+    if (!EndDownload() || !MayLeave()) return 0;
     DropUnsaved();
     DestroyWindow();
     return 0;
 }
 
 LRESULT MainWindow::OnGone(WPARAM, LPARAM) {
-    if (IsDownloading()) m_download->Stop();
+    m_download.reset();
     if (m_manner == Manner::Interactive) ::PostQuitMessage(0);
     return 0;
 }

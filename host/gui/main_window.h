@@ -3,7 +3,7 @@
 // caller.
 #pragma once
 
-#include <deque>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -13,11 +13,10 @@
 #include "host/gui/recent_files.h"
 #include "host/gui/value_list.h"
 #include "host/session/reading_writer.h"
-#include "ui/progress_dialog.h"
 
 class SavingDialog;
 
-class MainWindow : public CWnd, private PaneOwner, private LiveDownload::Listener {
+class MainWindow : public CWnd, private PaneOwner {
 public:
     enum class Manner {
         Interactive,  // for a user: asks, tells, ends the program's message loop with the window
@@ -42,14 +41,14 @@ public:
     bool Connect(const std::string& loggerFile, const DownloadPlan& plan);
     // What a window that was killed had downloaded, as if it had just been; nothing else is opened if there is none.
     void OpenUnsaved();
-    // With a logger that is there, of this description. A download of a known length stands under a progress dialog.
+    // With a logger that is there, of this description. It goes on beside all other work; the line at the bottom says how far.
     bool Connect(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan);
     bool Command(UINT command);
 
     ViewDocument& Document() { return m_document; }
     ChartWindow& Chart() { return m_chart; }
     ValueList& List() { return m_list; }
-    bool IsDownloading() const { return m_download != nullptr && !m_download->IsOver(); }
+    bool IsDownloading() const { return m_download != nullptr; }
     // A dialog stands over the window.
     bool IsAsking() const { return m_asking; }
     bool IsDragging() const { return m_chart.IsDragging() || m_list.IsDragging() || m_dragging; }
@@ -91,11 +90,7 @@ private:
     void ShowHint(const std::string& text) override;
     void ShowValuesAt(std::optional<PointedTime> pointed) override;
     void ShowContextMenu(POINT screen) override;
-    void OnDragEnd() override;
-    // LiveDownload::Listener
-    void OnReading(__int64 time, const std::vector<double>& values) override;
-    void OnDownloadState(const std::string& sentence) override;
-    void OnDownloadEnd(const std::string& sentence) override;
+    void OnDragEnd() override { FollowReadings(); }
 
     // While it lives a dialog stands over the window, and nothing else can be asked of it.
     class Asking {
@@ -110,10 +105,9 @@ private:
         const bool m_before;
     };
 
-    static constexpr UINT_PTR kProgressTimer = 1, kPointerTimer = 2;
+    static constexpr UINT_PTR kFollowTimer = 1, kPointerTimer = 2;
 
-    template <class Work>
-    bool Try(Work work);
+    bool Try(const std::function<void()>& work);
     template <class Work>
     void WorkWith(Text caption, Text message, Text stopped, const std::string& path, bool large, Work work);
     template <class Question>
@@ -133,7 +127,17 @@ private:
     void FillRecent(HMENU menu);
     void FillChannels(HMENU menu);
     void UpdateTitle();
-    void TakeReadings();
+    // What has come meanwhile: news of the download, and readings in a recording that grows.
+    void FollowReadings();
+    void TakeNews();
+    void ReadingsCame();
+    void DownloadOver(const std::string& why);
+    // Often while readings may come, else not at all.
+    void SetFollowTimer();
+    // Ends the download, if there is one and its user agrees to that; messages are handled until it has ended.
+    bool EndDownload();
+    void KeepComments();
+    void ReadFrom(SessionFile file);
     void DropUnsaved();
     bool MayLeave();  // what is not saved is saved, or given up by the user
     bool AskAndSave();
@@ -150,7 +154,6 @@ private:
     void ShowProperties();
     void ShowStatus(const std::string& house);
     void Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan);
-    void ShowDownload(const DownloadPlan& plan);
     SIZE ChartSize() const;
     void WritePicture(const std::string& path, SIZE size, WorkProgress& progress);
     void ConnectTo(size_t port);
@@ -161,21 +164,19 @@ private:
     ChartWindow m_chart;
     ValueList m_list;
     std::unique_ptr<LiveDownload> m_download;
-    std::unique_ptr<CProgressDialog> m_progress;  // of a download of a known length
-    std::string m_unsaved;                        // the recording behind the download; empty without
-    struct Reading {
-        __int64 time;
-        std::vector<double> values;
-    };
-    std::deque<Reading> m_readings;  // that a drag keeps waiting
+    std::string m_unsaved;                 // the recording behind the download; empty without
+    std::vector<ViewState::Tag> m_inFile;  // the comments that are in it
+    DWORD m_quietSince = 0;                // when a recording that somebody else writes last grew, in ticks
     std::vector<std::string> m_ports;
     const RecentFiles m_recent{"recent"}, m_recentLoggers{"recent-loggers"};
     std::vector<std::string> m_recentShown;  // by the menu
     std::string m_loggerFile;                // the description that was used last; empty: the embedded one
     HMENU m_recentMenu = nullptr, m_portMenu = nullptr, m_channelMenu = nullptr;
     std::string m_hint, m_status, m_pointed;
+    std::string m_live;       // of readings that come; empty without
+    bool m_lineLost = false;  // and nothing comes at the moment
     bool m_dragging = false;
     bool m_barFocus = false;
-    bool m_closing = false;
-    bool m_asking = false;  // or working, under a progress dialog
+    bool m_asking = false;   // or working, under a progress dialog
+    bool m_working = false;  // the document is being read or written
 };

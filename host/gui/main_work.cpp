@@ -8,7 +8,6 @@
 #include "host/gui/dialog_progress.h"
 #include "host/gui/main_window.h"
 #include "host/gui/unsaved_recording.h"
-#include "host/logger/logger_file.h"
 #include "host/session/csv_export.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
@@ -19,19 +18,9 @@ namespace {
 // From these on the progress dialog stands there at once.
 constexpr unsigned __int64 kLargeFile = 4 * 1024 * 1024;
 constexpr double kLargePicture = 8e6;  // pixels
-constexpr UINT kProgressPause = 100;   // ms
 }  // namespace
 
-namespace {
-CVXTTime TimeAt(__int64 microseconds) {
-    CVXTTime time;
-    time.SetBinaryTime(microseconds);
-    return time;
-}
-}  // namespace
-
-template <class Work>
-bool MainWindow::Try(Work work) {
+bool MainWindow::Try(const std::function<void()>& work) {
     try {
         work();
         return true;
@@ -63,7 +52,7 @@ template <class Work>
 void MainWindow::WorkWith(Text caption, Text message, Text stopped, const std::string& path, bool large, Work work) {
     DialogProgress progress(*this, Say(caption), Say(message, {ToUtf8(path)}), large);
     try {
-        const Asking guard(m_asking);
+        const Asking guard(m_asking), busy(m_working);
         work(progress);
     } catch (const WorkStopped&) {
         ShowStatus(Say(stopped, {ToUtf8(path)}));
@@ -73,13 +62,15 @@ void MainWindow::WorkWith(Text caption, Text message, Text stopped, const std::s
 
 bool MainWindow::Open(const std::string& path) {
     m_chart.EndWriting(true);
+    if (!EndDownload()) return false;
     return Try([&] {
         WorkWith(Text::WorkOpen, Text::WorkReading, Text::OpenStopped, path, FileSize(path) >= kLargeFile,
                  [&](WorkProgress& progress) { m_document.Open(path, progress); });
         if (path != m_unsaved) DropUnsaved();
         Remember(m_document.Path());
-        if (!m_document.Note().empty()) m_status = m_document.Note();
+        m_status = m_document.Note();
         DocumentChanged();
+        SetFollowTimer();
     });
 }
 
@@ -88,6 +79,7 @@ void MainWindow::OpenUnsaved() {
     if (left.empty() || !Open(left.front())) return;
     m_unsaved = left.front();
     m_document.MarkUnsaved();
+    m_inFile = m_document.State().tags;
     UpdateTitle();
     Tell(Say(Text::UnsavedFound, {std::to_string(m_document.GetSession()->Count())}));
 }
@@ -95,10 +87,21 @@ void MainWindow::OpenUnsaved() {
 bool MainWindow::SaveTo(const std::string& path) {
     m_chart.EndWriting(true);
     return Try([&] {
-        TakeReadings();
+        if (path != m_document.Path() && !HasSessionName(path) && !EndsInRec(path))
+            throw Failure{kWrongUse, Say(Text::NoSessionName, {ToUtf8(path)})};
+        FollowReadings();
+        SessionFile file;
+        // The recording behind a download is needed no more once its readings are in a file of the user's.
+        const bool settles = !IsDownloading() && !m_unsaved.empty();
         WorkWith(Text::WorkSave, Text::WorkWriting, Text::WorkStopped, path, m_document.SizeAs(path) >= kLargeFile,
-                 [&](WorkProgress& progress) { m_document.Save(path, progress); });
-        if (!IsDownloading()) DropUnsaved();
+                 [&](WorkProgress& progress) {
+                     m_document.Save(path, progress);
+                     if (settles) file = OpenSession(path);
+                 });
+        if (settles) {
+            ReadFrom(std::move(file));
+            DropUnsaved();
+        }
         Remember(path);
         m_status = Say(Text::SavedTo, {ToUtf8(path)});
         StateChanged();
@@ -123,7 +126,7 @@ bool MainWindow::ExportTo(const std::string& path, const CsvForm& form, bool sho
     return Try([&] {
         if (IsRecording(path)) throw Failure{kFileFailed, Say(Text::RecordingNotReplaced, {ToUtf8(path)})};
         RequireWritable(path);
-        TakeReadings();
+        FollowReadings();
         TimeRange range;
         if (shownOnly && m_document.State().time) {
             m_chart.Prepare();
@@ -174,105 +177,3 @@ void MainWindow::ShowStatus(const std::string& house) {
     m_status = house;
     if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
 }
-
-bool MainWindow::Connect(const std::string& loggerFile, const DownloadPlan& plan) {
-    return Try([&] {
-        CPropertyDB description;
-        LoadLoggerDescription(loggerFile, description);
-        Begin(MakeLogger(m_app, description), description, plan);
-    });
-}
-
-bool MainWindow::Connect(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan) {
-    return Try([&] { Begin(std::move(logger), description, plan); });
-}
-
-void MainWindow::Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan) {
-    if (IsDownloading()) throw Failure{kWrongUse, Say(Text::DownloadRuns)};
-    m_readings.clear();
-    m_document.Begin(description, plan.port);
-    DropUnsaved();
-    if (m_manner == Manner::Interactive) m_unsaved = NewUnsavedRecording();
-    m_download.reset(new LiveDownload(std::move(logger), description, plan, m_unsaved, *this));  // a listener in private
-    m_download->Go();
-    m_status = Say(Text::Connecting, {ToUtf8(plan.port)});
-    DocumentChanged();
-    if (plan.count < kForEver) ShowDownload(plan);
-    OrvikShedule();
-}
-
-void MainWindow::OnReading(__int64 time, const std::vector<double>& values) {
-    m_readings.push_back({time, values});
-    const std::string made = std::to_string(m_download->Made() + 1);
-    m_status = Say(Text::LiveProgress, {made, ToUtf8(m_download->Plan().port)});
-    if (m_progress != nullptr) {
-        m_progress->SetPos(static_cast<LONG>(m_download->Made() + 1));
-        m_progress->SetMessage2(Say(Text::WorkCount, {made, std::to_string(m_download->Plan().count)}).c_str());
-    }
-    if (!IsDragging()) TakeReadings();
-}
-
-void MainWindow::OnDownloadState(const std::string& sentence) { ShowStatus(sentence); }
-
-// The recording behind a download has done its work: its readings are saved, or their user does not want them.
-void MainWindow::DropUnsaved() {
-    if (!m_unsaved.empty()) ::DeleteFileA(m_unsaved.c_str());
-    m_unsaved.clear();
-}
-
-// A download of a known length is shown over the window, which draws the readings as they come; cancelling keeps them.
-void MainWindow::ShowDownload(const DownloadPlan& plan) {
-    if (m_hWnd == nullptr || !::IsWindowVisible(m_hWnd)) return;
-    CProgressDlgParams params;
-    params.m_strCaption = Say(Text::WorkDownload).c_str();
-    params.m_strMessage = Say(Text::WorkLogger, {ToUtf8(plan.port)}).c_str();
-    params.m_strMessage2 = Say(Text::WorkCount, {"0", std::to_string(plan.count)}).c_str();
-    params.m_nRangeMax = static_cast<LONG>(plan.count);
-    m_progress = std::make_unique<CProgressDialog>(this);
-    if (!m_progress->Create(params, this)) return m_progress.reset();
-    ::SetTimer(m_hWnd, kProgressTimer, kProgressPause, nullptr);
-}
-
-LRESULT MainWindow::OnTimer(WPARAM wParam, LPARAM) {
-    POINT pointer = {};
-    if (wParam == kPointerTimer && ::GetCursorPos(&pointer) && ::WindowFromPoint(pointer) != m_chart.m_hWnd && !IsDragging())
-        ForgetPointer();
-    if (wParam == kProgressTimer && m_progress != nullptr && m_progress->IsCancelled() && IsDownloading()) m_download->Stop();
-    return 0;
-}
-
-// The chart's data are not touched while a tracker works on it.
-void MainWindow::TakeReadings() {
-    if (m_readings.empty() || !m_document.HasSession()) return;
-    m_chart.BeforeReadings();
-    for (const Reading& reading : m_readings) {
-        CDoubleArray values;
-        for (const double value : reading.values) values.Add(value);
-        m_document.GetSession()->Add(TimeAt(reading.time), values);
-    }
-    m_readings.clear();
-    m_chart.AfterReadings();
-    m_list.Update();
-    UpdateTitle();
-    if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
-}
-
-void MainWindow::OnDownloadEnd(const std::string& sentence) {
-    if (m_progress != nullptr) {
-        if (m_hWnd != nullptr) ::KillTimer(m_hWnd, kProgressTimer);
-        m_progress->DestroyWindow();
-        m_progress.reset();
-    }
-    if (!IsDragging()) TakeReadings();
-    const size_t count = m_document.GetSession()->Count() + m_readings.size();
-    m_status = Say(Text::LiveEnded, {std::to_string(count)});
-    UpdateMenu();
-    if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
-    if (m_closing && m_hWnd != nullptr) {
-        ::PostMessageA(m_hWnd, WM_CLOSE, 0, 0);
-    } else if (!sentence.empty()) {
-        Tell(sentence);
-    }
-}
-
-void MainWindow::OnDragEnd() { TakeReadings(); }

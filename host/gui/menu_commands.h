@@ -33,6 +33,7 @@ enum CommandId : UINT {
     kCommandSaveAs,
     kCommandExport,
     kCommandKeys,
+    kCommandLatest,
     kCommandRecent = 180,    // and the files after it, the newest first
     kCommandChannels = 200,  // and the channels after it, in the session's order
     kCommandPorts = 400,     // and the ports after it, in the order in which they were listed
@@ -79,6 +80,7 @@ inline constexpr MenuCommand kMenuCommands[] = {
     {kCommandZoomOut, MenuPlace::View, false, Text::MenuZoomOut, "zoom-out", 0, false, false, "-"},
     {kCommandResetAxis, MenuPlace::View, false, Text::MenuResetAxis, "reset-axis", 0, false, false, ""},
     {kCommandResetAll, MenuPlace::View, false, Text::MenuResetAll, "reset-all", '0', true, false, "Ctrl+0"},
+    {kCommandLatest, MenuPlace::View, false, Text::MenuLatest, "latest", VK_END, false, false, "End"},
     {kCommandSelect, MenuPlace::View, true, Text::MenuSelect, "select", 'R', true, false, "Ctrl+R"},
     {kCommandZoomSelection, MenuPlace::View, false, Text::MenuZoomSelection, "zoom-selection", VK_RETURN, true, false,
      "Ctrl+Enter"},

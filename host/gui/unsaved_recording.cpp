@@ -1,7 +1,9 @@
 #include "host/gui/unsaved_recording.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <memory>
+#include <random>
 
 #include "host/gui/user_folder.h"
 #include "platform/win32.h"
@@ -15,22 +17,33 @@ std::string Folder() {
     if (base.empty() && !EnvironmentText("HOME").empty()) base = EnvironmentText("HOME") + "/.local/share";
     return base.empty() ? std::string() : base + "/OrvikHost";
 }
-}  // namespace
 
-std::string NewUnsavedRecording() {
-    const std::string folder = Folder();
+// A name that nothing has; empty if there can be none.
+std::string NewNameIn(const std::string& folder) {
     if (folder.empty()) return {};
     MakeFolders(folder);
     if (!IsFolder(folder)) return {};
     SYSTEMTIME t;
     GetSystemTime(&t);
-    for (int number = 1; number < 1000; ++number) {
-        char name[64];
-        std::snprintf(name, sizeof name, "/unsaved-%04u%02u%02uT%02u%02u%02uZ-%d.rec", t.wYear, t.wMonth, t.wDay, t.wHour,
-                      t.wMinute, t.wSecond, number);
-        if (GetFileAttributesA((folder + name).c_str()) == INVALID_FILE_ATTRIBUTES) return folder + name;
+    char begun[64];
+    std::snprintf(begun, sizeof begun, "/unsaved-%04u%02u%02uT%02u%02u%02uZ-", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute,
+                  t.wSecond);
+    // Two programs may choose theirs at the same moment.
+    std::random_device random;
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        const std::string name = folder + begun + std::to_string(random() % 1'000'000) + ".rec";
+        if (GetFileAttributesA(name.c_str()) == INVALID_FILE_ATTRIBUTES) return name;
     }
     return {};
+}
+}  // namespace
+
+std::string NewUnsavedRecording() { return NewNameIn(Folder()); }
+
+std::string NewPassingRecording() {
+    char folder[MAX_PATH + 1] = {};
+    const DWORD length = GetTempPathA(sizeof folder, folder);
+    return length > 0 && length < sizeof folder ? NewNameIn(folder + std::string("OrvikHost")) : std::string();
 }
 
 std::vector<std::string> UnsavedRecordings() {

@@ -7,5 +7,7 @@
 
 // A name that nothing has, in $ORVIK_UNSAVED, else in the user's own folder for such data; empty if there can be none.
 std::string NewUnsavedRecording();
+// One for a window that nobody looks at, among the files that do not last.
+std::string NewPassingRecording();
 // Those that nobody records into, oldest first.
 std::vector<std::string> UnsavedRecordings();

@@ -2,13 +2,37 @@
 
 #include "host/gui/chart_scene.h"
 #include "host/session/database_file.h"
-#include "host/session/session_file.h"
+#include "host/session/recording_files.h"
 
 void ViewDocument::Open(const std::string& path, WorkProgress& progress) {
     SessionFile file = OpenSession(path, &progress);
     Take(std::move(file.db), std::move(file.session), file.path);
-    m_readings = m_session->Count();
+    m_kept = Extent();
     m_note = file.note;
+    m_grows = m_session->Recorded() != nullptr && IsRecordedInto(m_path);
+}
+
+void ViewDocument::ReadFrom(SessionFile file) {
+    m_db = std::move(file.db);
+    m_session = std::move(file.session);
+    m_grows = m_session->Recorded() != nullptr;
+    if (file.path == m_path) m_kept = Extent();
+}
+
+bool ViewDocument::Update() {
+    if (m_session == nullptr || m_session->Recorded() == nullptr || !m_session->Recorded()->Update()) return false;
+    if (m_session->Recorded()->Path() == m_path) m_kept = Extent();
+    return true;
+}
+
+std::unique_ptr<CPropertyDB> ViewDocument::Facts() {
+    ChartScene::Store(State(), *m_session, *m_db);
+    return FactsBesideReadings(*m_db);
+}
+
+unsigned __int64 ViewDocument::Extent() const {
+    const RecordedSeries* const recorded = m_session->Recorded();
+    return recorded != nullptr && m_session->Count() > 0 ? recorded->End() : m_session->Count();
 }
 
 void ViewDocument::Begin(CPropertyDB& description, const std::string& port) {
@@ -20,7 +44,8 @@ void ViewDocument::Take(std::unique_ptr<CPropertyDB> db, std::unique_ptr<Session
     m_db = std::move(db);
     m_session = std::move(session);
     m_path = path;
-    m_readings = 0;
+    m_kept = 0;
+    m_grows = false;
     m_note.clear();
     m_saved = state;
     m_history.Begin(std::move(state));
@@ -37,13 +62,13 @@ unsigned __int64 ViewDocument::SizeAs(const std::string& path) const {
 void ViewDocument::Save(const std::string& path, WorkProgress& progress) {
     RequireSavable(path, *m_session);
     const ViewState state = State();
-    const size_t readings = m_session->Count();
-    if (m_readings != m_session->Count()) m_session->Store(*m_db);
+    const unsigned __int64 extent = Extent();
+    if (m_session->Recorded() == nullptr && m_kept != extent) m_session->Store(*m_db);
     ChartScene::Store(state, *m_session, *m_db);
     SaveSession(path, *m_session, *m_db, &progress, SizeAs(path));
     m_path = path;
     m_saved = state;
-    m_readings = readings;
+    m_kept = extent;
     m_note.clear();
 }
 

@@ -18,6 +18,8 @@ public:
 
     const ViewState& State() const { return m_state; }
 
+    // The times in view go on with the data: no step, and nothing to be undone.
+    void Slide(const std::optional<ViewRange>& time) { m_state.time = time; }
     // Takes the view to `next` as one step of this name, and forgets what had been undone. False, and no step, for no change.
     bool Do(Text name, const ViewState& next);
 

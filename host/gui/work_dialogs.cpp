@@ -163,6 +163,7 @@ std::string DownloadDialog::Try() {
         MeasurementPlan plan;
         plan.port = TextOf(IDC_HOST_PORT).GetString();
         if (plan.port.empty()) return Say(Text::PortEmpty);
+        if (SamePort(plan.port, busyPort)) return Say(Text::PortDownloads, {ToUtf8(plan.port)});
         plan.timeout = timeout;
         plan.stopAsked = [this] { return m_stop; };
         CPropertyDB facts;
@@ -214,6 +215,8 @@ void DownloadDialog::DoDataExchange(CDataExchange* exchange) {
         DDX_NlsShortTimeSpan(exchange, IDC_HOST_INTERVAL, between, nullptr);
     if (!exchange->m_bSaveAndValidate) return;
     if (name.IsEmpty()) Refuse(exchange, IDC_HOST_PORT, Say(Text::PortEmpty));
+    if (SamePort(name.GetString(), busyPort))
+        Refuse(exchange, IDC_HOST_PORT, Say(Text::PortDownloads, {ToUtf8(name.GetString())}));
     if (readings == 0 || readings > kMostReadings) Refuse(exchange, IDC_HOST_COUNT, Say(Text::CountRange));
     const __int64 pause = between.GetTotalMilliSeconds();
     if (pause < 0 || pause > kWeek) Refuse(exchange, IDC_HOST_INTERVAL, Say(Text::IntervalRange));

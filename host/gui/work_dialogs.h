@@ -69,6 +69,7 @@ public:
     UINT count = 10;
     CVXTTimeSpan interval;
     DWORD timeout = 1000;  // ms, of what is tried
+    std::string busyPort;  // of a download that is running; empty without
 
 protected:
     BOOL OnInitDialog() override;

@@ -161,6 +161,13 @@ void RecordingWriter::OnEvent(const CRecordedEvent& event) {
     Put(std::move(record));
 }
 
+void RecordingWriter::AddFacts(std::unique_ptr<CPropertyDB> facts) {
+    Record record;
+    record.kind = Record::Facts;
+    record.facts = std::move(facts);
+    Put(std::move(record));
+}
+
 void RecordingWriter::Put(Record record) {
     if (m_closed) return;
     if (m_replaces) {
@@ -187,13 +194,16 @@ DWORD RecordingWriter::Write(const Record& record) {
         case Record::Event:
             error = m_recorder->AddEvent(record.event);
             break;
+        case Record::Facts:
+            error = m_recorder->AddFacts(*record.facts);
+            break;
     }
     Tell(error, m_files.back().recording);
     return error;
 }
 
 void RecordingWriter::Hold(Record record) {
-    // Gaps and events are few, and kept in any case as long as there is memory at all.
+    // All others are few, and kept in any case as long as there is memory at all.
     if (record.kind == Record::Reading && m_waitingBytes + record.Size() > kMostWaiting) {
         if (m_dropped.missed++ == 0) m_dropped.from = record.time;
         m_dropped.until = record.time;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -58,6 +59,8 @@ public:
     void OnReading(__int64 time, const std::vector<double>& values, const std::vector<BYTE>& flags) override;
     void OnGap(const CRecordedGap& gap) override;
     void OnEvent(const CRecordedEvent& event) override;
+    // What else is to be known of the session (CRecorder::AddFacts), once it has begun.
+    void AddFacts(std::unique_ptr<CPropertyDB> facts);
 
     // Tries again what could not be written; to be called every second or so.
     void Tick();
@@ -86,12 +89,13 @@ public:
 
 private:
     struct Record {
-        enum { Reading, Gap, Event } kind = Reading;
+        enum { Reading, Gap, Event, Facts } kind = Reading;
         __int64 time = 0;
         std::vector<double> values;
         std::vector<BYTE> flags;
         CRecordedGap gap;
         CRecordedEvent event;
+        std::unique_ptr<CPropertyDB> facts;
         bool HasValue() const {
             return kind == Reading && std::any_of(flags.begin(), flags.end(), [](BYTE flag) { return flag != RF_MISSING; });
         }

@@ -50,21 +50,40 @@ bool MarksGap(const BYTE* flags, size_t channels) {
 }
 
 RecordedSeries::RecordedSeries(const std::string& path) : m_path(path) {
-    {
-        CRecordingReader reader;
-        Check(path, reader.Open(path));
-        Check(path, m_index.Update(reader));
-        m_end = reader.Position();
-        m_torn = reader.TornBytes();
-    }
+    Check(path, m_tail.Open(path));
+    Check(path, TakeTail());
     // Another one, which has not met later facts before earlier ones.
     Check(path, m_reader.Open(path));
-    m_unread = m_index.DamagedBytes();
-    m_noted.resize(m_index.Spans().size());
     ReadNotes();
     m_facts = m_reader.Facts();
     CompleteFacts();
     m_ownIntervals = HaveOwnIntervals(m_facts, ChannelCount());
+}
+
+DWORD RecordedSeries::TakeTail() {
+    const DWORD error = m_index.Update(m_tail);
+    m_end = m_tail.Position();
+    m_torn = m_tail.TornBytes();
+    m_unread = std::max(m_unread, m_index.DamagedBytes());
+    m_noted.resize(m_index.Spans().size());
+    return error;
+}
+
+bool RecordedSeries::Update() {
+    const unsigned __int64 before = m_end;
+    const size_t known = m_index.Spans().size();
+    if (TakeTail() != ERROR_SUCCESS) m_failed = true;
+    if (m_end == before) return false;
+    // The last span may have grown; what was decoded and gathered of it is not all of it any more.
+    std::erase_if(m_decoded, [&](const auto& one) {
+        if (one->span + 1 < known) return false;
+        m_decodedSize -= one->Size();
+        return true;
+    });
+    m_columns.clear();
+    m_plan = {};
+    ReadNotes();
+    return true;
 }
 
 double RecordedSeries::CellOf(const CRecordingReader& reader, size_t channel) {
@@ -77,11 +96,11 @@ std::string RecordedSeries::Trouble() const {
     return {};
 }
 
-// Gaps, events and facts, from the spans that hold some.
+// Gaps, events and facts that were not read before, from the spans that hold some.
 void RecordedSeries::ReadNotes() {
     for (const CRecordingSpan& span : m_index.Spans()) {
-        if (span.others == 0) continue;
-        m_reader.Seek(span.begin);
+        if (span.others == 0 || span.end <= m_notesEnd) continue;
+        m_reader.Seek(std::max(span.begin, m_notesEnd));
         while (m_reader.Position() < span.end) {
             const ERecordItem item = m_reader.Next();
             if (item == RI_GAP) m_notes.Add(m_reader.Gap());
@@ -90,6 +109,7 @@ void RecordedSeries::ReadNotes() {
             if (item == RI_FAILED || item == RI_END) break;
         }
     }
+    m_notesEnd = m_end;
 }
 
 // Where the names were lost, readings are worth something without them.

@@ -40,8 +40,15 @@ public:
     bool HasFailed() const { return m_failed; }           // the file could not be read somewhere
     unsigned __int64 Unread() const { return m_unread; }  // bytes that were found damaged
     unsigned __int64 Torn() const { return m_torn; }      // bytes behind the last whole block
+    unsigned __int64 End() const { return m_end; }        // of what was read so far, in bytes of the file
     // What of this a user should know; empty where all is well.
     std::string Trouble() const;
+
+    // Takes in what has come into the file since; false where nothing has, which costs one look at the file's end. Facts stay as
+    // they were when it was opened.
+    bool Update();
+    // Somebody may still record into it: it does not say that it has ended.
+    bool MayGrow() const { return !m_notes.Ended(); }
 
     // The value of the last reading that asked for it; NaN without any.
     double LastValue(size_t channel);
@@ -68,6 +75,7 @@ private:
     using Columns = std::vector<std::vector<SeriesColumn>>;  // by the channels asked for
 
     static double CellOf(const CRecordingReader& reader, size_t channel);
+    DWORD TakeTail();
     void ReadNotes();
     void CompleteFacts();
     std::shared_ptr<const Decoded> Decode(size_t span);
@@ -79,10 +87,11 @@ private:
 
     const std::string m_path;
     CRecordingReader m_reader;
+    CRecordingReader m_tail;  // stands at the end of what the index knows
     CRecordingIndex m_index;
     CPropertyDB m_facts;
     RecordedNotes m_notes;
-    unsigned __int64 m_end = 0, m_unread = 0, m_torn = 0, m_made = 0;
+    unsigned __int64 m_end = 0, m_notesEnd = 0, m_unread = 0, m_torn = 0, m_made = 0;
     bool m_failed = false;
     std::vector<bool> m_ownIntervals;                     // channels that are not read every time
     std::vector<bool> m_noted;                            // spans whose damage was counted

@@ -60,13 +60,18 @@ void LayAside(const std::string& recording, const std::string& target, const Fol
     PrintError(Say(Text::DamagedKept, {ToUtf8(kept)}));
 }
 
+std::unique_ptr<CPropertyDB> FactsBesideReadings(CPropertyDB& db) {
+    auto facts = std::make_unique<CPropertyDB>();
+    for (const char* folder : {"Chart.", "View.", "Channels."}) facts->OverlayCopy(&db, folder, nullptr, TRUE);
+    return facts;
+}
+
 void SaveIntoRecording(const std::string& path, CPropertyDB& db) {
     CRecorder recorder;
     if (const DWORD error = recorder.Resume(path)) Fail(path, error);
-    CPropertyDB facts;
-    for (const char* folder : {"Chart.", "View.", "Channels."}) facts.OverlayCopy(&db, folder, nullptr, TRUE);
+    const std::unique_ptr<CPropertyDB> facts = FactsBesideReadings(db);
     const __int64 now = CVXTTime::Now().GetBinaryTime();
-    DWORD error = recorder.AddFacts(facts);
+    DWORD error = recorder.AddFacts(*facts);
     if (error == ERROR_SUCCESS) error = recorder.AddEvent({now, RE_TAG, 0, {}});
     const DWORD closed = recorder.Close();
     if (error == ERROR_SUCCESS) error = closed;

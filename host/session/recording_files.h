@@ -1,6 +1,7 @@
 // Recordings as files: known by what they hold, folded into sessions, and added to. Failures have their sentence.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/win32.h"
@@ -24,6 +25,8 @@ FoldedRecording FoldRecording(const std::string& recording, const std::string& t
 // told: somebody may get more out of it. A Failure when that cannot be done.
 void LayAside(const std::string& recording, const std::string& target, const FoldedRecording& folded);
 
+// What a session keeps of comments and of a view, without its readings.
+std::unique_ptr<CPropertyDB> FactsBesideReadings(CPropertyDB& db);
 // Adds what is kept of comments and of a view to a recording that nobody records into at the moment.
 void SaveIntoRecording(const std::string& path, CPropertyDB& db);
 // Whether somebody records into the file at the moment.

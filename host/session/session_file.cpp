@@ -11,6 +11,12 @@ bool IsOwnRecording(const std::string& path, const Session& session) {
 }
 }  // namespace
 
+bool HasSessionName(const std::string& path) {
+    CString end = path.size() < 4 ? "" : path.substr(path.size() - 4).c_str();
+    end.MakeLower();
+    return end == ".odb" || IsXmlName(path);
+}
+
 std::string FileOfSession(const std::string& path, std::string& note) {
     const std::string beside = RecordingBeside(path);
     const bool there = FileExists(path);

@@ -14,6 +14,9 @@ struct SessionFile {
     std::string note;  // what the user should know of the file, one sentence; mostly empty
 };
 
+// Whether a session can be kept under this name: .odb or .xml, in letters of either case.
+bool HasSessionName(const std::string& path);
+
 // The file to open for a session of this name: that one, or the recording of a download that did not come to its end where there
 // is no other. The note tells of a recording that lies beside it.
 std::string FileOfSession(const std::string& path, std::string& note);

@@ -24,6 +24,14 @@ void AddKinds(GtkFileChooser* chooser, const FileQuestion& question) {
     }
 }
 
+// Kinds have the order in which they were added.
+std::optional<size_t> KindChosen(GtkFileChooser* chooser) {
+    GSList* const filters = gtk_file_chooser_list_filters(chooser);
+    const gint place = g_slist_index(filters, gtk_file_chooser_get_filter(chooser));
+    g_slist_free(filters);
+    return place >= 0 ? std::optional(static_cast<size_t>(place)) : std::nullopt;
+}
+
 void Ask(const Asked& asked) {
     const FileQuestion& question = asked.question;
     ScreenWindow* const owner = asked.screen.Find(question.owner);
@@ -42,13 +50,13 @@ void Ask(const Asked& asked) {
     }
     // Its own loop, in which the screen goes on: windows are painted and followed meanwhile.
     const gint response = gtk_native_dialog_run(GTK_NATIVE_DIALOG(dialog));
-    std::optional<std::string> path;
+    std::optional<FileChoice> choice;
     if (gchar* const name = response == GTK_RESPONSE_ACCEPT ? gtk_file_chooser_get_filename(chooser) : nullptr) {
-        path = name;
+        choice = FileChoice{name, KindChosen(chooser).value_or(question.kind)};
         g_free(name);
     }
     g_object_unref(dialog);
-    asked.answer(path);
+    asked.answer(choice);
 }
 }  // namespace
 

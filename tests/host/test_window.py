@@ -245,11 +245,17 @@ class Window:
         xdotool("mousemove", *AWAY)
         return self.settled(other_than=before)
 
-    def close(self, keeping=None):
-        """As a user closes it, with a picture of the question whether to save, which is then answered with no; gives the exit code."""
+    def close(self, keeping=None, ending=None):
+        """As a user closes it, with a picture of the question whether to save, which is then answered with no; gives the exit code. Before
+        that stands the question whether to end a download, whose picture `ending` names."""
         self.key("alt+F4")
+        asked = None
+        if ending:
+            asked = self.dialog("OrvikHost")
+            self.keep(ending, whole_screen=True)
+            self.key("y")
         if keeping:
-            self.dialog("OrvikHost")
+            self.dialog("OrvikHost", other_than=asked)
             self.keep(keeping, whole_screen=True)
             self.key("n")
         until(lambda: self.process.poll() is not None, "the program's end")
@@ -440,7 +446,7 @@ class WindowFlow(unittest.TestCase):
         until(window.is_modified, "its readings")
         until(lambda: window.picture().axis(ORANGE), "their chart")
         xdotool("windowfocus", "--sync", window.id)
-        self.assertEqual(window.close(keeping="21-downloaded"), 0)
+        self.assertEqual(window.close(keeping="21-downloaded", ending="22-ending"), 0)
 
     def download(self, *words, title, faults=()):
         line = SimulatedLine(options, self.folder, faults)

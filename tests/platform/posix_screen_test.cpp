@@ -26,7 +26,7 @@ public:
         if (answers.empty()) return answer(std::nullopt);
         const std::string path = answers.front();
         answers.erase(answers.begin());
-        answer(path);
+        answer(FileChoice{path, kind});
     }
     void End() override {}
 
@@ -34,6 +34,7 @@ public:
     RECT last{};
     std::vector<FileQuestion> questions;
     std::vector<std::string> answers;
+    size_t kind = 0;  // chosen with them
 };
 
 class ScreenTest : public window_test::WindowLogTest {
@@ -246,6 +247,16 @@ TEST_F(ScreenTest, FilesAreAskedForByTheDesktop) {
     EXPECT_TRUE(GetSaveFileNameA(&asked));
     EXPECT_EQ(std::string(path), "/nowhere at all/new.odb");
     EXPECT_EQ(asked.nFileExtension, 20);
+    // A bare name gets the ending of the kind that was chosen, the usual one where that kind has none.
+    asked.lpstrFilter = "Archive\0*.odb\0XML\0*.xml;*.txt\0All\0*.*\0";
+    for (const auto& [kind, end] : Table(std::pair{0, ".odb"}, std::pair{1, ".xml"}, std::pair{2, ".odb"})) {
+        m_screen.kind = static_cast<size_t>(kind);
+        m_screen.answers = {"/nowhere at all/new"};
+        EXPECT_TRUE(GetSaveFileNameA(&asked));
+        EXPECT_EQ(std::string(path), std::string("/nowhere at all/new") + end);
+        EXPECT_EQ(asked.nFilterIndex, static_cast<DWORD>(kind) + 1);
+    }
+    m_screen.kind = 0;
     // The name with its extension is there: nobody was asked about that one, so the question comes again.
     const TestFolder folder;
     folder.Write("a.odb", "");

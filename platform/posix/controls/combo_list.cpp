@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/posix/controls/scroll_part_internal.h"
+#include "platform/posix/controls/rows_in_view_internal.h"
 #include "platform/posix/kernel/threads.h"
 #include "platform/posix/window/window_internal.h"
 
@@ -81,24 +81,10 @@ private:
         PutPopup(m_window, place, {box.right - box.left, rows * LineHeight() + 2});
         ScrollTo(m_top);
     }
-    RECT Inner() const {
-        RECT inner = Shrunk(Client(), 1);
-        if (m_of.items->Count() > (inner.bottom - inner.top) / LineHeight()) inner.right -= BarWidth();
-        return inner;
-    }
-    int Page() const {
-        const RECT inner = Inner();
-        return std::max(1, static_cast<int>(inner.bottom - inner.top) / LineHeight());
-    }
-    ScrollPart Bar() const {
-        const RECT inner = Inner();
-        ScrollPart bar;
-        bar.place = {inner.right, inner.top, inner.right + BarWidth(), inner.bottom};
-        bar.most = m_of.items->Count() - 1;
-        bar.page = Page();
-        bar.position = m_top;
-        return bar;
-    }
+    RowsInView Rows() const { return {Shrunk(Client(), 1), m_of.items->Count(), m_top, LineHeight(), BarWidth()}; }
+    RECT Inner() const { return Rows().inner; }
+    int Page() const { return Rows().page; }
+    ScrollPart Bar() const { return Rows().bar; }
     void ScrollTo(int top) {
         top = Bar().Limited(top);
         if (std::exchange(m_top, top) != top) Invalidate();

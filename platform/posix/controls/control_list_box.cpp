@@ -4,7 +4,7 @@
 #include "platform/letters.h"
 #include "platform/posix/controls/flat_looks_internal.h"
 #include "platform/posix/controls/list_items_internal.h"
-#include "platform/posix/controls/scroll_part_internal.h"
+#include "platform/posix/controls/rows_in_view_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -191,24 +191,10 @@ private:
         return 0;
     }
 
-    RECT Inner() const {
-        RECT inner = Shrunk(Client(), FrameWidth());
-        if (m_items.Count() > (inner.bottom - inner.top) / LineHeight()) inner.right -= BarWidth();
-        return inner;
-    }
-    int Page() const {
-        const RECT inner = Inner();
-        return std::max(1, static_cast<int>(inner.bottom - inner.top) / LineHeight());
-    }
-    ScrollPart Bar() const {
-        const RECT inner = Inner();
-        ScrollPart bar;
-        bar.place = {inner.right, inner.top, inner.right + BarWidth(), inner.bottom};
-        bar.most = m_items.Count() - 1;
-        bar.page = Page();
-        bar.position = m_top;
-        return bar;
-    }
+    RowsInView Rows() const { return {Shrunk(Client(), FrameWidth()), m_items.Count(), m_top, LineHeight(), BarWidth()}; }
+    RECT Inner() const { return Rows().inner; }
+    int Page() const { return Rows().page; }
+    ScrollPart Bar() const { return Rows().bar; }
     RECT RectOf(int index) const {
         const RECT inner = Inner();
         const int height = LineHeight();

@@ -15,7 +15,7 @@
 using namespace orvik::detail;
 
 namespace {
-using Path = std::optional<std::string>;
+using Choice = std::optional<FileChoice>;
 
 std::vector<FileQuestion::Kind> KindsOf(LPCSTR filter) {
     std::vector<FileQuestion::Kind> kinds;
@@ -27,17 +27,26 @@ std::vector<FileQuestion::Kind> KindsOf(LPCSTR filter) {
     return kinds;
 }
 
+// What a kind's first pattern ends in, with its dot; nothing for one that says no ending.
+std::optional<std::string> ExtensionOf(const FileQuestion& question, size_t kind) {
+    if (kind >= question.kinds.size()) return std::nullopt;
+    const std::string& patterns = question.kinds[kind].patterns;
+    const std::string first = patterns.substr(0, patterns.find(';'));
+    if (first.size() < 3 || first[0] != '*' || first[1] != '.' || first.find_first_of("*?", 1) != first.npos) return std::nullopt;
+    return first.substr(1);
+}
+
 // Asks, and handles this thread's messages until there is an answer. At the quit message, which stays for the loop outside, there
 // is none.
-Path Wait(const FileQuestion& question) {
+Choice Wait(const FileQuestion& question) {
     struct Answer {
         std::atomic<bool> there{false};
-        Path path;
+        Choice choice;
     };
     const auto answer = std::make_shared<Answer>();
     const DWORD thread = GetCurrentThreadId();
-    if (!AskOnScreen(question, [answer, thread](Path path) {
-            answer->path = std::move(path);
+    if (!AskOnScreen(question, [answer, thread](Choice choice) {
+            answer->choice = std::move(choice);
             answer->there = true;
             PostThreadMessageA(thread, WM_NULL, 0, 0);
         }))
@@ -51,7 +60,7 @@ Path Wait(const FileQuestion& question) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
-    return answer->path;
+    return answer->choice;
 }
 
 BOOL Ask(LPOPENFILENAMEA asked, bool save) {
@@ -72,22 +81,24 @@ BOOL Ask(LPOPENFILENAMEA asked, bool save) {
     question.owner = owner;
     if (owner != nullptr && !IsWindowEnabled(owner)) owner = nullptr;
     if (owner != nullptr) EnableWindow(owner, FALSE);
-    Path path = Wait(question);
-    while (path && save && asked->lpstrDefExt != nullptr && !std::filesystem::path(*path).has_extension()) {
-        *path += std::string(".") + asked->lpstrDefExt;
+    Choice choice = Wait(question);
+    while (choice && save && asked->lpstrDefExt != nullptr && !std::filesystem::path(choice->path).has_extension()) {
+        choice->path += ExtensionOf(question, choice->kind).value_or(std::string(".") + asked->lpstrDefExt);
         std::error_code error;
-        if (!question.confirm || !std::filesystem::exists(*path, error)) break;
+        if (!question.confirm || !std::filesystem::exists(choice->path, error)) break;
         // Nobody was asked about this name yet: the question comes again, with it in place.
-        question.folder = std::filesystem::path(*path).parent_path().string();
-        question.name = std::filesystem::path(*path).filename().string();
-        path = Wait(question);
+        question.folder = std::filesystem::path(choice->path).parent_path().string();
+        question.name = std::filesystem::path(choice->path).filename().string();
+        question.kind = choice->kind;
+        choice = Wait(question);
     }
     if (owner != nullptr && IsWindow(owner)) {
         EnableWindow(owner, TRUE);
         SetActiveWindow(owner);
     }
-    if (!path) return FALSE;
-    const std::string house = HousePath(*path);
+    if (!choice) return FALSE;
+    asked->nFilterIndex = static_cast<DWORD>(choice->kind) + 1;
+    const std::string house = HousePath(choice->path);
     if (house.size() >= asked->nMaxFile) return Finish(ERROR_INSUFFICIENT_BUFFER);
     std::memcpy(asked->lpstrFile, house.c_str(), house.size() + 1);
     const std::filesystem::path whole(house);

@@ -83,7 +83,11 @@ struct FileQuestion {
     std::vector<Kind> kinds;
     size_t kind = 0;  // the one that is chosen at first
 };
-using FileAnswer = std::function<void(std::optional<std::string>)>;  // nothing when the user gives up
+struct FileChoice {
+    std::string path;
+    size_t kind = 0;  // the one that was chosen at last
+};
+using FileAnswer = std::function<void(std::optional<FileChoice>)>;  // nothing when the user gives up
 
 // What the library offers a screen. For the screen's thread, which holds no lock of its own meanwhile.
 class ScreenHost {
