@@ -19,6 +19,8 @@ ON_MESSAGE(WM_SYSKEYDOWN, OnSystemKey)
 ON_MESSAGE(WM_CHAR, OnLetter)
 ON_MESSAGE(WM_SYSCHAR, OnSystemLetter)
 ON_MESSAGE(WM_USER + 4, OnRubber)
+ON_REGISTERED_MESSAGE(kOrvikDescribe, OnDescribe)
+ON_REGISTERED_MESSAGE(kOrvikAct, OnAct)
 END_MESSAGE_MAP()
 
 void ChartWindow::Picture::Drop() {
@@ -51,16 +53,19 @@ void ChartWindow::DataChanged() {
     m_scene.SetState(m_document.State());
     m_scene.SetData(m_document.GetSession(), &m_document.Database());
     m_focus = {};
+    m_summary.clear();
     Redraw();
 }
 
 void ChartWindow::StateChanged() {
     m_scene.SetState(m_document.State());
+    m_summary.clear();
     Redraw();
 }
 
 void ChartWindow::AfterReadings() {
     m_scene.SetData(m_document.GetSession(), &m_document.Database());
+    m_summary.clear();
     Redraw();
 }
 

@@ -8,10 +8,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/accessible.h"
 #include "platform/posix/drawing/canvas_internal.h"
 #include "platform/posix/window/messages.h"
 #include "platform/posix/window/popup_place_internal.h"
@@ -19,7 +21,7 @@
 namespace orvik::detail {
 struct Window;
 
-inline constexpr unsigned kScreenSeam = 1;  // grows with each change of this header: a module of another one is not used
+inline constexpr unsigned kScreenSeam = 2;  // grows with each change of this header: a module of another one is not used
 
 // A cursor's look: one of the system's, or pixels.
 struct CursorLook {
@@ -47,10 +49,25 @@ struct ShownWindow {
 
 // What comes from the user or the desktop.
 struct ScreenEvent {
-    enum class Kind { Pointer, Key, Text, Resized, State, Focused, Left, CloseWished, DotsChanged, Placed, Dismissed } kind;
+    enum class Kind {
+        Pointer,
+        Key,
+        Text,
+        Resized,
+        State,
+        Focused,
+        Left,
+        CloseWished,
+        DotsChanged,
+        Placed,
+        Dismissed,
+        Described,
+        Asked
+    } kind;
     // Pointer: a mouse message, a point in the picture, the wheel's parts. Key: its VK_ code, whether it goes down. Resized: the
     // size. Dismissed: the desktop has taken a popup away. State: one of ShownWindow::State. DotsChanged: dots an inch, and the
-    // size by these. Placed: where a popup came to lie in its owner's picture.
+    // size by these. Placed: where a popup came to lie in its owner's picture. The last two are the library's own, for what is
+    // asked by ScreenHost::Listen and Ask.
     UINT code = 0;
     int x = 0, y = 0, wheel = 0;
     bool down = false;
@@ -79,6 +96,10 @@ public:
     virtual void Lend(HWND window, const std::function<void(const PixelView&)>& take) = 0;
     virtual void Post(HWND window, const ScreenEvent& event) = 0;
     virtual void SetDesktop(SIZE pixels, UINT dots) = 0;
+    // For who does not see the windows: from now on they are told by Screen::Described. And what somebody asks of one, or a part
+    // of it, that was told: texts in UTF-8, places in them in characters; what cannot be done is not.
+    virtual void Listen() = 0;
+    virtual void Ask(HWND root, HWND window, const OrvikAccessibleAct& act) = 0;
 
 protected:
     ~ScreenHost() = default;
@@ -90,7 +111,9 @@ public:
     virtual void Changed(HWND window) = 0;  // made, shown, hidden, sized, renamed, gone ...
     virtual void Damaged(HWND window, const RECT& area) = 0;
     virtual void AskForFile(FileQuestion question, FileAnswer answer) = 0;  // which is called on the screen's thread
-    virtual void End() = 0;                                                 // returns when the screen's thread has gone
+    // What a top-level window says of itself, after Listen: texts in UTF-8, places in its picture.
+    virtual void Described(HWND window, std::shared_ptr<const OrvikAccessible> said) = 0;
+    virtual void End() = 0;  // returns when the screen's thread has gone
 
 protected:
     ~Screen() = default;
@@ -110,6 +133,7 @@ bool OpenScreenNow();  // whether windows come to a screen; looks for one if nob
 bool AskOnScreen(const FileQuestion& question, FileAnswer answer);  // false without a screen
 void JoinScreen(HWND root);                                         // it is about to be shown
 void ShowDrawn();                                                   // what the calling thread has drawn since comes to the screen
-bool DrawnIsDue();  // it has waited for long: the thread is not back at its messages
+void DescribeDrawn();  // and is told to who does not see it; where messages are read, and nowhere else
+bool DrawnIsDue();     // it has waited for long: the thread is not back at its messages
 
 }  // namespace orvik::detail
