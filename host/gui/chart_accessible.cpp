@@ -39,7 +39,7 @@ std::string ChartWindow::Summary() {
         return Say(Text::ChartSaidRange, {name, ShortTextOf(low, picture), ShortTextOf(high, picture), unit});
     });
     const size_t drawn = session.Channels().size() - std::min(state.hidden.size(), session.Channels().size());
-    return Say(Text::ChartSaid, {std::to_string(drawn), time(times.origin), time(times.origin + times.extent), readings});
+    return Say(Text::ChartSaid, {std::to_string(drawn), time(times.origin), time(times.extent), readings});
 }
 
 std::string ChartWindow::PointedValues() const {
@@ -67,7 +67,7 @@ LRESULT ChartWindow::OnDescribe(WPARAM, LPARAM lParam) {
     unsigned number = 0;
     const auto add = [&](const std::string& name, const RECT& place, Focus mark) {
         OrvikAccessible& part = said.parts.emplace_back();
-        part.role = mark.kind == Focus::Tag ? OrvikRole::Label : OrvikRole::Image;
+        part.role = mark.kind == Focus::Tag ? OrvikRole::Label : OrvikRole::Group;
         part.name = name;
         part.place = place;
         part.part = ++number;
@@ -75,14 +75,14 @@ LRESULT ChartWindow::OnDescribe(WPARAM, LPARAM lParam) {
         part.Set(OrvikAccessible::kFocused, ::GetFocus() == m_hWnd && mark == m_focus);
     };
     const ViewRange times = ShownTimes();
-    add(Say(Text::ChartSaidTimeAxis, {TimeTextOf(m_scene.TimeAxis().TimeOf(times.origin)),
-                                      TimeTextOf(m_scene.TimeAxis().TimeOf(times.origin + times.extent))}),
+    add(Say(Text::ChartSaidTimeAxis,
+            {TimeTextOf(m_scene.TimeAxis().TimeOf(times.origin)), TimeTextOf(m_scene.TimeAxis().TimeOf(times.extent))}),
         parts.time.rubber, {Focus::Axis, kTimeAxis});
     for (size_t i = 0; i < parts.axes.size(); ++i) {
         const ViewState::Axis& axis = state.axes[parts.axes[i].place];
         const ViewRange range = m_scene.RangeOf(static_cast<int>(i));
         add(Say(Text::ChartSaidAxis,
-                {axis.unit, ShortTextOf(range.origin, axis.picture), ShortTextOf(range.origin + range.extent, axis.picture)}),
+                {axis.unit, ShortTextOf(range.origin, axis.picture), ShortTextOf(range.extent, axis.picture)}),
             parts.axes[i].rubber, {Focus::Axis, static_cast<int>(i)});
     }
     for (size_t i = 0; i < std::min(parts.tags.size(), state.tags.size()); ++i)

@@ -87,7 +87,7 @@ const OrvikAccessible& AccessibleWindow::Said() const { return m_said != nullptr
 AtkObject* AccessibleWindow::Area() const { return gtk_widget_get_accessible(m_window.Area()); }
 
 void AccessibleWindow::Take(const std::vector<OrvikAccessible>& said, AtkObject* above, std::vector<AtkObject*>& below,
-                            Moves& moves) {
+                            bool known, Moves& moves) {
     std::vector<AtkObject*> now;
     for (const OrvikAccessible& each : said) {
         const Key key{each.window, each.part};
@@ -106,12 +106,13 @@ void AccessibleWindow::Take(const std::vector<OrvikAccessible>& said, AtkObject*
         part.above = above;
         part.index = static_cast<int>(now.size());
         now.push_back(object);
-        Take(each.parts, object, part.below, moves);
+        Take(each.parts, object, part.below, same, moves);
     }
     for (size_t i = below.size(); i-- > 0;)
         if (std::find(now.begin(), now.end(), below[i]) == now.end())
             moves.gone.push_back({above, below[i], static_cast<guint>(i)});
-    for (size_t i = 0; i < now.size(); ++i)
+    // Whoever learns of a new one asks it for what is below.
+    for (size_t i = 0; known && i < now.size(); ++i)
         if (std::find(below.begin(), below.end(), now[i]) == below.end())
             moves.come.push_back({above, now[i], static_cast<guint>(i)});
     below = std::move(now);
@@ -121,12 +122,14 @@ void AccessibleWindow::Show(std::shared_ptr<const OrvikAccessible> said) {
     const std::shared_ptr<const OrvikAccessible> before = std::exchange(m_said, std::move(said));
     Moves moves;
     moves.before = std::move(m_objects);
-    Take(m_said->parts, Area(), m_top, moves);
+    Take(m_said->parts, Area(), m_top, true, moves);
     m_objects = std::move(moves.kept);
 
     AtkObject* const area = Area();
-    atk_object_set_role(
-        area, RoleOf(m_said->role == OrvikRole::Window || m_said->role == OrvikRole::Dialog ? OrvikRole::Pane : m_said->role));
+    // A window's frame has its name and role; a popup has no frame.
+    const bool framed = m_said->role == OrvikRole::Window || m_said->role == OrvikRole::Dialog;
+    atk_object_set_role(area, RoleOf(framed ? OrvikRole::Pane : m_said->role));
+    if (!framed) atk_object_set_name(area, m_said->name.c_str());
     if (m_said->role == OrvikRole::Dialog) atk_object_set_role(gtk_widget_get_accessible(m_window.Widget()), ATK_ROLE_DIALOG);
     for (const auto& [above, child, index] : moves.gone) g_signal_emit_by_name(above, "children-changed::remove", index, child);
     for (const auto& [above, child, index] : moves.come) g_signal_emit_by_name(above, "children-changed::add", index, child);

@@ -60,7 +60,8 @@ private:
         const OrvikAccessible* before;  // null for a new one
     };
     struct Moves;
-    void Take(const std::vector<OrvikAccessible>& said, AtkObject* above, std::vector<AtkObject*>& below, Moves& moves);
+    void Take(const std::vector<OrvikAccessible>& said, AtkObject* above, std::vector<AtkObject*>& below, bool known,
+              Moves& moves);
     void Tell(const Change& change) const;
 
     ScreenWindow& m_window;

@@ -62,6 +62,19 @@ bool IsNamedByLabel(OrvikRole role) {
     }
 }
 
+// Of fields that share a label, or stand beside a choice: the nearest to the left in the same line.
+std::string NameBeside(const std::vector<OrvikAccessible>& before, const RECT& field) {
+    const OrvikAccessible* nearest = nullptr;
+    const LONG middle = (field.top + field.bottom) / 2;
+    for (const OrvikAccessible& each : before) {
+        const bool names =
+            each.role == OrvikRole::Label || each.role == OrvikRole::RadioButton || each.role == OrvikRole::CheckBox;
+        if (!names || each.place.top > middle || each.place.bottom < middle || each.place.right > field.left) continue;
+        if (nearest == nullptr || each.place.right > nearest->place.right) nearest = &each;
+    }
+    return nearest != nullptr ? nearest->name : std::string();
+}
+
 // The texts and places of a window and its own parts, as they are told.
 void Finish(OrvikAccessible& each, HWND window, POINT origin) {
     each.window = window;
@@ -142,6 +155,7 @@ void AddChildren(OrvikAccessible& above, HWND window, POINT rootAt, LONG bar) {
             for (OrvikAccessible& part : said.parts)
                 if (part.role == OrvikRole::Edit && part.name.empty()) part.name = said.name;
         }
+        if (said.name.empty() && IsNamedByLabel(said.role)) said.name = NameBeside(above.parts, said.place);
         above.parts.push_back(std::move(said));
         label = above.parts.back().role == OrvikRole::Label ? &above.parts.back() : nullptr;
     }
