@@ -103,6 +103,8 @@ protected:
     afx_msg void OnContextMenu(CWnd* pWnd, CPoint point);
     afx_msg void OnEnable(BOOL bEnable);
     afx_msg void OnReset();
+    LRESULT OnDescribe(WPARAM wParam, LPARAM lParam);
+    LRESULT OnAct(WPARAM wParam, LPARAM lParam);
     afx_msg void OnExpandAll() { ExpandAll(TRUE); }
     afx_msg void OnCollapseAll() { ExpandAll(FALSE); }
     DECLARE_MESSAGE_MAP()

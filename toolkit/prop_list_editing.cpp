@@ -6,6 +6,7 @@
 #include "toolkit/prop_list_internal.h"
 
 BEGIN_MESSAGE_MAP(CPropEdit, CEdit)
+ON_REGISTERED_MESSAGE(kOrvikDescribe, OnDescribe)
 ON_WM_GETDLGCODE()
 ON_WM_KEYDOWN()
 ON_WM_SYSKEYDOWN()

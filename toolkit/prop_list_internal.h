@@ -2,6 +2,7 @@
 #pragma once
 
 #include "afx/controls.h"
+#include "platform/accessible.h"
 #include "toolkit/prop_list.h"
 
 // Where everything stands in the client area.
@@ -21,6 +22,7 @@ protected:
     afx_msg void OnSysKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
     afx_msg void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
+    LRESULT OnDescribe(WPARAM wParam, LPARAM lParam);
     DECLARE_MESSAGE_MAP()
 
 private:

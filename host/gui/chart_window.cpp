@@ -22,6 +22,8 @@ ON_MESSAGE(WM_SYSKEYDOWN, OnSystemKey)
 ON_MESSAGE(WM_CHAR, OnLetter)
 ON_MESSAGE(WM_SYSCHAR, OnSystemLetter)
 ON_MESSAGE(WM_USER + 4, OnRubber)
+ON_REGISTERED_MESSAGE(kOrvikDescribe, OnDescribe)
+ON_REGISTERED_MESSAGE(kOrvikAct, OnAct)
 END_MESSAGE_MAP()
 
 void ChartWindow::Picture::Drop() {
@@ -54,11 +56,13 @@ void ChartWindow::DataChanged() {
     m_scene.SetState(m_document.State());
     m_scene.SetData(m_document.GetSession(), &m_document.Database());
     m_focus = {};
+    m_summary.clear();
     Redraw();
 }
 
 void ChartWindow::StateChanged() {
     m_scene.SetState(m_document.State());
+    m_summary.clear();
     Redraw();
 }
 
@@ -75,6 +79,7 @@ void ChartWindow::AfterReadings() {
         if (by > 0) m_document.History().Slide(ViewRange{shown.origin + by, shown.extent + by});
         m_scene.SetState(m_document.State());
     }
+    m_summary.clear();
     Redraw();
 }
 

@@ -9,6 +9,7 @@
 #include "host/gui/menu_commands.h"
 #include "host/gui/view_document.h"
 #include "host/session/pointed_value.h"
+#include "platform/accessible.h"
 
 // What the panes of the window ask of the window around them.
 class PaneOwner {
@@ -66,6 +67,8 @@ public:
     void DrawOn(CDC& dc, const RECT& bounds);
     // What is being written in a tag is kept, or left.
     void EndWriting(bool keep);
+    // What the pointer shows, for who does not see the list beside.
+    void ShowValuesAt(std::optional<PointedTime> pointed) { m_pointed = pointed; }
 
 protected:
     LRESULT OnPaintMessage(WPARAM, LPARAM);
@@ -83,6 +86,8 @@ protected:
     LRESULT OnLetter(WPARAM, LPARAM);
     LRESULT OnSystemLetter(WPARAM, LPARAM);
     LRESULT OnRubber(WPARAM, LPARAM);
+    LRESULT OnDescribe(WPARAM, LPARAM);
+    LRESULT OnAct(WPARAM, LPARAM);
     DECLARE_MESSAGE_MAP()
 
 private:
@@ -119,6 +124,8 @@ private:
     HCURSOR CursorAt(const Hit& hit) const;
     std::string HintAt(const Hit& hit) const;
     bool OnWritingKey(WORD key);
+    std::string Summary();
+    std::string PointedValues() const;
 
     ViewDocument& m_document;
     PaneOwner& m_owner;
@@ -135,4 +142,6 @@ private:
     CPoint m_writtenAt;
     LineEdit m_edit;
     OrvikTypedText m_typed;
+    std::optional<PointedTime> m_pointed;
+    std::string m_summary;  // in words; empty when it is to be made anew
 };

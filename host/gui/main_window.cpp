@@ -22,6 +22,7 @@ BEGIN_MESSAGE_MAP(MainWindow, CWnd)
 ON_MESSAGE(WM_PAINT, OnPaintMessage)
 ON_MESSAGE(WM_ERASEBKGND, OnErase)
 ON_MESSAGE(WM_SIZE, OnSized)
+ON_REGISTERED_MESSAGE(kOrvikDescribe, OnDescribe)
 ON_MESSAGE(WM_DPICHANGED, OnDpi)
 ON_MESSAGE(WM_SYSCOLORCHANGE, OnColours)
 ON_MESSAGE(WM_SETTINGCHANGE, OnSettings)
@@ -222,6 +223,25 @@ LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
     return 0;
 }
 
+// What it draws itself; chart and list are windows of their own.
+LRESULT MainWindow::OnDescribe(WPARAM, LPARAM lParam) {
+    OrvikAccessible& said = OrvikDescribed(lParam);
+    OrvikAccessible& bar = said.parts.emplace_back();
+    bar.role = OrvikRole::Separator;
+    bar.name = Say(Text::BarSaid);
+    bar.place = BarRect();
+    bar.part = 1;
+    bar.Set(OrvikAccessible::kFocusable);
+    bar.Set(OrvikAccessible::kFocused, m_barFocus && ::GetFocus() == m_hWnd);
+    OrvikAccessible& status = said.parts.emplace_back();
+    status.role = OrvikRole::StatusBar;
+    const std::string& told = m_pointed.empty() ? m_status : m_pointed;
+    status.name = m_hint + (m_hint.empty() || told.empty() ? "" : " ") + told;
+    status.place = StatusRect();
+    status.part = 2;
+    return TRUE;
+}
+
 void MainWindow::ShowHint(const std::string& text) {
     if (text == m_hint || m_hWnd == nullptr) return;
     m_hint = text;
@@ -234,6 +254,7 @@ void MainWindow::ShowValuesAt(std::optional<PointedTime> pointed) {
     constexpr UINT kPause = 100;  // ms
     const std::string time = pointed ? TimeTextOf(pointed->time) : std::string();
     m_list.ShowValuesAt(pointed);
+    m_chart.ShowValuesAt(pointed);
     if (time == m_pointed || m_hWnd == nullptr) return;
     if (time.empty() != m_pointed.empty()) {
         if (pointed) {

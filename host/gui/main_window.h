@@ -63,6 +63,7 @@ public:
 
 protected:
     LRESULT OnPaintMessage(WPARAM, LPARAM);
+    LRESULT OnDescribe(WPARAM, LPARAM);
     LRESULT OnErase(WPARAM, LPARAM) { return 1; }
     LRESULT OnSized(WPARAM, LPARAM);
     LRESULT OnColours(WPARAM wParam, LPARAM lParam);

@@ -40,6 +40,7 @@ ON_MESSAGE(WM_MOUSEMOVE, OnPointer)
 ON_MESSAGE(WM_MOUSEWHEEL, OnWheel)
 ON_MESSAGE(WM_CONTEXTMENU, OnMenuWish)
 ON_NOTIFY_REFLECT(NM_DBLCLK, OnTwice)
+ON_REGISTERED_MESSAGE(kOrvikDescribe, OnDescribe)
 END_MESSAGE_MAP()
 
 BEGIN_MESSAGE_MAP(ValueList::Header, CWnd)
@@ -139,6 +140,18 @@ COLORREF ValueList::ColourOf(size_t channel) const {
     if (session.Count() > 0 && !m_pointed && !std::isfinite(session.LastValue(channel))) return paper.Name(kNoNumber);
     if (std::find(state.hidden.begin(), state.hidden.end(), shown.key) != state.hidden.end()) return paper.Name(kHidden);
     return paper.Name(channel < state.channels.size() ? state.channels[channel].colour : ChartModel::ColourOf(channel));
+}
+
+// Colours say what words say here.
+LRESULT ValueList::OnDescribe(WPARAM wParam, LPARAM lParam) {
+    DefWindowProc(kOrvikDescribe, wParam, lParam);
+    OrvikAccessible& said = OrvikDescribed(lParam);
+    said.name = Say(Text::ListSaid);
+    for (OrvikAccessible& row : said.parts) {
+        if (row.at < 0 || static_cast<size_t>(row.at) >= ChannelCount()) continue;
+        if (ColourOf(static_cast<size_t>(row.at)) == kHidden) row.description = Say(Text::ListSaidHidden);
+    }
+    return TRUE;
 }
 
 void ValueList::Update() {

@@ -45,6 +45,7 @@ protected:
     LRESULT OnPointer(WPARAM, LPARAM);
     LRESULT OnWheel(WPARAM, LPARAM);
     LRESULT OnMenuWish(WPARAM, LPARAM);
+    LRESULT OnDescribe(WPARAM, LPARAM);
     void OnTwice(NMHDR* told, LRESULT* result);
     DECLARE_MESSAGE_MAP()
 

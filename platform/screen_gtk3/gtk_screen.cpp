@@ -80,18 +80,28 @@ void GtkScreen::Damaged(HWND window, const RECT& area) {
     Schedule();
 }
 
+void GtkScreen::Described(HWND window, std::shared_ptr<const OrvikAccessible> said) {
+    const std::lock_guard lock(m_lock);
+    m_described[window] = std::move(said);
+    Schedule();
+}
+
 void GtkScreen::Serve() {
     std::set<HWND> changed;
     std::map<HWND, RECT> damaged;
+    std::map<HWND, std::shared_ptr<const OrvikAccessible>> described;
     {
         const std::lock_guard lock(m_lock);
         m_scheduled = false;
         changed.swap(m_changed);
         damaged.swap(m_damaged);
+        described.swap(m_described);
     }
     for (const HWND each : changed) Follow(each);
     for (const auto& [handle, area] : damaged)
         if (ScreenWindow* const window = Find(handle)) window->Draw(area);
+    for (const auto& [handle, said] : described)
+        if (ScreenWindow* const window = Find(handle)) window->Accessible().Show(said);
 }
 
 ScreenWindow* GtkScreen::Find(HWND handle) {
@@ -103,8 +113,11 @@ void GtkScreen::Follow(HWND handle) {
     ShownWindow shown;
     if (!m_host.Describe(handle, shown) || !shown.visible) {
         if (m_focused == handle) Focused(handle, false);
+        ScreenWindow* const window = Find(handle);
+        ScreenWindow* const owner = window != nullptr && window->IsPopup() ? window->OwnedBy() : nullptr;
         m_windows.erase(handle);
         if (std::erase(m_popups, handle) != 0) Release();
+        if (owner != nullptr) owner->Accessible().TellFocus();
         return;
     }
     // Handles grow, so an owner comes before what it owns; one that is not shown yet will be followed by its own note.

@@ -23,6 +23,7 @@ public:
     // From any thread.
     void Changed(HWND window) override;
     void Damaged(HWND window, const RECT& area) override;
+    void Described(HWND window, std::shared_ptr<const OrvikAccessible> said) override;
     void AskForFile(orvik::detail::FileQuestion question, orvik::detail::FileAnswer answer) override;
     void End() override;
 
@@ -48,6 +49,7 @@ private:
     std::mutex m_lock;  // the notes
     std::set<HWND> m_changed;
     std::map<HWND, RECT> m_damaged;
+    std::map<HWND, std::shared_ptr<const OrvikAccessible>> m_described;
     bool m_scheduled = false;
 
     std::map<HWND, std::unique_ptr<ScreenWindow>> m_windows;

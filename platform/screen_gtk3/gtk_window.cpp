@@ -53,7 +53,8 @@ ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& sh
     : m_screen(screen), m_handle(handle), m_popup(shown.popup.has_value()), m_raised(shown.raised) {
     m_window = gtk_window_new(m_popup ? GTK_WINDOW_POPUP : GTK_WINDOW_TOPLEVEL);
     gtk_widget_set_app_paintable(m_window, TRUE);
-    m_area = gtk_drawing_area_new();
+    m_area = MakeAccessibleArea(*this);
+    m_accessible = std::make_unique<AccessibleWindow>(*this);
     gtk_container_add(GTK_CONTAINER(m_window), m_area);
     auto* const window = GTK_WINDOW(m_window);
     if (m_popup)
@@ -98,6 +99,7 @@ ScreenWindow::~ScreenWindow() {
     g_signal_handlers_disconnect_by_data(m_area, this);
     g_signal_handlers_disconnect_by_data(m_area, m_input.get());
     m_input.reset();
+    m_accessible.reset();
     gtk_widget_destroy(m_window);
 }
 
@@ -123,9 +125,11 @@ void ScreenWindow::Connect() {
     g_signal_connect(m_window, "focus-out-event", G_CALLBACK(onFocus), this);
 }
 
+ScreenWindow* ScreenWindow::OwnedBy() const { return m_screen.Find(m_owner); }
+
 // A popup's is its owner's: Wayland tells a window of its own only when it is seen.
 int ScreenWindow::Scale() const {
-    const ScreenWindow* const owner = m_popup ? m_screen.Find(m_owner) : nullptr;
+    const ScreenWindow* const owner = m_popup ? OwnedBy() : nullptr;
     return owner != nullptr ? owner->Scale() : gtk_widget_get_scale_factor(m_window);
 }
 

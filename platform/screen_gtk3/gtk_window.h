@@ -6,6 +6,7 @@
 
 #include <memory>
 
+#include "platform/screen_gtk3/gtk_accessible.h"
 #include "platform/screen_gtk3/gtk_input.h"
 
 class GtkScreen;
@@ -19,10 +20,12 @@ public:
 
     void Follow(const orvik::detail::ShownWindow& shown);  // brings it in line
     void Draw(const RECT& area);                           // pixels of the picture
+    AccessibleWindow& Accessible() { return *m_accessible; }
     HWND Handle() const { return m_handle; }
     GtkWidget* Widget() const { return m_window; }
     GtkWidget* Area() const { return m_area; }
     bool IsPopup() const { return m_popup; }
+    ScreenWindow* OwnedBy() const;  // null without an owner on the screen
     GtkScreen& Owner() const { return m_screen; }
     int Scale() const;  // pixels of the picture to a unit of the desktop's
 
@@ -51,6 +54,7 @@ private:
     orvik::detail::PopupPlace m_place;
     GtkWidget *m_window = nullptr, *m_area = nullptr;
     std::unique_ptr<GtkInput> m_input;
+    std::unique_ptr<AccessibleWindow> m_accessible;
     SIZE m_size{};  // that the library was told or told us last
     UINT m_dots = 0;
     unsigned m_raised = 0, m_stateAsked = 0;

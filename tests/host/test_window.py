@@ -1,5 +1,5 @@
 """The window host as a user has it: a real window on a virtual screen, with the pointer and the keys of that screen; under Wine with
---wine, else by the module for Linux desktops.
+--wine, else by the module for Linux desktops, on X11 or with --wayland.
 
 Nothing here knows how the window is built. Where the axes and comments stand is read off its picture; what has happened is waited
 for, in the window's title, its picture or a file, however long a busy machine takes, and never guessed by
@@ -10,7 +10,6 @@ import atexit
 import math
 import os
 import pathlib
-import re
 import shutil
 import subprocess
 import sys
@@ -19,72 +18,23 @@ import time
 import unittest
 
 import simulated_line
+import window_screens
 from session_writer import write_session
 from simulated_line import SimulatedLine
+from window_screens import Unseen, until
 
-options = None
-AWAY = (1279, 1023)
+options = screen = None
 
 BLUE, ORANGE, COMMENT = (0, 114, 178), (213, 94, 0), (255, 252, 232)  # two channels, a comment's paper
 # Rows at the top with the window's title, where its frame is Wine's, and at the bottom with what the pointer can do: not looked at.
 TITLE, STATUS = 24, 32
 
 
-class Unseen(Exception):
-    """A window that cannot be looked at, because it has just appeared, or is about to vanish."""
-
-
-def until(condition, what):
-    end = time.monotonic() + options.patience
-    while True:
-        try:
-            found = condition()
-        except Unseen:
-            found = None
-        if found:
-            return found
-        if time.monotonic() > end:
-            raise AssertionError("waited in vain for " + what)
-        time.sleep(0.05)
-
-
-def run(*words):
-    return subprocess.run(list(map(str, words)), stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env={**os.environ, "LC_ALL": "C.UTF-8"}).stdout
-
-
-def windows():
-    """What is on the screen, by its title: xdotool itself asks by an old name that holds few letters."""
-    found = {}
-    for each in xdotool("search", "--onlyvisible", "--name", "").split():
-        said = run("xprop", "-id", each, "-notype", "_NET_WM_NAME").decode("utf-8", "replace")
-        if ' = "' in said:
-            found[each] = said.split(' = "', 1)[1].rsplit('"', 1)[0]
-    return found
-
-
-def xdotool(*words):
-    return run("xdotool", *words).decode("utf-8", "replace").strip()
-
-
-# Letters that no keyboard of the United States has, on a key that it has not either: Wine knows keys that are there when it starts.
-KEYS = """xkb_keymap {
-    xkb_keycodes { include "evdev+aliases(qwerty)" };
-    xkb_types { include "complete" };
-    xkb_compat { include "complete" };
-    xkb_symbols { include "pc+us+inet(evdev)" key <LSGT> { [ Greek_OMEGA, U6E29 ] }; };
-};
-"""
-
-
-def take_keys():
-    subprocess.run(["xkbcomp", "-w0", "-", os.environ["DISPLAY"]], input=KEYS.encode(), stderr=subprocess.DEVNULL, check=True)
-
-
 class Picture:
     """The pixels of a window without its last line."""
 
     def __init__(self, window):
-        file = run("import", "-window", window, "-depth", "8", "ppm:-")
+        file = screen.picture(window)
         fields, at = [], 0
         while len(fields) < 4:
             end = min(i for i in (file.find(b" ", at), file.find(b"\n", at)) if i >= 0) if file else 0
@@ -144,14 +94,15 @@ class Window:
 
     def __init__(self, folder, words, title, language="C.UTF-8", environment=None):
         self.process = subprocess.Popen([*([options.wine] if options.wine else []), options.gui, *map(str, words)], cwd=folder, stdout=subprocess.DEVNULL,
-                                        env={**os.environ, "LC_ALL": language, "XDG_STATE_HOME": str(folder / "state"), **(environment or {})})
+                                        stderr=screen.errors(folder),
+                                        env={**os.environ, **screen.environment, "LC_ALL": language, "XDG_STATE_HOME": str(folder / "state"), **(environment or {})})
         self.title_start = title
         try:
             self.id = until(self.find, "a window called " + title)
         except AssertionError:
             self.abandon()
             raise
-        xdotool("windowfocus", "--sync", self.id)  # there is nobody else on the screen who would give it the keys
+        screen.focus(self.id)
 
     def find(self):
         return self.shown("^" + self.title_start)
@@ -160,9 +111,7 @@ class Window:
         """A window of this program that is on the screen."""
         if self.process.poll() is not None:
             raise AssertionError(f"the program ended with {self.process.returncode}")
-        if options.wine:
-            return xdotool("search", "--onlyvisible", "--name", title).split("\n")[0]
-        return next((window for window, name in windows().items() if re.search(title, name)), None)
+        return screen.find(title)
 
     def dialog(self, name, other_than=None):
         """The dialog of this name when it has come up, with the keys of the screen."""
@@ -171,11 +120,11 @@ class Window:
             return found if found != other_than else None
 
         dialog = until(another, "a dialog called " + name)
-        xdotool("windowfocus", "--sync", dialog)
+        screen.focus(dialog)
         return dialog
 
     def title(self):
-        return xdotool("getwindowname", self.id) if options.wine else windows().get(self.id, "")
+        return screen.title(self.id)
 
     def is_modified(self):
         return self.title().startswith(self.title_start + "*")
@@ -184,7 +133,7 @@ class Window:
         return Picture(self.id)
 
     def keep(self, name, whole_screen=False):
-        run("import", "-window", "root" if whole_screen else self.id, options.pictures / (name + ".png"))
+        screen.save(None if whole_screen else self.id, options.pictures / (name + ".png"))
 
     def settled(self, other_than=None):
         """The picture when it has become another one, and changes no more."""
@@ -215,34 +164,34 @@ class Window:
             raise AssertionError(f"{error}: {picture.difference(last)}") from None
 
     def key(self, *names):
-        xdotool("key", *names)
+        screen.key(*names)
 
     def point(self, x, y):
-        xdotool("mousemove", "--window", self.id, x, y)
+        screen.point(self.id, x, y)
 
     def press(self, a, b):
         """Down at a, over to b by way of a place between; what it does can be seen by then."""
         before = self.settled()
         self.point(*a)
-        xdotool("mousedown", 1)
+        screen.button(True)
         self.point((a[0] + b[0]) // 2, (a[1] + b[1]) // 2)
         self.point(*b)
         return self.settled(other_than=before)
 
     def release(self):
-        xdotool("mouseup", 1)
+        screen.button(False)
 
     def drag(self, a, b, holding=None):
         """A whole drag, with a key held; gives the picture that it leads to. It changes the view."""
         before = self.settled()
         if holding:
-            xdotool("keydown", holding)
+            screen.hold(holding, True)
         self.press(a, b)
         self.release()
         if holding:
-            xdotool("keyup", holding)
+            screen.hold(holding, False)
         self.key("Escape")  # no comment stays marked
-        xdotool("mousemove", *AWAY)
+        screen.away()
         return self.settled(other_than=before)
 
     def close(self, keeping=None, ending=None):
@@ -259,14 +208,13 @@ class Window:
             self.keep(keeping, whole_screen=True)
             self.key("n")
         until(lambda: self.process.poll() is not None, "the program's end")
+        screen.ended(self.process.returncode)
         return self.process.returncode
 
     def abandon(self):
-        for button in (1, 3):
-            xdotool("mouseup", button)
-        xdotool("keyup", "ctrl", "keyup", "shift", "keyup", "alt")
+        screen.release_all()
         if self.process.poll() is None:
-            run("import", "-window", "root", options.pictures / "left-open.png")
+            screen.save(None, options.pictures / "left-open.png")
             self.process.kill()
             self.process.wait(timeout=20)
 
@@ -283,7 +231,7 @@ class WindowFlow(unittest.TestCase):
                       Chart={"Tags": {"Comment #0": {"sText": "Rain begins", "fLeft": ("r32", [0.3]), "fTop": ("r32", [0.2])}}})
 
     def open(self, *words, title="week.odb", **more):
-        xdotool("mousemove", *AWAY)
+        screen.away()
         window = Window(self.folder, words or [self.file], title, **more)
         self.addCleanup(window.abandon)
         return window
@@ -351,33 +299,33 @@ class WindowFlow(unittest.TestCase):
         window.key("ctrl+o")
         window.dialog("Open a session")
         if options.wine:
-            xdotool("type", "Z:" + str(omega).replace("/", "\\"))
+            screen.type("Z:" + str(omega).replace("/", "\\"))
         else:
-            xdotool("key", "slash")  # brings up the field for a path, which takes a moment
+            screen.key("slash")  # brings up the field for a path, which takes a moment
             time.sleep(1)
-            xdotool("type", str(omega)[1:])
-        xdotool("key", "Return")
+            screen.type(str(omega)[1:])
+        screen.key("Return")
         window.title_start = omega.name
         until(window.find, "the title of the other file")
-        xdotool("windowfocus", "--sync", window.id)
+        screen.focus(window.id)
         self.charted(window)
 
         window.point(*self.at(0.6, 0.8))
-        xdotool("click", "--repeat", 2, "--delay", 50, 1)
+        screen.double_click()
         window.settled()
-        xdotool("type", "k\u03a9 \u6e29")
-        xdotool("key", "Return")
+        screen.type("k\u03a9 \u6e29")
+        screen.key("Return")
         until(window.is_modified, "the comment")
         window.keep("15-comment-of-every-letter")
 
         window.key("alt+Return")
         properties = window.dialog("Properties of \u00b0C")
-        xdotool("key", *4 * ["Down"])  # from the axis's near end to the channel's name
-        xdotool("type", "R\u03a9")
-        xdotool("key", "Return")
-        run("import", "-window", properties, options.pictures / "16-name-of-every-letter.png")
-        xdotool("key", "Escape")
-        xdotool("windowfocus", "--sync", window.id)
+        screen.key(*4 * ["Down"])  # from the axis's near end to the channel's name
+        screen.type("R\u03a9")
+        screen.key("Return")
+        screen.save(properties, options.pictures / "16-name-of-every-letter.png")
+        screen.key("Escape")
+        screen.focus(window.id)
         window.key("ctrl+s")
         until(lambda: not window.is_modified(), "a saved session")
         window.keep("17-every-letter")
@@ -393,32 +341,32 @@ class WindowFlow(unittest.TestCase):
         self.charted(window)
         window.key("ctrl+shift+s")
         window.dialog("Save the session")
-        xdotool("key", "ctrl+a")
-        xdotool("type", named(other))
-        xdotool("key", "Return")
+        screen.key("ctrl+a")
+        screen.type(named(other))
+        screen.key("Return")
         window.title_start = other.name
         until(window.find, "the title of the new file")
         self.assertTrue(other.exists())
-        xdotool("windowfocus", "--sync", window.id)
+        screen.focus(window.id)
 
         window.key("ctrl+e")
         window.dialog("Export Values")
-        xdotool("type", named(text))
+        screen.type(named(text))
         window.keep("18-export", whole_screen=True)
-        xdotool("key", "Return")
+        screen.key("Return")
         until(lambda: text.exists() and text.read_bytes().count(b"\n") == 401, "the readings as text")
 
         # Of the files in the menu the second one is the one from before.
-        xdotool("windowfocus", "--sync", window.id)
+        screen.focus(window.id)
         window.settled()
         for key in ("alt+f", "r"):
-            window.key(key)
+            screen.open_menu(key)
             window.settled()
         window.keep("19-recent", whole_screen=True)
         window.key("2")
         window.title_start = self.file.name
         until(window.find, "the title of the first file")
-        xdotool("windowfocus", "--sync", window.id)
+        screen.focus(window.id)
         self.assertEqual(window.close(), 0)
 
     def test_a_logger_is_tried_before_it_is_downloaded(self):
@@ -428,10 +376,10 @@ class WindowFlow(unittest.TestCase):
         self.charted(window)
         window.key("ctrl+d")
         dialog = window.dialog("Download")
-        xdotool("key", "alt+p", "Home", "shift+End")
-        xdotool("type", line.port)
+        screen.key("alt+p", "Home", "shift+End")
+        screen.type(line.port)
         before = Picture(dialog)
-        xdotool("key", "alt+t")
+        screen.key("alt+t")
         tried = []
 
         def settles():
@@ -440,12 +388,12 @@ class WindowFlow(unittest.TestCase):
 
         until(settles, "the reading that was tried")
         window.keep("20-tried", whole_screen=True)
-        xdotool("key", "alt+r", "Return")  # on the button it would try again
+        screen.key("alt+r", "Return")  # on the button it would try again
         window.title_start = "Demo logger"
         until(window.find, "the title of the download")
         until(window.is_modified, "its readings")
         until(lambda: window.picture().axis(ORANGE), "their chart")
-        xdotool("windowfocus", "--sync", window.id)
+        screen.focus(window.id)
         self.assertEqual(window.close(keeping="21-downloaded", ending="22-ending"), 0)
 
     def download(self, *words, title, faults=()):
@@ -457,10 +405,11 @@ class WindowFlow(unittest.TestCase):
         """The bar between chart and list to another place, and back by a step back."""
         start = until(lambda: window.picture().bar(), "the split bar")
         window.point(start + 3, 300)
-        xdotool("mousedown", 1)
+        screen.button(True)
         window.point(start - 60, 300)
         window.point(start - 97, 300)
         window.release()
+        screen.away()
         until(lambda: window.picture().bar() == start - 100, "the bar at its new place")
         window.key("ctrl+z")
         until(lambda: window.picture().bar() == start, "the bar at its old place")
@@ -474,7 +423,7 @@ class WindowFlow(unittest.TestCase):
         until(lambda: window.picture() != before, "more readings")
         # Readings wait for the end of a drag.
         window.point(300, 300)
-        xdotool("mousedown", 1)
+        screen.button(True)
         window.point(340, 330)
         window.point(400, 360)
         shown = window.settled()
@@ -499,6 +448,7 @@ if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--gui", required=True)
     parser.add_argument("--wine")
+    parser.add_argument("--wayland", action="store_true")
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--preload")
     parser.add_argument("--pictures", required=True, type=pathlib.Path)
@@ -508,7 +458,8 @@ if __name__ == "__main__":
         sys.exit("test_window.py needs a screen that is nobody's: tools/with-wine test_window.py ...")
     options.pictures = options.pictures.absolute()
     options.pictures.mkdir(parents=True, exist_ok=True)
-    atexit.register(xdotool, "mousemove", *AWAY)
-    take_keys()
+    window_screens.patience = options.patience
+    screen = (window_screens.WineScreen if options.wine else window_screens.WestonScreen if options.wayland else window_screens.XScreen)()
+    atexit.register(screen.close)
     with tempfile.TemporaryDirectory(prefix="orvik-records-") as options.records:
         unittest.main(argv=[sys.argv[0], *rest], verbosity=1)

@@ -28,8 +28,10 @@ public:
         answers.erase(answers.begin());
         answer(FileChoice{path, kind});
     }
+    void Described(HWND window, std::shared_ptr<const OrvikAccessible> said) override { described[window] = std::move(said); }
     void End() override {}
 
+    std::map<HWND, std::shared_ptr<const OrvikAccessible>> described;
     std::set<HWND> changed, damaged;
     RECT last{};
     std::vector<FileQuestion> questions;

@@ -69,6 +69,23 @@ protected:
         }
     }
 
+    void Describe(OrvikAccessible& out) const override {
+        out.role = OrvikRole::List;
+        const RECT inner = Inner();
+        const int height = LineHeight();
+        for (int i = m_top; i < m_of.items->Count() && i < m_top + Page(); ++i) {
+            const RECT place{inner.left, inner.top + (i - m_top) * height, inner.right, inner.top + (i - m_top + 1) * height};
+            OrvikAccessible& row = AddRow(out, OrvikRole::ListItem, i, m_of.items->Count(), (*m_of.items)[i].text, place);
+            row.Set(OrvikAccessible::kSelected, i == m_marked);
+            row.Set(OrvikAccessible::kFocused, i == m_marked);
+        }
+    }
+    bool Act(const OrvikAccessibleAct& act) override {
+        const int index = static_cast<int>(act.part) - 1;
+        if (!m_of.items->Has(index) || act.kind == OrvikAccessibleAct::Kind::Focus) return false;
+        return PostMessageA(m_of.box, kComboListChosen, static_cast<WPARAM>(index), 0);
+    }
+
 private:
     void Place() {
         RECT box{};

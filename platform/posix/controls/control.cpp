@@ -61,8 +61,27 @@ LRESULT Control::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return result;
         }
         default:
-            return DefWindowProcA(m_window, message, wParam, lParam);
+            break;
     }
+    if (message == OrvikDescribeMessage()) {
+        Describe(OrvikDescribed(lParam));
+        return TRUE;
+    }
+    if (message == OrvikActMessage()) return Act(OrvikAsked(lParam));
+    return DefWindowProcA(m_window, message, wParam, lParam);
+}
+
+OrvikAccessible& Control::AddRow(OrvikAccessible& list, OrvikRole role, int at, int of, const std::string& name,
+                                 const RECT& place) {
+    OrvikAccessible& row = list.parts.emplace_back();
+    row.role = role;
+    row.name = name;
+    row.place = place;
+    row.part = static_cast<unsigned>(at) + 1;
+    row.at = at;
+    row.of = of;
+    row.Set(OrvikAccessible::kSelectable);
+    return row;
 }
 
 void Control::ChangeStyle(DWORD remove, DWORD add) {

@@ -107,6 +107,21 @@ protected:
         PaintCheck(dc, client);
     }
 
+    void Describe(OrvikAccessible& out) const override {
+        out.role = Kind() == BS_GROUPBOX ? OrvikRole::Group
+                   : IsCheck()           ? OrvikRole::CheckBox
+                   : IsRadio()           ? OrvikRole::RadioButton
+                                         : OrvikRole::Button;
+        out.Set(OrvikAccessible::kPressable, Kind() != BS_GROUPBOX);
+        out.Set(OrvikAccessible::kChecked, (m_state & 3) == BST_CHECKED);
+        out.Set(OrvikAccessible::kMixed, (m_state & 3) == BST_INDETERMINATE);
+        out.Set(OrvikAccessible::kDefault, Kind() == BS_DEFPUSHBUTTON);
+    }
+    // Later, as it may open a dialog and stay in it.
+    bool Act(const OrvikAccessibleAct& act) override {
+        return act.kind == OrvikAccessibleAct::Kind::Press && PostMessageA(m_window, BM_CLICK, 0, 0);
+    }
+
 private:
     DWORD Kind() const { return Style() & BS_TYPEMASK; }
     bool IsRadio() const { return Kind() == BS_RADIOBUTTON || Kind() == BS_AUTORADIOBUTTON; }

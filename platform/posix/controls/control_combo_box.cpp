@@ -162,6 +162,23 @@ protected:
             DrawTextA(dc, m_items[m_current].text.c_str(), -1, &field, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
     }
 
+    void Describe(OrvikAccessible& out) const override {
+        out.role = OrvikRole::ComboBox;
+        out.name.clear();
+        out.value = Text();
+        out.Set(OrvikAccessible::kPressable);
+        out.Set(OrvikAccessible::kExpandable);
+        out.Set(OrvikAccessible::kExpanded, m_dropped);
+    }
+    bool Act(const OrvikAccessibleAct& act) override {
+        if (act.kind == OrvikAccessibleAct::Kind::Press) return PostMessageA(m_window, CB_SHOWDROPDOWN, !m_dropped, 0);
+        if (act.kind != OrvikAccessibleAct::Kind::Text) return false;
+        const int found = m_items.Find(-1, act.text.c_str(), true);
+        if (found < 0) return false;
+        Choose(found);
+        return true;
+    }
+
 private:
     bool HasEdit() const { return (Style() & 3) != CBS_DROPDOWNLIST; }
     RECT Button() const {

@@ -138,6 +138,36 @@ protected:
         }
     }
 
+    void Describe(OrvikAccessible& out) const override {
+        out.role = OrvikRole::Edit;
+        out.name.clear();
+        out.value = Value();
+        out.caret = m_text.Caret();
+        out.selectedFrom = m_text.From();
+        out.selectedTo = m_text.To();
+        out.Set(OrvikAccessible::kReadOnly, ReadOnly());
+        out.Set(OrvikAccessible::kMultiLine, Multiline());
+        if (m_password.empty()) return;
+        // As it is seen, and no more of it.
+        const auto letters = [&](size_t bytes) { return CountLetters(Value().substr(0, bytes)); };
+        out.caret = letters(out.caret);
+        out.selectedFrom = letters(out.selectedFrom);
+        out.selectedTo = letters(out.selectedTo);
+        out.value.assign(letters(Value().size()), '*');
+        out.Set(OrvikAccessible::kSecret);
+    }
+    bool Act(const OrvikAccessibleAct& act) override {
+        if (act.kind == OrvikAccessibleAct::Kind::Caret) {
+            if (!m_password.empty()) return false;
+            m_text.Select(act.from, act.to);
+            return Selected() == 0;
+        }
+        if (act.kind != OrvikAccessibleAct::Kind::Text || ReadOnly()) return false;
+        m_text.Select(0, Value().size());
+        Insert(OneLine(act.text), true);
+        return true;
+    }
+
 private:
     struct Line {
         size_t from, length, next;  // `next`: where the following line begins

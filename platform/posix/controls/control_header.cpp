@@ -67,6 +67,13 @@ public:
     }
 
 protected:
+    void Describe(OrvikAccessible& out) const override {
+        out.role = OrvikRole::Header;
+        for (size_t i = 0; i < m_items.size(); ++i) {
+            const int at = static_cast<int>(i), of = static_cast<int>(m_items.size());
+            AddRow(out, OrvikRole::ColumnHeader, at, of, m_items[i].text, RectOf(i)).states = 0;
+        }
+    }
     void Paint(HDC dc, const RECT& client) override {
         FillColour(dc, client, GetSysColor(COLOR_BTNFACE));
         SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/accessible.h"
 #include "platform/posix/controls/common_controls.h"
 #include "platform/posix/dialogs/dialog.h"
 #include "platform/posix/dialogs/message_box.h"
@@ -40,6 +41,12 @@ protected:
     virtual bool ShowsHot() const { return false; }  // looks otherwise while the pointer is over it
     // The whole client area; the font is selected and text is transparent. The state of `dc` is put back afterwards.
     virtual void Paint(HDC dc, const RECT& client) = 0;
+    // What the control is and says, and what it does for who does not see it (platform/accessible.h).
+    virtual void Describe(OrvikAccessible&) const {}
+    virtual bool Act(const OrvikAccessibleAct&) { return false; }
+    // Of rows of equal kind: one of them, told below the control.
+    static OrvikAccessible& AddRow(OrvikAccessible& list, OrvikRole role, int at, int of, const std::string& name,
+                                   const RECT& place);
 
     DWORD Style() const { return static_cast<DWORD>(GetWindowLongPtrA(m_window, GWL_STYLE)); }
     DWORD ExStyle() const { return static_cast<DWORD>(GetWindowLongPtrA(m_window, GWL_EXSTYLE)); }

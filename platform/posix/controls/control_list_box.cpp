@@ -118,6 +118,24 @@ protected:
         }
     }
 
+    void Describe(OrvikAccessible& out) const override {
+        out.role = OrvikRole::List;
+        out.name.clear();
+        const RECT inner = Inner();
+        for (int i = m_top; i < m_items.Count() && RectOf(i).top < inner.bottom; ++i) {
+            OrvikAccessible& row = AddRow(out, OrvikRole::ListItem, i, m_items.Count(), m_items[i].text, RectOf(i));
+            row.Set(OrvikAccessible::kSelected, Selected(i));
+            row.Set(OrvikAccessible::kFocused, Focused() && i == m_caret);
+        }
+    }
+    bool Act(const OrvikAccessibleAct& act) override {
+        const int index = static_cast<int>(act.part) - 1;
+        if (!m_items.Has(index)) return false;
+        if (act.kind == OrvikAccessibleAct::Kind::Focus) SetFocus(m_window);
+        if (act.kind == OrvikAccessibleAct::Kind::Press || act.kind == OrvikAccessibleAct::Kind::Select) Choose(index);
+        return true;
+    }
+
 private:
     bool Multiple() const { return (Style() & (LBS_MULTIPLESEL | LBS_EXTENDEDSEL)) != 0; }
     bool Selected(int index) const { return Multiple() ? m_items[index].selected : m_current == index; }

@@ -61,6 +61,13 @@ protected:
             FillRounded(dc, inner, radius, m_bar == CLR_DEFAULT ? GetSysColor(COLOR_HIGHLIGHT) : m_bar);
     }
 
+    void Describe(OrvikAccessible& out) const override {
+        out.role = OrvikRole::Progress;
+        out.least = m_low;
+        out.most = m_high;
+        out.now = m_position;
+    }
+
 private:
     LRESULT SetRange(int low, int high) {
         const LRESULT before = static_cast<LRESULT>(static_cast<DWORD>(MAKELONG(m_low, m_high)));

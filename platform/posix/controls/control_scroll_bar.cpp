@@ -151,6 +151,13 @@ protected:
         m_part.Paint(dc);
     }
 
+    void Describe(OrvikAccessible& out) const override {
+        out.role = OrvikRole::ScrollBar;
+        out.least = m_part.least;
+        out.most = m_part.Most();
+        out.now = m_part.position;
+    }
+
 private:
     bool Vertical() const { return (Style() & SBS_VERT) != 0; }
     LONG Along(LPARAM at) const { return Vertical() ? GET_Y_LPARAM(at) : GET_X_LPARAM(at); }

@@ -109,6 +109,19 @@ protected:
         DrawTextA(dc, text.c_str(), static_cast<int>(text.size()), &area, format);
     }
 
+    void Describe(OrvikAccessible& out) const override {
+        if (Kind() == SS_ICON) out.role = OrvikRole::Image;
+        if (Kind() >= SS_BLACKRECT && Kind() <= SS_WHITEFRAME) out.role = OrvikRole::Separator;
+        if (Kind() >= SS_ETCHEDHORZ && Kind() <= SS_ETCHEDFRAME) out.role = OrvikRole::Separator;
+        if (Kind() <= SS_RIGHT || Kind() == SS_SIMPLE || Kind() == SS_LEFTNOWORDWRAP) out.role = OrvikRole::Label;
+        // A sign for a name that is none.
+        if ((Style() & SS_NOPREFIX) != 0 && out.role == OrvikRole::Label) {
+            std::string doubled;
+            for (const char each : out.name) doubled.append(each == '&' ? 2 : 1, each);
+            out.name = doubled;
+        }
+    }
+
 private:
     DWORD Kind() const { return Style() & SS_TYPEMASK; }
 

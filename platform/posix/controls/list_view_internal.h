@@ -1,7 +1,7 @@
 // The list view in report view: rows of texts under a header. Rows are kept in one array, only those in sight are drawn, and the
 // focused row and the number of selected ones are known, so that long lists cost no more to look at than short ones.
 // list_view_items.cpp has rows, columns and their states; list_view_input.cpp keys, mouse and scrolling; list_view_paint.cpp the
-// drawing; control_list_view.cpp the messages.
+// drawing; list_view_accessible.cpp says what is in sight; control_list_view.cpp the messages.
 #pragma once
 
 #include <optional>
@@ -19,6 +19,8 @@ public:
 
 protected:
     void Paint(HDC dc, const RECT& client) override;
+    void Describe(OrvikAccessible& out) const override;
+    bool Act(const OrvikAccessibleAct& act) override;
 
 private:
     struct Cell {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/accessible.h"
 #include "platform/posix/dialogs/menu.h"
 #include "platform/posix/window/window.h"
 
@@ -28,6 +29,12 @@ void TrackMenuBarByKey(HWND window, WPARAM character);  // 0: the first menu is 
 void TrackMenuBarByMouse(HWND window, POINT screen);
 void CancelMenuOf(HWND window);  // ends what is open for it
 void ShowMenuCursor();
+
+// The bar as a part of its window, with all menus below it as they were last; places as on the window's picture. Its parts are
+// numbered from kMenuParts on.
+inline constexpr unsigned kMenuParts = 0x40000000;
+bool DescribeMenuBar(HWND window, OrvikAccessible& out);  // false without one
+bool ActOnMenuBar(HWND window, unsigned part);            // opens the menu, or posts the command if it can be chosen
 
 LRESULT CALLBACK MenuProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);  // of the class "#32768"
 

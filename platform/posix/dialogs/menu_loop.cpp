@@ -106,8 +106,11 @@ LRESULT CALLBACK MenuProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
         case MN_GETHMENU:
             return loop != nullptr ? reinterpret_cast<LRESULT>(loop->MenuIn(window)) : 0;
         default:
-            return DefWindowProcA(window, message, wParam, lParam);
+            break;
     }
+    if (loop != nullptr && message == OrvikDescribeMessage()) return loop->Describe(window, OrvikDescribed(lParam)), TRUE;
+    if (loop != nullptr && message == OrvikActMessage()) return loop->Act(window, OrvikAsked(lParam));
+    return DefWindowProcA(window, message, wParam, lParam);
 }
 }  // namespace orvik::detail
 

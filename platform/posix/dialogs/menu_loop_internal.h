@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/accessible.h"
 #include "platform/letters.h"
 #include "platform/posix/dialogs/menu_face_internal.h"
 #include "platform/posix/window/window_internal.h"
@@ -26,6 +27,9 @@ public:
     int HotInBar(HWND window) const;  // -1 for none
     void PaintPopup(HWND window, HDC dc, const RECT& client);
     HMENU MenuIn(HWND popup) const;
+    // For who does not see it (platform/accessible.h).
+    void Describe(HWND popup, OrvikAccessible& out) const;
+    bool Act(HWND popup, const OrvikAccessibleAct& act);
 
     void OpenFirst(const PopupPlace& place);
     void MarkFirst() { Select(0, At(0).face->Step(-1, 1), false); }  // in the bar

@@ -6,6 +6,7 @@
 
 #include "platform/house_text_internal.h"
 #include "platform/posix/dialogs/menu.h"
+#include "platform/posix/screen/screen_accessible_internal.h"
 #include "platform/posix/screen/screen_loading_internal.h"
 #include "platform/posix/window/dpi.h"
 #include "platform/posix/window/window_internal.h"
@@ -188,6 +189,12 @@ void Act(const MSG& read) {
             break;
         case ScreenEvent::Kind::LooksChanged:
             LooksChanged(read.hwnd);
+            break;
+        case ScreenEvent::Kind::Described:
+            DescribeNow(read.hwnd);
+            break;
+        case ScreenEvent::Kind::Asked:
+            ActOnAsked(read.hwnd, code);
             break;
         default:
             break;

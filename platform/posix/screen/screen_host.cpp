@@ -1,6 +1,7 @@
 // What the library tells a screen of its windows.
 #include "platform/house_text_internal.h"
 #include "platform/posix/resources/images_internal.h"
+#include "platform/posix/screen/screen_accessible_internal.h"
 #include "platform/posix/screen/screen_events_internal.h"
 #include "platform/posix/screen/screen_loading_internal.h"
 #include "platform/posix/screen/screen_pictures_internal.h"
@@ -54,6 +55,8 @@ public:
     }
     void Lend(HWND window, const std::function<void(const PixelView&)>& take) override { LendPicture(window, take); }
     void Post(HWND window, const ScreenEvent& event) override { PostScreenEvent(window, event); }
+    void Listen() override { ListenToWindows(); }
+    void Ask(HWND root, HWND window, const OrvikAccessibleAct& act) override { AskOfWindow(root, window, act); }
     void SetDesktop(SIZE pixels, UINT dots) override {
         OrvikSetSystemDpi(dots);
         const std::lock_guard kernel(KernelLock());

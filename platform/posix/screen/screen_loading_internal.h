@@ -8,6 +8,6 @@ namespace orvik::detail {
 Screen* TheScreen();  // null without one
 ScreenHost& TheScreenHost();
 Screen* UseScreen(Screen* screen);  // from now on; the one before. For who has a screen at hand, as tests do
-void ListenToScreen();  // makes the calling thread act on what comes from the screen when it reads its messages
+void ListenToScreen();              // makes the calling thread act on what comes from the screen when it reads its messages
 
 }  // namespace orvik::detail

@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "platform/posix/drawing/rect.h"
+#include "platform/posix/screen/screen_accessible_internal.h"
 #include "platform/posix/screen/screen_loading_internal.h"
 #include "platform/posix/screen/screen_pictures_internal.h"
 #include "platform/posix/window/window_internal.h"
@@ -102,6 +103,7 @@ void ShowDrawn() {
     for (const Drawn& each : drawn) {
         Copy(each.window, *each.canvas, each.area);
         if (Screen* const screen = TheScreen()) screen->Damaged(each.window, each.area);
+        NoteUndescribed(each.window);
     }
 }
 

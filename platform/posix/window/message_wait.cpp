@@ -16,6 +16,7 @@ DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll
     }
     MessageQueue& queue = CurrentQueue();
     ShowDrawn();
+    DescribeDrawn();
     const int64_t deadline = DeadlineIn(milliseconds);
     std::unique_lock kernel(KernelLock());
     const auto hasMessage = [&] {

@@ -268,6 +268,7 @@ int GetMessageA(LPMSG message, HWND window, UINT first, UINT last) {
     const auto show = [&kernel] {
         kernel.unlock();
         ShowDrawn();
+        DescribeDrawn();
         kernel.lock();
     };
     for (bool shown = false;;) {
@@ -300,7 +301,10 @@ BOOL PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove
     const bool taken = TakeMessage(queue, filter, (remove & PM_REMOVE) != 0, *message);
     const bool showDrawn = !taken && queue.MayHaveDrawn() && !queue.mayPaint;
     kernel.unlock();
-    if (showDrawn) ShowDrawn();
+    if (showDrawn) {
+        ShowDrawn();
+        DescribeDrawn();
+    }
     if (!taken) return FALSE;
     RunMessageHooks(*message, remove & PM_REMOVE);
     return TRUE;

@@ -8,10 +8,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/accessible.h"
 #include "platform/posix/drawing/canvas_internal.h"
 #include "platform/posix/drawing/desktop_looks_internal.h"
 #include "platform/posix/window/messages.h"
@@ -60,11 +62,14 @@ struct ScreenEvent {
         DotsChanged,
         Placed,
         Dismissed,
-        LooksChanged
+        LooksChanged,
+        Described,
+        Asked
     } kind;
     // Pointer: a mouse message, a point in the picture, the wheel's parts. Key: its VK_ code, whether it goes down. Resized: the
     // size. Dismissed: the desktop has taken a popup away. State: one of ShownWindow::State. DotsChanged: dots an inch, and the
-    // size by these. Placed: where a popup came to lie in its owner's picture.
+    // size by these. Placed: where a popup came to lie in its owner's picture. The last two are the library's own, for what is
+    // asked by ScreenHost::Listen and Ask.
     UINT code = 0;
     int x = 0, y = 0, wheel = 0;
     bool down = false;
@@ -98,6 +103,10 @@ public:
     virtual void Post(HWND window, const ScreenEvent& event) = 0;
     virtual void SetDesktop(SIZE pixels, UINT dots) = 0;
     virtual void SetLooks(const DesktopLooks& looks) = 0;  // at first, and when they change
+    // For who does not see the windows: from now on they are told by Screen::Described. And what somebody asks of one, or a part
+    // of it, that was told: texts in UTF-8, places in them in characters; what cannot be done is not.
+    virtual void Listen() = 0;
+    virtual void Ask(HWND root, HWND window, const OrvikAccessibleAct& act) = 0;
 
 protected:
     ~ScreenHost() = default;
@@ -109,7 +118,9 @@ public:
     virtual void Changed(HWND window) = 0;  // made, shown, hidden, sized, renamed, gone ...
     virtual void Damaged(HWND window, const RECT& area) = 0;
     virtual void AskForFile(FileQuestion question, FileAnswer answer) = 0;  // which is called on the screen's thread
-    virtual void End() = 0;                                                 // returns when the screen's thread has gone
+    // What a top-level window says of itself, after Listen: texts in UTF-8, places in its picture.
+    virtual void Described(HWND window, std::shared_ptr<const OrvikAccessible> said) = 0;
+    virtual void End() = 0;  // returns when the screen's thread has gone
 
 protected:
     ~Screen() = default;
@@ -129,6 +140,7 @@ bool OpenScreenNow();  // whether windows come to a screen; looks for one if nob
 bool AskOnScreen(const FileQuestion& question, FileAnswer answer);  // false without a screen
 void JoinScreen(HWND root);                                         // it is about to be shown
 void ShowDrawn();                                                   // what the calling thread has drawn since comes to the screen
-bool DrawnIsDue();  // it has waited for long: the thread is not back at its messages
+void DescribeDrawn();  // and is told to who does not see it; where messages are read, and nowhere else
+bool DrawnIsDue();     // it has waited for long: the thread is not back at its messages
 
 }  // namespace orvik::detail

@@ -1,0 +1,257 @@
+"""The screens on which test_window.py has windows: what is there and looks how, pointer and keys. One class a kind of screen.
+
+A window of a screen is what its `find` gives for a part of its title. Places are those of the window's picture.
+"""
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import time
+
+patience = 90  # seconds that a busy machine may need for a step that takes a tenth of one
+AWAY = (1279, 1023)
+
+
+class Unseen(Exception):
+    """A window that cannot be looked at, because it has just appeared, or is about to vanish."""
+
+
+def until(condition, what):
+    end = time.monotonic() + patience
+    while True:
+        try:
+            found = condition()
+        except Unseen:
+            found = None
+        if found:
+            return found
+        if time.monotonic() > end:
+            raise AssertionError("waited in vain for " + what)
+        time.sleep(0.05)
+
+
+def run(*words, **more):
+    return subprocess.run(list(map(str, words)), stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env={**os.environ, "LC_ALL": "C.UTF-8"}, **more).stdout
+
+
+def xdotool(*words):
+    return run("xdotool", *words).decode("utf-8", "replace").strip()
+
+
+# Letters that no keyboard of the United States has, on a key that it has not either: programs know keys that are there when they start.
+LETTERS = "key <LSGT> { [ Greek_OMEGA, U6E29 ] };"
+KEYS = """xkb_keymap {
+    xkb_keycodes { include "evdev+aliases(qwerty)" };
+    xkb_types { include "complete" };
+    xkb_compat { include "complete" };
+    xkb_symbols { include "pc+us+inet(evdev)" %s };
+};
+""" % LETTERS
+
+
+class XScreen:
+    """X11 with a window manager."""
+    environment = {}
+
+    def __init__(self):
+        subprocess.run(["xkbcomp", "-w0", "-", os.environ["DISPLAY"]], input=KEYS.encode(), stderr=subprocess.DEVNULL, check=True)
+
+    def close(self):
+        self.away()
+
+    def errors(self, folder):
+        """Where the errors of a program go that is about to start."""
+        return None
+
+    def ended(self, code):
+        """The program has."""
+
+    def titles(self):
+        """What is on the screen: xdotool itself asks by an old name that holds few letters."""
+        found = {}
+        for each in xdotool("search", "--onlyvisible", "--name", "").split():
+            said = run("xprop", "-id", each, "-notype", "_NET_WM_NAME").decode("utf-8", "replace")
+            if ' = "' in said:
+                found[each] = said.split(' = "', 1)[1].rsplit('"', 1)[0]
+        return found
+
+    def find(self, title):
+        return next((window for window, name in self.titles().items() if re.search(title, name)), None)
+
+    def title(self, window):
+        return self.titles().get(window, "")
+
+    def focus(self, window):
+        """Gives it the keys: there is nobody else who would."""
+        xdotool("windowfocus", "--sync", window)
+
+    def picture(self, window):
+        """As a PPM file; nothing for one that cannot be seen."""
+        return run("import", "-window", window, "-depth", "8", "ppm:-")
+
+    def save(self, window, file):
+        """Of the whole screen for None."""
+        run("import", "-window", "root" if window is None else window, file)
+
+    def away(self):
+        xdotool("mousemove", *AWAY)
+
+    def point(self, window, x, y):
+        xdotool("mousemove", "--window", window, x, y)
+
+    def button(self, down):
+        xdotool("mousedown" if down else "mouseup", 1)
+
+    def double_click(self):
+        xdotool("click", "--repeat", 2, "--delay", 50, 1)
+
+    def key(self, *names):
+        xdotool("key", *names)
+
+    def hold(self, name, down):
+        xdotool("keydown" if down else "keyup", name)
+
+    def open_menu(self, name):
+        """A key that opens a menu."""
+        self.key(name)
+
+    def type(self, text):
+        xdotool("type", text)
+
+    def release_all(self):
+        for button in (1, 3):
+            xdotool("mouseup", button)
+        xdotool("keyup", "ctrl", "keyup", "shift", "keyup", "alt")
+
+
+class WineScreen(XScreen):
+    """Wine's windows on X11, without a window manager."""
+
+    def find(self, title):
+        return xdotool("search", "--onlyvisible", "--name", title).split("\n")[0]
+
+    def title(self, window):
+        return xdotool("getwindowname", window)
+
+
+class WaylandLog:
+    """What a program and its compositor have said to each other so far (WAYLAND_DEBUG)."""
+    SAID = re.compile(r"^\[ *[\d.]+\] +(?:-> )?(\w+)@(\d+)\.(\w+)\((.*)\)$")
+
+    def __init__(self, file):
+        self.file, self.rest = open(file, "rb"), b""
+        self.surfaces, self.toplevels, self.names = {}, {}, {}  # surface of an xdg_surface, xdg_surface of a toplevel, its title
+        self.others = []  # lines of the program's own
+        self.keys = None  # the surface that has the keyboard
+        self.popups = 0   # how many have been given a place
+
+    def read(self):
+        lines = (self.rest + self.file.read()).split(b"\n")
+        self.rest = lines.pop()
+        for line in lines:
+            said = self.SAID.match(line.decode("utf-8", "replace"))
+            if said:
+                self.take(*said.groups())
+            elif not line.startswith(b"["):
+                self.others.append(line.decode("utf-8", "replace"))
+        return self
+
+    def take(self, kind, number, what, words):
+        new = re.search(r"new id \w+@(\d+)", words)
+        if what == "get_xdg_surface":
+            self.surfaces[new[1]] = re.search(r"wl_surface@(\d+)", words)[1]
+        elif what == "get_toplevel":
+            self.toplevels[new[1]] = number
+            self.names.pop(new[1], None)
+        elif kind == "xdg_toplevel" and what == "set_title":
+            self.names[number] = words[1:-1]
+        elif kind == "xdg_toplevel" and what == "destroy":
+            self.toplevels.pop(number, None)
+            self.names.pop(number, None)
+        elif kind == "wl_keyboard" and what == "enter":
+            self.keys = re.search(r"wl_surface@(\d+)", words)[1]
+        elif kind == "wl_keyboard" and what == "leave":
+            self.keys = None
+        elif kind == "xdg_popup" and what == "configure":
+            self.popups += 1
+
+    def surface(self, toplevel):
+        return self.surfaces.get(self.toplevels.get(toplevel))
+
+
+class WestonScreen(XScreen):
+    """Wayland by weston, which fills an X11 screen and takes its pointer and keys from there: one window fills it all, dialogs lie above
+    without a frame of their own. It tells nobody its windows' titles: they are read off what program and compositor say."""
+
+    def __init__(self):
+        super().__init__()
+        self.folder = tempfile.TemporaryDirectory(prefix="orvik-weston-")
+        folder = pathlib.Path(self.folder.name)
+        (folder / "xkb" / "symbols").mkdir(parents=True)
+        (folder / "xkb" / "symbols" / "letters").write_text('default xkb_symbols "basic" { include "us" %s };\n' % LETTERS)
+        # Without the names of the screen's own keyboard it takes the one that is asked for here.
+        run("xprop", "-root", "-remove", "_XKB_RULES_NAMES")
+        self.environment = {"XDG_RUNTIME_DIR": str(folder), "WAYLAND_DISPLAY": "orvik", "GDK_BACKEND": "wayland", "WAYLAND_DEBUG": "1"}
+        with open(folder / "log", "wb") as log:
+            self.process = subprocess.Popen(
+                ["weston", "--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024", "--socket=orvik", "--shell=kiosk-shell.so",
+                 "--no-config", "--idle-time=0"], stdout=log, stderr=log,
+                env={**os.environ, "XDG_RUNTIME_DIR": str(folder), "XKB_CONFIG_EXTRA_PATH": str(folder / "xkb"), "XKB_DEFAULT_LAYOUT": "letters"})
+        until(lambda: (folder / "orvik").exists(), "weston")
+        until(lambda: xdotool("search", "--onlyvisible", "--class", "weston"), "its window")
+        self.log = None
+
+    def close(self):
+        self.process.terminate()
+        self.process.wait(timeout=20)
+        if self.log is not None:
+            self.log.file.close()
+        self.folder.cleanup()
+
+    def errors(self, folder):
+        file = folder / f"said-{time.monotonic_ns()}"
+        said = open(file, "wb")
+        if self.log is not None:
+            self.log.file.close()
+        self.log = WaylandLog(file)
+        return said
+
+    def ended(self, code):
+        if code != 0:
+            sys.stderr.writelines(line + "\n" for line in self.log.others[-200:])
+
+    def titles(self):
+        return dict(self.log.read().names)
+
+    def focus(self, window):
+        """A window that opens gets the keys, and mostly who was there before when it closes; else a press on the empty end of its menu bar
+        asks for them, as a user would."""
+        def has_keys():
+            if self.log.read().keys is None:
+                time.sleep(0.5)  # it may be on its way
+                if self.log.read().keys is None:
+                    xdotool("mousemove", AWAY[0], 8, "click", 1, "mousemove", *AWAY)
+            return self.log.surface(window) == self.log.keys
+
+        until(has_keys, "the keys for " + self.title(window))
+
+    def picture(self, window):
+        return run("import", "-window", "root", "-depth", "8", "ppm:-")
+
+    def save(self, window, file):
+        run("import", "-window", "root", file)
+
+    def point(self, window, x, y):
+        xdotool("mousemove", x, y)
+
+    def open_menu(self, name):
+        """Held until the menu is there, as a finger does: it belongs to a key that is down."""
+        before = self.log.read().popups
+        *modifiers, letter = name.split("+")
+        for each in [*modifiers, letter]:
+            xdotool("keydown", each)
+        until(lambda: self.log.read().popups > before, "a menu")
+        for each in [letter, *modifiers]:
+            xdotool("keyup", each)
