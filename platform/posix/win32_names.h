@@ -16,6 +16,7 @@
 #include "platform/posix/drawing/rect.h"
 #include "platform/posix/drawing/region.h"
 #include "platform/posix/drawing/text_draw.h"
+#include "platform/posix/exchange/clipboard.h"
 #include "platform/posix/files/directories.h"
 #include "platform/posix/files/file_security.h"
 #include "platform/posix/files/files.h"

@@ -34,6 +34,7 @@ void GtkScreen::Run(std::function<void(bool)> started) {
     m_loop = g_main_loop_new(nullptr, FALSE);
     started(true);
     g_main_loop_run(m_loop);
+    m_clipboards.Store();
     m_popups.clear();
     m_windows.clear();
     while (g_main_context_iteration(nullptr, FALSE)) {

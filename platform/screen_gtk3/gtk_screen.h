@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/posix/window/screen_internal.h"
+#include "platform/screen_gtk3/gtk_clipboard.h"
 #include "platform/screen_gtk3/gtk_window.h"
 
 class GtkScreen final : public orvik::detail::Screen {
@@ -24,6 +25,7 @@ public:
     void Changed(HWND window) override;
     void Damaged(HWND window, const RECT& area) override;
     void AskForFile(orvik::detail::FileQuestion question, orvik::detail::FileAnswer answer) override;
+    orvik::detail::ScreenExchange* Exchange() override { return &m_clipboards; }
     void End() override;
 
     // For windows, on the module's thread.
@@ -44,6 +46,7 @@ private:
     orvik::detail::ScreenHost& m_host;
     std::thread m_thread;
     GMainLoop* m_loop = nullptr;
+    GtkClipboards m_clipboards;
 
     std::mutex m_lock;  // the notes
     std::set<HWND> m_changed;

@@ -15,11 +15,12 @@
 #include "platform/posix/drawing/canvas_internal.h"
 #include "platform/posix/window/messages.h"
 #include "platform/posix/window/popup_place_internal.h"
+#include "platform/posix/window/screen_exchange_internal.h"
 
 namespace orvik::detail {
 struct Window;
 
-inline constexpr unsigned kScreenSeam = 1;  // grows with each change of this header: a module of another one is not used
+inline constexpr unsigned kScreenSeam = 2;  // grows with each change of this header: a module of another one is not used
 
 // A cursor's look: one of the system's, or pixels.
 struct CursorLook {
@@ -90,6 +91,7 @@ public:
     virtual void Changed(HWND window) = 0;  // made, shown, hidden, sized, renamed, gone ...
     virtual void Damaged(HWND window, const RECT& area) = 0;
     virtual void AskForFile(FileQuestion question, FileAnswer answer) = 0;  // which is called on the screen's thread
+    virtual ScreenExchange* Exchange() { return nullptr; }
     virtual void End() = 0;                                                 // returns when the screen's thread has gone
 
 protected:
