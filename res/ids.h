@@ -27,6 +27,7 @@
 #define IDI_ORVIK_ERROR 171
 #define IDI_ORVIK_INFORMATION 172
 #define IDI_ORVIK_THUMB_DOWN 175
+#define IDI_ORVIK_APPLICATION 176
 
 /* Dialogs, their controls besides IDOK and IDCANCEL, and the property grid that takes its placeholder's room. */
 #define IDD_ORVIK_PROPERTIES 203

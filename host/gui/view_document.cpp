@@ -1,6 +1,7 @@
 #include "host/gui/view_document.h"
 
 #include "host/gui/chart_scene.h"
+#include "host/session/csv_file.h"
 #include "host/session/database_file.h"
 #include "host/session/session_file.h"
 
@@ -9,6 +10,14 @@ void ViewDocument::Open(const std::string& path, WorkProgress& progress) {
     Take(std::move(file.db), std::move(file.session), file.path);
     m_readings = m_session->Count();
     m_note = file.note;
+}
+
+void ViewDocument::Import(const std::string& path) {
+    auto db = std::make_unique<CPropertyDB>();
+    LoadCsv(path, *db);
+    auto session = std::make_unique<Session>(*db, path, 0);
+    Take(std::move(db), std::move(session), {});
+    MarkUnsaved();
 }
 
 void ViewDocument::Begin(CPropertyDB& description, const std::string& port) {

@@ -38,6 +38,7 @@ public:
 private:
     void Run(std::function<void(bool)> started);
     void Serve();
+    void TellDesktop();
     void Follow(HWND window);
     void Release();
     void SettleFocus();

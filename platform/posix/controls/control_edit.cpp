@@ -13,6 +13,7 @@
 #include "platform/posix/controls/scroll_part_internal.h"
 #include "platform/posix/drawing/text_places_internal.h"
 #include "platform/posix/exchange/clipboard_text_internal.h"
+#include "platform/posix/window/caret.h"
 #include "platform/posix/text/letters_internal.h"
 
 namespace orvik::detail {
@@ -47,10 +48,13 @@ public:
                 return result;
             }
             case WM_SETFOCUS:
+                CreateCaret(m_window, nullptr, 1, LineHeight());
+                PlaceCaret();
                 Invalidate();
                 Tell(EN_SETFOCUS);
                 return 0;
             case WM_KILLFOCUS:
+                DestroyCaret();
                 Invalidate();
                 Tell(EN_KILLFOCUS);
                 return 0;
@@ -291,8 +295,16 @@ private:
         return at > Value().size() ? 0 : static_cast<LRESULT>(Lines()[LineOf(at)].length);
     }
 
+    // For an input method: the bar itself is painted with the text.
+    void PlaceCaret() {
+        if (!Focused()) return;
+        const POINT at = PointOf(m_text.Caret());
+        SetCaretPos(at.x, at.y);
+    }
+
     LRESULT Selected() {
         ShowCaret();
+        PlaceCaret();
         Invalidate();
         return 0;
     }

@@ -144,6 +144,10 @@ std::string DibOfPng(std::string_view png) {
             return CAIRO_STATUS_SUCCESS;
         },
         &rest);
+    if (cairo_surface_status(picture) != CAIRO_STATUS_SUCCESS) {
+        cairo_surface_destroy(picture);
+        return {};
+    }
     BITMAPINFOHEADER header{};
     header.biSize = sizeof header;
     header.biWidth = size->cx;
@@ -159,7 +163,7 @@ std::string DibOfPng(std::string_view png) {
     cairo_paint(painter);
     cairo_set_source_surface(painter, picture, 0, 0);
     cairo_paint(painter);
-    if (cairo_surface_status(picture) == CAIRO_STATUS_SUCCESS && cairo_status(painter) == CAIRO_STATUS_SUCCESS) {
+    if (cairo_status(painter) == CAIRO_STATUS_SUCCESS) {
         cairo_surface_flush(page);
         dib.assign(reinterpret_cast<const char*>(&header), sizeof header);
         for (LONG y = size->cy; y-- > 0;)

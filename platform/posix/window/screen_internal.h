@@ -43,20 +43,36 @@ struct ShownWindow {
     unsigned stateAsked = 0;  // grows when the program asks for the state
     std::string title;        // UTF-8
     CursorLook cursor;
-    RECT caret{};  // where letters are typed, in the picture: for the list of an input method
+    bool takesFiles = false;        // that are dropped on it
+    std::vector<CursorLook> icons;  // of several sizes; none where the program has chosen none
+    RECT caret{};                   // where letters are typed, in the picture: for the list of an input method
 };
 
 // What comes from the user or the desktop.
 struct ScreenEvent {
-    enum class Kind { Pointer, Key, Text, Resized, State, Focused, Left, CloseWished, DotsChanged, Placed, Dismissed } kind;
+    enum class Kind {
+        Pointer,
+        Key,
+        Text,
+        Resized,
+        State,
+        Focused,
+        Left,
+        CloseWished,
+        DotsChanged,
+        Placed,
+        Dismissed,
+        Dropped
+    } kind;
     // Pointer: a mouse message, a point in the picture, the wheel's parts. Key: its VK_ code, whether it goes down. Resized: the
     // size. Dismissed: the desktop has taken a popup away. State: one of ShownWindow::State. DotsChanged: dots an inch, and the
-    // size by these. Placed: where a popup came to lie in its owner's picture.
+    // size by these. Placed: where a popup came to lie in its owner's picture. Dropped: files, at a point.
     UINT code = 0;
     int x = 0, y = 0, wheel = 0;
     bool down = false;
-    bool untyped = false;      // of a key that writes nothing by itself, an input method having taken it (VK_PROCESSKEY)
-    std::u16string letters{};  // Text; of a key, what it writes if it is not the keyboard's usual
+    bool untyped = false;              // of a key that writes nothing by itself, an input method having taken it (VK_PROCESSKEY)
+    std::u16string letters{};          // Text; of a key, what it writes if it is not the keyboard's usual
+    std::vector<std::string> paths{};  // the system's
 };
 
 // A question for a file, by the desktop's own dialog. Texts are UTF-8, paths the system's.
@@ -92,7 +108,7 @@ public:
     virtual void Damaged(HWND window, const RECT& area) = 0;
     virtual void AskForFile(FileQuestion question, FileAnswer answer) = 0;  // which is called on the screen's thread
     virtual ScreenExchange* Exchange() { return nullptr; }
-    virtual void End() = 0;                                                 // returns when the screen's thread has gone
+    virtual void End() = 0;  // returns when the screen's thread has gone
 
 protected:
     ~Screen() = default;
