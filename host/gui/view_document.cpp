@@ -15,6 +15,9 @@ void ViewDocument::Open(const std::string& path, WorkProgress& progress) {
 void ViewDocument::Import(const std::string& path) {
     auto db = std::make_unique<CPropertyDB>();
     LoadCsv(path, *db);
+    // The text does not say whose readings it has; its file's name does in most cases.
+    const std::string name = path.substr(path.find_last_of("/\\") + 1);
+    db->SetValue("Session.sLogger", name.substr(0, name.find_last_of('.')).c_str());
     auto session = std::make_unique<Session>(*db, path, 0);
     Take(std::move(db), std::move(session), {});
     MarkUnsaved();

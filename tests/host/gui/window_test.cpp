@@ -531,7 +531,7 @@ TEST_F(WindowTest, WhatIsCopiedIsThereForOtherPrograms) {
     };
     const auto lines = [](const std::string& all) { return std::count(all.begin(), all.end(), '\n'); };
     EXPECT_TRUE(hands.window->Command(kCommandCopy));
-    EXPECT_EQ(text().substr(0, 36), "time\tAir [?C]\tHumidity [%]\tSoil [?C");
+    EXPECT_EQ(text().substr(0, 35), "time\tAir [?C]\tHumidity [%]\tSoil [?C");
     EXPECT_EQ(lines(text()), 201);
     EXPECT_TRUE(::IsClipboardFormatAvailable(CF_DIB));
     EXPECT_TRUE(::IsClipboardFormatAvailable(html));
@@ -541,6 +541,7 @@ TEST_F(WindowTest, WhatIsCopiedIsThereForOtherPrograms) {
     part.time = ViewRange{0, 600};
     part.hidden = {hands.window->Document().GetSession()->Channels()[1].key};
     hands.window->Document().History().Do(Text::StepZoom, part);
+    hands.window->Chart().StateChanged();
     EXPECT_TRUE(hands.window->Command(kCommandCopy));
     EXPECT_EQ(lines(text()), 12);
     EXPECT_EQ(text().find("Humidity"), std::string::npos);
@@ -565,6 +566,7 @@ TEST_F(WindowTest, TextIsTakenAsAnUnsavedSessionAndDescriptionsAreToldFromSessio
     EXPECT_EQ(hands.window->Document().GetSession()->Count(), 2u);
     EXPECT_TRUE(hands.window->Document().IsModified());
     EXPECT_TRUE(hands.window->Document().Path().empty());
+    EXPECT_EQ(hands.window->Document().Title(), "week");
     Write("bad.csv", "time,Air\nnever,1\n");
     EXPECT_THROW(hands.window->Import(Path("bad.csv")), Failure);
     EXPECT_EQ(hands.window->Document().GetSession()->Count(), 2u);
