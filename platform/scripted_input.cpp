@@ -48,6 +48,7 @@ UINT ButtonOf(UINT message) {
     if (message >= WM_RBUTTONDOWN && message <= WM_RBUTTONDBLCLK) return VK_RBUTTON;
     return message >= WM_MBUTTONDOWN && message <= WM_MBUTTONDBLCLK ? VK_MBUTTON : 0;
 }
+bool IsWheel(UINT message) { return message == WM_MOUSEWHEEL || message == WM_MOUSEHWHEEL; }
 bool IsPress(UINT message) { return ButtonOf(message) != 0 && (message - WM_LBUTTONDOWN) % 3 != 1; }
 bool IsDoublePress(UINT message) { return ButtonOf(message) != 0 && (message - WM_LBUTTONDOWN) % 3 == 2; }
 
@@ -113,14 +114,14 @@ void BecomePointer(MSG& read, bool act) {
     }
     const HWND capture = GetCapture();
     HWND target = capture != nullptr ? capture : WindowUnder(window, screen);
-    if (message == WM_MOUSEWHEEL && GetFocus() != nullptr) target = GetFocus();
+    if (IsWheel(message) && GetFocus() != nullptr) target = GetFocus();
     // Of the parts beside the client area, only a menu bar of our own is told of; a point anywhere else is the window's. Windows'
     // menus read from the devices alone: one that a step opened would stay for ever.
     LRESULT hit = HTCLIENT;
-    if (kMenusTakeSteps && capture == nullptr && message != WM_MOUSEWHEEL && target != nullptr &&
+    if (kMenusTakeSteps && capture == nullptr && !IsWheel(message) && target != nullptr &&
         SendMessageA(target, WM_NCHITTEST, 0, MAKELPARAM(screen.x, screen.y)) == HTMENU)
         hit = HTMENU;
-    if (act && capture == nullptr && message != WM_MOUSEWHEEL) {
+    if (act && capture == nullptr && !IsWheel(message)) {
         if (target == nullptr) {
             SendMessageA(window, WM_SETCURSOR, reinterpret_cast<WPARAM>(window), MAKELPARAM(HTERROR, message));
         } else {
@@ -141,9 +142,9 @@ void BecomePointer(MSG& read, bool act) {
     const int held = (IsDown(VK_LBUTTON) ? MK_LBUTTON : 0) | (IsDown(VK_RBUTTON) ? MK_RBUTTON : 0) |
                      (IsDown(VK_MBUTTON) ? MK_MBUTTON : 0) | (IsDown(VK_SHIFT) ? MK_SHIFT : 0) |
                      (IsDown(VK_CONTROL) ? MK_CONTROL : 0);
-    if (message != WM_MOUSEWHEEL) ScreenToClient(target, &screen);  // a wheel message has the screen's point
+    if (!IsWheel(message)) ScreenToClient(target, &screen);  // a wheel message has the screen's point
     read.message = message;
-    read.wParam = MAKEWPARAM(held, message == WM_MOUSEWHEEL ? wheel : 0);
+    read.wParam = MAKEWPARAM(held, IsWheel(message) ? wheel : 0);
     read.lParam = MAKELPARAM(screen.x, screen.y);
 }
 
@@ -211,7 +212,7 @@ BOOL PostStep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 bool orvik::detail::ReadSteps() { return ReadingHook::Ready(); }
 
 BOOL OrvikPostPointer(HWND window, UINT message, int x, int y, int wheel) {
-    const bool known = message == WM_MOUSEMOVE || message == WM_MOUSEWHEEL || ButtonOf(message) != 0;
+    const bool known = message == WM_MOUSEMOVE || IsWheel(message) || ButtonOf(message) != 0;
     const auto fits = [](int value) { return value >= -32768 && value <= 32767; };
     if (!known || !fits(x) || !fits(y) || !fits(wheel)) {
         SetLastError(ERROR_INVALID_PARAMETER);

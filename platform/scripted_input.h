@@ -8,11 +8,11 @@
 
 #include "platform/win32.h"
 
-// `message` is WM_MOUSEMOVE, a button message (WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK and those of the other buttons), or
-// WM_MOUSEWHEEL, with `wheel` in units of WHEEL_DELTA parts. The point is in the client area of `window`, whose child may be the
-// one that is meant; it may lie outside, on Linux also on the menu bar above (Windows' menus hear of no steps). A button that
-// goes down activates the window. Windows of classes without CS_DBLCLKS get a plain press for a double one. FALSE with the error
-// of PostMessageA; error 87 for another message, or a point beyond 16 bits.
+// `message` is WM_MOUSEMOVE, a button message (WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK and those of the other buttons),
+// WM_MOUSEWHEEL or WM_MOUSEHWHEEL, with `wheel` in units of WHEEL_DELTA parts. The point is in the client area of `window`, whose
+// child may be the one that is meant; it may lie outside, on Linux also on the menu bar above (Windows' menus hear of no steps).
+// A button that goes down activates the window. Windows of classes without CS_DBLCLKS get a plain press for a double one. FALSE
+// with the error of PostMessageA; error 87 for another message, or a point beyond 16 bits.
 ORVIK_API BOOL OrvikPostPointer(HWND window, UINT message, int x, int y, int wheel = 0);
 // Key `key` (VK_) goes down or up: for the window with the focus, else for `window`. A character that TranslateMessage makes of
 // it comes after all that is posted by then, as always.

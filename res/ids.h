@@ -27,6 +27,7 @@
 #define IDI_ORVIK_ERROR 171
 #define IDI_ORVIK_INFORMATION 172
 #define IDI_ORVIK_THUMB_DOWN 175
+#define IDI_ORVIK_APPLICATION 176
 
 /* Dialogs, their controls besides IDOK and IDCANCEL, and the property grid that takes its placeholder's room. */
 #define IDD_ORVIK_PROPERTIES 203
@@ -121,3 +122,4 @@
 #define IDS_ABBREVIATION_WEEKS 8057
 #define IDS_NEW_TAG 8083
 #define IDS_BUTTON_OK 8090
+#define IDS_EDIT_UNDO 8100

@@ -186,6 +186,21 @@ LRESULT ChartWindow::OnDoublePress(WPARAM, LPARAM lParam) {
     return 0;
 }
 
+// A wheel that is pushed sideways, or two fingers: to later or earlier times.
+LRESULT ChartWindow::OnWheelAcross(WPARAM wParam, LPARAM) {
+    m_wheelAcross += static_cast<short>(HIWORD(wParam));
+    const int notches = m_wheelAcross / WHEEL_DELTA;
+    m_wheelAcross -= notches * WHEEL_DELTA;
+    if (!m_scene.HasData() || m_dragging || m_writing || notches == 0) return 0;
+    UpToDate();
+    const ViewRange shown = ShownTimes();
+    const double by = (shown.extent - shown.origin) * kPanned * notches;
+    ViewState next = m_document.State();
+    next.time = ViewRange{shown.origin + by, shown.extent + by};
+    if (IsShowable(*next.time)) Do(Text::StepPan, next);
+    return 0;
+}
+
 LRESULT ChartWindow::OnWheel(WPARAM wParam, LPARAM lParam) {
     m_wheel += static_cast<short>(HIWORD(wParam));
     const int notches = m_wheel / WHEEL_DELTA;

@@ -79,6 +79,7 @@ protected:
     LRESULT OnPointer(WPARAM, LPARAM);
     LRESULT OnLeave(WPARAM, LPARAM);
     LRESULT OnWheel(WPARAM, LPARAM);
+    LRESULT OnWheelAcross(WPARAM, LPARAM);
     LRESULT OnMenuWish(WPARAM, LPARAM);
     LRESULT OnCursor(WPARAM, LPARAM);
     LRESULT OnKey(WPARAM, LPARAM);
@@ -93,6 +94,7 @@ protected:
 private:
     // A notch of the wheel, or a key, narrows a range to 0.8 of its span, or widens it back.
     static constexpr double kNarrower = 0.2, kWider = -0.25;
+    static constexpr double kPanned = 0.1;  // of the times, by a notch of the wheel across
 
     class Drag;
     struct Picture {  // the window's pixels, so that what comes to light again needs no drawing
@@ -117,6 +119,8 @@ private:
     void ZoomToSelection();
     void AddTag(CPoint corner);
     void EditTag(int tag);
+    void BeginWriting(int tag, CPoint at, const std::string& text);
+    void CopyWriting();
     void DrawWriting(CDC& dc) const;
     void Redraw();
     void UpToDate();
@@ -137,6 +141,7 @@ private:
     bool m_atEnd = false;       // the last reading was in view
     bool m_ignoreMenu = false;  // the right button has just cancelled a drag
     int m_wheel = 0;            // what is left of a notch
+    int m_wheelAcross = 0;
     bool m_writing = false;
     int m_writtenTag = -1;  // -1: a new one
     CPoint m_writtenAt;

@@ -2,32 +2,35 @@
 #include <algorithm>
 
 #include "host/gui/chart_window.h"
+#include "host/gui/clipboard_writer.h"
+#include "host/words/console.h"
 #include "platform/dpi.h"
 
 namespace {
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
 }  // namespace
 
-void ChartWindow::AddTag(CPoint corner) {
+// The caret is drawn with the text; the system is told of it for input methods.
+void ChartWindow::BeginWriting(int tag, CPoint at, const std::string& text) {
     m_writing = true;
-    m_writtenTag = -1;
-    m_writtenAt = corner;
-    m_edit = LineEdit();
+    m_writtenTag = tag;
+    m_writtenAt = at;
+    m_edit = LineEdit(text);
+    ::CreateCaret(m_hWnd, nullptr, 1, OrvikScale(12, OrvikDpiOf(m_hWnd)));
     Redraw();
 }
 
+void ChartWindow::AddTag(CPoint corner) { BeginWriting(-1, corner, {}); }
+
 void ChartWindow::EditTag(int tag) {
-    m_writing = true;
-    m_writtenTag = tag;
     const RECT& rect = m_scene.Parts().tags[static_cast<size_t>(tag)];
-    m_writtenAt = CPoint(rect.left, rect.top);
-    m_edit = LineEdit(m_document.State().tags[static_cast<size_t>(tag)].text);
-    Redraw();
+    BeginWriting(tag, CPoint(rect.left, rect.top), m_document.State().tags[static_cast<size_t>(tag)].text);
 }
 
 void ChartWindow::EndWriting(bool keep) {
     if (!m_writing) return;
     m_writing = false;
+    ::DestroyCaret();
     Redraw();
     if (!keep) return;
     UpToDate();
@@ -52,10 +55,29 @@ bool ChartWindow::OnWritingKey(WORD key) {
         Redraw();
         return true;
     }
+    const bool control = IsDown(VK_CONTROL), shift = IsDown(VK_SHIFT);
+    if ((key == 'V' && control) || (key == VK_INSERT && shift)) {
+        m_edit.WriteAll(ClipboardLine(m_hWnd));
+        Redraw();
+        return true;
+    }
+    if ((key == 'C' || key == VK_INSERT) && control) {
+        CopyWriting();
+        return true;
+    }
     // Keys of letters come as letters; others end the writing and mean what they mean.
-    if (key == VK_SHIFT || key == VK_CONTROL || key == VK_MENU || !IsDown(VK_CONTROL)) return key != VK_TAB && key != VK_F6;
+    if (key == VK_SHIFT || key == VK_CONTROL || key == VK_MENU || !control) return key != VK_TAB && key != VK_F6;
     EndWriting(true);
     return false;
+}
+
+// All of it; another program that holds the clipboard keeps it.
+void ChartWindow::CopyWriting() {
+    try {
+        if (!m_edit.text.empty()) ClipboardWriter(m_hWnd).PutText(ToUtf8(m_edit.text));
+    } catch (const Failure& failure) {
+        m_owner.ShowHint(failure.sentence);
+    }
 }
 
 LRESULT ChartWindow::OnLetter(WPARAM wParam, LPARAM) {
@@ -83,5 +105,6 @@ void ChartWindow::DrawWriting(CDC& dc) const {
     dc.SetBkMode(TRANSPARENT);
     dc.TextOut(box.left + gap, box.top + gap, m_edit.text.c_str(), static_cast<int>(m_edit.text.size()));
     dc.FillSolidRect(box.left + gap + start.cx, box.top + gap, OrvikScale(1, dpi), height.cy, RGB(0, 0, 0));
+    ::SetCaretPos(box.left + gap + start.cx, box.top + gap);
     dc.SelectObject(before);
 }

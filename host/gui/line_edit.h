@@ -21,6 +21,14 @@ struct LineEdit {
         text.insert(caret, character);
         caret += character.size();
     }
+    // Its letters one by one, as if they were typed.
+    void WriteAll(std::string_view typed) {
+        for (size_t at = 0; at < typed.size();) {
+            const size_t next = OrvikNextLetter(typed, at);
+            Write(typed.substr(at, next - at));
+            at = next;
+        }
+    }
     // A key that moves or removes; false for any other.
     bool Key(WORD key) {
         switch (key) {

@@ -39,6 +39,7 @@ bool MainWindow::CanCommand(UINT command) const {
         case kCommandSaveAs:
         case kCommandExport:
         case kCommandPicture:
+        case kCommandCopy:
             return m_document.HasSession();
         case kCommandProperties:
             return m_document.HasSession() && !m_document.State().axes.empty();
@@ -96,6 +97,8 @@ bool MainWindow::Command(UINT command) {
             command == kCommandUndo ? m_document.History().Undo() : m_document.History().Redo();
             StateChanged();
             return true;
+        case kCommandCopy:
+            return Copy();
         case kCommandKeys:
             Ask([&] { KeysDialog(this).DoModal(); });
             return true;

@@ -9,6 +9,7 @@
 #include "host/session/value_text.h"
 #include "platform/dpi.h"
 #include "platform/picture.h"
+#include "res/ids.h"
 
 namespace {
 // Pixels at 96 dots an inch.
@@ -34,6 +35,8 @@ ON_MESSAGE(WM_SYSKEYDOWN, OnSystemKey)
 ON_MESSAGE(WM_SETFOCUS, OnFocusGot)
 ON_MESSAGE(WM_KILLFOCUS, OnFocusGot)
 ON_MESSAGE(WM_MOUSEWHEEL, OnWheel)
+ON_MESSAGE(WM_MOUSEHWHEEL, OnWheelAcross)
+ON_MESSAGE(WM_DROPFILES, OnDropped)
 ON_MESSAGE(WM_TIMER, OnTimer)
 ON_COMMAND_RANGE(kCommandOpen, kCommandEnd - 1, OnMenuCommand)
 ON_MESSAGE(WM_INITMENUPOPUP, OnMenuOpens)
@@ -54,13 +57,26 @@ void MainWindow::CreateWindowOf(SIZE client, int show) {
     const LPCSTR windowClass = AfxRegisterWndClass(CS_DBLCLKS, ::LoadCursorA(nullptr, IDC_ARROW), nullptr, nullptr);
     if (!CreateEx(0, windowClass, "OrvikHost", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, 800, 600, nullptr, nullptr))
         throw Failure{kFileFailed, Say(Text::NoWindow)};
+    SetIcons();
     MakeMenu();
+    ::DragAcceptFiles(m_hWnd, TRUE);
     if (!m_chart.CreatePane(m_hWnd) || !m_list.CreatePane(m_hWnd)) throw Failure{kFileFailed, Say(Text::NoWindow)};
     SetClientSize({Scaled(client.cx), Scaled(client.cy)});
     UpdateTitle();
     UpdateMenu();
     ::ShowWindow(m_hWnd, show);
     ::SetFocus(m_chart.m_hWnd);
+}
+
+// They live as long as the process.
+void MainWindow::SetIcons() {
+    const auto load = [](int size) {
+        return reinterpret_cast<LPARAM>(::LoadImageA(::GetModuleHandleA("OrvikShared"), MAKEINTRESOURCEA(IDI_ORVIK_APPLICATION),
+                                                     IMAGE_ICON, size, size, LR_DEFAULTCOLOR));
+    };
+    static const LPARAM s_big = load(::GetSystemMetrics(SM_CXICON)), s_small = load(::GetSystemMetrics(SM_CXSMICON));
+    SendMessage(WM_SETICON, ICON_BIG, s_big);
+    SendMessage(WM_SETICON, ICON_SMALL, s_small);
 }
 
 void MainWindow::SetClientSize(SIZE client) {
@@ -312,10 +328,18 @@ LRESULT MainWindow::OnCursor(WPARAM wParam, LPARAM lParam) {
 
 // The wheel turns what is under the pointer, whatever has the focus.
 LRESULT MainWindow::OnWheel(WPARAM wParam, LPARAM lParam) {
-    POINT point = CPoint(lParam);
-    ::ScreenToClient(m_hWnd, &point);
-    if (::ChildWindowFromPoint(m_hWnd, point) == m_chart.m_hWnd) m_chart.SendMessage(WM_MOUSEWHEEL, wParam, lParam);
+    if (IsOverChart(CPoint(lParam))) m_chart.SendMessage(WM_MOUSEWHEEL, wParam, lParam);
     return 0;
+}
+
+LRESULT MainWindow::OnWheelAcross(WPARAM wParam, LPARAM lParam) {
+    if (IsOverChart(CPoint(lParam))) m_chart.SendMessage(WM_MOUSEHWHEEL, wParam, lParam);
+    return 0;
+}
+
+bool MainWindow::IsOverChart(POINT screen) const {
+    ::ScreenToClient(m_hWnd, &screen);
+    return ::ChildWindowFromPoint(m_hWnd, screen) == m_chart.m_hWnd;
 }
 
 // --- Keys and commands ---

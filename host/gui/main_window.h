@@ -12,6 +12,7 @@
 #include "host/gui/live_download.h"
 #include "host/gui/recent_files.h"
 #include "host/gui/value_list.h"
+#include "host/session/reading_source.h"
 #include "host/session/reading_writer.h"
 
 class SavingDialog;
@@ -33,11 +34,14 @@ public:
 
     // Each is told to the user, or thrown on as a Failure in quiet mode; false then, or when the user gives up.
     bool Open(const std::string& path);
+    bool Import(const std::string& path);  // readings as text; they are not saved as a session yet
     bool SaveTo(const std::string& path);
     // An empty size is the chart's own.
     bool SavePicture(const std::string& path, SIZE size = {});
     // The readings as text, all of them or those in the range of times that the chart shows.
     bool ExportTo(const std::string& path, const CsvForm& form, bool shownOnly);
+    // The chart and what it shows, or the row of the list that has the keys, for other programs.
+    bool Copy();
     bool Connect(const std::string& loggerFile, const DownloadPlan& plan);
     // What a window that was killed had downloaded, as if it had just been; nothing else is opened if there is none.
     void OpenUnsaved();
@@ -77,6 +81,8 @@ protected:
     LRESULT OnTimer(WPARAM, LPARAM);
     LRESULT OnFocusGot(WPARAM, LPARAM);
     LRESULT OnWheel(WPARAM, LPARAM);
+    LRESULT OnWheelAcross(WPARAM, LPARAM);
+    LRESULT OnDropped(WPARAM, LPARAM);
     void OnMenuCommand(UINT command);
     LRESULT OnMenuOpens(WPARAM, LPARAM);
     LRESULT OnCloseWish(WPARAM, LPARAM);
@@ -122,6 +128,8 @@ private:
     void SetPaneWidth(LONG width);
     void NextPane(bool backwards);
     void MakeMenu();
+    void SetIcons();
+    bool IsOverChart(POINT screen) const;
     void UpdateMenu();
     std::string ItemText(const MenuCommand& command) const;
     void FillPorts(HMENU menu);
@@ -156,6 +164,10 @@ private:
     void ShowStatus(const std::string& house);
     void Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan);
     SIZE ChartSize() const;
+    TimeRange TimesShown();
+    void CopyShown();
+    void CopyChart();
+    void CopyRow(size_t channel);
     void WritePicture(const std::string& path, SIZE size, WorkProgress& progress);
     void ConnectTo(size_t port);
 

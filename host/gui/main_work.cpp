@@ -127,13 +127,7 @@ bool MainWindow::ExportTo(const std::string& path, const CsvForm& form, bool sho
         if (IsRecording(path)) throw Failure{kFileFailed, Say(Text::RecordingNotReplaced, {ToUtf8(path)})};
         RequireWritable(path);
         FollowReadings();
-        TimeRange range;
-        if (shownOnly && m_document.State().time) {
-            m_chart.Prepare();
-            const ViewRange shown = m_chart.ShownTimes();
-            range = {m_chart.TimeAxis().TimeOf(std::min(shown.origin, shown.extent)),
-                     m_chart.TimeAxis().TimeOf(std::max(shown.origin, shown.extent))};
-        }
+        const TimeRange range = shownOnly ? TimesShown() : TimeRange();
         const Session& session = *m_document.GetSession();
         constexpr unsigned __int64 kText = 18;  // bytes of a number
         const bool large = session.Count() * (session.Channels().size() + 1) * kText >= kLargeFile;
@@ -143,6 +137,17 @@ bool MainWindow::ExportTo(const std::string& path, const CsvForm& form, bool sho
         ShowStatus(Say(whole ? Text::SavedTo : Text::SavedWithDamage, {ToUtf8(path)}));
     });
 }
+
+bool MainWindow::Import(const std::string& path) {
+    return Try([&] {
+        m_document.Import(path);
+        DropUnsaved();
+        m_status = Say(Text::Imported, {ToUtf8(path)});
+        DocumentChanged();
+    });
+}
+
+bool MainWindow::Copy() { return Try([this] { CopyShown(); }); }
 
 SIZE MainWindow::ChartSize() const {
     CRect client;

@@ -34,6 +34,7 @@ enum CommandId : UINT {
     kCommandExport,
     kCommandKeys,
     kCommandLatest,
+    kCommandCopy,
     kCommandRecent = 180,    // and the files after it, the newest first
     kCommandChannels = 200,  // and the channels after it, in the session's order
     kCommandPorts = 400,     // and the ports after it, in the order in which they were listed
@@ -73,6 +74,7 @@ inline constexpr MenuCommand kMenuCommands[] = {
     {kCommandExit, MenuPlace::File, true, Text::MenuExit, "exit", 0, false, false, "Alt+F4"},
     {kCommandUndo, MenuPlace::Edit, false, Text::MenuUndo, "undo", 'Z', true, false, "Ctrl+Z"},
     {kCommandRedo, MenuPlace::Edit, false, Text::MenuRedo, "redo", 'Y', true, false, "Ctrl+Y"},
+    {kCommandCopy, MenuPlace::Edit, true, Text::MenuCopy, "copy", 'C', true, false, "Ctrl+C"},
     {kCommandAddTag, MenuPlace::Edit, true, Text::MenuAddTag, "add-tag", VK_INSERT, false, false, "Ins"},
     {kCommandEditTag, MenuPlace::Edit, false, Text::MenuEditTag, "edit-tag", VK_F2, false, false, "F2"},
     {kCommandRemoveTag, MenuPlace::Edit, false, Text::MenuRemoveTag, "remove-tag", 0, false, false, "Del"},

@@ -38,6 +38,7 @@ ON_MESSAGE(WM_CHAR, OnLetter)
 ON_MESSAGE(WM_SYSCHAR, OnSystemLetter)
 ON_MESSAGE(WM_MOUSEMOVE, OnPointer)
 ON_MESSAGE(WM_MOUSEWHEEL, OnWheel)
+ON_MESSAGE(WM_MOUSEHWHEEL, OnWheelAcross)
 ON_MESSAGE(WM_CONTEXTMENU, OnMenuWish)
 ON_NOTIFY_REFLECT(NM_DBLCLK, OnTwice)
 ON_REGISTERED_MESSAGE(kOrvikDescribe, OnDescribe)
@@ -119,6 +120,12 @@ const std::string& ValueList::CellText(size_t channel, size_t column) const {
         if (!m_pointed || std::isfinite(value)) m_text = ShortTextOf(value, picture);
     }
     return m_text;
+}
+
+std::vector<std::string> ValueList::RowTexts(size_t channel) const {
+    std::vector<std::string> texts;
+    for (size_t column = 0; column < kColumns; ++column) texts.push_back(CellText(channel, column));
+    return texts;
 }
 
 double ValueList::ValueOf(size_t channel) const {
@@ -289,11 +296,14 @@ LRESULT ValueList::OnPointer(WPARAM, LPARAM lParam) {
 }
 
 // The wheel turns what is under the pointer: over the chart, that.
-LRESULT ValueList::OnWheel(WPARAM wParam, LPARAM lParam) {
+LRESULT ValueList::OnWheel(WPARAM wParam, LPARAM lParam) { return TurnWheel(WM_MOUSEWHEEL, wParam, lParam); }
+LRESULT ValueList::OnWheelAcross(WPARAM wParam, LPARAM lParam) { return TurnWheel(WM_MOUSEHWHEEL, wParam, lParam); }
+
+LRESULT ValueList::TurnWheel(UINT message, WPARAM wParam, LPARAM lParam) {
     RECT window = {};
     ::GetWindowRect(m_hWnd, &window);
     if (::PtInRect(&window, CPoint(lParam))) return Default();
-    return ::SendMessageA(::GetParent(m_hWnd), WM_MOUSEWHEEL, wParam, lParam);
+    return ::SendMessageA(::GetParent(m_hWnd), message, wParam, lParam);
 }
 
 LRESULT ValueList::OnMenuWish(WPARAM, LPARAM lParam) {

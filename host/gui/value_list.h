@@ -27,7 +27,8 @@ public:
     // The window has come to a screen of other dots an inch.
     void DpiChanged();
     bool IsDragging() const { return m_dragging; }
-    RECT ColumnRect(size_t column) const;  // of the header, in the list's client area
+    std::vector<std::string> RowTexts(size_t channel) const;  // as the row shows them
+    RECT ColumnRect(size_t column) const;                     // of the header, in the list's client area
     // The channel that keys are about; nothing without a session.
     std::optional<size_t> Channel() const;
     // Without selection, scrolled back.
@@ -44,6 +45,8 @@ protected:
     LRESULT OnSystemLetter(WPARAM, LPARAM);
     LRESULT OnPointer(WPARAM, LPARAM);
     LRESULT OnWheel(WPARAM, LPARAM);
+    LRESULT OnWheelAcross(WPARAM, LPARAM);
+    LRESULT TurnWheel(UINT message, WPARAM, LPARAM);
     LRESULT OnMenuWish(WPARAM, LPARAM);
     LRESULT OnDescribe(WPARAM, LPARAM);
     void OnTwice(NMHDR* told, LRESULT* result);

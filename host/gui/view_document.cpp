@@ -1,6 +1,7 @@
 #include "host/gui/view_document.h"
 
 #include "host/gui/chart_scene.h"
+#include "host/session/csv_file.h"
 #include "host/session/database_file.h"
 #include "host/session/recording_files.h"
 
@@ -33,6 +34,17 @@ std::unique_ptr<CPropertyDB> ViewDocument::Facts() {
 unsigned __int64 ViewDocument::Extent() const {
     const RecordedSeries* const recorded = m_session->Recorded();
     return recorded != nullptr && m_session->Count() > 0 ? recorded->End() : m_session->Count();
+}
+
+void ViewDocument::Import(const std::string& path) {
+    auto db = std::make_unique<CPropertyDB>();
+    LoadCsv(path, *db);
+    // The text does not say whose readings it has; its file's name does in most cases.
+    const std::string name = path.substr(path.find_last_of("/\\") + 1);
+    db->SetValue("Session.sLogger", name.substr(0, name.find_last_of('.')).c_str());
+    auto session = std::make_unique<Session>(*db, path, 0);
+    Take(std::move(db), std::move(session), {});
+    MarkUnsaved();
 }
 
 void ViewDocument::Begin(CPropertyDB& description, const std::string& port) {

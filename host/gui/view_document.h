@@ -13,6 +13,8 @@ public:
     // Each is a Failure that says why, and leaves the document as it was.
     // WorkStopped as well, when the progress does not want it any more.
     void Open(const std::string& path, WorkProgress& progress);
+    // Readings as text, which are nowhere as a session then.
+    void Import(const std::string& path);
     // Where it came from, or elsewhere; readings, tags and the view.
     void Save(const std::string& path, WorkProgress& progress);
     // About how many bytes a save would write.

@@ -75,6 +75,19 @@ std::unique_ptr<Made> MakeOf(CPropertyDB& description, Make make) {
 }
 }  // namespace
 
+bool IsLoggerDescription(const std::string& path) {
+    constexpr unsigned __int64 kMost = 1024 * 1024;  // nobody describes that much
+    if (FileSize(path) > kMost) return false;
+    try {
+        CPropertyDB db;
+        LoadLoggerDescription(path, db);
+        CString family;
+        return db.GetValue("sFamily", family) && !db.Find("Session");
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
 std::string TakeMessage(CCommException* failure) {
     const std::string text = ToUtf8(static_cast<const char*>(failure->m_strError));
     failure->Delete();

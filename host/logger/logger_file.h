@@ -15,6 +15,9 @@ class CCommException;
 // their spelling afterwards, whatever the case of letters was.
 void LoadLoggerDescription(const std::string& path, CPropertyDB& description);
 
+// Whether the file is such a description, and no session.
+bool IsLoggerDescription(const std::string& path);
+
 // A Failure if the description names no family, its plug-in cannot be used, it holds keys that nobody knows, or the plug-in
 // cannot use it. Its keys have their spelling afterwards.
 std::unique_ptr<ILogger> MakeLogger(CHostApp& app, CPropertyDB& description);

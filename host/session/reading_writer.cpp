@@ -98,12 +98,21 @@ private:
     std::vector<Column> m_columns;
 };
 
+// To the last bit, with this decimal sign.
+void AppendNumber(std::string& out, double value, const std::string& sign) {
+    char digits[64];
+    char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    char* const point = std::find(digits, end, '.');
+    out.append(digits, point);
+    if (point != end) out.append(sign).append(point + 1, end);
+}
+
 class CsvWriter : public ReadingWriter {
 public:
     CsvWriter(const Session& session, ShownChannels shown, const CsvForm& form)
         : m_session(session), m_shown(std::move(shown)), m_form(form), m_sign(form.local ? DecimalSign() : ".") {}
     void Heading(std::string& out) override {
-        if (m_form.local) out += "\xEF\xBB\xBF";
+        if (m_form.local && m_form.mark) out += "\xEF\xBB\xBF";
         out += "time";
         for (const size_t place : m_shown) {
             out += m_form.separator;
@@ -120,11 +129,7 @@ public:
         for (const size_t place : m_shown) {
             out += m_form.separator;
             if (std::isnan(values[place])) continue;
-            char digits[64];
-            char* const end = std::to_chars(digits, digits + sizeof digits, values[place]).ptr;
-            char* const point = m_form.local ? std::find(digits, end, '.') : end;
-            out.append(digits, point);
-            if (point != end) out.append(m_sign).append(point + 1, end);
+            AppendNumber(out, values[place], m_sign);
         }
         out += '\n';
     }
@@ -141,6 +146,45 @@ private:
     const ShownChannels m_shown;
     const CsvForm m_form;
     const std::string m_sign;
+};
+
+class HtmlWriter : public ReadingWriter {
+public:
+    HtmlWriter(const Session& session, ShownChannels shown) : m_session(session), m_shown(std::move(shown)) {}
+    void Heading(std::string& out) override {
+        out += "<table><tr><th>" + Escaped(Say(Text::Time)) + "</th>";
+        for (const size_t place : m_shown) out += "<th>" + Escaped(ShownHeading(m_session.Channels()[place])) + "</th>";
+        out += "</tr>\n";
+    }
+    void Row(std::string& out, __int64 time, const double* values) override {
+        out += "<tr><td>";
+        AppendLocalStamp(out, time, m_sign);
+        out += "</td>";
+        for (const size_t place : m_shown) {
+            out += "<td align=\"right\">";
+            if (!std::isnan(values[place])) AppendNumber(out, values[place], m_sign);
+            out += "</td>";
+        }
+        out += "</tr>\n";
+    }
+    void End(std::string& out) override { out += "</table>"; }
+
+private:
+    static std::string Escaped(const std::string& text) {
+        std::string out;
+        for (const char c : text) {
+            if (c == '<' || c == '>' || c == '&') {
+                out += c == '<' ? "&lt;" : c == '>' ? "&gt;" : "&amp;";
+            } else {
+                out += c;
+            }
+        }
+        return out;
+    }
+
+    const Session& m_session;
+    const ShownChannels m_shown;
+    const std::string m_sign = DecimalSign();
 };
 
 class JsonWriter : public ReadingWriter {
@@ -195,6 +239,9 @@ std::unique_ptr<ReadingWriter> MakeTableWriter(const Session& session, ShownChan
 }
 std::unique_ptr<ReadingWriter> MakeCsvWriter(const Session& session, ShownChannels shown, const CsvForm& form) {
     return std::make_unique<CsvWriter>(session, std::move(shown), form);
+}
+std::unique_ptr<ReadingWriter> MakeHtmlWriter(const Session& session, ShownChannels shown) {
+    return std::make_unique<HtmlWriter>(session, std::move(shown));
 }
 CsvForm SpreadsheetForm() { return {DecimalSign() == "," ? ';' : ',', true}; }
 std::unique_ptr<ReadingWriter> MakeJsonWriter(const Session& session, ShownChannels shown) {

@@ -15,6 +15,7 @@ public:
     virtual void Heading(std::string& out) = 0;
     // `values` are those of all the session's channels.
     virtual void Row(std::string& out, __int64 time, const double* values) = 0;
+    virtual void End(std::string&) {}  // behind the last row, where a form has something there
 };
 
 // The channels that are shown, by their places in the session.
@@ -28,12 +29,16 @@ std::unique_ptr<ReadingWriter> MakeTableWriter(const Session& session, ShownChan
 
 struct CsvForm {
     char separator = ',';
-    bool local = false;  // for spreadsheets: local times, the user's decimal sign, a byte-order mark
+    bool local = false;  // for spreadsheets: local times and the user's decimal sign
+    bool mark = true;    // and a byte-order mark, which a file needs
 };
 // The form that this user's spreadsheets take: values are parted by a character that no number has.
 CsvForm SpreadsheetForm();
 // Times to the microsecond in UTC, values to the last bit, nothing for NaN.
 std::unique_ptr<ReadingWriter> MakeCsvWriter(const Session& session, ShownChannels shown, const CsvForm& form);
+
+// A table of HTML, with times and values as for spreadsheets.
+std::unique_ptr<ReadingWriter> MakeHtmlWriter(const Session& session, ShownChannels shown);
 
 // One object a line: "time" as in the CSV form, and each channel under its name, or under its key where names are not all
 // different; null for what is no finite number.

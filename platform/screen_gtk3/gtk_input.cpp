@@ -1,5 +1,6 @@
 #include "platform/screen_gtk3/gtk_input.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "platform/screen_gtk3/gtk_keys.h"
@@ -198,11 +199,19 @@ void GtkInput::Scroll(const GdkEventScroll& event) {
             return Pointer(WM_MOUSEWHEEL, event.x_root, event.y_root, WHEEL_DELTA);
         case GDK_SCROLL_DOWN:
             return Pointer(WM_MOUSEWHEEL, event.x_root, event.y_root, -WHEEL_DELTA);
+        case GDK_SCROLL_LEFT:
+            return Pointer(WM_MOUSEHWHEEL, event.x_root, event.y_root, -WHEEL_DELTA);
+        case GDK_SCROLL_RIGHT:
+            return Pointer(WM_MOUSEHWHEEL, event.x_root, event.y_root, WHEEL_DELTA);
         case GDK_SCROLL_SMOOTH: {
-            m_wheel -= event.delta_y * WHEEL_DELTA;
-            const int parts = static_cast<int>(m_wheel);
-            m_wheel -= parts;
-            if (parts != 0) Pointer(WM_MOUSEWHEEL, event.x_root, event.y_root, parts);
+            const auto turn = [&](UINT message, double& left, double by) {
+                left += by * WHEEL_DELTA;
+                const int parts = std::clamp(static_cast<int>(left), -0x7FFF, 0x7FFF);
+                left -= parts;
+                if (parts != 0) Pointer(message, event.x_root, event.y_root, parts);
+            };
+            turn(WM_MOUSEWHEEL, m_wheel, -event.delta_y);
+            turn(WM_MOUSEHWHEEL, m_wheelAcross, event.delta_x);
             return;
         }
         default:

@@ -37,11 +37,11 @@ private:
 
     ScreenWindow& m_window;
     GtkIMContext* m_method;
-    bool m_filtering = false;    // an input method is asked about a key at this moment
-    std::u16string m_written;    // what it made of that
-    std::set<UINT> m_modifiers;  // that the library knows to be down
-    double m_wheel = 0;          // less than one step so far
-    guint32 m_pressTime = 0;     // of the last press, for double ones
+    bool m_filtering = false;               // an input method is asked about a key at this moment
+    std::u16string m_written;               // what it made of that
+    std::set<UINT> m_modifiers;             // that the library knows to be down
+    double m_wheel = 0, m_wheelAcross = 0;  // less than one part so far
+    guint32 m_pressTime = 0;                // of the last press, for double ones
     guint m_pressButton = 0;
     double m_pressX = 0, m_pressY = 0;
 };

@@ -8,6 +8,18 @@
 
 using namespace orvik::detail;
 
+namespace {
+// By which a desktop knows whose a window is (its class, or application id); the program's file has the name.
+void TakeProgramName() {
+    if (g_get_prgname() != nullptr) return;
+    gchar* const path = g_file_read_link("/proc/self/exe", nullptr);
+    gchar* const name = path != nullptr ? g_path_get_basename(path) : nullptr;
+    if (name != nullptr) g_set_prgname(name);
+    g_free(name);
+    g_free(path);
+}
+}  // namespace
+
 bool GtkScreen::Start() {
     std::promise<bool> started;
     m_thread = std::thread([&, this] { Run([&](bool can) { started.set_value(can); }); });
@@ -18,11 +30,28 @@ bool GtkScreen::Start() {
 
 void GtkScreen::Run(std::function<void(bool)> started) {
     gtk_disable_setlocale();  // the program's choice
+    TakeProgramName();
     // A desktop without a message bus has no settings to keep either.
     if (g_getenv("DBUS_SESSION_BUS_ADDRESS") == nullptr) g_setenv("GSETTINGS_BACKEND", "memory", FALSE);
     int count = 0;
     char** words = nullptr;
     if (!gtk_init_check(&count, &words)) return started(false);
+    TellDesktop();
+    g_signal_connect_swapped(gtk_settings_get_default(), "notify::gtk-xft-dpi",
+                             G_CALLBACK(+[](GtkScreen* self) { self->TellDesktop(); }), this);
+    const GtkLooks looks(m_host);
+    m_loop = g_main_loop_new(nullptr, FALSE);
+    started(true);
+    g_main_loop_run(m_loop);
+    m_clipboards.Store();
+    m_popups.clear();
+    m_windows.clear();
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+}
+
+// How large it is, and its letters.
+void GtkScreen::TellDesktop() {
     GdkDisplay* const display = gdk_display_get_default();
     GdkMonitor* monitor = gdk_display_get_primary_monitor(display);
     if (monitor == nullptr) monitor = gdk_display_get_monitor(display, 0);
@@ -32,14 +61,6 @@ void GtkScreen::Run(std::function<void(bool)> started) {
         const int scale = gdk_monitor_get_scale_factor(monitor);
         const double dots = gdk_screen_get_resolution(gdk_screen_get_default());
         m_host.SetDesktop({area.width * scale, area.height * scale}, static_cast<UINT>((dots > 0 ? dots : 96) * scale + 0.5));
-    }
-    const GtkLooks looks(m_host);
-    m_loop = g_main_loop_new(nullptr, FALSE);
-    started(true);
-    g_main_loop_run(m_loop);
-    m_popups.clear();
-    m_windows.clear();
-    while (g_main_context_iteration(nullptr, FALSE)) {
     }
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/posix/window/screen_internal.h"
+#include "platform/screen_gtk3/gtk_clipboard.h"
 #include "platform/screen_gtk3/gtk_window.h"
 
 class GtkScreen final : public orvik::detail::Screen {
@@ -25,6 +26,7 @@ public:
     void Damaged(HWND window, const RECT& area) override;
     void Described(HWND window, std::shared_ptr<const OrvikAccessible> said) override;
     void AskForFile(orvik::detail::FileQuestion question, orvik::detail::FileAnswer answer) override;
+    orvik::detail::ScreenExchange* Exchange() override { return &m_clipboards; }
     void End() override;
 
     // For windows, on the module's thread.
@@ -37,6 +39,7 @@ public:
 private:
     void Run(std::function<void(bool)> started);
     void Serve();
+    void TellDesktop();
     void Follow(HWND window);
     void Release();
     void SettleFocus();
@@ -45,6 +48,7 @@ private:
     orvik::detail::ScreenHost& m_host;
     std::thread m_thread;
     GMainLoop* m_loop = nullptr;
+    GtkClipboards m_clipboards;
 
     std::mutex m_lock;  // the notes
     std::set<HWND> m_changed;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/screen_gtk3/gtk_drop.h"
 #include "platform/screen_gtk3/gtk_screen.h"
 #include "platform/win32.h"
 
@@ -24,12 +25,8 @@ const char* NameOf(WORD systemId) {
     return nullptr;
 }
 
-GdkCursor* MakeCursor(GdkDisplay* display, const CursorLook& look) {
-    if (look.pixels.empty()) {
-        const char* const name = NameOf(look.systemId);
-        return gdk_cursor_new_from_name(display, name != nullptr ? name : "default");
-    }
-    // Cairo's pixels are premultiplied.
+// Cairo's pixels are premultiplied.
+cairo_surface_t* PictureOf(const CursorLook& look) {
     cairo_surface_t* const picture = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, look.width, look.height);
     cairo_surface_flush(picture);
     unsigned char* const bytes = cairo_image_surface_get_data(picture);
@@ -43,6 +40,15 @@ GdkCursor* MakeCursor(GdkDisplay* display, const CursorLook& look) {
         }
     }
     cairo_surface_mark_dirty(picture);
+    return picture;
+}
+
+GdkCursor* MakeCursor(GdkDisplay* display, const CursorLook& look) {
+    if (look.pixels.empty()) {
+        const char* const name = NameOf(look.systemId);
+        return gdk_cursor_new_from_name(display, name != nullptr ? name : "default");
+    }
+    cairo_surface_t* const picture = PictureOf(look);
     GdkCursor* const cursor = gdk_cursor_new_from_surface(display, picture, look.hotX, look.hotY);
     cairo_surface_destroy(picture);
     return cursor;
@@ -95,6 +101,7 @@ ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& sh
 
 ScreenWindow::~ScreenWindow() {
     if (m_popup) g_signal_handlers_disconnect_by_data(gtk_widget_get_window(m_window), this);
+    g_signal_handlers_disconnect_by_data(gtk_widget_get_settings(m_window), this);
     g_signal_handlers_disconnect_by_data(m_window, this);
     g_signal_handlers_disconnect_by_data(m_area, this);
     g_signal_handlers_disconnect_by_data(m_area, m_input.get());
@@ -107,6 +114,7 @@ void ScreenWindow::Connect() {
     g_signal_connect(m_area, "draw", G_CALLBACK(&OnDraw), this);
     g_signal_connect(m_area, "size-allocate", G_CALLBACK(&OnAllocate), this);
     g_signal_connect(m_window, "notify::scale-factor", G_CALLBACK(&OnScale), this);
+    g_signal_connect(gtk_widget_get_settings(m_window), "notify::gtk-xft-dpi", G_CALLBACK(&OnLetters), this);
     g_signal_connect(m_window, "window-state-event", G_CALLBACK(&OnState), this);
     g_signal_connect(m_window, "delete-event", G_CALLBACK(&OnDelete), this);
     const auto onKey = +[](GtkWidget*, GdkEventKey* event, gpointer self) -> gboolean {
@@ -237,6 +245,22 @@ void ScreenWindow::SetCursor(const CursorLook& look) {
     if (cursor != nullptr) g_object_unref(cursor);
 }
 
+void ScreenWindow::SetIcons(const std::vector<CursorLook>& icons) {
+    std::vector<const void*> pictures;
+    for (const CursorLook& each : icons) pictures.push_back(each.picture);
+    if (pictures == m_icons) return;
+    m_icons = pictures;
+    GList* list = nullptr;
+    for (const CursorLook& each : icons) {
+        if (each.pixels.empty()) continue;
+        cairo_surface_t* const picture = PictureOf(each);
+        list = g_list_append(list, gdk_pixbuf_get_from_surface(picture, 0, 0, each.width, each.height));
+        cairo_surface_destroy(picture);
+    }
+    gtk_window_set_icon_list(GTK_WINDOW(m_window), list);
+    g_list_free_full(list, g_object_unref);
+}
+
 void ScreenWindow::Follow(const ShownWindow& shown) {
     auto* const window = GTK_WINDOW(m_window);
     if (shown.title != m_title) {
@@ -256,6 +280,11 @@ void ScreenWindow::Follow(const ShownWindow& shown) {
         m_raised = shown.raised;
         if (!m_popup && !gtk_window_is_active(window)) gtk_window_present(window);
     }
+    if (shown.takesFiles != m_takesFiles) {
+        m_takesFiles = shown.takesFiles;
+        TakeDrops(*this, m_takesFiles);
+    }
+    SetIcons(shown.icons);
     SetCursor(shown.cursor);
     m_input->SetCaret(shown.caret);
 }
@@ -306,6 +335,18 @@ void ScreenWindow::OnScale(GObject*, GParamSpec*, gpointer given) {
     if (dots == self.m_dots) return;
     const int scale = self.Scale();
     self.m_size = {gtk_widget_get_allocated_width(self.m_area) * scale, gtk_widget_get_allocated_height(self.m_area) * scale};
+    self.TellDots(dots);
+}
+
+// The user wants larger or smaller letters. What nobody can size grows with what stands in it.
+void ScreenWindow::OnLetters(GObject*, GParamSpec*, gpointer given) {
+    auto& self = *static_cast<ScreenWindow*>(given);
+    const UINT dots = self.Dots();
+    if (dots == self.m_dots || self.m_popup) return;
+    if (!gtk_window_get_resizable(GTK_WINDOW(self.m_window))) {
+        const auto scaled = [&](LONG pixels) { return static_cast<LONG>(static_cast<int64_t>(pixels) * dots / self.m_dots); };
+        self.SetSize({scaled(self.m_size.cx), scaled(self.m_size.cy)});
+    }
     self.TellDots(dots);
 }
 

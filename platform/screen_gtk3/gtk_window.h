@@ -5,6 +5,7 @@
 #include <gtk/gtk.h>
 
 #include <memory>
+#include <vector>
 
 #include "platform/screen_gtk3/gtk_accessible.h"
 #include "platform/screen_gtk3/gtk_input.h"
@@ -36,9 +37,11 @@ private:
     void SetSize(SIZE size);
     void SetCursor(const orvik::detail::CursorLook& look);
     void SetLeast(SIZE least);
+    void SetIcons(const std::vector<orvik::detail::CursorLook>& icons);
     void Place(const orvik::detail::PopupPlace& place);
     static gboolean OnUnmap(GtkWidget* window, GdkEvent* event, gpointer self);
     void Connect();
+    static void OnLetters(GObject* settings, GParamSpec* what, gpointer self);
     static gboolean OnDraw(GtkWidget* area, cairo_t* context, gpointer self);
     static void OnAllocate(GtkWidget* area, GdkRectangle* place, gpointer self);
     static void OnScale(GObject* window, GParamSpec* what, gpointer self);
@@ -61,4 +64,6 @@ private:
     std::string m_title;
     WORD m_systemCursor = 0;
     const void* m_cursorPicture = nullptr;
+    bool m_takesFiles = false;
+    std::vector<const void*> m_icons;
 };

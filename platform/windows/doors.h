@@ -35,6 +35,7 @@ ORVIK_DOOR(CopyFileA);
 ORVIK_DOOR(CreateDirectoryA);
 ORVIK_DOOR(CreateFileA);
 ORVIK_DOOR(DeleteFileA);
+ORVIK_DOOR(DragQueryFileA);
 ORVIK_DOOR(FindFirstFileA);
 ORVIK_DOOR(FindFirstFileExA);
 ORVIK_DOOR(FindNextFileA);
@@ -157,6 +158,7 @@ ORVIK_API LONG_PTR WINAPI OrvikSetWindowLongPtrA(HWND window, int index, LONG_PT
 #define DefWindowProcA OrvikDefWindowProcA
 #define DeleteFileA OrvikDeleteFileA
 #define DispatchMessageA OrvikDispatchMessageA
+#define DragQueryFileA OrvikDragQueryFileA
 #define DrawTextA OrvikDrawTextA
 #define ExtTextOutA OrvikExtTextOutA
 #define FindFirstFileA OrvikFindFirstFileA

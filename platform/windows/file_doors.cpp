@@ -147,3 +147,12 @@ char* Orvik_getcwd(char* out, int size) {
     errno = ERANGE;
     return nullptr;
 }
+
+// As documented: the number of names, the length of one, or as much of it as there is room for.
+UINT WINAPI OrvikDragQueryFileA(HDROP drop, UINT index, LPSTR name, UINT size) {
+    if (!HouseIsUtf8() || index == 0xFFFFFFFFu) return DragQueryFileA(drop, index, name, size);
+    std::wstring path(DragQueryFileW(drop, index, nullptr, 0), L'\0');
+    path.resize(DragQueryFileW(drop, index, path.data(), static_cast<UINT>(path.size() + 1)));
+    return static_cast<UINT>(name == nullptr ? NarrowLength(path)
+                                             : static_cast<size_t>(PutCut(path, name, static_cast<int>(size))));
+}

@@ -174,6 +174,64 @@ TEST_F(ScreenTest, LettersComeInTheOrderOfTheirKeys) {
     DestroyWindow(edit);
 }
 
+TEST_F(ScreenTest, FilesComeAsTheyWereDropped) {
+    const HWND window = Make("window", WS_OVERLAPPEDWINDOW | WS_VISIBLE, kPlace);
+    EXPECT_FALSE(Shown(window).takesFiles);
+    DragAcceptFiles(window, TRUE);
+    EXPECT_TRUE(Shown(window).takesFiles);
+    EnableWindow(window, FALSE);  // a question stands over it
+    EXPECT_FALSE(Shown(window).takesFiles);
+    EnableWindow(window, TRUE);
+    ScreenEvent event{ScreenEvent::Kind::Dropped};
+    event.paths = {"/a/week.odb", "/a/other.csv"};
+    event.x = 7, event.y = 9;
+    TheScreenHost().Post(window, event);
+    MSG message;
+    ASSERT_TRUE(PeekMessageA(&message, window, WM_DROPFILES, WM_DROPFILES, PM_REMOVE));
+    const HDROP drop = reinterpret_cast<HDROP>(message.wParam);
+    char name[8] = "";
+    POINT at{};
+    EXPECT_EQ(DragQueryFileA(drop, 0xFFFFFFFF, nullptr, 0), 2u);
+    EXPECT_EQ(DragQueryFileA(drop, 1, nullptr, 0), 12u);
+    EXPECT_EQ(DragQueryFileA(drop, 0, name, sizeof name), 7u);
+    EXPECT_STREQ(name, "/a/week");
+    EXPECT_EQ(DragQueryFileA(drop, 2, name, sizeof name), 0u);
+    EXPECT_TRUE(DragQueryPoint(drop, &at) && at.x == 7 && at.y == 9);
+    DragFinish(drop);
+    EXPECT_EQ(DragQueryFileA(drop, 0xFFFFFFFF, nullptr, 0), 0u);
+    DestroyWindow(window);
+    TheScreenHost().Post(window, event);  // which has gone meanwhile
+}
+
+TEST_F(ScreenTest, TellsWhereLettersAreTypedAndWhatTheWindowLooksLike) {
+    const HWND window = Make("window", WS_OVERLAPPEDWINDOW | WS_VISIBLE, kPlace);
+    const HWND edit =
+        CreateWindowExA(0, "Edit", "wide", WS_CHILD | WS_VISIBLE, 30, 10, 60, 20, window, nullptr, nullptr, nullptr);
+    SetFocus(edit);
+    const RECT before = Shown(window).caret;
+    EXPECT_TRUE(before.left >= 30 && before.top >= 10 && before.bottom > before.top);
+    SendMessageA(edit, WM_KEYDOWN, VK_END, 1);
+    EXPECT_GT(Shown(window).caret.left, before.left);
+    SetFocus(window);
+    EXPECT_EQ(Shown(window).caret.bottom, 0);
+
+    EXPECT_TRUE(Shown(window).icons.empty());
+    const auto icon = [](int size) {
+        return static_cast<HICON>(
+            LoadImageA(GetModuleHandleA("OrvikShared"), MAKEINTRESOURCEA(176), IMAGE_ICON, size, size, LR_DEFAULTCOLOR));
+    };
+    const HICON big = icon(48), small = icon(16);
+    SendMessageA(window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(big));
+    EXPECT_EQ(SendMessageA(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small)), 0);
+    EXPECT_EQ(reinterpret_cast<HICON>(SendMessageA(window, WM_GETICON, ICON_BIG, 0)), big);
+    const std::vector<CursorLook> icons = Shown(window).icons;
+    ASSERT_EQ(icons.size(), 2u);
+    EXPECT_EQ(icons[0].width, 48);
+    EXPECT_EQ(icons[1].width, 16);
+    DestroyIcon(big);
+    DestroyIcon(small);
+}
+
 TEST_F(ScreenTest, TheFocusGoesWhereAnAnswerIsAwaited) {
     const HWND owner = Make("owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, kPlace);
     const HWND other = Make("other", WS_OVERLAPPEDWINDOW | WS_VISIBLE, kPlace);

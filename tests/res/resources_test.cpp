@@ -81,7 +81,7 @@ TEST(Images, CursorsHaveTheirHotSpots) {
 }
 
 TEST(Images, IconsComeInThreeSizes) {
-    for (const UINT id : {167u, 168u, 169u, 170u, 171u, 172u, 175u}) {
+    for (const UINT id : {167u, 168u, 169u, 170u, 171u, 172u, 175u, 176u}) {
         const HRSRC group = FindResourceA(Module(), MAKEINTRESOURCEA(id), RT_GROUP_ICON);
         ASSERT_TRUE(group) << id;
         const auto directory = Bytes(group);

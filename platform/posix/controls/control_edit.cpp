@@ -3,42 +3,23 @@
 // One room for the class: its messages, keys, layout and painting share all of its state.
 #include <algorithm>
 #include <cstring>
-#include <mutex>
 #include <vector>
 
 #include "platform/house_text_internal.h"
 #include "platform/letters.h"
 #include "platform/posix/controls/control_internal.h"
+#include "platform/posix/controls/edit_menu_internal.h"
 #include "platform/posix/controls/edit_text_internal.h"
 #include "platform/posix/controls/scroll_part_internal.h"
 #include "platform/posix/drawing/text_places_internal.h"
+#include "platform/posix/exchange/clipboard_text_internal.h"
+#include "platform/posix/window/caret.h"
 #include "platform/posix/text/letters_internal.h"
 
 namespace orvik::detail {
 namespace {
 
 constexpr size_t kDefaultLimit = 30000, kGreatestLimit = 0x7FFFFFFE;
-
-// What was cut or copied last, by any edit control.
-class Pasteboard {
-public:
-    static Pasteboard& Get() {
-        static Pasteboard board;
-        return board;
-    }
-    void Set(std::string text) {
-        const std::lock_guard guard(m_lock);
-        m_text = std::move(text);
-    }
-    std::string Text() {
-        const std::lock_guard guard(m_lock);
-        return m_text;
-    }
-
-private:
-    std::mutex m_lock;
-    std::string m_text;
-};
 
 class Edit final : public Control {
 public:
@@ -67,17 +48,22 @@ public:
                 return result;
             }
             case WM_SETFOCUS:
+                CreateCaret(m_window, nullptr, 1, LineHeight());
+                PlaceCaret();
                 Invalidate();
                 Tell(EN_SETFOCUS);
                 return 0;
             case WM_KILLFOCUS:
+                DestroyCaret();
                 Invalidate();
                 Tell(EN_KILLFOCUS);
                 return 0;
             case WM_CHAR:
                 return Char(m_typed.Take(wParam));
             case WM_KEYDOWN:
-                return Key(wParam);
+                Key(wParam);
+                if (GetKeyState(VK_SHIFT) < 0) OfferMarked();
+                return 0;
             case WM_LBUTTONDOWN:
                 if (!Focused()) SetFocus(m_window);
                 SetCapture(m_window);
@@ -85,24 +71,31 @@ public:
                 return 0;
             case WM_LBUTTONDBLCLK:
                 m_text.SelectWord(At({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}));
+                OfferMarked();
                 return Selected();
+            case WM_MBUTTONDOWN:
+                return InsertMarked({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+            case WM_CONTEXTMENU:
+                return ShowMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
             case WM_MOUSEMOVE:
                 if (GetCapture() == m_window) MoveCaret(At({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}), true);
                 return 0;
             case WM_LBUTTONUP:
-                if (GetCapture() == m_window) ReleaseCapture();
+                if (GetCapture() != m_window) return 0;
+                ReleaseCapture();
+                OfferMarked();
                 return 0;
             case WM_MOUSEWHEEL:
                 ScrollTo(m_top - 3 * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA);
                 return 0;
             case WM_CUT:
-                if (Copy() && !ReadOnly()) Insert("", true);
+                if (!ReadOnly() && Copy()) Insert("", true);
                 return 0;
             case WM_COPY:
                 Copy();
                 return 0;
             case WM_PASTE:
-                if (!ReadOnly()) Insert(OneLine(Pasteboard::Get().Text()), true);
+                if (!ReadOnly()) Insert(OneLine(TextToPaste(m_window)), true);
                 return 0;
             case WM_CLEAR:
                 if (!ReadOnly() && m_text.From() != m_text.To()) Insert("", true);
@@ -332,8 +325,16 @@ private:
         return at > Value().size() ? 0 : static_cast<LRESULT>(Lines()[LineOf(at)].length);
     }
 
+    // For an input method: the bar itself is painted with the text.
+    void PlaceCaret() {
+        if (!Focused()) return;
+        const POINT at = PointOf(m_text.Caret());
+        SetCaretPos(at.x, at.y);
+    }
+
     LRESULT Selected() {
         ShowCaret();
+        PlaceCaret();
         Invalidate();
         return 0;
     }
@@ -372,8 +373,41 @@ private:
 
     bool Copy() {
         if (!m_password.empty() || m_text.From() == m_text.To()) return false;
-        Pasteboard::Get().Set(m_text.Selected());
-        return true;
+        return CopyText(m_window, m_text.Selected());
+    }
+
+    // What its user marks can be put elsewhere by the middle button, and the other way round.
+    void OfferMarked() const {
+        if (m_password.empty() && m_text.From() != m_text.To()) OfferMarkedText(m_text.Selected());
+    }
+    LRESULT InsertMarked(POINT point) {
+        const std::string marked = ReadOnly() ? "" : OneLine(MarkedText());
+        if (!Focused()) SetFocus(m_window);
+        if (marked.empty()) return 0;
+        MoveCaret(At(point), false);
+        Insert(marked, true);
+        return 0;
+    }
+
+    LRESULT ShowMenu(POINT screen) {
+        if (!Focused()) SetFocus(m_window);
+        if (screen.x == -1 && screen.y == -1) {
+            screen = PointOf(m_text.Caret());
+            screen.y += LineHeight();
+            ClientToScreen(m_window, &screen);
+        }
+        const bool marked = m_text.From() != m_text.To(), writable = !ReadOnly(), open = m_password.empty();
+        EditMenu menu;
+        menu.undo = writable && m_text.CanUndo();
+        menu.cut = writable && marked && open;
+        menu.copy = marked && open;
+        menu.paste = writable && HasTextToPaste();
+        menu.clear = writable && marked;
+        menu.all = !Value().empty() && m_text.To() - m_text.From() != Value().size();
+        const HWND window = m_window;
+        const auto [message, from, to] = AskEditMenu(window, screen, menu);
+        if (message != 0 && IsWindow(window)) SendMessageA(window, message, from, to);
+        return 0;
     }
 
     // One character's bytes.
@@ -387,6 +421,7 @@ private:
                 return 0;
             case 1:
                 m_text.Select(0, Value().size());
+                OfferMarked();
                 return Selected();
             case 3:
                 return Handle(WM_COPY, 0, 0);

@@ -6,6 +6,8 @@
 
 namespace orvik::detail {
 namespace {
+constexpr int kWheelAcross = 48;  // pixels at 96 dots an inch, by a notch
+
 POINT PointOf(LPARAM lParam) { return {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}; }
 template <class T>
 T& At(LPARAM lParam) {
@@ -92,6 +94,9 @@ LRESULT ListView::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return Release(PointOf(lParam));
         case WM_MOUSEWHEEL:
             ScrollTo(m_top - 3 * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA, m_shift);
+            return 0;
+        case WM_MOUSEHWHEEL:
+            ScrollTo(m_top, m_shift + Scaled(kWheelAcross) * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA);
             return 0;
         case WM_CAPTURECHANGED:
             m_dragged = 0;

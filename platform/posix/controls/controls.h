@@ -88,7 +88,7 @@
 #define BN_SETFOCUS 6
 #define BN_KILLFOCUS 7
 
-// Cutting and pasting, within this process: there is no clipboard that others see.
+// Cutting and pasting, by the clipboard.
 #define WM_CUT 0x0300u
 #define WM_COPY 0x0301u
 #define WM_PASTE 0x0302u

@@ -315,6 +315,8 @@ int GetObjectA(HANDLE object, int size, LPVOID buffer) {
     }
 }
 
+BOOL GdiFlush() { return TRUE; }
+
 BOOL DeleteObject(HGDIOBJ object) {
     if (const DWORD type = object != nullptr ? GetObjectType(object) : 0; type == OBJ_DC || type == OBJ_MEMDC)
         return DeleteDC(static_cast<HDC>(object));

@@ -149,3 +149,4 @@ ORVIK_API DWORD WINAPI GetObjectType(HGDIOBJ object);
 // 0 for a bad handle.
 ORVIK_API int WINAPI GetObjectA(HANDLE object, int size, LPVOID buffer);
 ORVIK_API BOOL WINAPI DeleteObject(HGDIOBJ object);
+ORVIK_API BOOL WINAPI GdiFlush();  // what was drawn is in the pixels; here it always is

@@ -1,6 +1,8 @@
 #include "platform/posix/kernel/memory.h"
 
 #include <cstdlib>
+#include <map>
+#include <mutex>
 
 #include "platform/posix/kernel/handle_table_internal.h"
 
@@ -13,6 +15,22 @@ void* Allocate(SIZE_T bytes, bool zero) {
     if (block == nullptr) SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return block;
 }
+
+// The blocks that there are, so that a wrong handle is an error and no more.
+struct GlobalBlocks {
+    std::mutex lock;
+    std::map<HGLOBAL, SIZE_T> sizes;
+    static GlobalBlocks& Get() {
+        static GlobalBlocks* blocks = new GlobalBlocks;
+        return *blocks;
+    }
+    bool Find(HGLOBAL block, SIZE_T& size) {
+        const std::lock_guard guard(lock);
+        const auto found = sizes.find(block);
+        if (found != sizes.end()) size = found->second;
+        return found != sizes.end();
+    }
+};
 }  // namespace
 
 HANDLE GetProcessHeap() {
@@ -43,6 +61,50 @@ HLOCAL LocalAlloc(UINT flags, SIZE_T bytes) {
 }
 
 HLOCAL LocalFree(HLOCAL block) {
+    std::free(block);
+    return nullptr;
+}
+
+HGLOBAL GlobalAlloc(UINT flags, SIZE_T bytes) {
+    if ((flags & ~static_cast<UINT>(GHND)) != 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    void* const block = Allocate(bytes, (flags & GMEM_ZEROINIT) != 0);
+    if (block == nullptr) return nullptr;
+    GlobalBlocks& blocks = GlobalBlocks::Get();
+    const std::lock_guard guard(blocks.lock);
+    blocks.sizes[block] = bytes;
+    return block;
+}
+
+LPVOID GlobalLock(HGLOBAL block) {
+    SIZE_T size = 0;
+    if (GlobalBlocks::Get().Find(block, size)) return block;
+    SetLastError(ERROR_INVALID_HANDLE);
+    return nullptr;
+}
+
+BOOL GlobalUnlock(HGLOBAL block) {
+    SIZE_T size = 0;
+    SetLastError(GlobalBlocks::Get().Find(block, size) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
+    return FALSE;
+}
+
+SIZE_T GlobalSize(HGLOBAL block) {
+    SIZE_T size = 0;
+    if (!GlobalBlocks::Get().Find(block, size)) SetLastError(ERROR_INVALID_HANDLE);
+    return size;
+}
+
+HGLOBAL GlobalFree(HGLOBAL block) {
+    if (block == nullptr) return nullptr;
+    GlobalBlocks& blocks = GlobalBlocks::Get();
+    const std::lock_guard guard(blocks.lock);
+    if (blocks.sizes.erase(block) == 0) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return block;
+    }
     std::free(block);
     return nullptr;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/house_text_internal.h"
 #include "platform/posix/dialogs/menu.h"
+#include "platform/posix/exchange/dropped_files_internal.h"
 #include "platform/posix/screen/screen_accessible_internal.h"
 #include "platform/posix/screen/screen_loading_internal.h"
 #include "platform/posix/window/dpi.h"
@@ -251,6 +252,9 @@ void PostScreenEvent(HWND window, const ScreenEvent& event) {
             PostMessageA(window, KeyStep(), VK_PACKET, 0);
             break;
         }
+        case Kind::Dropped:
+            PostDrop(window, event.paths, {event.x, event.y - BarOf(window)});
+            break;
         case Kind::Resized:
         case Kind::DotsChanged:
             PostLatest(window, EventMessage(), kind, Pair(event.x, event.y));

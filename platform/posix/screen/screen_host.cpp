@@ -50,6 +50,12 @@ public:
         out.state = window->state;
         out.stateAsked = window->stateAsked;
         out.title = Utf8FromHouse(window->text);
+        out.takesFiles = (window->exStyle & WS_EX_ACCEPTFILES) != 0 && out.enabled;
+        out.caret = window->caret;
+        const WNDCLASSEXA& info = window->windowClass->info;
+        for (const HICON icon : {window->icons[ICON_BIG] != nullptr ? window->icons[ICON_BIG] : info.hIcon,
+                                 window->icons[ICON_SMALL] != nullptr ? window->icons[ICON_SMALL] : info.hIconSm})
+            if (icon != nullptr) out.icons.push_back(LookOf(icon));
         if (const MessageQueue* const queue = QueueOf(window->thread)) out.cursor = LookOf(queue->cursor);
         return true;
     }

@@ -44,6 +44,10 @@ Screen* Open() {
 
 Screen* UseScreen(Screen* screen) { return g_screen.exchange(screen); }
 Screen* TheScreen() { return g_screen.load(std::memory_order_acquire); }
+ScreenExchange* TheExchange() {
+    Screen* const screen = TheScreen();
+    return screen != nullptr ? screen->Exchange() : nullptr;
+}
 bool HasScreen() { return TheScreen() != nullptr; }
 
 bool OpenScreenNow() {

@@ -48,6 +48,8 @@
 #define WM_STYLECHANGED 0x007Du
 #define WM_GETICON 0x007Fu
 #define WM_SETICON 0x0080u
+#define ICON_SMALL 0
+#define ICON_BIG 1
 #define WM_NCCREATE 0x0081u
 #define WM_NCDESTROY 0x0082u
 #define WM_NCCALCSIZE 0x0083u

@@ -18,6 +18,7 @@
 #include "platform/posix/drawing/desktop_looks_internal.h"
 #include "platform/posix/window/messages.h"
 #include "platform/posix/window/popup_place_internal.h"
+#include "platform/posix/window/screen_exchange_internal.h"
 
 namespace orvik::detail {
 struct Window;
@@ -45,7 +46,9 @@ struct ShownWindow {
     unsigned stateAsked = 0;  // grows when the program asks for the state
     std::string title;        // UTF-8
     CursorLook cursor;
-    RECT caret{};  // where letters are typed, in the picture: for the list of an input method
+    bool takesFiles = false;        // that are dropped on it
+    std::vector<CursorLook> icons;  // of several sizes; none where the program has chosen none
+    RECT caret{};                   // where letters are typed, in the picture: for the list of an input method
 };
 
 // What comes from the user or the desktop.
@@ -64,17 +67,19 @@ struct ScreenEvent {
         Dismissed,
         LooksChanged,
         Described,
-        Asked
+        Asked,
+        Dropped
     } kind;
     // Pointer: a mouse message, a point in the picture, the wheel's parts. Key: its VK_ code, whether it goes down. Resized: the
     // size. Dismissed: the desktop has taken a popup away. State: one of ShownWindow::State. DotsChanged: dots an inch, and the
-    // size by these. Placed: where a popup came to lie in its owner's picture. The last two are the library's own, for what is
-    // asked by ScreenHost::Listen and Ask.
+    // size by these. Placed: where a popup came to lie in its owner's picture. Dropped: files, at a point. Described and Asked are
+    // the library's own, for what is asked by ScreenHost::Listen and Ask.
     UINT code = 0;
     int x = 0, y = 0, wheel = 0;
     bool down = false;
-    bool untyped = false;      // of a key that writes nothing by itself, an input method having taken it (VK_PROCESSKEY)
-    std::u16string letters{};  // Text; of a key, what it writes if it is not the keyboard's usual
+    bool untyped = false;              // of a key that writes nothing by itself, an input method having taken it (VK_PROCESSKEY)
+    std::u16string letters{};          // Text; of a key, what it writes if it is not the keyboard's usual
+    std::vector<std::string> paths{};  // the system's
 };
 
 // A question for a file, by the desktop's own dialog. Texts are UTF-8, paths the system's.
@@ -120,6 +125,7 @@ public:
     virtual void AskForFile(FileQuestion question, FileAnswer answer) = 0;  // which is called on the screen's thread
     // What a top-level window says of itself, after Listen: texts in UTF-8, places in its picture.
     virtual void Described(HWND window, std::shared_ptr<const OrvikAccessible> said) = 0;
+    virtual ScreenExchange* Exchange() { return nullptr; }
     virtual void End() = 0;  // returns when the screen's thread has gone
 
 protected:

@@ -76,12 +76,29 @@ LRESULT ChooseCursor(HWND handle, WPARAM over, LPARAM lParam) {
     SetCursor(cursor);
     return TRUE;
 }
+
+// The icon that the window has, or had.
+LRESULT KeepIcon(HWND handle, bool set, WPARAM which, HICON icon) {
+    const std::lock_guard kernel(KernelLock());
+    Window* const window = FindWindowOf(handle);
+    if (window == nullptr || which >= window->icons.size()) return 0;
+    HICON& kept = window->icons[which];
+    const HICON before = kept;
+    if (set) {
+        kept = icon;
+        NoteChanged(*window);
+    }
+    return reinterpret_cast<LRESULT>(before);
+}
 }  // namespace
 
 LRESULT DefaultAnswer(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_NCACTIVATE:
             return TRUE;
+        case WM_GETICON:
+        case WM_SETICON:
+            return KeepIcon(handle, message == WM_SETICON, wParam, reinterpret_cast<HICON>(lParam));
         case WM_WINDOWPOSCHANGED:
             TellPlace(handle, *reinterpret_cast<const WINDOWPOS*>(lParam));
             return 0;

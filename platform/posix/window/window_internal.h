@@ -58,6 +58,8 @@ struct Window {
     ShownWindow::State state = ShownWindow::State::Normal;
     LONG bar = 0;                     // height of the menu bar, which lies above the client area; 0 for none
     std::optional<PopupPlace> popup;  // of a popup
+    RECT caret{};                     // a top-level window's, in its picture: where letters are typed in it; empty for nowhere
+    std::array<HICON, 2> icons{};     // by ICON_SMALL and ICON_BIG, as WM_SETICON gave them
     std::array<SCROLLINFO, 2> scroll{SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0},
                                      SCROLLINFO{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0}};
 

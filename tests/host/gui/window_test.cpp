@@ -9,6 +9,7 @@
 #include "frame/app_stock.h"
 #include "host/gui/recent_files.h"
 #include "host/gui/unsaved_recording.h"
+#include "host/logger/logger_file.h"
 #include "host/session/channel_intervals.h"
 #include "host/session/database_file.h"
 #include "host/session/pointed_value.h"
@@ -515,6 +516,68 @@ TEST_F(WindowTest, AnUnsavedDownloadIsFoundAgain) {
 }
 
 // The list of files is its user's, whichever window asks; what is gone is told of and leaves it.
+TEST_F(WindowTest, WhatIsCopiedIsThereForOtherPrograms) {
+    const UINT html = ::RegisterClipboardFormatA("HTML Format");
+    const auto text = [] {
+        std::string out;
+        if (!::OpenClipboard(nullptr)) return out;
+        if (const HANDLE memory = ::GetClipboardData(CF_UNICODETEXT)) {
+            const auto* const units = static_cast<const WCHAR*>(::GlobalLock(memory));
+            for (size_t i = 0; units[i] != 0; ++i) out += units[i] < 128 ? static_cast<char>(units[i]) : '?';
+            ::GlobalUnlock(memory);
+        }
+        ::CloseClipboard();
+        return out;
+    };
+    const auto lines = [](const std::string& all) { return std::count(all.begin(), all.end(), '\n'); };
+    EXPECT_TRUE(hands.window->Command(kCommandCopy));
+    EXPECT_EQ(text().substr(0, 35), "time\tAir [?C]\tHumidity [%]\tSoil [?C");
+    EXPECT_EQ(lines(text()), 201);
+    EXPECT_TRUE(::IsClipboardFormatAvailable(CF_DIB));
+    EXPECT_TRUE(::IsClipboardFormatAvailable(html));
+
+    // Of what is shown alone.
+    ViewState part = hands.window->Document().State();
+    part.time = ViewRange{0, 600};
+    part.hidden = {hands.window->Document().GetSession()->Channels()[1].key};
+    hands.window->Document().History().Do(Text::StepZoom, part);
+    hands.window->Chart().StateChanged();
+    EXPECT_TRUE(hands.window->Command(kCommandCopy));
+    EXPECT_EQ(lines(text()), 12);
+    EXPECT_EQ(text().find("Humidity"), std::string::npos);
+
+    ::SetFocus(hands.window->List().m_hWnd);
+    EXPECT_TRUE(hands.window->Command(kCommandCopy));
+    EXPECT_EQ(text().substr(0, 4), "Air\t");
+    EXPECT_FALSE(::IsClipboardFormatAvailable(CF_DIB));
+
+    // A table that nobody could use stays away, and the picture is there.
+    ::SetFocus(hands.window->Chart().m_hWnd);
+    Hands::WriteSession(path, 50'000);
+    hands.window->Open(path);
+    EXPECT_TRUE(hands.window->Command(kCommandCopy));
+    EXPECT_FALSE(::IsClipboardFormatAvailable(CF_UNICODETEXT));
+    EXPECT_TRUE(::IsClipboardFormatAvailable(CF_DIB));
+}
+
+TEST_F(WindowTest, TextIsTakenAsAnUnsavedSessionAndDescriptionsAreToldFromSessions) {
+    Write("week.csv", "time,Air [K]\n2026-01-01T00:00:00.000000Z,1.5\n2026-01-01T00:01:00.000000Z,2.5\n");
+    EXPECT_TRUE(hands.window->Import(Path("week.csv")));
+    EXPECT_EQ(hands.window->Document().GetSession()->Count(), 2u);
+    EXPECT_TRUE(hands.window->Document().IsModified());
+    EXPECT_TRUE(hands.window->Document().Path().empty());
+    EXPECT_EQ(hands.window->Document().Title(), "week");
+    Write("bad.csv", "time,Air\nnever,1\n");
+    EXPECT_THROW(hands.window->Import(Path("bad.csv")), Failure);
+    EXPECT_EQ(hands.window->Document().GetSession()->Count(), 2u);
+
+    CPropertyDB description;
+    description.SetValue("sFamily", "Modbus");
+    StoreDatabase(Path("logger.xml"), description);
+    EXPECT_TRUE(IsLoggerDescription(Path("logger.xml")));
+    for (const std::string& other : {path, Path("week.csv"), Path("none.xml")}) EXPECT_FALSE(IsLoggerDescription(other));
+}
+
 TEST_F(WindowTest, TheFilesThatWereOpenedLastAreOffered) {
     static std::string setting;
     setting = "APPDATA=" + Path("settings");
