@@ -20,6 +20,7 @@ public:
     void Changed(HWND) override {}
     void Damaged(HWND, const RECT&) override {}
     void AskForFile(FileQuestion, FileAnswer answer) override { answer(std::nullopt); }
+    void Described(HWND, std::shared_ptr<const OrvikAccessible>) override {}
     void End() override {}
     ScreenExchange* Exchange() override { return this; }
 

@@ -149,6 +149,7 @@ void LooksChanged(HWND handle) {
     SendMessageA(handle, WM_SYSCOLORCHANGE, 0, 0);
     constexpr WPARAM kMetrics = 0x2A;  // SPI_SETNONCLIENTMETRICS
     SendMessageA(handle, WM_SETTINGCHANGE, kMetrics, 0);
+    DrawMenuBar(handle);
     RedrawWindow(handle, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 

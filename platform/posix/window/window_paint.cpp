@@ -31,6 +31,16 @@ const std::shared_ptr<Canvas>& NoPicture() {
     return *canvas;
 }
 
+// On a screen, where a busy thread's picture may be seen before all of it is drawn, what is not is no black hole.
+std::shared_ptr<Canvas> NewPicture(const Window& root) {
+    if (root.Width() <= 0 || root.Height() <= 0) return nullptr;
+    std::shared_ptr<Canvas> canvas = MakeImageCanvas(root.Width(), root.Height());
+    if (canvas == nullptr || !HasScreen()) return canvas;
+    const PixelView pixels = canvas->Pixels();
+    for (int y = 0; y < pixels.height; ++y) std::fill_n(pixels.Row(y), pixels.width, PixelOf(GetSysColor(COLOR_WINDOW)));
+    return canvas;
+}
+
 CanvasPlace PlaceOf(const Context& context) {
     CanvasPlace place;
     place.canvas = NoPicture();
@@ -39,7 +49,7 @@ CanvasPlace PlaceOf(const Context& context) {
     if (window == nullptr || !CanBeSeen(*window)) return place;
     Window& root = RootOf(*window);
     if (root.Width() == 0 || root.Height() == 0) return place;
-    if (root.canvas == nullptr) root.canvas = MakeImageCanvas(root.Width(), root.Height());
+    if (root.canvas == nullptr) root.canvas = NewPicture(root);
     if (root.canvas == nullptr) return place;  // too large for memory
     const POINT own = OriginOf(*window);
     place.canvas = root.canvas;
@@ -163,7 +173,7 @@ void RefreshContexts(Window& root) {
 void ResizeCanvas(Window& root) {
     if (root.canvas == nullptr) return;
     const std::shared_ptr<Canvas> before = std::move(root.canvas);
-    root.canvas = root.Width() > 0 && root.Height() > 0 ? MakeImageCanvas(root.Width(), root.Height()) : nullptr;
+    root.canvas = NewPicture(root);
     if (root.canvas == nullptr) return;
     const PixelView from = before->Pixels(), to = root.canvas->Pixels();
     const auto length = static_cast<size_t>(std::min(from.width, to.width)) * sizeof(uint32_t);
