@@ -120,6 +120,14 @@ class XScreen:
     def type(self, text):
         xdotool("type", text)
 
+    has_clipboard = True  # that other programs can be asked for without a window of theirs
+
+    def copied(self, *kind):
+        return run("xclip", "-selection", "clipboard", *kind, "-o")
+
+    def copy(self, text):
+        subprocess.run(["xclip", "-selection", "clipboard"], input=text.encode(), check=True)
+
     def release_all(self):
         for button in (1, 3):
             xdotool("mouseup", button)
@@ -184,6 +192,7 @@ class WaylandLog:
 class WestonScreen(XScreen):
     """Wayland by weston, which fills an X11 screen and takes its pointer and keys from there: one window fills it all, dialogs lie above
     without a frame of their own. It tells nobody its windows' titles: they are read off what program and compositor say."""
+    has_clipboard = False
 
     def __init__(self):
         super().__init__()
