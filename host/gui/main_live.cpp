@@ -120,11 +120,13 @@ void MainWindow::DownloadOver(const std::string& why) {
     m_document.GrowsNoMore();
     m_lineLost = false;
     SetFollowTimer();
-    ShowStatus(Say(Text::LiveEnded, {std::to_string(m_document.GetSession()->Count())}));
     UpdateMenu();
-    if (why.empty()) return;
-    // A question that stands there goes first.
-    m_asking ? ShowStatus(why) : Tell(why);
+    const size_t count = m_document.GetSession()->Count();
+    const std::string ended = Say(Text::LiveEnded, {std::to_string(count)});
+    // Whoever is at work meanwhile is not interrupted; whoever waits for a first reading is told that none comes.
+    if (why.empty() || count > 0 || m_asking) return ShowStatus(why.empty() ? ended : ended + ". " + why);
+    ShowStatus(ended);
+    Tell(why);
 }
 
 bool MainWindow::EndDownload() {

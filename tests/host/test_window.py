@@ -459,9 +459,41 @@ class WindowFlow(unittest.TestCase):
         until(lambda: window.picture() != shown, "the readings that waited")
         before = window.picture()
         until(lambda: window.picture() != before, "more readings still")
+        # Closing asks; the answer no lets the download go on, and dialogs have their say meanwhile.
+        window.key("alt+F4")
+        window.dialog("OrvikHost")
+        window.key("n")
+        xdotool("windowfocus", "--sync", window.id)
+        window.key("ctrl+d")
+        window.dialog("Download")
+        before = window.picture()
+        until(lambda: window.picture() != before, "readings beside a dialog")
+        window.key("Escape")
+        xdotool("windowfocus", "--sync", window.id)
         window.key("ctrl+b")
         window.settled()
         self.assertEqual(window.close(keeping="11-question"), 0)
+
+    def test_a_recording_of_another_program_is_followed(self):
+        if options.wine:
+            self.skipTest("what records is a program of the other home, whose locks are not seen")
+        line = SimulatedLine(options, self.folder, [])
+        self.addCleanup(line.stop)
+        recording = self.folder / "other.odb.rec"
+        recorder = subprocess.Popen([options.simulator, "download", "--port", line.port, "--interval", "100", "--for", "1 h", "--out", "other.odb"],
+                                    cwd=self.folder, env={**os.environ, **simulated_line.environment(options)}, stdout=subprocess.DEVNULL)
+        self.addCleanup(recorder.wait)
+        self.addCleanup(recorder.kill)
+        until(recording.exists, "a recording")
+        window = self.open(recording, title=recording.name)
+        until(lambda: window.picture().axis(ORANGE), "a chart")
+        for _ in range(3):
+            before = window.picture()
+            until(lambda: window.picture() != before, "more readings")
+        window.keep("23-followed")
+        self.assertFalse(window.is_modified())
+        recorder.kill()
+        self.assertEqual(window.close(), 0)
 
     def test_it_can_be_used_while_a_logger_keeps_silent(self):
         # The first answer is awaited for ten minutes; nothing else waits for it.

@@ -19,16 +19,15 @@ struct OPENFILENAMEA {
     HINSTANCE hInstance;
     LPCSTR lpstrFilter;  // pairs of a name and of patterns ("*.odb;*.xml"), each ended by a zero, and one more zero
     LPSTR lpstrCustomFilter;
-    DWORD nMaxCustFilter, nFilterIndex;  // the pair that is chosen, from 1: at first, and at last
-    LPSTR lpstrFile;                     // in: what is suggested; out: the path
+    DWORD nMaxCustFilter, nFilterIndex;
+    LPSTR lpstrFile;  // in: what is suggested; out: the path
     DWORD nMaxFile;
     LPSTR lpstrFileTitle;
     DWORD nMaxFileTitle;
     LPCSTR lpstrInitialDir, lpstrTitle;
     DWORD Flags;
     WORD nFileOffset, nFileExtension;
-    LPCSTR lpstrDefExt;  // given to a name that is saved without one, where the chosen pair's first pattern ends in none; null:
-                         // neither
+    LPCSTR lpstrDefExt;  // given to a name that is saved without one
     LPARAM lCustData;
     void* lpfnHook;
     LPCSTR lpTemplateName;
