@@ -10,6 +10,7 @@ using namespace orvik::detail;
 namespace {
 constexpr const char* kHtml = "text/html";
 constexpr const char* kPng = "image/png";
+constexpr const char *kUtf8 = "text/plain;charset=utf-8", *kPlain = "text/plain";
 
 struct Offered {
     std::shared_ptr<const CopiedData> data;
@@ -20,6 +21,11 @@ GtkClipboard* At(CopyPlace place) {
     return gtk_clipboard_get(place == CopyPlace::Clipboard ? GDK_SELECTION_CLIPBOARD : GDK_SELECTION_PRIMARY);
 }
 
+bool IsPlainText(GdkAtom target) {
+    const auto is = [&](const char* name) { return target == gdk_atom_intern_static_string(name); };
+    return is(kUtf8) || is(kPlain);
+}
+
 void Give(GtkClipboard*, GtkSelectionData* out, guint form, gpointer given) {
     const CopiedData& data = *static_cast<const Offered*>(given)->data;
     const auto set = [&](const std::string& bytes) {
@@ -28,6 +34,8 @@ void Give(GtkClipboard*, GtkSelectionData* out, guint form, gpointer given) {
     };
     switch (static_cast<CopiedForm>(form)) {
         case CopiedForm::Text:
+            // The toolkit would write these in the letters of the locale, and lose those that it lacks.
+            if (IsPlainText(gtk_selection_data_get_target(out))) return set(data.text);
             gtk_selection_data_set_text(out, data.text.data(), static_cast<gint>(data.text.size()));
             return;
         case CopiedForm::Html:
@@ -52,7 +60,9 @@ void OfferNow(GtkClipboard* clipboard, std::unique_ptr<Offered> offered) {
     // The richest first: some programs take the first that they know.
     if (!data.html.empty())
         gtk_target_list_add(list, gdk_atom_intern_static_string(kHtml), 0, static_cast<guint>(CopiedForm::Html));
-    if (!data.text.empty()) gtk_target_list_add_text_targets(list, static_cast<guint>(CopiedForm::Text));
+    for (const char* name : {kUtf8, "UTF8_STRING", kPlain, "TEXT", "STRING", "COMPOUND_TEXT"})
+        if (!data.text.empty())
+            gtk_target_list_add(list, gdk_atom_intern_static_string(name), 0, static_cast<guint>(CopiedForm::Text));
     if (!data.png.empty())
         gtk_target_list_add(list, gdk_atom_intern_static_string(kPng), 0, static_cast<guint>(CopiedForm::Picture));
     gint count = 0;

@@ -280,8 +280,9 @@ void ScreenWindow::Follow(const ShownWindow& shown) {
         m_raised = shown.raised;
         if (!m_popup && !gtk_window_is_active(window)) gtk_window_present(window);
     }
-    if (shown.takesFiles != m_takesFiles) {
-        m_takesFiles = shown.takesFiles;
+    // Not while a question stands over it.
+    if (const bool takes = shown.takesFiles && shown.enabled; takes != m_takesFiles) {
+        m_takesFiles = takes;
         TakeDrops(*this, m_takesFiles);
     }
     SetIcons(shown.icons);

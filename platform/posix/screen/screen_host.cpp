@@ -50,7 +50,7 @@ public:
         out.state = window->state;
         out.stateAsked = window->stateAsked;
         out.title = Utf8FromHouse(window->text);
-        out.takesFiles = (window->exStyle & WS_EX_ACCEPTFILES) != 0 && out.enabled;
+        out.takesFiles = (window->exStyle & WS_EX_ACCEPTFILES) != 0;
         out.caret = window->caret;
         const WNDCLASSEXA& info = window->windowClass->info;
         for (const HICON icon : {window->icons[ICON_BIG] != nullptr ? window->icons[ICON_BIG] : info.hIcon,

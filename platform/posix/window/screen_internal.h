@@ -46,7 +46,7 @@ struct ShownWindow {
     unsigned stateAsked = 0;  // grows when the program asks for the state
     std::string title;        // UTF-8
     CursorLook cursor;
-    bool takesFiles = false;        // that are dropped on it
+    bool takesFiles = false;        // that are dropped on it, while it is enabled
     std::vector<CursorLook> icons;  // of several sizes; none where the program has chosen none
     RECT caret{};                   // where letters are typed, in the picture: for the list of an input method
 };
