@@ -6,6 +6,8 @@
 using namespace orvik::detail;
 
 namespace {
+constexpr guint kFarewell = 1000;  // ms
+
 struct Asked {
     GtkScreen& screen;
     FileQuestion question;
@@ -55,7 +57,14 @@ void Ask(const Asked& asked) {
         choice = FileChoice{name, KindChosen(chooser).value_or(question.kind)};
         g_free(name);
     }
-    g_object_unref(dialog);
+    // The key that ended it is still to be let go, and nothing that is gone can be told of that.
+    g_timeout_add(
+        kFarewell,
+        +[](gpointer done) -> gboolean {
+            g_object_unref(done);
+            return G_SOURCE_REMOVE;
+        },
+        dialog);
     asked.answer(choice);
 }
 }  // namespace
