@@ -2,6 +2,7 @@
 
 A window of a screen is what its `find` gives for a part of its title. Places are those of the window's picture.
 """
+import json
 import os
 import pathlib
 import re
@@ -208,15 +209,17 @@ class WestonScreen(XScreen):
         self.process.wait(timeout=20)
         if self.log is not None:
             self.log.file.close()
+            self.said.close()
         self.folder.cleanup()
 
     def errors(self, folder):
         file = folder / f"said-{time.monotonic_ns()}"
-        said = open(file, "wb")
         if self.log is not None:
             self.log.file.close()
+            self.said.close()
+        self.said = open(file, "wb")
         self.log = WaylandLog(file)
-        return said
+        return self.said
 
     def ended(self, code):
         if code != 0:
@@ -255,3 +258,85 @@ class WestonScreen(XScreen):
         until(lambda: self.log.read().popups > before, "a menu")
         for each in [letter, *modifiers]:
             xdotool("keyup", each)
+
+
+class SwayScreen(XScreen):
+    """Wayland by sway, without any X11: its scale can be changed, windows fill it in tiles; keys, but no pointer."""
+
+    def __init__(self):
+        self.folder = tempfile.TemporaryDirectory(prefix="orvik-sway-")
+        folder = pathlib.Path(self.folder.name)
+        (folder / "config").write_text("output HEADLESS-1 resolution 1280x1024 position 0 0\nxwayland disable\ndefault_border none\n"
+                                       "default_floating_border none\nfocus_follows_mouse no\n")
+        # It runs for nobody but a user.
+        user = []
+        if os.geteuid() == 0:
+            user = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
+            os.chown(folder, 65534, 65534)
+        self.own = {"XDG_RUNTIME_DIR": str(folder)}
+        with open(folder / "log", "wb") as log:
+            self.process = subprocess.Popen([*user, "sway", "-c", str(folder / "config")], stdout=log, stderr=log,
+                                            env={**os.environ, **self.own, "WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"})
+        found = lambda pattern: next((each for each in folder.glob(pattern) if each.is_socket()), None)
+        self.own["WAYLAND_DISPLAY"] = until(lambda: found("wayland-*"), "sway").name
+        self.own["SWAYSOCK"] = str(until(lambda: found("sway-ipc.*.sock"), "its ear"))
+        self.environment = {**self.own, "GDK_BACKEND": "wayland"}
+        # A keyboard that stays: programs would lose the first keys of one that has just come.
+        self.keyboard = subprocess.Popen(["wtype", "-s", "86400000", "-k", "Shift_L"], env={**os.environ, **self.own})
+
+    def close(self):
+        self.keyboard.kill()
+        self.keyboard.wait(timeout=20)
+        self.process.terminate()
+        self.process.wait(timeout=20)
+        self.folder.cleanup()
+
+    def run(self, *words):
+        return subprocess.run(words, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env={**os.environ, **self.own}).stdout
+
+    def windows(self):
+        def below(node):
+            for each in node.get("nodes", []) + node.get("floating_nodes", []):
+                if each.get("pid") and each.get("name"):
+                    yield each
+                yield from below(each)
+
+        said = self.run("swaymsg", "-r", "-t", "get_tree")
+        return {str(each["id"]): each for each in below(json.loads(said))} if said else {}
+
+    def titles(self):
+        return {window: each["name"] for window, each in self.windows().items()}
+
+    def focus(self, window):
+        def has_keys():
+            self.run("swaymsg", f"[con_id={window}] focus")
+            return self.windows().get(window, {}).get("focused")
+
+        until(has_keys, "the keys for " + self.title(window))
+
+    def picture(self, window):
+        return self.run("grim", "-t", "ppm", "-")
+
+    def save(self, window, file):
+        self.run("grim", str(file))
+
+    def away(self):
+        """There is no pointer."""
+
+    def release_all(self):
+        """Keys go up by themselves."""
+
+    def key(self, *names):
+        for name in names:
+            *modifiers, key = name.split("+")
+            self.run("wtype", *[word for each in modifiers for word in ("-M", each)], "-k", key,
+                     *[word for each in modifiers for word in ("-m", each)])
+
+    def type(self, text):
+        self.run("wtype", text)
+
+    def scale(self, factor):
+        self.run("swaymsg", "output", "HEADLESS-1", "scale", str(factor))
+
+    def ask_to_close(self, window):
+        self.run("swaymsg", f"[con_id={window}] kill")
