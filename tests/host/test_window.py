@@ -60,6 +60,10 @@ class Picture:
     def row(self, y):
         return self.pixels[y * self.width * 3:(y + 1) * self.width * 3]
 
+    def beside(self, x):
+        """What is to the right of that."""
+        return [self.row(y)[x * 3:] for y in range(TITLE, self.height)]
+
     def column(self, x):
         """The colours of an upright line of pixels."""
         step = self.width * 3
@@ -144,10 +148,21 @@ class Window:
             now = self.picture()
             same = same + 1 if last is not None and now == last else 0
             last = now
-            return same >= 3 and (other_than is None or now != other_than)
+            return same >= screen.calm and (other_than is None or now != other_than)
 
         until(settles, "a picture that is another one and stays")
         return last
+
+    def steady(self, measure, what):
+        """What is measured of the picture when it is there and stays, whatever else changes."""
+        seen = []
+
+        def stays():
+            seen.append(measure(self.picture()))
+            return len(seen) > screen.calm and seen[-1] is not None and len(set(seen[-screen.calm:])) == 1
+
+        until(stays, what)
+        return seen[-1]
 
     def becomes(self, picture, what):
         last = None
@@ -192,6 +207,9 @@ class Window:
             screen.hold(holding, False)
         self.key("Escape")  # no comment stays marked
         screen.away()
+        # The list shows its own values again, and not those of the pointer's last place.
+        edge = before.bar()
+        until(lambda: self.picture().beside(edge) == before.beside(edge), "a list without the pointer's values")
         return self.settled(other_than=before)
 
     def close(self, keeping=None):
@@ -401,7 +419,7 @@ class WindowFlow(Flow):
 
     def move_bar(self, window):
         """The bar between chart and list to another place, and back by a step back."""
-        start = until(lambda: window.picture().bar(), "the split bar")
+        start = window.steady(lambda picture: picture.bar(), "the split bar")
         window.point(start + 3, 300)
         screen.button(True)
         window.point(start - 60, 300)

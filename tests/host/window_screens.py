@@ -55,6 +55,7 @@ KEYS = """xkb_keymap {
 class XScreen:
     """X11 with a window manager."""
     environment = {}
+    calm = 3  # pictures alike in a row, after which nothing more is to come
 
     def __init__(self):
         subprocess.run(["xkbcomp", "-w0", "-", os.environ["DISPLAY"]], input=KEYS.encode(), stderr=subprocess.DEVNULL, check=True)
@@ -147,6 +148,7 @@ class WaylandLog:
         self.others = []  # lines of the program's own
         self.keys = None  # the surface that has the keyboard
         self.popups = 0   # how many have been given a place
+        self.pointer = None
 
     def read(self):
         lines = (self.rest + self.file.read()).split(b"\n")
@@ -177,6 +179,8 @@ class WaylandLog:
             self.keys = None
         elif kind == "xdg_popup" and what == "configure":
             self.popups += 1
+        elif kind == "wl_pointer" and what in ("enter", "motion"):
+            self.pointer = tuple(int(float(each)) for each in words.split(", ")[-2:])
 
     def surface(self, toplevel):
         return self.surfaces.get(self.toplevels.get(toplevel))
@@ -185,6 +189,7 @@ class WaylandLog:
 class WestonScreen(XScreen):
     """Wayland by weston, which fills an X11 screen and takes its pointer and keys from there: one window fills it all, dialogs lie above
     without a frame of their own. It tells nobody its windows' titles: they are read off what program and compositor say."""
+    calm = 6  # what is drawn comes to the screen by one more program
 
     def __init__(self):
         super().__init__()
@@ -192,13 +197,15 @@ class WestonScreen(XScreen):
         folder = pathlib.Path(self.folder.name)
         (folder / "xkb" / "symbols").mkdir(parents=True)
         (folder / "xkb" / "symbols" / "letters").write_text('default xkb_symbols "basic" { include "us" %s };\n' % LETTERS)
+        # Keys repeat only for who means it: a busy machine is slow to let go of one.
+        (folder / "weston.ini").write_text("[keyboard]\nrepeat-rate=0\nrepeat-delay=60000\n")
         # Without the names of the screen's own keyboard it takes the one that is asked for here.
         run("xprop", "-root", "-remove", "_XKB_RULES_NAMES")
         self.environment = {"XDG_RUNTIME_DIR": str(folder), "WAYLAND_DISPLAY": "orvik", "GDK_BACKEND": "wayland", "WAYLAND_DEBUG": "1"}
         with open(folder / "log", "wb") as log:
             self.process = subprocess.Popen(
                 ["weston", "--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024", "--socket=orvik", "--shell=kiosk-shell.so",
-                 "--no-config", "--idle-time=0"], stdout=log, stderr=log,
+                 f"--config={folder}/weston.ini", "--idle-time=0"], stdout=log, stderr=log,
                 env={**os.environ, "XDG_RUNTIME_DIR": str(folder), "XKB_CONFIG_EXTRA_PATH": str(folder / "xkb"), "XKB_DEFAULT_LAYOUT": "letters"})
         until(lambda: (folder / "orvik").exists(), "weston")
         until(lambda: xdotool("search", "--onlyvisible", "--class", "weston"), "its window")
@@ -245,6 +252,12 @@ class WestonScreen(XScreen):
 
     def save(self, window, file):
         run("import", "-window", "root", file)
+
+    def away(self):
+        super().away()
+        # The window must not be looked at while it still shows what the pointer was on.
+        if self.log is not None and self.log.read().keys is not None:
+            until(lambda: self.log.read().keys is None or self.log.pointer == AWAY, "the pointer's leave")
 
     def point(self, window, x, y):
         xdotool("mousemove", x, y)
