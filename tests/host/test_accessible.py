@@ -189,4 +189,5 @@ if __name__ == "__main__":
     parser.add_argument("--gui", required=True)
     parser.add_argument("--patience", type=float, default=90, help="seconds that a busy machine may need for a step that takes a tenth of one")
     options, rest = parser.parse_known_args()
+    pyatspi.setTimeout(30_000, 60_000)  # ms that a busy program may take to say its name
     unittest.main(argv=[sys.argv[0], *rest], verbosity=1, warnings="ignore")  # the bus's own tools warn of themselves
