@@ -67,9 +67,21 @@ class AccessibleFlow(unittest.TestCase):
         self.heard = []
         pyatspi.Registry.registerEventListener(self.listen, "object:state-changed:focused", "object:text-changed")
         self.addCleanup(pyatspi.Registry.deregisterEventListener, self.listen, "object:state-changed:focused", "object:text-changed")
-        self.process = subprocess.Popen([options.gui, file], cwd=self.folder, stdout=subprocess.DEVNULL,
-                                        env={**os.environ, "LC_ALL": "C.UTF-8", "XDG_STATE_HOME": str(self.folder / "state")})
         self.addCleanup(self.end)
+        # On a machine that is busy enough the bus gives up a program that has just come, for good.
+        until(lambda: self.start(file), "the program on the bus")
+
+    def start(self, file):
+        self.said = self.folder / "said"
+        with open(self.said, "wb") as said:
+            self.process = subprocess.Popen([options.gui, file], cwd=self.folder, stdout=subprocess.DEVNULL, stderr=said,
+                                            env={**os.environ, "LC_ALL": "C.UTF-8", "XDG_STATE_HOME": str(self.folder / "state")})
+        refused = lambda: b"Couldn't register with accessibility bus" in self.said.read_bytes()
+        until(lambda: self.program() or self.process.poll() is not None or refused(), "the program")
+        if refused():
+            self.end()
+            return False
+        return True
 
     def listen(self, event):
         try:
@@ -90,7 +102,7 @@ class AccessibleFlow(unittest.TestCase):
         """Something of this role, whose name begins so, when it is there."""
         def found():
             if self.process.poll() is not None:
-                raise AssertionError(f"the program ended with {self.process.returncode}")
+                raise AssertionError(f"the program ended with {self.process.returncode}: " + self.said.read_text(errors="replace")[-4000:])
             program = self.program()
             tops = [each for each in program or [] if each is not None and (window is None or each.name.startswith(window))]
             return next((each for top in tops for each in [top, *below(top)]
