@@ -119,6 +119,10 @@ class AccessibleFlow(unittest.TestCase):
         until(told, "the focus on " + name)
         self.heard.clear()
 
+    def active(self, role, name):
+        """Waits until the desktop gives the keys to this window."""
+        until(lambda: is_in(self.find(role, name), pyatspi.STATE_ACTIVE), f"the keys for the {role} {name}")
+
     def press(self, accessible):
         self.assertTrue(accessible.queryAction().doAction(0))
 
@@ -136,6 +140,7 @@ class AccessibleFlow(unittest.TestCase):
         self.assertLessEqual(chart_place.x + chart_place.width, row_place.x)
         # The keys walk through axes and comments.
         self.focused("Chart of 2 channels")
+        self.active("frame", "week.odb")
         key("Tab")
         self.focused("Time axis from ")
         key("shift+Tab", "shift+Tab")
@@ -151,6 +156,7 @@ class AccessibleFlow(unittest.TestCase):
         self.press(self.find("menu item", "Time range..."))
         self.find("dialog", "Time Range")
         self.focused("From:")
+        self.active("dialog", "Time Range")
         key("End")
         self.heard.clear()
         subprocess.run(["xdotool", "type", "7"], check=True)
@@ -170,7 +176,9 @@ class AccessibleFlow(unittest.TestCase):
 
     def test_properties_are_rows_and_menus_open(self):
         self.focused("Chart of 2 channels")
+        self.active("frame", "week.odb")
         key("alt+Return")
+        self.active("dialog", "Properties of \u00b0C")
         row = self.find("table row", "Name, Air temperature")
         self.press(row)
         self.focused("Name")
@@ -182,12 +190,14 @@ class AccessibleFlow(unittest.TestCase):
         key("Escape")
         self.focused("Chart of 2 channels")
         self.find("table row", "Luft \u03a9, ", window="week.odb*")
+        self.active("frame", "week.odb*")
         key("alt+f")
         self.focused("Open...")
         key("Down")
         self.focused("Open recent")
         key("Escape", "Escape")
         self.focused("Chart of 2 channels")
+        self.active("frame", "week.odb*")
         # Closed with unsaved work, it asks; the question can be read and answered.
         key("alt+F4")
         self.find("label", "", window="OrvikHost")
