@@ -1,6 +1,6 @@
 """The window host as a screen reader finds it: by the desktop's accessibility bus, with the bus's own tools.
 
-Needs a session bus and a screen that are nobody's: dbus-run-session -- tools/with-screen --frames test_accessible.py ...
+Needs a session bus and a screen that are nobody's: tools/with-screen --frames --bus test_accessible.py ...
 What has happened is waited for, however long a busy machine takes.
 """
 import argparse
