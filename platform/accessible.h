@@ -3,7 +3,7 @@
 // menus and dialogs by themselves, a window that draws itself by answering the two messages below. On Windows nobody sends them:
 // there the system knows its own controls, and a window that draws itself is known by its text alone.
 //
-// Both messages come to the window's procedure on its own thread, never while it is at work on another message; a window that
+// Both messages come to the window's procedure on its own thread, where that reads its messages; a window that
 // answers neither is a pane with its text for a name. Texts are the house's (house_text.h). Places are pixels of the window's
 // client area.
 #pragma once

@@ -1,5 +1,5 @@
 """The window host as a user has it: a real window on a virtual screen, with the pointer and the keys of that screen; under Wine with
---wine, else by the module for Linux desktops, on X11 or with --wayland.
+--wine, else by the module for Linux desktops, on X11 or with --wayland; about scales with --sway.
 
 Nothing here knows how the window is built. Where the axes and comments stand is read off its picture; what has happened is waited
 for, in the window's title, its picture or a file, however long a busy machine takes, and never guessed by
@@ -59,6 +59,10 @@ class Picture:
 
     def row(self, y):
         return self.pixels[y * self.width * 3:(y + 1) * self.width * 3]
+
+    def beside(self, x):
+        """What is to the right of that."""
+        return [self.row(y)[x * 3:] for y in range(TITLE, self.height)]
 
     def column(self, x):
         """The colours of an upright line of pixels."""
@@ -144,10 +148,21 @@ class Window:
             now = self.picture()
             same = same + 1 if last is not None and now == last else 0
             last = now
-            return same >= 3 and (other_than is None or now != other_than)
+            return same >= screen.calm and (other_than is None or now != other_than)
 
         until(settles, "a picture that is another one and stays")
         return last
+
+    def steady(self, measure, what):
+        """What is measured of the picture when it is there and stays, whatever else changes."""
+        seen = []
+
+        def stays():
+            seen.append(measure(self.picture()))
+            return len(seen) > screen.calm and seen[-1] is not None and len(set(seen[-screen.calm:])) == 1
+
+        until(stays, what)
+        return seen[-1]
 
     def becomes(self, picture, what):
         last = None
@@ -192,6 +207,9 @@ class Window:
             screen.hold(holding, False)
         self.key("Escape")  # no comment stays marked
         screen.away()
+        # The list shows its own values again, and not those of the pointer's last place.
+        edge = before.bar()
+        until(lambda: self.picture().beside(edge) == before.beside(edge), "a list without the pointer's values")
         return self.settled(other_than=before)
 
     def close(self, keeping=None, ending=None):
@@ -219,7 +237,9 @@ class Window:
             self.process.wait(timeout=20)
 
 
-class WindowFlow(unittest.TestCase):
+class Flow(unittest.TestCase):
+    """A session to look at."""
+
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="orvik-window-"))
         self.addCleanup(shutil.rmtree, self.folder)
@@ -248,6 +268,8 @@ class WindowFlow(unittest.TestCase):
         """A place of the plot, by its parts."""
         return self.left + int((self.right - self.left) * x), self.top + int((self.bottom - self.top) * y)
 
+
+class WindowFlow(Flow):
     def test_a_view_is_made_undone_saved_and_restored(self):
         window = self.open()
         first = self.charted(window)
@@ -429,7 +451,7 @@ class WindowFlow(unittest.TestCase):
 
     def move_bar(self, window):
         """The bar between chart and list to another place, and back by a step back."""
-        start = until(lambda: window.picture().bar(), "the split bar")
+        start = window.steady(lambda picture: picture.bar(), "the split bar")
         window.point(start + 3, 300)
         screen.button(True)
         window.point(start - 60, 300)
@@ -502,22 +524,87 @@ class WindowFlow(unittest.TestCase):
         self.assertEqual(window.close(), 0)
 
 
+class ScaleFlow(Flow):
+    """On a screen whose scale changes while the window is there."""
+
+    def setUp(self):
+        super().setUp()
+        screen.scale(1)
+
+    def test_the_window_follows_the_scale(self):
+        window = self.open()
+        first = self.charted(window)
+        for factor in (2, 1.25, 1.5):
+            with self.subTest(factor=factor):
+                screen.scale(factor)
+                scaled = window.settled(other_than=first)
+                window.keep(f"30-scale-{factor}")
+                if factor == 2:
+                    # Drawn anew, not blown up: of the lines some are one pixel high, or begin at an odd one.
+                    self.assertIsNotNone(scaled.axis(BLUE))
+                    self.assertTrue(any(scaled.row(y) != scaled.row(y + 1) for y in range(TITLE, scaled.height - 1, 2)))
+                    self.assertTrue(any(scaled.row(y) != scaled.row(y + 1) for y in range(TITLE + 1, scaled.height - 1, 2)))
+                # A menu lies on it, and leaves nothing behind.
+                screen.open_menu("alt+f")
+                window.settled(other_than=scaled)
+                window.keep(f"31-menu-{factor}")
+                window.key("Escape", "Escape")
+                window.becomes(scaled, "the window without its menu")
+                screen.scale(1)
+                window.becomes(first, "the first picture")
+        self.close_by_the_screen(window)
+
+    def test_letters_dialogs_and_unsaved_work(self):
+        window = self.open()
+        first = self.charted(window)
+        screen.scale(2)
+        scaled = window.settled(other_than=first)
+        window.key("Insert")
+        window.settled(other_than=scaled)
+        screen.type("k\u03a9 \u6e29")
+        window.key("Return")
+        until(window.is_modified, "the comment")
+        window.key("ctrl+d")
+        window.dialog("Download")
+        window.keep("32-dialog", whole_screen=True)
+        window.key("Escape")
+        until(lambda: not window.shown("^Download$"), "the dialog's end")
+        screen.focus(window.id)
+        window.key("ctrl+s")
+        until(lambda: not window.is_modified(), "a saved session")
+        self.assertIn(b"\xff\xfe\xff\x04" + "k\u03a9 \u6e29".encode("utf-16-le"), self.file.read_bytes())
+        window.key("ctrl+z")
+        until(window.is_modified, "a change")
+        self.close_by_the_screen(window, keeping="33-question")
+
+    def close_by_the_screen(self, window, keeping=None):
+        screen.ask_to_close(window.id)
+        if keeping:
+            window.dialog("OrvikHost")
+            window.keep(keeping, whole_screen=True)
+            window.key("n")
+        until(lambda: window.process.poll() is not None, "the program's end")
+        self.assertEqual(window.process.returncode, 0)
+
+
 if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--gui", required=True)
     parser.add_argument("--wine")
     parser.add_argument("--wayland", action="store_true")
+    parser.add_argument("--sway", action="store_true", help="the flows about scales alone")
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--preload")
     parser.add_argument("--pictures", required=True, type=pathlib.Path)
     parser.add_argument("--patience", type=float, default=90, help="seconds that a busy machine may need for a step that takes a tenth of one")
     options, rest = parser.parse_known_args()
-    if not os.environ.get("DISPLAY"):
+    if not os.environ.get("DISPLAY") and not options.sway:
         sys.exit("test_window.py needs a screen that is nobody's: tools/with-wine test_window.py ...")
     options.pictures = options.pictures.absolute()
     options.pictures.mkdir(parents=True, exist_ok=True)
     window_screens.patience = options.patience
-    screen = (window_screens.WineScreen if options.wine else window_screens.WestonScreen if options.wayland else window_screens.XScreen)()
+    kind = "Wine" if options.wine else "Sway" if options.sway else "Weston" if options.wayland else "X"
+    screen = getattr(window_screens, kind + "Screen")()
     atexit.register(screen.close)
     with tempfile.TemporaryDirectory(prefix="orvik-records-") as options.records:
-        unittest.main(argv=[sys.argv[0], *rest], verbosity=1)
+        unittest.main(argv=[sys.argv[0], *(rest or ["ScaleFlow" if options.sway else "WindowFlow"])], verbosity=1)

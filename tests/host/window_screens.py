@@ -2,6 +2,7 @@
 
 A window of a screen is what its `find` gives for a part of its title. Places are those of the window's picture.
 """
+import json
 import os
 import pathlib
 import re
@@ -54,6 +55,7 @@ KEYS = """xkb_keymap {
 class XScreen:
     """X11 with a window manager."""
     environment = {}
+    calm = 3  # pictures alike in a row, after which nothing more is to come
 
     def __init__(self):
         subprocess.run(["xkbcomp", "-w0", "-", os.environ["DISPLAY"]], input=KEYS.encode(), stderr=subprocess.DEVNULL, check=True)
@@ -154,6 +156,7 @@ class WaylandLog:
         self.others = []  # lines of the program's own
         self.keys = None  # the surface that has the keyboard
         self.popups = 0   # how many have been given a place
+        self.pointer = None
 
     def read(self):
         lines = (self.rest + self.file.read()).split(b"\n")
@@ -184,6 +187,8 @@ class WaylandLog:
             self.keys = None
         elif kind == "xdg_popup" and what == "configure":
             self.popups += 1
+        elif kind == "wl_pointer" and what in ("enter", "motion"):
+            self.pointer = tuple(int(float(each)) for each in words.split(", ")[-2:])
 
     def surface(self, toplevel):
         return self.surfaces.get(self.toplevels.get(toplevel))
@@ -193,6 +198,7 @@ class WestonScreen(XScreen):
     """Wayland by weston, which fills an X11 screen and takes its pointer and keys from there: one window fills it all, dialogs lie above
     without a frame of their own. It tells nobody its windows' titles: they are read off what program and compositor say."""
     has_clipboard = False
+    calm = 6  # what is drawn comes to the screen by one more program
 
     def __init__(self):
         super().__init__()
@@ -200,13 +206,15 @@ class WestonScreen(XScreen):
         folder = pathlib.Path(self.folder.name)
         (folder / "xkb" / "symbols").mkdir(parents=True)
         (folder / "xkb" / "symbols" / "letters").write_text('default xkb_symbols "basic" { include "us" %s };\n' % LETTERS)
+        # Keys repeat only for who means it: a busy machine is slow to let go of one.
+        (folder / "weston.ini").write_text("[keyboard]\nrepeat-rate=0\nrepeat-delay=60000\n")
         # Without the names of the screen's own keyboard it takes the one that is asked for here.
         run("xprop", "-root", "-remove", "_XKB_RULES_NAMES")
         self.environment = {"XDG_RUNTIME_DIR": str(folder), "WAYLAND_DISPLAY": "orvik", "GDK_BACKEND": "wayland", "WAYLAND_DEBUG": "1"}
         with open(folder / "log", "wb") as log:
             self.process = subprocess.Popen(
                 ["weston", "--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024", "--socket=orvik", "--shell=kiosk-shell.so",
-                 "--no-config", "--idle-time=0"], stdout=log, stderr=log,
+                 f"--config={folder}/weston.ini", "--idle-time=0"], stdout=log, stderr=log,
                 env={**os.environ, "XDG_RUNTIME_DIR": str(folder), "XKB_CONFIG_EXTRA_PATH": str(folder / "xkb"), "XKB_DEFAULT_LAYOUT": "letters"})
         until(lambda: (folder / "orvik").exists(), "weston")
         until(lambda: xdotool("search", "--onlyvisible", "--class", "weston"), "its window")
@@ -217,15 +225,17 @@ class WestonScreen(XScreen):
         self.process.wait(timeout=20)
         if self.log is not None:
             self.log.file.close()
+            self.said.close()
         self.folder.cleanup()
 
     def errors(self, folder):
         file = folder / f"said-{time.monotonic_ns()}"
-        said = open(file, "wb")
         if self.log is not None:
             self.log.file.close()
+            self.said.close()
+        self.said = open(file, "wb")
         self.log = WaylandLog(file)
-        return said
+        return self.said
 
     def ended(self, code):
         if code != 0:
@@ -252,6 +262,12 @@ class WestonScreen(XScreen):
     def save(self, window, file):
         run("import", "-window", "root", file)
 
+    def away(self):
+        super().away()
+        # The window must not be looked at while it still shows what the pointer was on.
+        if self.log is not None and self.log.read().keys is not None:
+            until(lambda: self.log.read().keys is None or self.log.pointer == AWAY, "the pointer's leave")
+
     def point(self, window, x, y):
         xdotool("mousemove", x, y)
 
@@ -264,3 +280,85 @@ class WestonScreen(XScreen):
         until(lambda: self.log.read().popups > before, "a menu")
         for each in [letter, *modifiers]:
             xdotool("keyup", each)
+
+
+class SwayScreen(XScreen):
+    """Wayland by sway, without any X11: its scale can be changed, windows fill it in tiles; keys, but no pointer."""
+
+    def __init__(self):
+        self.folder = tempfile.TemporaryDirectory(prefix="orvik-sway-")
+        folder = pathlib.Path(self.folder.name)
+        (folder / "config").write_text("output HEADLESS-1 resolution 1280x1024 position 0 0\nxwayland disable\ndefault_border none\n"
+                                       "default_floating_border none\nfocus_follows_mouse no\n")
+        # It runs for nobody but a user.
+        user = []
+        if os.geteuid() == 0:
+            user = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
+            os.chown(folder, 65534, 65534)
+        self.own = {"XDG_RUNTIME_DIR": str(folder)}
+        with open(folder / "log", "wb") as log:
+            self.process = subprocess.Popen([*user, "sway", "-c", str(folder / "config")], stdout=log, stderr=log,
+                                            env={**os.environ, **self.own, "WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"})
+        found = lambda pattern: next((each for each in folder.glob(pattern) if each.is_socket()), None)
+        self.own["WAYLAND_DISPLAY"] = until(lambda: found("wayland-*"), "sway").name
+        self.own["SWAYSOCK"] = str(until(lambda: found("sway-ipc.*.sock"), "its ear"))
+        self.environment = {**self.own, "GDK_BACKEND": "wayland"}
+        # A keyboard that stays: programs would lose the first keys of one that has just come.
+        self.keyboard = subprocess.Popen(["wtype", "-s", "86400000", "-k", "Shift_L"], env={**os.environ, **self.own})
+
+    def close(self):
+        self.keyboard.kill()
+        self.keyboard.wait(timeout=20)
+        self.process.terminate()
+        self.process.wait(timeout=20)
+        self.folder.cleanup()
+
+    def run(self, *words):
+        return subprocess.run(words, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env={**os.environ, **self.own}).stdout
+
+    def windows(self):
+        def below(node):
+            for each in node.get("nodes", []) + node.get("floating_nodes", []):
+                if each.get("pid") and each.get("name"):
+                    yield each
+                yield from below(each)
+
+        said = self.run("swaymsg", "-r", "-t", "get_tree")
+        return {str(each["id"]): each for each in below(json.loads(said))} if said else {}
+
+    def titles(self):
+        return {window: each["name"] for window, each in self.windows().items()}
+
+    def focus(self, window):
+        def has_keys():
+            self.run("swaymsg", f"[con_id={window}] focus")
+            return self.windows().get(window, {}).get("focused")
+
+        until(has_keys, "the keys for " + self.title(window))
+
+    def picture(self, window):
+        return self.run("grim", "-t", "ppm", "-")
+
+    def save(self, window, file):
+        self.run("grim", str(file))
+
+    def away(self):
+        """There is no pointer."""
+
+    def release_all(self):
+        """Keys go up by themselves."""
+
+    def key(self, *names):
+        for name in names:
+            *modifiers, key = name.split("+")
+            self.run("wtype", *[word for each in modifiers for word in ("-M", each)], "-k", key,
+                     *[word for each in modifiers for word in ("-m", each)])
+
+    def type(self, text):
+        self.run("wtype", text)
+
+    def scale(self, factor):
+        self.run("swaymsg", "output", "HEADLESS-1", "scale", str(factor))
+
+    def ask_to_close(self, window):
+        self.run("swaymsg", f"[con_id={window}] kill")
