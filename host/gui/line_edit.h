@@ -21,11 +21,11 @@ struct LineEdit {
         text.insert(caret, character);
         caret += character.size();
     }
-    // Its letters one by one, as if they were typed.
+    // Its letters one by one, as if they were typed; what stood in columns keeps a blank between.
     void WriteAll(std::string_view typed) {
         for (size_t at = 0; at < typed.size();) {
             const size_t next = OrvikNextLetter(typed, at);
-            Write(typed.substr(at, next - at));
+            Write(typed[at] == '\t' ? " " : typed.substr(at, next - at));
             at = next;
         }
     }

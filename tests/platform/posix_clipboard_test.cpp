@@ -164,5 +164,8 @@ TEST(DesktopClipboardTest, WhatIsMarkedIsForTheMiddleButton) {
     SendMessageA(field, EM_SETPASSWORDCHAR, '*', 0);
     SendMessageA(field, WM_CHAR, 1, 0);
     EXPECT_EQ(desk.data[CopyPlace::Selection].text, "other\nlines");
+    SendMessageA(field, EM_SETSEL, 0, -1);
+    for (const UINT message : {WM_COPY, WM_CUT}) SendMessageA(field, message, 0, 0);
+    EXPECT_EQ(desk.data[CopyPlace::Clipboard].text, "");  // what is hidden is never copied
     DestroyWindow(field);
 }

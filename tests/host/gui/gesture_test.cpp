@@ -145,6 +145,9 @@ TEST(GestureTest, ALineOfTextIsWritten) {
     EXPECT_EQ(edit.text, "xbΩe\u0301\U0001F321");
     for (const WORD key : std::initializer_list<WORD>{VK_LEFT, VK_BACK, VK_DELETE}) edit.Key(key);
     EXPECT_EQ(edit.text, "xbΩ");
+    LineEdit pasted;
+    pasted.WriteAll("23\te\u0301\u0007");
+    EXPECT_EQ(pasted.text, "23 e\u0301");
     EXPECT_FALSE(edit.Key(VK_F6));
     for (int i = 0; i < 2000; ++i) edit.Write("a");
     EXPECT_EQ(edit.text.size(), LineEdit::kLongest);
