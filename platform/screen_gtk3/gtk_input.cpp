@@ -59,6 +59,10 @@ GtkInput::GtkInput(ScreenWindow& window) : m_window(window), m_method(gtk_im_mul
     g_signal_connect(m_method, "commit", G_CALLBACK(&OnCommit), this);
     g_signal_connect(area, "realize", G_CALLBACK(+[](GtkWidget* widget, gpointer self) {
                          gtk_im_context_set_client_window(static_cast<GtkInput*>(self)->m_method, gtk_widget_get_window(widget));
+                         // Moves of the pointer come one by one, and the library passes over those that are overtaken: GDK
+                         // would keep the last one back until it draws the next time.
+                         gdk_window_set_event_compression(gtk_widget_get_window(widget), FALSE);
+                         gdk_window_set_event_compression(gtk_widget_get_window(gtk_widget_get_toplevel(widget)), FALSE);
                      }),
                      this);
 }
