@@ -11,31 +11,27 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
 import pyatspi
 from gi.repository import GLib
 
+import window_screens
 from session_writer import write_session
 
 options = None
 
 
 def until(condition, what):
-    end = time.monotonic() + options.patience
-    while True:
+    def look():
         while GLib.MainContext.default().iteration(False):
             pass
         try:
-            found = condition()
+            return condition()
         except GLib.Error:  # what was there a moment ago has gone
-            found = None
-        if found:
-            return found
-        if time.monotonic() > end:
-            raise AssertionError("waited in vain for " + what)
-        time.sleep(0.05)
+            return None
+
+    return window_screens.until(look, what)
 
 
 def below(accessible):
@@ -211,5 +207,6 @@ if __name__ == "__main__":
     parser.add_argument("--gui", required=True)
     parser.add_argument("--patience", type=float, default=90, help="seconds that a busy machine may need for a step that takes a tenth of one")
     options, rest = parser.parse_known_args()
+    window_screens.patience = options.patience
     pyatspi.setTimeout(30_000, 60_000)  # ms that a busy program may take to say its name
     unittest.main(argv=[sys.argv[0], *rest], verbosity=1, warnings="ignore")  # the bus's own tools warn of themselves
