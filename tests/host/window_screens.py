@@ -153,6 +153,7 @@ class WaylandLog:
     def __init__(self, file):
         self.file, self.rest = open(file, "rb"), b""
         self.surfaces, self.toplevels, self.names = {}, {}, {}  # surface of an xdg_surface, xdg_surface of a toplevel, its title
+        self.called, self.made = {}, 0  # toplevels by their numbers now, which are given again to later ones; how many there were
         self.others = []  # lines of the program's own
         self.keys = None  # the surface that has the keyboard
         self.popups = 0   # how many have been given a place
@@ -174,13 +175,15 @@ class WaylandLog:
         if what == "get_xdg_surface":
             self.surfaces[new[1]] = re.search(r"wl_surface@(\d+)", words)[1]
         elif what == "get_toplevel":
-            self.toplevels[new[1]] = number
-            self.names.pop(new[1], None)
+            self.made += 1
+            self.called[new[1]] = self.made
+            self.toplevels[self.made] = number
         elif kind == "xdg_toplevel" and what == "set_title":
-            self.names[number] = words[1:-1]
+            self.names[self.called.get(number)] = words[1:-1]
         elif kind == "xdg_toplevel" and what == "destroy":
-            self.toplevels.pop(number, None)
-            self.names.pop(number, None)
+            gone = self.called.pop(number, None)
+            self.toplevels.pop(gone, None)
+            self.names.pop(gone, None)
         elif kind == "wl_keyboard" and what == "enter":
             self.keys = re.search(r"wl_surface@(\d+)", words)[1]
         elif kind == "wl_keyboard" and what == "leave":
