@@ -188,6 +188,12 @@ void MainWindow::AskAndDownload() {
     dialog.port = ports.empty() ? "" : ports.front().name.c_str();
     dialog.interval = CVXTTimeSpan(kLiveInterval, TST_MILLISECONDS);
     dialog.timeout = kLiveTimeout;
+    // Who reads the same logger once more must not read whatever stands first on the machine.
+    if (m_lastPlan && !IsDownloading()) {
+        dialog.port = m_lastPlan->port.c_str();
+        dialog.interval = CVXTTimeSpan(m_lastPlan->interval, TST_MILLISECONDS);
+        if (m_lastPlan->count < kForEver) dialog.count = static_cast<UINT>(m_lastPlan->count);
+    }
     if (IsDownloading()) dialog.busyPort = m_download->Plan().port;
     if (Ask([&] { return dialog.DoModal(); }) != IDOK || !EndDownload() || !MayLeave()) return;
     m_loggerFile = dialog.description.GetString();

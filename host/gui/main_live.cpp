@@ -32,6 +32,7 @@ void MainWindow::Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description
     DropUnsaved();
     m_unsaved = recording;
     m_download = std::move(download);
+    m_lastPlan = plan;
     m_live = Say(Text::Connecting, {ToUtf8(plan.port)});
     m_status.clear();
     DocumentChanged();

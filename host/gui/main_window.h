@@ -181,6 +181,7 @@ private:
     std::vector<ViewState::Tag> m_inFile;  // the comments that are in it
     DWORD m_quietSince = 0;                // when a recording that somebody else writes last grew, in ticks
     std::vector<std::string> m_ports;
+    std::optional<DownloadPlan> m_lastPlan;  // of the download that runs, or ran last
     const RecentFiles m_recent{"recent"}, m_recentLoggers{"recent-loggers"};
     std::vector<std::string> m_recentShown;  // by the menu
     std::string m_loggerFile;                // the description that was used last; empty: the embedded one

@@ -388,6 +388,24 @@ TEST_F(Dialogs, ADownloadTellsWhatItsDescriptionLacksBeforeItBegins) {
     EXPECT_FALSE(hands.window->IsDownloading());
 }
 
+TEST_F(Dialogs, ADownloadBeginsWithTheFieldsOfTheLastOne) {
+    DownloadPlan plan;
+    plan.port = "COM251";
+    plan.count = 7;
+    plan.interval = 2500;
+    ASSERT_TRUE(hands.window->Connect("", plan));
+    while (hands.window->IsDownloading()) {
+        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
+        hands.Pump();
+    }
+    Do(kCommandDownload, {[&](HWND dialog) {
+           EXPECT_EQ(FieldText(dialog, IDC_HOST_PORT), plan.port);
+           EXPECT_EQ(FieldText(dialog, IDC_HOST_COUNT), "7");
+           EXPECT_EQ(FieldText(dialog, IDC_HOST_INTERVAL), "2,5 s");
+           Press(dialog, IDCANCEL);
+       }});
+}
+
 // Waits in the queue until the work handles messages, and then presses Cancel in the dialog that stands over the window.
 class Canceller : public CWnd {
 public:
