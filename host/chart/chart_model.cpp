@@ -102,6 +102,7 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
             for (const size_t k : order) m_sortedValues[i].push_back(values[k]);
             values = m_sortedValues[i].data();
         }
+        m_blocks.emplace_back(values, recorded ? 0 : count);
         const auto named = [&](const std::string& wanted) {
             return LookTheSame(wanted, channel.name) || LookTheSame(wanted, channel.key);
         };

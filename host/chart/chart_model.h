@@ -8,6 +8,7 @@
 
 #include "chart/unit_context.h"
 #include "host/chart/chart_tag.h"
+#include "host/session/series_range.h"
 #include "host/session/series_reduction.h"
 #include "host/session/session.h"
 
@@ -37,7 +38,7 @@ public:
     const std::vector<Series>& AllSeries() const { return m_series; }
     const std::vector<Unit>& Units() const { return m_units; }
     // Of readings in memory.
-    SeriesData Data(const Series& series) const { return {m_times, series.values, Count()}; }
+    SeriesData Data(const Series& series) const { return {m_times, series.values, Count(), &m_blocks[series.number]}; }
     // The lines of all series, wherever the readings are: a mapping for each, which differ in their values only.
     std::vector<ReducedSeries> Reduce(const std::vector<PlotMapping>& mappings) const;
 
@@ -89,6 +90,7 @@ private:
     // Copies in the order of time, for a session that is not in it.
     std::vector<__int64> m_sortedTimes;
     std::vector<std::vector<double>> m_sortedValues;
+    std::vector<SeriesBlocks> m_blocks;  // of all channels, in the order of time; none of a recording
     const __int64* m_times = nullptr;
     __int64 m_first = 0, m_last = 1'000'000, m_from = 0, m_to = 1'000'000;
     std::optional<__int64> m_onlyTime;

@@ -5,32 +5,12 @@
 #include <limits>
 
 #include "host/session/channel_intervals.h"
+#include "host/session/series_range.h"
 
 namespace {
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr size_t kRawPerColumn = 3;     // up to so many readings a column are drawn one by one
 constexpr LONG kPixelsPerMarker = 14;   // marks stand no closer than this on the average
 constexpr double kFarthestPixel = 1e6;  // what the picture's lines take
-
-// Where the lowest and the highest value stand among first to last - 1, comparing so that what is not a number never wins. Four
-// of each side by side, as one alone would wait for itself.
-void Extremes(const double* values, size_t first, size_t last, double& low, double& high) {
-    double lows[4] = {kInfinity, kInfinity, kInfinity, kInfinity}, highs[4] = {-kInfinity, -kInfinity, -kInfinity, -kInfinity};
-    size_t i = first;
-    for (; i + 4 <= last; i += 4) {
-        for (size_t k = 0; k < 4; ++k) {
-            const double value = values[i + k];
-            lows[k] = value < lows[k] ? value : lows[k];
-            highs[k] = value > highs[k] ? value : highs[k];
-        }
-    }
-    for (; i < last; ++i) {
-        lows[0] = values[i] < lows[0] ? values[i] : lows[0];
-        highs[0] = values[i] > highs[0] ? values[i] : highs[0];
-    }
-    low = std::min(std::min(lows[0], lows[1]), std::min(lows[2], lows[3]));
-    high = std::max(std::max(highs[0], highs[1]), std::max(highs[2], highs[3]));
-}
 
 class Line {
 public:
@@ -68,20 +48,42 @@ private:
 };
 
 // One column's readings first to last - 1.
-SeriesColumn ColumnOf(const double* values, size_t first, size_t last) {
+SeriesColumn ColumnOf(const SeriesData& series, size_t first, size_t last) {
+    const double* const values = series.values;
     SeriesColumn column;
-    column.finite = FiniteRange(values, first, last, column.low, column.high);
+    column.finite = series.blocks != nullptr ? series.blocks->Range(values, first, last, column.low, column.high)
+                                             : FiniteRange(values, first, last, column.low, column.high);
     column.readings = column.finite || !std::all_of(values + first, values + last, IsNotDue);
     if (!column.finite) return column;
     while (!std::isfinite(values[first])) ++first;
     while (!std::isfinite(values[last - 1])) --last;
     column.first = values[first], column.last = values[last - 1];
-    if (column.low != column.high) {
-        const double* const begin = values + first;
-        const double* const end = values + last;
-        column.lowFirst = std::find(begin, end, column.low) < std::find(begin, end, column.high);
-    }
+    if (column.low == column.high) return column;
+    const auto find = [&](double value) {
+        if (series.blocks != nullptr) return series.blocks->Find(values, first, value);
+        return static_cast<size_t>(std::find(values + first, values + last, value) - values);
+    };
+    column.lowFirst = find(column.low) < find(column.high);
     return column;
+}
+
+// The first of the places `from` to `last` whose time is `time` or later, `last` without one. It is looked for around `near`, and
+// then ever farther: columns that follow each other mostly hold as many readings.
+size_t NextAt(const __int64* times, size_t from, size_t last, double time, size_t near) {
+    const auto before = [&](size_t at) { return static_cast<double>(times[at]) < time; };
+    size_t low = from, high = last, reach = 1;
+    if (near > low && near <= high && before(near - 1)) {
+        low = near;
+        for (; high - low > reach && before(low + reach - 1); reach *= 2) low += reach;
+        high = std::min(high, low + reach);
+    } else if (near > low && near <= high) {
+        high = near - 1;
+        for (; high - low > reach && !before(high - reach); reach *= 2) high -= reach;
+        low = high - low > reach ? high - reach : low;
+    }
+    const __int64* const found =
+        std::partition_point(times + low, times + high, [time](__int64 t) { return static_cast<double>(t) < time; });
+    return static_cast<size_t>(found - times);
 }
 
 void AddColumn(Line& line, const SeriesColumn& column, double x) {
@@ -95,20 +97,6 @@ void AddColumn(Line& line, const SeriesColumn& column, double x) {
     line.Add(x, column.last);
 }
 }  // namespace
-
-bool FiniteRange(const double* values, size_t first, size_t last, double& low, double& high) {
-    Extremes(values, first, last, low, high);
-    if (std::isinf(low) || std::isinf(high)) {
-        // Infinities among them, or nothing at all: once more, and with care.
-        low = kInfinity, high = -kInfinity;
-        for (size_t i = first; i < last; ++i) {
-            if (!std::isfinite(values[i])) continue;
-            low = std::min(low, values[i]);
-            high = std::max(high, values[i]);
-        }
-    }
-    return low <= high;
-}
 
 ColumnPlan::ColumnPlan(const PlotMapping& mapping) {
     const double span = mapping.toTime - mapping.fromTime, height = mapping.toValue - mapping.fromValue;
@@ -154,14 +142,11 @@ ReducedSeries ReduceSeries(const SeriesData& series, const PlotMapping& mapping)
         return all;
     }
     // Column by column in the order of time. What lies outside the plot belongs to the columns beside it.
-    const __int64* from = first;
-    for (size_t i = 0; from < last; ++i) {
-        const __int64* const to = i + 1 >= plan.columns ? last : std::min(at(from, plan.Border(i)), last);
-        if (to > from) {
-            const auto place = [&](const __int64* t) { return static_cast<size_t>(t - begin); };
-            AddColumn(line, ColumnOf(series.values, place(from), place(to)), plan.X(i));
-        }
-        from = to;
+    const auto stop = static_cast<size_t>(last - begin);
+    for (size_t i = 0, from = static_cast<size_t>(first - begin), to = from, step = 0; from < stop;
+         ++i, step = to - from, from = to) {
+        to = i + 1 >= plan.columns ? stop : NextAt(begin, from, stop, plan.Border(i), from + step);
+        if (to > from) AddColumn(line, ColumnOf(series, from, to), plan.X(i));
     }
     return line.Take();
 }

@@ -24,11 +24,14 @@ struct PlotMapping {
     double Y(double value) const { return bottom + (value - fromValue) / (toValue - fromValue) * (top - bottom); }
 };
 
-// `count` increasing times and as many values. The caller keeps them.
+class SeriesBlocks;
+
+// `count` increasing times and as many values, and for a long series their blocks. The caller keeps them.
 struct SeriesData {
     const __int64* times = nullptr;
     const double* values = nullptr;
     size_t count = 0;
+    const SeriesBlocks* blocks = nullptr;
 };
 
 struct ReducedSeries {
@@ -63,6 +66,3 @@ struct SeriesColumn {
 ReducedSeries ReduceSeries(const SeriesData& series, const PlotMapping& mapping);
 // The same from columns that were filled elsewhere, with a plan made of this mapping.
 ReducedSeries DrawColumns(const std::vector<SeriesColumn>& columns, const ColumnPlan& plan, const PlotMapping& mapping);
-
-// The lowest and highest finite value of readings first to last - 1; false when there is none.
-bool FiniteRange(const double* values, size_t first, size_t last, double& low, double& high);

@@ -10,6 +10,7 @@
 #include "host/session/missing_cells.h"
 #include "host/session/reading_source.h"
 #include "host/session/reading_writer.h"
+#include "host/session/series_range.h"
 #include "host/words/console.h"
 #include "host/words/same_text.h"
 #include "host/words/texts.h"

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <random>
+
+#include "host/session/series_range.h"
 
 namespace {
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN(), kInfinity = std::numeric_limits<double>::infinity();
@@ -75,6 +79,14 @@ TEST(SeriesReduction, EveryColumnKeepsItsExtremes) {
         const auto reduced = ReduceSeries(series.Data(), mapping);
         EXPECT_FALSE(reduced.markers);
         EXPECT_LE(reduced.points.size(), 5u * 701);
+        // The same line, whether it is read as a whole or by blocks.
+        const SeriesBlocks blocks(series.values.data(), series.values.size());
+        SeriesData data = series.Data();
+        data.blocks = &blocks;
+        const auto blockwise = ReduceSeries(data, mapping);
+        ASSERT_EQ(blockwise.points.size(), reduced.points.size());
+        EXPECT_EQ(std::memcmp(blockwise.points.data(), reduced.points.data(), reduced.points.size() * sizeof(ORVIK_CURVE_POINT)),
+                  0);
         std::vector<double> drawnLow(701, kInfinity), drawnHigh(701, -kInfinity);
         for (const auto& point : reduced.points) {
             if (std::isnan(point.x)) continue;
@@ -124,4 +136,27 @@ TEST(SeriesReduction, StrangeViewsDrawNothing) {
     EXPECT_TRUE(ReduceSeries(none.Data(), Plot(10, 5'000)).points.empty());
     const Series huge = Every(1, {-1.7e308, 1.7e308, 0});
     for (const auto& point : ReduceSeries(huge.Data(), Plot(10, 2)).points) EXPECT_LE(std::abs(point.y), 1e6f);
+}
+
+TEST(SeriesRange, BlocksSayWhatAllReadingsSay) {
+    std::mt19937 random(7);
+    constexpr size_t kBlock = SeriesBlocks::kReadings;
+    for (const size_t count : {size_t{0}, size_t{1}, kBlock - 1, kBlock, 5 * kBlock + 3}) {
+        // Values come again; stretches of whole blocks hold none.
+        std::vector<double> values(count);
+        for (size_t i = 0; i < count; ++i)
+            values[i] = i / (2 * kBlock) == 1 ? kNan : random() % 9 == 0 ? -kInfinity : static_cast<double>(random() % 50);
+        const SeriesBlocks blocks(values.data(), count);
+        for (int i = 0; i < 300; ++i) {
+            const size_t a = random() % (count + 1), b = random() % (count + 1), first = std::min(a, b), last = std::max(a, b);
+            double low, high, wantedLow, wantedHigh;
+            const bool any = FiniteRange(values.data(), first, last, wantedLow, wantedHigh);
+            ASSERT_EQ(blocks.Range(values.data(), first, last, low, high), any);
+            if (!any) continue;
+            ASSERT_EQ(low, wantedLow);
+            ASSERT_EQ(high, wantedHigh);
+            const auto at = std::find(values.begin() + static_cast<ptrdiff_t>(first), values.end(), high) - values.begin();
+            ASSERT_EQ(blocks.Find(values.data(), first, high), static_cast<size_t>(at));
+        }
+    }
 }

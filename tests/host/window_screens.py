@@ -2,6 +2,7 @@
 
 A window of a screen is what its `find` gives for a part of its title. Places are those of the window's picture.
 """
+import collections
 import json
 import os
 import pathlib
@@ -155,6 +156,7 @@ class WaylandLog:
         self.surfaces, self.toplevels, self.names = {}, {}, {}  # surface of an xdg_surface, xdg_surface of a toplevel, its title
         self.called, self.made = {}, 0  # toplevels by their numbers now, which are given again to later ones; how many there were
         self.others = []  # lines of the program's own
+        self.tail = collections.deque(maxlen=60)  # what was said last
         self.keys = None  # the surface that has the keyboard
         self.popups = 0   # how many have been given a place
         self.pointer = None
@@ -163,6 +165,7 @@ class WaylandLog:
         lines = (self.rest + self.file.read()).split(b"\n")
         self.rest = lines.pop()
         for line in lines:
+            self.tail.append(line.decode("utf-8", "replace"))
             said = self.SAID.match(line.decode("utf-8", "replace"))
             if said:
                 self.take(*said.groups())
@@ -249,15 +252,23 @@ class WestonScreen(XScreen):
 
     def focus(self, window):
         """A window that opens gets the keys, and mostly who was there before when it closes; else a press on the empty end of its menu bar
-        asks for them, as a user would."""
-        def has_keys():
-            if self.log.read().keys is None:
-                time.sleep(0.5)  # it may be on its way
-                if self.log.read().keys is None:
-                    xdotool("mousemove", AWAY[0], 8, "click", 1, "mousemove", *AWAY)
-            return self.log.surface(window) == self.log.keys
+        asks for them, as a user would who has let go of all else."""
+        asked = time.monotonic()
 
-        until(has_keys, "the keys for " + self.title(window))
+        def has_keys():
+            nonlocal asked
+            if self.log.read().keys == self.log.surface(window):
+                return True
+            if time.monotonic() - asked > (0.5 if self.log.keys is None else 2):  # it may be on its way
+                self.release_all()
+                xdotool("mousemove", AWAY[0], 8, "click", 1, "mousemove", *AWAY)
+                asked = time.monotonic()
+            return False
+
+        try:
+            until(has_keys, "the keys for " + self.title(window))
+        except AssertionError as error:
+            raise AssertionError(f"{error}; surface {self.log.surface(window)}, keys {self.log.keys}; said:\n" + "\n".join(self.log.tail)) from None
 
     def picture(self, window):
         return run("import", "-window", "root", "-depth", "8", "ppm:-")
