@@ -20,7 +20,17 @@ OVERLAPPED PlaceOf(unsigned __int64 at) {
 // Far behind what any file holds: on Windows a lock keeps others from the bytes it covers, and readers must have them all.
 constexpr unsigned __int64 kLockPlace = 1ull << 62;
 
+// A check whether a file is free has its lock for a moment; who opens it to write waits for that.
+constexpr int kLockTries = 50;
+constexpr auto kLockPause = std::chrono::milliseconds(20);
+
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+DWORD Lock(HANDLE file, DWORD flags) {
+    OVERLAPPED place = PlaceOf(kLockPlace);
+    if (LockFileEx(file, flags, 0, 1, 0, &place)) return ERROR_SUCCESS;
+    return GetLastError() == ERROR_LOCK_VIOLATION ? DWORD{ERROR_SHARING_VIOLATION} : GetLastError();
+}
 }  // namespace
 
 // Forces a file to the disk some time after it was written, through a handle of its own: on the writer's, a write would wait for
@@ -107,6 +117,16 @@ DWORD CRecordingFile::OpenToRead(const std::string& path, std::unique_ptr<IRecor
     return ERROR_SUCCESS;
 }
 
+DWORD CRecordingFile::CheckFree(const std::string& path) {
+    const HANDLE handle = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return GetLastError();
+    // Shared, so that checks do not meet each other.
+    const DWORD error = Lock(handle, LOCKFILE_FAIL_IMMEDIATELY);
+    CloseHandle(handle);
+    return error;
+}
+
 DWORD CRecordingFile::OpenToWrite(const std::string& path, DWORD forceEvery, std::unique_ptr<IRecordingFile>& file) {
     const auto open = [&](DWORD access) {
         return CreateFileA(path.c_str(), access, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -114,9 +134,12 @@ DWORD CRecordingFile::OpenToWrite(const std::string& path, DWORD forceEvery, std
     const HANDLE handle = open(GENERIC_READ | GENERIC_WRITE);
     if (handle == INVALID_HANDLE_VALUE) return GetLastError();
     std::unique_ptr<CRecordingFile> opened(new CRecordingFile(handle, path));
-    OVERLAPPED place = PlaceOf(kLockPlace);
-    if (!LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place))
-        return GetLastError() == ERROR_LOCK_VIOLATION ? DWORD{ERROR_SHARING_VIOLATION} : GetLastError();
+    DWORD error = Lock(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY);
+    for (int tries = 1; error == ERROR_SHARING_VIOLATION && tries < kLockTries; ++tries) {
+        std::this_thread::sleep_for(kLockPause);
+        error = Lock(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY);
+    }
+    if (error != ERROR_SUCCESS) return error;
     const HANDLE second = open(GENERIC_WRITE);
     if (second == INVALID_HANDLE_VALUE) return GetLastError();
     opened->m_forcing = std::make_unique<Forcing>(second, forceEvery);

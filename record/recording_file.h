@@ -26,7 +26,7 @@ public:
 };
 
 // A file of the system's. Who opens one to write holds a lock on it, which ends with the program, however that ends: error 32 for
-// a second one. Readers need no lock.
+// a second one, after a second. Readers need no lock.
 class ORVIK_API CRecordingFile : public IRecordingFile {
 public:
     static constexpr DWORD kForceEvery = 2000;  // ms
@@ -36,6 +36,9 @@ public:
     // An existing one, for reading and writing. A thread forces what was written to the disk at the latest `forceEvery`
     // milliseconds after it was.
     static DWORD OpenToWrite(const std::string& path, DWORD forceEvery, std::unique_ptr<IRecordingFile>& file);
+
+    // Whether it could be opened to write now: error 32 while somebody has it. It never keeps anybody from opening it.
+    static DWORD CheckFree(const std::string& path);
 
     ~CRecordingFile() override;
     DWORD Read(unsigned __int64 at, void* bytes, DWORD size, DWORD& got) override;

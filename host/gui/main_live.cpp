@@ -177,7 +177,8 @@ void MainWindow::ReadFrom(SessionFile file) {
 
 // The recording behind a download has done its work: its readings are saved, or their user does not want them.
 void MainWindow::DropUnsaved() {
-    if (!m_unsaved.empty()) ::DeleteFileA(m_unsaved.c_str());
+    // Two windows may have come by the same one.
+    if (!m_unsaved.empty() && !IsRecordedInto(m_unsaved)) ::DeleteFileA(m_unsaved.c_str());
     m_unsaved.clear();
     m_inFile.clear();
 }

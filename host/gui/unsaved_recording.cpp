@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <random>
 
 #include "host/gui/user_folder.h"
@@ -55,8 +54,7 @@ std::vector<std::string> UnsavedRecordings() {
     if (search == INVALID_HANDLE_VALUE) return found;
     do {
         const std::string path = folder + "/" + data.cFileName;
-        std::unique_ptr<IRecordingFile> held;
-        if (CRecordingFile::OpenToWrite(path, CRecordingFile::kForceEvery, held) == ERROR_SUCCESS) found.push_back(path);
+        if (CRecordingFile::CheckFree(path) == ERROR_SUCCESS) found.push_back(path);
     } while (FindNextFileA(search, &data));
     FindClose(search);
     std::sort(found.begin(), found.end());

@@ -29,11 +29,8 @@ void SetRotation(const std::string& name, const std::string& text, RecordingWrit
 
 void CheckEarlier(const RecordingWriter::Plan& record, bool force, CPropertyDB& description) {
     if (record.rotateEvery != 0 || record.rotateSize != 0) return;  // names that nothing has yet
-    std::unique_ptr<IRecordingFile> held;
-    if (FileExists(record.path) &&
-        CRecordingFile::OpenToWrite(record.path, CRecordingFile::kForceEvery, held) == ERROR_SHARING_VIOLATION)
+    if (FileExists(record.path) && CRecordingFile::CheckFree(record.path) == ERROR_SHARING_VIOLATION)
         throw Failure{kFileFailed, Say(Text::RecordedElsewhere, {ToUtf8(record.path)})};
-    held.reset();
     if (record.append && FileExists(record.path)) {
         CRecordingReader reader;
         if (const DWORD error = reader.Open(record.path))

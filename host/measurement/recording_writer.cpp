@@ -41,9 +41,7 @@ public:
         if (!Exists(path)) return recorder.Create(path, facts);
         // Whoever records into the one that is to be replaced must not go on into nothing; and it stays until the new one is
         // whole.
-        std::unique_ptr<IRecordingFile> held;
-        DWORD error = CRecordingFile::OpenToWrite(path, CRecordingFile::kForceEvery, held);
-        held.reset();
+        DWORD error = CRecordingFile::CheckFree(path);
         if (error == ERROR_SHARING_VIOLATION) return error;
         const std::string fresh = path + ".new";
         DeleteFileA(fresh.c_str());

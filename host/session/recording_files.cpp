@@ -79,12 +79,9 @@ void SaveIntoRecording(const std::string& path, CPropertyDB& db) {
 }
 
 bool IsRecordedInto(const std::string& path) {
-    std::unique_ptr<IRecordingFile> file;
-    return CRecordingFile::OpenToWrite(path, CRecordingFile::kForceEvery, file) == ERROR_SHARING_VIOLATION;
+    return CRecordingFile::CheckFree(path) == ERROR_SHARING_VIOLATION;
 }
 
 void RequireNobodyRecords(const std::string& path) {
-    std::unique_ptr<IRecordingFile> file;
-    const DWORD error = CRecordingFile::OpenToWrite(path, CRecordingFile::kForceEvery, file);
-    if (error != ERROR_SUCCESS) Fail(path, error);
+    if (const DWORD error = CRecordingFile::CheckFree(path)) Fail(path, error);
 }

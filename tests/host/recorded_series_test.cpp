@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 #include <cstdio>
 #include <random>
+#include <thread>
 
 #include "host/chart/chart_file.h"
 #include "host/session/column_format.h"
@@ -125,6 +127,25 @@ TEST_F(Recorded, ThePictureIsTheSame) {
     std::unique_ptr<IRecordingFile> held;
     ASSERT_EQ(CRecordingFile::OpenToWrite(recording, 2000, held), 0u);
     EXPECT_THROW(SaveSession(recording, *file.session, *file.db), Failure);
+}
+
+// Whoever asks whether a recording is free is in nobody's way, and meets one who writes.
+TEST_F(Recorded, ChecksKeepNobodyFromWriting) {
+    const std::string path = Path("asked.rec");
+    Write("asked.rec", "bytes");
+    EXPECT_EQ(CRecordingFile::CheckFree(Path("none.rec")), DWORD{ERROR_FILE_NOT_FOUND});
+    std::atomic<bool> over = false;
+    std::thread asking([&] {
+        while (!over) CRecordingFile::CheckFree(path);
+    });
+    for (int i = 0; i < 20; ++i) {
+        std::unique_ptr<IRecordingFile> written;
+        ASSERT_EQ(CRecordingFile::OpenToWrite(path, 2000, written), 0u);
+        EXPECT_EQ(CRecordingFile::CheckFree(path), DWORD{ERROR_SHARING_VIOLATION});
+    }
+    over = true;
+    asking.join();
+    EXPECT_EQ(CRecordingFile::CheckFree(path), 0u);
 }
 
 // Any bytes changed: what is drawn ends, and what cannot be read is told.

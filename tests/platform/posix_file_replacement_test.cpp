@@ -45,6 +45,35 @@ protected:
     const fs::path& m_folder = Folder();
 };
 
+// Other threads start programs: for a moment their child has every open file too.
+TEST_F(WholeFile, NoChildKeepsTheLocksOfClosedFiles) {
+    const auto lock = [&](DWORD flags, HANDLE& file) {
+        file = CreateFileA(Target().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        OVERLAPPED place = {};
+        return LockFileEx(file, flags, 0, 1, 0, &place) != 0;
+    };
+    constexpr DWORD kShared = LOCKFILE_FAIL_IMMEDIATELY, kExclusive = LOCKFILE_FAIL_IMMEDIATELY | LOCKFILE_EXCLUSIVE_LOCK;
+    for (const DWORD first : {kShared, kExclusive}) {
+        HANDLE held, other, again;
+        ASSERT_TRUE(lock(first, held));
+        EXPECT_EQ(lock(kShared, other), first == kShared);
+        CloseHandle(other);
+        EXPECT_FALSE(lock(kExclusive, other));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_LOCK_VIOLATION});
+        CloseHandle(other);
+        const pid_t child = fork();
+        if (child == 0) {
+            pause();
+            _exit(0);
+        }
+        CloseHandle(held);
+        EXPECT_TRUE(lock(kExclusive, again));
+        CloseHandle(again);
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+    }
+}
+
 TEST_F(WholeFile, FullDiskLeavesThePreviousFileAlone) {
     const int status = WriteTooMuch(SIG_IGN);
     ASSERT_TRUE(WIFEXITED(status));

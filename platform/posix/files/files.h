@@ -103,8 +103,8 @@ struct BY_HANDLE_FILE_INFORMATION {
 };
 ORVIK_API BOOL WINAPI GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* info);
 ORVIK_API BOOL WINAPI FlushFileBuffers(HANDLE file);  // to the disk, not only to the system
-// A lock for one program against others, on a stretch of bytes that need not be there; it ends with the handle. Only exclusive
-// ones that do not wait (both flags, 50 otherwise); error 33 where somebody has it. Reading and writing do not heed it here.
+// A lock for one program against others, on a stretch of bytes that need not be there; it ends with the handle. Only such as do
+// not wait (50 otherwise), shared or exclusive; error 33 where somebody has it. Reading and writing do not heed it here.
 #define LOCKFILE_FAIL_IMMEDIATELY 0x1u
 #define LOCKFILE_EXCLUSIVE_LOCK 0x2u
 ORVIK_API BOOL WINAPI LockFileEx(HANDLE file, DWORD flags, DWORD reserved, DWORD sizeLow, DWORD sizeHigh, OVERLAPPED* place);

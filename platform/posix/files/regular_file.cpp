@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -21,7 +22,15 @@ class RegularFile final : public IoObject {
 public:
     static constexpr Kind kKind = kFile;
     explicit RegularFile(int fd) : m_fd(fd) {}
-    ~RegularFile() override { close(m_fd); }
+    // A lock ends here and not with the last descriptor: a child that another thread has just forked has them all until it
+    // becomes a program of its own.
+    ~RegularFile() override {
+        struct flock all = {};
+        all.l_type = F_UNLCK;
+        all.l_whence = SEEK_SET;
+        if (m_locked) fcntl(m_fd, F_OFD_SETLK, &all);
+        close(m_fd);
+    }
 
     // At the end of the file a read succeeds with 0 bytes. An OVERLAPPED gives the position, as documented for files; nothing
     // pends.
@@ -76,13 +85,16 @@ public:
     }
     DWORD Flush() { return fsync(m_fd) == 0 || errno == EINVAL || errno == EROFS ? ERROR_SUCCESS : ErrorFromErrno(errno); }
     // Of this open file, not of the process: a second opening within the same program is refused as well.
-    DWORD Lock(ULONGLONG at, ULONGLONG size) {
+    DWORD Lock(ULONGLONG at, ULONGLONG size, bool exclusive) {
         struct flock range = {};
-        range.l_type = F_WRLCK;
+        range.l_type = exclusive ? F_WRLCK : F_RDLCK;
         range.l_whence = SEEK_SET;
         range.l_start = static_cast<off_t>(at);
         range.l_len = static_cast<off_t>(size);
-        if (fcntl(m_fd, F_OFD_SETLK, &range) == 0) return ERROR_SUCCESS;
+        if (fcntl(m_fd, F_OFD_SETLK, &range) == 0) {
+            m_locked = true;
+            return ERROR_SUCCESS;
+        }
         return errno == EAGAIN || errno == EACCES ? DWORD{ERROR_LOCK_VIOLATION} : ErrorFromErrno(errno);
     }
     std::string FinalName() {
@@ -113,6 +125,7 @@ private:
     }
 
     const int m_fd;
+    std::atomic<bool> m_locked = false;
 };
 
 }  // namespace
@@ -207,9 +220,10 @@ BOOL FlushFileBuffers(HANDLE file) {
 BOOL LockFileEx(HANDLE file, DWORD flags, DWORD, DWORD sizeLow, DWORD sizeHigh, OVERLAPPED* place) {
     const Pinned<RegularFile> pinned(file);
     if (!pinned) return Finish(ERROR_INVALID_HANDLE);
-    if (flags != (LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY)) return Finish(ERROR_NOT_SUPPORTED);
+    if ((flags & ~static_cast<DWORD>(LOCKFILE_EXCLUSIVE_LOCK)) != LOCKFILE_FAIL_IMMEDIATELY) return Finish(ERROR_NOT_SUPPORTED);
     const auto join = [](DWORD low, DWORD high) { return static_cast<ULONGLONG>(high) << 32 | low; };
-    return Finish(pinned->Lock(join(place->Offset, place->OffsetHigh), join(sizeLow, sizeHigh)));
+    return Finish(
+        pinned->Lock(join(place->Offset, place->OffsetHigh), join(sizeLow, sizeHigh), (flags & LOCKFILE_EXCLUSIVE_LOCK) != 0));
 }
 
 DWORD GetFinalPathNameByHandleA(HANDLE file, LPSTR out, DWORD size, DWORD flags) {
