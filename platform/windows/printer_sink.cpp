@@ -87,7 +87,7 @@ protected:
         const Using look(m_dc, outline != nullptr ? PenOf(*outline) : GetStockObject(NULL_PEN)),
             brush(m_dc, inside != nullptr ? CreateSolidBrush(*inside) : GetStockObject(HOLLOW_BRUSH));
         const RECT dots = Dots(rect);
-        Ellipse(m_dc, dots.left, dots.top, dots.right + 1, dots.bottom + 1);
+        ::Ellipse(m_dc, dots.left, dots.top, dots.right + 1, dots.bottom + 1);
     }
     void PutDot(const VectorPoint& centre, double diameter, uint32_t colour) override {
         const double radius = diameter / 2;
