@@ -18,7 +18,7 @@ CRect DrawHeading(CDC& dc, const std::string& title, SIZE page) {
     font.CreateFontIndirect(&look);
     CFont* const before = dc.SelectObject(&font);
     dc.SetBkMode(TRANSPARENT);
-    CRect heading(room.left, room.top, room.right, room.top + line);
+    CRect heading(room.left + letters / 2, room.top, room.right, room.top + line);
     dc.DrawText(title.c_str(), static_cast<int>(title.size()), &heading, DT_SINGLELINE | DT_TOP | DT_NOPREFIX | DT_END_ELLIPSIS);
     dc.SelectObject(before);
     room.top = heading.bottom;
