@@ -40,7 +40,7 @@ endif()
 # What the platform floor needs of the system, passed on to whatever links it.
 add_library(orvik_system INTERFACE)
 if(WIN32)
-  target_link_libraries(orvik_system INTERFACE setupapi version gdi32 comctl32 comdlg32 ws2_32 usp10 z)
+  target_link_libraries(orvik_system INTERFACE setupapi version gdi32 comctl32 comdlg32 winspool ws2_32 usp10 z)
 else()
   find_package(Threads REQUIRED)
   find_package(PkgConfig REQUIRED)

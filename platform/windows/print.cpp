@@ -3,6 +3,7 @@
 #include "platform/windows/door_text_internal.h"
 
 #include <commdlg.h>
+#include <winspool.h>
 
 #include <utility>
 
@@ -47,6 +48,14 @@ DWORD SpoolError() {
         default:
             return error;
     }
+}
+
+// The dialog would stand there with nothing to choose.
+bool HasPrinter() {
+    DWORD size = 0, count = 0;
+    constexpr DWORD kNames = 4;  // what of each is asked: the cheapest
+    EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, kNames, nullptr, 0, &size, &count);
+    return size > 0;
 }
 
 // The default printer with its sheet turned as charts lie; nothing without one.
@@ -125,6 +134,10 @@ private:
 }  // namespace
 
 std::unique_ptr<PrintJob> AskForPrint(HWND owner, const std::string& document, SIZE& page, DWORD& error) {
+    if (!HasPrinter()) {
+        error = kOrvikNoPrinter;
+        return nullptr;
+    }
     if (g_device == nullptr) ChooseFirst();
     PRINTDLGW ask{};
     ask.lStructSize = sizeof ask;
