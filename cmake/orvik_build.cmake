@@ -40,7 +40,7 @@ endif()
 # What the platform floor needs of the system, passed on to whatever links it.
 add_library(orvik_system INTERFACE)
 if(WIN32)
-  target_link_libraries(orvik_system INTERFACE setupapi version gdi32 comctl32 ws2_32 usp10 z)
+  target_link_libraries(orvik_system INTERFACE setupapi version gdi32 comctl32 comdlg32 winspool ws2_32 usp10 z)
 else()
   find_package(Threads REQUIRED)
   find_package(PkgConfig REQUIRED)
@@ -128,7 +128,7 @@ endfunction()
 
 # The modules that bring windows to a screen, where what they need is there; the library does without.
 function(orvik_screens)
-  pkg_check_modules(ORVIK_GTK3 IMPORTED_TARGET gtk+-3.0)
+  pkg_check_modules(ORVIK_GTK3 IMPORTED_TARGET gtk+-3.0 gtk+-unix-print-3.0)
   if(NOT ORVIK_GTK3_FOUND)
     message(STATUS "No GTK 3: windows stay in memory")
     return()

@@ -1,6 +1,7 @@
 // Pictures as a PDF file of one page, after ISO 32000-1: text in the standard fonts that every reader has, where they can say it,
 // else in fonts that the file carries along; the page itself not compressed, so that a picture can be compared and searched as it
-// is. One pixel is 1/96 inch, which is 3/4 point.
+// is. One pixel is 1/96 inch, which is 3/4 point; the page is as large as the picture, or a sheet of paper
+// with the picture on it.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -85,9 +86,10 @@ std::string Colour(uint32_t colour, const char* op) {
 
 class PdfWriter : public VectorSink {
 public:
-    PdfWriter(int width, int height) : VectorSink(width, height), m_width(width), m_height(height) {
+    PdfWriter(int width, int height, const PdfSheet& sheet)
+        : VectorSink(width, height), m_width(width), m_height(height), m_sheet(sheet) {
         // The page has its origin below; pictures have theirs above, in pixels.
-        m_text = Numbers({kPointsAPixel, 0, 0, -kPointsAPixel, 0, height * kPointsAPixel}) + "cm\n";
+        m_text = Numbers({kPointsAPixel, 0, 0, -kPointsAPixel, sheet.left, sheet.height - sheet.top}) + "cm\n";
         m_text += "1 1 1 rg\n" + Numbers({0, 0, m_width, m_height}) + "re f\n";
     }
 
@@ -103,8 +105,8 @@ public:
         std::string pictures;
         for (size_t i = 0; i < m_pictures.size(); ++i)
             pictures += " /P" + std::to_string(i) + ' ' + std::to_string(firstPicture + 2 * i) + " 0 R";
-        objects.push_back("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 " + VectorNumber(m_width * kPointsAPixel) + ' ' +
-                          VectorNumber(m_height * kPointsAPixel) + "] /Contents 4 0 R /Resources << /Font <<" + fonts + " >>" +
+        objects.push_back("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 " + VectorNumber(m_sheet.width) + ' ' +
+                          VectorNumber(m_sheet.height) + "] /Contents 4 0 R /Resources << /Font <<" + fonts + " >>" +
                           (pictures.empty() ? "" : " /XObject <<" + pictures + " >>") + " >> >>");
         objects.push_back("<< /Length " + std::to_string(m_text.size()) + " >>\nstream\n" + m_text + "\nendstream");
         for (const char* font : kFonts)
@@ -299,11 +301,17 @@ private:
     }
 
     double m_width, m_height;
+    PdfSheet m_sheet;
     std::string m_text;  // what the page shows
     PdfFonts m_fonts;
     std::vector<std::shared_ptr<const PagePicture>> m_pictures;
 };
 }  // namespace
 
-std::unique_ptr<VectorSink> MakePdfWriter(int width, int height) { return std::make_unique<PdfWriter>(width, height); }
+std::unique_ptr<VectorSink> MakePdfWriter(int width, int height) {
+    return MakePdfWriter(width, height, {width * kPointsAPixel, height * kPointsAPixel, 0, 0});
+}
+std::unique_ptr<VectorSink> MakePdfWriter(int width, int height, const PdfSheet& sheet) {
+    return std::make_unique<PdfWriter>(width, height, sheet);
+}
 }  // namespace orvik::detail

@@ -11,6 +11,7 @@
 #include "platform/file_replacement.h"
 #include "platform/picture_internal.h"
 #include "platform/png_writer_internal.h"
+#include "platform/print_internal.h"
 
 namespace orvik::detail {
 namespace {
@@ -156,7 +157,7 @@ BOOL OrvikIsPrinting(HDC dc) {
     Pictures& pictures = ThePictures();
     const std::lock_guard guard(pictures.lock);
     const auto found = pictures.open.find(dc);
-    return found != pictures.open.end() && found->second.kind == PictureKind::pdf;
+    return (found != pictures.open.end() && found->second.kind == PictureKind::pdf) || IsPrintJob(dc);
 }
 
 BOOL OrvikSmoothPolyline(HDC dc, const ORVIK_CURVE_POINT* points, int count, COLORREF colour, float width) {

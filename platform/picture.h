@@ -39,7 +39,7 @@ ORVIK_API HDC OrvikBeginPicture(LPCSTR path, int width, int height);
 // 112 disk full; 50 something was drawn that the picture cannot hold (see above).
 ORVIK_API BOOL OrvikEndPicture(HDC dc, BOOL keep);
 
-// Non-zero for the DC of a PDF picture: one that is drawn for paper.
+// Non-zero for the DC of a PDF picture, or of a page to be printed (platform/print.h): one that is drawn for paper.
 ORVIK_API BOOL OrvikIsPrinting(HDC dc);
 
 // Draws an antialiased line through `count` points in logical units, with round joins and ends, `width` pixels wide (0.1..100).

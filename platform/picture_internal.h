@@ -24,6 +24,9 @@ public:
 // Null and the last error where the system cannot give one.
 std::unique_ptr<PictureTarget> MakeImageTarget(int width, int height);
 std::unique_ptr<PictureTarget> MakePageTarget(PictureKind kind, int width, int height);
+// A PDF picture on a sheet of paper; on Linux, where printers take it.
+struct PdfSheet;
+std::unique_ptr<PictureTarget> MakeSheetTarget(int width, int height, const PdfSheet& sheet);
 
 // On a page (a DC without pixels) the pieces are kept as they are: TRUE. FALSE for every other DC.
 BOOL KeepSmoothLine(HDC dc, const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, COLORREF colour, float width);

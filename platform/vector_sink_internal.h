@@ -97,5 +97,10 @@ std::string VectorNumber(double value);
 
 std::unique_ptr<VectorSink> MakeSvgWriter(int width, int height);
 std::unique_ptr<VectorSink> MakePdfWriter(int width, int height);
+// On a sheet of paper: its size, and where the picture's corner lies on it, in points.
+struct PdfSheet {
+    double width, height, left, top;
+};
+std::unique_ptr<VectorSink> MakePdfWriter(int width, int height, const PdfSheet& sheet);
 
 }  // namespace orvik::detail

@@ -39,6 +39,7 @@ bool MainWindow::CanCommand(UINT command) const {
         case kCommandSaveAs:
         case kCommandExport:
         case kCommandPicture:
+        case kCommandPrint:
         case kCommandCopy:
             return m_document.HasSession();
         case kCommandProperties:
@@ -73,6 +74,9 @@ bool MainWindow::Command(UINT command) {
             return true;
         case kCommandPicture:
             AskAndSavePicture();
+            return true;
+        case kCommandPrint:
+            AskAndPrint();
             return true;
         case kCommandDownload:
             AskAndDownload();

@@ -157,6 +157,8 @@ private:
     void OpenRecent(size_t place);
     void Remember(const std::string& path);
     void AskAndSavePicture();
+    void AskAndPrint();
+    void TellOfPrinting(DWORD error, Text withoutPrinter);
     void AskAndDownload();
     void AskRange();
     void AskTimeRange();

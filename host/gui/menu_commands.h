@@ -35,6 +35,7 @@ enum CommandId : UINT {
     kCommandKeys,
     kCommandLatest,
     kCommandCopy,
+    kCommandPrint,
     kCommandRecent = 180,    // and the files after it, the newest first
     kCommandChannels = 200,  // and the channels after it, in the session's order
     kCommandPorts = 400,     // and the ports after it, in the order in which they were listed
@@ -56,8 +57,9 @@ struct MenuCommand {
 
 // Commands that open a dialog for somebody to answer.
 constexpr bool AsksUser(CommandId id) {
-    for (const CommandId one : {kCommandOpen, kCommandSave, kCommandSaveAs, kCommandExport, kCommandPicture, kCommandDownload,
-                                kCommandRange, kCommandTimeRange, kCommandProperties, kCommandAbout, kCommandKeys}) {
+    for (const CommandId one :
+         {kCommandOpen, kCommandSave, kCommandSaveAs, kCommandExport, kCommandPicture, kCommandPrint, kCommandDownload,
+          kCommandRange, kCommandTimeRange, kCommandProperties, kCommandAbout, kCommandKeys}) {
         if (id == one) return true;
     }
     return false;
@@ -68,7 +70,8 @@ inline constexpr MenuCommand kMenuCommands[] = {
     {kCommandSave, MenuPlace::File, false, Text::MenuSave, "save", 'S', true, false, "Ctrl+S"},
     {kCommandSaveAs, MenuPlace::File, false, Text::MenuSaveAs, "save-as", 'S', true, true, "Ctrl+Shift+S"},
     {kCommandExport, MenuPlace::File, true, Text::MenuExport, "export", 'E', true, false, "Ctrl+E"},
-    {kCommandPicture, MenuPlace::File, false, Text::MenuPicture, "picture", 'P', true, false, "Ctrl+P"},
+    {kCommandPicture, MenuPlace::File, false, Text::MenuPicture, "picture", 'P', true, true, "Ctrl+Shift+P"},
+    {kCommandPrint, MenuPlace::File, true, Text::MenuPrint, "print", 'P', true, false, "Ctrl+P"},
     {kCommandDownload, MenuPlace::File, true, Text::MenuDownload, "download", 'D', true, false, "Ctrl+D"},
     {kCommandStop, MenuPlace::File, false, Text::MenuStop, "stop", 'B', true, false, "Ctrl+B"},
     {kCommandExit, MenuPlace::File, true, Text::MenuExit, "exit", 0, false, false, "Alt+F4"},

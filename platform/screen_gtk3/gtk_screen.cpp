@@ -46,6 +46,7 @@ void GtkScreen::Run(std::function<void(bool)> started) {
     started(true);
     g_main_loop_run(m_loop);
     m_clipboards.Store();
+    m_printers.Close();
     m_popups.clear();
     m_windows.clear();
     while (g_main_context_iteration(nullptr, FALSE)) {

@@ -12,6 +12,7 @@
 
 #include "platform/posix/window/screen_internal.h"
 #include "platform/screen_gtk3/gtk_clipboard.h"
+#include "platform/screen_gtk3/gtk_print.h"
 #include "platform/screen_gtk3/gtk_window.h"
 
 class GtkScreen final : public orvik::detail::Screen {
@@ -27,6 +28,7 @@ public:
     void Described(HWND window, std::shared_ptr<const OrvikAccessible> said) override;
     void AskForFile(orvik::detail::FileQuestion question, orvik::detail::FileAnswer answer) override;
     orvik::detail::ScreenExchange* Exchange() override { return &m_clipboards; }
+    orvik::detail::ScreenPrinters* Printers() override { return &m_printers; }
     void End() override;
 
     // For windows, on the module's thread.
@@ -49,6 +51,7 @@ private:
     std::thread m_thread;
     GMainLoop* m_loop = nullptr;
     GtkClipboards m_clipboards;
+    GtkPrinters m_printers{*this};
 
     std::mutex m_lock;  // the notes
     std::set<HWND> m_changed;

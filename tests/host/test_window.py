@@ -26,6 +26,7 @@ from window_screens import Unseen, until
 options = screen = None
 
 BLUE, ORANGE, COMMENT = (0, 114, 178), (213, 94, 0), (255, 252, 232)  # two channels, a comment's paper
+CHOSEN = (53, 132, 228)  # the paper of a row that is chosen in the desktop's own dialogs
 # Rows at the top with the window's title, where its frame is Wine's, and at the bottom with what the pointer can do: not looked at.
 TITLE, STATUS = 24, 32
 
@@ -415,6 +416,36 @@ class WindowFlow(Flow):
         screen.key("shift+Insert", "Return")
         until(lambda: text.exists() and text.read_bytes().count(b"\n") == 401, "the readings as text")
         screen.focus(window.id)
+        self.assertEqual(window.close(), 0)
+
+    def test_the_chart_is_printed_on_a_page(self):
+        if options.wine or options.wayland:
+            self.skipTest("printers are asked for by the desktop's dialog, whose list is found by its look on X11")
+        window = self.open(environment={"HOME": str(self.folder)})
+        first = self.charted(window)
+        window.key("ctrl+p")
+        dialog = window.dialog("Print")
+        before = Picture(dialog).pixels.count(bytes(CHOSEN))
+
+        def chosen():
+            screen.key("Down")
+            return Picture(dialog).pixels.count(bytes(CHOSEN)) > before + 5000
+
+        screen.key("Tab")  # from the page's name to the list, where there may be nothing yet
+        until(chosen, "a file in place of a printer")
+        screen.save(dialog, options.pictures / "25-print.png")
+        screen.key("Return")
+        page = self.folder / "week.pdf"
+        until(page.exists, "the printed page")
+        printed = page.read_bytes()
+        self.assertIn(b"/MediaBox [0 0 841.89 595.28]", printed)
+        self.assertTrue(printed.endswith(b"%%EOF\n"))
+        for text in (b"week.odb", b"Air temperature", b"Rain begins"):
+            self.assertIn(text, printed)
+        screen.focus(window.id)
+        window.becomes(first, "the window as it was")
+        window.keep("26-printed")
+        self.assertFalse(window.is_modified())
         self.assertEqual(window.close(), 0)
 
     def test_a_logger_is_tried_before_it_is_downloaded(self):

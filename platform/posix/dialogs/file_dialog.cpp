@@ -1,12 +1,11 @@
 #include "platform/posix/dialogs/file_dialog.h"
 
-#include <atomic>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <optional>
 
 #include "platform/house_text_internal.h"
+#include "platform/posix/dialogs/screen_answer_internal.h"
 #include "platform/posix/files/path_internal.h"
 #include "platform/posix/window/screen_internal.h"
 #include "platform/posix/window/window_internal.h"
@@ -36,31 +35,9 @@ std::optional<std::string> ExtensionOf(const FileQuestion& question, size_t kind
     return first.substr(1);
 }
 
-// Asks, and handles this thread's messages until there is an answer. At the quit message, which stays for the loop outside, there
-// is none.
 Choice Wait(const FileQuestion& question) {
-    struct Answer {
-        std::atomic<bool> there{false};
-        Choice choice;
-    };
-    const auto answer = std::make_shared<Answer>();
-    const DWORD thread = GetCurrentThreadId();
-    if (!AskOnScreen(question, [answer, thread](Choice choice) {
-            answer->choice = std::move(choice);
-            answer->there = true;
-            PostThreadMessageA(thread, WM_NULL, 0, 0);
-        }))
-        return std::nullopt;
-    MSG message;
-    while (!answer->there) {
-        if (GetMessageA(&message, nullptr, 0, 0) <= 0) {
-            PostQuitMessage(static_cast<int>(message.wParam));
-            return std::nullopt;
-        }
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    return answer->choice;
+    const ScreenAnswer<Choice> answer;
+    return AskOnScreen(question, answer.Taker()) ? answer.Wait().value_or(std::nullopt) : std::nullopt;
 }
 
 BOOL Ask(LPOPENFILENAMEA asked, bool save) {
@@ -77,10 +54,8 @@ BOOL Ask(LPOPENFILENAMEA asked, bool save) {
     question.folder = suggested.has_parent_path()         ? suggested.parent_path().string()
                       : asked->lpstrInitialDir != nullptr ? SystemPath(asked->lpstrInitialDir)
                                                           : "";
-    HWND owner = asked->hwndOwner != nullptr ? GetAncestor(asked->hwndOwner, GA_ROOT) : nullptr;
-    question.owner = owner;
-    if (owner != nullptr && !IsWindowEnabled(owner)) owner = nullptr;
-    if (owner != nullptr) EnableWindow(owner, FALSE);
+    const Asking asking(asked->hwndOwner);
+    question.owner = asking.Root();
     Choice choice = Wait(question);
     while (choice && save && asked->lpstrDefExt != nullptr && !std::filesystem::path(choice->path).has_extension()) {
         choice->path += ExtensionOf(question, choice->kind).value_or(std::string(".") + asked->lpstrDefExt);
@@ -91,10 +66,6 @@ BOOL Ask(LPOPENFILENAMEA asked, bool save) {
         question.name = std::filesystem::path(choice->path).filename().string();
         question.kind = choice->kind;
         choice = Wait(question);
-    }
-    if (owner != nullptr && IsWindow(owner)) {
-        EnableWindow(owner, TRUE);
-        SetActiveWindow(owner);
     }
     if (!choice) return FALSE;
     asked->nFilterIndex = static_cast<DWORD>(choice->kind) + 1;

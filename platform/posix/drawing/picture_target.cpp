@@ -157,13 +157,19 @@ private:
     std::shared_ptr<PageCanvas> m_canvas;
     HDC m_dc = nullptr;
 };
+
+std::unique_ptr<PictureTarget> TargetOver(SIZE size, std::unique_ptr<VectorSink> sink) {
+    auto target = std::make_unique<PageTarget>(std::make_shared<SinkCanvas>(size, std::move(sink)));
+    return target->Dc() != nullptr ? std::move(target) : nullptr;
+}
 }  // namespace
 
 std::unique_ptr<PictureTarget> MakePageTarget(PictureKind kind, int width, int height) {
-    auto sink = kind == PictureKind::svg ? MakeSvgWriter(width, height) : MakePdfWriter(width, height);
-    auto canvas = std::make_shared<SinkCanvas>(SIZE{width, height}, std::move(sink));
-    auto target = std::make_unique<PageTarget>(std::move(canvas));
-    return target->Dc() != nullptr ? std::move(target) : nullptr;
+    return TargetOver({width, height}, kind == PictureKind::svg ? MakeSvgWriter(width, height) : MakePdfWriter(width, height));
+}
+
+std::unique_ptr<PictureTarget> MakeSheetTarget(int width, int height, const PdfSheet& sheet) {
+    return TargetOver({width, height}, MakePdfWriter(width, height, sheet));
 }
 
 void SettlePixels() {}  // drawing reaches the pixels at once

@@ -48,6 +48,10 @@ ScreenExchange* TheExchange() {
     Screen* const screen = TheScreen();
     return screen != nullptr ? screen->Exchange() : nullptr;
 }
+ScreenPrinters* ThePrinters() {
+    Screen* const screen = TheScreen();
+    return screen != nullptr ? screen->Printers() : nullptr;
+}
 bool HasScreen() { return TheScreen() != nullptr; }
 
 bool OpenScreenNow() {

@@ -19,11 +19,12 @@
 #include "platform/posix/window/messages.h"
 #include "platform/posix/window/popup_place_internal.h"
 #include "platform/posix/window/screen_exchange_internal.h"
+#include "platform/posix/window/screen_print_internal.h"
 
 namespace orvik::detail {
 struct Window;
 
-inline constexpr unsigned kScreenSeam = 2;  // grows with each change of this header: a module of another one is not used
+inline constexpr unsigned kScreenSeam = 3;  // grows with each change of this header: a module of another one is not used
 
 // A cursor's look: one of the system's, or pixels.
 struct CursorLook {
@@ -72,8 +73,8 @@ struct ScreenEvent {
     } kind;
     // Pointer: a mouse message, a point in the picture, the wheel's parts. Key: its VK_ code, whether it goes down. Resized: the
     // size. Dismissed: the desktop has taken a popup away. State: one of ShownWindow::State. DotsChanged: dots an inch, and the
-    // size by these. Placed: where a popup came to lie in its owner's picture. Dropped: files, at a point. Described and Asked are
-    // the library's own, for what is asked by ScreenHost::Listen and Ask.
+    // size by these. Placed: where a popup came to lie in its owner's picture. Dropped: files, at a point. Described and Asked
+    // are the library's own, for what is asked by ScreenHost::Listen and Ask.
     UINT code = 0;
     int x = 0, y = 0, wheel = 0;
     bool down = false;
@@ -126,6 +127,7 @@ public:
     // What a top-level window says of itself, after Listen: texts in UTF-8, places in its picture.
     virtual void Described(HWND window, std::shared_ptr<const OrvikAccessible> said) = 0;
     virtual ScreenExchange* Exchange() { return nullptr; }
+    virtual ScreenPrinters* Printers() { return nullptr; }
     virtual void End() = 0;  // returns when the screen's thread has gone
 
 protected:

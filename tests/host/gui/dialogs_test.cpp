@@ -152,7 +152,7 @@ TEST_F(Dialogs, EveryOneIsReachedByKeyFitsAndCanBeGivenUp) {
          {std::pair("range", 'G'), std::pair("time-range", 'T'), std::pair("picture", 'P'), std::pair("download", 'D'),
           std::pair("export", 'E'), std::pair("keys", static_cast<char>(VK_F1))}) {
         const Answers answers(hands.window->m_hWnd, {look(name)});
-        hands.Key(static_cast<UINT>(key), false, key != VK_F1);
+        hands.Key(static_cast<UINT>(key), key == 'P', key != VK_F1);
     }
     Do(kCommandAbout, {look("about")});
     // Alt+Enter: of the axis, or of the channel whose row has the keys; Enter there as well.
