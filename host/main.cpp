@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/version.h"
 #include "host/command_line/commands.h"
 #include "host/words/nearest_word.h"
 #include "host/words/texts.h"
@@ -14,30 +15,40 @@ namespace {
 struct Command {
     const char* name;
     ExitCode (*run)(CHostApp&, const Words&);
+    Text help;
 };
-constexpr Command kCommands[] = {
-    {"demo", RunDemo},     {"ports", RunPorts},   {"simulate", RunSimulate}, {"download", RunDownload}, {"show", RunShow},
-    {"chart", RunChart},   {"db", RunDb},         {"locale", RunLocale},     {"version", RunVersion},   {"script", RunScript},
-    {"read", RunRead},     {"check", RunCheck},   {"convert", RunConvert},   {"recover", RunRecover},   {"record", RunRecord},
-    {"status", RunStatus}, {"reload", RunReload}, {"write", RunWrite},       {"learn", RunLearn}};
+// In the order of their list: what is read, what is done with it, the rest.
+constexpr Command kCommands[] = {{"demo", RunDemo, Text::HelpDemo},
+                                 {"ports", RunPorts, Text::HelpPorts},
+                                 {"learn", RunLearn, Text::HelpLearn},
+                                 {"check", RunCheck, Text::HelpCheck},
+                                 {"read", RunRead, Text::HelpRead},
+                                 {"write", RunWrite, Text::HelpWrite},
+                                 {"download", RunDownload, Text::HelpDownload},
+                                 {"recover", RunRecover, Text::HelpRecover},
+                                 {"record", RunRecord, Text::HelpRecord},
+                                 {"status", RunStatus, Text::HelpStatus},
+                                 {"reload", RunReload, Text::HelpReload},
+                                 {"show", RunShow, Text::HelpShow},
+                                 {"chart", RunChart, Text::HelpChart},
+                                 {"convert", RunConvert, Text::HelpConvert},
+                                 {"db", RunDb, Text::HelpDb},
+                                 {"script", RunScript, Text::HelpScript},
+                                 {"simulate", RunSimulate, Text::HelpSimulate},
+                                 {"locale", RunLocale, Text::HelpLocale},
+                                 {"version", RunVersion, Text::HelpVersion}};
 
-// What the usage has of one command: the lines that begin with it, and those that go on with them.
-std::string UsageOf(const std::string& name) {
-    const std::string usage = Say(Text::Usage), begin = "  orvikhost " + name;
-    std::string said;
-    bool its = false;
-    for (size_t at = 0; at < usage.size();) {
-        const size_t end = std::min(usage.find('\n', at), usage.size());
-        const std::string line = usage.substr(at, end - at);
-        const bool goesOn = line.starts_with("     ");
-        const bool named = line.starts_with(begin) && (line.size() == begin.size() || line[begin.size()] == ' ');
-        // "reload STATION" stands in the line of the command that it belongs to.
-        its = named || (its && goesOn) || (!goesOn && line.find(" " + name + " STATION") != line.npos);
-        if (its) said += line + '\n';
-        at = end + 1;
+bool AsksForHelp(const std::string& word) { return word == "--help" || word == "-h"; }
+
+// Every command in a line: the second one of its own help.
+void PrintCommands() {
+    constexpr size_t kWidth = 10;
+    Print(Say(Text::HelpHead) + '\n');
+    for (const Command& command : kCommands) {
+        const std::string help = Say(command.help), rest = help.substr(help.find('\n') + 1), name = command.name;
+        Print("  orvikhost " + name + std::string(kWidth - name.size(), ' ') + rest.substr(0, rest.find('\n')));
     }
-    if (!said.empty()) said.pop_back();
-    return said;
+    Print('\n' + Say(Text::HelpTail));
 }
 
 ExitCode Run(CHostApp& app, Words words) {
@@ -46,16 +57,25 @@ ExitCode Run(CHostApp& app, Words words) {
         name = words.front();
         words.erase(words.begin());
     }
-    if (name == "--help" || name == "-h" || name == "help") {
-        Print(Say(Text::Usage));
+    if (name == "help" && !words.empty()) {
+        name = words.front();
+        words = {"--help"};
+    }
+    if (name == "help" || AsksForHelp(name)) {
+        PrintCommands();
+        return kDone;
+    }
+    if (name == "--version") {
+        Print("orvikhost " ORVIK_MODULE_VERSION);
         return kDone;
     }
     std::vector<std::string> names;
     for (const Command& command : kCommands) {
         names.push_back(command.name);
         if (name != command.name) continue;
-        if (words.size() == 1 && (words[0] == "--help" || words[0] == "-h")) {
-            Print(UsageOf(name));
+        // Also behind words that were typed already; what only looks so stands behind "--".
+        if (std::any_of(words.begin(), std::find(words.begin(), words.end(), "--"), AsksForHelp)) {
+            Print(Say(command.help));
             return kDone;
         }
         return command.run(app, words);
