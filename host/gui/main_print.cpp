@@ -51,6 +51,8 @@ void MainWindow::TellOfPrinting(DWORD error, Text withoutPrinter) {
             return ShowStatus(Say(Text::PrintNeedsScreen));
         case kOrvikNoPrinter:
             return ShowStatus(Say(withoutPrinter));
+        case ERROR_GEN_FAILURE:
+            return ShowStatus(Say(Text::PrinterGone));
         case ERROR_TIMEOUT:
             return ShowStatus(Say(Text::PrintTakesLong));
         default:
