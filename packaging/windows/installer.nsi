@@ -1,9 +1,10 @@
 ; The installer for Windows: makensis -DVERSION=1.0.0 -DSOURCE=folder -DOUTPUT=file -DREMOVAL=file -DICON=file installer.nsi
 ; SOURCE is the installed tree, and REMOVAL deletes in it, file by file: what the user put beside them stays.
 ; Silent with /S, elsewhere with /D=folder; in English and Swedish.
+Target amd64-unicode  ; as the programs are
 Unicode true
 !include MUI2.nsh
-!include x64.nsh
+!include LogicLib.nsh
 !include FileFunc.nsh
 
 !define UNINSTALL "Software\Microsoft\Windows\CurrentVersion\Uninstall\Orvik"
@@ -31,8 +32,6 @@ LangString Session ${LANG_ENGLISH} "Data logger session"
 LangString Session ${LANG_SWEDISH} "Session från datalogger"
 LangString Recording ${LANG_ENGLISH} "Data logger recording"
 LangString Recording ${LANG_SWEDISH} "Inspelning från datalogger"
-LangString In64Bits ${LANG_ENGLISH} "OrvikHost needs a 64-bit Windows."
-LangString In64Bits ${LANG_SWEDISH} "OrvikHost behöver ett 64-bitars Windows."
 LangString InUse ${LANG_ENGLISH} "OrvikHost runs; close it, and any recorder, and try again."
 LangString InUse ${LANG_SWEDISH} "OrvikHost körs; stäng det, och eventuell inspelare, och försök igen."
 
@@ -55,11 +54,6 @@ LangString InUse ${LANG_SWEDISH} "OrvikHost körs; stäng det, och eventuell ins
 !macroend
 
 Function .onInit
-    ${IfNot} ${RunningX64}
-        MessageBox MB_OK|MB_ICONEXCLAMATION "$(In64Bits)" /SD IDOK
-        SetErrorLevel 2
-        Quit
-    ${EndIf}
     SetRegView 64
     ; Where it is installed already, unless /D says otherwise.
     ReadRegStr $0 HKLM "${UNINSTALL}" "InstallLocation"
