@@ -11,6 +11,7 @@
 #include "host/gui/chart_window.h"
 #include "host/gui/live_download.h"
 #include "host/gui/recent_files.h"
+#include "host/gui/status_line.h"
 #include "host/gui/value_list.h"
 #include "host/session/reading_source.h"
 #include "host/session/reading_writer.h"
@@ -59,6 +60,7 @@ public:
     RECT BarRect() const;
     RECT StatusRect() const;
     void SetHint(const std::string& text) { ShowHint(text); }
+    const StatusLine& Line() const { return m_line; }
     // As if the pointer were elsewhere.
     void ForgetPointer() { ShowValuesAt(std::nullopt); }
     // The text of a menu's item, and whether it can be chosen; for those who look at the menu.
@@ -162,6 +164,10 @@ private:
     void AskTimeRange();
     void ShowProperties();
     void ShowStatus(const std::string& house);
+    // Of readings that come: a download's, or those that somebody else records.
+    void ShowLive(const std::string& house, StatusLine::Mark mark);
+    void ShowNews(const LiveDownload::News& news, const DownloadPlan& plan);
+    void ShowFollowed();
     void Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan);
     SIZE ChartSize() const;
     TimeRange TimesShown();
@@ -186,9 +192,7 @@ private:
     std::vector<std::string> m_recentShown;  // by the menu
     std::string m_loggerFile;                // the description that was used last; empty: the embedded one
     HMENU m_recentMenu = nullptr, m_portMenu = nullptr, m_channelMenu = nullptr;
-    std::string m_hint, m_status, m_pointed;
-    std::string m_live;       // of readings that come; empty without
-    bool m_lineLost = false;  // and nothing comes at the moment
+    StatusLine m_line;
     bool m_dragging = false;
     bool m_barFocus = false;
     bool m_asking = false;   // or working, under a progress dialog

@@ -15,6 +15,8 @@ constexpr LONG kStandardWidths[ValueList::kColumns] = {140, 80, 60};
 constexpr LONG kGrip = 4, kWidest = 4096, kKeyStep = 8;
 constexpr Text kHeads[ValueList::kColumns] = {Text::HeadChannel, Text::HeadValue, Text::HeadUnit};
 
+constexpr char kNoValue[] = "\u2013";
+
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
 
 // The value behind a row: so far no more than its colour.
@@ -117,7 +119,7 @@ const std::string& ValueList::CellText(size_t channel, size_t column) const {
         const auto axis = std::find_if(state.axes.begin(), state.axes.end(), same);
         const std::string& picture = axis != state.axes.end() ? axis->picture : std::string();
         const double value = ValueOf(channel);
-        if (!m_pointed || std::isfinite(value)) m_text = ShortTextOf(value, picture);
+        m_text = std::isnan(value) ? kNoValue : ShortTextOf(value, picture);
     }
     return m_text;
 }
@@ -156,7 +158,10 @@ LRESULT ValueList::OnDescribe(WPARAM wParam, LPARAM lParam) {
     said.name = Say(Text::ListSaid);
     for (OrvikAccessible& row : said.parts) {
         if (row.at < 0 || static_cast<size_t>(row.at) >= ChannelCount()) continue;
-        if (ColourOf(static_cast<size_t>(row.at)) == kHidden) row.description = Say(Text::ListSaidHidden);
+        const auto channel = static_cast<size_t>(row.at);
+        if (ColourOf(channel) == kHidden) row.description = Say(Text::ListSaidHidden);
+        if (CellText(channel, 1) != kNoValue) continue;
+        row.description += (row.description.empty() ? "" : ", ") + Say(Text::ListSaidNoValue);
     }
     return TRUE;
 }
