@@ -81,8 +81,8 @@ void PictureDialog::DoDataExchange(CDataExchange* exchange) {
     CString name = path;
     UINT across = width, down = height;
     DDX_Text(exchange, IDC_HOST_FILE, name);
-    DDX_Text(exchange, IDC_HOST_WIDTH, across);
-    DDX_Text(exchange, IDC_HOST_HEIGHT, down);
+    ExchangeCount(exchange, IDC_HOST_WIDTH, across);
+    ExchangeCount(exchange, IDC_HOST_HEIGHT, down);
     DDX_Radio(exchange, IDC_HOST_PNG, m_kind);
     if (!exchange->m_bSaveAndValidate) return;
     if (name.IsEmpty()) Refuse(exchange, IDC_HOST_FILE, Say(Text::FileEmpty));
@@ -210,9 +210,8 @@ void DownloadDialog::DoDataExchange(CDataExchange* exchange) {
     CString name = port, file = description;
     DDX_Text(exchange, IDC_HOST_DESCRIPTION, file);
     DDX_Text(exchange, IDC_HOST_PORT, name);
-    DDX_Text(exchange, IDC_HOST_COUNT, readings);
-    if (!exchange->m_bSaveAndValidate || IsChanged(IDC_HOST_INTERVAL))
-        DDX_NlsShortTimeSpan(exchange, IDC_HOST_INTERVAL, between, nullptr);
+    ExchangeCount(exchange, IDC_HOST_COUNT, readings);
+    if (!exchange->m_bSaveAndValidate || IsChanged(IDC_HOST_INTERVAL)) ExchangeSpan(exchange, IDC_HOST_INTERVAL, between);
     if (!exchange->m_bSaveAndValidate) return;
     if (name.IsEmpty()) Refuse(exchange, IDC_HOST_PORT, Say(Text::PortEmpty));
     if (SamePort(name.GetString(), busyPort))
