@@ -56,6 +56,7 @@ void MainWindow::CreateWindowOf(SIZE client, int show) {
     SetIcons();
     MakeMenu();
     ::DragAcceptFiles(m_hWnd, TRUE);
+    m_tips.Create(m_hWnd);
     if (!m_chart.CreatePane(m_hWnd) || !m_list.CreatePane(m_hWnd)) throw Failure{kFileFailed, Say(Text::NoWindow)};
     SetClientSize({Scaled(client.cx), Scaled(client.cy)});
     UpdateTitle();
@@ -207,7 +208,10 @@ LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
     dc.FillSolidRect(bar.right - line, bar.top, line, bar.Height(), shadow);
     dc.FillSolidRect(status, face);
     dc.FillSolidRect(status.left, status.top, status.Width(), line, shadow);
-    m_line.Paint(dc, m_hWnd, status);
+    const StatusLine::Parts parts = m_line.Paint(dc, m_hWnd, status);
+    UINT_PTR id = kLineTips;
+    for (const StatusLine::Part* const part : {&parts.hint, &parts.told, &parts.live})
+        m_tips.Put(m_hWnd, id++, part->place, part->cut ? *part->text : std::string());
     return 0;
 }
 
@@ -234,6 +238,11 @@ void MainWindow::ShowHint(const std::string& text) {
     m_line.hint = text;
     const RECT status = StatusRect();
     ::InvalidateRect(m_hWnd, &status, FALSE);
+}
+
+void MainWindow::ShowTip(HWND pane, const RECT& place, const std::string& text, LPARAM pointer) {
+    m_tips.Put(pane, kPaneTip, place, text);
+    if (!text.empty()) m_tips.Relay(pane, WM_MOUSEMOVE, 0, pointer);
 }
 
 // Nobody tells when the pointer leaves a window that another one covers, or the screen's edge ends: it is looked for.

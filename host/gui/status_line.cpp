@@ -101,7 +101,7 @@ StatusLine::Parts StatusLine::Place(HWND window, const CRect& place) const {
     return parts;
 }
 
-void StatusLine::Paint(CDC& dc, HWND window, const CRect& place) const {
+StatusLine::Parts StatusLine::Paint(CDC& dc, HWND window, const CRect& place) const {
     const Letters letters(dc, window);
     const Parts parts = PlaceIn(dc, window, place, *this, Told());
     dc.SetTextColor(::GetSysColor(COLOR_BTNTEXT));
@@ -112,6 +112,7 @@ void StatusLine::Paint(CDC& dc, HWND window, const CRect& place) const {
                     DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
     }
     if (!live.empty()) DrawMark(dc, parts.mark, mark);
+    return parts;
 }
 
 std::string StatusLine::Said() const {

@@ -16,7 +16,7 @@ public:
     std::string live;  // empty without readings that come: then there is no mark either
     Mark mark = Mark::Waiting;
 
-    // Where its parts stand, and whether their texts are cut.
+    // Where its parts stand, and whether their texts are cut; texts are the line's own.
     struct Part {
         const std::string* text;
         CRect place;
@@ -28,7 +28,7 @@ public:
     };
     // `place` is the line, `window` says by which letters; pixels of the window.
     Parts Place(HWND window, const CRect& place) const;
-    void Paint(CDC& dc, HWND window, const CRect& place) const;
+    Parts Paint(CDC& dc, HWND window, const CRect& place) const;
     // The whole line, for those who hear it.
     std::string Said() const;
 

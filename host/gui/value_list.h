@@ -80,6 +80,8 @@ private:
     LONG Scaled(LONG pixels) const;
     void Toggle(size_t channel);
     void ShowColumnHint();
+    void ShowTip(LPARAM pointer);
+    LONG WidthOf(const std::string& text) const;  // in the list's letters
 
     ViewDocument& m_document;
     PaneOwner& m_owner;

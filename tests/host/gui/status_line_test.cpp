@@ -1,8 +1,9 @@
-// Who gives way where the line at the bottom is short of room. The same on both homes.
+// Who gives way where the line at the bottom is short of room, and what tells the whole of what is cut. The same on both homes.
 #include <gtest/gtest.h>
 
 #include "host/gui/status_line.h"
 #include "tests/host/gui/hands.h"
+#include "tests/support/test_folder.h"
 
 namespace {
 TEST(StatusLineTest, HintAndReadingsStay) {
@@ -54,5 +55,42 @@ TEST(StatusLineTest, HintAndReadingsStay) {
     EXPECT_EQ(line.Said(), "hint told live");
     line.pointed = "12:00";
     EXPECT_EQ(line.Said(), "hint 12:00 live") << "the time that is pointed at comes before what has happened";
+}
+
+// What is cut short is told whole where the pointer rests on it.
+TEST(StatusLineTest, WhatIsCutHasATip) {
+    Hands hands;
+    const MainWindow& window = *hands.window;
+    const std::string endless(4000, 'x');
+    hands.window->SetHint(endless);
+    hands.Pump();
+    EXPECT_EQ(window.Tips().TextAt(window.m_hWnd, 1), endless);
+    hands.window->SetHint("short");
+    hands.Pump();
+    EXPECT_EQ(window.Tips().TextAt(window.m_hWnd, 1), "");
+}
+
+class CutCells : public testing::Test, protected TestFolder {};
+
+TEST_F(CutCells, HaveATipAndOthersNone) {
+    Hands hands;
+    const std::string path = Path("s.odb");
+    Hands::WriteSession(path);
+    ASSERT_TRUE(hands.window->Open(path));
+    ValueList& list = hands.window->List();
+    const auto pointAt = [&](int row, size_t column) {
+        CRect cell;
+        list.GetItemRect(row, cell, LVIR_BOUNDS);
+        POINT at = {list.ColumnRect(column).left + 4, cell.CenterPoint().y};
+        ::MapWindowPoints(list.m_hWnd, hands.window->m_hWnd, &at, 1);
+        hands.Point(WM_MOUSEMOVE, at);
+        hands.Pump();
+        return hands.window->Tips().TextAt(list.m_hWnd, 1);
+    };
+    EXPECT_EQ(pointAt(1, 0), "");
+    hands.Key(VK_F6), hands.Key(VK_F6);
+    for (int i = 0; i < 20; ++i) hands.Key(VK_LEFT, true);
+    EXPECT_EQ(pointAt(1, 0), list.RowTexts(1)[0]);
+    EXPECT_EQ(pointAt(1, 2), "");
 }
 }  // namespace
