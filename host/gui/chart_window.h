@@ -21,6 +21,8 @@ public:
     virtual void OnPaneKey(WORD key) = 0;
     // What a press at the pointer's place would do; an empty text for nothing.
     virtual void ShowHint(const std::string& text) = 0;
+    // What the pointer finds at a place of a pane, where it is now (a mouse message's lParam); no text: nothing more.
+    virtual void ShowTip(HWND pane, const RECT& place, const std::string& text, LPARAM pointer) = 0;
     // The values of a time, which the pointer shows; the latest ones again for none.
     virtual void ShowValuesAt(std::optional<PointedTime> pointed) = 0;
     // A menu for what has the focus, at a place of the screen.

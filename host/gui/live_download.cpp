@@ -151,6 +151,7 @@ void LiveDownload::TakeNotes() {
 void LiveDownload::Report() {
     const std::lock_guard lock(m_lock);
     m_news.lost = m_measurement.IsLost();
+    m_news.made = m_measurement.Made();
     m_news.passed = m_measurement.Slot();
     m_news.missing = m_measurement.Missing();
     m_news.waiting = m_writer.Waiting();

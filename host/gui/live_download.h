@@ -24,6 +24,7 @@ public:
         bool begun = false;  // the recording is there
         bool lost = false;   // nothing comes at the moment
         bool over = false;
+        unsigned __int64 made = 0;                 // readings with a value at least
         unsigned __int64 passed = 0, missing = 0;  // readings whose time has come; those of which all or something is missing
         size_t waiting = 0;                        // readings that cannot be written at the moment
         std::vector<std::string> sentences;        // what goes wrong, or is well again

@@ -7,6 +7,7 @@
 #include "host/gui/main_window.h"
 #include "host/gui/properties_dialog.h"
 #include "host/gui/range_dialogs.h"
+#include "host/gui/user_folder.h"
 #include "host/gui/work_dialogs.h"
 #include "host/session/database_file.h"
 
@@ -152,13 +153,23 @@ void MainWindow::Remember(const std::string& path) {
     if (m_manner == Manner::Interactive) m_recent.Add(path);
 }
 
+// Where the session is, else where people keep their documents: the folder in which the program runs may be nobody's.
+std::string MainWindow::Beside(const std::string& name) const {
+    const std::string& now = m_document.Path();
+    const size_t end = now.find_last_of("/\\");
+    const std::string folder = end != std::string::npos                         ? now.substr(0, end)
+                               : now.empty() && m_manner == Manner::Interactive ? DocumentsFolder()
+                                                                                : "";
+    return folder.empty() && end == std::string::npos ? name : folder + "/" + name;
+}
+
 bool MainWindow::AskAndSave() { return m_document.Path().empty() ? AskAndSaveAs() : SaveTo(m_document.Path()); }
 
 bool MainWindow::AskAndSaveAs() {
     const std::string& now = m_document.Path();
     const auto path = Ask([&] {
         return AskFileToSave(m_hWnd, Say(Text::AskSave), KindsOf(Text::SessionFiles, "*.odb;*.xml"), "odb",
-                             now.empty() ? "session.odb" : now);
+                             now.empty() ? Beside("session.odb") : now);
     });
     return path && SaveTo(*path);
 }
@@ -173,16 +184,21 @@ bool MainWindow::MayReplace(const SavingDialog& dialog) {
 
 void MainWindow::AskAndExport() {
     const std::string title = m_document.Title();
-    ExportDialog dialog(this, title.substr(0, title.find_last_of('.')) + ".csv");
+    ExportDialog dialog(this, Beside(title.substr(0, title.find_last_of('.')) + ".csv"));
     if (Ask([&] { return dialog.DoModal(); }) != IDOK || !MayReplace(dialog)) return;
     ExportTo(dialog.path.GetString(), dialog.ForSpreadsheets() ? SpreadsheetForm() : CsvForm{}, dialog.ShownOnly());
 }
 
 void MainWindow::AskAndSavePicture() {
-    PictureDialog dialog(this, "chart.png", ChartSize());
+    PictureDialog dialog(this, Beside("chart.png"), ChartSize());
     if (Ask([&] { return dialog.DoModal(); }) != IDOK) return;
     if (!MayReplace(dialog)) return;
     SavePicture(dialog.path.GetString(), {static_cast<LONG>(dialog.width), static_cast<LONG>(dialog.height)});
+}
+
+// Of an earlier run; what a script does depends on nothing that its user did.
+LastDownload MainWindow::KeptDownload() const {
+    return m_manner == Manner::Quiet || IsDownloading() ? LastDownload{} : LastDownload::Kept();
 }
 
 void MainWindow::AskAndDownload() {
@@ -197,6 +213,11 @@ void MainWindow::AskAndDownload() {
         dialog.port = m_lastPlan->port.c_str();
         dialog.interval = CVXTTimeSpan(m_lastPlan->interval, TST_MILLISECONDS);
         if (m_lastPlan->count < kForEver) dialog.count = static_cast<UINT>(m_lastPlan->count);
+    } else if (const LastDownload kept = KeptDownload(); !kept.port.empty()) {
+        dialog.description = kept.logger.c_str();
+        dialog.port = kept.port.c_str();
+        dialog.count = kept.count;
+        dialog.interval = CVXTTimeSpan(kept.interval, TST_MILLISECONDS);
     }
     if (IsDownloading()) dialog.busyPort = m_download->Plan().port;
     if (Ask([&] { return dialog.DoModal(); }) != IDOK || !EndDownload() || !MayLeave()) return;
@@ -207,6 +228,8 @@ void MainWindow::AskAndDownload() {
     plan.count = dialog.count;
     plan.interval = static_cast<DWORD>(dialog.interval.GetTotalMilliSeconds());
     plan.timeout = kLiveTimeout;
+    if (m_manner == Manner::Interactive)
+        LastDownload{m_loggerFile, plan.port, dialog.count, static_cast<unsigned>(plan.interval)}.Keep();
     Connect(m_loggerFile, plan);
 }
 

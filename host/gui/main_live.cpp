@@ -33,8 +33,8 @@ void MainWindow::Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description
     m_unsaved = recording;
     m_download = std::move(download);
     m_lastPlan = plan;
-    m_live = Say(Text::Connecting, {ToUtf8(plan.port)});
-    m_status.clear();
+    ShowLive(Say(Text::Connecting, {ToUtf8(plan.port)}), StatusLine::Mark::Waiting);
+    m_line.told.clear();
     DocumentChanged();
     SetFollowTimer();
 }
@@ -47,9 +47,9 @@ void MainWindow::SetFollowTimer() {
         ::SetTimer(m_hWnd, kFollowTimer, kFollowEvery, nullptr);
     } else {
         ::KillTimer(m_hWnd, kFollowTimer);
-        m_live.clear();
+        m_line.live.clear();
     }
-    if (grows && !IsDownloading()) m_live = Say(Text::LiveFollows, {std::to_string(m_document.GetSession()->Count())});
+    if (grows && !IsDownloading()) ShowFollowed();
     ::InvalidateRect(m_hWnd, nullptr, FALSE);
 }
 
@@ -70,7 +70,7 @@ void MainWindow::FollowReadings() {
     if (m_document.Update()) {
         ReadingsCame();
         m_quietSince = now;
-        m_live = Say(Text::LiveFollows, {std::to_string(m_document.GetSession()->Count())});
+        ShowFollowed();
     } else if (now - m_quietSince >= kAskAgain) {
         m_quietSince = now;
         if (!IsRecordedInto(m_document.GetSession()->Recorded()->Path())) m_document.GrowsNoMore();
@@ -92,17 +92,34 @@ void MainWindow::TakeNews() {
     KeepComments();
     for (const std::string& sentence : news.sentences) ShowStatus(sentence);
     if (news.over) return DownloadOver(news.end);
-    std::string live = m_live;
-    if (news.begun) {
-        const std::string passed = std::to_string(news.passed), port = ToUtf8(plan.port);
+    if (news.begun) ShowNews(news, plan);
+}
+
+// Before the first answer nothing says yet that anybody is there, and a line that was silent has to prove itself again.
+void MainWindow::ShowNews(const LiveDownload::News& news, const DownloadPlan& plan) {
+    const std::string passed = std::to_string(news.passed), port = ToUtf8(plan.port);
+    std::string live;
+    if (news.made == 0) {
+        live = Say(news.lost ? Text::LiveNothingYet : Text::LiveFirst, {port});
+    } else {
         live = plan.count < kForEver ? Say(Text::LiveProgressOf, {passed, std::to_string(plan.count), port})
                                      : Say(Text::LiveProgress, {passed, port});
-        if (news.missing > 0) live += Say(Text::ProgressMissing, {std::to_string(news.missing)});
-        if (news.waiting > 0) live += Say(Text::ProgressWaiting, {std::to_string(news.waiting)});
     }
-    if (live == m_live && news.lost == m_lineLost) return;
-    m_live = live;
-    m_lineLost = news.lost;
+    if (news.missing > 0) live += Say(Text::ProgressMissing, {std::to_string(news.missing)});
+    if (news.waiting > 0) live += Say(Text::ProgressWaiting, {std::to_string(news.waiting)});
+    if (news.lost && news.made > 0) live += Say(Text::LiveSilent);
+    ShowLive(live, news.lost ? StatusLine::Mark::Lost : news.made == 0 ? StatusLine::Mark::Waiting : StatusLine::Mark::Coming);
+}
+
+void MainWindow::ShowFollowed() {
+    const size_t count = m_document.GetSession()->Count();
+    ShowLive(Say(Text::LiveFollows, {std::to_string(count)}), count == 0 ? StatusLine::Mark::Waiting : StatusLine::Mark::Coming);
+}
+
+void MainWindow::ShowLive(const std::string& house, StatusLine::Mark mark) {
+    if (house == m_line.live && mark == m_line.mark) return;
+    m_line.live = house;
+    m_line.mark = mark;
     const RECT status = StatusRect();
     ::InvalidateRect(m_hWnd, &status, FALSE);
 }
@@ -119,7 +136,6 @@ void MainWindow::ReadingsCame() {
 void MainWindow::DownloadOver(const std::string& why) {
     m_download.reset();
     m_document.GrowsNoMore();
-    m_lineLost = false;
     SetFollowTimer();
     UpdateMenu();
     const size_t count = m_document.GetSession()->Count();

@@ -5,18 +5,14 @@
 #include "afx/dc.h"
 #include "chart/split_bar_trackers.h"
 #include "frame/app_stock.h"
-#include "host/gui/pane_font.h"
 #include "host/session/value_text.h"
 #include "platform/dpi.h"
-#include "platform/picture.h"
 #include "res/ids.h"
+#include "toolkit/global_data.h"
 
 namespace {
 // Pixels at 96 dots an inch.
 constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kKeyStep = 8;
-constexpr LONG kTextMargin = 8, kTextGap = 16;  // of the line at the bottom
-constexpr LONG kDot = 9, kDotGap = 10;          // in front of what tells of readings that come
-constexpr COLORREF kComing = RGB(0, 140, 60), kLost = RGB(215, 120, 0);
 }  // namespace
 
 BEGIN_MESSAGE_MAP(MainWindow, CWnd)
@@ -60,6 +56,7 @@ void MainWindow::CreateWindowOf(SIZE client, int show) {
     SetIcons();
     MakeMenu();
     ::DragAcceptFiles(m_hWnd, TRUE);
+    m_tips.Create(m_hWnd);
     if (!m_chart.CreatePane(m_hWnd) || !m_list.CreatePane(m_hWnd)) throw Failure{kFileFailed, Say(Text::NoWindow)};
     SetClientSize({Scaled(client.cx), Scaled(client.cy)});
     UpdateTitle();
@@ -211,31 +208,10 @@ LRESULT MainWindow::OnPaintMessage(WPARAM, LPARAM) {
     dc.FillSolidRect(bar.right - line, bar.top, line, bar.Height(), shadow);
     dc.FillSolidRect(status, face);
     dc.FillSolidRect(status.left, status.top, status.Width(), line, shadow);
-    const LOGFONTA description = DesktopFont(m_hWnd);
-    CFont font;
-    font.CreateFontIndirect(&description);
-    CFont* const before = dc.SelectObject(&font);
-    dc.SetTextColor(::GetSysColor(COLOR_BTNTEXT));
-    dc.SetBkMode(TRANSPARENT);
-    CRect text = status;
-    text.DeflateRect(Scaled(kTextMargin), 0);
-    const UINT format = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
-    const auto place = [&](const std::string& told) {
-        if (told.empty()) return;
-        const int length = static_cast<int>(told.size()), width = static_cast<int>(dc.GetTextExtent(told.c_str(), length).cx);
-        dc.DrawText(told.c_str(), length, text, format | DT_RIGHT);
-        text.right = std::max<LONG>(text.right - width - Scaled(kTextGap), text.left);
-    };
-    place(m_live);
-    if (!m_live.empty()) {
-        const LONG size = Scaled(kDot), x = std::max<LONG>(text.right + Scaled(kTextGap) - Scaled(kDotGap), text.left);
-        const ORVIK_CURVE_POINT dot = {static_cast<float>(x), static_cast<float>(text.top + text.bottom) / 2};
-        ::OrvikSmoothPolyline(dc.m_hDC, &dot, 1, m_lineLost ? kLost : kComing, static_cast<float>(size));
-        text.right = std::max<LONG>(text.right - Scaled(kDotGap), text.left);
-    }
-    place(m_pointed.empty() ? m_status : m_pointed);
-    dc.DrawText(m_hint.c_str(), static_cast<int>(m_hint.size()), text, format);
-    dc.SelectObject(before);
+    const StatusLine::Parts parts = m_line.Paint(dc, m_hWnd, status);
+    UINT_PTR id = kLineTips;
+    for (const StatusLine::Part* const part : {&parts.hint, &parts.told, &parts.live})
+        m_tips.Put(m_hWnd, id++, part->place, part->cut ? *part->text : std::string());
     return 0;
 }
 
@@ -251,18 +227,22 @@ LRESULT MainWindow::OnDescribe(WPARAM, LPARAM lParam) {
     bar.Set(OrvikAccessible::kFocused, m_barFocus && ::GetFocus() == m_hWnd);
     OrvikAccessible& status = said.parts.emplace_back();
     status.role = OrvikRole::StatusBar;
-    const std::string& told = m_pointed.empty() ? m_status : m_pointed;
-    status.name = m_hint + (m_hint.empty() || told.empty() ? "" : " ") + told;
+    status.name = m_line.Said();
     status.place = StatusRect();
     status.part = 2;
     return TRUE;
 }
 
 void MainWindow::ShowHint(const std::string& text) {
-    if (text == m_hint || m_hWnd == nullptr) return;
-    m_hint = text;
+    if (text == m_line.hint || m_hWnd == nullptr) return;
+    m_line.hint = text;
     const RECT status = StatusRect();
     ::InvalidateRect(m_hWnd, &status, FALSE);
+}
+
+void MainWindow::ShowTip(HWND pane, const RECT& place, const std::string& text, LPARAM pointer) {
+    m_tips.Put(pane, kPaneTip, place, text);
+    if (!text.empty()) m_tips.Relay(pane, WM_MOUSEMOVE, 0, pointer);
 }
 
 // Nobody tells when the pointer leaves a window that another one covers, or the screen's edge ends: it is looked for.
@@ -271,15 +251,15 @@ void MainWindow::ShowValuesAt(std::optional<PointedTime> pointed) {
     const std::string time = pointed ? TimeTextOf(pointed->time) : std::string();
     m_list.ShowValuesAt(pointed);
     m_chart.ShowValuesAt(pointed);
-    if (time == m_pointed || m_hWnd == nullptr) return;
-    if (time.empty() != m_pointed.empty()) {
+    if (time == m_line.pointed || m_hWnd == nullptr) return;
+    if (time.empty() != m_line.pointed.empty()) {
         if (pointed) {
             ::SetTimer(m_hWnd, kPointerTimer, kPause, nullptr);
         } else {
             ::KillTimer(m_hWnd, kPointerTimer);
         }
     }
-    m_pointed = time;
+    m_line.pointed = time;
     const RECT status = StatusRect();
     ::InvalidateRect(m_hWnd, &status, FALSE);
 }

@@ -9,8 +9,11 @@
 
 #include "host/app/host_app.h"
 #include "host/gui/chart_window.h"
+#include "host/gui/last_download.h"
 #include "host/gui/live_download.h"
 #include "host/gui/recent_files.h"
+#include "host/gui/status_line.h"
+#include "host/gui/tool_tips.h"
 #include "host/gui/value_list.h"
 #include "host/session/reading_source.h"
 #include "host/session/reading_writer.h"
@@ -59,6 +62,9 @@ public:
     RECT BarRect() const;
     RECT StatusRect() const;
     void SetHint(const std::string& text) { ShowHint(text); }
+    const StatusLine& Line() const { return m_line; }
+    // Of what is cut short: 1 to 3 are hint, sentence and readings of that line, in a pane 1 is what the pointer is on.
+    const ToolTips& Tips() const { return m_tips; }
     // As if the pointer were elsewhere.
     void ForgetPointer() { ShowValuesAt(std::nullopt); }
     // The text of a menu's item, and whether it can be chosen; for those who look at the menu.
@@ -95,6 +101,7 @@ private:
     void OnPaneCommand(UINT command) override { Command(command); }
     void OnPaneKey(WORD key) override;
     void ShowHint(const std::string& text) override;
+    void ShowTip(HWND pane, const RECT& place, const std::string& text, LPARAM pointer) override;
     void ShowValuesAt(std::optional<PointedTime> pointed) override;
     void ShowContextMenu(POINT screen) override;
     void OnDragEnd() override { FollowReadings(); }
@@ -112,7 +119,7 @@ private:
         const bool m_before;
     };
 
-    static constexpr UINT_PTR kFollowTimer = 1, kPointerTimer = 2;
+    static constexpr UINT_PTR kFollowTimer = 1, kPointerTimer = 2, kPaneTip = 1, kLineTips = 1;
 
     bool Try(const std::function<void()>& work);
     template <class Work>
@@ -160,10 +167,16 @@ private:
     void AskAndPrint();
     void TellOfPrinting(DWORD error, Text withoutPrinter);
     void AskAndDownload();
+    LastDownload KeptDownload() const;
+    std::string Beside(const std::string& name) const;
     void AskRange();
     void AskTimeRange();
     void ShowProperties();
     void ShowStatus(const std::string& house);
+    // Of readings that come: a download's, or those that somebody else records.
+    void ShowLive(const std::string& house, StatusLine::Mark mark);
+    void ShowNews(const LiveDownload::News& news, const DownloadPlan& plan);
+    void ShowFollowed();
     void Begin(std::unique_ptr<ILogger> logger, CPropertyDB& description, const DownloadPlan& plan);
     SIZE ChartSize() const;
     TimeRange TimesShown();
@@ -188,9 +201,8 @@ private:
     std::vector<std::string> m_recentShown;  // by the menu
     std::string m_loggerFile;                // the description that was used last; empty: the embedded one
     HMENU m_recentMenu = nullptr, m_portMenu = nullptr, m_channelMenu = nullptr;
-    std::string m_hint, m_status, m_pointed;
-    std::string m_live;       // of readings that come; empty without
-    bool m_lineLost = false;  // and nothing comes at the moment
+    StatusLine m_line;
+    ToolTips m_tips;
     bool m_dragging = false;
     bool m_barFocus = false;
     bool m_asking = false;   // or working, under a progress dialog

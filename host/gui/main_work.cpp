@@ -68,7 +68,7 @@ bool MainWindow::Open(const std::string& path) {
                  [&](WorkProgress& progress) { m_document.Open(path, progress); });
         if (path != m_unsaved) DropUnsaved();
         Remember(m_document.Path());
-        m_status = m_document.Note();
+        m_line.told = m_document.Note();
         DocumentChanged();
         SetFollowTimer();
     });
@@ -103,7 +103,7 @@ bool MainWindow::SaveTo(const std::string& path) {
             DropUnsaved();
         }
         Remember(path);
-        m_status = Say(Text::SavedTo, {ToUtf8(path)});
+        m_line.told = Say(Text::SavedTo, {ToUtf8(path)});
         StateChanged();
     });
 }
@@ -142,12 +142,14 @@ bool MainWindow::Import(const std::string& path) {
     return Try([&] {
         m_document.Import(path);
         DropUnsaved();
-        m_status = Say(Text::Imported, {ToUtf8(path)});
+        m_line.told = Say(Text::Imported, {ToUtf8(path)});
         DocumentChanged();
     });
 }
 
-bool MainWindow::Copy() { return Try([this] { CopyShown(); }); }
+bool MainWindow::Copy() {
+    return Try([this] { CopyShown(); });
+}
 
 SIZE MainWindow::ChartSize() const {
     CRect client;
@@ -179,6 +181,6 @@ void MainWindow::WritePicture(const std::string& path, SIZE size, WorkProgress& 
 }
 
 void MainWindow::ShowStatus(const std::string& house) {
-    m_status = house;
+    m_line.told = house;
     if (m_hWnd != nullptr) ::InvalidateRect(m_hWnd, nullptr, FALSE);
 }

@@ -20,12 +20,12 @@ void AxisRangeDialog::DoDataExchange(CDataExchange* exchange) {
     const bool reads = exchange->m_bSaveAndValidate;
     ViewRange read = range;
     CString format = picture.c_str();
-    if (!reads || IsChanged(IDC_HOST_FROM)) DDX_NlsReal(exchange, IDC_HOST_FROM, read.origin, kEndDigits);
-    if (!reads || IsChanged(IDC_HOST_TO)) DDX_NlsReal(exchange, IDC_HOST_TO, read.extent, kEndDigits);
+    if (!reads || IsChanged(IDC_HOST_FROM)) ExchangeReal(exchange, IDC_HOST_FROM, read.origin, kEndDigits);
+    if (!reads || IsChanged(IDC_HOST_TO)) ExchangeReal(exchange, IDC_HOST_TO, read.extent, kEndDigits);
     if (!reads || IsChanged(IDC_HOST_PICTURE)) {
         // No picture at all is the ordinary one.
         if (!reads || !TextOf(IDC_HOST_PICTURE).IsEmpty()) {
-            DDX_NlsRealFmt(exchange, IDC_HOST_PICTURE, format);
+            ExchangePicture(exchange, IDC_HOST_PICTURE, format);
         } else {
             format.Empty();
         }
@@ -64,8 +64,8 @@ void TimeRangeDialog::OnChoice() {
 
 void TimeRangeDialog::Read(CDataExchange* exchange, int date, int time, CVXTTime& value) {
     const bool reads = exchange->m_bSaveAndValidate;
-    if (!reads || IsChanged(date)) DDX_NlsShortDate(exchange, date, value);
-    if (!reads || IsChanged(time)) DDX_NlsTime(exchange, time, value);
+    if (!reads || IsChanged(date)) ExchangeDate(exchange, date, value);
+    if (!reads || IsChanged(time)) ExchangeTime(exchange, time, value);
 }
 
 void TimeRangeDialog::DoDataExchange(CDataExchange* exchange) {
@@ -75,8 +75,7 @@ void TimeRangeDialog::DoDataExchange(CDataExchange* exchange) {
     DDX_Radio(exchange, IDC_HOST_BY_TIME, m_bySpan);
     Read(exchange, IDC_HOST_DATE, IDC_HOST_TIME, begin);
     if (!exchange->m_bSaveAndValidate || m_bySpan == 0) Read(exchange, IDC_HOST_TO_DATE, IDC_HOST_TO_TIME, end);
-    if (!exchange->m_bSaveAndValidate || (m_bySpan == 1 && IsChanged(IDC_HOST_SPAN)))
-        DDX_NlsShortTimeSpan(exchange, IDC_HOST_SPAN, span, nullptr);
+    if (!exchange->m_bSaveAndValidate || (m_bySpan == 1 && IsChanged(IDC_HOST_SPAN))) ExchangeSpan(exchange, IDC_HOST_SPAN, span);
     if (!exchange->m_bSaveAndValidate) return;
     if (m_bySpan == 1) {
         if (span.CvtToInt64() <= 0) Refuse(exchange, IDC_HOST_SPAN, Say(Text::SpanEmpty));

@@ -1,5 +1,5 @@
 // The files that a user's windows have worked on last, the newest first: one list for all windows, kept in a file of the user's,
-// a path a line in UTF-8 ($XDG_STATE_HOME/orvik, else ~/.local/state/orvik; %APPDATA%\Orvik on Windows). It is read anew for
+// a path a line (KeptLines). It is read anew for
 // every question and replaced as a whole, so that of two windows that change it at once one may lose its entry and nothing else.
 // Where no such file can be, the list stays empty. House text. Any thread.
 #pragma once

@@ -15,6 +15,8 @@ constexpr LONG kStandardWidths[ValueList::kColumns] = {140, 80, 60};
 constexpr LONG kGrip = 4, kWidest = 4096, kKeyStep = 8;
 constexpr Text kHeads[ValueList::kColumns] = {Text::HeadChannel, Text::HeadValue, Text::HeadUnit};
 
+constexpr char kNoValue[] = "\u2013";
+
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
 
 // The value behind a row: so far no more than its colour.
@@ -117,7 +119,7 @@ const std::string& ValueList::CellText(size_t channel, size_t column) const {
         const auto axis = std::find_if(state.axes.begin(), state.axes.end(), same);
         const std::string& picture = axis != state.axes.end() ? axis->picture : std::string();
         const double value = ValueOf(channel);
-        if (!m_pointed || std::isfinite(value)) m_text = ShortTextOf(value, picture);
+        m_text = std::isnan(value) ? kNoValue : ShortTextOf(value, picture);
     }
     return m_text;
 }
@@ -156,7 +158,10 @@ LRESULT ValueList::OnDescribe(WPARAM wParam, LPARAM lParam) {
     said.name = Say(Text::ListSaid);
     for (OrvikAccessible& row : said.parts) {
         if (row.at < 0 || static_cast<size_t>(row.at) >= ChannelCount()) continue;
-        if (ColourOf(static_cast<size_t>(row.at)) == kHidden) row.description = Say(Text::ListSaidHidden);
+        const auto channel = static_cast<size_t>(row.at);
+        if (ColourOf(channel) == kHidden) row.description = Say(Text::ListSaidHidden);
+        if (CellText(channel, 1) != kNoValue) continue;
+        row.description += (row.description.empty() ? "" : ", ") + Say(Text::ListSaidNoValue);
     }
     return TRUE;
 }
@@ -292,7 +297,41 @@ LRESULT ValueList::OnPointer(WPARAM, LPARAM lParam) {
     LVHITTESTINFO info = {};
     info.pt = CPoint(lParam);
     m_owner.ShowHint(HitTest(&info) >= 0 ? Say(Text::HintRow) : std::string());
+    ShowTip(lParam);
     return Default();
+}
+
+LONG ValueList::WidthOf(const std::string& text) const {
+    const HDC screen = ::GetDC(m_hWnd);
+    const HGDIOBJ before = ::SelectObject(screen, m_font.m_hObject);
+    SIZE size = {};
+    ::GetTextExtentPoint32A(screen, text.c_str(), static_cast<int>(text.size()), &size);
+    ::SelectObject(screen, before);
+    ::ReleaseDC(m_hWnd, screen);
+    return size.cx;
+}
+
+// The whole text of a cell that is cut short.
+void ValueList::ShowTip(LPARAM pointer) {
+    LVHITTESTINFO info = {};
+    info.pt = CPoint(pointer);
+    RECT cell = {};
+    std::string text;
+    const auto row = static_cast<int>(SendMessage(LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&info)));
+    if (row >= 0 && static_cast<size_t>(row) < ChannelCount() && info.iSubItem >= 0 &&
+        info.iSubItem < static_cast<int>(kColumns)) {
+        constexpr LONG kCellMargins = 12;  // of both sides
+        GetItemRect(row, &cell, LVIR_BOUNDS);
+        const RECT column = ColumnRect(static_cast<size_t>(info.iSubItem));
+        cell.left = column.left;
+        cell.right = column.right;
+        RECT client = {};
+        ::GetClientRect(m_hWnd, &client);
+        const std::string& whole = CellText(static_cast<size_t>(row), static_cast<size_t>(info.iSubItem));
+        const LONG width = WidthOf(whole);
+        if (width + Scaled(kCellMargins) > column.right - column.left || (width > 0 && column.right > client.right)) text = whole;
+    }
+    m_owner.ShowTip(m_hWnd, cell, text, pointer);
 }
 
 // The wheel turns what is under the pointer: over the chart, that.

@@ -1,6 +1,7 @@
 // The channels beside the chart: their names, latest values (or those of the time under the
 // pointer) and units, in columns that can be sized. A row has its channel's
-// colour in the chart; it is grey while the chart hides the channel, and red while the latest reading is no number.
+// colour in the chart; it is grey while the chart hides the channel, and red while the latest reading is no number. A dash
+// stands where there is no value.
 // Space hides a channel from the chart or shows it, a double click (or Enter) opens its properties. User-interface thread.
 #pragma once
 
@@ -79,6 +80,8 @@ private:
     LONG Scaled(LONG pixels) const;
     void Toggle(size_t channel);
     void ShowColumnHint();
+    void ShowTip(LPARAM pointer);
+    LONG WidthOf(const std::string& text) const;  // in the list's letters
 
     ViewDocument& m_document;
     PaneOwner& m_owner;

@@ -1,10 +1,12 @@
 #include "host/gui/work_dialogs.h"
 
+#include <cstring>
 #include <optional>
 
 #include "afx/message_map.h"
 #include "host/gui/file_dialog.h"
 #include "host/gui/listed_ports.h"
+#include "host/gui/pane_font.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
 #include "host/measurement/one_reading.h"
@@ -81,8 +83,8 @@ void PictureDialog::DoDataExchange(CDataExchange* exchange) {
     CString name = path;
     UINT across = width, down = height;
     DDX_Text(exchange, IDC_HOST_FILE, name);
-    DDX_Text(exchange, IDC_HOST_WIDTH, across);
-    DDX_Text(exchange, IDC_HOST_HEIGHT, down);
+    ExchangeCount(exchange, IDC_HOST_WIDTH, across);
+    ExchangeCount(exchange, IDC_HOST_HEIGHT, down);
     DDX_Radio(exchange, IDC_HOST_PNG, m_kind);
     if (!exchange->m_bSaveAndValidate) return;
     if (name.IsEmpty()) Refuse(exchange, IDC_HOST_FILE, Say(Text::FileEmpty));
@@ -137,6 +139,19 @@ BOOL DownloadDialog::OnInitDialog() {
         SendDlgItemMessage(IDC_HOST_DESCRIPTION, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(one.c_str()));
     FillPorts();
     SetDlgItemText(IDC_HOST_RESULT, Say(Text::DescriptionHint).c_str());
+    constexpr std::pair<int, Text> kTips[] = {{IDC_HOST_DESCRIPTION, Text::TipDescription},
+                                              {IDC_HOST_PORT, Text::TipPort},
+                                              {IDC_HOST_TEST, Text::TipTest},
+                                              {IDC_HOST_COUNT, Text::TipCount},
+                                              {IDC_HOST_INTERVAL, Text::TipInterval}};
+    // Columns of numbers stand one below the other.
+    LOGFONTA letters = DesktopFont(m_hWnd);
+    letters.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
+    std::strcpy(letters.lfFaceName, "DejaVu Sans Mono");
+    m_columns.CreateFontIndirect(&letters);
+    GetDlgItem(IDC_HOST_RESULT)->SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(m_columns.m_hObject), TRUE);
+    m_tips.Create(m_hWnd);
+    for (const auto& [field, text] : kTips) m_tips.PutOn(GetDlgItem(field)->m_hWnd, Say(text));
     return done;
 }
 
@@ -210,9 +225,8 @@ void DownloadDialog::DoDataExchange(CDataExchange* exchange) {
     CString name = port, file = description;
     DDX_Text(exchange, IDC_HOST_DESCRIPTION, file);
     DDX_Text(exchange, IDC_HOST_PORT, name);
-    DDX_Text(exchange, IDC_HOST_COUNT, readings);
-    if (!exchange->m_bSaveAndValidate || IsChanged(IDC_HOST_INTERVAL))
-        DDX_NlsShortTimeSpan(exchange, IDC_HOST_INTERVAL, between, nullptr);
+    ExchangeCount(exchange, IDC_HOST_COUNT, readings);
+    if (!exchange->m_bSaveAndValidate || IsChanged(IDC_HOST_INTERVAL)) ExchangeSpan(exchange, IDC_HOST_INTERVAL, between);
     if (!exchange->m_bSaveAndValidate) return;
     if (name.IsEmpty()) Refuse(exchange, IDC_HOST_PORT, Say(Text::PortEmpty));
     if (SamePort(name.GetString(), busyPort))

@@ -2,8 +2,10 @@
 // User-interface thread; the parent outlives them.
 #pragma once
 
+#include "afx/dc.h"
 #include "host/app/host_app.h"
 #include "host/gui/fields_dialog.h"
+#include "host/gui/tool_tips.h"
 #include "host/logger_family.h"
 #include "host/words/texts.h"
 #include "time/time_span.h"
@@ -86,6 +88,8 @@ private:
 
     CHostApp& m_app;
     const std::vector<std::string> m_descriptions;
+    ToolTips m_tips;
+    CFont m_columns;             // of what Test has read
     ILogger* m_tried = nullptr;  // while it is read
     bool m_stop = false;
 };

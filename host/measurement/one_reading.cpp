@@ -1,6 +1,7 @@
 #include "host/measurement/one_reading.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "host/measurement/download.h"
 #include "host/session/value_text.h"
@@ -39,7 +40,7 @@ std::string OneReading::Lines(const Session& session) const {
     size_t names = 0, numbers = 0;
     std::vector<std::string> texts;
     for (size_t i = 0; i < session.Channels().size(); ++i) {
-        texts.push_back(WholeTextOf(values[i]));
+        texts.push_back(std::isnan(values[i]) ? "-" : WholeTextOf(values[i]));
         names = std::max(names, OrvikColumns(ToUtf8(session.Channels()[i].name)));
         if (WhyNot(i).empty()) numbers = std::max(numbers, OrvikColumns(texts[i]));
     }

@@ -70,7 +70,8 @@ void AppendUtcStamp(std::string& text, __int64 time) {
 }
 
 void AppendLocalStamp(std::string& text, __int64 time, const std::string& decimalSign) {
-    time = OnTheWall(std::clamp(time, kFirstTime + 2 * kDay, kLastTime - 2 * kDay));
+    constexpr __int64 kHalf = 500;  // of the last digit that is written
+    time = OnTheWall(std::clamp(time, kFirstTime + 2 * kDay, kLastTime - 2 * kDay) + kHalf);
     char stamp[40];
     text.append(stamp, Stamp(stamp, time, ' ')).append(decimalSign);
     text.append(stamp, Digits(stamp, PartOfSecond(time) / 1000, 3));

@@ -7,7 +7,7 @@
 
 // "2026-11-21T10:50:26.123456Z"; times outside the years 1601 to 9999 as their ends.
 void AppendUtcStamp(std::string& text, __int64 time);
-// "2026-11-21 10:50:26.123" in local time, with this decimal sign.
+// "2026-11-21 10:50:26.123" in local time, rounded to these digits, with this decimal sign.
 void AppendLocalStamp(std::string& text, __int64 time, const std::string& decimalSign);
 
 enum class LocalStamp { Read, Wrong, Ambiguous };

@@ -56,7 +56,11 @@ GdkCursor* MakeCursor(GdkDisplay* display, const CursorLook& look) {
 }  // namespace
 
 ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& shown)
-    : m_screen(screen), m_handle(handle), m_popup(shown.popup.has_value()), m_raised(shown.raised) {
+    : m_screen(screen),
+      m_handle(handle),
+      m_popup(shown.popup.has_value()),
+      m_lookedAt(m_popup && !shown.enabled),
+      m_raised(shown.raised) {
     m_window = gtk_window_new(m_popup ? GTK_WINDOW_POPUP : GTK_WINDOW_TOPLEVEL);
     gtk_widget_set_app_paintable(m_window, TRUE);
     m_area = MakeAccessibleArea(*this);
@@ -64,7 +68,7 @@ ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& sh
     gtk_container_add(GTK_CONTAINER(m_window), m_area);
     auto* const window = GTK_WINDOW(m_window);
     if (m_popup)
-        gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_POPUP_MENU);
+        gtk_window_set_type_hint(window, m_lookedAt ? GDK_WINDOW_TYPE_HINT_TOOLTIP : GDK_WINDOW_TYPE_HINT_POPUP_MENU);
     else if (shown.dialog)
         gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_DIALOG);
     gtk_window_set_resizable(window, shown.resizable || m_popup);
@@ -92,10 +96,16 @@ ScreenWindow::ScreenWindow(GtkScreen& screen, HWND handle, const ShownWindow& sh
         return;
     }
     g_signal_connect(gtk_widget_get_window(m_window), "moved-to-rect", G_CALLBACK(&OnPlaced), this);
-    g_signal_connect(m_window, "unmap-event", G_CALLBACK(&OnUnmap), this);
+    if (!m_lookedAt) g_signal_connect(m_window, "unmap-event", G_CALLBACK(&OnUnmap), this);
     Place(*shown.popup);
-    // On Wayland a popup is shown within its grab.
-    screen.Grab(*this);
+    // On Wayland a popup is shown within its grab; one that is only looked at has none, and lets the pointer through.
+    if (m_lookedAt) {
+        cairo_region_t* const nothing = cairo_region_create();
+        gtk_widget_input_shape_combine_region(m_window, nothing);
+        cairo_region_destroy(nothing);
+    } else {
+        screen.Grab(*this);
+    }
     gtk_widget_show(m_window);
 }
 

@@ -52,7 +52,7 @@ private:
 
     GtkScreen& m_screen;
     const HWND m_handle;
-    const bool m_popup;
+    const bool m_popup, m_lookedAt;  // the latter a popup without pointer and keys
     HWND m_owner = nullptr;
     orvik::detail::PopupPlace m_place;
     GtkWidget *m_window = nullptr, *m_area = nullptr;

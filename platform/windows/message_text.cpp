@@ -143,7 +143,10 @@ LRESULT ToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageW
     LRESULT answer = 0;
     if (message == WM_NOTIFY && NoticeToWide(wParam, lParam, way, answer)) return answer;
     if (message >= WM_USER)
-        return ListToWide(window, message, wParam, lParam, way, answer) ? answer : way(message, wParam, lParam);
+        return ListToWide(window, message, wParam, lParam, way, answer) ||
+                       ToolTipToWide(window, message, wParam, lParam, way, answer)
+                   ? answer
+                   : way(message, wParam, lParam);
     if (IsOfFields(message) && IsField(window)) {
         if (message == EM_SETLIMITTEXT) LimitField(window);
         if (FieldToWide(message, wParam, lParam, way, answer)) return answer;
@@ -154,7 +157,9 @@ LRESULT ToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageW
 
 LRESULT ToNarrow(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageWay way) {
     LRESULT answer = 0;
-    if (message == WM_NOTIFY && NoticeToNarrow(wParam, lParam, way, answer)) return answer;
+    const bool notice = message == WM_NOTIFY;
+    if (notice && (NoticeToNarrow(wParam, lParam, way, answer) || ToolTipNoticeToNarrow(wParam, lParam, way, answer)))
+        return answer;
     if (message >= WM_USER) return way(message, wParam, lParam);
     if (IsOfFields(message) && IsField(window) && FieldToNarrow(message, wParam, lParam, way, answer)) return answer;
     if (Pass<wchar_t, char, CREATESTRUCTW, CREATESTRUCTA>(window, message, wParam, lParam, way, answer)) return answer;

@@ -32,6 +32,10 @@ bool ListToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, Message
 bool NoticeToWide(WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);
 bool NoticeToNarrow(WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);
 
+// The same of tool tips: tool_tip_text.cpp.
+bool ToolTipToWide(HWND window, UINT message, WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);
+bool ToolTipNoticeToNarrow(WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);
+
 // Positions in fields count bytes on this house's side: edit_text.cpp. False where a message has none.
 bool IsField(HWND window);
 bool FieldToWide(UINT message, WPARAM wParam, LPARAM lParam, MessageWay way, LRESULT& answer);

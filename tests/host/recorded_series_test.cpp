@@ -231,6 +231,11 @@ TEST(TimeStamp, BothWays) {
     EXPECT_EQ(utc(951'782'400'123'456), "2000-02-29T00:00:00.123456Z");
     EXPECT_EQ(utc(std::numeric_limits<__int64>::min()), "1601-01-01T00:00:00.000000Z");
     EXPECT_EQ(utc(std::numeric_limits<__int64>::max()), "9999-12-31T23:59:59.999999Z");
+    __int64 nearlyOne = 0;
+    ASSERT_EQ(FromLocalStamp("2026-07-01 12:00:00.9996", nearlyOne), LocalStamp::Read);
+    std::string rounded;
+    AppendLocalStamp(rounded, nearlyOne, ",");
+    EXPECT_EQ(rounded, "2026-07-01 12:00:01,000") << "not cut";
     // The zone's summer time ends on the first Sunday of November at two.
     const struct {
         const char* text;

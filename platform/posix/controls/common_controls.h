@@ -1,6 +1,9 @@
-// The common controls' styles, messages, structures and notifications: "msctls_progress32", "SysHeader32" and "SysListView32"
-// (report view). They are windows like any other and live by their messages, which do what their documentation says.
+// The common controls' styles, messages, structures and notifications: "msctls_progress32", "SysHeader32",
+// "SysListView32" (report view) and "tooltips_class32". They are windows like any other and live by their messages, which do what
+// their documentation says.
 #pragma once
+
+#include <stddef.h>
 
 #include "platform/posix/controls/controls.h"
 #include "platform/posix/window/window_place.h"
@@ -335,3 +338,60 @@ struct NMLVCUSTOMDRAW {
 #define LVN_ITEMACTIVATE (0u - 114u)
 #define LVN_GETDISPINFOA (0u - 150u)
 #define LVN_KEYDOWN (0u - 155u)
+
+// Tool tips. A tool is a window (TTF_IDISHWND) or a rectangle in one; its text is given, is the number of a module's string, or
+// is asked for by TTN_GETDISPINFO each time (LPSTR_TEXTCALLBACK). With TTF_SUBCLASS the tip sees by itself what the windows of
+// its thread read from their queue; else its owner relays that. Below the tool, beside the pointer; several lines once a width is
+// set. Delays are milliseconds.
+#define TOOLTIPS_CLASSA "tooltips_class32"
+#define TTS_ALWAYSTIP 0x01u
+#define TTS_NOPREFIX 0x02u
+#define TTF_IDISHWND 0x0001u
+#define TTF_CENTERTIP 0x0002u
+#define TTF_SUBCLASS 0x0010u
+#define TTF_TRANSPARENT 0x0100u
+#define TTDT_AUTOMATIC 0
+#define TTDT_RESHOW 1
+#define TTDT_AUTOPOP 2
+#define TTDT_INITIAL 3
+#define TTM_ACTIVATE (WM_USER + 1)
+#define TTM_SETDELAYTIME (WM_USER + 3)
+#define TTM_ADDTOOLA (WM_USER + 4)
+#define TTM_DELTOOLA (WM_USER + 5)
+#define TTM_NEWTOOLRECTA (WM_USER + 6)
+#define TTM_RELAYEVENT (WM_USER + 7)
+#define TTM_GETTOOLINFOA (WM_USER + 8)
+#define TTM_GETTEXTA (WM_USER + 11)
+#define TTM_UPDATETIPTEXTA (WM_USER + 12)
+#define TTM_GETTOOLCOUNT (WM_USER + 13)
+#define TTM_GETDELAYTIME (WM_USER + 21)
+#define TTM_SETMAXTIPWIDTH (WM_USER + 24)
+#define TTM_GETMAXTIPWIDTH (WM_USER + 25)
+#define TTM_POP (WM_USER + 28)
+#define TTN_GETDISPINFOA (0u - 520u)
+#define TTN_NEEDTEXTA TTN_GETDISPINFOA
+#define TTN_SHOW (0u - 521u)
+#define TTN_POP (0u - 522u)
+struct TTTOOLINFOA {
+    UINT cbSize;
+    UINT uFlags;
+    HWND hwnd;
+    UINT_PTR uId;
+    RECT rect;
+    HINSTANCE hinst;
+    LPSTR lpszText;
+    LPARAM lParam;
+    void* lpReserved;
+};
+using TOOLINFOA = TTTOOLINFOA;
+#define TTTOOLINFOA_V1_SIZE static_cast<UINT>(offsetof(TTTOOLINFOA, lParam))
+#define TTTOOLINFOA_V2_SIZE static_cast<UINT>(offsetof(TTTOOLINFOA, lpReserved))
+struct NMTTDISPINFOA {
+    NMHDR hdr;
+    LPSTR lpszText;
+    char szText[80];
+    HINSTANCE hinst;
+    UINT uFlags;
+    LPARAM lParam;
+};
+using TOOLTIPTEXTA = NMTTDISPINFOA;

@@ -64,7 +64,9 @@ LRESULT Control::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
     }
     if (message == OrvikDescribeMessage()) {
-        Describe(OrvikDescribed(lParam));
+        OrvikAccessible& said = OrvikDescribed(lParam);
+        Describe(said);
+        if (said.description.empty()) said.description = ToolTipOf(m_window);
         return TRUE;
     }
     if (message == OrvikActMessage()) return Act(OrvikAsked(lParam));
@@ -193,6 +195,7 @@ std::span<const SystemClass> SystemClasses() {
         {PROGRESS_CLASSA, CS_VREDRAW | CS_HREDRAW, 8, ProgressProcedure, 0},
         {WC_HEADERA, CS_DBLCLKS, 8, HeaderProcedure, 0},
         {WC_LISTVIEWA, CS_DBLCLKS, 8, ListViewProcedure, 0},
+        {TOOLTIPS_CLASSA, CS_SAVEBITS, 0, ToolTipProcedure, 0},
     };
     return kClasses;
 }

@@ -122,6 +122,9 @@ void FillColour(HDC dc, const RECT& rectangle, COLORREF colour);
 void FrameColour(HDC dc, const RECT& rectangle, COLORREF colour);
 RECT Shrunk(const RECT& rectangle, int by);
 
+// What the thread's tool tips say of a whole window; empty for nothing.
+std::string ToolTipOf(HWND window);
+
 LRESULT CALLBACK StaticProcedure(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK ButtonProcedure(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK EditProcedure(HWND, UINT, WPARAM, LPARAM);
@@ -131,5 +134,6 @@ LRESULT CALLBACK ScrollBarProcedure(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK ProgressProcedure(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK HeaderProcedure(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK ListViewProcedure(HWND, UINT, WPARAM, LPARAM);
+LRESULT CALLBACK ToolTipProcedure(HWND, UINT, WPARAM, LPARAM);
 
 }  // namespace orvik::detail

@@ -132,7 +132,8 @@ HWND EnabledFor(HWND handle) {
              const std::lock_guard kernel(KernelLock());
              return WindowsBelow(handle, false);
          }())
-        if (IsWindowVisible(owned) && GetParent(owned) == handle) return EnabledFor(owned);
+        if (IsWindowVisible(owned) && GetParent(owned) == handle)
+            if (const HWND taker = EnabledFor(owned)) return taker;  // a tool tip is none
     return nullptr;
 }
 

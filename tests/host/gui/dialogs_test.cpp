@@ -60,6 +60,10 @@ private:
     UINT_PTR m_timer;
 };
 
+// The labels of fields, by their ids in the templates.
+constexpr int kFromLabel = 1291, kToLabel = 1292, kPictureLabel = 1293, kFromTimeLabel = 1301, kFileLabel = 1321,
+              kWidthLabel = 1322, kHeightLabel = 1323, kExportLabel = 1361, kDescriptionLabel = 1314, kPortLabel = 1311;
+
 std::string FieldText(HWND dialog, int id) { return TextOf(::GetDlgItem(dialog, id)); }
 void Press(HWND dialog, int id) {
     ::SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(id), reinterpret_cast<LPARAM>(::GetDlgItem(dialog, id)));
@@ -89,17 +93,30 @@ protected:
         const Answers answers(hands.window->m_hWnd, std::move(steps));
         EXPECT_TRUE(hands.window->Command(command));
     }
-    // A field with this text is refused when OK is pressed: told once in these words, focused, the dialog open, the view as it
-    // was.
-    Step Refused(int field, const char* text, std::string told, int focus = 0) {
+    // What is said of the field behind this label.
+    static std::string Named(HWND dialog, int label, const std::string& told) {
+        std::string name = FieldText(dialog, label);
+        std::erase(name, '&');
+        return Say(Text::FieldSaid, {name.substr(0, name.find(':')), told});
+    }
+    // What the system says, with what stood in the field.
+    static std::string Exemplified(UINT id, const std::string& example) {
+        return Say(Text::FieldExample, {Resource(id), example});
+    }
+    // A field with this text is refused when OK is pressed: told once in these words, its name first, focused and selected, the
+    // dialog open, the view as it was.
+    Step Refused(int label, int field, const char* text, std::string told) {
         return [=, this](HWND dialog) {
             const ViewState before = hands.State();
             const std::string old = FieldText(dialog, field);
             ::SetDlgItemTextA(dialog, field, text);
             ::SetFocus(::GetDlgItem(dialog, IDCANCEL));
             Press(dialog, IDOK);
-            EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{told}) << text;
-            EXPECT_EQ(::GetFocus(), ::GetDlgItem(dialog, focus != 0 ? focus : field)) << text;
+            EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{Named(dialog, label, told)}) << text;
+            EXPECT_EQ(::GetFocus(), ::GetDlgItem(dialog, field)) << text;
+            DWORD from = 1, to = 0;
+            ::SendMessageA(::GetFocus(), EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+            EXPECT_TRUE(from == 0 && to == std::string_view(text).size()) << text;
             EXPECT_TRUE(::IsWindowVisible(dialog));
             EXPECT_EQ(hands.State(), before);
             EXPECT_FALSE(hands.History().CanUndo());
@@ -176,11 +193,20 @@ TEST_F(Dialogs, AScriptThatLeavesOneOpenEndsAndSaysSo) {
 
 TEST_F(Dialogs, ARangeIsReadInTheUsersFormatAndIsOneStep) {
     const auto before = hands.Settled();
-    Do(kCommandRange,
-       {Refused(IDC_HOST_FROM, "1.5", Resource(IDS_BAD_NUMBER)), Refused(IDC_HOST_TO, "", Resource(IDS_BAD_NUMBER)),
-        Refused(IDC_HOST_PICTURE, "##,#x", Resource(IDS_BAD_NUMBER)),
-        [&](HWND dialog) { Refused(IDC_HOST_TO, FieldText(dialog, IDC_HOST_FROM).c_str(), Say(Text::RangeEmpty))(dialog); },
-        Given(IDOK)});
+    Do(kCommandRange, {[&](HWND dialog) {
+                           const std::string told = Exemplified(IDS_BAD_NUMBER, FieldText(dialog, IDC_HOST_FROM));
+                           Refused(kFromLabel, IDC_HOST_FROM, "1.5", told)(dialog);
+                       },
+                       [&](HWND dialog) {
+                           const std::string told = Exemplified(IDS_BAD_NUMBER, FieldText(dialog, IDC_HOST_TO));
+                           Refused(kToLabel, IDC_HOST_TO, "", told)(dialog);
+                       },
+                       Refused(kPictureLabel, IDC_HOST_PICTURE, "##,#x", Exemplified(IDS_BAD_NUMBER, "##,##")),
+                       [&](HWND dialog) {
+                           Refused(kToLabel, IDC_HOST_TO, FieldText(dialog, IDC_HOST_FROM).c_str(),
+                                   Say(Text::RangeEmpty))(dialog);
+                       },
+                       Given(IDOK)});
     EXPECT_FALSE(hands.History().CanUndo()) << "nothing was changed";
     Do(kCommandRange, {Filled({{IDC_HOST_FROM, "-2,5"}, {IDC_HOST_PICTURE, "###,##"}})});
     ASSERT_TRUE(hands.State().axes[0].range);
@@ -192,16 +218,27 @@ TEST_F(Dialogs, ARangeIsReadInTheUsersFormatAndIsOneStep) {
 
 TEST_F(Dialogs, TimesGoToAnotherOrForASpan) {
     const auto before = hands.Settled();
-    Do(kCommandTimeRange,
-       {[](HWND dialog) { EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN))); },
-        Refused(IDC_HOST_TIME, "25:00", Resource(IDS_BAD_TIME)),
-        Refused(IDC_HOST_TO_DATE, "1999-01-01", Say(Text::TimesBackwards)),
-        [](HWND dialog) {
-            Choose(dialog, IDC_HOST_BY_TIME, IDC_HOST_BY_SPAN, IDC_HOST_BY_SPAN);
-            EXPECT_TRUE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN)));
-            EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_TO_DATE)));
-        },
-        Refused(IDC_HOST_SPAN, "5", Resource(IDS_BAD_SPAN)), Refused(IDC_HOST_SPAN, "0", Say(Text::SpanEmpty)), Given(IDOK)});
+    Do(kCommandTimeRange, {[](HWND dialog) { EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN))); },
+                           [&](HWND dialog) {
+                               const std::string told = Exemplified(IDS_BAD_TIME, FieldText(dialog, IDC_HOST_TIME));
+                               Refused(kFromTimeLabel, IDC_HOST_TIME, "25:00", told)(dialog);
+                           },
+                           [&](HWND dialog) {
+                               std::string told = Resource(IDS_BAD_DATE);
+                               told.replace(told.find("%s"), 2, FieldText(dialog, IDC_HOST_DATE));
+                               Refused(kFromTimeLabel, IDC_HOST_DATE, "1899-01-01", told)(dialog);
+                           },
+                           Refused(IDC_HOST_BY_TIME, IDC_HOST_TO_DATE, "1999-01-01", Say(Text::TimesBackwards)),
+                           [](HWND dialog) {
+                               Choose(dialog, IDC_HOST_BY_TIME, IDC_HOST_BY_SPAN, IDC_HOST_BY_SPAN);
+                               EXPECT_TRUE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_SPAN)));
+                               EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(dialog, IDC_HOST_TO_DATE)));
+                           },
+                           [&](HWND dialog) {
+                               const std::string told = Exemplified(IDS_BAD_SPAN, FieldText(dialog, IDC_HOST_SPAN));
+                               Refused(IDC_HOST_BY_SPAN, IDC_HOST_SPAN, "5", told)(dialog);
+                           },
+                           Refused(IDC_HOST_BY_SPAN, IDC_HOST_SPAN, "0", Say(Text::SpanEmpty)), Given(IDOK)});
     EXPECT_FALSE(hands.History().CanUndo());
     CString hour;
     CVXTTimeSpanType hours = TST_HOURS;
@@ -294,8 +331,13 @@ TEST_F(Dialogs, EachPropertyThatIsChangedIsAStep) {
 
 TEST_F(Dialogs, APictureHasTheSizeAndKindThatWereAsked) {
     const std::string file = Path("chart");
-    Do(kCommandPicture, {Refused(IDC_HOST_WIDTH, "0", Say(Text::SidesRange, {std::to_string(kOrvikPictureSide)})),
-                         Refused(IDC_HOST_FILE, "", Say(Text::FileEmpty)), [&](HWND dialog) {
+    Do(kCommandPicture, {Refused(kWidthLabel, IDC_HOST_WIDTH, "0", Say(Text::SidesRange, {std::to_string(kOrvikPictureSide)})),
+                         [&](HWND dialog) {
+                             const std::string told = Exemplified(IDS_NOT_WHOLE, FieldText(dialog, IDC_HOST_HEIGHT));
+                             Refused(kHeightLabel, IDC_HOST_HEIGHT, "1,5", told)(dialog);
+                         },
+                         Refused(kFileLabel, IDC_HOST_FILE, "", Say(Text::FileEmpty)),
+                         [&](HWND dialog) {
                              ::SetDlgItemTextA(dialog, IDC_HOST_FILE, (file + ".png").c_str());
                              Choose(dialog, IDC_HOST_PNG, IDC_HOST_PDF, IDC_HOST_SVG);
                              EXPECT_EQ(FieldText(dialog, IDC_HOST_FILE), file + ".svg");
@@ -329,7 +371,8 @@ TEST_F(Dialogs, ReadingsBecomeTextInEitherFormAndAllOrThoseShown) {
         Do(kCommandExport, {[&](HWND dialog) {
                                 ::SetDlgItemTextA(dialog, IDC_HOST_FILE, "");
                                 Press(dialog, IDOK);
-                                EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{Say(Text::FileEmpty)});
+                                EXPECT_EQ(std::exchange(TellingHost::told, {}),
+                                          std::vector<std::string>{Named(dialog, kExportLabel, Say(Text::FileEmpty))});
                             },
                             [&](HWND dialog) {
                                 Choose(dialog, IDC_HOST_FOR_PROGRAMS, IDC_HOST_FOR_SHEETS, one.form);
@@ -377,12 +420,14 @@ TEST_F(Dialogs, ADownloadTellsWhatItsDescriptionLacksBeforeItBegins) {
                               for (const std::string& file : {damaged, unknown}) {
                                   ::SetDlgItemTextA(dialog, IDC_HOST_DESCRIPTION, file.c_str());
                                   Press(dialog, IDOK);
-                                  EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{told(file)});
+                                  EXPECT_EQ(std::exchange(TellingHost::told, {}),
+                                            std::vector<std::string>{Named(dialog, kDescriptionLabel, told(file))});
                                   EXPECT_TRUE(::IsChild(::GetDlgItem(dialog, IDC_HOST_DESCRIPTION), ::GetFocus()));
                               }
                               ::SetDlgItemTextA(dialog, IDC_HOST_PORT, "");
                               Press(dialog, IDOK);
-                              EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{Say(Text::PortEmpty)});
+                              EXPECT_EQ(std::exchange(TellingHost::told, {}),
+                                        std::vector<std::string>{Named(dialog, kPortLabel, Say(Text::PortEmpty))});
                               Press(dialog, IDCANCEL);
                           }});
     EXPECT_FALSE(hands.window->IsDownloading());

@@ -127,7 +127,11 @@ protected:
 
 TEST_F(Live, ADownloadGoesOnBesideTheWork) {
     Connect();
+    const StatusLine& line = hands.window->Line();
+    Until([&] { return line.live == Say(Text::LiveFirst, {"COM9"}); });
+    EXPECT_EQ(line.mark, StatusLine::Mark::Waiting) << "nobody has answered yet";
     Feed(20);
+    Until([&] { return line.mark == StatusLine::Mark::Coming; });
     EXPECT_NEAR(End(), Last(), 1e-6) << "all is in view";
     // At the end, the view moves along; elsewhere it stays, and comes back when it is told to.
     Look(Last() / 2, Last());
@@ -148,7 +152,10 @@ TEST_F(Live, ADownloadGoesOnBesideTheWork) {
 
     // A line that breaks and comes back is a gap; a comment is in the file before anybody saves it.
     FedLogger::Break();
+    Until([&] { return line.mark == StatusLine::Mark::Lost && hands.window->List().GetItemText(0, 1) == "\u2013"; });
+    EXPECT_NE(line.Said().find(Say(Text::LiveSilent)), std::string::npos) << line.Said();
     Feed(3);
+    Until([&] { return line.mark == StatusLine::Mark::Coming; });
     ASSERT_EQ(Recorded().Notes().Gaps().size(), 1u);
     hands.Key(VK_INSERT);
     hands.Type("here");
