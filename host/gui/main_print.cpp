@@ -42,20 +42,20 @@ void MainWindow::AskAndPrint() {
     ShowStatus(Say(Text::Printed));
 }
 
-// In the line at the bottom: nothing has become of it, and nothing is lost.
+// In a box, as all that fails: over the line at the bottom the pointer's time may stand.
 void MainWindow::TellOfPrinting(DWORD error, Text withoutPrinter) {
     switch (error) {
         case ERROR_SUCCESS:
             return ShowStatus("");  // as the user wished
         case ERROR_NOT_SUPPORTED:
-            return ShowStatus(Say(Text::PrintNeedsScreen));
+            return Tell(Say(Text::PrintNeedsScreen));
         case kOrvikNoPrinter:
-            return ShowStatus(Say(withoutPrinter));
+            return Tell(Say(withoutPrinter));
         case ERROR_GEN_FAILURE:
-            return ShowStatus(Say(Text::PrinterGone));
+            return Tell(Say(Text::PrinterGone));
         case ERROR_TIMEOUT:
-            return ShowStatus(Say(Text::PrintTakesLong));
+            return Tell(Say(Text::PrintTakesLong));
         default:
-            return ShowStatus(Say(Text::NotPrinted, {Reason(error)}));
+            return Tell(Say(Text::NotPrinted, {Reason(error)}));
     }
 }

@@ -161,6 +161,8 @@ PrinterChoice GtkPrinters::Keep(GtkWidget* dialog) {
     g_object_unref(m_setup);
     m_settings = gtk_print_unix_dialog_get_settings(asked);
     m_setup = gtk_page_setup_copy(gtk_print_unix_dialog_get_page_setup(asked));
+    gtk_print_settings_set_print_pages(m_settings, GTK_PRINT_PAGES_ALL);  // there is but one
+    gtk_print_settings_unset(m_settings, GTK_PRINT_SETTINGS_PAGE_RANGES);
     PrinterChoice choice;
     choice.number = ++m_last;
     choice.sheet = SheetOf(printer, m_setup);
