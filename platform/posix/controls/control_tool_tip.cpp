@@ -37,10 +37,7 @@ void Watch(HWND tip) {
     if (t_hook == nullptr) t_hook = SetWindowsHookExA(WH_GETMESSAGE, &See, nullptr, GetCurrentThreadId());
 }
 
-void WatchNoMore(HWND tip) {
-    if (std::erase(t_watchers, tip) == 0 || !t_watchers.empty()) return;
-    UnhookWindowsHookEx(std::exchange(t_hook, nullptr));
-}
+void WatchNoMore(HWND tip) { std::erase(t_watchers, tip); }  // the hook stays as long as its thread
 
 bool IsKey(UINT message) { return message == WM_KEYDOWN || message == WM_SYSKEYDOWN; }
 bool IsWheel(UINT message) { return message == WM_MOUSEWHEEL || message == WM_MOUSEHWHEEL; }
