@@ -37,10 +37,7 @@ void Watch(HWND tip) {
     if (t_hook == nullptr) t_hook = SetWindowsHookExA(WH_GETMESSAGE, &See, nullptr, GetCurrentThreadId());
 }
 
-void WatchNoMore(HWND tip) {
-    if (std::erase(t_watchers, tip) == 0 || !t_watchers.empty()) return;
-    UnhookWindowsHookEx(std::exchange(t_hook, nullptr));
-}
+void WatchNoMore(HWND tip) { std::erase(t_watchers, tip); }  // the hook stays as long as its thread
 
 bool IsKey(UINT message) { return message == WM_KEYDOWN || message == WM_SYSKEYDOWN; }
 bool IsWheel(UINT message) { return message == WM_MOUSEWHEEL || message == WM_MOUSEHWHEEL; }
@@ -50,8 +47,7 @@ public:
     using Control::Control;
 
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam) override {
-        const auto& given = *reinterpret_cast<const TTTOOLINFOA*>(lParam);
-        auto& asked = *reinterpret_cast<TTTOOLINFOA*>(lParam);
+        auto* const info = reinterpret_cast<TTTOOLINFOA*>(lParam);
         switch (message) {
             case WM_NCCREATE:
                 ChangeStyle(WS_CHILD, WS_POPUP | WS_DISABLED);
@@ -107,35 +103,35 @@ public:
             case TTM_GETTOOLCOUNT:
                 return static_cast<LRESULT>(m_tools.size());
             case TTM_ADDTOOLA:
-                return IsInfo(lParam) && Add(given);
+                return IsInfo(lParam) && Add(*info);
             case TTM_DELTOOLA:
-                if (IsInfo(lParam)) Remove(given);
+                if (IsInfo(lParam)) Remove(*info);
                 return 0;
             case TTM_NEWTOOLRECTA:
-                if (Tool* const tool = IsInfo(lParam) ? Find(given.hwnd, given.uId) : nullptr) tool->place = given.rect;
+                if (Tool* const tool = IsInfo(lParam) ? Find(info->hwnd, info->uId) : nullptr) tool->place = info->rect;
                 return 0;
             case TTM_UPDATETIPTEXTA:
-                if (Tool* const tool = IsInfo(lParam) ? Find(given.hwnd, given.uId) : nullptr) {
-                    TakeText(*tool, given);
+                if (Tool* const tool = IsInfo(lParam) ? Find(info->hwnd, info->uId) : nullptr) {
+                    TakeText(*tool, *info);
                     if (IsCurrent(*tool) && m_state.Now() == ToolTipState::Phase::Shown) Show();
                 }
                 return 0;
             case TTM_GETTOOLINFOA:
-                if (const Tool* const tool = IsInfo(lParam) ? Find(given.hwnd, given.uId) : nullptr) {
-                    asked.uFlags = tool->flags;
-                    asked.rect = tool->place;
-                    if (asked.cbSize >= TTTOOLINFOA_V2_SIZE) asked.lParam = tool->param;
+                if (const Tool* const tool = IsInfo(lParam) ? Find(info->hwnd, info->uId) : nullptr) {
+                    info->uFlags = tool->flags;
+                    info->rect = tool->place;
+                    if (info->cbSize >= TTTOOLINFOA_V2_SIZE) info->lParam = tool->param;
                     return TRUE;
                 }
                 return FALSE;
             case TTM_GETTEXTA: {
-                const Tool* const tool = IsInfo(lParam) ? Find(given.hwnd, given.uId) : nullptr;
-                if (tool == nullptr || given.lpszText == nullptr) return 0;
+                const Tool* const tool = IsInfo(lParam) ? Find(info->hwnd, info->uId) : nullptr;
+                if (tool == nullptr || info->lpszText == nullptr) return 0;
                 // As many as fit, where the caller says how many that are.
                 const size_t room = wParam == 0 ? tool->text.size() + 1 : wParam;
                 const size_t length = std::min(tool->text.size(), room - 1);
-                std::memcpy(asked.lpszText, tool->text.data(), length);
-                asked.lpszText[length] = 0;
+                std::memcpy(info->lpszText, tool->text.data(), length);
+                info->lpszText[length] = 0;
                 return static_cast<LRESULT>(length);
             }
             default:
