@@ -24,11 +24,13 @@ thread_local std::vector<HWND> t_watchers;
 thread_local HHOOK t_hook = nullptr;
 
 LRESULT CALLBACK See(int code, WPARAM remove, LPARAM lParam) {
+    // Older hooks first: what the user does becomes an ordinary message in one of them.
+    const LRESULT result = CallNextHookEx(nullptr, code, remove, lParam);
     if (code == HC_ACTION && remove == PM_REMOVE) {
         const std::vector<HWND> watchers = t_watchers;
         for (const HWND each : watchers) SendMessageA(each, kToolTipSaw, 0, lParam);
     }
-    return CallNextHookEx(nullptr, code, remove, lParam);
+    return result;
 }
 
 void Watch(HWND tip) {
@@ -37,7 +39,10 @@ void Watch(HWND tip) {
     if (t_hook == nullptr) t_hook = SetWindowsHookExA(WH_GETMESSAGE, &See, nullptr, GetCurrentThreadId());
 }
 
-void WatchNoMore(HWND tip) { std::erase(t_watchers, tip); }  // the hook stays as long as its thread
+void WatchNoMore(HWND tip) {
+    if (std::erase(t_watchers, tip) == 0 || !t_watchers.empty()) return;
+    UnhookWindowsHookEx(std::exchange(t_hook, nullptr));
+}
 
 bool IsKey(UINT message) { return message == WM_KEYDOWN || message == WM_SYSKEYDOWN; }
 bool IsWheel(UINT message) { return message == WM_MOUSEWHEEL || message == WM_MOUSEHWHEEL; }
