@@ -32,7 +32,7 @@ private:
 
 StatusLine::Parts PlaceIn(CDC& dc, HWND window, const CRect& line, const StatusLine& what, const std::string& told) {
     const UINT dpi = OrvikDpiOf(window);
-    const auto scaled = [&](LONG pixels) { return OrvikScale(pixels, dpi); };
+    const auto scaled = [&](int pixels) { return LONG{OrvikScale(pixels, dpi)}; };
     const auto width = [&](const std::string& text) {
         return text.empty() ? 0 : static_cast<LONG>(dc.GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx) + 1;
     };

@@ -67,17 +67,17 @@ SeriesColumn ColumnOf(const SeriesData& series, size_t first, size_t last) {
     return column;
 }
 
-// The first of the places `from` to `last` whose time is `time` or later, `last` without one. It is looked for around `near`, and
-// then ever farther: columns that follow each other mostly hold as many readings.
-size_t NextAt(const __int64* times, size_t from, size_t last, double time, size_t near) {
+// The first of the places `from` to `last` whose time is `time` or later, `last` without one. It is looked for around `guess`,
+// and then ever farther: columns that follow each other mostly hold as many readings.
+size_t NextAt(const __int64* times, size_t from, size_t last, double time, size_t guess) {
     const auto before = [&](size_t at) { return static_cast<double>(times[at]) < time; };
     size_t low = from, high = last, reach = 1;
-    if (near > low && near <= high && before(near - 1)) {
-        low = near;
+    if (guess > low && guess <= high && before(guess - 1)) {
+        low = guess;
         for (; high - low > reach && before(low + reach - 1); reach *= 2) low += reach;
         high = std::min(high, low + reach);
-    } else if (near > low && near <= high) {
-        high = near - 1;
+    } else if (guess > low && guess <= high) {
+        high = guess - 1;
         for (; high - low > reach && !before(high - reach); reach *= 2) high -= reach;
         low = high - low > reach ? high - reach : low;
     }
