@@ -100,6 +100,13 @@ LRESULT ChartWindow::OnPointer(WPARAM, LPARAM lParam) {
     return 0;
 }
 
+void ChartWindow::PointAgain(POINT screen) {
+    ::ScreenToClient(m_hWnd, &screen);
+    UpToDate();
+    const std::optional<PointedTime> pointed = TimeUnder(screen);
+    if (pointed != m_pointed) m_owner.ShowValuesAt(pointed);
+}
+
 LRESULT ChartWindow::OnLeave(WPARAM, LPARAM) {
     m_owner.ShowHint({});
     m_owner.ShowValuesAt(std::nullopt);

@@ -71,6 +71,8 @@ public:
     void EndWriting(bool keep);
     // What the pointer shows, for who does not see the list beside.
     void ShowValuesAt(std::optional<PointedTime> pointed) { m_pointed = pointed; }
+    // The pointer rests there, on the screen, and what is shown may have become another time: by a drag, the wheel, new readings.
+    void PointAgain(POINT screen);
 
 protected:
     LRESULT OnPaintMessage(WPARAM, LPARAM);

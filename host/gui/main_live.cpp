@@ -55,8 +55,13 @@ void MainWindow::SetFollowTimer() {
 
 LRESULT MainWindow::OnTimer(WPARAM wParam, LPARAM) {
     POINT pointer = {};
-    if (wParam == kPointerTimer && ::GetCursorPos(&pointer) && ::WindowFromPoint(pointer) != m_chart.m_hWnd && !IsDragging())
-        ForgetPointer();
+    if (wParam == kPointerTimer && !IsDragging() && ::GetCursorPos(&pointer)) {
+        if (::WindowFromPoint(pointer) == m_chart.m_hWnd) {
+            m_chart.PointAgain(pointer);
+        } else {
+            ForgetPointer();
+        }
+    }
     if (wParam == kFollowTimer) FollowReadings();
     return 0;
 }

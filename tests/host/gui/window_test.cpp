@@ -645,4 +645,11 @@ TEST_F(WindowTest, TheListShowsTheValuesUnderThePointer) {
     hands.Pump();
     EXPECT_EQ(text(0), latest);
     EXPECT_FALSE(hands.History().CanUndo());
+    // One that rests gets another time under it when the view changes: the drag ends where it does not begin.
+    hands.Drag({plot.left, plot.top + 5}, {(plot.left + plot.right) / 2, plot.bottom - 5});
+    POINT pointer{(plot.left + plot.right) / 2, plot.bottom - 5};
+    ::ClientToScreen(hands.window->Chart().m_hWnd, &pointer);
+    hands.window->Chart().PointAgain(pointer);
+    EXPECT_NE(text(0), "8");
+    EXPECT_NE(text(0), latest);
 }
