@@ -50,7 +50,7 @@ std::string ChartWindow::PointedValues() const {
             const double value = ValueAt(session, i, *m_pointed);
             return std::isfinite(value) ? name + " " + ShortTextOf(value, picture) + " " + unit : std::string();
         });
-    return TimeTextOf(m_pointed->time) + (values.empty() ? "" : ": ") + values;
+    return PointedText(session, m_document.Notes(), *m_pointed) + (values.empty() ? "" : ": ") + values;
 }
 
 LRESULT ChartWindow::OnDescribe(WPARAM, LPARAM lParam) {

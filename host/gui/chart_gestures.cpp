@@ -48,8 +48,12 @@ LRESULT ChartWindow::OnPress(WPARAM, LPARAM lParam) {
     ::SetFocus(m_hWnd);
     EndWriting(true);
     UpToDate();
-    if (!m_scene.HasData() || m_dragging) return 0;
+    if (m_dragging) return 0;
     const CPoint point = PointOf(lParam);
+    if (!m_scene.HasData()) {
+        if (const UINT command = m_empty.CommandAt(point)) m_owner.OnPaneCommand(command);
+        return 0;
+    }
     const Hit hit = HitTest(m_scene.Parts(), point);
     SetFocusMark(hit.spot == Spot::Tag ? Focus{Focus::Tag, hit.index} : Focus{});
     ::UpdateWindow(m_hWnd);  // what a tracker draws stands on the picture as it is

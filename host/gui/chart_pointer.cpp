@@ -71,11 +71,16 @@ std::string ChartWindow::HintAt(const Hit& hit) const {
 }
 
 LRESULT ChartWindow::OnCursor(WPARAM wParam, LPARAM lParam) {
-    if (LOWORD(lParam) != HTCLIENT || !m_scene.HasData()) return DefWindowProc(WM_SETCURSOR, wParam, lParam);
     POINT point = {};
     ::GetCursorPos(&point);
     ::ScreenToClient(m_hWnd, &point);
     UpToDate();
+    if (LOWORD(lParam) != HTCLIENT || (!m_scene.HasData() && m_empty.CommandAt(point) == 0))
+        return DefWindowProc(WM_SETCURSOR, wParam, lParam);
+    if (!m_scene.HasData()) {
+        ::SetCursor(::LoadCursorA(nullptr, IDC_HAND));
+        return TRUE;
+    }
     HCURSOR cursor = CursorAt(HitTest(m_scene.Parts(), point));
     if (cursor == nullptr) cursor = ::LoadCursorA(nullptr, IDC_ARROW);
     ::SetCursor(cursor);

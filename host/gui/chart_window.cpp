@@ -114,28 +114,7 @@ void ChartWindow::UpToDate() {
         }
         if (m_writing) DrawWriting(m_picture.dc);
     } else {
-        m_picture.dc.FillSolidRect(client, ChartColours::OfWindow().paper);
-        CFont font;
-        const LOGFONTA description = PaneFont(ChartFontHeight(client.Width(), client.Height(), dpi));
-        font.CreateFontIndirect(&description);
-        CFont* const before = m_picture.dc.SelectObject(&font);
-        m_picture.dc.SetTextColor(ChartColours::OfWindow().quiet);
-        std::vector<std::string> lines = {Say(Text::NothingOpen)};
-        for (const MenuCommand& one : kMenuCommands) {
-            if (one.id != kCommandOpen && one.id != kCommandDownload) continue;
-            std::string item = Say(one.text);
-            std::erase(item, '&');
-            lines.push_back(item + "  " + one.keyText);
-        }
-        const LONG height = m_picture.dc.GetTextExtent("0", 1).cy * 3 / 2;
-        RECT place = client;
-        place.top = (client.top + client.bottom - height * static_cast<LONG>(lines.size())) / 2;
-        for (const std::string& line : lines) {
-            place.bottom = place.top + height;
-            m_picture.dc.DrawText(line.c_str(), static_cast<int>(line.size()), &place, DT_SINGLELINE | DT_CENTER | DT_VCENTER);
-            place.top = place.bottom;
-        }
-        m_picture.dc.SelectObject(before);
+        m_empty.Draw(m_picture.dc, client, dpi);
     }
     m_drawn = true;
 }

@@ -5,6 +5,7 @@
 #include "afx/dc.h"
 #include "afx/wnd.h"
 #include "host/gui/chart_scene.h"
+#include "host/gui/empty_page.h"
 #include "host/gui/line_edit.h"
 #include "host/gui/menu_commands.h"
 #include "host/gui/view_document.h"
@@ -138,6 +139,7 @@ private:
     ViewDocument& m_document;
     PaneOwner& m_owner;
     ChartScene m_scene;
+    EmptyPage m_empty;  // in the scene's place without data
     Focus m_focus;
     Picture m_picture;
     bool m_drawn = false;  // picture and parts are those of the state and the size

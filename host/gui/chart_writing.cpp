@@ -97,14 +97,20 @@ void ChartWindow::DrawWriting(CDC& dc) const {
     const UINT dpi = m_scene.Parts().dpi;
     const int gap = OrvikScale(3, dpi), least = OrvikScale(80, dpi);
     const RECT& plot = m_scene.Parts().plot;
-    CRect box(m_writtenAt, CSize(std::max<int>(size.cx + 2 * gap + OrvikScale(1, dpi), least), height.cy + 2 * gap));
+    // Within the plot: what is longer shows the part with the caret.
+    const LONG wanted = std::max<LONG>(size.cx + 2 * gap + OrvikScale(1, dpi), least), room = plot.right - plot.left;
+    CRect box(m_writtenAt, CSize(std::min(wanted, room), height.cy + 2 * gap));
     box.OffsetRect(std::min<int>(0, plot.right - box.right), std::min<int>(0, plot.bottom - box.bottom));
+    const LONG passed = std::max<LONG>(0, start.cx + 2 * gap + OrvikScale(1, dpi) - box.Width());
     dc.FillSolidRect(box, RGB(255, 255, 255));
     dc.Draw3dRect(box, RGB(0, 0, 0), RGB(0, 0, 0));
     dc.SetTextColor(RGB(0, 0, 0));
     dc.SetBkMode(TRANSPARENT);
-    dc.TextOut(box.left + gap, box.top + gap, m_edit.text.c_str(), static_cast<int>(m_edit.text.size()));
-    dc.FillSolidRect(box.left + gap + start.cx, box.top + gap, OrvikScale(1, dpi), height.cy, RGB(0, 0, 0));
-    ::SetCaretPos(box.left + gap + start.cx, box.top + gap);
+    const int state = dc.SaveDC(), left = box.left + gap - passed;
+    dc.IntersectClipRect(box.left + gap, box.top + gap, box.right - gap + OrvikScale(1, dpi), box.bottom - gap);
+    dc.TextOut(left, box.top + gap, m_edit.text.c_str(), static_cast<int>(m_edit.text.size()));
+    dc.RestoreDC(state);
+    dc.FillSolidRect(left + start.cx, box.top + gap, OrvikScale(1, dpi), height.cy, RGB(0, 0, 0));
+    ::SetCaretPos(left + start.cx, box.top + gap);
     dc.SelectObject(before);
 }

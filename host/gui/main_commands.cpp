@@ -153,6 +153,11 @@ void MainWindow::Remember(const std::string& path) {
     if (m_manner == Manner::Interactive) m_recent.Add(path);
 }
 
+std::string MainWindow::BareTitle() const {
+    const std::string title = m_document.Title();
+    return title.substr(0, title.find_last_of('.'));
+}
+
 // Where the session is, else where people keep their documents: the folder in which the program runs may be nobody's.
 std::string MainWindow::Beside(const std::string& name) const {
     const std::string& now = m_document.Path();
@@ -183,14 +188,13 @@ bool MainWindow::MayReplace(const SavingDialog& dialog) {
 }
 
 void MainWindow::AskAndExport() {
-    const std::string title = m_document.Title();
-    ExportDialog dialog(this, Beside(title.substr(0, title.find_last_of('.')) + ".csv"));
+    ExportDialog dialog(this, Beside(BareTitle() + ".csv"));
     if (Ask([&] { return dialog.DoModal(); }) != IDOK || !MayReplace(dialog)) return;
     ExportTo(dialog.path.GetString(), dialog.ForSpreadsheets() ? SpreadsheetForm() : CsvForm{}, dialog.ShownOnly());
 }
 
 void MainWindow::AskAndSavePicture() {
-    PictureDialog dialog(this, Beside("chart.png"), ChartSize());
+    PictureDialog dialog(this, Beside(BareTitle() + ".png"), ChartSize());
     if (Ask([&] { return dialog.DoModal(); }) != IDOK) return;
     if (!MayReplace(dialog)) return;
     SavePicture(dialog.path.GetString(), {static_cast<LONG>(dialog.width), static_cast<LONG>(dialog.height)});

@@ -96,19 +96,19 @@ void MainWindow::TakeNews() {
     if (m_document.Update()) ReadingsCame();
     KeepComments();
     for (const std::string& sentence : news.sentences) ShowStatus(sentence);
-    if (news.over) return DownloadOver(news.end);
+    if (news.over) return DownloadOver(news);
     if (news.begun) ShowNews(news, plan);
 }
 
 // Before the first answer nothing says yet that anybody is there, and a line that was silent has to prove itself again.
 void MainWindow::ShowNews(const LiveDownload::News& news, const DownloadPlan& plan) {
-    const std::string passed = std::to_string(news.passed), port = ToUtf8(plan.port);
+    const std::string made = std::to_string(news.made), port = ToUtf8(plan.port);
     std::string live;
     if (news.made == 0) {
         live = Say(news.lost ? Text::LiveNothingYet : Text::LiveFirst, {port});
     } else {
-        live = plan.count < kForEver ? Say(Text::LiveProgressOf, {passed, std::to_string(plan.count), port})
-                                     : Say(Text::LiveProgress, {passed, port});
+        live = plan.count < kForEver ? Say(Text::LiveProgressOf, {made, std::to_string(plan.count), port})
+                                     : Say(Text::LiveProgress, {made, port});
     }
     if (news.missing > 0) live += Say(Text::ProgressMissing, {std::to_string(news.missing)});
     if (news.waiting > 0) live += Say(Text::ProgressWaiting, {std::to_string(news.waiting)});
@@ -138,13 +138,16 @@ void MainWindow::ReadingsCame() {
     ::InvalidateRect(m_hWnd, &status, FALSE);
 }
 
-void MainWindow::DownloadOver(const std::string& why) {
+void MainWindow::DownloadOver(const LiveDownload::News& news) {
     m_download.reset();
     m_document.GrowsNoMore();
     SetFollowTimer();
     UpdateMenu();
     const size_t count = m_document.GetSession()->Count();
-    const std::string ended = Say(Text::LiveEnded, {std::to_string(count)});
+    const std::string& why = news.end;
+    std::string ended = Say(Text::LiveEnded, {std::to_string(count)});
+    // A reason says itself how many there are.
+    if (why.empty() && news.missing > 0) ended += Say(Text::ProgressMissing, {std::to_string(news.missing)});
     // Whoever is at work meanwhile is not interrupted; whoever waits for a first reading is told that none comes.
     if (why.empty() || count > 0 || m_asking) return ShowStatus(why.empty() ? ended : ended + ". " + why);
     ShowStatus(ended);

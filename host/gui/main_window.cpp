@@ -248,7 +248,7 @@ void MainWindow::ShowTip(HWND pane, const RECT& place, const std::string& text, 
 // Nobody tells when the pointer leaves a window that another one covers, or the screen's edge ends: it is looked for.
 void MainWindow::ShowValuesAt(std::optional<PointedTime> pointed) {
     constexpr UINT kPause = 100;  // ms
-    const std::string time = pointed ? TimeTextOf(pointed->time) : std::string();
+    const std::string time = pointed ? PointedText(*m_document.GetSession(), m_document.Notes(), *pointed) : std::string();
     m_list.ShowValuesAt(pointed);
     m_chart.ShowValuesAt(pointed);
     if (time == m_line.pointed || m_hWnd == nullptr) return;

@@ -147,7 +147,7 @@ private:
     void FollowReadings();
     void TakeNews();
     void ReadingsCame();
-    void DownloadOver(const std::string& why);
+    void DownloadOver(const LiveDownload::News& news);
     // Often while readings may come, else not at all.
     void SetFollowTimer();
     // Ends the download, if there is one and its user agrees to that; messages are handled until it has ended.
@@ -169,6 +169,7 @@ private:
     void AskAndDownload();
     LastDownload KeptDownload() const;
     std::string Beside(const std::string& name) const;
+    std::string BareTitle() const;  // without a file's extension
     void AskRange();
     void AskTimeRange();
     void ShowProperties();

@@ -49,9 +49,10 @@ StatusLine::Parts PlaceIn(CDC& dc, HWND window, const CRect& line, const StatusL
         parts.mark.right = std::min(parts.mark.left + scaled(kMark), parts.live.place.left);
         room.right = std::max(parts.mark.left - scaled(kGap), room.left);
     }
-    // What has happened keeps a part of the room, so that it is seen that something has.
+    // What has happened keeps a part of the room, so that it is seen that something has; the time that is pointed at all it needs.
     const LONG hint = width(what.hint), sentence = width(told);
-    const LONG kept = told.empty() ? 0 : std::min(sentence, scaled(kLeastTold)) + scaled(kGap);
+    const LONG wanted = what.pointed.empty() ? std::min(sentence, scaled(kLeastTold)) : sentence;
+    const LONG kept = told.empty() ? 0 : wanted + scaled(kGap);
     parts.hint.place.right = std::clamp(room.right - kept, room.left, std::min(room.left + hint, room.right));
     parts.hint.cut = parts.hint.place.Width() < hint;
     const LONG behind = hint == 0 ? room.left : std::min(parts.hint.place.right + scaled(kGap), room.right);

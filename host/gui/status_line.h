@@ -1,6 +1,6 @@
 // The line at the window's bottom: on the left what the pointer can do, beside it what has happened or the time that is pointed
-// at, on the right how readings come, with a mark. The hint and the readings stay; what has happened is cut where there is no
-// room. House text. User-interface thread.
+// at, on the right how readings come, with a mark. The hint and the readings stay and what has happened is cut where there is
+// no room; the time that is pointed at comes before the hint. House text. User-interface thread.
 #pragma once
 
 #include <string>

@@ -55,6 +55,8 @@ void ViewDocument::Take(std::unique_ptr<CPropertyDB> db, std::unique_ptr<Session
     ViewState state = ChartScene::StateOf(*session, *db);
     m_db = std::move(db);
     m_session = std::move(session);
+    m_notes = {};
+    if (m_session->Recorded() == nullptr) m_notes.Load(*m_db, ChannelKeys(*m_db));
     m_path = path;
     m_kept = 0;
     m_grows = false;

@@ -39,6 +39,8 @@ public:
     bool HasSession() const { return m_session != nullptr; }
     Session* GetSession() { return m_session.get(); }
     CPropertyDB& Database() { return *m_db; }
+    // Why readings are missing; those of a session.
+    const RecordedNotes& Notes() const { return m_session->Recorded() != nullptr ? m_session->Recorded()->Notes() : m_notes; }
     const std::string& Path() const { return m_path; }
     ViewHistory& History() { return m_history; }
     const ViewState& State() const { return m_history.State(); }
@@ -56,6 +58,7 @@ private:
 
     std::unique_ptr<CPropertyDB> m_db = std::make_unique<CPropertyDB>();
     std::unique_ptr<Session> m_session;
+    RecordedNotes m_notes;  // of readings that are in memory
     std::string m_path, m_note;
     ViewHistory m_history;
     ViewState m_saved;

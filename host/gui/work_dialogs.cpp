@@ -162,6 +162,7 @@ void DownloadDialog::FillPorts() {
     for (const ListedPort& one : ListPorts())
         SendDlgItemMessage(IDC_HOST_PORT, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(one.name.c_str()));
     GetDlgItem(IDC_HOST_PORT)->SetWindowText(now);
+    SendDlgItemMessage(IDC_HOST_PORT, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));  // what is typed takes its place
 }
 
 void DownloadDialog::OnPortsDrop() { FillPorts(); }

@@ -49,14 +49,7 @@ std::string StepInWords(__int64 microseconds) {
 std::string GapLine(const CRecordedGap& gap, const Session& session) {
     const std::string channels = ChannelNames(gap.channels, session);
     std::string line = Isolated(TimeTextOf(gap.from)) + "  " + Isolated(TimeTextOf(gap.until)) + "  ";
-    std::string cause = CauseInWords(gap.cause);
-    // What was told says more, with the cause's own words or without.
-    if (const std::string told = ToUtf8(gap.text); told.starts_with(cause)) {
-        cause = told;
-    } else if (!told.empty()) {
-        cause += " (" + told + ")";
-    }
-    line += Say(Text::GapLine, {std::to_string(gap.missed), std::to_string(gap.attempts), Isolated(cause)});
+    line += Say(Text::GapLine, {std::to_string(gap.missed), std::to_string(gap.attempts), Isolated(CauseOf(gap))});
     if (!channels.empty()) line += ": " + Isolated(channels);
     return line;
 }
@@ -86,6 +79,14 @@ std::string CauseInWords(unsigned cause) {
     return ToUtf8(text.GetString());
 }
 
+std::string CauseOf(const CRecordedGap& gap) {
+    const std::string cause = CauseInWords(gap.cause), told = ToUtf8(gap.text);
+    if (told.starts_with(cause)) return told;
+    return told.empty() ? cause : cause + " (" + told + ")";
+}
+
+bool HasMissing(const CRecordedGap& gap) { return gap.missed > 0 || gap.cause == GC_DAMAGED; }
+
 std::string GapList(const RecordedNotes& notes, const Session& session, TimeRange range) {
     struct Line {
         __int64 time;
@@ -93,7 +94,7 @@ std::string GapList(const RecordedNotes& notes, const Session& session, TimeRang
     };
     std::vector<Line> lines;
     for (const CRecordedGap& gap : notes.Gaps()) {
-        if (gap.until >= range.from && gap.from <= range.to) lines.push_back({gap.from, GapLine(gap, session)});
+        if (HasMissing(gap) && gap.until >= range.from && gap.from <= range.to) lines.push_back({gap.from, GapLine(gap, session)});
     }
     for (const CRecordedEvent& event : notes.Events()) {
         if (event.time >= range.from && event.time <= range.to && !InWords(kEvents, event.kind).empty())

@@ -98,10 +98,12 @@ private:
     std::vector<Column> m_columns;
 };
 
-// To the last bit, with this decimal sign.
-void AppendNumber(std::string& out, double value, const std::string& sign) {
+// With this decimal sign, to the last bit; for people a 32-bit real, which most loggers send, has no more digits than that.
+void AppendNumber(std::string& out, double value, const std::string& sign, bool people) {
     char digits[64];
-    char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    const auto narrow = static_cast<float>(value);
+    const bool brief = people && static_cast<double>(narrow) == value;
+    char* const end = (brief ? std::to_chars(digits, std::end(digits), narrow) : std::to_chars(digits, std::end(digits), value)).ptr;
     char* const point = std::find(digits, end, '.');
     out.append(digits, point);
     if (point != end) out.append(sign).append(point + 1, end);
@@ -129,7 +131,7 @@ public:
         for (const size_t place : m_shown) {
             out += m_form.separator;
             if (std::isnan(values[place])) continue;
-            AppendNumber(out, values[place], m_sign);
+            AppendNumber(out, values[place], m_sign, m_form.local);
         }
         out += '\n';
     }
@@ -162,7 +164,7 @@ public:
         out += "</td>";
         for (const size_t place : m_shown) {
             out += "<td align=\"right\">";
-            if (!std::isnan(values[place])) AppendNumber(out, values[place], m_sign);
+            if (!std::isnan(values[place])) AppendNumber(out, values[place], m_sign, true);
             out += "</td>";
         }
         out += "</tr>\n";

@@ -34,7 +34,8 @@ struct CsvForm {
 };
 // The form that this user's spreadsheets take: values are parted by a character that no number has.
 CsvForm SpreadsheetForm();
-// Times to the microsecond in UTC, values to the last bit, nothing for NaN.
+// Times to the microsecond in UTC, values to the last bit, nothing for NaN. For spreadsheets a value that is a 32-bit real has no
+// more digits than tell it from its neighbours: 21.3, not 21.299999237060547.
 std::unique_ptr<ReadingWriter> MakeCsvWriter(const Session& session, ShownChannels shown, const CsvForm& form);
 
 // A table of HTML, with times and values as for spreadsheets.

@@ -47,13 +47,18 @@ constexpr UINT kToRelease = WM_LBUTTONUP - WM_LBUTTONDOWN, kToDouble = WM_LBUTTO
 
 GtkInput::GtkInput(ScreenWindow& window) : m_window(window), m_method(gtk_im_multicontext_new()) {
     GtkWidget* const area = window.Area();
-    gtk_widget_add_events(area, GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK | GDK_POINTER_MOTION_MASK |
-                                    GDK_LEAVE_NOTIFY_MASK | GDK_SCROLL_MASK | GDK_SMOOTH_SCROLL_MASK);
-    g_signal_connect(area, "button-press-event", G_CALLBACK(&OnButton), this);
-    g_signal_connect(area, "button-release-event", G_CALLBACK(&OnButton), this);
-    g_signal_connect(area, "motion-notify-event", G_CALLBACK(&OnMotion), this);
-    g_signal_connect(area, "leave-notify-event", G_CALLBACK(&OnLeave), this);
-    g_signal_connect(area, "scroll-event", G_CALLBACK(&OnScroll), this);
+    // GDK gives a grab's own window what it cannot place: after a press that opened a popup, all that follows above the window
+    // of that press.
+    for (GtkWidget* const widget : {area, window.Widget()}) {
+        if (widget != area && !window.IsPopup()) continue;
+        gtk_widget_add_events(widget, GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK | GDK_POINTER_MOTION_MASK |
+                                          GDK_LEAVE_NOTIFY_MASK | GDK_SCROLL_MASK | GDK_SMOOTH_SCROLL_MASK);
+        g_signal_connect(widget, "button-press-event", G_CALLBACK(&OnButton), this);
+        g_signal_connect(widget, "button-release-event", G_CALLBACK(&OnButton), this);
+        g_signal_connect(widget, "motion-notify-event", G_CALLBACK(&OnMotion), this);
+        g_signal_connect(widget, "leave-notify-event", G_CALLBACK(&OnLeave), this);
+        g_signal_connect(widget, "scroll-event", G_CALLBACK(&OnScroll), this);
+    }
     // What is being composed is shown by the method itself: our fields show what is written.
     gtk_im_context_set_use_preedit(m_method, FALSE);
     g_signal_connect(m_method, "commit", G_CALLBACK(&OnCommit), this);

@@ -114,7 +114,7 @@ ScreenWindow::~ScreenWindow() {
     g_signal_handlers_disconnect_by_data(gtk_widget_get_settings(m_window), this);
     g_signal_handlers_disconnect_by_data(m_window, this);
     g_signal_handlers_disconnect_by_data(m_area, this);
-    g_signal_handlers_disconnect_by_data(m_area, m_input.get());
+    for (GtkWidget* const widget : {m_area, m_window}) g_signal_handlers_disconnect_by_data(widget, m_input.get());
     m_input.reset();
     m_accessible.reset();
     gtk_widget_destroy(m_window);

@@ -467,7 +467,29 @@ class WindowFlow(Flow):
 
         until(settles, "the reading that was tried")
         window.keep("20-tried", whole_screen=True)
-        screen.key("alt+r", "Return")  # on the button it would try again
+        # A list that a press on its arrow has opened is closed by the next press, wherever that lies in the dialog.
+        whole = Picture(dialog)
+        above = TITLE if options.wine else 0
+
+        def press(x, y):  # in the template's units
+            height = whole.height + STATUS - above
+            screen.point(dialog, whole.width * x // 250, above + height * y // 178)
+            screen.button(True)
+            screen.button(False)
+
+        def settled(other_than=None):
+            seen = [Picture(dialog)]
+            until(lambda: seen.append(Picture(dialog)) or (len(seen) > screen.calm and seen[-1] != other_than
+                                                           and all(one == seen[-1] for one in seen[-screen.calm:])), "a dialog at rest")
+            return seen[-1]
+
+        press(100, 125)  # the number of readings
+        before = settled(other_than=whole)
+        press(181, 33)  # the port's arrow
+        settled(other_than=before)
+        press(100, 125)
+        until(lambda: Picture(dialog) == before, "the dialog without its list")
+        screen.key("Return")  # on the button Test it would try again
         window.title_start = "Demo logger"
         until(window.find, "the title of the download")
         until(window.is_modified, "its readings")

@@ -132,7 +132,7 @@ public:
             }
             case WM_LBUTTONDOWN:
             case WM_LBUTTONDBLCLK:
-                if (!Focused() && m_edit == nullptr) SetFocus(m_window);
+                if (!Focused() && (m_edit == nullptr || GetFocus() != m_edit)) SetFocus(m_window);
                 Drop(!m_dropped, true);
                 return 0;
             case WM_MOUSEWHEEL:
@@ -221,6 +221,7 @@ private:
         return message == CB_GETEDITSEL ? SendMessageA(m_edit, EM_GETSEL, wParam, lParam) : TRUE;
     }
     void FromEdit(int code) {
+        if (code == EN_SETFOCUS || code == EN_KILLFOCUS) Invalidate();  // the frame shows who has it
         if (code == EN_SETFOCUS) Tell(CBN_SETFOCUS);
         if (code == EN_KILLFOCUS) Drop(false, true), Tell(CBN_KILLFOCUS);
         if (m_setting) return;

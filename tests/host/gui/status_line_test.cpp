@@ -54,6 +54,9 @@ TEST(StatusLineTest, HintAndReadingsStay) {
     line.live = "live";
     EXPECT_EQ(line.Said(), "hint told live");
     line.pointed = "12:00";
+    line.hint = endless;
+    EXPECT_FALSE(line.Place(window, CRect(0, 0, 1200, 24)).told.cut) << "the hint gives way to the time that is pointed at";
+    line.hint = "hint";
     EXPECT_EQ(line.Said(), "hint 12:00 live") << "the time that is pointed at comes before what has happened";
 }
 

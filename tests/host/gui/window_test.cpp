@@ -12,7 +12,9 @@
 #include "host/logger/logger_file.h"
 #include "host/session/channel_intervals.h"
 #include "host/session/database_file.h"
+#include "host/session/gap_list.h"
 #include "host/session/pointed_value.h"
+#include "host/session/value_text.h"
 #include "record/recorder.h"
 #include "tests/host/gui/hands.h"
 #include "tests/support/test_folder.h"
@@ -622,10 +624,24 @@ TEST_F(WindowTest, TheListShowsTheValuesUnderThePointer) {
     const struct {
         double seconds;
         double air, soil;
-    } cases[] = {{0.5, hole, hole}, {0.95, 1, 10}, {1.4, 1, 10},   {1.6, 2, 10}, {2.04, 2, 10},   {2.5, hole, 10},
-                 {3, hole, 40},     {3.96, 4, 40}, {4.2, 4, hole}, {5, 5, hole}, {6.04, 6, hole}, {6.2, hole, hole}};
+        double told;  // whose time is told: of the reading that the values are of
+    } cases[] = {{0.5, hole, hole, 0.5}, {0.95, 1, 10, 1}, {1.4, 1, 10, 1},  {1.6, 2, 10, 2},  {2.04, 2, 10, 2},  {2.5, hole, 10, 1},
+                 {3, hole, 40, 4},       {3.96, 4, 40, 4}, {4.2, 4, hole, 4}, {5, 5, hole, 5}, {6.04, 6, hole, 6}, {6.2, hole, hole, 6.2}};
+    RecordedNotes notes;
+    CRecordedGap gap;
+    gap.number = 1;
+    gap.from = gap.until = 7'000'000;
+    gap.cause = GC_DISK;
+    notes.Add(gap);
+    const auto later7 = [&] { return PointedText(session, notes, {7'500'000, 50'000}); };
+    EXPECT_EQ(later7(), TimeTextOf(7'500'000)) << "a gap that took no reading";
+    gap.missed = 3;
+    notes.Add(gap);
+    EXPECT_EQ(later7(), TimeTextOf(7'500'000) + ": " + CauseInWords(GC_DISK));
     for (const auto& one : cases) {
         const PointedTime at{static_cast<__int64>(one.seconds * 1e6), 50'000};
+        const std::string cause = one.told == 6.2 ? ": " + CauseInWords(GC_DISK) : "";
+        EXPECT_EQ(PointedText(session, notes, at), TimeTextOf(static_cast<__int64>(one.told * 1e6)) + cause) << one.seconds;
         for (const auto& [channel, wanted] : {std::pair(size_t{0}, one.air), std::pair(size_t{1}, one.soil)}) {
             const double got = ValueAt(session, channel, at);
             EXPECT_TRUE(got == wanted || (std::isnan(got) && std::isnan(wanted))) << one.seconds << " " << channel << " " << got;
