@@ -56,6 +56,7 @@ KEYS = """xkb_keymap {
 class XScreen:
     """X11 with a window manager."""
     environment = {}
+    pictures_windows = True  # each one alone, and a place is one of the window
     calm = 3  # pictures alike in a row, after which nothing more is to come
 
     def __init__(self):
@@ -204,6 +205,7 @@ class WestonScreen(XScreen):
     """Wayland by weston, which fills an X11 screen and takes its pointer and keys from there: one window fills it all, dialogs lie above
     without a frame of their own. It tells nobody its windows' titles: they are read off what program and compositor say."""
     has_clipboard = False
+    pictures_windows = False
     calm = 6  # what is drawn comes to the screen by one more program
 
     def __init__(self):
