@@ -9,12 +9,12 @@
 IMPLEMENT_DYNCREATE(CDC, CObject)
 
 namespace {
-orvik::detail::OwnerMap<HDC, CDC>& Owners() {
+orvik::detail::OwnerMap<HDC, CDC>& DcOwners() {
     // Never destroyed: static objects of other files end later.
     static auto& s_owners = *new orvik::detail::OwnerMap<HDC, CDC>;
     return s_owners;
 }
-orvik::detail::TemporaryRing<CDC>& Temporaries() {
+orvik::detail::TemporaryRing<CDC>& TemporaryDcs() {
     thread_local orvik::detail::TemporaryRing<CDC> t_objects;
     return t_objects;
 }
@@ -42,39 +42,39 @@ CDC::~CDC() {
 
 CDC* CDC::FromHandle(HDC hDC) {
     if (hDC == nullptr) return nullptr;
-    if (CDC* owner = Owners().Find(hDC)) return owner;
-    return Temporaries().Get([&](const CDC& dc) { return dc.m_hDC == hDC; },
-                             [&] {
-                                 auto made = std::make_unique<CDC>();
-                                 made->m_hDC = made->m_hAttribDC = hDC;
-                                 made->m_temporary = true;
-                                 return made;
-                             });
+    if (CDC* owner = DcOwners().Find(hDC)) return owner;
+    return TemporaryDcs().Get([&](const CDC& dc) { return dc.m_hDC == hDC; },
+                              [&] {
+                                  auto made = std::make_unique<CDC>();
+                                  made->m_hDC = made->m_hAttribDC = hDC;
+                                  made->m_temporary = true;
+                                  return made;
+                              });
 }
 
-void CDC::DeleteTempMap() { Temporaries().Clear(); }
+void CDC::DeleteTempMap() { TemporaryDcs().Clear(); }
 
 CWnd* CDC::GetWindow() const { return CWnd::FromHandle(::WindowFromDC(m_hDC)); }
 
 BOOL CDC::Attach(HDC hDC) {
     if (hDC == nullptr || m_hDC != nullptr) return FALSE;
     m_hDC = hDC;
-    Owners().Set(hDC, this);
+    DcOwners().Set(hDC, this);
     SetAttribDC(hDC);
     m_bPrinting = ::GetDeviceCaps(hDC, TECHNOLOGY) != DT_RASDISPLAY;
     return TRUE;
 }
 
 HDC CDC::Detach() {
-    if (m_hDC != nullptr && !m_temporary) Owners().Remove(m_hDC, this);
+    if (m_hDC != nullptr && !m_temporary) DcOwners().Remove(m_hDC, this);
     ReleaseAttribDC();
     return std::exchange(m_hDC, nullptr);
 }
 
 void CDC::SetOutputDC(HDC hDC) {
-    if (m_hDC != nullptr && !m_temporary) Owners().Remove(m_hDC, this);
+    if (m_hDC != nullptr && !m_temporary) DcOwners().Remove(m_hDC, this);
     m_hDC = hDC;
-    if (hDC != nullptr) Owners().Set(hDC, this);
+    if (hDC != nullptr) DcOwners().Set(hDC, this);
 }
 
 void CDC::ReleaseOutputDC() { SetOutputDC(nullptr); }

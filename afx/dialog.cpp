@@ -10,7 +10,7 @@ IMPLEMENT_DYNAMIC(CDialog, CWnd)
 
 namespace {
 // The dialog whose window is being made on this thread, until a message names the window.
-constinit thread_local CDialog* t_creating = nullptr;
+constinit thread_local CDialog* t_creatingDialog = nullptr;
 
 LPCDLGTEMPLATE LoadTemplate(LPCSTR name, HINSTANCE& instance) {
     instance = AfxFindResourceHandle(name, RT_DIALOG);
@@ -59,16 +59,17 @@ BOOL CDialog::InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWn
 
 BOOL CDialog::CreateFrom(HINSTANCE instance, LPCDLGTEMPLATE source, HWND parent) {
     if (m_hWnd != nullptr || source == nullptr) return FALSE;
-    CDialog* const outer = std::exchange(t_creating, this);
+    CDialog* const outer = std::exchange(t_creatingDialog, this);
     const HWND window =
         ::CreateDialogIndirectParamA(instance, source, parent, &CDialog::DialogProc, reinterpret_cast<LPARAM>(this));
-    const bool waiting = std::exchange(t_creating, outer) == this;
+    const bool waiting = std::exchange(t_creatingDialog, outer) == this;
     if (window == nullptr && waiting) PostNcDestroy();  // there was not even a first message
     return window != nullptr;
 }
 
 INT_PTR CALLBACK CDialog::DialogProc(HWND window, UINT message, WPARAM, LPARAM) {
-    if (t_creating != nullptr && CWnd::FromHandlePermanent(window) == nullptr) std::exchange(t_creating, nullptr)->Attach(window);
+    if (t_creatingDialog != nullptr && CWnd::FromHandlePermanent(window) == nullptr)
+        std::exchange(t_creatingDialog, nullptr)->Attach(window);
     if (message != WM_INITDIALOG) return FALSE;
     auto* const dialog = dynamic_cast<CDialog*>(CWnd::FromHandlePermanent(window));
     if (dialog == nullptr) return TRUE;

@@ -18,12 +18,12 @@ IMPLEMENT_DYNCREATE(CBitmap, CGdiObject)
 IMPLEMENT_DYNCREATE(CRgn, CGdiObject)
 
 namespace {
-orvik::detail::OwnerMap<HGDIOBJ, CGdiObject>& Owners() {
+orvik::detail::OwnerMap<HGDIOBJ, CGdiObject>& ObjectOwners() {
     // Never destroyed: static objects of other files end later.
     static auto& s_owners = *new orvik::detail::OwnerMap<HGDIOBJ, CGdiObject>;
     return s_owners;
 }
-orvik::detail::TemporaryRing<CGdiObject>& Temporaries() {
+orvik::detail::TemporaryRing<CGdiObject>& TemporaryObjects() {
     thread_local orvik::detail::TemporaryRing<CGdiObject> t_objects;
     return t_objects;
 }
@@ -40,28 +40,29 @@ CGdiObject* CGdiObject::FromHandle(HGDIOBJ hObject) { return FromHandle(hObject,
 
 CGdiObject* CGdiObject::FromHandle(HGDIOBJ hObject, CRuntimeClass* wanted) {
     if (hObject == nullptr) return nullptr;
-    CGdiObject* owner = Owners().Find(hObject);
+    CGdiObject* owner = ObjectOwners().Find(hObject);
     if (owner != nullptr && owner->IsKindOf(wanted)) return owner;
-    return Temporaries().Get([&](const CGdiObject& object) { return object.m_hObject == hObject && object.IsKindOf(wanted); },
-                             [&] {
-                                 auto made = std::unique_ptr<CGdiObject>(static_cast<CGdiObject*>(wanted->CreateObject()));
-                                 made->m_hObject = hObject;
-                                 made->m_temporary = true;
-                                 return made;
-                             });
+    return TemporaryObjects().Get(
+        [&](const CGdiObject& object) { return object.m_hObject == hObject && object.IsKindOf(wanted); },
+        [&] {
+            auto made = std::unique_ptr<CGdiObject>(static_cast<CGdiObject*>(wanted->CreateObject()));
+            made->m_hObject = hObject;
+            made->m_temporary = true;
+            return made;
+        });
 }
 
-void CGdiObject::DeleteTempMap() { Temporaries().Clear(); }
+void CGdiObject::DeleteTempMap() { TemporaryObjects().Clear(); }
 
 BOOL CGdiObject::Attach(HGDIOBJ hObject) {
     if (hObject == nullptr || m_hObject != nullptr) return FALSE;
     m_hObject = hObject;
-    Owners().Set(hObject, this);
+    ObjectOwners().Set(hObject, this);
     return TRUE;
 }
 
 HGDIOBJ CGdiObject::Detach() {
-    if (m_hObject != nullptr && !m_temporary) Owners().Remove(m_hObject, this);
+    if (m_hObject != nullptr && !m_temporary) ObjectOwners().Remove(m_hObject, this);
     return std::exchange(m_hObject, nullptr);
 }
 

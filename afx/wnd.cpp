@@ -52,7 +52,7 @@ WindowMap& Windows() {
 }
 
 // The object whose window is being made on this thread, until the first message names the window.
-constinit thread_local CWnd* t_creating = nullptr;
+constinit thread_local CWnd* t_creatingWindow = nullptr;
 // The message at hand on this thread.
 constinit thread_local MSG t_current{};
 
@@ -97,8 +97,8 @@ struct CWndAccess {
 namespace {
 LRESULT CALLBACK AfxWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     CWnd* object = Windows().Find(window);
-    if (object == nullptr && t_creating != nullptr) {
-        object = std::exchange(t_creating, nullptr);
+    if (object == nullptr && t_creatingWindow != nullptr) {
+        object = std::exchange(t_creatingWindow, nullptr);
         CWndAccess::Begin(*object, window);
     }
     if (object == nullptr) return ::DefWindowProcA(window, message, wParam, lParam);
@@ -186,11 +186,11 @@ BOOL CWnd::CreateEx(DWORD dwExStyle, LPCSTR lpszClassName, LPCSTR lpszWindowName
         PostNcDestroy();
         return FALSE;
     }
-    CWnd* const outer = std::exchange(t_creating, this);
+    CWnd* const outer = std::exchange(t_creatingWindow, this);
     const HWND window = ::CreateWindowExA(cs.dwExStyle, cs.lpszClass, cs.lpszName, static_cast<DWORD>(cs.style), cs.x, cs.y,
                                           cs.cx, cs.cy, cs.hwndParent, cs.hMenu, cs.hInstance, cs.lpCreateParams);
     // Still waiting: the window's class has a procedure of its own, or there was not even a first message.
-    const bool waiting = std::exchange(t_creating, outer) == this;
+    const bool waiting = std::exchange(t_creatingWindow, outer) == this;
     if (window == nullptr) {
         if (waiting) PostNcDestroy();
         return FALSE;

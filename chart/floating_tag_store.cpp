@@ -13,15 +13,15 @@
 
 namespace {
 
-constexpr std::string_view kFolder = "Comment #";
+constexpr std::string_view kTagFolder = "Comment #";
 constexpr unsigned kNoNumber = std::numeric_limits<unsigned>::max();
 
 // Of a folder that OnDBSet has named.
 unsigned NumberOf(std::string_view folder) {
     unsigned number = kNoNumber;
-    if (!folder.starts_with(kFolder)) return kNoNumber;
+    if (!folder.starts_with(kTagFolder)) return kNoNumber;
     const char* const end = folder.data() + folder.size();
-    const auto [stop, error] = std::from_chars(folder.data() + kFolder.size(), end, number);
+    const auto [stop, error] = std::from_chars(folder.data() + kTagFolder.size(), end, number);
     return stop == end && error == std::errc() ? number : kNoNumber;
 }
 

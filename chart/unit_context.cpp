@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kBlockSize = 10;
 
-constexpr char kFolder[] = "UnitContexts";
+constexpr char kContextFolder[] = "UnitContexts";
 constexpr char kFormat[] = ".sFormat";
 constexpr char kOrigin[] = ".rOrg";
 constexpr char kExtent[] = ".rExt";
@@ -148,8 +148,8 @@ void CUnitContextList::Serialize(CArchive& ar) {
 }
 
 void CUnitContextList::OnDBSet(IPropertyDB* db) const {
-    db->Remove(kFolder);
-    db->BeginUsing(kFolder);
+    db->Remove(kContextFolder);
+    db->BeginUsing(kContextFolder);
     int index = 0;
     for (POSITION next = GetHeadPosition(); next != nullptr;) {
         const CUnitContext& record = *GetNext(next);
@@ -165,11 +165,11 @@ void CUnitContextList::OnDBSet(IPropertyDB* db) const {
 
 void CUnitContextList::OnDBGet(IPropertyDB* db) {
     // Asked for first, so that a database without the folder keeps its error flag.
-    if (!db->Find(kFolder)) return;
+    if (!db->Find(kContextFolder)) return;
     CStringArray folders;
-    if (!db->Enum(kFolder, folders, 0, 0)) return;
+    if (!db->Enum(kContextFolder, folders, 0, 0)) return;
     std::vector<std::pair<int, std::unique_ptr<CUnitContext>>> loaded;  // ascending; the order of enumeration among equals
-    db->BeginUsing(kFolder);
+    db->BeginUsing(kContextFolder);
     for (INT_PTR i = 0; i < folders.GetSize(); ++i) {
         const CString& folder = folders[i];
         if (!db->Find(folder + kFormat) || !db->Find(folder + kOrigin) || !db->Find(folder + kExtent) ||

@@ -30,6 +30,7 @@ std::string Utf8From1252(std::string_view text);
 // Takes one character of this house's text off the front. In a UTF-8 process a byte that belongs to no character counts as the
 // Windows-1252 character of its value.
 char32_t TakeHouse(std::string_view& text);
+inline char32_t FirstHouse(std::string_view text) { return text.empty() ? 0 : TakeHouse(text); }
 // Appends a character; "?" and false where this house's text lacks it.
 bool AppendHouse(std::string& out, char32_t character);
 // The whole text in UTF-8, which is always possible and always valid.

@@ -14,8 +14,6 @@ struct Clock {
     int hour = 0, minute = 0, second = 0, millisecond = 0;
 };
 
-bool TakeAscii(const char*& cursor, char c) { return Separator(c).Take(cursor); }
-
 // A separator and thousandths by their places: "5" is 500.
 bool TakeDecimals(const char*& cursor, int& value) {
     if (!TheLocaleCache().decimal.Take(cursor) && !TakeAscii(cursor, ',') && !TakeAscii(cursor, '.')) return false;

@@ -39,8 +39,7 @@ CString Text(UINT id) {
     return text;
 }
 
-char32_t FirstLetter(std::string_view text) { return text.empty() ? 0 : TakeHouse(text); }
-bool IsApostrophe(std::string_view text) { return FirstLetter(text) == 0x2019; }
+bool IsApostrophe(std::string_view text) { return FirstHouse(text) == 0x2019; }
 
 char First(const CString& text) { return text.IsEmpty() ? '\0' : text.GetAt(0); }
 
@@ -66,10 +65,10 @@ const NlsTexts& TheNlsTexts() { return Texts(); }
 void UpdateSeparators(LocaleCache& cache) {
     const std::string_view thousand = cache.thousandSep.GetView();
     cache.decimal = {cache.decimalSep.GetView(), First(cache.thousandSep) == '.' ? ',' : '.'};
-    const char standIn = IsBlank(FirstLetter(thousand)) ? ' '
-                         : IsApostrophe(thousand)       ? '\''
-                         : cache.decimal.ascii == ','   ? '.'
-                                                        : ',';
+    const char standIn = IsBlank(FirstHouse(thousand)) ? ' '
+                         : IsApostrophe(thousand)      ? '\''
+                         : cache.decimal.ascii == ','  ? '.'
+                                                       : ',';
     cache.thousand = {thousand, standIn};
     cache.list = {cache.listSep.GetView(), ';'};
     cache.time = {cache.timeSep.GetView(), ':'};

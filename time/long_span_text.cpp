@@ -14,10 +14,8 @@ constexpr int kSeconds = 2, kMinutes = 4, kHours = 8, kDays = 16;
 constexpr int kHoursToMinutes = kHours | kMinutes, kHoursToSeconds = kHoursToMinutes | kSeconds,
               kDaysToMinutes = kDays | kHoursToMinutes, kDaysToSeconds = kDays | kHoursToSeconds;
 
-constexpr uint64_t kHour = 3'600'000'000, kMinute = 60'000'000, kSecond = 1'000'000, kMillisecond = 1'000;
-constexpr uint64_t kLowest = uint64_t{1} << 63;  // the magnitude of the lowest span
-
-bool TakeAscii(const char*& cursor, char c) { return Separator(c).Take(cursor); }
+// Microseconds.
+constexpr uint64_t kInHour = 3'600'000'000, kInMinute = 60'000'000, kInSecond = 1'000'000, kInMillisecond = 1'000;
 
 // Reads what digits there are, at most `most`; whether another one follows is the caller's business.
 uint64_t TakeNumber(const char*& cursor, int most) {
@@ -28,7 +26,7 @@ uint64_t TakeNumber(const char*& cursor, int most) {
 
 // Total hours; a number that no span holds is read as the first of those.
 uint64_t TakeHours(const char*& cursor) {
-    constexpr uint64_t kTooMany = kLowest / kHour + 1;
+    constexpr uint64_t kTooMany = kLowestMagnitude / kInHour + 1;
     uint64_t hours = 0;
     for (int digit; (digit = TakeDigit(cursor)) >= 0;)
         if (hours < kTooMany) hours = hours * 10 + static_cast<uint64_t>(digit);
@@ -66,8 +64,8 @@ int _NlsGetLongTimeSpan(const char* text, CVXTTimeSpan& span) {
     } else if (*cursor) {
         return 0;
     }
-    const uint64_t sum = hours * kHour + minutes * kMinute + seconds * kSecond + milliseconds * kMillisecond;
-    if (sum > kLowest || (sum == kLowest && !negative)) return 0;
+    const uint64_t sum = hours * kInHour + minutes * kInMinute + seconds * kInSecond + milliseconds * kInMillisecond;
+    if (sum > kLowestMagnitude || (sum == kLowestMagnitude && !negative)) return 0;
     span.Set(static_cast<__int64>(negative ? 0 - sum : sum), TST_MICROSECONDS);
     return 1;
 }
@@ -80,7 +78,7 @@ int _NlsSetLongTimeSpan(CString& text, const CVXTTimeSpan& span, int fields) {
     if (fields != kHoursToMinutes && fields != kHoursToSeconds && fields != kDaysToMinutes) fields = kDaysToSeconds;
     const Separator &dateSep = TheLocaleCache().date, &timeSep = TheLocaleCache().time;
     const __int64 count = span.CvtToInt64();
-    const uint64_t seconds = SpanMagnitude(count) / kSecond, hours = seconds / 3'600;
+    const uint64_t seconds = SpanMagnitude(count) / kInSecond, hours = seconds / 3'600;
     text = std::string_view();  // keeps its memory
     if (count < 0) text += TheLocaleCache().minus;
     if ((fields & kDays) && dateSep.ascii != 0) {

@@ -13,8 +13,6 @@ std::string_view AtMostALetter(const char* cursor) { return {cursor, strnlen(cur
 
 bool IsDirectionMark(char32_t letter) { return letter == 0x200E || letter == 0x200F || letter == 0x61C; }
 
-char32_t FirstLetter(std::string_view text) { return text.empty() ? 0 : TakeHouse(text); }
-
 // The next letter that is no mark of direction, 0 at the end.
 char32_t TakeMarkless(std::string_view& text) {
     while (!text.empty())
@@ -77,7 +75,7 @@ Separator::Separator(std::string_view setting, char standIn) {
 bool Separator::TakeLonger(const char*& cursor) const {
     if (static_cast<unsigned char>(*cursor) < 0x80) return false;
     const char* behind = cursor;
-    const char32_t there = TakeLetter(behind), wanted = FirstLetter(letter);
+    const char32_t there = TakeLetter(behind), wanted = FirstHouse(letter);
     if (there != wanted && !(IsBlank(there) && IsBlank(wanted))) return false;
     cursor = behind;
     return true;

@@ -57,6 +57,8 @@ private:
     ORVIK_API bool TakeLonger(const char*& cursor) const;
 };
 
+inline bool TakeAscii(const char*& cursor, char c) { return Separator(c).Take(cursor); }
+
 // -1, 1, or 0 where no sign stands. In a UTF-8 process the mathematical minus is one, and marks of direction may stand in front.
 ORVIK_API int TakeLongerSign(const char*& cursor);
 inline int TakeSign(const char*& cursor) {

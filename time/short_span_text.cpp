@@ -16,7 +16,6 @@ using namespace orvik::detail;
 
 namespace {
 
-constexpr uint64_t kLowest = uint64_t{1} << 63;  // the magnitude of the lowest span
 constexpr int kAutomaticDigits = -1, kMostAutomaticDigits = 3;
 
 // In ASCII.
@@ -46,7 +45,7 @@ std::optional<CVXTTimeSpanType> UnitOf(std::string_view word, const SpanWords& w
 
 // whole * unit + 0.fraction * unit, truncated to microseconds; nothing beyond what the lowest span is.
 std::optional<uint64_t> Microseconds(std::string_view whole, std::string_view fraction, CVXTTimeSpanType type) {
-    const auto unit = static_cast<uint64_t>(kSpanUnits[type]), limit = kLowest / unit;
+    const auto unit = static_cast<uint64_t>(kSpanUnits[type]), limit = kLowestMagnitude / unit;
     uint64_t count = 0;
     for (const char c : whole) {
         const auto digit = static_cast<uint64_t>(c - '0');
@@ -58,7 +57,7 @@ std::optional<uint64_t> Microseconds(std::string_view whole, std::string_view fr
     if (type != TST_MICROSECONDS)
         for (size_t i = fraction.size(); i-- > 0;) part = (static_cast<uint64_t>(fraction[i] - '0') * unit + part) / 10;
     const uint64_t sum = count * unit + part;
-    return sum <= kLowest ? std::optional(sum) : std::nullopt;
+    return sum <= kLowestMagnitude ? std::optional(sum) : std::nullopt;
 }
 
 SpanWords ModuleWords() {
@@ -116,7 +115,7 @@ int ReadShortSpan(const char* text, const SpanWords& words, CVXTTimeSpan& span, 
     const auto unit = UnitOf(word, words);
     if (!unit) return 0;
     const auto magnitude = Microseconds(whole, fraction, *unit);
-    if (!magnitude || (*magnitude == kLowest && !negative)) return 0;
+    if (!magnitude || (*magnitude == kLowestMagnitude && !negative)) return 0;
     span.Set(static_cast<__int64>(negative ? 0 - *magnitude : *magnitude), TST_MICROSECONDS);
     return 1;
 }
@@ -145,7 +144,7 @@ int _NlsSetShortTimeSpan(CString& text, const CVXTTimeSpan& span, CVXTTimeSpanTy
     const __int64 count = span.CvtToInt64();
     const uint64_t magnitude = SpanMagnitude(count);
     // The lowest span's magnitude is no span; its unit is that of the next one's.
-    const CVXTTimeSpan shown(static_cast<__int64>(std::min(magnitude, kLowest - 1)), TST_MICROSECONDS);
+    const CVXTTimeSpan shown(static_cast<__int64>(std::min(magnitude, kLowestMagnitude - 1)), TST_MICROSECONDS);
     const CVXTTimeSpanType unit = _BestType(shown, selector ? *selector : TST_LARGEST);
     if (selector && *selector < TST_LARGEST) *selector = unit;
 

@@ -13,6 +13,7 @@ inline constexpr __int64 kSpanUnits[] = {1, 1'000, 1'000'000, 60'000'000, 3'600'
 inline bool IsSpanUnit(CVXTTimeSpanType unit) { return unit >= TST_MICROSECONDS && unit <= TST_WEEKS; }
 
 // Without the sign; the lowest span, too.
+inline constexpr uint64_t kLowestMagnitude = uint64_t{1} << 63;
 inline uint64_t SpanMagnitude(__int64 span) { return span < 0 ? 0 - static_cast<uint64_t>(span) : static_cast<uint64_t>(span); }
 
 // The decimals of halves / (2 * unit), one after the other and without end; halves are half microseconds, fewer than two units.

@@ -12,7 +12,7 @@ namespace {
 constexpr int kMaxDirectory = 255;  // characters
 constexpr DWORD kUnreadable = 0xFFFFFFFF;
 
-const char* TextOf(const char* name) { return name != nullptr ? name : ""; }
+const char* PathOf(const char* name) { return name != nullptr ? name : ""; }
 
 char Upper(char letter) { return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 32) : letter; }
 
@@ -41,7 +41,7 @@ CString Reason(DWORD error) {
 }
 }  // namespace
 
-int CDisk::Access(const char* path, eACCESS_MODE mode) { return _access(TextOf(path), mode) == 0; }
+int CDisk::Access(const char* path, eACCESS_MODE mode) { return _access(PathOf(path), mode) == 0; }
 
 int CDisk::GetDir(CString& dir) {
     char text[kMaxDirectory + 1];
@@ -52,7 +52,7 @@ int CDisk::GetDir(CString& dir) {
 }
 
 int CDisk::ChDir(const char* path) {
-    std::string folder = TextOf(path);
+    std::string folder = PathOf(path);
     if (folder.empty()) return 0;
     const int drive = Upper(folder[0]) - 64;
     if (drive < 1 || drive > 26) return 0;  // what the change of drive would refuse
@@ -66,7 +66,7 @@ int CDisk::ChDir(const char* path) {
 void CDisk::ListDir(const char* pattern, CStringArray& names, int sort, eDIRSPECIFIER kind) {
     names.RemoveAll();
     WIN32_FIND_DATAA entry;
-    const HANDLE search = FindFirstFileExA(TextOf(pattern), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr, 0);
+    const HANDLE search = FindFirstFileExA(PathOf(pattern), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr, 0);
     if (search == INVALID_HANDLE_VALUE) return;
     do {
         if (IsWanted(entry.dwFileAttributes, kind)) names.Add(entry.cFileName);
@@ -78,7 +78,7 @@ void CDisk::ListDir(const char* pattern, CStringArray& names, int sort, eDIRSPEC
 }
 
 int CDisk::CopyFileA(const char* source, const char* target) {
-    source = TextOf(source), target = TextOf(target);
+    source = PathOf(source), target = PathOf(target);
     // Whole paths are compared, though the message speaks of directories; kept on purpose.
     if (lstrcmpiA(target, source) == 0) {
         CString same;

@@ -8,6 +8,7 @@
 #include "chart/axis_drawing.h"
 #include "chart/floating_tag.h"
 #include "host/chart/dashed_line.h"
+#include "host/chart/text_width.h"
 #include "host/chart/time_ticks.h"
 #include "host/words/texts.h"
 #include "platform/picture.h"
@@ -29,10 +30,6 @@ void MakeFont(CFont& font, LONG height, bool bold) {
 }
 
 bool Empty(const RECT& rect) { return rect.right <= rect.left || rect.bottom <= rect.top; }
-
-LONG WidthOfText(const CDC& dc, const std::string& text) {
-    return dc.GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx;
-}
 
 void Write(CDC& dc, const std::string& text, RECT rect) {
     if (Empty(rect)) return;

@@ -5,16 +5,13 @@
 
 #include "afx/dc.h"
 #include "chart/axis_drawing.h"
+#include "host/chart/text_width.h"
 #include "host/chart/time_ticks.h"
 #include "platform/dpi.h"
 
 namespace {
 constexpr double kMicro = 1e6;
 constexpr double kLabelsPerStep = 1.5;  // a step is at least so many labels long
-
-LONG WidthOfText(const CDC& dc, const std::string& text) {
-    return dc.GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx;
-}
 
 // The smallest step whose labels have room, for a scale of microseconds a pixel.
 TimeStep FittingStep(const CDC& dc, double scale, __int64 from, __int64 to) {

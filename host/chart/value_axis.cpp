@@ -6,6 +6,7 @@
 
 #include "afx/dc.h"
 #include "chart/axis_drawing.h"
+#include "host/chart/text_width.h"
 #include "host/chart/value_ticks.h"
 #include "platform/letters.h"
 
@@ -19,9 +20,6 @@ std::string ShortUnit(const std::string& unit) {
     return end < unit.size() ? unit.substr(0, shortened) + "…" : unit;
 }
 
-LONG WidthOfText(const CDC& dc, const std::string& text) {
-    return dc.GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx;
-}
 LONG LineOf(const CDC& dc) { return dc.GetTextExtent("0", 1).cy; }
 
 // From the axis's line to its labels.

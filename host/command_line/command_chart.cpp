@@ -28,17 +28,12 @@ SIZE SizeFrom(const std::string& text) {
     return size;
 }
 
-__int64 TimeOf(const std::string& text) {
-    if (const auto time = TimeFromText(text)) return *time;
-    throw Failure{kWrongUse, Say(Text::NotATime, {ToUtf8(text)})};
-}
-
 // "TIME;VALUE;text"; the text may hold more semicolons.
 void AddTag(ChartModel& model, const std::string& argument) {
     const size_t first = argument.find(';'), second = first == std::string::npos ? first : argument.find(';', first + 1);
     if (second == std::string::npos || second + 1 == argument.size())
         throw Failure{kWrongUse, Say(Text::NotATag, {ToUtf8(argument)})};
-    const __int64 time = TimeOf(argument.substr(0, first));
+    const __int64 time = NeedTime(argument.substr(0, first));
     const std::string number = argument.substr(first + 1, second - first - 1);
     double value = 0;
     if (!RealFromText(ToUtf8(number), value)) throw Failure{kWrongUse, Say(Text::TagValue, {ToUtf8(number)})};
@@ -64,8 +59,8 @@ ExitCode RunChart(CHostApp&, const Words& words) {
     // An end that is not given is the session's, unless the other one lies beyond it: then there is nothing to show.
     const bool from = arguments.Has("--from"), to = arguments.Has("--to");
     if (from || to) {
-        const __int64 begin = from ? TimeOf(arguments.Get("--from")) : model.First();
-        const __int64 end = to ? TimeOf(arguments.Get("--to")) : std::max(model.Last(), begin + 1);
+        const __int64 begin = from ? NeedTime(arguments.Get("--from")) : model.First();
+        const __int64 end = to ? NeedTime(arguments.Get("--to")) : std::max(model.Last(), begin + 1);
         model.SetView(from ? begin : std::min(begin, end - 1), end);
     }
     const std::vector<std::string> tags = arguments.All("--tag");

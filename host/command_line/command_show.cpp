@@ -123,8 +123,8 @@ private:
     }
     // False when the user wants no more.
     static bool Wait() {
-        constexpr DWORD kSlice = 50;
-        for (DWORD waited = 0; waited < kPoll && !StopRequest::Asked(); waited += kSlice) Sleep(kSlice);
+        constexpr DWORD kShownSlice = 50;
+        for (DWORD waited = 0; waited < kPoll && !StopRequest::Asked(); waited += kShownSlice) Sleep(kShownSlice);
         return !StopRequest::Asked();
     }
     static bool WaitFor(const std::string& path) {

@@ -17,11 +17,6 @@ bool IsPicture(const std::string& picture) {
     return only(picture.substr(0, separator), '#') && only(picture.substr(separator + 1), '#');
 }
 
-__int64 TimeOf(const std::string& text) {
-    if (const auto time = TimeFromText(text)) return *time;
-    throw Failure{kWrongUse, Say(Text::NotATime, {ToUtf8(text)})};
-}
-
 // What stands in numbers, times and quoted texts parts no columns.
 char SeparatorOf(const std::string& text) {
     if (text == "tab" || text == "\t") return '\t';
@@ -47,7 +42,7 @@ public:
 private:
     const Arguments& m_arguments;
 };
-constexpr __int64 kLongest = 1000ll * 366 * 86'400 * 1'000'000;  // us
+constexpr __int64 kLongestRange = 1000ll * 366 * 86'400 * 1'000'000;  // us
 }  // namespace
 
 ShowOptions::ShowOptions(const Words& words) {
@@ -75,11 +70,11 @@ ShowOptions::ShowOptions(const Words& words) {
     channels = arguments.All("--channel");
     every = arguments.Number("--every", 1, std::numeric_limits<DWORD>::max(), 1);
     follow = arguments.Has("--follow");
-    if (arguments.Has("--from")) m_range.from = TimeOf(arguments.Get("--from"));
-    if (arguments.Has("--to")) m_range.to = TimeOf(arguments.Get("--to"));
+    if (arguments.Has("--from")) m_range.from = NeedTime(arguments.Get("--from"));
+    if (arguments.Has("--to")) m_range.to = NeedTime(arguments.Get("--to"));
     if (arguments.Has("--from") && arguments.Has("--to") && m_range.from >= m_range.to)
         throw Failure{kWrongUse, Say(Text::ViewBackwards)};
-    if (arguments.Has("--last")) m_last = arguments.Span("--last", 1, kLongest, 0);
+    if (arguments.Has("--last")) m_last = arguments.Span("--last", 1, kLongestRange, 0);
 }
 
 TimeRange ShowOptions::Range(__int64 last) const {

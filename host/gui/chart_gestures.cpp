@@ -9,13 +9,9 @@
 #include "chart/zoom_axis_tracker.h"
 #include "chart/zoom_sel_tracker.h"
 #include "host/gui/chart_window.h"
+#include "host/gui/held_keys.h"
 #include "host/gui/tag_tracker.h"
 #include "platform/dpi.h"
-
-namespace {
-bool IsDown(int key) { return ::GetKeyState(key) < 0; }
-CPoint PointOf(LPARAM lParam) { return CPoint(lParam); }
-}  // namespace
 
 // As long as a tracker runs. The window, or the axes, may be gone afterwards: Lost tells.
 class ChartWindow::Drag {
@@ -49,7 +45,7 @@ LRESULT ChartWindow::OnPress(WPARAM, LPARAM lParam) {
     EndWriting(true);
     UpToDate();
     if (m_dragging) return 0;
-    const CPoint point = PointOf(lParam);
+    const CPoint point = CPoint(lParam);
     if (!m_scene.HasData()) {
         if (const UINT command = m_empty.CommandAt(point)) m_owner.OnPaneCommand(command);
         return 0;
@@ -167,7 +163,7 @@ LRESULT ChartWindow::OnDoublePress(WPARAM, LPARAM lParam) {
     EndWriting(true);
     UpToDate();
     if (!m_scene.HasData() || m_dragging) return 0;
-    const CPoint point = PointOf(lParam);
+    const CPoint point = CPoint(lParam);
     const Hit hit = HitTest(m_scene.Parts(), point);
     switch (hit.spot) {
         case Spot::Plot:
@@ -210,7 +206,7 @@ LRESULT ChartWindow::OnWheel(WPARAM wParam, LPARAM lParam) {
     const int notches = m_wheel / WHEEL_DELTA;
     m_wheel -= notches * WHEEL_DELTA;
     if (!m_scene.HasData() || m_dragging || m_writing || notches == 0) return 0;
-    CPoint point = PointOf(lParam);
+    CPoint point = CPoint(lParam);
     ::ScreenToClient(m_hWnd, &point);
     UpToDate();
     const ViewParts& parts = m_scene.Parts();

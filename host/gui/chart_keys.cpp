@@ -3,13 +3,12 @@
 
 #include "chart/tracker.h"
 #include "host/gui/chart_window.h"
+#include "host/gui/held_keys.h"
 #include "platform/dpi.h"
 
 namespace {
 constexpr double kPan = 0.1;
 constexpr LONG kTagStep = 8, kSelectionStep = 8;  // pixels at 96 dots an inch
-
-bool IsDown(int key) { return ::GetKeyState(key) < 0; }
 }  // namespace
 
 LRESULT ChartWindow::OnKey(WPARAM wParam, LPARAM) {

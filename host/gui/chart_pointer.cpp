@@ -5,12 +5,8 @@
 
 #include "frame/app_stock.h"
 #include "host/gui/chart_window.h"
+#include "host/gui/held_keys.h"
 #include "platform/dpi.h"
-
-namespace {
-bool IsDown(int key) { return ::GetKeyState(key) < 0; }
-CPoint PointOf(LPARAM lParam) { return CPoint(lParam); }
-}  // namespace
 
 HCURSOR ChartWindow::CursorAt(const Hit& hit) const {
     const bool x = hit.index == kTimeAxis, origin = IsDown(VK_SHIFT), both = !origin && IsDown(VK_CONTROL);
@@ -100,8 +96,8 @@ std::optional<PointedTime> ChartWindow::TimeUnder(POINT point) const {
 
 LRESULT ChartWindow::OnPointer(WPARAM, LPARAM lParam) {
     UpToDate();
-    m_owner.ShowHint(m_scene.HasData() ? HintAt(HitTest(m_scene.Parts(), PointOf(lParam))) : std::string());
-    m_owner.ShowValuesAt(TimeUnder(PointOf(lParam)));
+    m_owner.ShowHint(m_scene.HasData() ? HintAt(HitTest(m_scene.Parts(), CPoint(lParam))) : std::string());
+    m_owner.ShowValuesAt(TimeUnder(CPoint(lParam)));
     return 0;
 }
 
@@ -122,7 +118,7 @@ LRESULT ChartWindow::OnMenuWish(WPARAM, LPARAM lParam) {
     if (std::exchange(m_ignoreMenu, false) || m_dragging) return 0;
     EndWriting(true);
     UpToDate();
-    POINT screen = PointOf(lParam);
+    POINT screen = CPoint(lParam);
     const ViewParts& parts = m_scene.Parts();
     if (screen.x == -1 && screen.y == -1) {
         // By key: at what has the focus.

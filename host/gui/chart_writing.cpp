@@ -3,12 +3,9 @@
 
 #include "host/gui/chart_window.h"
 #include "host/gui/clipboard_writer.h"
+#include "host/gui/held_keys.h"
 #include "host/words/console.h"
 #include "platform/dpi.h"
-
-namespace {
-bool IsDown(int key) { return ::GetKeyState(key) < 0; }
-}  // namespace
 
 // The caret is drawn with the text; the system is told of it for input methods.
 void ChartWindow::BeginWriting(int tag, CPoint at, const std::string& text) {

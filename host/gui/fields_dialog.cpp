@@ -24,7 +24,7 @@ bool IsCount(CString text) {
 }
 
 // As DDX_NlsRealFmt has them.
-bool IsPicture(const CString& text) {
+bool IsFieldPicture(const CString& text) {
     const std::string_view picture = text.GetView();
     if (picture.find_first_not_of('@') == std::string_view::npos) return true;
     const char sign = NlsGetDecimalSep();
@@ -131,7 +131,7 @@ void FieldsDialog::ExchangeReal(CDataExchange* exchange, int field, double& valu
 }
 
 void FieldsDialog::ExchangePicture(CDataExchange* exchange, int field, CString& picture) const {
-    if (exchange->m_bSaveAndValidate && !IsPicture(TextOf(field)))
+    if (exchange->m_bSaveAndValidate && !IsFieldPicture(TextOf(field)))
         RefuseText(exchange, field, IDS_BAD_NUMBER, ("##" + DecimalSign() + "##").c_str());
     DDX_NlsRealFmt(exchange, field, picture);
 }

@@ -6,7 +6,7 @@
 #include "platform/dpi.h"
 
 namespace {
-constexpr int kGrip = 12;  // pixels of a tag that stay in the plot, at 96 dots an inch
+constexpr int kTagGrip = 12;  // pixels of a tag that stay in the plot, at 96 dots an inch
 
 bool Contains(const RECT& rect, POINT point) {
     return point.x >= rect.left && point.x < rect.right && point.y >= rect.top && point.y < rect.bottom;
@@ -53,7 +53,7 @@ bool Place(ViewState::Tag& tag, const ViewParts& parts, POINT corner) {
     const auto channel = std::find_if(parts.channels.begin(), parts.channels.end(),
                                       [&](const ViewParts::Channel& one) { return one.key == tag.channel; });
     if (channel == parts.channels.end() || Width(parts.plot) <= 1 || Height(parts.plot) <= 1) return false;
-    const LONG grip = OrvikScale(kGrip, parts.dpi);
+    const LONG grip = OrvikScale(kTagGrip, parts.dpi);
     corner.x = std::max(std::min(corner.x, parts.plot.right - grip), parts.plot.left);
     corner.y = std::max(std::min(corner.y, parts.plot.bottom - grip), parts.plot.top);
     const TagFrame& frame = channel->frame;

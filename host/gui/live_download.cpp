@@ -9,7 +9,6 @@
 #include "host/words/texts.h"
 
 namespace {
-constexpr __int64 kSecond = 1'000'000;
 constexpr size_t kMostSentences = 100;  // that wait for a window which is busy
 
 CPropertyDB FactsOf(CPropertyDB& description, const std::string& port) {

@@ -12,7 +12,7 @@
 
 namespace {
 // Pixels at 96 dots an inch.
-constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kKeyStep = 8;
+constexpr LONG kBar = 6, kStatus = 24, kLeastChart = 120, kLeastPane = 40, kPaneStep = 8;
 }  // namespace
 
 BEGIN_MESSAGE_MAP(MainWindow, CWnd)
@@ -342,7 +342,7 @@ void MainWindow::OnPaneKey(WORD key) {
 LRESULT MainWindow::OnKey(WPARAM wParam, LPARAM) {
     const auto key = static_cast<WORD>(wParam);
     if (m_barFocus && (key == VK_LEFT || key == VK_RIGHT)) {
-        SetPaneWidth(PaneWidth() + (key == VK_LEFT ? Scaled(kKeyStep) : -Scaled(kKeyStep)));
+        SetPaneWidth(PaneWidth() + (key == VK_LEFT ? Scaled(kPaneStep) : -Scaled(kPaneStep)));
     } else {
         OnPaneKey(key);
     }

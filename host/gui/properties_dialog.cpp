@@ -11,7 +11,7 @@ namespace {
 // With more channels the list scrolls, so that the dialog stays on the screen.
 constexpr size_t kMostChannels = 6;
 constexpr size_t kLongestName = 80;
-constexpr DWORD_PTR kKinds = 16;  // a property's data: its kind, and which channel's it is
+constexpr DWORD_PTR kDataKinds = 16;  // a property's data: its kind, and which channel's it is
 
 CBCGPProp* NewProperty(Text name, const CBCGPPropValue& value, Text help, DWORD_PTR data) {
     return new CBCGPProp(Say(name).c_str(), value, Say(help).c_str(), data);
@@ -22,7 +22,7 @@ bool IsHidden(const ViewState& state, const std::string& key) {
 }
 
 // "@@@", "###", "##.##" with a decimal point or comma, ".##"; nothing for the ordinary picture.
-bool IsPicture(const CString& text) {
+bool IsValuePicture(const CString& text) {
     const std::string_view picture = text.GetView();
     if (picture.find_first_not_of('@') == std::string_view::npos) return true;
     const size_t point = std::min(picture.find_first_not_of('#'), picture.size());
@@ -73,7 +73,7 @@ void PropertiesDialog::AddAxis() {
 void PropertiesDialog::AddChannel(size_t number) {
     const ViewState& state = m_document.State();
     const ViewState::Channel& channel = state.channels[number];
-    const DWORD_PTR base = kKinds * m_channels.size();
+    const DWORD_PTR base = kDataKinds * m_channels.size();
     auto* const group = new CBCGPProp(channel.name.c_str());
     auto* const name = NewProperty(Text::PropName, channel.name.c_str(), Text::PropNameHelp, base + Name);
     auto* const shown = NewProperty(Text::PropShown, !IsHidden(state, channel.key), Text::PropShownHelp, base + Shown);
@@ -85,8 +85,8 @@ void PropertiesDialog::AddChannel(size_t number) {
 }
 
 void PropertiesDialog::OnPropertyChanged(DWORD_PTR data) {
-    const Kind kind = static_cast<Kind>(data % kKinds);
-    kind < Name ? ChangeAxis(kind) : ChangeChannel(kind, m_channels[data / kKinds]);
+    const Kind kind = static_cast<Kind>(data % kDataKinds);
+    kind < Name ? ChangeAxis(kind) : ChangeChannel(kind, m_channels[data / kDataKinds]);
     Show();
 }
 
@@ -95,7 +95,7 @@ void PropertiesDialog::ChangeAxis(Kind kind) {
     ViewState::Axis& axis = next.axes[m_place];
     if (kind == Picture) {
         const CString text = m_picture->GetValue().Text();
-        if (!IsPicture(text) || text.GetLength() > static_cast<int>(ViewState::kLongestPicture))
+        if (!IsValuePicture(text) || text.GetLength() > static_cast<int>(ViewState::kLongestPicture))
             return Refuse(m_picture, Text::PictureWrong);
         axis.picture = text.GetString();
         return m_owner.step(Text::StepPicture, next);

@@ -5,6 +5,7 @@
 
 #include "chart/col_size_tracker.h"
 #include "frame/app_stock.h"
+#include "host/gui/held_keys.h"
 #include "host/gui/pane_font.h"
 #include "host/session/value_text.h"
 #include "platform/dpi.h"
@@ -12,12 +13,10 @@
 namespace {
 // Pixels at 96 dots an inch.
 constexpr LONG kStandardWidths[ValueList::kColumns] = {140, 80, 60};
-constexpr LONG kGrip = 4, kWidest = 4096, kKeyStep = 8;
+constexpr LONG kColumnGrip = 4, kWidestColumn = 4096, kColumnStep = 8;
 constexpr Text kHeads[ValueList::kColumns] = {Text::HeadChannel, Text::HeadValue, Text::HeadUnit};
 
 constexpr char kNoValue[] = "\u2013";
-
-bool IsDown(int key) { return ::GetKeyState(key) < 0; }
 
 // The value behind a row: so far no more than its colour.
 class ChannelValue : public IVModelValue, public CRefCount {
@@ -86,7 +85,7 @@ void ValueList::DpiChanged() {
 std::vector<LONG> ValueList::WidthsOf(const ViewState& state) {
     std::vector<LONG> widths(std::begin(kStandardWidths), std::end(kStandardWidths));
     for (size_t i = 0; i < kColumns && i < state.columns.size(); ++i)
-        widths[i] = std::clamp(state.columns[i], kLeastColumn, kWidest);
+        widths[i] = std::clamp(state.columns[i], kLeastColumn, kWidestColumn);
     return widths;
 }
 
@@ -210,7 +209,7 @@ void ValueList::Settle() {
 // --- The columns ---
 
 size_t ValueList::EdgeAt(CPoint point) const {
-    const LONG grip = Scaled(kGrip);
+    const LONG grip = Scaled(kColumnGrip);
     for (size_t column = kColumns; column-- > 0;) {
         const LONG edge = ColumnRect(column).right;
         if (point.x >= edge - grip && point.x < edge + grip) return column;
@@ -265,7 +264,7 @@ LRESULT ValueList::Header::OnCursor(WPARAM, LPARAM) {
 void ValueList::SetWidth(size_t column, LONG width) {
     ViewState next = m_document.State();
     next.columns = WidthsOf(next);
-    next.columns[column] = std::clamp(width, kLeastColumn, kWidest);
+    next.columns[column] = std::clamp(width, kLeastColumn, kWidestColumn);
     m_owner.Do(Text::StepColumn, next);
 }
 
@@ -382,7 +381,7 @@ LRESULT ValueList::OnKey(WPARAM wParam, LPARAM) {
         case VK_LEFT:
         case VK_RIGHT:
             if (IsDown(VK_SHIFT)) {
-                SetWidth(m_column, WidthsOf(m_document.State())[m_column] + (key == VK_LEFT ? -kKeyStep : kKeyStep));
+                SetWidth(m_column, WidthsOf(m_document.State())[m_column] + (key == VK_LEFT ? -kColumnStep : kColumnStep));
             } else {
                 m_column = key == VK_RIGHT ? std::min(m_column + 1, kColumns - 1) : m_column - (m_column > 0 ? 1 : 0);
             }

@@ -8,7 +8,7 @@
 
 namespace {
 constexpr char kFolder[] = "View";
-constexpr LONG kWidest = 16384;
+constexpr LONG kWidestStored = 16384;
 
 void Append(CDoubleArray& array, const std::optional<ViewRange>& range) {
     // Equal ends are no range: that is how "follows the data" is kept.
@@ -90,10 +90,10 @@ void ViewState::Load(IPropertyDB& db) {
         for (INT_PTR i = 0; i < names.GetSize(); ++i) hidden.emplace_back(static_cast<const char*>(names.GetAt(i)));
     }
     int stored = 0;
-    if (db.GetValue("nPane", stored) && stored >= 0 && stored <= kWidest) pane = stored;
+    if (db.GetValue("nPane", stored) && stored >= 0 && stored <= kWidestStored) pane = stored;
     db.GetValue("nColumns", widths);
     for (INT_PTR i = 0; i < widths.GetSize() && static_cast<size_t>(i) < columns.size(); ++i) {
-        if (widths.GetAt(i) <= kWidest) columns[static_cast<size_t>(i)] = static_cast<LONG>(widths.GetAt(i));
+        if (widths.GetAt(i) <= kWidestStored) columns[static_cast<size_t>(i)] = static_cast<LONG>(widths.GetAt(i));
     }
     if (db.GetValue("rSelection", parts) && parts.GetSize() == 4) {
         const Selection part{parts.GetAt(0), parts.GetAt(1), parts.GetAt(2), parts.GetAt(3)};

@@ -17,14 +17,14 @@
 #include "ui/dialog_data_exchange.h"
 
 namespace {
-constexpr const char* kKinds[] = {".png", ".svg", ".pdf"};
+constexpr const char* kPictureKinds[] = {".png", ".svg", ".pdf"};
 
 // Which of the kinds a name's end tells.
 std::optional<int> KindOf(const CString& path) {
     CString end = path.Right(4);
     end.MakeLower();
     for (int i = 0; i < 3; ++i) {
-        if (end == kKinds[i]) return i;
+        if (end == kPictureKinds[i]) return i;
     }
     return std::nullopt;
 }
@@ -69,12 +69,12 @@ void PictureDialog::OnKind() {
     const int kind = Kind();
     CString name = TextOf(IDC_HOST_FILE);
     if (KindOf(name)) name = name.Left(name.GetLength() - 4);
-    if (!name.IsEmpty()) GetDlgItem(IDC_HOST_FILE)->SetWindowText(name + kKinds[kind]);
+    if (!name.IsEmpty()) GetDlgItem(IDC_HOST_FILE)->SetWindowText(name + kPictureKinds[kind]);
 }
 
 void PictureDialog::OnBrowse() {
     const int now = Kind();
-    if (!Browse(Text::AskPicture, "PNG|*.png|SVG|*.svg|PDF|*.pdf", kKinds[now] + 1, static_cast<DWORD>(now))) return;
+    if (!Browse(Text::AskPicture, "PNG|*.png|SVG|*.svg|PDF|*.pdf", kPictureKinds[now] + 1, static_cast<DWORD>(now))) return;
     if (const auto kind = KindOf(TextOf(IDC_HOST_FILE))) CheckRadioButton(IDC_HOST_PNG, IDC_HOST_PDF, IDC_HOST_PNG + *kind);
 }
 
@@ -92,7 +92,7 @@ void PictureDialog::DoDataExchange(CDataExchange* exchange) {
     constexpr UINT kMost = kOrvikPictureSide;
     if (across == 0 || across > kMost) Refuse(exchange, IDC_HOST_WIDTH, sides);
     if (down == 0 || down > kMost) Refuse(exchange, IDC_HOST_HEIGHT, sides);
-    if (!KindOf(name)) name += kKinds[m_kind];
+    if (!KindOf(name)) name += kPictureKinds[m_kind];
     if (*KindOf(name) == 0 && across * down > UINT{kOrvikPicturePixels})
         Refuse(exchange, IDC_HOST_WIDTH, Say(Text::PictureTooLarge, {std::to_string(kOrvikPicturePixels)}));
     path = name;

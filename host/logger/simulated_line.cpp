@@ -4,8 +4,7 @@
 #include "host/words/console.h"
 
 namespace {
-constexpr DWORD kSlice = 50;    // ms until Stop is seen
-constexpr DWORD kBetween = 30;  // ms between the pieces of an answer
+constexpr DWORD kStopSlice = 50;  // ms until Stop is seen
 }  // namespace
 
 SimulatedLine::SimulatedLine(SimulatedLogger& logger, Text withoutPorts, const std::string& link) : m_logger(logger) {
@@ -24,7 +23,7 @@ void SimulatedLine::Serve() {
         if (speech.Next(fate)) Deliver(fate);
         BYTE block[512];
         DWORD got = 0;
-        if (m_port.Read(block, sizeof block, got, speech.Wait(kSlice)) != 0) return;
+        if (m_port.Read(block, sizeof block, got, speech.Wait(kStopSlice)) != 0) return;
         if (got != 0 && m_logger.Receive(asker, block, got, fate)) Deliver(fate);
     }
 }
@@ -36,12 +35,12 @@ void SimulatedLine::Deliver(const LineFaults::Fate& fate) {
     Pause(fate.late);
     if (fate.first != 0) {
         m_port.Write(fate.bytes.data(), static_cast<DWORD>(fate.first));
-        Pause(kBetween);
+        Pause(kBetweenPieces);
     }
     m_port.Write(fate.bytes.data() + fate.first, static_cast<DWORD>(fate.bytes.size() - fate.first));
 }
 
 void SimulatedLine::Pause(DWORD milliseconds) const {
-    for (; milliseconds != 0 && !m_stopping; milliseconds -= std::min(milliseconds, kSlice))
-        Sleep(std::min(milliseconds, kSlice));
+    for (; milliseconds != 0 && !m_stopping; milliseconds -= std::min(milliseconds, kStopSlice))
+        Sleep(std::min(milliseconds, kStopSlice));
 }

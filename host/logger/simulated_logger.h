@@ -6,6 +6,8 @@
 
 #include "host/logger/line_faults.h"
 
+inline constexpr DWORD kBetweenPieces = 30;  // ms between the pieces of an answer
+
 class SimulatedLogger {
 public:
     // Takes the simulator. `address` is that of the line it will be on.

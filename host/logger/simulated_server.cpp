@@ -10,9 +10,8 @@
 #include "host/words/texts.h"
 
 namespace {
-constexpr DWORD kSlice = 1000;     // ms until a connection that has ended is forgotten
-constexpr DWORD kBetween = 30;     // ms between the pieces of an answer
-constexpr DWORD kPatience = 5000;  // ms for a far end that takes nothing
+constexpr DWORD kForgetSlice = 1000;  // ms until a connection that has ended is forgotten
+constexpr DWORD kPatience = 5000;     // ms for a far end that takes nothing
 constexpr size_t kMostConnections = 500;
 constexpr size_t kMostUnsaid = 1000;  // pieces of speech for one that is held up by a late answer
 
@@ -92,7 +91,7 @@ private:
         if (fate.unplug || fate.drop) return false;
         if (fate.late != 0 && Stopped(fate.late)) return false;
         const std::span<const BYTE> bytes = fate.bytes;
-        if (fate.first != 0 && (!Send(bytes.first(fate.first)) || Stopped(kBetween))) return false;
+        if (fate.first != 0 && (!Send(bytes.first(fate.first)) || Stopped(kBetweenPieces))) return false;
         return Send(bytes.subspan(fate.first));
     }
     bool Stopped(DWORD within) const { return WaitForSingleObject(m_server.m_stop, within) == WAIT_OBJECT_0; }
@@ -160,7 +159,7 @@ void SimulatedServer::Serve() {
         TakeNewcomers();
         m_connections.remove_if([](const Connection& connection) { return connection.HasEnded(); });
         const HANDLE any[] = {m_stop, m_listener.Await()};
-        if (WaitForMultipleObjects(2, any, FALSE, speech.Wait(kSlice)) == WAIT_OBJECT_0) break;
+        if (WaitForMultipleObjects(2, any, FALSE, speech.Wait(kForgetSlice)) == WAIT_OBJECT_0) break;
     }
     m_listener.Close();
     m_connections.clear();

@@ -15,7 +15,6 @@
 #include "ui/progress_bar.h"
 
 namespace {
-constexpr __int64 kSecond = 1'000'000;
 constexpr unsigned __int64 kBarEnd = 0x7FFFFFFF;
 
 // One run: the measurement, where its readings go, and what a person at the terminal is told meanwhile.

@@ -10,7 +10,6 @@
 #include "host/words/texts.h"
 
 namespace {
-constexpr __int64 kSecond = 1'000'000;
 constexpr __int64 kShortestPause = kSecond, kLongestPause = 30 * kSecond;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 }  // namespace

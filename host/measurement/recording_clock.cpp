@@ -11,7 +11,6 @@ __int64 SystemClock::Steady() {
     }();
     LARGE_INTEGER now;
     QueryPerformanceCounter(&now);
-    constexpr __int64 kSecond = 1'000'000;
     return now.QuadPart / frequency * kSecond + now.QuadPart % frequency * kSecond / frequency;
 }
 

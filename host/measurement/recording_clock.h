@@ -7,6 +7,8 @@
 
 #include "platform/win32.h"
 
+inline constexpr __int64 kSecond = 1'000'000;  // microseconds
+
 // Where the time comes from; a test gives its own.
 class IMeasurementClock {
 public:

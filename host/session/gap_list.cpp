@@ -39,8 +39,8 @@ constexpr Word kCauses[] = {{GC_STALLED, Text::GapStalled},
 
 // With its sign: the clock was set on or back by so much.
 std::string StepInWords(__int64 microseconds) {
-    constexpr __int64 kLongest = std::numeric_limits<__int64>::max();
-    const CVXTTimeSpan span(microseconds < -kLongest ? kLongest : std::abs(microseconds), TST_MICROSECONDS);
+    constexpr __int64 kMostMicroseconds = std::numeric_limits<__int64>::max();
+    const CVXTTimeSpan span(microseconds < -kMostMicroseconds ? kMostMicroseconds : std::abs(microseconds), TST_MICROSECONDS);
     CString text;
     _NlsSetShortTimeSpan(text, span, nullptr, -1);
     return (microseconds < 0 ? "-" : "+") + ToUtf8(text.GetString());

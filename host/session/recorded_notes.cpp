@@ -11,7 +11,7 @@ std::string WithoutSemicolons(std::string text) {
 }
 
 // Keys by their places, joined by blanks.
-std::string Joined(const std::vector<WORD>& places, const std::vector<std::string>& channels) {
+std::string JoinedNames(const std::vector<WORD>& places, const std::vector<std::string>& channels) {
     std::string text;
     for (const WORD place : places) {
         if (place >= channels.size()) continue;
@@ -104,7 +104,7 @@ void RecordedNotes::Store(IPropertyDB& db, const std::vector<std::string>& chann
             columns.attempts.Add(gap.attempts);
             columns.causes.Add(gap.cause);
             columns.texts.Add(WithoutSemicolons(gap.text).c_str());
-            columns.channels.Add(Joined(gap.channels, channels).c_str());
+            columns.channels.Add(JoinedNames(gap.channels, channels).c_str());
         }
         db.BeginUsing(kGaps);
         columns.Each(set);

@@ -8,7 +8,6 @@
 #include "host/words/texts.h"
 
 namespace {
-constexpr __int64 kSecond = 1'000'000;
 constexpr __int64 kAgain = 30 * kSecond;
 constexpr size_t kMostTold = 100;  // different failures of channels
 }  // namespace

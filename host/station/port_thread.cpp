@@ -7,7 +7,6 @@
 #include "host/words/texts.h"
 
 namespace {
-constexpr __int64 kSecond = 1'000'000;
 constexpr __int64 kSlack = 30 * kSecond;  // of a thread that only waits
 constexpr __int64 kLongestWait = kSecond;
 }  // namespace

@@ -33,12 +33,6 @@ constexpr const char* kKeys[] = {"sName",
                                  "Loggers.*.Description.*",  // the description's own keys are checked with it
                                  nullptr};
 
-std::string TextAt(const CPropertyDB& db, const std::string& key) {
-    CString text;
-    db.GetValue(key.c_str(), text);
-    return text.GetString();
-}
-
 bool IsAbsolute(const std::string& path) {
     return !path.empty() && (path[0] == '/' || path[0] == '\\' || (path.size() > 1 && path[1] == ':'));
 }
@@ -208,6 +202,12 @@ void CheckFiles(const Station& station, std::vector<std::string>& mistakes) {
 }
 
 }  // namespace
+
+std::string TextAt(const CPropertyDB& db, const std::string& key) {
+    CString text;
+    db.GetValue(key.c_str(), text);
+    return text.GetString();
+}
 
 bool IsStation(const CPropertyDB& db) {
     CStringArray names;

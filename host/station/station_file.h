@@ -39,3 +39,5 @@ Station ReadStation(CHostApp& app, const std::string& path);
 bool IsStation(const CPropertyDB& db);
 // Only where the recorder of this station tells what it does; for a file that may have mistakes since.
 std::string StatusFileOf(const std::string& path);
+// The text behind a key, empty where there is none.
+std::string TextAt(const CPropertyDB& db, const std::string& key);

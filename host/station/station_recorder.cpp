@@ -11,10 +11,6 @@
 #include "host/words/texts.h"
 #include "platform/service.h"
 
-namespace {
-constexpr __int64 kSecond = 1'000'000;
-}
-
 const UINT StationRecorder::s_news = ::RegisterWindowMessageA("OrvikStationNews");
 
 BEGIN_MESSAGE_MAP(StationRecorder, CWnd)

@@ -7,6 +7,7 @@
 #include "host/session/database_file.h"
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
+#include "host/station/station_file.h"
 #include "host/words/console.h"
 #include "host/words/isolated.h"
 #include "host/words/json_text.h"
@@ -16,12 +17,6 @@ namespace {
 constexpr const char* kStates[] = {"starting", "reads", "partly", "silent", "nofile", "over"};
 constexpr Text kStateTexts[] = {Text::StationStarting, Text::StationReads,  Text::StationPartly,
                                 Text::StationSilent,   Text::StationNoFile, Text::StationOver};
-
-std::string TextAt(const CPropertyDB& db, const std::string& key) {
-    CString text;
-    db.GetValue(key.c_str(), text);
-    return text.GetString();
-}
 
 template <class Number>
 Number NumberAt(const CPropertyDB& db, const std::string& key) {

@@ -32,7 +32,6 @@ const Unit kSizes[] = {
     {1ull << 40, {"tib"}},
 };
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 // Digits of any script become plain ones, and so do blanks that keep numbers and units on a line.

@@ -3,15 +3,15 @@
 #include <cstdio>
 #include <vector>
 
+#include "host/words/console.h"
 #include "host/words/plain_digits.h"
+#include "host/words/texts.h"
 #include "time/clock_text.h"
 #include "time/date_text.h"
 #include "time/locale_cache.h"
 #include "time/time_point.h"
 
 namespace {
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 std::vector<int> NumbersIn(const std::string& given) {
     const std::string text = WithPlainDigits(given);
     std::vector<int> numbers;
@@ -99,4 +99,9 @@ std::optional<__int64> TimeFromText(const std::string& text) {
     midnight.SetTime(0, 0, 0, 0);
     if (_NlsGetShortDate(text.c_str(), midnight) && IsDate(text, midnight)) return midnight.GetBinaryTime();
     return {};
+}
+
+__int64 NeedTime(const std::string& text) {
+    if (const auto time = TimeFromText(text)) return *time;
+    throw Failure{kWrongUse, Say(Text::NotATime, {ToUtf8(text)})};
 }

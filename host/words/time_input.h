@@ -12,3 +12,5 @@
 // date or a time of day that there is not. Texts of the house's character set; the user-interface thread, since the user's format
 // is cached.
 std::optional<__int64> TimeFromText(const std::string& text);
+// The same; a Failure for what is no time.
+__int64 NeedTime(const std::string& text);

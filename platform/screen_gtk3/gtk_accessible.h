@@ -27,6 +27,8 @@ struct AccessiblePart {
 // An object of the type that has the interfaces of such a part. For one of these, never null.
 AtkObject* MakeAccessible(const OrvikAccessible& said);
 AccessiblePart& PartOf(gpointer object);
+// Asks the part's window to act; nothing once that is gone.
+void AskPart(gpointer object, OrvikAccessibleAct act);
 bool IsAccessiblePart(gpointer object);
 unsigned InterfacesOf(const OrvikAccessible& said);  // two parts with the same ones can share an object
 AtkRole RoleOf(OrvikRole role);

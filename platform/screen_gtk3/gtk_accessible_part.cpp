@@ -17,11 +17,7 @@ struct PartObject {
 
 const OrvikAccessible& SaidOf(gpointer object) { return *PartOf(object).said; }
 
-void Ask(gpointer object, Act act) {
-    const AccessiblePart& part = PartOf(object);
-    if (part.owner != nullptr) part.owner->Ask(*part.said, std::move(act));
-}
-void Ask(gpointer object, Act::Kind kind) { Ask(object, Act{kind}); }
+void AskPart(gpointer object, Act::Kind kind) { AskPart(object, Act{kind}); }
 
 AtkObject* ChildAt(gpointer object, gint index) {
     const auto& below = PartOf(object).below;
@@ -88,7 +84,7 @@ void BeComponent(gpointer given, gpointer) {
     };
     type.grab_focus = +[](AtkComponent* object) -> gboolean {
         if (!SaidOf(object).Is(OrvikAccessible::kFocusable | OrvikAccessible::kSelectable)) return FALSE;
-        Ask(object, Act::Kind::Focus);
+        AskPart(object, Act::Kind::Focus);
         return TRUE;
     };
 }
@@ -99,7 +95,7 @@ void BeAction(gpointer given, gpointer) {
     type.get_n_actions = +[](AtkAction*) { return 1; };
     type.do_action = +[](AtkAction* object, gint index) -> gboolean {
         if (index != 0 || SaidOf(object).Is(OrvikAccessible::kDisabled)) return FALSE;
-        Ask(object, Act::Kind::Press);
+        AskPart(object, Act::Kind::Press);
         return TRUE;
     };
     type.get_name = +[](AtkAction* object, gint index) -> const gchar* {
@@ -127,7 +123,7 @@ void BeValue(gpointer given, gpointer) {
     type.set_value = +[](AtkValue* object, gdouble value) {
         Act act{Act::Kind::Value};
         act.value = value;
-        Ask(object, std::move(act));
+        AskPart(object, std::move(act));
     };
 }
 
@@ -153,7 +149,7 @@ void BeSelection(gpointer given, gpointer) {
     type.add_selection = +[](AtkSelection* object, gint index) -> gboolean {
         AtkObject* const child = ChildAt(object, index);
         if (child == nullptr || !SaidOf(child).Is(OrvikAccessible::kSelectable)) return FALSE;
-        Ask(child, Act::Kind::Select);
+        AskPart(child, Act::Kind::Select);
         return TRUE;
     };
 }

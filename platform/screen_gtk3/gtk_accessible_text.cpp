@@ -63,18 +63,13 @@ AtkTextGranularity UnitOf(AtkTextBoundary boundary) {
     }
 }
 
-void Ask(gpointer object, Act act) {
-    const AccessiblePart& part = PartOf(object);
-    if (part.owner != nullptr) part.owner->Ask(*part.said, std::move(act));
-}
-
 gboolean Select(gpointer object, gint from, gint to) {
     const OrvikAccessible& said = *PartOf(object).said;
     if (said.role != OrvikRole::Edit || said.Is(OrvikAccessible::kDisabled)) return FALSE;
     Act act{Act::Kind::Caret};
     act.from = static_cast<size_t>(Within(said.value, from));
     act.to = static_cast<size_t>(Within(said.value, to));
-    Ask(object, std::move(act));
+    AskPart(object, std::move(act));
     return TRUE;
 }
 
@@ -86,7 +81,7 @@ void Write(gpointer object, gint from, gint to, const std::string& letters) {
     if (said.Is(OrvikAccessible::kSecret) && (from > 0 || Within(said.value, to) < Length(said.value))) return;
     Act act{Act::Kind::Text};
     act.text = said.value.substr(0, ByteOf(said.value, std::max(from, 0))) + letters + said.value.substr(ByteOf(said.value, to));
-    Ask(object, std::move(act));
+    AskPart(object, std::move(act));
 }
 }  // namespace
 

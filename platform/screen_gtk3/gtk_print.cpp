@@ -13,7 +13,7 @@
 using namespace orvik::detail;
 
 namespace {
-constexpr guint kFarewell = 1000;  // ms
+constexpr guint kPrintFarewell = 1000;  // ms
 
 template <class Object>
 class Held {
@@ -144,7 +144,7 @@ std::optional<PrinterChoice> GtkPrinters::AskNow(const PrinterQuestion& question
     gtk_widget_hide(dialog);
     // The key that ended it is still to be let go, and nothing that is gone can be told of that.
     g_timeout_add(
-        kFarewell,
+        kPrintFarewell,
         +[](gpointer done) -> gboolean {
             gtk_widget_destroy(GTK_WIDGET(done));
             g_object_unref(done);

@@ -6,12 +6,12 @@ namespace modbus {
 namespace {
 constexpr std::chrono::milliseconds kMargin{50};
 constexpr std::chrono::seconds kLongest{60};  // no silence is waited for longer
-constexpr size_t kMost = 128;                 // of requests on the books
+constexpr size_t kMostBooked = 128;           // of requests on the books
 constexpr int kInVain = 8;                    // probes, until they are given up; bad lines lose several one after the other
 }  // namespace
 
 void Ledger::Sent(const Request& request, Question question, TimePoint sent) {
-    if (m_open.size() == kMost) m_open.erase(m_open.begin());
+    if (m_open.size() == kMostBooked) m_open.erase(m_open.begin());
     m_open.push_back({request, question, sent});
     m_lastSent = sent;
 }

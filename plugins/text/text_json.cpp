@@ -6,9 +6,9 @@
 namespace text {
 namespace {
 
-class Reader {
+class JsonReader {
 public:
-    Reader(std::string_view line, std::vector<JsonLeaf>& leaves) : m_rest(line), m_leaves(leaves) {}
+    JsonReader(std::string_view line, std::vector<JsonLeaf>& leaves) : m_rest(line), m_leaves(leaves) {}
 
     bool ReadAll() {
         if (!Value({}, 0)) return false;
@@ -170,7 +170,7 @@ private:
 
 bool ReadJson(std::string_view line, std::vector<JsonLeaf>& leaves) {
     leaves.clear();
-    if (Reader(line, leaves).ReadAll()) return true;
+    if (JsonReader(line, leaves).ReadAll()) return true;
     leaves.clear();
     return false;
 }

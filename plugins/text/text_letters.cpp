@@ -1,5 +1,7 @@
 #include "plugins/text/text_letters.h"
 
+#include <algorithm>
+
 #include "platform/house_text.h"
 #include "platform/letters.h"
 
@@ -35,6 +37,8 @@ bool LineBegins(std::string_view line, std::string_view text) {
 bool IsLetterByte(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (static_cast<unsigned char>(c) >= 0x80 && IsUtf8());
 }
+
+bool HasLetter(std::string_view text) { return std::any_of(text.begin(), text.end(), IsLetterByte); }
 
 size_t CharacterAt(std::string_view text, size_t at, char32_t& character) {
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[at + i]); };

@@ -16,6 +16,8 @@ bool LineBegins(std::string_view line, std::string_view text);
 
 // Whether the byte belongs to a letter: of ASCII, and in a UTF-8 process of whatever lies beyond.
 bool IsLetterByte(char c);
+bool HasLetter(std::string_view text);
+inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // The character at a place, and how many bytes it takes. A byte that belongs to none stands for itself.
 size_t CharacterAt(std::string_view text, size_t at, char32_t& character);

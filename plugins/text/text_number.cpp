@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <charconv>
 
+#include "plugins/text/text_letters.h"
+
 namespace text {
 namespace {
 constexpr size_t kLongestNumber = 60, kLongestUnit = 16;
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || static_cast<unsigned char>(c) >= 0xA0; }
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 

@@ -16,7 +16,7 @@ constexpr int kMostRepetitions = 1000;
 
 bool IsWordCharacter(int c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
 
-[[noreturn]] void Refuse(const std::string& what) { throw std::invalid_argument(what); }
+[[noreturn]] void RefusePattern(const std::string& what) { throw std::invalid_argument(what); }
 
 Set Only(char c) { return Set(static_cast<unsigned char>(c)); }
 
@@ -33,7 +33,7 @@ public:
 
     size_t Whole() {
         const size_t root = Choice();
-        if (!m_rest.empty()) Refuse("a ) without its (");
+        if (!m_rest.empty()) RefusePattern("a ) without its (");
         return root;
     }
 
@@ -45,7 +45,7 @@ private:
         return true;
     }
     char Next() {
-        if (m_rest.empty()) Refuse("it breaks off");
+        if (m_rest.empty()) RefusePattern("it breaks off");
         const char c = m_rest[0];
         m_rest.remove_prefix(1);
         return c;
@@ -64,7 +64,7 @@ private:
     }
 
     size_t Choice() {
-        if (++m_depth > kDeepest) Refuse("brackets stand too deep in one another");
+        if (++m_depth > kDeepest) RefusePattern("brackets stand too deep in one another");
         Node choice{.kind = Node::Choice};
         do {
             choice.parts.push_back(Sequence());
@@ -82,7 +82,7 @@ private:
     size_t Repeated() {
         size_t item = Item();
         for (int least = 0, most = 0; Count(least, most);) {
-            if (m_tree[item].kind == Node::Repeat) Refuse("a repetition of a repetition");
+            if (m_tree[item].kind == Node::Repeat) RefusePattern("a repetition of a repetition");
             const bool lazy = Take("?");
             item = Add({.kind = Node::Repeat, .parts = {item}, .least = least, .most = most, .lazy = lazy});
         }
@@ -104,16 +104,16 @@ private:
         if (!Take("{")) return false;
         least = most = Number();
         if (Take(",")) most = Look() == '}' ? -1 : Number();
-        if (!Take("}") || (most >= 0 && most < least)) Refuse("a { that begins no count such as {2} or {2,5}");
+        if (!Take("}") || (most >= 0 && most < least)) RefusePattern("a { that begins no count such as {2} or {2,5}");
         return true;
     }
 
     int Number() {
         int number = 0;
-        if (Look() < '0' || Look() > '9') Refuse("a { that begins no count such as {2} or {2,5}");
+        if (Look() < '0' || Look() > '9') RefusePattern("a { that begins no count such as {2} or {2,5}");
         while (Look() >= '0' && Look() <= '9') {
             number = 10 * number + (Next() - '0');
-            if (number > kMostRepetitions) Refuse("more than 1000 repetitions");
+            if (number > kMostRepetitions) RefusePattern("more than 1000 repetitions");
         }
         return number;
     }
@@ -135,7 +135,7 @@ private:
             case '+':
             case '?':
             case '{':
-                Refuse(std::string("a ") + c + " with nothing to repeat");
+                RefusePattern(std::string("a ") + c + " with nothing to repeat");
             case '\\':
                 if (Take("b")) return Add({.kind = Node::Border});
                 if (Take("B")) return Add({.kind = Node::NoBorder});
@@ -148,22 +148,22 @@ private:
     size_t Group() {
         Node group{.kind = Node::Sequence};
         if (Take("?<") || Take("?P<")) {
-            if (Look() == '=' || Look() == '!') Refuse("looking back is not possible");
+            if (Look() == '=' || Look() == '!') RefusePattern("looking back is not possible");
             std::string name;
             while (Look() != '>') name += Next();
             Next();
             if (name.empty() || !std::all_of(name.begin(), name.end(), [](unsigned char c) { return IsWordCharacter(c); }))
-                Refuse("the name of a group is made of letters, digits and _");
-            if (std::find(m_names.begin(), m_names.end(), name) != m_names.end()) Refuse("two groups are called " + name);
-            if (m_names.size() == Pattern::kMostGroups) Refuse("more than 32 named groups");
+                RefusePattern("the name of a group is made of letters, digits and _");
+            if (std::find(m_names.begin(), m_names.end(), name) != m_names.end()) RefusePattern("two groups are called " + name);
+            if (m_names.size() == Pattern::kMostGroups) RefusePattern("more than 32 named groups");
             group.kind = Node::Group;
             group.name = m_names.size();
             m_names.push_back(name);
         } else if (!Take("?:") && Look() == '?') {
-            Refuse("looking around is not possible, nor any other (? than (?: and (?<name>");
+            RefusePattern("looking around is not possible, nor any other (? than (?: and (?<name>");
         }
         group.parts.push_back(Choice());
-        if (!Take(")")) Refuse("a ( without its )");
+        if (!Take(")")) RefusePattern("a ( without its )");
         return Add(std::move(group));
     }
 
@@ -190,12 +190,12 @@ private:
                 return Only('\t');
             case 'x': {
                 const auto byte = HexByte(m_rest.substr(0, 2));
-                if (!byte) Refuse("\\x without two hexadecimal digits");
+                if (!byte) RefusePattern("\\x without two hexadecimal digits");
                 m_rest.remove_prefix(2);
                 return Set(CharacterOf(*byte));
             }
             default:
-                if (IsWordCharacter(static_cast<unsigned char>(c))) Refuse(std::string("there is no \\") + c);
+                if (IsWordCharacter(static_cast<unsigned char>(c))) RefusePattern(std::string("there is no \\") + c);
                 return Letter();
         }
     }
@@ -212,8 +212,8 @@ private:
             }
             Next();
             const auto from = low.Only(), to = ClassCharacter().Only();
-            if (!from || !to) Refuse("a range whose ends are no characters");
-            if (*from > *to) Refuse("a range that runs backwards");
+            if (!from || !to) RefusePattern("a range whose ends are no characters");
+            if (*from > *to) RefusePattern("a range that runs backwards");
             set.Add(*from, *to);
         }
         Next();

@@ -6,16 +6,13 @@
 #include "comm/comm_exception.h"
 #include "plugins/support/line_book.h"
 #include "plugins/text/text_letters.h"
+#include "plugins/text/text_patience.h"
 
 namespace text {
 namespace {
 using namespace std::chrono_literals;
-// More than this that has waited may be a full buffer: there is a hole behind it, or a far end that still sends what is old.
-constexpr size_t kMuch = 2048;
-constexpr auto kSettled = 50ms;
 constexpr int kPatience = 3, kTellable = 10, kForgotten = 20;  // time-outs
 constexpr int kDead = 3;                                       // readings in vain
-constexpr size_t kMostAtOnce = 1 << 20;                        // bytes that are thrown away before the clock is looked at
 }  // namespace
 
 Reader::Reader(const Description& description, ITransport& transport)

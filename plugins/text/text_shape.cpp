@@ -30,8 +30,6 @@ bool IsNumber(std::string_view field, char decimal, Cell& cell) {
     return true;
 }
 
-bool HasLetter(std::string_view text) { return std::any_of(text.begin(), text.end(), IsLetterByte); }
-
 Shape Row(const std::string& line, const Named& named, char decimal) {
     Shape shape;
     shape.separator = named.name;

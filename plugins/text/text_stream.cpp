@@ -5,14 +5,14 @@
 
 #include "comm/comm_exception.h"
 #include "plugins/text/text_letters.h"
+#include "plugins/text/text_patience.h"
 
 namespace text {
 namespace {
 using namespace std::chrono_literals;
-constexpr auto kSettled = 50ms, kHeldUp = 1000ms;
-// A serial port's queue holds at least so much; a far end that was held up has so much to say.
-constexpr size_t kQueue = 4000, kMuch = 2048;
-constexpr size_t kMostAtOnce = 1 << 20;  // bytes before the clock is looked at
+constexpr auto kHeldUp = 1000ms;
+// A serial port's queue holds at least so much.
+constexpr size_t kQueue = 4000;
 constexpr size_t kMostLeads = 16;
 
 // Whether what came of a line may become one that begins with the text.

@@ -11,9 +11,6 @@
 
 namespace text {
 namespace {
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool HasLetter(std::string_view text) { return std::any_of(text.begin(), text.end(), IsLetterByte); }
-
 // Up to the first number; digits that end a name, as in "T1=", are none.
 std::string_view LeadOf(std::string_view line) {
     size_t at = line.find_first_of("0123456789+-");

@@ -14,7 +14,7 @@
 #include "tests/support/time_limit.h"
 
 namespace {
-constexpr __int64 kSecond = 1'000'000, kMinute = 60 * kSecond, kHour = 60 * kMinute;
+constexpr __int64 kMinute = 60 * kSecond, kHour = 60 * kMinute;
 constexpr __int64 kBegun = 1'795'000'000 * kSecond;
 
 class Clock : public IMeasurementClock {

@@ -13,8 +13,8 @@
 namespace orvik::detail {
 namespace {
 constexpr int kEditId = 1001;
-constexpr ListItemMessages kItemMessages = {CB_GETCOUNT,        CB_GETLBTEXT,   CB_GETLBTEXTLEN, CB_FINDSTRING,
-                                            CB_FINDSTRINGEXACT, CB_GETITEMDATA, CB_SETITEMDATA,  CB_OKAY};
+constexpr ListItemMessages kComboMessages = {CB_GETCOUNT,        CB_GETLBTEXT,   CB_GETLBTEXTLEN, CB_FINDSTRING,
+                                             CB_FINDSTRINGEXACT, CB_GETITEMDATA, CB_SETITEMDATA,  CB_OKAY};
 
 class ComboBox final : public Control {
 public:
@@ -23,7 +23,7 @@ public:
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam) override {
         const auto index = static_cast<int>(wParam);
         const auto* text = reinterpret_cast<const char*>(lParam);
-        if (const auto answer = m_items.Answer(kItemMessages, message, wParam, lParam)) return *answer;
+        if (const auto answer = m_items.Answer(kComboMessages, message, wParam, lParam)) return *answer;
         switch (message) {
             case WM_CREATE:
                 if (HasEdit())

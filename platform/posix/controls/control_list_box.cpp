@@ -8,7 +8,7 @@
 
 namespace orvik::detail {
 namespace {
-constexpr ListItemMessages kItemMessages = {LB_GETCOUNT,        LB_GETTEXT,     LB_GETTEXTLEN,  LB_FINDSTRING,
+constexpr ListItemMessages kListMessages = {LB_GETCOUNT,        LB_GETTEXT,     LB_GETTEXTLEN,  LB_FINDSTRING,
                                             LB_FINDSTRINGEXACT, LB_GETITEMDATA, LB_SETITEMDATA, TRUE};
 
 class ListBox final : public Control {
@@ -18,7 +18,7 @@ public:
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam) override {
         const auto index = static_cast<int>(wParam);
         const auto* text = reinterpret_cast<const char*>(lParam);
-        if (const auto answer = m_items.Answer(kItemMessages, message, wParam, lParam)) return *answer;
+        if (const auto answer = m_items.Answer(kListMessages, message, wParam, lParam)) return *answer;
         switch (message) {
             case LB_ADDSTRING:
                 return Changed(m_items.Add(text, (Style() & LBS_SORT) != 0));

@@ -23,7 +23,7 @@ void List(HWND parent, std::vector<HWND>& out) {
 }
 
 // The place of the control, or of the listed one that it is a part of; the list's size when there is none.
-size_t Find(const std::vector<HWND>& list, HWND control) {
+size_t PlaceOf(const std::vector<HWND>& list, HWND control) {
     return static_cast<size_t>(
         std::find_if(list.begin(), list.end(), [&](HWND each) { return each == control || IsChild(each, control); }) -
         list.begin());
@@ -62,7 +62,7 @@ bool PressMnemonic(HWND window, Dialog& dialog, WPARAM key) {
     List(window, list);
     if (list.empty()) return false;
     const HWND focus = GetFocus();
-    size_t from = Find(list, focus);
+    size_t from = PlaceOf(list, focus);
     if (from == list.size()) from = list.size() - 1;
     std::string_view rest = typed;
     const char32_t letter = LowerCase(TakeHouse(rest));
@@ -136,7 +136,7 @@ HWND GetNextDlgTabItem(HWND window, HWND control, BOOL previous) {
     std::vector<HWND> list;
     List(window, list);
     if (list.empty()) return nullptr;
-    size_t from = control == nullptr ? list.size() : Find(list, control);
+    size_t from = control == nullptr ? list.size() : PlaceOf(list, control);
     if (from == list.size()) from = previous ? 0 : list.size() - 1;
     return Walk(list, from, previous != FALSE, [](HWND each) { return Usable(each) && (StyleOf(each) & WS_TABSTOP) != 0; });
 }
@@ -147,7 +147,7 @@ HWND GetNextDlgGroupItem(HWND window, HWND control, BOOL previous) {
     const HWND parent = control != nullptr ? GetParent(control) : window;
     for (HWND each = GetWindow(parent, GW_CHILD); each != nullptr; each = GetWindow(each, GW_HWNDNEXT)) list.push_back(each);
     if (list.empty()) return nullptr;
-    size_t at = control == nullptr ? 0 : Find(list, control);
+    size_t at = control == nullptr ? 0 : PlaceOf(list, control);
     if (at == list.size()) return nullptr;
     // A group reaches from a control that begins one to the next such control.
     const auto begins = [](HWND each) { return (StyleOf(each) & WS_GROUP) != 0; };

@@ -39,7 +39,7 @@ HMENU NewMenu(bool popup) {
     return handle;
 }
 
-Menu* Find(HMENU handle) {
+Menu* FindMenu(HMENU handle) {
     Menus& menus = TheMenus();
     const auto found = menus.made.find(handle);
     return found == menus.made.end() ? nullptr : &found->second;
@@ -47,7 +47,7 @@ Menu* Find(HMENU handle) {
 
 // The item that a position or a command names, the menu or a submenu holding it; null, with error 1456, for none.
 Item* FindItem(HMENU handle, UINT item, UINT flags, HMENU* holder = nullptr, size_t* at = nullptr, int depth = 0) {
-    Menu* menu = Find(handle);
+    Menu* menu = FindMenu(handle);
     if (menu == nullptr) {
         SetLastError(ERROR_INVALID_MENU_HANDLE);
         return nullptr;
@@ -65,7 +65,7 @@ Item* FindItem(HMENU handle, UINT item, UINT flags, HMENU* holder = nullptr, siz
     for (size_t i = 0; i < menu->items.size(); ++i) {
         Item& each = menu->items[i];
         if (each.submenu == nullptr && each.id == item) return found(i);
-        if (each.submenu == nullptr || depth == kDeepest || Find(each.submenu) == nullptr) continue;
+        if (each.submenu == nullptr || depth == kDeepest || FindMenu(each.submenu) == nullptr) continue;
         if (Item* below = FindItem(each.submenu, item, flags, holder, at, depth + 1)) return below;
     }
     SetLastError(ERROR_MENU_ITEM_NOT_FOUND);
@@ -89,8 +89,8 @@ Item MakeItem(UINT flags, UINT_PTR id, LPCSTR text) {
 BOOL Insert(HMENU handle, UINT position, UINT flags, Item item) {
     Menus& menus = TheMenus();
     const std::lock_guard lock(menus.lock);
-    Menu* menu = Find(handle);
-    if (menu == nullptr || (item.submenu != nullptr && Find(item.submenu) == nullptr))
+    Menu* menu = FindMenu(handle);
+    if (menu == nullptr || (item.submenu != nullptr && FindMenu(item.submenu) == nullptr))
         return orvik::detail::Finish(ERROR_INVALID_MENU_HANDLE);
     if (menu->items.size() >= kMostItems) return orvik::detail::Finish(ERROR_NOT_ENOUGH_MEMORY);
     size_t at = menu->items.size();
@@ -98,7 +98,7 @@ BOOL Insert(HMENU handle, UINT position, UINT flags, Item item) {
     if ((flags & MF_BYPOSITION) != 0)
         at = std::min<size_t>(position, at);
     else if (FindItem(handle, position, flags, &holder, &at) != nullptr)
-        menu = Find(holder);
+        menu = FindMenu(holder);
     menu->items.insert(menu->items.begin() + static_cast<ptrdiff_t>(at), std::move(item));
     return TRUE;
 }
@@ -107,7 +107,7 @@ BOOL Insert(HMENU handle, UINT position, UINT flags, Item item) {
 void Collect(HMENU handle, std::vector<HMENU>& list) {
     list.push_back(handle);
     for (size_t i = 0; i < list.size(); ++i) {
-        const Menu* menu = Find(list[i]);
+        const Menu* menu = FindMenu(list[i]);
         if (menu == nullptr) continue;
         for (const Item& item : menu->items) {
             if (item.submenu != nullptr && std::find(list.begin(), list.end(), item.submenu) == list.end())
@@ -121,7 +121,7 @@ using orvik::detail::Finish;
 
 std::vector<orvik::detail::MenuItem> orvik::detail::MenuItemsOf(HMENU handle) {
     const std::lock_guard lock(TheMenus().lock);
-    const Menu* menu = Find(handle);
+    const Menu* menu = FindMenu(handle);
     return menu == nullptr ? std::vector<MenuItem>() : menu->items;
 }
 
@@ -130,13 +130,13 @@ HMENU CreatePopupMenu() { return NewMenu(true); }
 
 BOOL IsMenu(HMENU menu) {
     const std::lock_guard lock(TheMenus().lock);
-    return Find(menu) != nullptr;
+    return FindMenu(menu) != nullptr;
 }
 
 BOOL DestroyMenu(HMENU menu) {
     Menus& menus = TheMenus();
     const std::lock_guard lock(menus.lock);
-    if (Find(menu) == nullptr) return Finish(ERROR_INVALID_MENU_HANDLE);
+    if (FindMenu(menu) == nullptr) return Finish(ERROR_INVALID_MENU_HANDLE);
     std::vector<HMENU> gone;
     Collect(menu, gone);
     for (const HMENU each : gone) menus.made.erase(each);
@@ -164,7 +164,7 @@ BOOL RemoveMenu(HMENU menu, UINT position, UINT flags) {
     HMENU holder = nullptr;
     size_t at = 0;
     if (FindItem(menu, position, flags, &holder, &at) == nullptr) return FALSE;
-    auto& items = Find(holder)->items;
+    auto& items = FindMenu(holder)->items;
     items.erase(items.begin() + static_cast<ptrdiff_t>(at));
     return TRUE;
 }
@@ -182,7 +182,7 @@ BOOL DeleteMenu(HMENU menu, UINT position, UINT flags) {
 
 int GetMenuItemCount(HMENU handle) {
     const std::lock_guard lock(TheMenus().lock);
-    const Menu* menu = Find(handle);
+    const Menu* menu = FindMenu(handle);
     if (menu == nullptr) SetLastError(ERROR_INVALID_MENU_HANDLE);
     return menu == nullptr ? -1 : static_cast<int>(menu->items.size());
 }
@@ -214,7 +214,7 @@ UINT GetMenuState(HMENU menu, UINT which, UINT flags) {
     if (item == nullptr) return 0xFFFFFFFFu;
     const UINT state = item->state | item->type;
     if (item->submenu == nullptr) return state;
-    const Menu* below = Find(item->submenu);
+    const Menu* below = FindMenu(item->submenu);
     return ((state | MF_POPUP) & 0xFF) | (below == nullptr ? 0 : static_cast<UINT>(below->items.size() & 0xFF) << 8);
 }
 
@@ -255,7 +255,7 @@ BOOL CheckMenuRadioItem(HMENU menu, UINT first, UINT last, UINT which, UINT flag
 
 BOOL SetMenuDefaultItem(HMENU handle, UINT which, UINT byPosition) {
     const std::lock_guard lock(TheMenus().lock);
-    Menu* menu = Find(handle);
+    Menu* menu = FindMenu(handle);
     if (menu == nullptr) return Finish(ERROR_INVALID_MENU_HANDLE);
     Item* item = which == 0xFFFFFFFFu ? nullptr : FindItem(handle, which, byPosition ? MF_BYPOSITION : MF_BYCOMMAND);
     if (item == nullptr && which != 0xFFFFFFFFu) return FALSE;

@@ -40,19 +40,19 @@ struct Found {
     HMENU menu = nullptr;
     int item = -1, depth = 0;
 };
-Found Find(HMENU menu, unsigned wanted, unsigned& part, int depth) {
+Found FindPart(HMENU menu, unsigned wanted, unsigned& part, int depth) {
     if (depth > kDeepest) return {};
     const std::vector<MenuItem> items = MenuItemsOf(menu);
     for (size_t i = 0; i < items.size(); ++i) {
         if (++part == wanted) return {menu, static_cast<int>(i), depth};
         if (items[i].submenu == nullptr) continue;
-        if (const Found found = Find(items[i].submenu, wanted, part, depth + 1); found.menu != nullptr) return found;
+        if (const Found found = FindPart(items[i].submenu, wanted, part, depth + 1); found.menu != nullptr) return found;
     }
     return {};
 }
 
 // The letter that opens a menu of the bar, by its mnemonic.
-char MnemonicOf(const std::string& label) {
+char BarKeyOf(const std::string& label) {
     for (size_t i = 0; i + 1 < label.size(); ++i) {
         if (label[i] != '&') continue;
         if (label[i + 1] != '&') return label[i + 1];
@@ -87,7 +87,7 @@ bool DescribeMenuBar(HWND window, OrvikAccessible& out) {
 bool ActOnMenuBar(HWND window, unsigned part) {
     if (!IsWindowEnabled(window)) return false;
     unsigned count = kMenuParts;
-    const Found found = Find(GetMenu(window), part, count, 0);
+    const Found found = FindPart(GetMenu(window), part, count, 0);
     if (found.menu == nullptr) return false;
     // What can be chosen is known when the menu is about to open.
     SendMessageA(window, WM_INITMENU, reinterpret_cast<WPARAM>(GetMenu(window)), 0);
@@ -97,7 +97,7 @@ bool ActOnMenuBar(HWND window, unsigned part) {
     const MenuItem& item = items[static_cast<size_t>(found.item)];
     if (!item.Usable()) return false;
     if (item.submenu == nullptr) return PostMessageA(window, WM_COMMAND, static_cast<WPARAM>(item.id), 0);
-    const char letter = MnemonicOf(LabelAndKeys(item).first);
+    const char letter = BarKeyOf(LabelAndKeys(item).first);
     return found.depth == 0 && letter != 0 && PostMessageA(window, WM_SYSCOMMAND, SC_KEYMENU, letter);
 }
 

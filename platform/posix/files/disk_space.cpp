@@ -3,19 +3,14 @@
 #include <cerrno>
 #include <string>
 
+#include "platform/posix/files/fail_internal.h"
 #include "platform/posix/files/files.h"
 #include "platform/posix/files/path_internal.h"
-#include "platform/posix/kernel/errors_internal.h"
 #include "platform/posix/text/text_internal.h"
 
 using namespace orvik::detail;
 
 namespace {
-BOOL Fail(DWORD error) {
-    SetLastError(error);
-    return FALSE;
-}
-
 // A drive's root, or the system's.
 bool IsRoot(const std::string& name) {
     const std::string rest = HasDrive(name) ? name.substr(2) : name;

@@ -7,38 +7,34 @@
 #include <cstring>
 #include <string>
 
+#include "platform/posix/files/fail_internal.h"
 #include "platform/posix/files/path_internal.h"
-#include "platform/posix/kernel/errors_internal.h"
+
+using namespace orvik::detail;
 
 namespace {
-struct Descriptor {
+struct SecurityParts {
     uid_t owner;
     gid_t group;
     mode_t mode;
 };
-
-BOOL Fail(DWORD error) {
-    SetLastError(error);
-    return FALSE;
-}
-BOOL FailErrno() { return Fail(orvik::detail::ErrorFromErrno(errno)); }
 }  // namespace
 
 BOOL GetFileSecurityA(LPCSTR name, SECURITY_INFORMATION, PSECURITY_DESCRIPTOR descriptor, DWORD size, LPDWORD needed) {
     if (name == nullptr || needed == nullptr) return Fail(ERROR_INVALID_PARAMETER);
     struct stat info;
-    if (stat(orvik::detail::SystemPath(name).c_str(), &info) != 0) return FailErrno();
-    *needed = sizeof(Descriptor);
-    if (descriptor == nullptr || size < sizeof(Descriptor)) return Fail(ERROR_INSUFFICIENT_BUFFER);
-    const Descriptor found{info.st_uid, info.st_gid, info.st_mode & 07777};
+    if (stat(SystemPath(name).c_str(), &info) != 0) return FailErrno();
+    *needed = sizeof(SecurityParts);
+    if (descriptor == nullptr || size < sizeof(SecurityParts)) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    const SecurityParts found{info.st_uid, info.st_gid, info.st_mode & 07777};
     std::memcpy(descriptor, &found, sizeof found);
     return TRUE;
 }
 
 BOOL SetFileSecurityA(LPCSTR name, SECURITY_INFORMATION parts, PSECURITY_DESCRIPTOR descriptor) {
     if (name == nullptr || descriptor == nullptr) return Fail(ERROR_INVALID_PARAMETER);
-    const std::string path = orvik::detail::SystemPath(name);
-    Descriptor wanted;
+    const std::string path = SystemPath(name);
+    SecurityParts wanted;
     std::memcpy(&wanted, descriptor, sizeof wanted);
     // The owner first: changing it takes the set-user bits off.
     const uid_t owner = parts & OWNER_SECURITY_INFORMATION ? wanted.owner : static_cast<uid_t>(-1);

@@ -16,6 +16,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/posix/files/fail_internal.h"
 #include "platform/posix/files/path_internal.h"
 #include "platform/posix/kernel/handle_table_internal.h"
 #include "platform/posix/text/text_internal.h"
@@ -23,12 +24,6 @@
 using namespace orvik::detail;
 
 namespace {
-BOOL Fail(DWORD error) {
-    SetLastError(error);
-    return FALSE;
-}
-BOOL FailErrno() { return Fail(ErrorFromErrno(errno)); }
-
 // Null and empty names are refused before the system sees them.
 bool TakeName(LPCSTR name, std::string& path) {
     if (name == nullptr || *name == 0) {

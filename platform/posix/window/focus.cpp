@@ -7,12 +7,6 @@ namespace orvik::detail {
 namespace {
 HWND g_foreground = nullptr;  // under the kernel lock
 
-HWND RootHandle(HWND handle) {
-    const std::lock_guard kernel(KernelLock());
-    Window* window = FindWindowOf(handle);
-    return window == nullptr ? nullptr : RootOf(*window).handle;
-}
-
 // The window that becomes active when another goes: its owner, else the thread's topmost one that is shown and enabled.
 HWND Successor(const Window& leaving) {
     const auto suits = [&](HWND handle) {

@@ -35,12 +35,6 @@ void TellPlace(HWND handle, const WINDOWPOS& pos) {
     if ((pos.flags & SWP_NOSIZE) == 0) SendMessageA(handle, WM_SIZE, kind, MAKELPARAM(client.right, client.bottom));
 }
 
-HWND RootHandle(HWND handle) {
-    const std::lock_guard kernel(KernelLock());
-    Window* window = FindWindowOf(handle);
-    return window == nullptr ? nullptr : RootOf(*window).handle;
-}
-
 LRESULT HitTest(HWND handle, POINT screen) {
     RECT place{};
     GetWindowRect(handle, &place);

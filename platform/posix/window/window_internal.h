@@ -145,6 +145,7 @@ Window* ContainerOf(
 void Unlink(Window& window);  // out of its container's order
 void Link(Window& window);    // into it: a child at the bottom, another window at the top
 Window& RootOf(Window& window);
+HWND RootHandle(HWND handle);                                                           // takes the lock; null for no window
 bool CanBeSeen(const Window& window);                                                   // it and all above it are shown
 POINT OriginOf(const Window& window);                                                   // its client area's corner on the desktop
 PixelRegion VisibleRegion(const Window& window, bool clipChildren, bool clipSiblings);  // in the root's client coordinates

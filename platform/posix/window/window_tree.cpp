@@ -33,6 +33,12 @@ Window& RootOf(Window& window) {
     return *at;
 }
 
+HWND RootHandle(HWND handle) {
+    const std::lock_guard kernel(KernelLock());
+    Window* window = FindWindowOf(handle);
+    return window == nullptr ? nullptr : RootOf(*window).handle;
+}
+
 bool CanBeSeen(const Window& window) {
     for (const Window* at = &window;; at = FindWindowOf(at->parent)) {
         if (at == nullptr || (at->style & WS_VISIBLE) == 0 || at->messageOnly) return false;

@@ -16,7 +16,7 @@
 #include "time/locale_cache.h"
 
 namespace {
-constexpr __int64 kSecond = 1'000'000, kBegin = 1'780'000'000'000'000;
+constexpr __int64 kBegin = 1'780'000'000'000'000;
 
 // A logger that answers when it is told to, or breaks.
 class FedLogger : public ILogger {
