@@ -85,7 +85,7 @@ std::string CauseOf(const CRecordedGap& gap) {
     return told.empty() ? cause : cause + " (" + told + ")";
 }
 
-bool HasMissing(const CRecordedGap& gap) { return gap.missed > 0 || gap.cause == GC_DAMAGED; }
+bool HasMissing(const CRecordedGap& gap) { return gap.missed > 0 || gap.attempts == 0; }
 
 std::string GapList(const RecordedNotes& notes, const Session& session, TimeRange range) {
     struct Line {

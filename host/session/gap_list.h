@@ -7,7 +7,7 @@
 
 // A line for each that lies in the range or reaches into it. UTF-8.
 std::string GapList(const RecordedNotes& notes, const Session& session, TimeRange range);
-// Not one that was over before it took a reading with it.
+// Not one of an attempt in vain that was over before it took a reading with it.
 bool HasMissing(const CRecordedGap& gap);
 // Why it came, in words: what was told of it, with the code's meaning. UTF-8.
 std::string CauseOf(const CRecordedGap& gap);

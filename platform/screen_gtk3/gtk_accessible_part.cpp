@@ -352,4 +352,8 @@ unsigned InterfacesOf(const OrvikAccessible& said) {
 AtkObject* MakeAccessible(const OrvikAccessible& said) { return ATK_OBJECT(g_object_new(TypeWith(InterfacesOf(said)), nullptr)); }
 
 AccessiblePart& PartOf(gpointer object) { return *reinterpret_cast<PartObject*>(object)->part; }
+void AskPart(gpointer object, OrvikAccessibleAct act) {
+    const AccessiblePart& part = PartOf(object);
+    if (part.owner != nullptr) part.owner->Ask(*part.said, std::move(act));
+}
 bool IsAccessiblePart(gpointer object) { return object != nullptr && g_type_is_a(G_OBJECT_TYPE(object), BaseType()); }

@@ -7,6 +7,8 @@
 #include <tuple>
 
 #include "frame/app_stock.h"
+#include "host/gui/empty_page.h"
+#include "host/gui/menu_commands.h"
 #include "host/gui/recent_files.h"
 #include "host/gui/unsaved_recording.h"
 #include "host/logger/logger_file.h"
@@ -632,6 +634,7 @@ TEST_F(WindowTest, TheListShowsTheValuesUnderThePointer) {
     gap.number = 1;
     gap.from = gap.until = 7'000'000;
     gap.cause = GC_DISK;
+    gap.attempts = 1;
     notes.Add(gap);
     const auto later7 = [&] { return PointedText(session, notes, {7'500'000, 50'000}); };
     EXPECT_EQ(later7(), TimeTextOf(7'500'000)) << "a gap that took no reading";
@@ -668,4 +671,20 @@ TEST_F(WindowTest, TheListShowsTheValuesUnderThePointer) {
     hands.window->Chart().PointAgain(pointer);
     EXPECT_NE(text(0), "8");
     EXPECT_NE(text(0), latest);
+}
+
+// What one can begin with is pressed where it is written, at any size.
+TEST_F(WindowTest, TheEmptyPageIsPressed) {
+    CClientDC dc(hands.window.get());
+    for (const CRect& client : {CRect(0, 0, 800, 600), CRect(10, 20, 130, 90)}) {
+        EmptyPage page;
+        page.Draw(dc, client, 96);
+        std::vector<UINT> found = {0};
+        for (LONG y = client.top; y < client.bottom; ++y) {
+            const UINT command = page.CommandAt({client.CenterPoint().x, y});
+            if (command != found.back()) found.push_back(command);
+        }
+        EXPECT_EQ(found, (std::vector<UINT>{0, kCommandOpen, kCommandDownload, 0})) << client.Width();
+        EXPECT_EQ(page.CommandAt({client.left, client.CenterPoint().y}), 0u);
+    }
 }
