@@ -199,3 +199,23 @@ function(orvik_screens)
   set_target_properties(orvik_screen_gtk3 PROPERTIES PREFIX "" OUTPUT_NAME screen_gtk3 LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/orvik)
   orvik_join(orvik_screen_gtk3)
 endfunction()
+
+# orvik_sink_plugin(target MODULES...): the sources of this folder as a plug-in that sends readings on (record/sink.h), by the pkg-config
+# modules of the client libraries it stands on. Where one of them is missing, so is the plug-in.
+function(orvik_sink_plugin target)
+  string(TOUPPER ${target} prefix)
+  pkg_check_modules(${prefix} IMPORTED_TARGET ${ARGN})
+  if(NOT ${prefix}_FOUND)
+    message(STATUS "No ${ARGN}: ${target} is left out")
+    return()
+  endif()
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/version_record.rc)
+  set_source_files_properties(version_record.rc PROPERTIES LANGUAGE CXX)
+  add_library(${target} MODULE ${sources})
+  target_link_libraries(${target} PRIVATE OrvikShared::OrvikShared orvik_warnings PkgConfig::${prefix})
+  target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR})
+  set_target_properties(${target} PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/plugins
+                                             INSTALL_RPATH "$ORIGIN/../..")
+  set_property(GLOBAL APPEND PROPERTY ORVIK_SINKS ${target})
+  orvik_join(${target})
+endfunction()
