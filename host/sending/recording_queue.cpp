@@ -82,7 +82,7 @@ bool RecordingQueue::Open() {
     const DWORD now = GetTickCount();
     if (m_looked != 0 && now - m_looked < 1000) return false;
     m_looked = now;
-    const std::vector<std::string> files = RecordingsOf(m_plan.path);
+    const std::vector<std::string> files = m_plan.alone ? std::vector<std::string>{m_plan.path} : RecordingsOf(m_plan.path);
     for (size_t i = 0; i < files.size(); ++i) {
         const std::string& file = files[i];
         __int64 began = 0;
@@ -158,6 +158,7 @@ void RecordingQueue::FindResumePoint() {
 
 // At the end of a file: whether another one goes on.
 bool RecordingQueue::MoveOn() {
+    if (m_plan.alone) return false;
     const DWORD now = GetTickCount();
     const bool told = !m_continued.empty();
     if (!told && m_laterBytes == 0 && now - m_looked < kLookEvery) return false;
@@ -251,7 +252,7 @@ bool RecordingQueue::Fill(CSinkBatch& batch, size_t& room) {
                 // The part speaks of this file; the next one has its own.
                 batch.parts.push_back(std::move(part));
                 m_spokenOf.push_back(source);
-                return !m_continued.empty() || m_laterBytes > 0;
+                return !m_plan.alone && (!m_continued.empty() || m_laterBytes > 0);
         }
         if (item != RI_FAILED) {
             m_reached.item = m_reader->ItemOffset();

@@ -29,6 +29,7 @@ public:
         std::string station, logger;
         std::string path;      // the logger's recording
         bool rotates = false;  // others follow beside it
+        bool alone = false;    // this file only, whatever lies beside it
         // What was recorded before it is none of the sink's.
         __int64 notBefore = std::numeric_limits<__int64>::min();
     };

@@ -4,7 +4,7 @@
 #include <system_error>
 #include <utility>
 
-#include "comm/comm_exception.h"
+#include "afx/exception.h"
 #include "host/words/console.h"
 #include "host/words/texts.h"
 #include "time/time_point.h"

@@ -224,7 +224,8 @@ bool IsStation(const CPropertyDB& db) {
 std::vector<RecordingQueue::Plan> Station::QueuesFor(const SinkSettings& sink, __int64 now) const {
     std::vector<RecordingQueue::Plan> queues;
     for (const auto& logger : loggers) {
-        queues.push_back({name, logger->key, logger->record.path, logger->record.rotateEvery != 0 || logger->record.rotateSize != 0});
+        queues.push_back({name, logger->key, logger->record.path, logger->record.rotateEvery != 0 || logger->record.rotateSize != 0,
+                          false, std::numeric_limits<__int64>::min()});
         if (sink.fromNow) queues.back().notBefore = now;
     }
     return queues;
