@@ -235,10 +235,10 @@ std::string Station::PlacesFile(const SinkSettings& sink) const {
     std::string file;
     for (const char letter : sink.key) {
         constexpr char kDigits[] = "0123456789ABCDEF";
-        const auto byte = static_cast<unsigned char>(letter);
+        const auto code = static_cast<unsigned char>(letter);
         const bool plain = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
                            letter == '-' || letter == '_';
-        file += plain ? std::string(1, letter) : std::string{'%', kDigits[byte >> 4], kDigits[byte & 15]};
+        file += plain ? std::string(1, letter) : std::string{'%', kDigits[code >> 4], kDigits[code & 15]};
     }
     return status + "." + file + ".sent";
 }
