@@ -1,11 +1,15 @@
 #include "plugins/sqlite/sqlite_file.h"
 
+#include <chrono>
+#include <thread>
+
 #include "record/sink.h"
 
 namespace sqlite {
 namespace {
 constexpr int kApplication = 0x4F525649, kLayout = 1;  // "ORVI" in the file's head, and the layout beside it
-constexpr int kBusyFor = 10'000;                       // ms that another program may hold the file
+constexpr int kBusyTries = 500;                        // that another program may hold the file: 10 s
+constexpr auto kBusyPause = std::chrono::milliseconds(20);
 
 constexpr char kTables[] = R"(
 CREATE TABLE session (
@@ -51,7 +55,7 @@ void File::Open(const std::string& path, int flags) {
     }
     if (result != SQLITE_OK) Fail();
     sqlite3_extended_result_codes(m_file, 1);
-    sqlite3_busy_timeout(m_file, kBusyFor);
+    sqlite3_busy_handler(m_file, &OnBusy, this);
 }
 
 int File::Layout() {
@@ -82,6 +86,12 @@ void File::OpenToWrite(const std::string& path) {
     Run("PRAGMA synchronous=FULL; PRAGMA cache_size=-65536");
 }
 
+int File::OnBusy(void* self, int tries) {
+    if (static_cast<File*>(self)->m_aborted || tries >= kBusyTries) return 0;
+    std::this_thread::sleep_for(kBusyPause);
+    return 1;
+}
+
 void File::OpenToRead(const std::string& path) {
     Open(path, SQLITE_OPEN_READONLY);
     if (Layout() == 0) throw CSinkFailure(m_path + ": it is empty");
@@ -100,10 +110,7 @@ void File::Run(const char* statements) {
 void File::Abort() {
     const std::lock_guard lock(m_lock);
     m_aborted = true;
-    if (m_file != nullptr) {
-        sqlite3_busy_timeout(m_file, 0);
-        sqlite3_interrupt(m_file);
-    }
+    if (m_file != nullptr) sqlite3_interrupt(m_file);
 }
 
 Statement::Statement(const File& file, const char* text) : m_file(file) {

@@ -28,13 +28,14 @@ public:
 
 private:
     void Open(const std::string& path, int flags);
+    static int OnBusy(void* self, int tries);
     // 0: an empty file.
     int Layout();
 
     sqlite3* m_file = nullptr;
     std::string m_path;
     std::mutex m_lock;  // m_file comes and goes under it
-    bool m_aborted = false;
+    std::atomic<bool> m_aborted = false;
 };
 
 // A statement that is run again and again with other values.

@@ -1,0 +1,171 @@
+// Sessions in a SQLite file, there and back.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <thread>
+
+#include "afx/collections.h"
+#include "frame/numeric_arrays.h"
+#include "plugins/sqlite/sqlite_file.h"
+#include "plugins/sqlite/sqlite_sessions.h"
+#include "plugins/sqlite/sqlite_sink.h"
+#include "propdb/property_db.h"
+#include "tests/servers/batch_maker.h"
+#include "tests/support/test_folder.h"
+
+namespace {
+class Sqlite : public testing::Test {
+protected:
+    // Rows as lines, their fields parted by "|".
+    std::string Ask(const char* question, int fields) {
+        sqlite::File file;
+        file.OpenToRead(path);
+        std::string text;
+        for (sqlite::Statement rows(file, question); rows.Next();) {
+            for (int i = 0; i < fields; ++i) text += (i > 0 ? "|" : "") + (rows.IsNull(i) ? "null" : rows.Text(i));
+            text += "\n";
+        }
+        return text;
+    }
+    static std::string FailureOf(auto work) {
+        try {
+            work();
+        } catch (const CSinkFailure& failure) {
+            return failure.what();
+        }
+        return {};
+    }
+    const TestFolder folder;
+    const std::string path = folder.Path("plant.sqlite");
+};
+}  // namespace
+
+TEST_F(Sqlite, BringsOverEveryKindOnceHoweverOftenItIsSent) {
+    MadeBatch made(0, 8);
+    made.AddNotes();
+    for (int time = 0; time < 3; ++time) {
+        sqlite::Sink sink(path);
+        sink.Connect();
+        sink.Deliver(made.batch);
+        sink.Disconnect();
+    }
+    EXPECT_EQ(Ask("SELECT channel, count(*), count(value), max(time) FROM reading GROUP BY channel", 4),
+              "1|8|8|1700000001873463\n2|6|5|1700000001873463\n");
+    EXPECT_EQ(Ask("SELECT value FROM reading WHERE channel = 2 ORDER BY time", 1), "0.0\n-1.0\n-2.0\nnull\nInf\n-7.0\n");
+    EXPECT_EQ(Ask("SELECT * FROM readings WHERE channel = 'Resistance' LIMIT 1", 6),
+              "Plant|inlet|Resistance|k\u03A9|2023-11-14T22:13:20.123456Z|0.0\n");
+    EXPECT_EQ(Ask("SELECT number, missed, attempts, cause, text, channels FROM gap", 6), "7|1|3|8|no answer; \"none\" 'at all'|2\n");
+    EXPECT_EQ(Ask("SELECT kind, text FROM event", 2), "2|COM5\n");
+    EXPECT_EQ(Ask("SELECT channel, value, text FROM comment", 3), "2|2.5|4 k\u03A9 \\ it's\nhot\n");
+}
+
+TEST_F(Sqlite, GivesASessionBack) {
+    MadeBatch made(0, 8);
+    made.AddNotes();
+    sqlite::Sink sink(path);
+    sink.Connect();
+    sink.Deliver(made.batch);
+    sink.Disconnect();
+    const std::vector<std::string> names = sqlite::SessionNames(path);
+    ASSERT_EQ(names, std::vector<std::string>{"Plant/inlet 2023-11-14T22:13:20.123456Z"});
+    CPropertyDB db;
+    sqlite::LoadSession(path, names[0], db);
+    CInt64Array times;
+    CDoubleArray values;
+    db.GetValue("Session.tTimes", times);
+    ASSERT_EQ(times.GetSize(), 8);
+    for (INT_PTR i = 0; i < 8; ++i) EXPECT_EQ(times.GetAt(i), MadeBatch::kFirst + i * MadeBatch::kStep);
+    db.GetValue("Channels.2.rValues", values);
+    ASSERT_EQ(values.GetSize(), 8);
+    for (INT_PTR i = 0; i < 8; ++i) {
+        const bool none = i == 3 || i == 4 || i == 6;
+        EXPECT_EQ(std::isnan(values.GetAt(i)), none) << i;
+        if (!none) {
+            EXPECT_EQ(values.GetAt(i), i == 5 ? std::numeric_limits<double>::infinity() : -static_cast<double>(i));
+        }
+    }
+    const auto text = [&](const char* key) {
+        CString found;
+        db.GetValue(key, found);
+        return std::string(found.GetString());
+    };
+    EXPECT_EQ(text("Session.sLogger"), "Meter");
+    EXPECT_EQ(text("Channels.2.sUnit"), "k\u03A9");
+    EXPECT_EQ(text("Gaps.sCause"), "no answer, \"none\" 'at all'");
+    EXPECT_EQ(text("Chart.Tags.Comment #0.sText"), "4 k\u03A9 \\ it's\nhot");
+    EXPECT_NE(FailureOf([&] { sqlite::LoadSession(path, "Plant/outlet", db); }), "");
+}
+
+TEST_F(Sqlite, LeavesFilesOfOthersAlone) {
+    const auto refused = [&](const char* part) {
+        const std::string before = folder.Read("plant.sqlite");
+        sqlite::Sink sink(path);
+        const std::string why = FailureOf([&] { sink.Connect(); });
+        sink.Disconnect();
+        EXPECT_NE(why.find(part), std::string::npos) << why;
+        EXPECT_EQ(folder.Read("plant.sqlite"), before);
+    };
+    folder.Write("plant.sqlite", std::string(5000, 'x'));
+    refused("not a database");
+    std::filesystem::remove(path);
+    sqlite3* other = nullptr;
+    sqlite3_open(path.c_str(), &other);
+    sqlite3_exec(other, "CREATE TABLE mine (x)", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    refused("something else");
+    std::filesystem::remove(path);
+    {
+        sqlite::File file;
+        file.OpenToWrite(path);
+        file.Run("PRAGMA user_version=99; PRAGMA journal_mode=DELETE");
+    }
+    refused("later version");
+    EXPECT_NE(FailureOf([&] { sqlite::SessionNames(folder.Path("none.sqlite")); }), "");
+}
+
+// A batch that finds no room goes as a whole, and comes whole once there is some.
+TEST_F(Sqlite, AFullDiskLosesNothing) {
+    sqlite::Sink sink(path);
+    sink.Connect();
+    MadeBatch first(0, 100), second(100, 20'000);
+    sink.Deliver(first.batch);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit full{200'000, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+    EXPECT_NE(FailureOf([&] { sink.Deliver(second.batch); }), "");
+    sink.Disconnect();
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(Ask("SELECT count(*) FROM reading WHERE channel = 1", 1), "100\n");
+    sink.Connect();
+    sink.Deliver(second.batch);
+    EXPECT_EQ(Ask("SELECT count(*), (SELECT * FROM pragma_quick_check) FROM reading WHERE channel = 1", 2), "20000|ok\n");
+}
+
+// Somebody else writes for a long time: it is waited for, and left when the host wants to end.
+TEST_F(Sqlite, WaitsForAnotherWriterUntilItIsToEnd) {
+    sqlite::Sink sink(path);
+    sink.Connect();
+    sqlite::File other;
+    other.OpenToWrite(path);
+    other.Run("BEGIN IMMEDIATE");
+    MadeBatch made(0, 10);
+    std::thread commits([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        other.Run("COMMIT");
+    });
+    sink.Deliver(made.batch);
+    commits.join();
+    other.Run("BEGIN IMMEDIATE");
+    std::thread ends([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        sink.Abort();
+    });
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_NE(FailureOf([&] { sink.Deliver(made.batch); }), "");
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(5));
+    ends.join();
+}
