@@ -13,6 +13,7 @@
 #include "host/session/recording_files.h"
 #include "host/session/session_file.h"
 #include "host/words/texts.h"
+#include "record/recorder.h"
 
 namespace {
 // Removed when it has done its work.
@@ -41,7 +42,13 @@ void StoreToSend(const std::string& path, const SessionFile& file) {
     model.Load(*stored.db);
     if (model.Tags().empty()) return;
     model.Store(*stored.db);
-    SaveIntoRecording(path, *stored.db);
+    // Without the event of a saving: nobody saved anything.
+    const std::unique_ptr<CPropertyDB> facts = FactsBesideReadings(*stored.db);
+    CRecorder recorder;
+    DWORD error = recorder.Resume(path);
+    if (error == ERROR_SUCCESS) error = recorder.AddFacts(*facts);
+    if (error == ERROR_SUCCESS) error = recorder.Close();
+    if (error != ERROR_SUCCESS) throw Failure{kFileFailed, Say(Text::FileNotWritten, {ToUtf8(path), Reason(error)})};
 }
 
 template <class Work>

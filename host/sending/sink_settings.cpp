@@ -8,15 +8,13 @@
 #include "host/words/console.h"
 #include "host/words/texts.h"
 
-namespace {
-ISinkFamily& FamilyOf(CHostApp& app, const std::string& name) {
+ISinkFamily& SinkFamily(CHostApp& app, const std::string& name) {
     if (ISinkFamily* const family = app.Plugins().FindSink(name)) return *family;
     const std::vector<std::string> known = app.Plugins().SinkFamilies();
     std::string names;
     for (const std::string& one : known) names += (names.empty() ? "" : ", ") + one;
     throw Failure{kWrongUse, known.empty() ? Say(Text::SinkNoFamilies, {ToUtf8(name)}) : Say(Text::SinkNoFamily, {ToUtf8(name), names})};
 }
-}  // namespace
 
 std::shared_ptr<const SinkSettings> ReadSinkSettings(CHostApp& app, CPropertyDB& db, const std::string& key,
                                                      const std::string& file) {
@@ -29,7 +27,7 @@ std::shared_ptr<const SinkSettings> ReadSinkSettings(CHostApp& app, CPropertyDB&
     db.GetValue("sSink", text);
     made->family = text.GetString();
     if (made->family.empty()) throw Failure{kWrongUse, Say(Text::StationKeyMissing, {"sSink"})};
-    ISinkFamily& family = FamilyOf(app, made->family);
+    ISinkFamily& family = SinkFamily(app, made->family);
     std::vector<const char*> keys = {"sSink", "sFrom"};
     for (const char* const* each = family.SettingKeys(); each != nullptr && *each != nullptr; ++each) keys.push_back(*each);
     keys.push_back(nullptr);
@@ -60,7 +58,7 @@ std::unique_ptr<ISink> MakeSink(CHostApp& app, const SinkSettings& settings) {
     CPropertyDB own;
     own.OverlayCopy(&settings.own, nullptr, nullptr, TRUE);
     try {
-        return std::unique_ptr<ISink>(FamilyOf(app, settings.family).CreateSink(own, settings.folder.c_str()));
+        return std::unique_ptr<ISink>(SinkFamily(app, settings.family).CreateSink(own, settings.folder.c_str()));
     } catch (const CSinkFailure& failure) {
         throw Failure{kWrongUse, std::string(failure.what()) + "."};
     }

@@ -21,4 +21,6 @@ struct SinkSettings {
 // Checks everything but whether the far end can be reached. A Failure with a sentence that names the key.
 std::shared_ptr<const SinkSettings> ReadSinkSettings(CHostApp& app, CPropertyDB& db, const std::string& key,
                                                      const std::string& file);
+// A Failure that names those that are there.
+ISinkFamily& SinkFamily(CHostApp& app, const std::string& name);
 std::unique_ptr<ISink> MakeSink(CHostApp& app, const SinkSettings& settings);
