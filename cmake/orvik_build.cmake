@@ -204,7 +204,7 @@ endfunction()
 # modules of the client libraries it stands on. Where one of them is missing, so is the plug-in.
 function(orvik_sink_plugin target)
   string(TOUPPER ${target} prefix)
-  pkg_check_modules(${prefix} IMPORTED_TARGET ${ARGN})
+  pkg_check_modules(${prefix} IMPORTED_TARGET GLOBAL ${ARGN})
   if(NOT ${prefix}_FOUND)
     message(STATUS "No ${ARGN}: ${target} is left out")
     return()
