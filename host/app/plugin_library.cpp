@@ -43,7 +43,7 @@ std::vector<std::string> FilesIn(const std::string& folder) {
 }  // namespace
 
 PluginLibrary::~PluginLibrary() {
-    for (const auto& [name, loaded] : m_loaded) FreeLibrary(loaded.module);
+    for (const auto& [stamp, module] : m_loaded) FreeLibrary(module);
 }
 
 std::vector<std::string> PluginLibrary::Folders() {
@@ -55,15 +55,40 @@ std::vector<std::string> PluginLibrary::Folders() {
 }
 
 ILoggerFamily* PluginLibrary::Find(const std::string& family) {
-    const auto known = m_loaded.find(family);
-    if (known != m_loaded.end()) return known->second.family;
+    return FamilyOf<ILoggerFamily>(family, ORVIK_PLUGIN_FAMILY_NAME);
+}
+
+ISinkFamily* PluginLibrary::FindSink(const std::string& family) {
+    return FamilyOf<ISinkFamily>(ORVIK_SINK_STAMP + family, ORVIK_PLUGIN_SINK_FAMILY_NAME);
+}
+
+template <class Family>
+Family* PluginLibrary::FamilyOf(const std::string& stamp, const char* entry) {
+    const HMODULE module = FindStamped(stamp);
+    if (module == nullptr) return nullptr;
+    const auto give = reinterpret_cast<Family* (*)()>(reinterpret_cast<void*>(GetProcAddress(module, entry)));
+    Family* const family = give == nullptr ? nullptr : give();
+    if (family != nullptr) return family;
+    char path[4096] = "";
+    GetModuleFileNameA(module, path, sizeof path);
+    throw Failure{kWrongUse, Say(Text::PluginBroken, {ToUtf8(path), Reason(ERROR_PROC_NOT_FOUND)})};
+}
+
+HMODULE PluginLibrary::FindStamped(const std::string& stamp) {
+    const auto known = m_loaded.find(stamp);
+    if (known != m_loaded.end()) return known->second;
     std::string otherVersion;
     for (const std::string& folder : Folders()) {
         for (const std::string& path : FilesIn(folder)) {
             CString name, version;
             const EPluginFit fit = OrvikCheckPlugin(path.c_str(), name, version);
-            if ((fit != PF_FITS && fit != PF_OTHER_VERSION) || family != static_cast<const char*>(name)) continue;
-            if (fit == PF_FITS) return Load(path);
+            if ((fit != PF_FITS && fit != PF_OTHER_VERSION) || stamp != static_cast<const char*>(name)) continue;
+            if (fit == PF_FITS) {
+                const HMODULE module = LoadLibraryA(path.c_str());
+                const DWORD error = GetLastError();
+                if (module == nullptr) throw Failure{kWrongUse, Say(Text::PluginBroken, {ToUtf8(path), Reason(error)})};
+                return m_loaded[stamp] = module;
+            }
             // A fitting one may still be found; if not, this is what the user has to know.
             otherVersion =
                 Say(Text::PluginOtherVersion, {ToUtf8(path), ToUtf8(static_cast<const char*>(version)), ORVIK_MODULE_VERSION});
@@ -73,30 +98,31 @@ ILoggerFamily* PluginLibrary::Find(const std::string& family) {
     return nullptr;
 }
 
-std::vector<std::string> PluginLibrary::Families() {
-    std::set<std::string> families;
-    for (const std::string& folder : Folders()) {
+namespace {
+bool IsSink(const std::string& stamp) { return stamp.starts_with(ORVIK_SINK_STAMP); }
+
+std::set<std::string> StampsThatFit() {
+    std::set<std::string> stamps;
+    for (const std::string& folder : PluginLibrary::Folders()) {
         for (const std::string& path : FilesIn(folder)) {
             CString name, version;
-            if (OrvikCheckPlugin(path.c_str(), name, version) == PF_FITS) families.insert(static_cast<const char*>(name));
+            if (OrvikCheckPlugin(path.c_str(), name, version) == PF_FITS) stamps.insert(static_cast<const char*>(name));
         }
     }
-    return {families.begin(), families.end()};
+    return stamps;
+}
+}  // namespace
+
+std::vector<std::string> PluginLibrary::Families() {
+    std::set<std::string> stamps = StampsThatFit();
+    std::erase_if(stamps, IsSink);
+    return {stamps.begin(), stamps.end()};
 }
 
-ILoggerFamily* PluginLibrary::Load(const std::string& path) {
-    const HMODULE module = LoadLibraryA(path.c_str());
-    const DWORD error = GetLastError();
-    if (module == nullptr) throw Failure{kWrongUse, Say(Text::PluginBroken, {ToUtf8(path), Reason(error)})};
-    const auto entry =
-        reinterpret_cast<OrvikPluginFamilyFunction>(reinterpret_cast<void*>(GetProcAddress(module, ORVIK_PLUGIN_FAMILY_NAME)));
-    ILoggerFamily* family = entry == nullptr ? nullptr : entry();
-    if (family == nullptr) {
-        FreeLibrary(module);
-        throw Failure{kWrongUse, Say(Text::PluginBroken, {ToUtf8(path), Reason(ERROR_PROC_NOT_FOUND)})};
+std::vector<std::string> PluginLibrary::SinkFamilies() {
+    std::vector<std::string> families;
+    for (const std::string& stamp : StampsThatFit()) {
+        if (IsSink(stamp)) families.push_back(stamp.substr(sizeof ORVIK_SINK_STAMP - 1));
     }
-    CString name, version;
-    OrvikCheckPlugin(path.c_str(), name, version);
-    m_loaded[static_cast<const char*>(name)] = {module, family};
-    return family;
+    return families;
 }

@@ -27,4 +27,5 @@ ExitCode RunRecord(CHostApp& app, const Words& words);
 ExitCode RunStatus(CHostApp& app, const Words& words);
 ExitCode RunReload(CHostApp& app, const Words& words);
 ExitCode RunRecover(CHostApp& app, const Words& words);
+ExitCode RunSend(CHostApp& app, const Words& words);
 ExitCode RunWrite(CHostApp& app, const Words& words);

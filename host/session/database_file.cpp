@@ -148,6 +148,24 @@ void StoreDatabase(const std::string& path, CPropertyDB& db, WorkProgress* progr
     check(replacement.Commit());
 }
 
+DWORD StoreOften(const std::string& path, CPropertyDB& db) {
+    const std::string fresh = path + ".new";
+    CFile file;
+    CFileException failure;
+    if (!file.Open(fresh.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite, &failure))
+        return static_cast<DWORD>(failure.m_lOsError);
+    const bool stored = db.StoreToFile(&file, FALSE, FALSE) != 0;
+    const DWORD error = stored ? DWORD{ERROR_SUCCESS} : GetLastError();
+    try {
+        file.Close();
+    } catch (CException* closing) {
+        closing->Delete();
+        return ERROR_DISK_FULL;
+    }
+    if (!stored) return error != ERROR_SUCCESS ? error : DWORD{ERROR_DISK_FULL};
+    return MoveFileExA(fresh.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING) ? DWORD{ERROR_SUCCESS} : GetLastError();
+}
+
 unsigned __int64 FileSize(const std::string& path) {
     CFileStatus status;
     return CFile::GetStatus(path.c_str(), status) ? status.m_size : 0;

@@ -20,6 +20,8 @@ void LoadDatabase(const std::string& path, CPropertyDB& db, WorkProgress* progre
 void CheckXml(const std::string& path);
 // Reals are written to XML with all their digits.
 void StoreDatabase(const std::string& path, CPropertyDB& db, WorkProgress* progress = nullptr, unsigned __int64 size = 0);
+// In the archive form, as a whole or not at all, but not forced to the disk: for what is written again every second. A Win32 code.
+DWORD StoreOften(const std::string& path, CPropertyDB& db);
 // Bytes; 0 for a file that there is not.
 unsigned __int64 FileSize(const std::string& path);
 // Before long work whose result is to be stored at `path`: a Failure now if that is known to be impossible. What stands there

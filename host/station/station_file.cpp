@@ -31,6 +31,7 @@ constexpr const char* kKeys[] = {"sName",
                                  "Loggers.*.nCount",
                                  "Loggers.*.sGiveUp",
                                  "Loggers.*.Description.*",  // the description's own keys are checked with it
+                                 "Sinks.*.*",                // and so are those of what readings are sent to
                                  nullptr};
 
 bool IsAbsolute(const std::string& path) {
@@ -220,6 +221,28 @@ bool IsStation(const CPropertyDB& db) {
     return false;
 }
 
+std::vector<RecordingQueue::Plan> Station::QueuesFor(const SinkSettings& sink, __int64 now) const {
+    std::vector<RecordingQueue::Plan> queues;
+    for (const auto& logger : loggers) {
+        queues.push_back({name, logger->key, logger->record.path, logger->record.rotateEvery != 0 || logger->record.rotateSize != 0,
+                          false, std::numeric_limits<__int64>::min()});
+        if (sink.fromNow) queues.back().notBefore = now;
+    }
+    return queues;
+}
+
+std::string Station::PlacesFile(const SinkSettings& sink) const {
+    std::string file;
+    for (const char letter : sink.key) {
+        constexpr char kDigits[] = "0123456789ABCDEF";
+        const auto code = static_cast<unsigned char>(letter);
+        const bool plain = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
+                           letter == '-' || letter == '_';
+        file += plain ? std::string(1, letter) : std::string{'%', kDigits[code >> 4], kDigits[code & 15]};
+    }
+    return status + "." + file + ".sent";
+}
+
 std::string StatusFileOf(const std::string& path) {
     CPropertyDB db;
     LoadDatabase(path, db);
@@ -248,6 +271,19 @@ Station ReadStation(CHostApp& app, const std::string& path) {
         db.Remove(description.c_str());
         station.loggers.push_back(LoggerReader(app, db, path, key).Read(own, mistakes));
     }
+    keys.RemoveAll();
+    db.Enum("Sinks", keys, FALSE, FALSE);
+    for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
+        const std::string key = keys.GetAt(i).GetString();
+        try {
+            CPropertyDB own;
+            own.OverlayCopy(&db, ("Sinks." + key + ".").c_str(), nullptr, FALSE);
+            station.sinks.push_back(ReadSinkSettings(app, own, key, path));
+        } catch (const Failure& failure) {
+            mistakes.push_back(Say(Text::SinkMistake, {ToUtf8(key), failure.sentence}));
+        }
+    }
+    db.Remove("Sinks");
     for (const StrayKey& stray : FindStrayKeys(db, kKeys))
         mistakes.push_back(Say(Text::StationUnknownKey, {ToUtf8(stray.key), ToUtf8(stray.meant)}));
     CheckFiles(station, mistakes);

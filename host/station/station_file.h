@@ -9,6 +9,8 @@
 #include "host/app/host_app.h"
 #include "host/measurement/download.h"
 #include "host/measurement/recording_writer.h"
+#include "host/sending/recording_queue.h"
+#include "host/sending/sink_settings.h"
 #include "propdb/property_db.h"
 
 struct StationLogger {
@@ -25,6 +27,11 @@ struct Station {
     std::string path, name;
     std::string status;                                         // the file in which the recorder tells what it does
     std::vector<std::shared_ptr<const StationLogger>> loggers;  // in the order of their keys
+    std::vector<std::shared_ptr<const SinkSettings>> sinks;     // where readings go besides their files
+
+    // The recordings of all loggers, for one of the sinks; and the file in which it keeps up to where it has them.
+    std::vector<RecordingQueue::Plan> QueuesFor(const SinkSettings& sink, __int64 now) const;
+    std::string PlacesFile(const SinkSettings& sink) const;
 };
 
 // Every mistake that was found, one sentence for each, with the logger and the key it is about.

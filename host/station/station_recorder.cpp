@@ -17,8 +17,11 @@ BEGIN_MESSAGE_MAP(StationRecorder, CWnd)
 ON_REGISTERED_MESSAGE(s_news, OnNews)
 END_MESSAGE_MAP()
 
-StationRecorder::StationRecorder(CHostApp& app, Station station, bool trace, bool hex)
-    : m_app(app), m_station(std::move(station)), m_trace(trace), m_hex(hex), m_watchdog(OrvikServiceWatchdog()) {
+StationRecorder::StationRecorder(CHostApp& app, Station station, std::vector<std::shared_ptr<const SinkSettings>> sinks, bool trace,
+                                 bool hex)
+    : m_app(app), m_station(std::move(station)), m_trace(trace), m_hex(hex), m_moreSinks(std::move(sinks)),
+      m_watchdog(OrvikServiceWatchdog()) {
+    AddSinks();
     CreateEx(0, AfxRegisterWndClass(0), "OrvikStation", WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE, nullptr);
     m_status.name = m_station.name;
     m_status.started = m_clock.Calendar();
@@ -47,6 +50,7 @@ StationRecorder::Result StationRecorder::Run() {
     CheckFiles(m_station);
     DeleteFileA(ReloadWishOf(m_station.status).c_str());  // of an earlier life
     m_waiting = m_station.loggers;
+    StartSinks();
     StartWaiting();
     m_progress.Clear();
     Print(Say(Text::StationRuns, {ToUtf8(m_station.name), std::to_string(m_station.loggers.size())}));
@@ -65,6 +69,57 @@ StationRecorder::Result StationRecorder::Run() {
         if (now - m_second >= kSecond) EverySecond(now);
     }
     return Finish();
+}
+
+void StationRecorder::AddSinks() {
+    m_station.sinks.insert(m_station.sinks.end(), m_moreSinks.begin(), m_moreSinks.end());
+}
+
+// Those that are described as before go on.
+void StationRecorder::StartSinks() {
+    std::map<std::string, Sending> before = std::exchange(m_sinks, {});
+    for (const auto& settings : m_station.sinks) {
+        std::vector<RecordingQueue::Plan> queues = m_station.QueuesFor(*settings, m_clock.Calendar());
+        const auto same = before.find(settings->key);
+        if (same != before.end() && same->second.settings->identity == settings->identity) {
+            same->second.sender->SetLoggers(std::move(queues));
+            m_sinks[settings->key] = std::move(same->second);
+            continue;
+        }
+        if (same != before.end()) before.erase(same);  // lets go of the places before another one takes them
+        try {
+            SinkSender::Plan plan{settings->key, settings->family, m_station.PlacesFile(*settings), std::move(queues)};
+            m_sinks[settings->key] = {settings, std::make_unique<SinkSender>(std::move(plan), MakeSink(m_app, *settings)), {}};
+        } catch (const Failure& failure) {
+            m_progress.Clear();
+            PrintError(Say(Text::SinkMistake, {ToUtf8(settings->key), failure.sentence}));
+        }
+    }
+}
+
+void StationRecorder::HearSinks() {
+    for (auto& [key, sending] : m_sinks) {
+        sending.report = sending.sender->Report();
+        for (const std::string& sentence : std::exchange(sending.report.sentences, {})) {
+            m_progress.Clear();
+            PrintError(sentence);
+        }
+    }
+}
+
+// All loggers have ended: what is still on its way gets a few seconds; the rest goes with the next start.
+void StationRecorder::FinishSinks() {
+    constexpr DWORD kMost = 5000;  // ms
+    m_status.ended = true;
+    const auto told = std::make_shared<const CSinkStatus>(m_status.ForSinks());
+    for (auto& [key, sending] : m_sinks) sending.sender->Tell(told);
+    std::map<std::string, bool> all;
+    for (auto& [key, sending] : m_sinks) all[key] = sending.sender->Finish(kMost);
+    HearSinks();
+    for (const auto& [key, sending] : m_sinks) {
+        if (sending.report.sent > 0) m_result.lines.push_back(Say(Text::SinkSummary, {ToUtf8(key), std::to_string(sending.report.sent)}));
+        if (!all[key]) m_result.lines.push_back(Say(Text::SinkLeft, {ToUtf8(key)}));
+    }
 }
 
 void StationRecorder::StartWaiting() {
@@ -202,7 +257,11 @@ void StationRecorder::Reload() {
         });
         const std::string started = std::to_string(fresh.size()), goesOn = std::to_string(station.loggers.size() - planned);
         if (station.status != m_station.status) DeleteFileA(m_station.status.c_str());
+        // Places lie beside the status file.
+        if (station.status != m_station.status || station.name != m_station.name) m_sinks.clear();
         m_station = std::move(station);
+        AddSinks();
+        StartSinks();
         m_waiting = std::move(fresh);
         m_changed = true;
         m_status.name = m_station.name;
@@ -238,6 +297,7 @@ void StationRecorder::EverySecond(__int64 now) {
         Reload();
         DeleteFileA(wish.c_str());
     }
+    HearSinks();
     WriteStatus(false);
     TellService();
     const auto reads = std::count_if(m_running.begin(), m_running.end(), [](const auto& entry) {
@@ -299,6 +359,12 @@ void StationRecorder::WriteStatus(bool ended) {
         if (report != nullptr && report->last.size() == logger.channels.size()) logger.report = *report;
         m_status.loggers.push_back(std::move(logger));
     }
+    m_status.sinks.clear();
+    for (const auto& [key, sending] : m_sinks) m_status.sinks.push_back({key, sending.settings->family, sending.report});
+    if (!m_sinks.empty()) {
+        const auto told = std::make_shared<const CSinkStatus>(m_status.ForSinks());
+        for (const auto& [key, sending] : m_sinks) sending.sender->Tell(told);
+    }
     const DWORD error = m_status.Store(m_station.status);
     const std::string sentence =
         error == ERROR_SUCCESS ? std::string() : Say(Text::FileNotWritten, {ToUtf8(m_station.status), Reason(error)});
@@ -312,7 +378,9 @@ void StationRecorder::WriteStatus(bool ended) {
 
 StationRecorder::Result StationRecorder::Finish() {
     m_ports.clear();
+    FinishSinks();
     WriteStatus(true);
+    m_sinks.clear();
     m_progress.Clear();
     return m_result;
 }

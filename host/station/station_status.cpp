@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "afx/collections.h"
-#include "afx/file.h"
 #include "host/session/database_file.h"
 #include "host/session/time_stamp.h"
 #include "host/session/value_text.h"
@@ -123,6 +122,30 @@ StationStatus::Logger LoadLogger(const CPropertyDB& db, const std::string& key) 
     return logger;
 }
 
+void StoreSink(CPropertyDB& db, const StationStatus::Sink& sink) {
+    db.BeginUsing(("Sinks." + sink.key).c_str());
+    db.SetValue("sFamily", sink.family.c_str());
+    db.SetValue("nReached", static_cast<unsigned short>(sink.report.reached ? 1 : 0));
+    db.SetValue("tSince", sink.report.since);
+    db.SetValue("sWhy", sink.report.why.c_str());
+    db.SetValue("nSent", static_cast<__int64>(sink.report.sent));
+    db.SetValue("nBehind", static_cast<__int64>(sink.report.behind));
+    db.SetValue("tUpTo", sink.report.upTo);
+    db.EndUsing();
+}
+
+StationStatus::Sink LoadSink(const CPropertyDB& db, const std::string& key) {
+    const std::string at = "Sinks." + key + ".";
+    StationStatus::Sink sink{key, TextAt(db, at + "sFamily"), {}};
+    sink.report.reached = NumberAt<unsigned short>(db, at + "nReached") != 0;
+    sink.report.since = NumberAt<__int64>(db, at + "tSince");
+    sink.report.why = ToUtf8(TextAt(db, at + "sWhy"));
+    sink.report.sent = static_cast<unsigned __int64>(NumberAt<__int64>(db, at + "nSent"));
+    sink.report.behind = static_cast<unsigned __int64>(NumberAt<__int64>(db, at + "nBehind"));
+    sink.report.upTo = NumberAt<__int64>(db, at + "tUpTo");
+    return sink;
+}
+
 // To a tenth.
 std::string Milliseconds(double microseconds) { return ShortTextOf(std::round(microseconds / 100) / 10); }
 }  // namespace
@@ -152,21 +175,8 @@ DWORD StationStatus::Store(const std::string& path) const {
     db.SetValue("Station.nRefused", static_cast<unsigned short>(refused ? 1 : 0));
     db.SetPath("Loggers");
     for (const Logger& logger : loggers) StoreLogger(db, logger);
-    const std::string fresh = path + ".new";
-    CFile file;
-    CFileException failure;
-    if (!file.Open(fresh.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite, &failure))
-        return static_cast<DWORD>(failure.m_lOsError);
-    const bool stored = db.StoreToFile(&file, FALSE, FALSE) != 0;
-    const DWORD error = stored ? DWORD{ERROR_SUCCESS} : GetLastError();
-    try {
-        file.Close();
-    } catch (CException* closing) {
-        closing->Delete();
-        return ERROR_DISK_FULL;
-    }
-    if (!stored) return error != ERROR_SUCCESS ? error : DWORD{ERROR_DISK_FULL};
-    return MoveFileExA(fresh.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING) ? DWORD{ERROR_SUCCESS} : GetLastError();
+    for (const Sink& sink : sinks) StoreSink(db, sink);
+    return StoreOften(path, db);
 }
 
 bool StationStatus::Load(const std::string& path) {
@@ -182,6 +192,10 @@ bool StationStatus::Load(const std::string& path) {
     db.Enum("Loggers", keys, FALSE, FALSE);
     loggers.clear();
     for (INT_PTR i = 0; i < keys.GetSize(); ++i) loggers.push_back(LoadLogger(db, keys.GetAt(i).GetString()));
+    keys.RemoveAll();
+    db.Enum("Sinks", keys, FALSE, FALSE);
+    sinks.clear();
+    for (INT_PTR i = 0; i < keys.GetSize(); ++i) sinks.push_back(LoadSink(db, keys.GetAt(i).GetString()));
     return true;
 }
 
@@ -220,7 +234,48 @@ std::string StationStatus::Json(bool running) const {
         }
         out += "]}";
     }
+    out += "],\"sinks\":[";
+    for (const Sink& sink : sinks) {
+        const SinkReport& report = sink.report;
+        out += std::string(&sink != sinks.data() ? "," : "") + "{\"key\":" + JsonText(ToUtf8(sink.key)) +
+               ",\"kind\":" + JsonText(ToUtf8(sink.family)) + ",\"reached\":" + (report.reached ? "true" : "false") +
+               ",\"since\":" + JsonText(UtcText(report.since)) + ",\"why\":" + JsonText(report.why) +
+               ",\"sent\":" + std::to_string(report.sent) + ",\"behind_bytes\":" + std::to_string(report.behind) +
+               ",\"up_to\":" + (report.upTo != 0 ? JsonText(UtcText(report.upTo)) : "null") + "}";
+    }
     return out + "]}";
+}
+
+CSinkStatus StationStatus::ForSinks() const {
+    CSinkStatus status;
+    status.station = ToUtf8(name);
+    status.time = written;
+    status.started = started;
+    status.ended = ended;
+    for (const Logger& logger : loggers) {
+        const LoggerReport& report = logger.report;
+        CSinkLogger told;
+        told.logger = ToUtf8(logger.key);
+        told.state = static_cast<ESinkState>(report.state);
+        told.since = report.since;
+        told.why = report.why;
+        told.made = report.made;
+        told.missing = report.missing;
+        told.waiting = report.waiting;
+        told.late = report.late;
+        told.veryLate = report.veryLate;
+        told.latest = report.latest;
+        for (const GapKeeper::Count& cause : report.causes) told.causes.push_back({ToUtf8(cause.text), cause.missed});
+        for (size_t i = 0; i < logger.channels.size(); ++i) {
+            const Logger::Channel& channel = logger.channels[i];
+            told.channels.push_back({ToUtf8(channel.key), ToUtf8(channel.name), ToUtf8(channel.unit)});
+            told.last.push_back({report.last[i].value, report.last[i].time});
+        }
+        status.loggers.push_back(std::move(told));
+    }
+    for (const Sink& sink : sinks)
+        status.sinks.push_back({ToUtf8(sink.key), ToUtf8(sink.family), sink.report.reached, sink.report.behind, sink.report.sent});
+    return status;
 }
 
 std::string StationStatus::Words(bool running) const {
@@ -255,6 +310,13 @@ std::string StationStatus::Words(bool running) const {
             line(Isolated(ToUtf8(channel.name)) + ": " + Isolated(value) +
                  (channel.unit.empty() ? "" : " " + Isolated(ToUtf8(channel.unit))) + "  " + Isolated(TimeTextOf(last.time)));
         }
+    }
+    for (const Sink& sink : sinks) {
+        const SinkReport& report = sink.report;
+        out += "\n" + Say(report.reached ? Text::SinkSends : Text::SinkWaits,
+                          {Isolated(ToUtf8(sink.key)), Isolated(ToUtf8(sink.family)), Isolated(TimeTextOf(report.since))});
+        if (!report.why.empty()) line(Isolated(report.why));
+        line(Say(Text::SinkCounts, {std::to_string(report.sent), std::to_string(report.behind)}));
     }
     return out;
 }

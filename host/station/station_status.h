@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/sending/sink_sender.h"
 #include "host/station/logger_report.h"
 #include "host/station/station_file.h"
 
@@ -26,6 +27,14 @@ struct StationStatus {
     std::string reloaded;
     bool refused = false;
     std::vector<Logger> loggers;
+    struct Sink {
+        std::string key, family;
+        SinkReport report;  // without sentences
+    };
+    std::vector<Sink> sinks;
+
+    // What sinks are told of it.
+    CSinkStatus ForSinks() const;
 
     // The channels and the port of one, with nothing read yet.
     static Logger Of(const StationLogger& plan);

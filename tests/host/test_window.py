@@ -508,8 +508,13 @@ class WindowFlow(Flow):
         """The bar between chart and list to another place, and back by a step back."""
         start = window.steady(lambda picture: picture.bar(), "the split bar")
         window.point(start + 3, 300)
+        before = window.picture()
         screen.button(True)
         window.point(start - 60, 300)
+        # A window manager holds a press back until it has looked at it, and the screen lets go of the button where the pointer is
+        # by then: on a busy machine it must be seen that the drag goes on.
+        until(lambda: window.picture() != before, "the bar on its way")
+        window.settled()
         window.point(start - 97, 300)
         window.release()
         screen.away()
