@@ -114,8 +114,7 @@ void Broker::Knock() {
 void Broker::Begin(const std::string& client, const std::optional<Message>& will, int protocol) {
     const Lock lock(m_lock);
     m_stop = false;
-    m_answer.reset(), m_subscribed.reset(), m_failed.reset(), m_listener = nullptr;
-    m_detail.clear(), m_flying.clear(), m_bytes = 0;
+    m_detail.clear();
     m_progress = Clock::now();
     m_client = mosquitto_new(client.empty() ? nullptr : client.c_str(), true, this);
     m_wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
@@ -202,8 +201,9 @@ void Broker::Run() {
         eventfd_t count = 0;
         eventfd_read(m_wake, &count);
         int error = MOSQ_ERR_SUCCESS;
-        if (sources[0].revents & POLLOUT) error = mosquitto_loop_write(m_client, 1);
-        if (error == MOSQ_ERR_SUCCESS && (sources[0].revents & ~POLLOUT) != 0) error = mosquitto_loop_read(m_client, 1);
+        // What the broker said last tells why it takes no more, so it comes first.
+        if (sources[0].revents & ~POLLOUT) error = mosquitto_loop_read(m_client, 1);
+        if (error == MOSQ_ERR_SUCCESS && (sources[0].revents & POLLOUT) != 0) error = mosquitto_loop_write(m_client, 1);
         if (error == MOSQ_ERR_SUCCESS) error = mosquitto_loop_misc(m_client);
         // A refusal ends the connection, too, and says more.
         if (error != MOSQ_ERR_SUCCESS && (!m_answer || *m_answer == 0)) LoseBy(error);
@@ -280,7 +280,9 @@ void Broker::Publish(const Message& message) {
     Await(lock, hasRoom, kPatience, NotAcknowledged);
     const int error = Send(message);
     if (error == MOSQ_ERR_SUCCESS) return;
-    if (error == MOSQ_ERR_NO_CONN || error == MOSQ_ERR_CONN_LOST || error == MOSQ_ERR_ERRNO) {
+    if (error == MOSQ_ERR_NO_CONN || error == MOSQ_ERR_CONN_LOST || error == MOSQ_ERR_ERRNO || error == MOSQ_ERR_TLS) {
+        // The other thread may still read why.
+        m_change.wait_for(lock, 200ms, [this] { return m_failed.has_value(); });
         LoseBy(error);
     } else {
         Fail(Failure(MessageRefused, m_address, message.topic.c_str(), WithoutStop(mosquitto_strerror(error)).c_str()));
@@ -316,7 +318,8 @@ void Broker::End() {
     if (m_wake >= 0) close(m_wake);
     m_client = nullptr;
     m_wake = -1;
-    m_answer.reset();
+    m_answer.reset(), m_subscribed.reset(), m_failed.reset(), m_listener = nullptr;
+    m_flying.clear(), m_bytes = 0;
 }
 
 void Broker::Abort() {
