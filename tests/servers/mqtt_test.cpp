@@ -462,6 +462,63 @@ TEST_F(Mqtt, EncryptedAndKnownByCertificates) {
     EXPECT_NE(Greeting({{"sAddress", "mqtt://localhost:" + std::to_string(port)}}), "");  // and TLS
 }
 
+// A broker that knows MQTT 3.1.1 only: refuses anything else, and acknowledges whatever comes. How many messages came.
+size_t ServeOldProtocol(int listener) {
+    const auto take = [](int from, size_t size) {
+        std::string bytes(size, 0);
+        return recv(from, bytes.data(), size, MSG_WAITALL) == static_cast<ssize_t>(size) ? bytes : std::string();
+    };
+    size_t messages = 0;
+    bool over = false;
+    while (!over) {
+        const int from = accept(listener, nullptr, nullptr);
+        for (std::string head; !(head = take(from, 1)).empty();) {
+            size_t size = 0, shift = 0;
+            unsigned char byte = 0;
+            do {
+                byte = static_cast<unsigned char>(take(from, 1)[0]);
+                size |= static_cast<size_t>(byte & 0x7F) << shift;
+                shift += 7;
+            } while (byte & 0x80);
+            const std::string body = size == 0 ? std::string() : take(from, size);
+            const int kind = static_cast<unsigned char>(head[0]) >> 4;
+            if (kind == 1) {
+                const bool known = body[6] == 4;
+                send(from, known ? "\x20\x02\x00\x00" : "\x20\x02\x00\x01", 4, 0);
+                if (!known) break;
+            } else if (kind == 3) {
+                const size_t topic = static_cast<size_t>(static_cast<unsigned char>(body[0]) << 8 | static_cast<unsigned char>(body[1]));
+                send(from, ("\x40\x02" + body.substr(2 + topic, 2)).data(), 4, 0);
+                ++messages;
+            } else if (kind == 14) {
+                over = true;
+            }
+        }
+        close(from);
+    }
+    return messages;
+}
+
+TEST_F(Mqtt, ABrokerOfTheProtocolBefore) {
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<uint16_t>(m_port));
+    const int yes = 1;
+    setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    listen(listener, 5);
+    auto served = std::async(std::launch::async, ServeOldProtocol, listener);
+    const CSinkSource source = Source();
+    const auto sink = Make();
+    sink->Connect();
+    sink->Deliver({{Part(source, 3000)}});
+    sink->Disconnect();
+    EXPECT_EQ(served.get(), 3001u);
+    close(listener);
+}
+
 TEST_F(Mqtt, SparkplugBirthsAndNumbers) {
     ASSERT_NO_FATAL_FAILURE(StartBroker());
     Witness witness(m_port, "spBv1.0/#");
