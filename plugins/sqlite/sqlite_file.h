@@ -15,13 +15,15 @@ class File {
 public:
     // To write: made where it is missing. A file of anybody else's, or of a later layout, is refused and left as it is.
     void OpenToWrite(const std::string& path);
+    // Also where nothing may be written beside it.
     void OpenToRead(const std::string& path);
     void Close();
     ~File() { Close(); }
 
-    void Run(const char* statements);
+    void Run(const std::string& statements);
     // What is under way fails soon, and what comes later at once.
     void Abort();
+    bool Aborted() const { return m_aborted; }
 
     sqlite3* Handle() const { return m_file; }
     [[noreturn]] void Fail() const;
@@ -38,25 +40,30 @@ private:
     std::atomic<bool> m_aborted = false;
 };
 
+// An SQL expression: the microseconds of a column as "2026-11-23T06:45:12.123456Z".
+std::string Moment(const std::string& column);
+
 // A statement that is run again and again with other values.
 class Statement {
 public:
-    Statement(const File& file, const char* text);
+    Statement(const File& file, const std::string& text);
 
     template <class... Values>
     void Run(const Values&... values) {
         Bind(values...);
         Next();
-        sqlite3_reset(m_statement.get());
+        Reset();
     }
     template <class... Values>
     void Bind(const Values&... values) {
-        sqlite3_reset(m_statement.get());
+        Reset();
         int place = 0;
         (Put(++place, values), ...);
     }
     // The next row; false behind the last one.
     bool Next();
+    // The rows that are left are not wanted.
+    void Reset() { sqlite3_reset(m_statement.get()); }
 
     sqlite3_int64 Number(int column) const { return sqlite3_column_int64(m_statement.get(), column); }
     double Real(int column) const { return sqlite3_column_double(m_statement.get(), column); }

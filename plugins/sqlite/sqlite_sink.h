@@ -28,6 +28,7 @@ private:
         std::vector<CSinkChannel> channels;
     };
     void Write(const CSinkBatch& batch);
+    bool IsThere(sqlite3_int64 session);
     sqlite3_int64 SessionOf(const CSinkSource& source);
     void WriteNotes(const CSinkPart& part, sqlite3_int64 session);
 
