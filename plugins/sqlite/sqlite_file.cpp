@@ -87,7 +87,8 @@ void File::Open(const std::string& path, int flags) {
     Close();
     m_path = path;
     sqlite3* opened = nullptr;
-    const int result = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
+    // Interrupting is for any thread even so.
+    const int result = sqlite3_open_v2(path.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     {
         const std::lock_guard lock(m_lock);
         m_file = opened;

@@ -48,6 +48,7 @@ class Statement {
 public:
     Statement(const File& file, const std::string& text);
 
+    // Without values: with those that it has.
     template <class... Values>
     void Run(const Values&... values) {
         Bind(values...);
@@ -60,6 +61,12 @@ public:
         int place = 0;
         (Put(++place, values), ...);
     }
+    // One value, from 1 on, of a statement that is reset.
+    void Put(int place, sqlite3_int64 value) { sqlite3_bind_int64(m_statement.get(), place, value); }
+    void Put(int place, double value) { sqlite3_bind_double(m_statement.get(), place, value); }  // a NaN is null
+    void Put(int place, const std::string& value) {
+        sqlite3_bind_text(m_statement.get(), place, value.data(), static_cast<int>(value.size()), SQLITE_TRANSIENT);
+    }
     // The next row; false behind the last one.
     bool Next();
     // The rows that are left are not wanted.
@@ -71,12 +78,6 @@ public:
     std::string Text(int column) const;
 
 private:
-    void Put(int place, sqlite3_int64 value) { sqlite3_bind_int64(m_statement.get(), place, value); }
-    void Put(int place, double value) { sqlite3_bind_double(m_statement.get(), place, value); }  // a NaN is null
-    void Put(int place, const std::string& value) {
-        sqlite3_bind_text(m_statement.get(), place, value.data(), static_cast<int>(value.size()), SQLITE_TRANSIENT);
-    }
-
     struct Finalize {
         void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
     };

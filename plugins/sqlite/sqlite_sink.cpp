@@ -1,6 +1,7 @@
 #include "plugins/sqlite/sqlite_sink.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "plugins/support/sink_tables.h"
 
@@ -8,6 +9,15 @@ namespace sqlite {
 using orvik::tables::CleanText;
 namespace {
 constexpr size_t kMostSessions = 10'000;  // whose numbers are kept in mind
+
+constexpr int kRows = 64;  // that one statement inserts, at a third of what as many would cost
+
+std::string InsertRows() {
+    std::string text = "INSERT OR IGNORE INTO reading VALUES ";
+    for (int i = 0; i < kRows; ++i)
+        text += (i > 0 ? ", (?1, ?2, ?" : "(?1, ?2, ?") + std::to_string(2 * i + 3) + ", ?" + std::to_string(2 * i + 4) + ")";
+    return text;
+}
 
 std::string PlacesOf(const CRecordedGap& gap) {
     std::string places;
@@ -23,11 +33,12 @@ struct Sink::Statements {
           known(file, "SELECT 1 FROM session WHERE session = ?"),
           channel(file, "INSERT OR REPLACE INTO channel VALUES (?, ?, ?, ?, ?)"),
           reading(file, "INSERT OR IGNORE INTO reading VALUES (?, ?, ?, ?)"),
+          readings(file, InsertRows()),
           gap(file, "INSERT OR REPLACE INTO gap VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
           event(file, "INSERT OR IGNORE INTO event VALUES (?, ?, ?, ?, ?)"),
           uncomment(file, "DELETE FROM comment WHERE session = ?"),
           comment(file, "INSERT INTO comment VALUES (?, ?, ?, ?, ?, ?)") {}
-    Statement session, known, channel, reading, gap, event, uncomment, comment;
+    Statement session, known, channel, reading, readings, gap, event, uncomment, comment;
 };
 
 void Sink::Connect() {
@@ -92,17 +103,32 @@ void Sink::WriteNotes(const CSinkPart& part, sqlite3_int64 session) {
     }
 }
 
+void Sink::WriteReadings(const CSinkPart& part, size_t channel, sqlite3_int64 session) {
+    const auto place = static_cast<sqlite3_int64>(channel + 1);
+    std::vector<std::pair<__int64, double>> rows;
+    for (size_t row = 0; row < part.times.size(); ++row) {
+        const BYTE flag = part.RowFlags(row)[channel];
+        if (flag != RF_GOOD && flag != RF_NO_VALUE) continue;
+        rows.emplace_back(part.times[row], part.Row(row)[channel]);
+        if (rows.size() < kRows) continue;
+        Statement& all = m_statements->readings;
+        all.Bind(session, place);
+        int at = 2;
+        for (const auto& [time, value] : rows) {
+            all.Put(++at, time);
+            all.Put(++at, value);
+        }
+        all.Run();
+        rows.clear();
+    }
+    for (const auto& [time, value] : rows) m_statements->reading.Run(session, place, time, value);
+}
+
 void Sink::Write(const CSinkBatch& batch) {
     for (const CSinkPart& part : batch.parts) {
         const sqlite3_int64 session = SessionOf(*part.source);
         // Channel by channel, as the table is ordered.
-        for (size_t channel = 0; channel < part.source->channels.size(); ++channel) {
-            for (size_t row = 0; row < part.times.size(); ++row) {
-                const BYTE flag = part.RowFlags(row)[channel];
-                if (flag != RF_GOOD && flag != RF_NO_VALUE) continue;
-                m_statements->reading.Run(session, static_cast<sqlite3_int64>(channel + 1), part.times[row], part.Row(row)[channel]);
-            }
-        }
+        for (size_t channel = 0; channel < part.source->channels.size(); ++channel) WriteReadings(part, channel, session);
         WriteNotes(part, session);
     }
 }
