@@ -7,7 +7,7 @@
 
 #include "platform/win32.h"
 
-// Those that are there, in the order in which they began. One that is no recording, or has no reading yet, is left out.
+// Those that are there, in the order in which they began, as their names tell.
 std::vector<std::string> RecordingsOf(const std::string& path);
 
 // When a recording began: the time of its first reading, or of what stands in the place of one. A Win32 code; error 38 where

@@ -12,7 +12,9 @@
 #include "host/words/texts.h"
 
 namespace {
-constexpr DWORD kLookEvery = 10'000;  // ms between two looks for files that nothing told of
+constexpr DWORD kOpenEvery = 500;     // ms between two looks for a file that is to be there
+constexpr DWORD kLookEvery = 10'000;  // for one that nothing told of
+constexpr DWORD kExpectFor = 15'000;  // how long one is expected that has no reading yet
 constexpr size_t kNoteCosts = 8;      // a gap or an event counts as so many values
 constexpr DWORD kDamageNumbers = 0x80000000;
 
@@ -80,32 +82,44 @@ void RecordingQueue::Close() {
 // The file of the place, or where that is gone, the one that began next.
 bool RecordingQueue::Open() {
     const DWORD now = GetTickCount();
-    if (m_looked != 0 && now - m_looked < 1000) return false;
+    if (m_lookSoon) {
+        m_lookSoon = false;
+    } else if (now - m_looked < kOpenEvery) {
+        return false;
+    }
     m_looked = now;
     const std::vector<std::string> files = m_plan.alone ? std::vector<std::string>{m_plan.path} : RecordingsOf(m_plan.path);
+    // Mostly it stands under its name.
+    const auto named = std::find_if(files.begin(), files.end(), [&](const std::string& file) { return FileName(file) == m_reached.file; });
+    __int64 began = 0;
+    if (named != files.end() && BeginOfRecording(*named, began) == ERROR_SUCCESS && began == m_reached.began)
+        return OpenAt(files, static_cast<size_t>(named - files.begin()), began);
     for (size_t i = 0; i < files.size(); ++i) {
-        const std::string& file = files[i];
-        __int64 began = 0;
-        if (BeginOfRecording(file, began) != ERROR_SUCCESS) continue;
-        const bool same = began == m_reached.began && !m_reached.file.empty();
-        if (!m_reached.file.empty() && began < m_reached.began) continue;
-        if (!OpenFile(file)) return false;
-        m_source->began = began;
-        if (same) {
-            FindResumePoint();
-        } else {
-            m_reached = {FileName(file), began, 0, m_reader->Position(), m_reached.time};
-        }
-        m_reached.file = FileName(file);
-        m_laterBytes = 0;
-        for (size_t k = i + 1; k < files.size(); ++k) {
-            WIN32_FILE_ATTRIBUTE_DATA data;
-            if (GetFileAttributesExA(files[k].c_str(), GetFileExInfoStandard, &data))
-                m_laterBytes += static_cast<unsigned __int64>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
-        }
-        return true;
+        if (BeginOfRecording(files[i], began) != ERROR_SUCCESS) continue;
+        if (m_reached.file.empty() || began >= m_reached.began) return OpenAt(files, i, began);
     }
     return false;
+}
+
+bool RecordingQueue::OpenAt(const std::vector<std::string>& files, size_t which, __int64 began) {
+    const bool same = began == m_reached.began && !m_reached.file.empty();
+    if (!OpenFile(files[which])) return false;
+    m_source->began = began;
+    m_reached.file = FileName(files[which]);
+    if (same) {
+        FindResumePoint();
+    } else {
+        m_reached.began = began;
+        m_reached.item = m_reached.offset = 0;
+    }
+    m_laterBytes = 0;
+    m_lookSoon = which + 1 < files.size();
+    for (size_t i = which + 1; i < files.size(); ++i) {
+        WIN32_FILE_ATTRIBUTE_DATA data;
+        if (GetFileAttributesExA(files[i].c_str(), GetFileExInfoStandard, &data))
+            m_laterBytes += static_cast<unsigned __int64>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+    }
+    return true;
 }
 
 bool RecordingQueue::OpenFile(const std::string& path) {
@@ -123,7 +137,7 @@ bool RecordingQueue::OpenFile(const std::string& path) {
     }
     m_path = path;
     m_skipUntil = std::numeric_limits<__int64>::min();
-    m_continued.clear();
+    m_continued = false;
     m_damages.emplace(m_reader->ChannelCount(), kDamageNumbers);
     m_source.reset();
     Describe();
@@ -160,24 +174,34 @@ void RecordingQueue::FindResumePoint() {
 bool RecordingQueue::MoveOn() {
     if (m_plan.alone) return false;
     const DWORD now = GetTickCount();
-    const bool told = !m_continued.empty();
-    if (!told && m_laterBytes == 0 && now - m_looked < kLookEvery) return false;
+    const bool told = m_continued || m_laterBytes > 0 || now - m_expected < kExpectFor;
+    if (!m_lookSoon && now - m_looked < (told ? kOpenEvery : kLookEvery)) return false;
+    m_lookSoon = false;
     m_looked = now;
-    if (!told && m_laterBytes == 0 && !m_plan.rotates && m_file->IsInPlace()) return false;
+    if (!told && !m_plan.rotates && m_file->IsInPlace()) return false;
     const std::vector<std::string> files = RecordingsOf(m_plan.path);
-    for (const std::string& file : files) {
+    const auto here = std::find_if(files.begin(), files.end(), [&](const std::string& file) { return FileName(file) == m_reached.file; });
+    size_t next = 0;
+    // Another one may have taken this one's place.
+    if (here != files.end() && m_file->IsInPlace()) next = static_cast<size_t>(here - files.begin()) + 1;
+    for (; next < files.size(); ++next) {
         __int64 began = 0;
-        if (BeginOfRecording(file, began) != ERROR_SUCCESS || began <= m_source->began) continue;
+        if (BeginOfRecording(files[next], began) != ERROR_SUCCESS || began <= m_source->began) continue;
         // Whatever came into this one before the next began is there by now.
         if (m_reader->Next() != RI_END) return m_reader->Seek(m_reached.offset), true;
         Close();
-        m_looked = 0;
+        m_lookSoon = true;
         m_reached.began = began;
-        m_reached.file = FileName(file);
+        m_reached.file = FileName(files[next]);
         m_reached.item = m_reached.offset = 0;
         return Open();
     }
     return false;
+}
+
+void RecordingQueue::LookSoon() {
+    m_lookSoon = true;
+    m_expected = GetTickCount();
 }
 
 void RecordingQueue::TakeFacts(CSinkPart& part) {
@@ -229,7 +253,7 @@ bool RecordingQueue::Fill(CSinkBatch& batch, size_t& room) {
                 break;
             case RI_EVENT:
                 if (m_reader->Event().time >= m_plan.notBefore) part.events.push_back(m_reader->Event());
-                if (m_reader->Event().kind == RE_CONTINUED) m_continued = m_reader->Event().text;
+                if (m_reader->Event().kind == RE_CONTINUED) m_continued = m_lookSoon = true;
                 cost = kNoteCosts;
                 break;
             case RI_FACTS:
@@ -252,7 +276,7 @@ bool RecordingQueue::Fill(CSinkBatch& batch, size_t& room) {
                 // The part speaks of this file; the next one has its own.
                 batch.parts.push_back(std::move(part));
                 m_spokenOf.push_back(source);
-                return !m_plan.alone && (!m_continued.empty() || m_laterBytes > 0);
+                return !m_plan.alone && (m_continued || m_laterBytes > 0 || m_lookSoon);
         }
         if (item != RI_FAILED) {
             m_reached.item = m_reader->ItemOffset();
@@ -279,7 +303,7 @@ void RecordingQueue::Reject() {
     m_spokenOf.clear();
     m_comments.clear();
     Close();
-    m_looked = 0;
+    m_lookSoon = true;
 }
 
 unsigned __int64 RecordingQueue::Behind() const {

@@ -44,6 +44,9 @@ public:
     void Accept();
     void Reject();
 
+    // Another file has begun, or will soon.
+    void LookSoon();
+
     const SentPlace& Place() const { return m_place; }
     unsigned __int64 Sent() const { return m_sent; }  // readings that arrived
     // Bytes of recordings that have not arrived yet.
@@ -53,6 +56,7 @@ public:
 
 private:
     bool Open();
+    bool OpenAt(const std::vector<std::string>& files, size_t which, __int64 began);
     bool OpenFile(const std::string& path);
     void FindResumePoint();
     void Close();
@@ -70,8 +74,9 @@ private:
     std::string m_path;
     unsigned __int64 m_laterBytes = 0;  // of the files that follow
     __int64 m_skipUntil = std::numeric_limits<__int64>::min();
-    std::string m_continued;  // the file that goes on, as this one says
-    DWORD m_looked = 0;       // when others were last looked for, in ticks
+    bool m_continued = false;  // this one says that another goes on
+    bool m_lookSoon = true;
+    DWORD m_looked = 0, m_expected = 0;  // when files were last looked for, and one was told of; in ticks
     std::optional<DamageGaps> m_damages;
     unsigned __int64 m_damageAt = 0;
     // A new one for each file, and where names change; those that parts speak of live until the batch has arrived.

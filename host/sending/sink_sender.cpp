@@ -51,6 +51,11 @@ void SinkSender::SetLoggers(std::vector<RecordingQueue::Plan> loggers) {
     m_newLoggers = true;
 }
 
+void SinkSender::LookForFiles() {
+    const std::lock_guard lock(m_lock);
+    m_newFiles = true;
+}
+
 void SinkSender::Tell(std::shared_ptr<const CSinkStatus> status) {
     const std::lock_guard lock(m_lock);
     m_status = std::move(status);
@@ -66,7 +71,7 @@ SinkReport SinkSender::Report() {
 bool SinkSender::Finish(DWORD most) {
     const auto end = Clock::now() + std::chrono::milliseconds(most);
     std::unique_lock lock(m_lock);
-    m_finish = true;
+    m_finish = m_newFiles = true;
     m_wake.notify_one();
     m_wake.wait_until(lock, end, [this] { return m_ended; });
     m_quit = true;
@@ -221,9 +226,14 @@ bool SinkSender::Round() {
     if (!m_connected && now >= m_retryAt) Connect();
     if (!m_connected) return Count(), false;
     std::shared_ptr<const CSinkStatus> status;
+    bool newFiles = false;
     {
         const std::lock_guard lock(m_lock);
         status = m_status;
+        newFiles = std::exchange(m_newFiles, false);
+    }
+    for (const auto& queue : m_queues) {
+        if (newFiles) queue->LookSoon();
     }
     if (status != nullptr && status != m_told && (now - m_toldAt >= kTellEvery || IsNews(m_told.get(), *status))) {
         m_toldAt = now;

@@ -44,6 +44,8 @@ public:
 
     // Other loggers than before, or more of them; those that stay go on where they are.
     void SetLoggers(std::vector<RecordingQueue::Plan> loggers);
+    // Loggers have begun other files: they are looked for now, rather than after a while.
+    void LookForFiles();
     // What the sink is told of the station (ISink::Tell).
     void Tell(std::shared_ptr<const CSinkStatus> status);
     SinkReport Report();
@@ -72,7 +74,7 @@ private:
     std::condition_variable m_wake;
     // Under the lock.
     std::vector<RecordingQueue::Plan> m_loggers;
-    bool m_newLoggers = false, m_finish = false, m_quit = false, m_ended = false;
+    bool m_newLoggers = false, m_newFiles = false, m_finish = false, m_quit = false, m_ended = false;
     std::shared_ptr<const CSinkStatus> m_status;
     SinkReport m_report;
 

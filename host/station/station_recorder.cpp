@@ -98,7 +98,9 @@ void StationRecorder::StartSinks() {
 }
 
 void StationRecorder::HearSinks() {
+    const bool newFiles = std::exchange(m_newFiles, false);
     for (auto& [key, sending] : m_sinks) {
+        if (newFiles) sending.sender->LookForFiles();
         sending.report = sending.sender->Report();
         for (const std::string& sentence : std::exchange(sending.report.sentences, {})) {
             m_progress.Clear();
@@ -187,6 +189,7 @@ void StationRecorder::Take(size_t number) {
     std::vector<std::string> sentences;
     LoggerReport report = running.report;
     running.box->Take(report, sentences);
+    m_newFiles |= report.file != running.report.file;
     if (!report.last.empty() || report.since != 0) running.report = std::move(report);
     for (const std::string& sentence : sentences) {
         m_progress.Clear();

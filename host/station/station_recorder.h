@@ -84,6 +84,7 @@ private:
     ProgressLine m_progress;
     Result m_result;
     std::string m_statusError, m_suspect, m_hangs;
+    bool m_newFiles = false;
     bool m_changed = false;  // some logger is gone, or is to be begun
     DWORD m_watchdog = 0;
     __int64 m_second = 0, m_pinged = 0, m_stopping = 0;

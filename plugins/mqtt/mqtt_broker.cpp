@@ -138,8 +138,9 @@ void Broker::Begin(const std::string& client, const std::optional<Message>& will
     if (m_settings.tls) {
         const auto file = [](const std::string& name) { return name.empty() ? nullptr : name.c_str(); };
         // A key under a password is refused here instead of asked for on a terminal.
+        const auto noPassword = [](char*, int, int, void*) { return 0; };
         take(mosquitto_tls_set(m_client, file(m_settings.caFile), m_settings.caFile.empty() ? kSystemCertificates : nullptr,
-                               file(m_settings.certificateFile), file(m_settings.keyFile), [](char*, int, int, void*) { return 0; }));
+                               file(m_settings.certificateFile), file(m_settings.keyFile), noPassword));
     }
     if (will)
         take(mosquitto_will_set(m_client, will->topic.c_str(), static_cast<int>(will->payload.size()), will->payload.data(), 1,

@@ -1,8 +1,8 @@
-// A connection to a broker on which messages count only once the broker has acknowledged them (QoS 1, clean session). What is lost with
-// a connection is the caller's to send again: nothing of it goes out later by itself.
+// A connection to a broker on which messages count only once the broker has acknowledged them (QoS 1, clean session). What is lost
+// with a connection is the caller's to send again: nothing of it goes out later by itself.
 //
-// One thread of the caller's uses it, and waits inside; a thread of its own reads, and keeps the connection alive meanwhile. Abort is
-// for any thread. Failures are CSinkFailure, and stay: after one there is only Close.
+// One thread of the caller's uses it, and waits inside; a thread of its own reads, and keeps the connection alive meanwhile. Abort
+// is for any thread. Failures are CSinkFailure, and stay until Close, which is all there is to do after one.
 #pragma once
 
 #include <mosquitto.h>
@@ -44,8 +44,8 @@ public:
     void Publish(const Message& message);
     // Returns when the broker has acknowledged all of them.
     void Flush();
-    // In order, with a last message, where nothing has failed; else the connection just ends, and the broker publishes the will. May
-    // come at any time.
+    // In order, with a last message, where nothing has failed; else the connection just ends, and the broker publishes the will.
+    // May come at any time.
     void Close(const std::optional<Message>& last);
     // What waits here fails at once, and so does all that follows.
     void Abort();

@@ -8,7 +8,7 @@
 
 namespace mqtt {
 
-// A message for each channel, which the broker keeps. `topic` is the logger's, `availability` the one where the station's state stands.
+// A message for each channel, which the broker keeps. `topic` is the logger's, `availability` where the station's state stands.
 std::vector<Message> DiscoveryOf(const Settings& settings, const CSinkSource& source, const std::string& topic,
                                  const std::string& availability);
 

@@ -34,7 +34,9 @@ std::string ChannelsPayload(const CSinkSource& source) {
 }
 
 std::string GapPayload(const CSinkSource& source, const CRecordedGap& gap) {
-    const auto key = [&](WORD place) { return JsonText(place < source.channels.size() ? source.channels[place].key : std::string()); };
+    const auto key = [&](WORD place) {
+        return JsonText(place < source.channels.size() ? source.channels[place].key : std::string());
+    };
     return JsonObject()
         .Add("session", JsonTime(source.began))
         .Add("number", std::to_string(gap.number))

@@ -1,8 +1,8 @@
-// Readings as JSON, a message each, under topics of their logger; the state of station and loggers beside them; and what hubs of home
-// automation want to know of the channels, if they are to be told. docs/mqtt.md has the topics.
+// Readings as JSON, a message each, under topics of their logger; the state of station and loggers beside them; and what hubs of
+// home automation want to know of the channels, if they are to be told. docs/mqtt.md has the topics.
 //
-// A station that runs is known by what is told of it: until then, and for sessions that are sent by themselves, the connection has no
-// will, and a client's name of its own, so that it pushes nobody out.
+// A station that runs is known by what is told of it: until then, and for sessions that are sent by themselves, the connection has
+// no will, and a client's name of its own, so that it pushes nobody out.
 #pragma once
 
 #include <map>

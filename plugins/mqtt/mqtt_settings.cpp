@@ -40,7 +40,8 @@ void ReadAddress(const std::string& text, Settings& settings) {
     if (rest.front() != ':') throw refuse(NoHost);
     rest.remove_prefix(1);
     const auto [read, error] = std::from_chars(rest.data(), rest.data() + rest.size(), settings.port);
-    if (error != std::errc() || read != rest.data() + rest.size() || settings.port < 1 || settings.port > 65535) throw refuse(NoPort);
+    const bool number = error == std::errc() && read == rest.data() + rest.size();
+    if (!number || settings.port < 1 || settings.port > 65535) throw refuse(NoPort);
 }
 
 bool IsTopic(const std::string& text) {
@@ -60,7 +61,8 @@ std::string TopicOf(IPropertyDB& db, const char* key, const char* standard) {
 }
 std::string LevelOf(IPropertyDB& db, const char* key, const char* standard) {
     const std::string level = TextOf(db, key, standard);
-    if (!IsTopic(level) || level.find('/') != std::string::npos) throw Failure(db.Find(key) ? NoLevel : MqttComplaint{IsMissing}, key);
+    if (!IsTopic(level) || level.find('/') != std::string::npos)
+        throw Failure(db.Find(key) ? NoLevel : MqttComplaint{IsMissing}, key);
     return level;
 }
 
@@ -104,7 +106,8 @@ Settings Read(IPropertyDB& db, const std::string& folder) {
     }
 
     settings.client = TextOf(db, "sClient", "");
-    settings.form = ReadChoice<Settings::EForm>(db, "sForm", "json", {{"json", Settings::Json}, {"sparkplug", Settings::Sparkplug}});
+    settings.form =
+        ReadChoice<Settings::EForm>(db, "sForm", "json", {{"json", Settings::Json}, {"sparkplug", Settings::Sparkplug}});
     const bool json = settings.form == Settings::Json;
     for (const char* const key : {"sTopic", "sDiscovery"}) {
         if (!json && db.Find(key)) throw Failure(ForFormOnly, key, "json");

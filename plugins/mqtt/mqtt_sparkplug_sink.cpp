@@ -66,7 +66,7 @@ bool AsksForRebirth(const std::string& bytes) {
 }
 }  // namespace
 
-// The clock's seconds: a program that was begun anew does not take up where it was, but its births differ from those before all the same.
+// From the clock's seconds: a program that was begun anew does not know where it was, but is to differ from what it was before.
 SparkplugSink::SparkplugSink(Settings settings)
     : m_settings(std::move(settings)), m_broker(m_settings), m_session(static_cast<BYTE>(Now() / 1'000'000)) {}
 

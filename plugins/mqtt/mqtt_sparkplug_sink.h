@@ -1,7 +1,7 @@
-// Readings as Sparkplug B has them: the station is an edge node, each logger a device, each channel a metric. docs/mqtt.md says what
-// is sent when.
+// Readings as Sparkplug B has them: the station is an edge node, each logger a device, each channel a metric. docs/mqtt.md says
+// what is sent when.
 //
-// Commands come on the connection's thread and are done with the next batch or news of the station; everything else is as ISink has it.
+// Commands come on the connection's thread and are done with the next batch or news of the station; all else is as ISink has it.
 #pragma once
 
 #include <atomic>

@@ -127,7 +127,8 @@ class XScreen:
     has_clipboard = True  # that other programs can be asked for without a window of theirs
 
     def copied(self, *kind):
-        return run("xclip", "-selection", "clipboard", *kind, "-o")
+        # An owner that does not answer would be waited for without an end.
+        return run("timeout", 5, "xclip", "-selection", "clipboard", *kind, "-o")
 
     def copy(self, text):
         subprocess.run(["xclip", "-selection", "clipboard"], input=text.encode(), check=True)

@@ -78,7 +78,8 @@ public:
     std::vector<Heard> Of(const std::string& end) {
         const std::lock_guard lock(m_lock);
         std::vector<Heard> found;
-        std::copy_if(m_heard.begin(), m_heard.end(), std::back_inserter(found), [&](const Heard& one) { return one.topic.ends_with(end); });
+        std::copy_if(m_heard.begin(), m_heard.end(), std::back_inserter(found),
+                     [&](const Heard& one) { return one.topic.ends_with(end); });
         return found;
     }
     // The same, once there are so many.
@@ -258,9 +259,11 @@ TEST_F(Mqtt, AllOfARecordingArrives) {
                             R"({"time":"2026-11-23T06:45:16.345678Z","values":{"2":1}})"));
     EXPECT_THAT(Payloads(witness.Await("/gaps", 1)),
                 ElementsAre(R"({"session":"2026-11-23T06:45:12.345678Z","number":3,"from":"2026-11-23T06:45:14.345678Z",)"
-                            R"("until":"2026-11-23T06:45:14.345678Z","missed":1,"attempts":4,"cause":8,"text":"no \"answer\"\u000a","channels":["1"]})"));
+                            R"("until":"2026-11-23T06:45:14.345678Z","missed":1,"attempts":4,"cause":8,)"
+                            R"("text":"no \"answer\"\u000a","channels":["1"]})"));
     EXPECT_THAT(Payloads(witness.Await("/events", 1)),
-                ElementsAre(R"({"session":"2026-11-23T06:45:12.345678Z","time":"2026-11-23T06:45:12.345678Z","event":"clock stepped","amount":-5,"text":"set"})"));
+                ElementsAre(R"({"session":"2026-11-23T06:45:12.345678Z","time":"2026-11-23T06:45:12.345678Z",)"
+                            R"("event":"clock stepped","amount":-5,"text":"set"})"));
     EXPECT_EQ(witness.Await("orvik/" + mqtt::Level("a/b") + "/readings", 1).size(), 1u);
     EXPECT_EQ(witness.Of("/state").size(), 0u);  // no station runs
     Witness late(m_port);
@@ -487,7 +490,7 @@ size_t ServeOldProtocol(int listener) {
                 send(from, known ? "\x20\x02\x00\x00" : "\x20\x02\x00\x01", 4, 0);
                 if (!known) break;
             } else if (kind == 3) {
-                const size_t topic = static_cast<size_t>(static_cast<unsigned char>(body[0]) << 8 | static_cast<unsigned char>(body[1]));
+                const size_t topic = static_cast<unsigned char>(body[0]) * 256u + static_cast<unsigned char>(body[1]);
                 send(from, ("\x40\x02" + body.substr(2 + topic, 2)).data(), 4, 0);
                 ++messages;
             } else if (kind == 14) {

@@ -101,7 +101,7 @@ class Proxy(threading.Thread):
                     sink.sendall(got[:len(got) // 2])
                     break
                 sink.sendall(got)
-        except OSError:
+        except (OSError, ValueError):  # closed by the other direction
             pass
         for end in (source, sink):
             try:
