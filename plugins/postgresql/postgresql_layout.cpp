@@ -43,7 +43,7 @@ create table comment (
     primary key (session, number));
 create view readings as
     select r.time, s.station, s.logger, c.name as channel, c.unit, r.value,
-           case s.station when '' then '' else s.station || '/' end || s.logger || ' ' || c.name as metric
+           ltrim(case s.station when '' then '' else s.station || '/' end || s.logger || ' ') || c.name as metric
     from reading r join channel c on c.session = r.session and c.place = r.channel join session s on s.session = r.session;
 create view gaps as
     select g.from_time, g.until_time, s.station, s.logger, g.missed, g.attempts, g.cause, g.text,

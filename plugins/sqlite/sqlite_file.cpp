@@ -42,8 +42,9 @@ CREATE TABLE comment (
 std::string Views() {
     return "CREATE VIEW sessions AS SELECT session, station, logger, " + Moment("began") + " AS began, device, family, port FROM session;"
            "CREATE VIEW readings AS SELECT " + Moment("r.time") + " AS time, s.station, s.logger, c.name AS channel, c.unit, r.value, "
-           "iif(s.station = '', '', s.station || '/') || s.logger || ' ' || c.name AS metric, r.time AS us "
-           "FROM session s JOIN channel c USING (session) JOIN reading r ON r.session = c.session AND r.channel = c.place;"
+           "ltrim(iif(s.station = '', '', s.station || '/') || s.logger || ' ') || c.name AS metric, r.time AS us "
+           // In this order, which finds a stretch of time by the key.
+           "FROM session s CROSS JOIN channel c ON c.session = s.session CROSS JOIN reading r ON r.session = c.session AND r.channel = c.place;"
            "CREATE VIEW gaps AS SELECT " + Moment("g.from_time") + " AS from_time, " + Moment("g.until_time") + " AS until_time, "
            "s.station, s.logger, g.missed, g.attempts, g.cause, g.text, (SELECT group_concat(c.name, ', ') FROM channel c "
            "WHERE c.session = g.session AND instr(' ' || g.channels || ' ', ' ' || c.place || ' ')) AS channels "

@@ -14,7 +14,7 @@
 namespace sqlite {
 namespace {
 std::string Names() {
-    return "SELECT iif(station = '', '', station || '/') || logger || ' ' || " + Moment("began") +
+    return "SELECT ltrim(iif(station = '', '', station || '/') || logger || ' ') || " + Moment("began") +
            ", session, device, family, port, logger FROM session ORDER BY began, station, logger";
 }
 

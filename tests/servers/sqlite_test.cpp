@@ -60,6 +60,9 @@ TEST_F(Sqlite, BringsOverEveryKindOnceHoweverOftenItIsSent) {
               "2023-11-14T22:13:20.123456Z|Plant|inlet|Resistance|k\u03A9|0.0|Plant/inlet Resistance|1700000000123456\n");
     EXPECT_EQ(Ask("SELECT from_time, station, missed, text, channels FROM gaps", 5),
               "2023-11-14T22:13:20.873459Z|Plant|1|no answer; \"none\" 'at all'|Resistance\n");
+    // A stretch of time is found by the key.
+    EXPECT_NE(Ask("EXPLAIN QUERY PLAN SELECT * FROM readings WHERE us BETWEEN 1 AND 2", 4).find("session=? AND channel=? AND time>? AND time<?"),
+              std::string::npos);
     EXPECT_EQ(Ask("SELECT time, event, text FROM events", 3), "2023-11-14T22:13:20.123456Z|connected|COM5\n");
     EXPECT_EQ(Ask("SELECT channel, value, time FROM comments", 3), "Resistance|2.5|2023-11-14T22:13:20.373457Z\n");
     EXPECT_EQ(Ask("SELECT station, logger, began, device FROM sessions", 4), "Plant|inlet|2023-11-14T22:13:20.123456Z|Meter\n");
