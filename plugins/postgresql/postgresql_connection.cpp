@@ -51,7 +51,8 @@ void Connection::Open(const std::string& address, const std::string& password) {
         values.push_back(value);
     };
     add("fallback_application_name", "orvikhost");
-    // What the system itself does not end: a network that is gone is noticed in half a minute. What the address says goes before these.
+    // What the system itself does not end: a network that is gone is noticed in half a minute. What the address says goes before
+    // these.
     add("keepalives_idle", "10");
     add("keepalives_interval", "5");
     add("keepalives_count", "3");
@@ -65,7 +66,8 @@ void Connection::Open(const std::string& address, const std::string& password) {
     m_connection = PQconnectStartParams(words.data(), values.data(), 0);
     if (m_connection == nullptr) throw std::bad_alloc();
     const auto end = Clock::now() + kConnectFor;
-    for (PostgresPollingStatusType state = PGRES_POLLING_WRITING; state != PGRES_POLLING_OK; state = PQconnectPoll(m_connection)) {
+    for (PostgresPollingStatusType state = PGRES_POLLING_WRITING; state != PGRES_POLLING_OK;
+         state = PQconnectPoll(m_connection)) {
         if (state == PGRES_POLLING_FAILED || m_aborted) Fail(PQerrorMessage(m_connection));
         if (Clock::now() > end) throw CSinkFailure("the server does not answer");
         const int socket = PQsocket(m_connection);
@@ -115,8 +117,10 @@ Result Connection::Take() {
         if (next == nullptr) break;
         const ExecStatusType status = PQresultStatus(next.get());
         if (status == PGRES_COPY_IN) return next;
-        if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK && failed == nullptr) failed = std::move(next);
-        else last = std::move(next);
+        if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK && failed == nullptr)
+            failed = std::move(next);
+        else
+            last = std::move(next);
         if (PQstatus(m_connection) != CONNECTION_OK) break;
     }
     if (failed != nullptr) {
@@ -131,8 +135,8 @@ Result Connection::Run(const std::string& statement, const std::vector<std::stri
     std::vector<const char*> values;
     for (const std::string& each : parameters) values.push_back(each.c_str());
     const int sent = parameters.empty() ? PQsendQuery(m_connection, statement.c_str())
-                                        : PQsendQueryParams(m_connection, statement.c_str(), static_cast<int>(values.size()), nullptr,
-                                                            values.data(), nullptr, nullptr, 0);
+                                        : PQsendQueryParams(m_connection, statement.c_str(), static_cast<int>(values.size()),
+                                                            nullptr, values.data(), nullptr, nullptr, 0);
     if (!sent) Fail(PQerrorMessage(m_connection));
     Flush();
     return Take();

@@ -47,7 +47,8 @@ create view readings as
     from reading r join channel c on c.session = r.session and c.place = r.channel join session s on s.session = r.session;
 create view gaps as
     select g.from_time, g.until_time, s.station, s.logger, g.missed, g.attempts, g.cause, g.text,
-           (select string_agg(c.name, ', ' order by c.place) from channel c where c.session = g.session and c.place = any (g.channels)) as channels
+           (select string_agg(c.name, ', ' order by c.place) from channel c
+            where c.session = g.session and c.place = any (g.channels)) as channels
     from gap g join session s using (session);
 create view comments as
     select k.time, s.station, s.logger, c.name as channel, k.value, k.text
@@ -84,13 +85,15 @@ void PrepareLayout(Connection& connection, const std::string& schema) {
     if (!has("select 1 from pg_tables where schemaname = $1 and tablename = 'layout'", {schema})) {
         may("create");
         connection.Run(kTables + Events());
-        const Result extension = connection.Run("select extnamespace::regnamespace::text from pg_extension where extname = 'timescaledb'");
+        const Result extension =
+            connection.Run("select extnamespace::regnamespace::text from pg_extension where extname = 'timescaledb'");
         if (PQntuples(extension.get()) > 0)
             connection.Run(std::string("select ") + PQgetvalue(extension.get(), 0, 0) + ".create_hypertable('reading', 'time')");
     }
     const Result version = connection.Run("select max(version) from layout");
     if (NumberIn(version.get()) != kLayout)
-        throw CSinkFailure("sSchema: \"" + schema + "\" has tables of layout " + PQgetvalue(version.get(), 0, 0) + ", which a later version made");
+        throw CSinkFailure("sSchema: \"" + schema + "\" has tables of layout " + PQgetvalue(version.get(), 0, 0) +
+                           ", which a later version made");
     connection.Run("commit");
 }
 

@@ -1,5 +1,5 @@
-// The tables in which readings stand, as docs/postgresql.md shows them. Made where they are missing, brought up where they are of an
-// earlier layout; of a later one they are refused. One connection's thread.
+// The tables in which readings stand, as docs/postgresql.md shows them. Made where they are missing, brought up where they are of
+// an earlier layout; of a later one they are refused. One connection's thread.
 #pragma once
 
 #include <string>

@@ -41,8 +41,8 @@ std::string Time(__int64 time) {
     const __int64 year = yearOfEra + era * 400 + (month >= 10 ? 1 : 0);
     char text[96];
     std::snprintf(text, sizeof text, "%04lld-%02lld-%02lld %02lld:%02lld:%02lld.%06lld+00%s", year > 0 ? year : 1 - year,
-                  month < 10 ? month + 3 : month - 9, dayOfYear - (153 * month + 2) / 5 + 1, us / 3'600'000'000, us / 60'000'000 % 60,
-                  us / 1'000'000 % 60, us % 1'000'000, year > 0 ? "" : " BC");
+                  month < 10 ? month + 3 : month - 9, dayOfYear - (153 * month + 2) / 5 + 1, us / 3'600'000'000,
+                  us / 60'000'000 % 60, us / 1'000'000 % 60, us % 1'000'000, year > 0 ? "" : " BC");
     return text;
 }
 
@@ -64,8 +64,9 @@ void Sink::Connect() {
     m_sessions.clear();
     m_connection.Open(m_settings.address, m_settings.password);
     PrepareLayout(m_connection, m_settings.schema);
-    m_connection.Run("create temporary table arriving (session integer, channel smallint, time timestamptz, value double precision) "
-                     "on commit delete rows");
+    m_connection.Run(
+        "create temporary table arriving (session integer, channel smallint, time timestamptz, value double precision) "
+        "on commit delete rows");
 }
 
 void Sink::Disconnect() {
@@ -76,7 +77,9 @@ void Sink::Disconnect() {
 // Its number, and its channels as they are called now.
 const std::string& Sink::SessionOf(const CSinkSource& source) {
     const auto key = KeyOf(source);
-    const auto same = [](const CSinkChannel& a, const CSinkChannel& b) { return a.key == b.key && a.name == b.name && a.unit == b.unit; };
+    const auto same = [](const CSinkChannel& a, const CSinkChannel& b) {
+        return a.key == b.key && a.name == b.name && a.unit == b.unit;
+    };
     const auto found = m_sessions.find(key);
     if (found != m_sessions.end() && std::equal(source.channels.begin(), source.channels.end(), found->second.channels.begin(),
                                                 found->second.channels.end(), same))
@@ -85,9 +88,11 @@ const std::string& Sink::SessionOf(const CSinkSource& source) {
     // An update, so that it gives the number of a row that is there, too.
     const Result row = m_connection.Run(
         "insert into session (station, logger, began, device, family, port) values ($1, $2, $3, $4, $5, $6) "
-        "on conflict (station, logger, began) do update set device = excluded.device, family = excluded.family, port = excluded.port "
+        "on conflict (station, logger, began) do update "
+        "set device = excluded.device, family = excluded.family, port = excluded.port "
         "returning session",
-        {CleanText(source.station), CleanText(source.logger), Time(source.began), CleanText(source.device), CleanText(source.family), CleanText(source.port)});
+        {CleanText(source.station), CleanText(source.logger), Time(source.began), CleanText(source.device),
+         CleanText(source.family), CleanText(source.port)});
     Known& known = m_sessions[key];
     known.number = PQgetvalue(row.get(), 0, 0);
     known.channels = source.channels;
@@ -98,9 +103,10 @@ const std::string& Sink::SessionOf(const CSinkSource& source) {
         names.Add(CleanText(channel.name));
         units.Add(CleanText(channel.unit));
     }
-    m_connection.Run("insert into channel select $1::integer, * from unnest($2::smallint[], $3::text[], $4::text[], $5::text[]) "
-                     "on conflict (session, place) do update set key = excluded.key, name = excluded.name, unit = excluded.unit",
-                     {known.number, places, keys, names, units});
+    m_connection.Run(
+        "insert into channel select $1::integer, * from unnest($2::smallint[], $3::text[], $4::text[], $5::text[]) "
+        "on conflict (session, place) do update set key = excluded.key, name = excluded.name, unit = excluded.unit",
+        {known.number, places, keys, names, units});
     return known.number;
 }
 
@@ -151,12 +157,13 @@ void Sink::WriteNotes(const CSinkPart& part, const std::string& session) {
             texts.Add(CleanText(gap->text));
             channels.Add(PlacesOf(*gap));
         }
-        m_connection.Run("insert into gap select $1::integer, n, f, u, m, a, c, t, p::smallint[] from unnest($2::bigint[], $3::timestamptz[], "
-                         "$4::timestamptz[], $5::bigint[], $6::bigint[], $7::integer[], $8::text[], $9::text[]) as g (n, f, u, m, a, c, t, p) "
-                         "on conflict (session, number) do update set from_time = excluded.from_time, until_time = excluded.until_time, "
-                         "missed = excluded.missed, attempts = excluded.attempts, cause = excluded.cause, text = excluded.text, "
-                         "channels = excluded.channels",
-                         {session, numbers, from, until, missed, attempts, causes, texts, channels});
+        m_connection.Run(
+            "insert into gap select $1::integer, n, f, u, m, a, c, t, p::smallint[] from unnest($2::bigint[], $3::timestamptz[], "
+            "$4::timestamptz[], $5::bigint[], $6::bigint[], $7::integer[], $8::text[], $9::text[]) as g (n, f, u, m, a, c, t, p) "
+            "on conflict (session, number) do update set from_time = excluded.from_time, until_time = excluded.until_time, "
+            "missed = excluded.missed, attempts = excluded.attempts, cause = excluded.cause, text = excluded.text, "
+            "channels = excluded.channels",
+            {session, numbers, from, until, missed, attempts, causes, texts, channels});
     }
     if (!part.events.empty()) {
         Column times, kinds, amounts, texts;
@@ -166,9 +173,10 @@ void Sink::WriteNotes(const CSinkPart& part, const std::string& session) {
             amounts.Add(event.amount);
             texts.Add(CleanText(event.text));
         }
-        m_connection.Run("insert into event select $1::integer, * from unnest($2::timestamptz[], $3::integer[], $4::bigint[], $5::text[]) "
-                         "on conflict do nothing",
-                         {session, times, kinds, amounts, texts});
+        m_connection.Run(
+            "insert into event select $1::integer, * from unnest($2::timestamptz[], $3::integer[], $4::bigint[], $5::text[]) "
+            "on conflict do nothing",
+            {session, times, kinds, amounts, texts});
     }
     if (!part.commented) return;
     m_connection.Run("delete from comment where session = $1", {session});
@@ -180,9 +188,10 @@ void Sink::WriteNotes(const CSinkPart& part, const std::string& session) {
         values.Add(Number(comment.value));
         texts.Add(CleanText(comment.text));
     }
-    m_connection.Run("insert into comment select $1::integer, * from unnest($2::integer[], $3::timestamptz[], $4::text[], "
-                     "$5::double precision[], $6::text[])",
-                     {session, numbers, times, channels, values, texts});
+    m_connection.Run(
+        "insert into comment select $1::integer, * from unnest($2::integer[], $3::timestamptz[], $4::text[], "
+        "$5::double precision[], $6::text[])",
+        {session, numbers, times, channels, values, texts});
 }
 
 // Somebody may have cleared a session away whose number is kept in mind. Those that are there stay until the batch is in.
@@ -195,7 +204,8 @@ void Sink::ForgetCleared(const CSinkBatch& batch) {
     if (numbers.empty()) return;
     Column asked;
     for (const std::string& number : numbers) asked.Add(number);
-    const Result there = m_connection.Run("select 1 from session where session = any ($1::integer[]) order by session for key share", {asked});
+    const Result there =
+        m_connection.Run("select 1 from session where session = any ($1::integer[]) order by session for key share", {asked});
     if (static_cast<size_t>(PQntuples(there.get())) < numbers.size()) m_sessions.clear();
 }
 

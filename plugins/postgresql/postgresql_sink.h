@@ -1,4 +1,5 @@
-// Puts readings into the tables of a schema (postgresql_layout.h): a batch is one transaction, and what is there already stays as it is.
+// Puts readings into the tables of a schema (postgresql_layout.h): a batch is one transaction, and what is there already stays as
+// it is.
 #pragma once
 
 #include <map>

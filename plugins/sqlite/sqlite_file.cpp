@@ -30,8 +30,8 @@ CREATE TABLE gap (
     missed INTEGER NOT NULL, attempts INTEGER NOT NULL, cause INTEGER NOT NULL, text TEXT NOT NULL, channels TEXT NOT NULL,
     PRIMARY KEY (session, number)) WITHOUT ROWID;
 CREATE TABLE event (
-    session INTEGER NOT NULL REFERENCES session, time INTEGER NOT NULL, kind INTEGER NOT NULL, amount INTEGER NOT NULL, text TEXT NOT NULL,
-    PRIMARY KEY (session, time, kind, amount, text)) WITHOUT ROWID;
+    session INTEGER NOT NULL REFERENCES session, time INTEGER NOT NULL, kind INTEGER NOT NULL, amount INTEGER NOT NULL,
+    text TEXT NOT NULL, PRIMARY KEY (session, time, kind, amount, text)) WITHOUT ROWID;
 CREATE TABLE comment (
     session INTEGER NOT NULL REFERENCES session, number INTEGER NOT NULL, time INTEGER NOT NULL, channel TEXT NOT NULL,
     value, text TEXT NOT NULL,
@@ -40,18 +40,27 @@ CREATE TABLE comment (
 
 // What a person opens in a viewer. `us` is the time as the table has it, for questions that are to be fast.
 std::string Views() {
-    return "CREATE VIEW sessions AS SELECT session, station, logger, " + Moment("began") + " AS began, device, family, port FROM session;"
-           "CREATE VIEW readings AS SELECT " + Moment("r.time") + " AS time, s.station, s.logger, c.name AS channel, c.unit, r.value, "
+    return "CREATE VIEW sessions AS SELECT session, station, logger, " + Moment("began") +
+           " AS began, device, family, port FROM session;"
+           "CREATE VIEW readings AS SELECT " +
+           Moment("r.time") +
+           " AS time, s.station, s.logger, c.name AS channel, c.unit, r.value, "
            "ltrim(iif(s.station = '', '', s.station || '/') || s.logger || ' ') || c.name AS metric, r.time AS us "
            // In this order, which finds a stretch of time by the key.
-           "FROM session s CROSS JOIN channel c ON c.session = s.session CROSS JOIN reading r ON r.session = c.session AND r.channel = c.place;"
-           "CREATE VIEW gaps AS SELECT " + Moment("g.from_time") + " AS from_time, " + Moment("g.until_time") + " AS until_time, "
+           "FROM session s CROSS JOIN channel c ON c.session = s.session CROSS JOIN reading r ON r.session = c.session AND "
+           "r.channel = c.place;"
+           "CREATE VIEW gaps AS SELECT " +
+           Moment("g.from_time") + " AS from_time, " + Moment("g.until_time") +
+           " AS until_time, "
            "s.station, s.logger, g.missed, g.attempts, g.cause, g.text, (SELECT group_concat(c.name, ', ') FROM channel c "
            "WHERE c.session = g.session AND instr(' ' || g.channels || ' ', ' ' || c.place || ' ')) AS channels "
            "FROM gap g JOIN session s USING (session);"
-           "CREATE VIEW events AS SELECT " + Moment("e.time") + " AS time, s.station, s.logger, e.kind, " + orvik::tables::kEventWord +
+           "CREATE VIEW events AS SELECT " +
+           Moment("e.time") + " AS time, s.station, s.logger, e.kind, " + orvik::tables::kEventWord +
            " AS event, e.amount, e.text FROM event e JOIN session s USING (session);"
-           "CREATE VIEW comments AS SELECT " + Moment("k.time") + " AS time, s.station, s.logger, c.name AS channel, k.value, k.text "
+           "CREATE VIEW comments AS SELECT " +
+           Moment("k.time") +
+           " AS time, s.station, s.logger, c.name AS channel, k.value, k.text "
            "FROM comment k JOIN session s USING (session) LEFT JOIN channel c ON c.session = k.session AND c.key = k.channel;";
 }
 
@@ -75,8 +84,8 @@ bool IsThere(const std::string& path) {
 std::string Moment(const std::string& column) {
     const std::string part = "((" + column + " % 1000000 + 1000000) % 1000000)";
     // Years that the calendar of SQLite lacks stay numbers.
-    return "coalesce(strftime('%Y-%m-%dT%H:%M:%S', (" + column + " - " + part + ") / 1000000, 'unixepoch') || printf('.%06dZ', " + part +
-           "), " + column + " || ' us')";
+    return "coalesce(strftime('%Y-%m-%dT%H:%M:%S', (" + column + " - " + part + ") / 1000000, 'unixepoch') || printf('.%06dZ', " +
+           part + "), " + column + " || ' us')";
 }
 
 void File::Fail() const {
@@ -136,8 +145,8 @@ int File::OnBusy(void* self, int tries) {
 void File::OpenToRead(const std::string& path) {
     Open(path, SQLITE_OPEN_READONLY);
     const int read = sqlite3_exec(m_file, "PRAGMA user_version", nullptr, nullptr, nullptr) & 0xFF;
-    // Readers, too, write beside a file in write-ahead mode, to know of writers. Where that is not allowed there are none, unless one
-    // has left something.
+    // Readers, too, write beside a file in write-ahead mode, to know of writers. Where that is not allowed there are none, unless
+    // one has left something.
     if ((read == SQLITE_CANTOPEN || read == SQLITE_READONLY) && IsThere(path) && !IsThere(path + "-wal")) {
         Open("file:" + Escaped(path) + "?immutable=1", SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
         m_path = path;
@@ -180,7 +189,8 @@ bool Statement::Next() {
 
 std::string Statement::Text(int column) const {
     const auto* const text = reinterpret_cast<const char*>(sqlite3_column_text(m_statement.get(), column));
-    return text != nullptr ? std::string(text, static_cast<size_t>(sqlite3_column_bytes(m_statement.get(), column))) : std::string();
+    return text != nullptr ? std::string(text, static_cast<size_t>(sqlite3_column_bytes(m_statement.get(), column)))
+                           : std::string();
 }
 
 }  // namespace sqlite

@@ -20,7 +20,9 @@ public:
         names = sqlite::SessionNames(path);
         return true;
     }
-    void LoadSession(const char* path, const std::string& name, IPropertyDB& session) override { sqlite::LoadSession(path, name, session); }
+    void LoadSession(const char* path, const std::string& name, IPropertyDB& session) override {
+        sqlite::LoadSession(path, name, session);
+    }
 };
 }  // namespace
 

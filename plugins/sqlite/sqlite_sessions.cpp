@@ -32,7 +32,7 @@ CString Element(std::string text) {
 
 struct Gap {
     __int64 from, until;
-    bool missing;               // it was not over before it took a reading with it
+    bool missing;                // it was not over before it took a reading with it
     std::vector<bool> channels;  // by their places; empty: all
 };
 
@@ -42,7 +42,9 @@ std::vector<Gap> LoadGaps(const File& file, sqlite3_int64 session, const std::ve
     CInt64Array from, until;
     CDWordArray missed, attempts, causes;
     CStringArray texts, channels;
-    Statement gaps(file, "SELECT from_time, until_time, missed, attempts, cause, text, channels FROM gap WHERE session = ? ORDER BY from_time, number");
+    Statement gaps(file,
+                   "SELECT from_time, until_time, missed, attempts, cause, text, channels FROM gap WHERE session = ? ORDER BY "
+                   "from_time, number");
     gaps.Bind(session);
     while (gaps.Next()) {
         Gap& gap = all.emplace_back(Gap{gaps.Number(0), gaps.Number(1), gaps.Number(2) > 0 || gaps.Number(3) == 0, {}});
@@ -121,7 +123,8 @@ void LoadReadings(const File& file, sqlite3_int64 session, const std::vector<std
         for (INT_PTR at = 0; at < count; ++at) {
             const __int64 time = times[static_cast<size_t>(at)];
             for (; next < gaps.size() && gaps[next].from <= time; ++next) {
-                if (gaps[next].channels.empty() || gaps[next].channels[i]) missingUntil = std::max(missingUntil, gaps[next].until);
+                if (gaps[next].channels.empty() || gaps[next].channels[i])
+                    missingUntil = std::max(missingUntil, gaps[next].until);
             }
             // What has no row and is not missing was not to be read.
             double value = std::numeric_limits<double>::quiet_NaN();

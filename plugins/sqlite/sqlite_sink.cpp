@@ -28,8 +28,10 @@ std::string PlacesOf(const CRecordedGap& gap) {
 
 struct Sink::Statements {
     explicit Statements(const File& file)
-        : session(file, "INSERT INTO session (station, logger, began, device, family, port) VALUES (?, ?, ?, ?, ?, ?) "
-                        "ON CONFLICT DO UPDATE SET device = excluded.device, family = excluded.family, port = excluded.port RETURNING session"),
+        : session(file,
+                  "INSERT INTO session (station, logger, began, device, family, port) VALUES (?, ?, ?, ?, ?, ?) "
+                  "ON CONFLICT DO UPDATE SET device = excluded.device, family = excluded.family, port = excluded.port RETURNING "
+                  "session"),
           known(file, "SELECT 1 FROM session WHERE session = ?"),
           channel(file, "INSERT OR REPLACE INTO channel VALUES (?, ?, ?, ?, ?)"),
           reading(file, "INSERT OR IGNORE INTO reading VALUES (?, ?, ?, ?)"),
@@ -64,16 +66,19 @@ bool Sink::IsThere(sqlite3_int64 session) {
 // Its number, and its channels as they are called now.
 sqlite3_int64 Sink::SessionOf(const CSinkSource& source) {
     const auto key = std::make_tuple(source.station, source.logger, source.began);
-    const auto same = [](const CSinkChannel& a, const CSinkChannel& b) { return a.key == b.key && a.name == b.name && a.unit == b.unit; };
+    const auto same = [](const CSinkChannel& a, const CSinkChannel& b) {
+        return a.key == b.key && a.name == b.name && a.unit == b.unit;
+    };
     const auto found = m_sessions.find(key);
-    if (found != m_sessions.end() && std::equal(source.channels.begin(), source.channels.end(), found->second.channels.begin(),
-                                                found->second.channels.end(), same) &&
+    if (found != m_sessions.end() &&
+        std::equal(source.channels.begin(), source.channels.end(), found->second.channels.begin(), found->second.channels.end(),
+                   same) &&
         IsThere(found->second.number))
         return found->second.number;
     if (m_sessions.size() >= kMostSessions) m_sessions.clear();
     Statement& session = m_statements->session;
-    session.Bind(CleanText(source.station), CleanText(source.logger), source.began, CleanText(source.device), CleanText(source.family),
-                 CleanText(source.port));
+    session.Bind(CleanText(source.station), CleanText(source.logger), source.began, CleanText(source.device),
+                 CleanText(source.family), CleanText(source.port));
     session.Next();
     const sqlite3_int64 number = session.Number(0);
     while (session.Next()) {
@@ -99,7 +104,8 @@ void Sink::WriteNotes(const CSinkPart& part, sqlite3_int64 session) {
     m_statements->uncomment.Run(session);
     for (size_t i = 0; i < part.comments.size(); ++i) {
         const CSinkComment& comment = part.comments[i];
-        m_statements->comment.Run(session, number(i + 1), comment.time, CleanText(comment.channel), comment.value, CleanText(comment.text));
+        m_statements->comment.Run(session, number(i + 1), comment.time, CleanText(comment.channel), comment.value,
+                                  CleanText(comment.text));
     }
 }
 

@@ -23,9 +23,11 @@ public:
         Start();
     }
     void Start() {
-        std::vector<std::string> words = {Binaries() + "/postgres", "-D", Data(), "-p", std::to_string(port), "-h", "127.0.0.1",
-                                          "-k", m_folder.Folder().string(), "-c", "fsync=off"};
-        if (geteuid() == 0) words.insert(words.begin(), {"setpriv", "--reuid=postgres", "--regid=postgres", "--clear-groups", "--"});
+        std::vector<std::string> words = {Binaries() + "/postgres",   "-D", Data(),      "-p",
+                                          std::to_string(port),       "-h", "127.0.0.1", "-k",
+                                          m_folder.Folder().string(), "-c", "fsync=off"};
+        if (geteuid() == 0)
+            words.insert(words.begin(), {"setpriv", "--reuid=postgres", "--regid=postgres", "--clear-groups", "--"});
         process.emplace(words, m_folder.Path("log"));
         // It listens before it is ready.
         EXPECT_TRUE(Becomes([this] {
@@ -83,7 +85,8 @@ protected:
         std::string text;
         for (int row = 0; row < PQntuples(rows.get()); ++row) {
             for (int field = 0; field < PQnfields(rows.get()); ++field)
-                text += std::string(field > 0 ? "|" : "") + (PQgetisnull(rows.get(), row, field) ? "null" : PQgetvalue(rows.get(), row, field));
+                text += std::string(field > 0 ? "|" : "") +
+                        (PQgetisnull(rows.get(), row, field) ? "null" : PQgetvalue(rows.get(), row, field));
             text += "\n";
         }
         return text;
@@ -107,14 +110,17 @@ TEST_F(PostgreSql, BringsOverEveryKindOnceHoweverOftenItIsSent) {
     MadeBatch made(0, 8);
     made.AddNotes();
     for (int time = 0; time < 3; ++time) sink->Deliver(made.batch);
-    EXPECT_EQ(Ask("select channel, count(*), count(value) from orvik.reading group by channel order by channel"), "1|8|8\n2|6|5\n");
-    EXPECT_EQ(Ask("select extract(epoch from time) * 1000000 = 1700000000123456 + 250001 * 7, value from orvik.reading where channel = 1 "
+    EXPECT_EQ(Ask("select channel, count(*), count(value) from orvik.reading group by channel order by channel"),
+              "1|8|8\n2|6|5\n");
+    EXPECT_EQ(Ask("select extract(epoch from time) * 1000000 = 1700000000123456 + 250001 * 7, value from orvik.reading where "
+                  "channel = 1 "
                   "order by time desc limit 1"),
               "t|7.1\n");
     EXPECT_EQ(Ask("select value from orvik.reading where channel = 2 order by time"), "0\n-1\n-2\nnull\nInfinity\n-7\n");
     EXPECT_EQ(Ask("select station, logger, channel, unit, metric from orvik.readings where channel = 'Resistance' limit 1"),
               "Plant|inlet|Resistance|k\u03A9|Plant/inlet Resistance\n");
-    EXPECT_EQ(Ask("select number, missed, attempts, cause, text, channels from orvik.gap"), "7|1|3|8|no answer; \"none\" 'at all'|{2}\n");
+    EXPECT_EQ(Ask("select number, missed, attempts, cause, text, channels from orvik.gap"),
+              "7|1|3|8|no answer; \"none\" 'at all'|{2}\n");
     EXPECT_EQ(Ask("select missed, channels from orvik.gaps"), "1|Resistance\n");
     EXPECT_EQ(Ask("select logger, event, text from orvik.events"), "inlet|connected|COM5\n");
     EXPECT_EQ(Ask("select kind, amount, text from orvik.event"), "2|0|COM5\n");
@@ -131,7 +137,8 @@ TEST_F(PostgreSql, BringsOverEveryKindOnceHoweverOftenItIsSent) {
     EXPECT_EQ(Ask("select missed, text from orvik.gap"), "5|a?b\n");
     EXPECT_EQ(Ask("select name from orvik.channel where place = 1"), "Through??put\n");
     EXPECT_EQ(Ask("select count(*) from orvik.comment"), "0\n");
-    EXPECT_EQ(Ask("select length(text) - " + std::to_string(endless.size()) + " from orvik.event where kind = 3 order by 1"), "0\n2\n");
+    EXPECT_EQ(Ask("select length(text) - " + std::to_string(endless.size()) + " from orvik.event where kind = 3 order by 1"),
+              "0\n2\n");
     sink->Disconnect();
     // Another program finds the same tables.
     const auto other = Make();
@@ -162,7 +169,10 @@ TEST_F(PostgreSql, TimesBeyondTheUsualComeOverToo) {
     // One goes there in binary form, the other as a text.
     for (const auto& row : rows) {
         const std::string is = row.text != nullptr ? "s.began = '" + std::string(row.text) + "'" : "s.began < '0001-01-01'";
-        EXPECT_EQ(Ask("select count(*) from orvik.session s join orvik.reading r using (session) where s.began = r.time and " + is), "2\n") << is;
+        EXPECT_EQ(
+            Ask("select count(*) from orvik.session s join orvik.reading r using (session) where s.began = r.time and " + is),
+            "2\n")
+            << is;
     }
 }
 
@@ -272,7 +282,8 @@ TEST_F(PostgreSql, AServerThatStandsStillIsLeftSoon) {
     const auto sink = Make();
     sink->Connect();
     // The process that serves it is in no group of the server's.
-    const pid_t serving = std::stoi(Ask("select pid from pg_stat_activity where application_name = 'orvikhost' and pid <> pg_backend_pid()"));
+    const pid_t serving =
+        std::stoi(Ask("select pid from pg_stat_activity where application_name = 'orvikhost' and pid <> pg_backend_pid()"));
     MadeBatch made(0, 20'000);
     sink->Deliver(made.batch);
     ASSERT_EQ(kill(serving, SIGSTOP), 0);
@@ -289,11 +300,12 @@ TEST_F(PostgreSql, AServerThatStandsStillIsLeftSoon) {
 TEST_F(PostgreSql, TwoMayBeginAtOnce) {
     std::vector<std::thread> threads;
     std::vector<std::string> why(4);
-    for (std::string& said : why) threads.emplace_back([&] {
-        const auto sink = Make();
-        said = FailureOf([&] { sink->Connect(); });
-        sink->Disconnect();
-    });
+    for (std::string& said : why)
+        threads.emplace_back([&] {
+            const auto sink = Make();
+            said = FailureOf([&] { sink->Connect(); });
+            sink->Disconnect();
+        });
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(why, std::vector<std::string>(4));
 }

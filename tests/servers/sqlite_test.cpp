@@ -61,12 +61,14 @@ TEST_F(Sqlite, BringsOverEveryKindOnceHoweverOftenItIsSent) {
     EXPECT_EQ(Ask("SELECT from_time, station, missed, text, channels FROM gaps", 5),
               "2023-11-14T22:13:20.873459Z|Plant|1|no answer; \"none\" 'at all'|Resistance\n");
     // A stretch of time is found by the key.
-    EXPECT_NE(Ask("EXPLAIN QUERY PLAN SELECT * FROM readings WHERE us BETWEEN 1 AND 2", 4).find("session=? AND channel=? AND time>? AND time<?"),
+    EXPECT_NE(Ask("EXPLAIN QUERY PLAN SELECT * FROM readings WHERE us BETWEEN 1 AND 2", 4)
+                  .find("session=? AND channel=? AND time>? AND time<?"),
               std::string::npos);
     EXPECT_EQ(Ask("SELECT time, event, text FROM events", 3), "2023-11-14T22:13:20.123456Z|connected|COM5\n");
     EXPECT_EQ(Ask("SELECT channel, value, time FROM comments", 3), "Resistance|2.5|2023-11-14T22:13:20.373457Z\n");
     EXPECT_EQ(Ask("SELECT station, logger, began, device FROM sessions", 4), "Plant|inlet|2023-11-14T22:13:20.123456Z|Meter\n");
-    EXPECT_EQ(Ask("SELECT number, missed, attempts, cause, text, channels FROM gap", 6), "7|1|3|8|no answer; \"none\" 'at all'|2\n");
+    EXPECT_EQ(Ask("SELECT number, missed, attempts, cause, text, channels FROM gap", 6),
+              "7|1|3|8|no answer; \"none\" 'at all'|2\n");
     EXPECT_EQ(Ask("SELECT kind, text FROM event", 2), "2|COM5\n");
     EXPECT_EQ(Ask("SELECT channel, value, text FROM comment", 3), "2|2.5|4 k\u03A9 \\ it's\nhot\n");
 }
@@ -114,9 +116,13 @@ TEST_F(Sqlite, GivesBackWhatIsNoNumber) {
     made.Part().values[0] = -0.0;
     made.Part().values[2] = 5e-324;
     const __int64 hole = MadeBatch::kFirst + 5 * MadeBatch::kStep + 1;
-    const CRecordedGap one{1, MadeBatch::kFirst + 3 * MadeBatch::kStep, MadeBatch::kFirst + 3 * MadeBatch::kStep, 1, 3, 8, {1}, "x"};
+    const CRecordedGap one{1,  MadeBatch::kFirst + 3 * MadeBatch::kStep, MadeBatch::kFirst + 3 * MadeBatch::kStep, 1, 3, 8, {1},
+                           "x"};
     // All channels: a hole, its second half for another reason, and a trouble that was over before it took anything with it.
-    made.Part().gaps = {one, {2, hole, hole + 5, 4, 4, 8, {}, "a"}, {3, hole + 6, hole + 9, 4, 4, 9, {}, "b"}, {4, hole - 9, hole - 9, 0, 1, 8, {}, "c"}};
+    made.Part().gaps = {one,
+                        {2, hole, hole + 5, 4, 4, 8, {}, "a"},
+                        {3, hole + 6, hole + 9, 4, 4, 9, {}, "b"},
+                        {4, hole - 9, hole - 9, 0, 1, 8, {}, "c"}};
     made.Part().commented = true;
     made.Part().comments = {{1, std::nan(""), "2", "nowhere"}};
     sqlite::Sink sink(path);
@@ -189,7 +195,10 @@ TEST_F(Sqlite, KilledInTheMiddleItHoldsEachReadingOnce) {
     sink.Deliver(made.batch);
     delivered += kReadings;
     // The last one may have been committed, but not told.
-    EXPECT_EQ(Ask(("SELECT count(*) FROM reading WHERE channel = 1 AND time < " + std::to_string(MadeBatch::kFirst + delivered * MadeBatch::kStep)).c_str(), 1),
+    EXPECT_EQ(Ask(("SELECT count(*) FROM reading WHERE channel = 1 AND time < " +
+                   std::to_string(MadeBatch::kFirst + delivered * MadeBatch::kStep))
+                      .c_str(),
+                  1),
               std::to_string(delivered) + "\n");
     EXPECT_EQ(Ask("SELECT * FROM pragma_integrity_check", 1), "ok\n");
     EXPECT_GT(delivered, 2 * kReadings);
@@ -210,7 +219,12 @@ TEST_F(Sqlite, IsReadWhereNothingMayBeWritten) {
         CPropertyDB db;
         const std::string why = FailureOf([&] { sqlite::LoadSession(path, sqlite::SessionNames(path).at(0), db); });
         sqlite::Sink sink(path);
-        _exit(why.empty() && !FailureOf([&] { sink.Connect(); sink.Deliver(MadeBatch(8, 9).batch); }).empty() ? 0 : 1);
+        _exit(why.empty() && !FailureOf([&] {
+                                  sink.Connect();
+                                  sink.Deliver(MadeBatch(8, 9).batch);
+                              }).empty()
+                  ? 0
+                  : 1);
     }
     int status = -1;
     waitpid(child, &status, 0);
