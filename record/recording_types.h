@@ -15,6 +15,9 @@ enum ERecordFlag : BYTE {
     RF_NOT_DUE = 3,   // NaN, as it was not to be read with this reading; nothing is missing
 };
 
+// The NaN that stands in a session for a value that was not to be read: unlike others it leaves no hole in a line.
+inline constexpr unsigned __int64 kNotDueBits = 0x7FF8'0000'004E'4F54;
+
 // Why readings are missing. 0 to 9 are the codes of CCommException (comm/comm_exception.h).
 enum EGapCause : WORD {
     GC_STALLED = 100,      // they were not asked for in time: the logger or this machine was busy

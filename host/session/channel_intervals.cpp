@@ -13,10 +13,10 @@
 #include "host/session/value_text.h"
 #include "host/words/console.h"
 #include "host/words/texts.h"
+#include "record/recording_types.h"
 
 namespace {
-constexpr uint64_t kNotDue = 0x7FF8'0000'004E'4F54;  // a quiet NaN
-constexpr double kLongest = 366.0 * 86'400;          // s
+constexpr double kLongest = 366.0 * 86'400;  // s
 
 // Seconds by a value of any kind, in microseconds; nothing where the key is missing.
 std::optional<__int64> SpanAt(IPropertyDB& db, const std::string& key) {
@@ -90,5 +90,5 @@ std::vector<DWORD> ChannelSteps(IPropertyDB& description, __int64 interval) {
     return steps;
 }
 
-double NotDueValue() { return std::bit_cast<double>(kNotDue); }
-bool IsNotDue(double value) { return std::bit_cast<uint64_t>(value) == kNotDue; }
+double NotDueValue() { return std::bit_cast<double>(kNotDueBits); }
+bool IsNotDue(double value) { return std::bit_cast<unsigned __int64>(value) == kNotDueBits; }

@@ -29,31 +29,38 @@ void Connection::Fail(const char* said) const {
     throw CSinkFailure(FirstLine(said));
 }
 
+Connection::Options Connection::OptionsOf(const std::string& address) {
+    char* complaint = nullptr;
+    Options options(PQconninfoParse(address.c_str(), &complaint), &PQconninfoFree);
+    std::string why = FirstLine(complaint);
+    PQfreemem(complaint);
+    // What is quoted there may be a password.
+    for (const char* const quoted : {": \"", " after \""}) why.resize(std::min(why.size(), why.find(quoted)));
+    if (options == nullptr) throw CSinkFailure("sAddress: " + why);
+    return options;
+}
+
+void Connection::Check(const std::string& address) { OptionsOf(address); }
+
 void Connection::Open(const std::string& address, const std::string& password) {
     Close();
-    char* complaint = nullptr;
-    std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> given(PQconninfoParse(address.c_str(), &complaint), &PQconninfoFree);
-    if (given == nullptr) {
-        const std::string why = FirstLine(complaint);
-        PQfreemem(complaint);
-        throw CSinkFailure("sAddress: " + why);
-    }
+    const Options given = OptionsOf(address);
     std::vector<const char*> words, values;
     const auto add = [&](const char* word, const char* value) {
         words.push_back(word);
         values.push_back(value);
     };
+    add("fallback_application_name", "orvikhost");
+    // What the system itself does not end: a network that is gone is noticed in half a minute. What the address says goes before these.
+    add("keepalives_idle", "10");
+    add("keepalives_interval", "5");
+    add("keepalives_count", "3");
     for (const PQconninfoOption* one = given.get(); one->keyword != nullptr; ++one) {
         const bool replaced = !password.empty() && std::string_view(one->keyword) == "password";
         if (one->val != nullptr && !replaced) add(one->keyword, one->val);
     }
     if (!password.empty()) add("password", password.c_str());
     add("client_encoding", "UTF8");
-    add("fallback_application_name", "orvikhost");
-    // What the system itself does not end: a network that is gone is noticed in half a minute.
-    add("keepalives_idle", "10");
-    add("keepalives_interval", "5");
-    add("keepalives_count", "3");
     add(nullptr, nullptr);
     m_connection = PQconnectStartParams(words.data(), values.data(), 0);
     if (m_connection == nullptr) throw std::bad_alloc();
@@ -112,7 +119,10 @@ Result Connection::Take() {
         else last = std::move(next);
         if (PQstatus(m_connection) != CONNECTION_OK) break;
     }
-    if (failed != nullptr) Fail(PQresultErrorMessage(failed.get()));
+    if (failed != nullptr) {
+        const char* const said = PQresultErrorField(failed.get(), PG_DIAG_MESSAGE_PRIMARY);
+        Fail(said != nullptr ? said : PQresultErrorMessage(failed.get()));
+    }
     if (last == nullptr) Fail(PQerrorMessage(m_connection));
     return last;
 }
@@ -144,6 +154,15 @@ void Connection::Copy(const std::string& statement, const std::string& bytes) {
     }
     Flush();
     Take();
+}
+
+void Column::Add(const std::string& value) {
+    m_text += m_text.size() > 1 ? ",\"" : "\"";
+    for (const char letter : value) {
+        if (letter == '"' || letter == '\\') m_text += '\\';
+        m_text += letter;
+    }
+    m_text += '"';
 }
 
 std::string Connection::Name(const std::string& name) {

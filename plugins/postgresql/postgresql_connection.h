@@ -16,9 +16,25 @@ struct ClearResult {
 };
 using Result = std::unique_ptr<PGresult, ClearResult>;
 
+// A column of rows that go to the server at once, for unnest().
+class Column {
+public:
+    void Add(const std::string& value);
+    template <class Number>
+    void Add(Number value) {
+        Add(std::to_string(value));
+    }
+    operator std::string() const { return m_text + "}"; }
+
+private:
+    std::string m_text = "{";
+};
+
 class Connection {
 public:
-    // Of a URI or the words that libpq knows; `password` goes before one that stands there, where it is not empty.
+    // That `address` is a URI or words that libpq knows; the complaint names the setting.
+    static void Check(const std::string& address);
+    // `password` goes before one that stands there, where it is not empty.
     void Open(const std::string& address, const std::string& password);
     void Close();
     ~Connection() { Close(); }
@@ -33,6 +49,8 @@ public:
     void Abort() { m_aborted = true; }
 
 private:
+    using Options = std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)>;
+    static Options OptionsOf(const std::string& address);
     [[noreturn]] void Fail(const char* said) const;
     // Until the socket can be read, or written as well where `sends`.
     void Wait(bool sends);

@@ -15,12 +15,7 @@ public:
         using namespace orvik::settings;
         postgresql::Sink::Settings read;
         read.address = NeedText(settings, "sAddress");
-        char* complaint = nullptr;
-        PQconninfoOption* const options = PQconninfoParse(read.address.c_str(), &complaint);
-        const std::string why = complaint != nullptr ? complaint : "";
-        PQfreemem(complaint);
-        PQconninfoFree(options);
-        if (options == nullptr) throw CSinkFailure("sAddress: " + why.substr(0, why.find('\n')));
+        postgresql::Connection::Check(read.address);
         read.password = ReadSecret(settings, "sPasswordFile", folder);
         read.schema = ReadText(settings, "sSchema", "orvik");
         return new postgresql::Sink(std::move(read));

@@ -5,10 +5,15 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <set>
+#include <string_view>
 
 #include "plugins/postgresql/postgresql_layout.h"
+#include "plugins/support/sink_tables.h"
 
 namespace postgresql {
+using orvik::tables::CleanText;
 namespace {
 constexpr __int64 k2000 = 946'684'800'000'000;  // us from 1970 to the server's own beginning of time
 constexpr size_t kMostSessions = 10'000;        // whose numbers are kept in mind
@@ -48,33 +53,10 @@ std::string Number(double value) {
     return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
-// What the server takes: UTF-8 without NUL; each byte that is none becomes "?".
-std::string Text(const std::string& text) {
-    std::string clean;
-    for (size_t i = 0; i < text.size();) {
-        const auto byte = [&](size_t at) { return at < text.size() ? static_cast<unsigned char>(text[at]) : 0u; };
-        const unsigned first = byte(i);
-        const size_t size = first < 0x80 ? 1 : first >= 0xC2 && first < 0xE0 ? 2 : first >= 0xE0 && first < 0xF0 ? 3 : first >= 0xF0 && first < 0xF5 ? 4 : 0;
-        bool whole = size != 0 && first != 0;
-        for (size_t k = 1; whole && k < size; ++k) whole = (byte(i + k) & 0xC0) == 0x80;
-        // Forms that are too long, halves of pairs, and what lies beyond Unicode.
-        if (size > 2 && whole) {
-            const unsigned second = byte(i + 1);
-            whole = !(first == 0xE0 && second < 0xA0) && !(first == 0xED && second >= 0xA0) && !(first == 0xF0 && second < 0x90) &&
-                    !(first == 0xF4 && second >= 0x90);
-        }
-        clean += whole ? text.substr(i, size) : "?";
-        i += whole ? size : 1;
-    }
-    return clean;
-}
-
-std::string ChannelsOf(const CRecordedGap& gap, const CSinkSource& source) {
-    std::string keys;
-    for (const WORD place : gap.channels) {
-        if (place < source.channels.size()) keys += (keys.empty() ? "" : " ") + source.channels[place].key;
-    }
-    return keys;
+std::string PlacesOf(const CRecordedGap& gap) {
+    Column places;
+    for (const WORD place : gap.channels) places.Add(place + 1);
+    return places;
 }
 }  // namespace
 
@@ -93,27 +75,32 @@ void Sink::Disconnect() {
 
 // Its number, and its channels as they are called now.
 const std::string& Sink::SessionOf(const CSinkSource& source) {
-    const auto key = std::make_tuple(source.station, source.logger, source.began);
+    const auto key = KeyOf(source);
     const auto same = [](const CSinkChannel& a, const CSinkChannel& b) { return a.key == b.key && a.name == b.name && a.unit == b.unit; };
     const auto found = m_sessions.find(key);
     if (found != m_sessions.end() && std::equal(source.channels.begin(), source.channels.end(), found->second.channels.begin(),
                                                 found->second.channels.end(), same))
         return found->second.number;
     if (m_sessions.size() >= kMostSessions) m_sessions.clear();
-    // An update that changes nothing, so that it gives the number of a row that is there.
+    // An update, so that it gives the number of a row that is there, too.
     const Result row = m_connection.Run(
         "insert into session (station, logger, began, device, family, port) values ($1, $2, $3, $4, $5, $6) "
-        "on conflict (station, logger, began) do update set device = excluded.device returning session",
-        {Text(source.station), Text(source.logger), Time(source.began), Text(source.device), Text(source.family), Text(source.port)});
+        "on conflict (station, logger, began) do update set device = excluded.device, family = excluded.family, port = excluded.port "
+        "returning session",
+        {CleanText(source.station), CleanText(source.logger), Time(source.began), CleanText(source.device), CleanText(source.family), CleanText(source.port)});
     Known& known = m_sessions[key];
     known.number = PQgetvalue(row.get(), 0, 0);
     known.channels = source.channels;
-    for (size_t i = 0; i < source.channels.size(); ++i) {
-        const CSinkChannel& channel = source.channels[i];
-        m_connection.Run("insert into channel values ($1, $2, $3, $4, $5) on conflict (session, place) "
-                         "do update set key = excluded.key, name = excluded.name, unit = excluded.unit",
-                         {known.number, std::to_string(i + 1), Text(channel.key), Text(channel.name), Text(channel.unit)});
+    Column places, keys, names, units;
+    for (const CSinkChannel& channel : source.channels) {
+        places.Add(&channel - source.channels.data() + 1);
+        keys.Add(CleanText(channel.key));
+        names.Add(CleanText(channel.name));
+        units.Add(CleanText(channel.unit));
     }
+    m_connection.Run("insert into channel select $1::integer, * from unnest($2::smallint[], $3::text[], $4::text[], $5::text[]) "
+                     "on conflict (session, place) do update set key = excluded.key, name = excluded.name, unit = excluded.unit",
+                     {known.number, places, keys, names, units});
     return known.number;
 }
 
@@ -133,7 +120,7 @@ void Sink::WriteReadings(const CSinkBatch& batch) {
                 Put(bytes, uint16_t{4});
                 PutField(bytes, session);
                 PutField(bytes, static_cast<uint16_t>(channel + 1));
-                PutField(bytes, static_cast<uint64_t>(part.times[row] - k2000));
+                PutField(bytes, static_cast<uint64_t>(part.times[row]) - static_cast<uint64_t>(k2000));
                 if (flag == RF_GOOD) {
                     PutField(bytes, std::bit_cast<uint64_t>(part.Row(row)[channel]));
                 } else {
@@ -149,33 +136,78 @@ void Sink::WriteReadings(const CSinkBatch& batch) {
 }
 
 void Sink::WriteNotes(const CSinkPart& part, const std::string& session) {
-    for (const CRecordedGap& gap : part.gaps) {
-        m_connection.Run("insert into gap values ($1, $2, $3, $4, $5, $6, $7, $8, $9) on conflict (session, number) do update set "
-                         "from_time = excluded.from_time, until_time = excluded.until_time, missed = excluded.missed, "
-                         "attempts = excluded.attempts, cause = excluded.cause, text = excluded.text, channels = excluded.channels",
-                         {session, std::to_string(gap.number), Time(gap.from), Time(gap.until), std::to_string(gap.missed),
-                          std::to_string(gap.attempts), std::to_string(gap.cause), Text(gap.text), Text(ChannelsOf(gap, *part.source))});
+    // No statement may bring a row up to date twice.
+    std::map<DWORD, const CRecordedGap*> latest;
+    for (const CRecordedGap& gap : part.gaps) latest[gap.number] = &gap;
+    if (!latest.empty()) {
+        Column numbers, from, until, missed, attempts, causes, texts, channels;
+        for (const auto& [number, gap] : latest) {
+            numbers.Add(number);
+            from.Add(Time(gap->from));
+            until.Add(Time(gap->until));
+            missed.Add(gap->missed);
+            attempts.Add(gap->attempts);
+            causes.Add(gap->cause);
+            texts.Add(CleanText(gap->text));
+            channels.Add(PlacesOf(*gap));
+        }
+        m_connection.Run("insert into gap select $1::integer, n, f, u, m, a, c, t, p::smallint[] from unnest($2::bigint[], $3::timestamptz[], "
+                         "$4::timestamptz[], $5::bigint[], $6::bigint[], $7::integer[], $8::text[], $9::text[]) as g (n, f, u, m, a, c, t, p) "
+                         "on conflict (session, number) do update set from_time = excluded.from_time, until_time = excluded.until_time, "
+                         "missed = excluded.missed, attempts = excluded.attempts, cause = excluded.cause, text = excluded.text, "
+                         "channels = excluded.channels",
+                         {session, numbers, from, until, missed, attempts, causes, texts, channels});
     }
-    for (const CRecordedEvent& event : part.events) {
-        m_connection.Run("insert into event values ($1, $2, $3, $4, $5) on conflict do nothing",
-                         {session, Time(event.time), std::to_string(event.kind), std::to_string(event.amount), Text(event.text)});
+    if (!part.events.empty()) {
+        Column times, kinds, amounts, texts;
+        for (const CRecordedEvent& event : part.events) {
+            times.Add(Time(event.time));
+            kinds.Add(event.kind);
+            amounts.Add(event.amount);
+            texts.Add(CleanText(event.text));
+        }
+        m_connection.Run("insert into event select $1::integer, * from unnest($2::timestamptz[], $3::integer[], $4::bigint[], $5::text[]) "
+                         "on conflict do nothing",
+                         {session, times, kinds, amounts, texts});
     }
     if (!part.commented) return;
     m_connection.Run("delete from comment where session = $1", {session});
-    for (size_t i = 0; i < part.comments.size(); ++i) {
-        const CSinkComment& comment = part.comments[i];
-        m_connection.Run("insert into comment values ($1, $2, $3, $4, $5, $6)",
-                         {session, std::to_string(i + 1), Time(comment.time), Text(comment.channel), Number(comment.value), Text(comment.text)});
+    Column numbers, times, channels, values, texts;
+    for (const CSinkComment& comment : part.comments) {
+        numbers.Add(&comment - part.comments.data() + 1);
+        times.Add(Time(comment.time));
+        channels.Add(CleanText(comment.channel));
+        values.Add(Number(comment.value));
+        texts.Add(CleanText(comment.text));
     }
+    m_connection.Run("insert into comment select $1::integer, * from unnest($2::integer[], $3::timestamptz[], $4::text[], "
+                     "$5::double precision[], $6::text[])",
+                     {session, numbers, times, channels, values, texts});
+}
+
+// Somebody may have cleared a session away whose number is kept in mind. Those that are there stay until the batch is in.
+void Sink::ForgetCleared(const CSinkBatch& batch) {
+    std::set<std::string> numbers;
+    for (const CSinkPart& part : batch.parts) {
+        const auto found = m_sessions.find(KeyOf(*part.source));
+        if (found != m_sessions.end()) numbers.insert(found->second.number);
+    }
+    if (numbers.empty()) return;
+    Column asked;
+    for (const std::string& number : numbers) asked.Add(number);
+    const Result there = m_connection.Run("select 1 from session where session = any ($1::integer[]) order by session for key share", {asked});
+    if (static_cast<size_t>(PQntuples(there.get())) < numbers.size()) m_sessions.clear();
 }
 
 void Sink::Deliver(const CSinkBatch& batch) {
     m_connection.Run("begin");
+    ForgetCleared(batch);
     WriteReadings(batch);
     for (const CSinkPart& part : batch.parts) {
         if (!part.gaps.empty() || !part.events.empty() || part.commented) WriteNotes(part, SessionOf(*part.source));
     }
-    m_connection.Run("commit");
+    const Result committed = m_connection.Run("commit");
+    if (PQcmdStatus(committed.get()) != std::string_view("COMMIT")) throw CSinkFailure("the server did not commit a batch");
 }
 
 }  // namespace postgresql

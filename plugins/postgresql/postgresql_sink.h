@@ -28,13 +28,16 @@ private:
         std::string number;  // of the session, in its table
         std::vector<CSinkChannel> channels;
     };
+    using Key = std::tuple<std::string, std::string, __int64>;
+    static Key KeyOf(const CSinkSource& source) { return {source.station, source.logger, source.began}; }
+    void ForgetCleared(const CSinkBatch& batch);
     const std::string& SessionOf(const CSinkSource& source);
     void WriteReadings(const CSinkBatch& batch);
     void WriteNotes(const CSinkPart& part, const std::string& session);
 
     const Settings m_settings;
     Connection m_connection;
-    std::map<std::tuple<std::string, std::string, __int64>, Known> m_sessions;  // that were committed, or are being written
+    std::map<Key, Known> m_sessions;  // that were committed, or are being written
 };
 
 }  // namespace postgresql

@@ -28,7 +28,9 @@ private:
         std::vector<CSinkChannel> channels;
     };
     void Write(const CSinkBatch& batch);
+    bool IsThere(sqlite3_int64 session);
     sqlite3_int64 SessionOf(const CSinkSource& source);
+    void WriteReadings(const CSinkPart& part, size_t channel, sqlite3_int64 session);
     void WriteNotes(const CSinkPart& part, sqlite3_int64 session);
 
     const std::string m_path;

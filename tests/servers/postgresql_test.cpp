@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include <csignal>
 #include <optional>
 #include <thread>
 
@@ -113,18 +114,24 @@ TEST_F(PostgreSql, BringsOverEveryKindOnceHoweverOftenItIsSent) {
     EXPECT_EQ(Ask("select value from orvik.reading where channel = 2 order by time"), "0\n-1\n-2\nnull\nInfinity\n-7\n");
     EXPECT_EQ(Ask("select station, logger, channel, unit, metric from orvik.readings where channel = 'Resistance' limit 1"),
               "Plant|inlet|Resistance|k\u03A9|Plant/inlet Resistance\n");
-    EXPECT_EQ(Ask("select number, missed, attempts, cause, text, channels from orvik.gap"), "7|1|3|8|no answer; \"none\" 'at all'|2\n");
+    EXPECT_EQ(Ask("select number, missed, attempts, cause, text, channels from orvik.gap"), "7|1|3|8|no answer; \"none\" 'at all'|{2}\n");
+    EXPECT_EQ(Ask("select missed, channels from orvik.gaps"), "1|Resistance\n");
+    EXPECT_EQ(Ask("select logger, event, text from orvik.events"), "inlet|connected|COM5\n");
     EXPECT_EQ(Ask("select kind, amount, text from orvik.event"), "2|0|COM5\n");
     EXPECT_EQ(Ask("select channel, value, text from orvik.comments"), "Resistance|2.5|4 k\u03A9 \\ it's\nhot\n");
     // A gap goes on, names change, comments go; no byte of a text stops the rest.
     MadeBatch more(8, 9);
     more.source.channels[0].name = "Through\xFF\xC0put";
-    more.Part().gaps = {{7, 1, 2, 5, 9, 8, {}, std::string("a\0b", 3)}};
+    more.Part().gaps = {{7, 1, 2, 4, 8, 8, {}, "x"}, {7, 1, 2, 5, 9, 8, {}, std::string("a\0b", 3)}};
+    std::string endless;  // that nothing makes shorter
+    for (unsigned n = 1; endless.size() < 100'000; n = n * 1'664'525 + 1'013'904'223) endless += std::to_string(n);
+    more.Part().events = {{1, RE_LOST, 0, endless}, {1, RE_LOST, 0, endless}, {1, RE_LOST, 0, endless + "\\\""}};
     more.Part().commented = true;
     sink->Deliver(more.batch);
     EXPECT_EQ(Ask("select missed, text from orvik.gap"), "5|a?b\n");
     EXPECT_EQ(Ask("select name from orvik.channel where place = 1"), "Through??put\n");
     EXPECT_EQ(Ask("select count(*) from orvik.comment"), "0\n");
+    EXPECT_EQ(Ask("select length(text) - " + std::to_string(endless.size()) + " from orvik.event where kind = 3 order by 1"), "0\n2\n");
     sink->Disconnect();
     // Another program finds the same tables.
     const auto other = Make();
@@ -157,6 +164,30 @@ TEST_F(PostgreSql, TimesBeyondTheUsualComeOverToo) {
         const std::string is = row.text != nullptr ? "s.began = '" + std::string(row.text) + "'" : "s.began < '0001-01-01'";
         EXPECT_EQ(Ask("select count(*) from orvik.session s join orvik.reading r using (session) where s.began = r.time and " + is), "2\n") << is;
     }
+}
+
+// Somebody clears a session away while it is sent: what comes then makes it again.
+TEST_F(PostgreSql, ASessionThatWasClearedAwayBeginsAnew) {
+    const auto sink = Make();
+    sink->Connect();
+    MadeBatch made(0, 8);
+    sink->Deliver(made.batch);
+    m_asked.Run("delete from orvik.reading; delete from orvik.session");
+    sink->Deliver(made.batch);
+    EXPECT_EQ(Ask("select channel, count(*) from orvik.readings group by channel order by channel"), "Flow|8\nResistance|6\n");
+}
+
+TEST_F(PostgreSql, TakesAsManyChannelsAsARecordingHas) {
+    constexpr size_t kChannels = 16'384;
+    MadeBatch made(0, 1);
+    made.source.channels.assign(kChannels, {"{a,\"b\\", "n'", ""});
+    made.Part().values.assign(kChannels, 1.5);
+    made.Part().flags.assign(kChannels, RF_GOOD);
+    const auto sink = Make();
+    sink->Connect();
+    sink->Deliver(made.batch);
+    EXPECT_EQ(Ask("select count(*), max(place), min(key), min(name) from orvik.channel"), "16384|16384|{a,\"b\\|n'\n");
+    EXPECT_EQ(Ask("select sum(value) from orvik.readings"), "24576\n");
 }
 
 // What was committed stays, what was not goes as a whole, and sending it again brings all of it.
@@ -201,11 +232,20 @@ TEST_F(PostgreSql, SaysWhatIsWrong) {
     };
     const auto has = [](const std::string& text, const char* part) { return text.find(part) != std::string::npos; };
     EXPECT_TRUE(has(said(server.Address(), "wrong", "orvik"), "password"));
+    EXPECT_TRUE(has(said(server.Address() + "_not_there", server.password, "orvik"), "\"postgres_not_there\" does not exist"));
     EXPECT_TRUE(has(said(server.Address("nobody"), "x", "orvik"), "nobody"));
     EXPECT_TRUE(has(said("postgresql://127.0.0.1:" + std::to_string(FreePort()) + "/x", "", "orvik"), "refused"));
     m_asked.Run("create role reader login password 'r'");
     EXPECT_TRUE(has(said(server.Address("reader"), "r", "orvik"), "permission denied"));
-    m_asked.Run("drop role reader");
+    m_asked.Run("create schema orvik");
+    EXPECT_TRUE(has(said(server.Address("reader"), "r", "orvik"), "sSchema: the user has not the right (usage) on \"orvik\""));
+    m_asked.Run("grant usage on schema orvik to reader");
+    EXPECT_TRUE(has(said(server.Address("reader"), "r", "orvik"), "(create)"));
+    m_asked.Run("drop schema orvik; drop role reader");
+    for (const char* const address : {"postgresql://u:very@[::1/x", "postgresql://u:ve%zzry@h/x", "host=x password=a very"}) {
+        const std::string why = FailureOf([&] { postgresql::Connection::Check(address); });
+        EXPECT_TRUE(why.starts_with("sAddress: ") && !has(why, "ry")) << why;
+    }
     EXPECT_EQ(said(server.Address(), server.password, "orvik"), "");
     m_asked.Run("update orvik.layout set version = 99");
     EXPECT_TRUE(has(said(server.Address(), server.password, "orvik"), "99"));
@@ -215,24 +255,34 @@ TEST_F(PostgreSql, SaysWhatIsWrong) {
     m_asked.Run("drop schema \"o\"\"; drop schema orvik; --\" cascade");
 }
 
+// In the middle of a batch, and before it has said a word.
 TEST_F(PostgreSql, AServerThatStandsStillIsLeftSoon) {
+    const auto leaves = [&](postgresql::Sink& sink, auto work) {
+        std::chrono::steady_clock::time_point asked;
+        std::thread ends([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(500));
+            asked = std::chrono::steady_clock::now();
+            sink.Abort();
+        });
+        EXPECT_EQ(FailureOf(work), "it was broken off");
+        ends.join();
+        sink.Disconnect();
+        EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(1));
+    };
     const auto sink = Make();
     sink->Connect();
+    // The process that serves it is in no group of the server's.
+    const pid_t serving = std::stoi(Ask("select pid from pg_stat_activity where application_name = 'orvikhost' and pid <> pg_backend_pid()"));
+    MadeBatch made(0, 20'000);
+    sink->Deliver(made.batch);
+    ASSERT_EQ(kill(serving, SIGSTOP), 0);
+    leaves(*sink, [&] { sink->Deliver(made.batch); });
+    kill(serving, SIGCONT);
     server.process->Pause();
-    // Its children are its own group.
-    std::thread ends([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        sink->Abort();
-    });
-    MadeBatch made(0, 5000);
-    const auto begun = std::chrono::steady_clock::now();
-    EXPECT_EQ(FailureOf([&] {
-                  for (;;) sink->Deliver(made.batch);
-              }),
-              "it was broken off");
-    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(20));
-    ends.join();
+    const auto other = Make();
+    leaves(*other, [&] { other->Connect(); });
     server.process->Continue();
+    EXPECT_EQ(Ask("select count(*) from orvik.reading where channel = 1"), "20000\n");
 }
 
 // Two that make the tables at once.
