@@ -239,6 +239,17 @@ class Subscriber:
             self.process.wait()
             time.sleep(0.1)
 
+    def comes_again(self):
+        """Waits until it is there: a broker that is killed keeps nothing that it has not passed on."""
+        word = str(random.random())
+
+        def heard():
+            subprocess.run(["mosquitto_pub", *self.words[1:5], "-q", "1", "-t", "orvik/probe", "-m", word], stderr=self.log)
+            time.sleep(0.1)
+            return any(line == "orvik/probe " + word for line in self.lines[-200:])
+
+        until(heard, "the subscriber")
+
     def readings(self):
         found = set()
         for line in list(self.lines):
@@ -326,6 +337,7 @@ class Chaos:
         if kind == "kill database":
             self.postgres.kill()
         elif kind == "kill broker":
+            self.networks["broker"].set("drop")
             self.broker.kill()
         elif kind.startswith("stop"):
             (self.postgres if "database" in kind else self.broker).signal(signal.SIGSTOP)
@@ -337,12 +349,15 @@ class Chaos:
         self.mend()
 
     def mend(self):
-        for network in self.networks.values():
-            network.set("pass")
         self.postgres.clear()
+        killed = self.broker.process.poll() is not None
         for server in (self.postgres, self.broker):
             server.signal(signal.SIGCONT)
             server.again()
+        if killed:
+            self.subscriber.comes_again()
+        for network in self.networks.values():
+            network.set("pass")
 
     def play(self):
         self.run_recorder()
