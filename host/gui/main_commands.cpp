@@ -184,7 +184,9 @@ bool MainWindow::MayReplace(const SavingDialog& dialog) {
     const std::string path = dialog.path.GetString();
     if (m_manner == Manner::Quiet || dialog.IsAgreed() || !FileExists(path)) return true;
     const std::string question = Say(Text::AskReplace, {ToUtf8(path)});
-    return Ask([&] { return AfxMessageBox(question.c_str(), MB_YESNO | MB_ICONQUESTION); }) == IDYES;
+    // A key that was meant for something else must not cost a file.
+    constexpr UINT kHow = MB_OKCANCEL | MB_DEFBUTTON2 | MB_ICONQUESTION;
+    return Ask([&] { return ::MessageBoxA(m_hWnd, question.c_str(), "OrvikHost", kHow); }) == IDOK;
 }
 
 void MainWindow::AskAndExport() {
@@ -213,8 +215,8 @@ void MainWindow::AskAndDownload() {
     dialog.interval = CVXTTimeSpan(kLiveInterval, TST_MILLISECONDS);
     dialog.timeout = kLiveTimeout;
     // Who reads the same logger once more must not read whatever stands first on the machine.
-    if (m_lastPlan && !IsDownloading()) {
-        dialog.port = m_lastPlan->port.c_str();
+    if (m_lastPlan) {
+        if (!IsDownloading()) dialog.port = m_lastPlan->port.c_str();
         dialog.interval = CVXTTimeSpan(m_lastPlan->interval, TST_MILLISECONDS);
         if (m_lastPlan->count < kForEver) dialog.count = static_cast<UINT>(m_lastPlan->count);
     } else if (const LastDownload kept = KeptDownload(); !kept.port.empty()) {
@@ -296,7 +298,7 @@ void MainWindow::ShowProperties() {
 
 bool MainWindow::MayLeave() {
     if (m_manner == Manner::Quiet || !m_document.IsModified()) return true;
-    const std::string question = Say(Text::AskKeep, {ToUtf8(m_document.Title())});
+    const std::string question = Say(m_unsaved.empty() ? Text::AskKeep : Text::AskKeepReadings, {ToUtf8(m_document.Title())});
     const int answer =
         Ask([&] { return ::MessageBoxA(m_hWnd, question.c_str(), "OrvikHost", MB_YESNOCANCEL | MB_ICONQUESTION); });
     return answer == IDNO || (answer == IDYES && AskAndSave());

@@ -145,7 +145,7 @@ void MainWindow::DownloadOver(const LiveDownload::News& news) {
     UpdateMenu();
     const size_t count = m_document.GetSession()->Count();
     const std::string& why = news.end;
-    std::string ended = Say(Text::LiveEnded, {std::to_string(count)});
+    std::string ended = Say(Text::LiveEnded, {std::to_string(news.made)});
     // A reason says itself how many there are.
     if (why.empty() && news.missing > 0) ended += Say(Text::ProgressMissing, {std::to_string(news.missing)});
     // Whoever is at work meanwhile is not interrupted; whoever waits for a first reading is told that none comes.

@@ -232,6 +232,8 @@ void DownloadDialog::DoDataExchange(CDataExchange* exchange) {
     if (name.IsEmpty()) Refuse(exchange, IDC_HOST_PORT, Say(Text::PortEmpty));
     if (SamePort(name.GetString(), busyPort))
         Refuse(exchange, IDC_HOST_PORT, Say(Text::PortDownloads, {ToUtf8(name.GetString())}));
+    // Found out later, it would have cost what the window shows.
+    if (IsPortMissing(name.GetString())) Refuse(exchange, IDC_HOST_PORT, Say(Text::PortMissing, {ToUtf8(name.GetString())}));
     if (readings == 0 || readings > kMostReadings) Refuse(exchange, IDC_HOST_COUNT, Say(Text::CountRange));
     const __int64 pause = between.GetTotalMilliSeconds();
     if (pause < 0 || pause > kWeek) Refuse(exchange, IDC_HOST_INTERVAL, Say(Text::IntervalRange));

@@ -224,9 +224,12 @@ std::string WhyNotOpened(const std::string& port, LONG code, const std::string& 
     }
 }
 
+bool IsPortMissing(const std::string& port) {
+    return port.find("://") == std::string::npos && CSerial::CheckPort(port.c_str()) == CSerial::PortMissing;
+}
+
 std::string WhyLost(const std::string& port, LONG code, const std::string& text) {
-    const bool missing = code == CCommException::DeviceNotOpen && port.find("://") == std::string::npos &&
-                         CSerial::CheckPort(port.c_str()) == CSerial::PortMissing;
+    const bool missing = code == CCommException::DeviceNotOpen && IsPortMissing(port);
     return missing ? Say(Text::ReasonNoSuchPort) : ToUtf8(text);
 }
 
