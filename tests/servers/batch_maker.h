@@ -1,10 +1,21 @@
-// A recording's part of a batch, made by hand: what every sink has to bring over.
+// A recording's part of a batch, made by hand: what every sink has to bring over; and what a sink fails with.
 #pragma once
 
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "record/sink.h"
+
+// What a call of a sink fails with; empty where it does not.
+std::string FailureOf(auto work) {
+    try {
+        work();
+    } catch (const CSinkFailure& failure) {
+        return failure.what();
+    }
+    return {};
+}
 
 struct MadeBatch {
     static constexpr __int64 kFirst = 1'700'000'000'123'456, kStep = 250'001;

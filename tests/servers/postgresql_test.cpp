@@ -91,14 +91,6 @@ protected:
         }
         return text;
     }
-    static std::string FailureOf(auto work) {
-        try {
-            work();
-        } catch (const CSinkFailure& failure) {
-            return failure.what();
-        }
-        return {};
-    }
     Server& server = TheServer();
     postgresql::Connection m_asked;
 };

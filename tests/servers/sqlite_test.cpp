@@ -31,14 +31,6 @@ protected:
         }
         return text;
     }
-    static std::string FailureOf(auto work) {
-        try {
-            work();
-        } catch (const CSinkFailure& failure) {
-            return failure.what();
-        }
-        return {};
-    }
     const TestFolder folder;
     const std::string path = folder.Path("plant.sqlite");
 };
