@@ -153,7 +153,7 @@ protected:
     void StartBroker(const std::string& lines = {}) {
         m_folder.Write("broker.conf", "per_listener_settings true\nuser root\nlistener " + std::to_string(m_port) +
                                           " 127.0.0.1\nallow_anonymous true\nmax_queued_messages 0\n" + lines);
-        m_broker = std::make_unique<ServerProcess>(std::vector<std::string>{"mosquitto", "-c", m_folder.Path("broker.conf")},
+        m_broker = std::make_unique<ServerProcess>(std::vector<std::string>{"/usr/sbin/mosquitto", "-c", m_folder.Path("broker.conf")},
                                                    m_folder.Path("broker.log"));
         ASSERT_TRUE(Becomes([this] { return Listens(m_port); })) << m_folder.Read("broker.log");
     }

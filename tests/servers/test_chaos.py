@@ -441,6 +441,7 @@ def main():
     parser.add_argument("--seed", type=int, default=random.randrange(10**6))
     options = parser.parse_args()
     options.host = os.path.abspath(options.host)
+    os.environ["PATH"] += ":/usr/sbin"  # where servers are, and not everybody looks
     print("seed", options.seed)
     chaos = Chaos(options)
     fine = False
