@@ -409,7 +409,10 @@ class Chaos:
             rows = file.execute("select s.logger, c.key, r.time, r.value from reading r join session s on s.session = r.session "
                                 "join channel c on c.session = r.session and c.place = r.channel").fetchall()
         self.same("SQLite", wanted, rows, once=True)
-        until(lambda: wanted <= self.subscriber.readings(), "the subscriber's last readings", 20)
+        end = time.monotonic() + 20
+        while time.monotonic() < end and not wanted <= self.subscriber.readings():
+            time.sleep(0.5)
+        (self.folder / "subscriber.txt").write_text("\n".join(self.subscriber.lines), encoding="utf-8")
         self.same("MQTT", wanted, list(self.subscriber.readings()), once=False)
         times = sum(1 for line in self.subscriber.lines if line.split(" ")[0].endswith("/readings"))
         print(f"MQTT: {times} messages for {len({(one[0], one[2]) for one in wanted})} readings")
