@@ -1,4 +1,5 @@
 // simulate: be a logger on a virtual port, or on the network, until stopped.
+#include <atomic>
 #include <chrono>
 #include <optional>
 #include <thread>
@@ -17,8 +18,15 @@ void ServeUntilStopped(Line& line, const std::string& name) {
     const StopRequest stop;
     Print(name);
     Print(Say(Text::Serving));
-    std::thread server([&] { line.Serve(); });
-    while (!StopRequest::Asked()) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::atomic<bool> gone = false;
+    std::thread server([&] {
+        line.Serve();
+        gone = true;
+    });
+    while (!StopRequest::Asked()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        if (gone.exchange(false)) Print(Say(Text::PlugPulled, {name}));
+    }
     line.Stop();
     server.join();
 }

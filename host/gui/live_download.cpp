@@ -190,7 +190,7 @@ void LiveDownload::OnEvent(const CRecordedEvent& event) {
     m_writer.OnEvent(event);
     if (event.kind == RE_LOST) {
         m_lost = true;
-        Tell(LineLostSentence(m_plan.port, m_measurement.LastCode(), event.text));
+        Tell(LineLostSentence(m_plan.port, event.text));
     } else if (event.kind == RE_CONNECTED && std::exchange(m_lost, false)) {
         Tell(Say(Text::LineBack, {ToUtf8(m_plan.port)}));
     }

@@ -1,15 +1,19 @@
 // What can be asked of the window, and what it asks its user before it does that.
+#include <algorithm>
+#include <string_view>
+
 #include "afx/message_box.h"
 #include "host/gui/about_dialog.h"
 #include "host/gui/file_dialog.h"
-#include "host/gui/keys_dialog.h"
 #include "host/gui/listed_ports.h"
 #include "host/gui/main_window.h"
+#include "host/gui/page_dialog.h"
 #include "host/gui/properties_dialog.h"
 #include "host/gui/range_dialogs.h"
 #include "host/gui/user_folder.h"
 #include "host/gui/work_dialogs.h"
 #include "host/session/database_file.h"
+#include "host/session/gap_list.h"
 
 namespace {
 constexpr DWORD kLiveTimeout = 1000, kLiveInterval = 1000;
@@ -42,6 +46,7 @@ bool MainWindow::CanCommand(UINT command) const {
         case kCommandPicture:
         case kCommandPrint:
         case kCommandCopy:
+        case kCommandMissing:
             return m_document.HasSession();
         case kCommandProperties:
             return m_document.HasSession() && !m_document.State().axes.empty();
@@ -104,8 +109,11 @@ bool MainWindow::Command(UINT command) {
             return true;
         case kCommandCopy:
             return Copy();
+        case kCommandMissing:
+            ShowMissing();
+            return true;
         case kCommandKeys:
-            Ask([&] { KeysDialog(this).DoModal(); });
+            Ask([&] { PageDialog(this, {}, Say(Text::KeysPage)).DoModal(); });
             return true;
         case kCommandAbout:
             Ask([&] { AboutDialog(this).DoModal(); });
@@ -153,9 +161,13 @@ void MainWindow::Remember(const std::string& path) {
     if (m_manner == Manner::Interactive) m_recent.Add(path);
 }
 
+// For a file beside: that of the session without its extension, else the logger's, without what names of files cannot have.
 std::string MainWindow::BareTitle() const {
-    const std::string title = m_document.Title();
-    return title.substr(0, title.find_last_of('.'));
+    std::string title = m_document.Title();
+    if (!m_document.Path().empty()) return title.substr(0, title.find_last_of('.'));
+    std::replace_if(
+        title.begin(), title.end(), [](char c) { return std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos; }, '-');
+    return title.empty() ? "session" : title;
 }
 
 // Where the session is, else where people keep their documents: the folder in which the program runs may be nobody's.
@@ -174,7 +186,7 @@ bool MainWindow::AskAndSaveAs() {
     const std::string& now = m_document.Path();
     const auto path = Ask([&] {
         return AskFileToSave(m_hWnd, Say(Text::AskSave), KindsOf(Text::SessionFiles, "*.odb;*.xml"), "odb",
-                             now.empty() ? Beside("session.odb") : now);
+                             now.empty() ? Beside(BareTitle() + ".odb") : now);
     });
     return path && SaveTo(*path);
 }
@@ -294,6 +306,19 @@ void MainWindow::ShowProperties() {
     PropertiesDialog dialog(this, m_document, axis, channel,
                             {[this](Text name, const ViewState& next) { Do(name, next); }, shown});
     Ask([&] { return dialog.DoModal(); });
+}
+
+// Of a logger that fails for months no more than anybody reads; `show --gaps` has them all.
+void MainWindow::ShowMissing() {
+    constexpr size_t kMostLetters = 200'000;
+    const Session& session = *m_document.GetSession();
+    std::string page = GapList(m_document.Notes(), session, TimeRange());
+    if (page.empty()) page = Say(Text::NothingMissing);
+    if (page.size() > kMostLetters) {
+        const size_t end = page.rfind('\n', page.size() - kMostLetters);
+        page = Say(Text::MissingBefore) + "\n" + page.substr(end == std::string::npos ? 0 : end + 1);
+    }
+    Ask([&] { PageDialog(this, Say(Text::MissingTitle), page).DoModal(); });
 }
 
 bool MainWindow::MayLeave() {

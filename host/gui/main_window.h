@@ -173,6 +173,8 @@ private:
     void AskRange();
     void AskTimeRange();
     void ShowProperties();
+    void ShowMissing();
+    std::string OpenedNote() const;  // what the line says of a session that was just opened
     void ShowStatus(const std::string& house);
     // Of readings that come: a download's, or those that somebody else records.
     void ShowLive(const std::string& house, StatusLine::Mark mark);

@@ -10,6 +10,7 @@
 #include "host/gui/unsaved_recording.h"
 #include "host/session/csv_export.h"
 #include "host/session/database_file.h"
+#include "host/session/gap_list.h"
 #include "host/session/recording_files.h"
 #include "platform/dpi.h"
 #include "platform/picture.h"
@@ -68,10 +69,18 @@ bool MainWindow::Open(const std::string& path) {
                  [&](WorkProgress& progress) { m_document.Open(path, progress); });
         if (path != m_unsaved) DropUnsaved();
         Remember(m_document.Path());
-        m_line.told = m_document.Note();
+        m_line.told = OpenedNote();
         DocumentChanged();
         SetFollowTimer();
     });
+}
+
+// A gap in the chart may be too narrow to be seen.
+std::string MainWindow::OpenedNote() const {
+    if (!m_document.Note().empty()) return m_document.Note();
+    const auto& gaps = m_document.Notes().Gaps();
+    const auto places = std::count_if(gaps.begin(), gaps.end(), HasMissing);
+    return places == 0 ? std::string() : Say(Text::OpenedWithGaps, {std::to_string(places)});
 }
 
 void MainWindow::OpenUnsaved() {

@@ -36,6 +36,7 @@ enum CommandId : UINT {
     kCommandLatest,
     kCommandCopy,
     kCommandPrint,
+    kCommandMissing,
     kCommandRecent = 180,    // and the files after it, the newest first
     kCommandChannels = 200,  // and the channels after it, in the session's order
     kCommandPorts = 400,     // and the ports after it, in the order in which they were listed
@@ -59,7 +60,7 @@ struct MenuCommand {
 constexpr bool AsksUser(CommandId id) {
     for (const CommandId one :
          {kCommandOpen, kCommandSave, kCommandSaveAs, kCommandExport, kCommandPicture, kCommandPrint, kCommandDownload,
-          kCommandRange, kCommandTimeRange, kCommandProperties, kCommandAbout, kCommandKeys}) {
+          kCommandRange, kCommandTimeRange, kCommandProperties, kCommandAbout, kCommandKeys, kCommandMissing}) {
         if (id == one) return true;
     }
     return false;
@@ -93,6 +94,7 @@ inline constexpr MenuCommand kMenuCommands[] = {
     {kCommandRange, MenuPlace::View, true, Text::MenuRange, "range", 'G', true, false, "Ctrl+G"},
     {kCommandTimeRange, MenuPlace::View, false, Text::MenuTimeRange, "time-range", 'T', true, false, "Ctrl+T"},
     {kCommandProperties, MenuPlace::View, false, Text::MenuProperties, "properties", 0, false, false, "Alt+Enter"},
+    {kCommandMissing, MenuPlace::View, false, Text::MenuMissing, "missing", 'M', true, false, "Ctrl+M"},
     {kCommandKeys, MenuPlace::Help, false, Text::MenuKeys, "keys", VK_F1, false, false, "F1"},
     {kCommandAbout, MenuPlace::Help, true, Text::MenuAbout, "about", 0, false, false, ""},
 };

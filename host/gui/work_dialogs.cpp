@@ -1,5 +1,6 @@
 #include "host/gui/work_dialogs.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 
@@ -9,6 +10,7 @@
 #include "host/gui/pane_font.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
+#include "host/measurement/missing_port.h"
 #include "host/measurement/one_reading.h"
 #include "host/session/csv_file.h"
 #include "host/words/texts.h"
@@ -43,6 +45,17 @@ bool SavingDialog::Browse(Text title, const std::string& kinds, const std::strin
     m_agreed = chosen->c_str();
     GetDlgItem(IDC_HOST_FILE)->SetWindowText(m_agreed);
     return true;
+}
+
+void SavingDialog::RefuseFile(CDataExchange* exchange, const CString& name) const {
+    if (name.IsEmpty()) Refuse(exchange, IDC_HOST_FILE, Say(Text::FileEmpty));
+    const std::string whole = name.GetString();
+    const size_t end = whole.find_last_of("/\\");
+    if (end == std::string::npos) return;
+    const std::string folder = whole.substr(0, end);
+    const DWORD attributes = ::GetFileAttributesA((folder + "/").c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY))
+        Refuse(exchange, IDC_HOST_FILE, Say(Text::FolderNotThere, {ToUtf8(folder)}));
 }
 
 BEGIN_MESSAGE_MAP(PictureDialog, SavingDialog)
@@ -87,7 +100,7 @@ void PictureDialog::DoDataExchange(CDataExchange* exchange) {
     ExchangeCount(exchange, IDC_HOST_HEIGHT, down);
     DDX_Radio(exchange, IDC_HOST_PNG, m_kind);
     if (!exchange->m_bSaveAndValidate) return;
-    if (name.IsEmpty()) Refuse(exchange, IDC_HOST_FILE, Say(Text::FileEmpty));
+    RefuseFile(exchange, name);
     const std::string sides = Say(Text::SidesRange, {std::to_string(kOrvikPictureSide)});
     constexpr UINT kMost = kOrvikPictureSide;
     if (across == 0 || across > kMost) Refuse(exchange, IDC_HOST_WIDTH, sides);
@@ -116,7 +129,7 @@ void ExportDialog::DoDataExchange(CDataExchange* exchange) {
     DDX_Radio(exchange, IDC_HOST_FOR_PROGRAMS, m_form);
     DDX_Radio(exchange, IDC_HOST_EXPORT_ALL, m_part);
     if (!exchange->m_bSaveAndValidate) return;
-    if (name.IsEmpty()) Refuse(exchange, IDC_HOST_FILE, Say(Text::FileEmpty));
+    RefuseFile(exchange, name);
     if (!EndsInCsv(name.GetString())) name += ".csv";
     path = name;
 }
@@ -159,8 +172,15 @@ BOOL DownloadDialog::OnInitDialog() {
 void DownloadDialog::FillPorts() {
     const CString now = TextOf(IDC_HOST_PORT);
     SendDlgItemMessage(IDC_HOST_PORT, CB_RESETCONTENT, 0, 0);
-    for (const ListedPort& one : ListPorts())
-        SendDlgItemMessage(IDC_HOST_PORT, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(one.name.c_str()));
+    const auto offer = [this](const char* name) {
+        SendDlgItemMessage(IDC_HOST_PORT, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name));
+    };
+    const std::vector<ListedPort> ports = ListPorts();
+    for (const ListedPort& one : ports) offer(one.name.c_str());
+    // An address of the network, or a port's other name, is on no list of the system's.
+    const bool listed = std::any_of(ports.begin(), ports.end(),
+                                    [this](const ListedPort& one) { return SamePort(one.name, port.GetString()); });
+    if (!listed && !port.IsEmpty() && !IsPortMissing(port.GetString())) offer(port);
     GetDlgItem(IDC_HOST_PORT)->SetWindowText(now);
     SendDlgItemMessage(IDC_HOST_PORT, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));  // what is typed takes its place
 }

@@ -23,6 +23,8 @@ protected:
     BOOL OnInitDialog() override;
     // Asks for the field's file; see AskFileToSave. False when the user gives up.
     bool Browse(Text title, const std::string& kinds, const std::string& extension, DWORD kind);
+    // The field's file, once it is named and its folder is there.
+    void RefuseFile(CDataExchange* exchange, const CString& name) const;
 
 private:
     CString m_agreed;

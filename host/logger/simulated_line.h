@@ -16,15 +16,18 @@ public:
     SimulatedLine(SimulatedLogger& logger, Text withoutPorts, const std::string& link = {});
 
     std::string PortName() const { return m_port.GetDeviceName(); }
-    // Answers until Stop, or until the fault has pulled the plug.
+    // Answers until Stop, or until a fault has pulled the plug for good. A port that a fault drops comes back after two seconds
+    // where a link gives it its name again; without one nobody would find it.
     void Serve();
     void Stop() { m_stopping = true; }
 
 private:
+    void ComeBack();
     void Deliver(const LineFaults::Fate& fate);
     void Pause(DWORD milliseconds) const;
 
     SimulatedLogger& m_logger;
+    const std::string m_link;
     VirtualPort m_port;
     std::atomic<bool> m_stopping = false;
 };

@@ -135,7 +135,7 @@ private:
         const std::string port = ToUtf8(m_plan.port);
         if (event.kind == RE_LOST) {
             m_lost = true;
-            Tell(LineLostSentence(m_plan.port, m_measurement.LastCode(), event.text));
+            Tell(LineLostSentence(m_plan.port, event.text));
         } else if (event.kind == RE_CONNECTED && std::exchange(m_lost, false)) {
             Tell(Say(Text::LineBack, {port}));
         } else if (event.kind == RE_CLOCK_STEPPED) {
@@ -224,21 +224,12 @@ std::string WhyNotOpened(const std::string& port, LONG code, const std::string& 
     }
 }
 
-bool IsPortMissing(const std::string& port) {
-    return port.find("://") == std::string::npos && CSerial::CheckPort(port.c_str()) == CSerial::PortMissing;
-}
-
-std::string WhyLost(const std::string& port, LONG code, const std::string& text) {
-    const bool missing = code == CCommException::DeviceNotOpen && IsPortMissing(port);
-    return missing ? Say(Text::ReasonNoSuchPort) : ToUtf8(text);
-}
-
-std::string LineLostSentence(const std::string& port, LONG code, const std::string& text) {
+std::string LineLostSentence(const std::string& port, const std::string& text) {
     // A network's own sentence names the place as well.
     const size_t scheme = port.find("://");
     const std::string place = scheme == std::string::npos ? port : port.substr(scheme + 3);
     const bool named = text.starts_with(place + ": ");
-    return Say(Text::LineLost, {ToUtf8(port), WhyLost(port, code, named ? text.substr(place.size() + 2) : text)});
+    return Say(Text::LineLost, {ToUtf8(port), ToUtf8(named ? text.substr(place.size() + 2) : text)});
 }
 
 std::string LateAdvice(DWORD lateAnswers, DWORD latest, DWORD timeout) {

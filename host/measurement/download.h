@@ -52,12 +52,8 @@ DownloadResult Download(CHostApp& app, CPropertyDB& description, const DownloadP
 
 // "3 x Receive timeout (Flow, Level), 1 x not read in time", by the names of the description's channels.
 std::string CausesText(const std::vector<GapKeeper::Count>& causes, CPropertyDB& description);
-// Of a serial port, not of a network's address.
-bool IsPortMissing(const std::string& port);
-// Why a line gives nothing, by the code and text of the failure: of a serial port that is not there, that. House text to UTF-8.
-std::string WhyLost(const std::string& port, LONG code, const std::string& text);
 // The sentence for a line that was lost, and is tried again. House texts.
-std::string LineLostSentence(const std::string& port, LONG code, const std::string& text);
+std::string LineLostSentence(const std::string& port, const std::string& text);
 // The sentence for a port that could not be opened, by the code and text of the failure: the most telling one first.
 std::string WhyNotOpened(const std::string& port, LONG code, const std::string& text);
 // The proposal for a logger that answers later than the time-out allows; empty when it does not do so again and again.

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "comm/comm_exception.h"
+#include "host/measurement/missing_port.h"
 #include "host/session/channel_intervals.h"
 #include "host/words/texts.h"
 
@@ -335,10 +336,11 @@ void Measurement::Read() {
 }
 
 // The logger gives nothing: it is let go, and tried again later. `reading`: a reading was tried, not only a connection.
-void Measurement::Lost(const Trouble& trouble, bool reading) {
+void Measurement::Lost(Trouble trouble, bool reading) {
+    static_cast<void>(Try([&] { m_logger.Disconnect(); }));
+    trouble.text = WhyLost(m_plan.port, trouble.cause, trouble.text);
     m_failure = trouble.text;
     m_code = trouble.cause;
-    static_cast<void>(Try([&] { m_logger.Disconnect(); }));
     const __int64 now = m_clock.Steady();
     const __int64 time = std::max(Stamp(now), m_lastTime + 1);
     const bool fresh = !std::exchange(m_lost, true);

@@ -125,7 +125,7 @@ private:
     void ChooseDue();
     bool IsAnyDueAt(unsigned __int64 slot) const;
     void PassOver();
-    void Lost(const Trouble& trouble, bool reading);
+    void Lost(Trouble trouble, bool reading);
     void CatchUp(__int64 now);
     void Silent(const Trouble& trouble);
     void Damaged(const Trouble& trouble);

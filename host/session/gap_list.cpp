@@ -81,7 +81,9 @@ std::string CauseInWords(unsigned cause) {
 
 std::string CauseOf(const CRecordedGap& gap) {
     const std::string cause = CauseInWords(gap.cause), told = ToUtf8(gap.text);
-    if (told.starts_with(cause)) return told;
+    // What is told of a port that is gone says more than the code's own words.
+    const bool port = gap.cause == CCommException::DeviceNotOpen || gap.cause == CCommException::HardwareError;
+    if (told.starts_with(cause) || (port && !told.empty())) return told;
     return told.empty() ? cause : cause + " (" + told + ")";
 }
 

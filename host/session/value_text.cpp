@@ -158,8 +158,9 @@ std::string WholeTextOf(double value) {
 }
 
 std::string TimeTextOf(__int64 time) {
+    constexpr __int64 kHalf = 500;  // us, of the last digit that is written: rounded, as all other forms of a reading's time are
     CVXTTime point;
-    point.SetBinaryTime(time);
+    point.SetBinaryTime(time > std::numeric_limits<__int64>::max() - kHalf ? time : time + kHalf);
     CString date, clock, milliseconds;
     _NlsSetShortDate(date, point);
     _NlsSetTime(clock, point, 0);

@@ -94,12 +94,7 @@ void LoggerRun::Step() {
     if (m_writer->Waiting() > 0) {
         Enter(LoggerState::NoFile, m_report.why);
     } else if (m_measurement->IsLost()) {
-        // Asked for once for each cause, as that costs a look at the port.
-        if (const std::string& failure = m_measurement->LastFailure(); failure != m_failure || m_whyLost.empty()) {
-            m_failure = failure;
-            m_whyLost = WhyLost(m_plan->plan.port, m_measurement->LastCode(), failure);
-        }
-        Enter(LoggerState::Silent, m_whyLost);
+        Enter(LoggerState::Silent, ToUtf8(m_measurement->LastFailure()));
     }
     Report(false);
 }
@@ -240,7 +235,7 @@ void LoggerRun::OnEvent(const CRecordedEvent& event) {
     const std::string port = ToUtf8(m_plan->plan.port);
     if (event.kind == RE_LOST) {
         m_lost = true;
-        Say(LineLostSentence(m_plan->plan.port, m_measurement->LastCode(), event.text));
+        Say(LineLostSentence(m_plan->plan.port, event.text));
     } else if (event.kind == RE_CONNECTED && std::exchange(m_lost, false)) {
         Say(::Say(Text::LineBack, {port}));
     } else if (event.kind == RE_CLOCK_STEPPED) {

@@ -76,8 +76,7 @@ private:
     std::vector<bool> m_fails;                               // channels that were missing when they were last due
     unsigned __int64 m_madeBefore = 0, m_missingBefore = 0;  // until it began anew
     std::set<std::pair<std::vector<WORD>, std::string>> m_told;
-    std::string m_failure, m_whyLost;  // of a line that gives nothing: as the logger says it, and as the user is told
-    __int64 m_againAt = 0;             // when it begins anew, where it could not
+    __int64 m_againAt = 0;  // when it begins anew, where it could not
     __int64 m_ticked = 0, m_reported = 0;
     bool m_lost = false, m_csvTold = false, m_advised = false, m_over = false;
 };

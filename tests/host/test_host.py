@@ -274,6 +274,14 @@ class Download(HostTest):
         self.assertIn("there again", said)
         self.assertGreater(len(self.readings("s.rec")), 20)
 
+    @native("a link in a folder is no port's name on Windows")
+    def test_a_dropped_port_comes_back_by_itself(self):
+        link = self.folder / "line"
+        self.simulate("--fault", "drop=20", "--seed", 4, "--link", link)
+        said = self.host("download", "--port", link, "--out", "s.rec", "--for", "8 s", "--interval", 100).err
+        self.assertIn("there again", said)
+        self.assertIn("the port is not there", self.host("show", "s.rec", "--gaps").out)
+
     @native("a file that is open keeps its name on Windows until it is closed")
     def test_a_recording_that_is_taken_away_is_told(self):
         process = self.start("download", "--port", self.simulate(), "--out", "s.rec", "--for", "6 s", "--interval", 100)

@@ -105,11 +105,11 @@ protected:
     }
     // A field with this text is refused when OK is pressed: told once in these words, its name first, focused and selected, the
     // dialog open, the view as it was.
-    Step Refused(int label, int field, const char* text, std::string told) {
+    Step Refused(int label, int field, std::string text, std::string told) {
         return [=, this](HWND dialog) {
             const ViewState before = hands.State();
             const std::string old = FieldText(dialog, field);
-            ::SetDlgItemTextA(dialog, field, text);
+            ::SetDlgItemTextA(dialog, field, text.c_str());
             ::SetFocus(::GetDlgItem(dialog, IDCANCEL));
             Press(dialog, IDOK);
             EXPECT_EQ(std::exchange(TellingHost::told, {}), std::vector<std::string>{Named(dialog, label, told)}) << text;
@@ -337,6 +337,7 @@ TEST_F(Dialogs, APictureHasTheSizeAndKindThatWereAsked) {
                              Refused(kHeightLabel, IDC_HOST_HEIGHT, "1,5", told)(dialog);
                          },
                          Refused(kFileLabel, IDC_HOST_FILE, "", Say(Text::FileEmpty)),
+                         Refused(kFileLabel, IDC_HOST_FILE, Path("nowhere") + "/a.png", Say(Text::FolderNotThere, {Path("nowhere")})),
                          [&](HWND dialog) {
                              ::SetDlgItemTextA(dialog, IDC_HOST_FILE, (file + ".png").c_str());
                              Choose(dialog, IDC_HOST_PNG, IDC_HOST_PDF, IDC_HOST_SVG);
@@ -385,6 +386,13 @@ TEST_F(Dialogs, ReadingsBecomeTextInEitherFormAndAllOrThoseShown) {
         EXPECT_NE(text.substr(0, 200).find(one.first), std::string::npos) << text.substr(0, 200);
     }
     EXPECT_TRUE(TellingHost::told.empty());
+}
+
+TEST_F(Dialogs, APageSaysThatNothingIsMissing) {
+    Do(kCommandMissing, {[&](HWND dialog) {
+           EXPECT_EQ(FieldText(dialog, IDC_HOST_KEYS), Say(Text::NothingMissing));
+           Press(dialog, IDCANCEL);
+       }});
 }
 
 // The sentences are those that `check` has.

@@ -192,6 +192,7 @@ TEST_F(Live, ADownloadGoesOnBesideTheWork) {
     EXPECT_EQ(hands.State().tags.front(), tag);
     ASSERT_TRUE(hands.window->Open(file));
     EXPECT_EQ(Count(), count);
+    EXPECT_EQ(line.told, Say(Text::OpenedWithGaps, {"1"}));
     EXPECT_TRUE(hands.window->Document().Database().Find("Gaps"));
     EXPECT_TRUE(TellingHost::told.empty());
 }
