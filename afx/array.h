@@ -24,7 +24,7 @@ void SerializeElements(CArchive& ar, TYPE* elements, INT_PTR count) {
     if constexpr (std::is_trivially_copyable_v<TYPE>) {
         constexpr INT_PTR kBlock = 0x7FFF0000 / static_cast<INT_PTR>(sizeof(TYPE));
         while (count > 0) {
-            const INT_PTR part = std::min(count, kBlock);
+            const INT_PTR part = (std::min)(count, kBlock);
             const auto bytes = static_cast<UINT>(static_cast<size_t>(part) * sizeof(TYPE));
             if (ar.IsStoring())
                 ar.Write(elements, bytes);
@@ -163,7 +163,7 @@ void CArray<TYPE, ARG_TYPE>::Grow(INT_PTR size) {
     if (size <= m_nMaxSize) return;
     if (size > kMaxSize) AfxThrowMemoryException();
     const INT_PTR half = static_cast<INT_PTR>(m_nMaxSize) + m_nMaxSize / 2;
-    Reallocate(std::min(std::max({size, half, static_cast<INT_PTR>(4)}), kMaxSize));
+    Reallocate((std::min)((std::max)({size, half, static_cast<INT_PTR>(4)}), kMaxSize));
 }
 
 template <class TYPE, class ARG_TYPE>
@@ -249,8 +249,8 @@ void CArray<TYPE, ARG_TYPE>::Copy(const CArray& src) {
 template <class TYPE, class ARG_TYPE>
 TYPE* CArray<TYPE, ARG_TYPE>::OpenGap(INT_PTR index, INT_PTR count) {
     const INT_PTR old = m_nSize;
-    if (count > kMaxSize || std::max(index, old) > kMaxSize - count) AfxThrowMemoryException();
-    SetSize(std::max(index, old) + count);
+    if (count > kMaxSize || (std::max)(index, old) > kMaxSize - count) AfxThrowMemoryException();
+    SetSize((std::max)(index, old) + count);
     if (index < old) std::rotate(Data() + index, Data() + old, Data() + old + count);
     return Data() + index;
 }
@@ -305,7 +305,7 @@ void CArray<TYPE, ARG_TYPE>::Serialize(CArchive& ar) {
     }
     for (DWORD_PTR have = 0; have < count;) {
         const DWORD_PTR part =
-            std::min({count - have, kCheap, static_cast<DWORD_PTR>(known ? ar.GetBytesLeft() / kLeast : kCheap)});
+            (std::min)({count - have, kCheap, static_cast<DWORD_PTR>(known ? ar.GetBytesLeft() / kLeast : kCheap)});
         if (part == 0) AfxThrowArchiveException(CArchiveException::endOfFile, ar.m_strFileName);
         SetSize(static_cast<INT_PTR>(have + part));
         SerializeElements(ar, Data() + have, static_cast<INT_PTR>(part));

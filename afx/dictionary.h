@@ -197,10 +197,10 @@ private:
     void BuildIndex() {
         const uint32_t size = std::bit_ceil(m_room * 2);
         if (m_slots == nullptr || size != m_mask + 1) {
-            auto* slots = static_cast<uint32_t*>(std::calloc(size, sizeof(uint32_t)));
-            if (slots == nullptr) AfxThrowMemoryException();
+            auto* index = static_cast<uint32_t*>(std::calloc(size, sizeof(uint32_t)));
+            if (index == nullptr) AfxThrowMemoryException();
             std::free(m_slots);
-            m_slots = slots;
+            m_slots = index;
             m_mask = size - 1;
         } else {
             std::memset(m_slots, 0, size * sizeof(uint32_t));

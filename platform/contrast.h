@@ -21,7 +21,7 @@ inline double Contrast(COLORREF first, COLORREF second) {
         return 0.2126 * linear(GetRValue(colour)) + 0.7152 * linear(GetGValue(colour)) + 0.0722 * linear(GetBValue(colour));
     };
     const double one = luminance(first), other = luminance(second);
-    return (std::max(one, other) + 0.05) / (std::min(one, other) + 0.05);
+    return ((std::max)(one, other) + 0.05) / ((std::min)(one, other) + 0.05);
 }
 
 // `percent` of the second colour in the first.

@@ -145,7 +145,7 @@ void CBCGPProp::Expand(BOOL bExpand) {
 
 CString CBCGPProp::FormatProperty() const {
     if (m_value.IsText()) return m_value.Text();
-    if (m_value.IsBool()) return GetOption(m_value.Bool() ? 0 : 1);
+    if (m_value.IsBool()) return GetOption(m_value.Boolean() ? 0 : 1);
     char text[64];
     char* end = text;
     if (m_value.IsInteger()) end = std::to_chars(text, text + sizeof text, m_value.Integer()).ptr;

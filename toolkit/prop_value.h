@@ -24,7 +24,7 @@ public:
     bool IsText() const { return std::holds_alternative<CString>(m_value); }
 
     // 0, or an empty text, of a value of another kind.
-    bool Bool() const { return IsBool() && std::get<bool>(m_value); }
+    bool Boolean() const { return IsBool() && std::get<bool>(m_value); }
     __int64 Integer() const { return IsInteger() ? std::get<__int64>(m_value) : 0; }
     double Real() const { return IsReal() ? std::get<double>(m_value) : 0.0; }
     CString Text() const { return IsText() ? std::get<CString>(m_value) : CString(); }
@@ -33,7 +33,7 @@ public:
         if (IsText() && other.IsText()) return Text().Compare(other.Text()) == 0;
         // What is no number is the same as itself here, or it would always look changed.
         const bool noNumbers = Real() != Real() && other.Real() != other.Real();
-        return m_value.index() == other.m_value.index() && Bool() == other.Bool() && Integer() == other.Integer() &&
+        return m_value.index() == other.m_value.index() && Boolean() == other.Boolean() && Integer() == other.Integer() &&
                (noNumbers || Real() == other.Real());
     }
 

@@ -103,7 +103,7 @@ void PropertiesDialog::ChangeAxis(Kind kind) {
     // An end that is given is kept, whatever the data.
     const ViewRange shown = m_owner.shown();
     if (kind == Follows) {
-        axis.range = m_follows->GetValue().Bool() ? std::nullopt : std::optional(shown);
+        axis.range = m_follows->GetValue().Boolean() ? std::nullopt : std::optional(shown);
     } else {
         const ViewRange wanted{kind == From ? m_from->GetValue().Real() : shown.origin,
                                kind == To ? m_to->GetValue().Real() : shown.extent};
@@ -126,7 +126,7 @@ void PropertiesDialog::ChangeChannel(Kind kind, const Channel& channel) {
     } else if (kind == Colour) {
         one.colour = static_cast<COLORREF>(channel.colour->GetValue().Integer());
         m_owner.step(Text::StepColour, next);
-    } else if (channel.shown->GetValue().Bool() == IsHidden(state, one.key)) {
+    } else if (channel.shown->GetValue().Boolean() == IsHidden(state, one.key)) {
         next = ValueList::Toggled(state, *m_document.GetSession(), channel.number);
         if (next == state) return Refuse(channel.shown, Text::LastChannel);
         m_owner.step(Text::StepChannel, next);

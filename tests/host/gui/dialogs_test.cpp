@@ -293,7 +293,7 @@ TEST_F(Dialogs, EachPropertyThatIsChangedIsAStep) {
            write(grid, from, "-4,25");
            done(Text::StepRange);
            EXPECT_EQ(hands.State().axes[0].range->origin, -4.25);
-           EXPECT_FALSE(follows->GetValue().Bool());
+           EXPECT_FALSE(follows->GetValue().Boolean());
            const ViewState ranged = hands.State();
            write(grid, to, "-4,25");
            refused(Text::RangeEmpty, ranged);
