@@ -31,17 +31,30 @@ StationStatus LoadStatus(const std::string& path, const std::string& file) {
     }
     return status;
 }
+// What --metrics asks for: the same as a sink of that family in the station's file.
+std::shared_ptr<const SinkSettings> MetricsSink(CHostApp& app, const std::string& address) {
+    CPropertyDB db;
+    db.SetValue("sSink", "Prometheus");
+    db.SetValue("sAddress", address.c_str());
+    try {
+        return ReadSinkSettings(app, db, "--metrics", "");
+    } catch (const Failure& failure) {
+        throw Failure{failure.exitCode, "--metrics: " + failure.sentence};
+    }
+}
 }  // namespace
 
 ExitCode RunRecord(CHostApp& app, const Words& words) {
-    const Arguments arguments(words, {"--trace"}, {"--hex"}, 1);
+    const Arguments arguments(words, {"--trace", "--metrics"}, {"--hex"}, 1);
     const std::string path = arguments.At(0, "STATION"), trace = arguments.Get("--trace");
     if (arguments.Has("--hex") && trace.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};
     StationRecorder::Result result;
     try {
         Station station = ReadStation(app, path);
         if (!trace.empty()) app.StartTrace(trace);
-        result = StationRecorder(app, std::move(station), !trace.empty(), arguments.Has("--hex")).Run();
+        std::vector<std::shared_ptr<const SinkSettings>> more;
+        if (!arguments.Get("--metrics").empty()) more.push_back(MetricsSink(app, arguments.Get("--metrics")));
+        result = StationRecorder(app, std::move(station), std::move(more), !trace.empty(), arguments.Has("--hex")).Run();
     } catch (const StationMistakes& mistakes) {
         Refuse(path, mistakes);
     }

@@ -17,8 +17,11 @@ BEGIN_MESSAGE_MAP(StationRecorder, CWnd)
 ON_REGISTERED_MESSAGE(s_news, OnNews)
 END_MESSAGE_MAP()
 
-StationRecorder::StationRecorder(CHostApp& app, Station station, bool trace, bool hex)
-    : m_app(app), m_station(std::move(station)), m_trace(trace), m_hex(hex), m_watchdog(OrvikServiceWatchdog()) {
+StationRecorder::StationRecorder(CHostApp& app, Station station, std::vector<std::shared_ptr<const SinkSettings>> sinks, bool trace,
+                                 bool hex)
+    : m_app(app), m_station(std::move(station)), m_trace(trace), m_hex(hex), m_moreSinks(std::move(sinks)),
+      m_watchdog(OrvikServiceWatchdog()) {
+    AddSinks();
     CreateEx(0, AfxRegisterWndClass(0), "OrvikStation", WS_POPUP, 0, 0, 0, 0, HWND_MESSAGE, nullptr);
     m_status.name = m_station.name;
     m_status.started = m_clock.Calendar();
@@ -66,6 +69,10 @@ StationRecorder::Result StationRecorder::Run() {
         if (now - m_second >= kSecond) EverySecond(now);
     }
     return Finish();
+}
+
+void StationRecorder::AddSinks() {
+    m_station.sinks.insert(m_station.sinks.end(), m_moreSinks.begin(), m_moreSinks.end());
 }
 
 // Those that are described as before go on.
@@ -256,6 +263,7 @@ void StationRecorder::Reload() {
         // Places lie beside the status file.
         if (station.status != m_station.status || station.name != m_station.name) m_sinks.clear();
         m_station = std::move(station);
+        AddSinks();
         StartSinks();
         m_waiting = std::move(fresh);
         m_changed = true;

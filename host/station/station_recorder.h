@@ -23,8 +23,8 @@ public:
         std::vector<std::string> lines;          // one for each logger
     };
 
-    // `trace`: the application's trace takes the traffic of all ports, as bytes where `hex`.
-    StationRecorder(CHostApp& app, Station station, bool trace, bool hex);
+    // `sinks` are there besides the station's own. `trace`: the application's trace takes the traffic of all ports, as bytes where `hex`.
+    StationRecorder(CHostApp& app, Station station, std::vector<std::shared_ptr<const SinkSettings>> sinks, bool trace, bool hex);
     ~StationRecorder() override;
 
     // Until all loggers have ended, or the user's wish to stop. A Failure, or StationMistakes, if nothing could be begun.
@@ -48,6 +48,7 @@ private:
         SinkReport report;
     };
 
+    void AddSinks();
     void StartSinks();
     void HearSinks();
     void FinishSinks();
@@ -75,6 +76,7 @@ private:
     std::map<size_t, Running> m_running;  // by numbers that never come again
     std::map<std::string, std::unique_ptr<PortThread>> m_ports;
     std::vector<std::shared_ptr<const StationLogger>> m_waiting;  // for others to end
+    const std::vector<std::shared_ptr<const SinkSettings>> m_moreSinks;
     std::map<std::string, Sending> m_sinks;  // by their keys
     std::map<std::string, LoggerReport> m_last;                   // of loggers of the station, by their keys
     std::map<std::string, std::string> m_done;                    // what those were made of that ended as planned
