@@ -47,20 +47,22 @@ constexpr __int64 kLongestRange = 1000ll * 366 * 86'400 * 1'000'000;  // us
 
 ShowOptions::ShowOptions(const Words& words) {
     const Arguments arguments(words, {"--picture", "--from", "--to", "--last", "--every", "--separator"},
-                              {"--csv", "--json", "--gaps", "--local", "--follow"}, 1, {"--channel"});
+                              {"--csv", "--json", "--influx", "--gaps", "--local", "--follow"}, 1, {"--channel"});
     path = arguments.At(0, "FILE");
     const Checks checks(arguments);
-    checks.Exclude("--csv", {"--json", "--gaps", "--picture"});
-    checks.Exclude("--json", {"--gaps", "--picture"});
+    checks.Exclude("--csv", {"--json", "--influx", "--gaps", "--picture"});
+    checks.Exclude("--json", {"--influx", "--gaps", "--picture"});
+    checks.Exclude("--influx", {"--gaps", "--picture"});
     checks.Exclude("--gaps", {"--picture", "--channel", "--every", "--follow"});
     checks.Exclude("--last", {"--from", "--to"});
     checks.Exclude("--follow", {"--to"});
     checks.Need("--separator", "--csv");
     checks.Need("--local", "--csv");
-    form = arguments.Has("--csv")    ? Form::Csv
-           : arguments.Has("--json") ? Form::Json
-           : arguments.Has("--gaps") ? Form::Gaps
-                                     : Form::Table;
+    form = arguments.Has("--csv")      ? Form::Csv
+           : arguments.Has("--json")   ? Form::Json
+           : arguments.Has("--influx") ? Form::LineProtocol
+           : arguments.Has("--gaps")   ? Form::Gaps
+                                       : Form::Table;
     picture = arguments.Get("--picture");
     if (!picture.empty() && !IsPicture(picture)) throw Failure{kWrongUse, Say(Text::NotAPicture, {ToUtf8(picture)})};
     if (arguments.Has("--local")) csv = SpreadsheetForm();
@@ -90,6 +92,8 @@ std::unique_ptr<ReadingWriter> ShowOptions::MakeWriter(const Session& session) c
             return MakeCsvWriter(session, shown, csv);
         case Form::Json:
             return MakeJsonWriter(session, shown);
+        case Form::LineProtocol:
+            return MakeLineProtocolWriter(session, shown);
         default:
             return MakeTableWriter(session, shown, picture);
     }

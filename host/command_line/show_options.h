@@ -10,7 +10,7 @@
 #include "host/session/reading_writer.h"
 
 struct ShowOptions {
-    enum class Form { Table, Csv, Json, Gaps };
+    enum class Form { Table, Csv, Json, LineProtocol, Gaps };
 
     explicit ShowOptions(const Words& words);
 

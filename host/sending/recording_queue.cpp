@@ -26,6 +26,12 @@ std::string TextIn(const CPropertyDB& db, const std::string& key) {
 
 std::string FileName(const std::string& path) { return path.substr(path.find_last_of("/\\") + 1); }
 
+unsigned __int64 SizeOf(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data)) return 0;
+    return static_cast<unsigned __int64>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+}
+
 bool IsAllMissing(const BYTE* flags, size_t channels) {
     return std::all_of(flags, flags + channels, [](BYTE flag) { return flag == RF_MISSING; });
 }
@@ -114,11 +120,7 @@ bool RecordingQueue::OpenAt(const std::vector<std::string>& files, size_t which,
     }
     m_laterBytes = 0;
     m_lookSoon = which + 1 < files.size();
-    for (size_t i = which + 1; i < files.size(); ++i) {
-        WIN32_FILE_ATTRIBUTE_DATA data;
-        if (GetFileAttributesExA(files[i].c_str(), GetFileExInfoStandard, &data))
-            m_laterBytes += static_cast<unsigned __int64>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
-    }
+    for (size_t i = which + 1; i < files.size(); ++i) m_laterBytes += SizeOf(files[i]);
     return true;
 }
 
@@ -306,9 +308,27 @@ void RecordingQueue::Reject() {
     m_lookSoon = true;
 }
 
-unsigned __int64 RecordingQueue::Behind() const {
+// While nothing is read from it the files themselves say how much waits; they are looked at now and then, for there may be many.
+unsigned __int64 RecordingQueue::Behind() {
     unsigned __int64 size = 0;
-    if (m_file == nullptr || m_file->Size(size) != ERROR_SUCCESS) return 0;
+    if (m_file == nullptr) {
+        const DWORD now = GetTickCount();
+        if (!m_counted || now - *m_counted >= kLookEvery) {
+            m_counted = now;
+            m_waiting = BytesBehindPlace();
+        }
+        return m_waiting;
+    }
+    m_counted.reset();
+    if (m_file->Size(size) != ERROR_SUCCESS) return 0;
     const unsigned __int64 arrived = m_place.file == FileName(m_path) ? m_place.offset : 0;
     return (size > arrived ? size - arrived : 0) + m_laterBytes;
+}
+
+unsigned __int64 RecordingQueue::BytesBehindPlace() const {
+    const std::vector<std::string> files = m_plan.alone ? std::vector<std::string>{m_plan.path} : RecordingsOf(m_plan.path);
+    const auto place = std::find_if(files.begin(), files.end(), [&](const std::string& file) { return FileName(file) == m_place.file; });
+    unsigned __int64 bytes = 0;
+    for (auto file = place != files.end() ? place : files.begin(); file != files.end(); ++file) bytes += SizeOf(*file);
+    return bytes - std::min(bytes, place != files.end() ? m_place.offset : 0);
 }

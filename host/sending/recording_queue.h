@@ -50,7 +50,7 @@ public:
     const SentPlace& Place() const { return m_place; }
     unsigned __int64 Sent() const { return m_sent; }  // readings that arrived
     // Bytes of recordings that have not arrived yet.
-    unsigned __int64 Behind() const;
+    unsigned __int64 Behind();
     // What the user should know since this was last asked: sentences, UTF-8.
     std::vector<std::string> TakeSentences();
 
@@ -61,6 +61,7 @@ private:
     void FindResumePoint();
     void Close();
     bool MoveOn();
+    unsigned __int64 BytesBehindPlace() const;
     bool IsPassedOver(__int64 time) const { return time <= m_skipUntil || time < m_plan.notBefore; }
     void Describe();
     void TakeFacts(CSinkPart& part);
@@ -73,6 +74,8 @@ private:
     IRecordingFile* m_file = nullptr;  // the reader's
     std::string m_path;
     unsigned __int64 m_laterBytes = 0;  // of the files that follow
+    std::optional<DWORD> m_counted;     // when what waits was last counted, in ticks, while no file is open
+    unsigned __int64 m_waiting = 0;
     __int64 m_skipUntil = std::numeric_limits<__int64>::min();
     bool m_continued = false;  // this one says that another goes on
     bool m_lookSoon = true;

@@ -15,6 +15,9 @@ constexpr auto kLook = 200ms;             // between two looks for new readings
 constexpr auto kTellEvery = 1s;           // unless a state has changed
 constexpr unsigned kLongestPause = 30;    // s
 constexpr size_t kMostSentences = 100;    // that wait to be taken
+// Values of a batch: few at first, more as they arrive, fewer after one that did not. On a line, or a machine, that never holds long
+// enough for a large one nothing would ever arrive, and be sent again and again.
+constexpr size_t kFirstRoom = 1000, kLeastRoom = 50;
 
 // Whether what everybody should learn at once has changed; the counts can wait.
 bool IsNews(const CSinkStatus* before, const CSinkStatus& now) {
@@ -25,7 +28,7 @@ bool IsNews(const CSinkStatus* before, const CSinkStatus& now) {
 }  // namespace
 
 SinkSender::SinkSender(Plan plan, std::unique_ptr<ISink> sink)
-    : m_plan(std::move(plan)), m_sink(std::move(sink)), m_loggers(m_plan.loggers), m_newLoggers(true) {
+    : m_plan(std::move(plan)), m_sink(std::move(sink)), m_loggers(m_plan.loggers), m_newLoggers(true), m_room(kFirstRoom) {
     m_report.since = CVXTTime::Now().GetBinaryTime();
     if (!m_plan.places.empty()) m_places.Load(m_plan.places);
     try {
@@ -204,15 +207,22 @@ void SinkSender::Count() {
 // One batch: what the loggers have, each in its turn. True: there is more.
 bool SinkSender::Deliver() {
     CSinkBatch batch;
-    size_t room = CSinkBatch::kValues;
+    size_t room = m_room;
     bool more = false;
     for (size_t i = 0; i < m_queues.size() && !more; ++i) {
         more = m_queues[m_next]->Fill(batch, room);
         m_next = (m_next + 1) % m_queues.size();
     }
     const bool sends = !batch.parts.empty();
-    if (sends && !Try([&] { m_sink->Deliver(batch); })) return false;
-    if (sends) m_failures = 0;
+    if (sends && !Try([&] { m_sink->Deliver(batch); })) {
+        m_tooMuch = m_room;
+        m_room = std::max(m_room / 4, kLeastRoom);
+        return false;
+    }
+    if (sends) {
+        m_failures = 0;
+        m_room = std::min(m_room * 2 < m_tooMuch ? m_room * 2 : m_room + m_room / 8, CSinkBatch::kValues);
+    }
     for (const auto& queue : m_queues) queue->Accept();
     const bool first = !m_kept && std::any_of(m_queues.begin(), m_queues.end(), [](const auto& queue) { return !queue->Place().file.empty(); });
     if (sends || first) KeepPlaces();

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -85,6 +86,8 @@ private:
     size_t m_next = 0;  // the queue with which the next batch begins
     bool m_connected = false, m_allSent = false, m_kept = false;
     unsigned m_failures = 0;  // in a row
+    size_t m_room;            // values of the next batch
+    size_t m_tooMuch = std::numeric_limits<size_t>::max();  // of one that did not arrive
     Clock::time_point m_retryAt{}, m_toldAt{};
     unsigned __int64 m_sentBefore = 0;  // by queues that are gone
     std::string m_placesError;

@@ -15,6 +15,7 @@
 #include "host/words/same_text.h"
 #include "host/words/texts.h"
 #include "platform/letters.h"
+#include "record/line_protocol.h"
 
 namespace {
 std::string HeadingOf(const Session::Channel& channel) {
@@ -216,6 +217,27 @@ private:
     const ShownChannels m_shown;
     std::vector<std::string> m_keys;
 };
+
+class LineProtocolWriter : public ReadingWriter {
+public:
+    LineProtocolWriter(const Session& session, ShownChannels shown) : m_shown(std::move(shown)) {
+        for (const size_t place : m_shown) {
+            const Session::Channel& channel = session.Channels()[place];
+            m_heads.push_back("orvik" + orvik::line::Tag("logger", ToUtf8(session.Logger())) +
+                              orvik::line::ChannelTags(ToUtf8(channel.name), ToUtf8(channel.key), ToUtf8(channel.unit)));
+        }
+    }
+    void Heading(std::string&) override {}
+    void Row(std::string& out, __int64 time, const double* values) override {
+        for (size_t i = 0; i < m_shown.size(); ++i) {
+            if (std::isfinite(values[m_shown[i]])) orvik::line::AppendValue(out, m_heads[i], values[m_shown[i]], time);
+        }
+    }
+
+private:
+    const ShownChannels m_shown;
+    std::vector<std::string> m_heads;
+};
 }  // namespace
 
 ShownChannels ChannelsNamed(const Session& session, const std::vector<std::string>& names) {
@@ -246,6 +268,9 @@ std::unique_ptr<ReadingWriter> MakeHtmlWriter(const Session& session, ShownChann
     return std::make_unique<HtmlWriter>(session, std::move(shown));
 }
 CsvForm SpreadsheetForm() { return {DecimalSign() == "," ? ';' : ',', true}; }
+std::unique_ptr<ReadingWriter> MakeLineProtocolWriter(const Session& session, ShownChannels shown) {
+    return std::make_unique<LineProtocolWriter>(session, std::move(shown));
+}
 std::unique_ptr<ReadingWriter> MakeJsonWriter(const Session& session, ShownChannels shown) {
     return std::make_unique<JsonWriter>(session, std::move(shown));
 }

@@ -44,3 +44,6 @@ std::unique_ptr<ReadingWriter> MakeHtmlWriter(const Session& session, ShownChann
 // One object a line: "time" as in the CSV form, and each channel under its name, or under its key where names are not all
 // different; null for what is no finite number.
 std::unique_ptr<ReadingWriter> MakeJsonWriter(const Session& session, ShownChannels shown);
+
+// A line for each value that is a finite number (record/line_protocol.h), as databases for time series take them.
+std::unique_ptr<ReadingWriter> MakeLineProtocolWriter(const Session& session, ShownChannels shown);

@@ -609,6 +609,8 @@ class Recordings(HostTest):
             self.assertIn("5 readings are missing", self.host("show", name).err)
             lines = [json.loads(line) for line in self.done("show", name, "--json").out.splitlines()]
             self.assertEqual(lines[0], {"time": "2026-05-28T20:26:40.000000Z", "Channel 0": 0, "Channel 1": None})
+            line = self.done("show", name, "--influx", "--channel", "c1").out.splitlines()[1]
+            self.assertEqual(line, "orvik,logger=Inlet,channel=Channel\\ 1,id=c1,unit=% value=0.375 1780000002000000")
             self.assertEqual(self.done("show", name, "--csv", "--separator", "tab").out.splitlines()[0], "time\tChannel 0 [°C]\tChannel 1 [%]")
             table = self.done("show", name).out.splitlines()
             self.assertEqual({len(cell.split(".")[1]) for line in table[2:80] for cell in line.split()[3:]}, {4})

@@ -231,6 +231,7 @@ struct FarEnd {
     size_t batches = 0, told = 0;
     std::atomic<int> failPercent = 0;
     std::atomic<bool> hangs = false;
+    std::atomic<size_t> most = CSinkBatch::kValues;  // values before the line breaks
 };
 
 class MemorySink : public ISink {
@@ -241,6 +242,9 @@ public:
         while (m_end.hangs && !m_aborted) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         if (m_aborted) throw CSinkFailure("aborted");
         MayFail("refused");
+        size_t values = 0;
+        for (const CSinkPart& part : batch.parts) values += part.values.size();
+        if (values > m_end.most) throw CSinkFailure("the line broke");
         {
             const std::lock_guard lock(m_end.lock);
             ++m_end.batches;
@@ -309,6 +313,33 @@ TEST(SinkSender, NothingIsLostOverFailuresAndEnds) {
         }
         EXPECT_EQ(first, Numbers(0, made)) << i;
     }
+}
+
+// A line that never holds long enough for a large batch: nothing would ever arrive.
+TEST(SinkSender, BatchesBecomeSmallEnoughToArrive) {
+    const TestFolder folder;
+    FarEnd end;
+    end.most = 300;
+    Recorded recorded(folder.Path("0.rec"));
+    recorded.Add(0, 2000);
+    SinkSender sender(SenderPlan(folder, 1), std::make_unique<MemorySink>(end));
+    const auto arrived = [&] {
+        const std::lock_guard lock(end.lock);
+        return end.got["0"].size();
+    };
+    for (int i = 0; i < 2000 && arrived() < 2000; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(end.got["0"], Numbers(0, 2000));
+}
+
+TEST(SinkSender, WhatWaitsIsCountedWhileNobodyIsReached) {
+    const TestFolder folder;
+    FarEnd end;
+    end.failPercent = 100;
+    Recorded recorded(folder.Path("0.rec"));
+    recorded.Add(0, 1000);
+    SinkSender sender(SenderPlan(folder, 1), std::make_unique<MemorySink>(end));
+    for (int i = 0; i < 1000 && sender.Report().behind == 0; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_GT(sender.Report().behind, 10'000u);
 }
 
 TEST(SinkSender, AFarEndThatHangsIsLeftAndTheRestGoesTheNextTime) {
