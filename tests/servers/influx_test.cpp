@@ -1,10 +1,9 @@
 // Readings in the line protocol, and what an InfluxDB makes of them.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
-#include <cstdio>
 #include <fstream>
+#include <optional>
 #include <thread>
 
 #include "plugins/influx/influx_lines.h"
@@ -16,15 +15,6 @@
 #include "tests/support/test_folder.h"
 
 namespace {
-std::string OutputOf(const std::string& command) {
-    std::string out;
-    FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-    std::array<char, 4096> block;
-    for (size_t got; (got = fread(block.data(), 1, block.size(), pipe)) != 0;) out.append(block.data(), got);
-    pclose(pipe);
-    return out;
-}
-
 class Influx : public testing::Test {
 protected:
     Influx() {

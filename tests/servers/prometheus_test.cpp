@@ -1,9 +1,7 @@
 // A station's status as a scraper gets it: the page by itself, over HTTP, and through a Prometheus that scrapes it.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 
 #include "plugins/prometheus/metrics_text.h"
@@ -29,14 +27,6 @@ CSinkStatus Status() {
     return status;
 }
 
-std::string OutputOf(const std::string& command) {
-    std::string out;
-    FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-    std::array<char, 4096> block;
-    for (size_t got; (got = fread(block.data(), 1, block.size(), pipe)) != 0;) out.append(block.data(), got);
-    pclose(pipe);
-    return out;
-}
 }  // namespace
 
 TEST(Prometheus, ThePageHasEachSeriesOnceAndNothingThatIsNotSo) {

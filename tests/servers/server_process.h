@@ -7,8 +7,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
@@ -46,6 +48,16 @@ bool Becomes(Condition condition) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return true;
+}
+
+// What a shell's command says, on both streams.
+inline std::string OutputOf(const std::string& command) {
+    std::string out;
+    FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+    std::array<char, 4096> block;
+    for (size_t got; (got = fread(block.data(), 1, block.size(), pipe)) != 0;) out.append(block.data(), got);
+    pclose(pipe);
+    return out;
 }
 
 class ServerProcess {
