@@ -9,6 +9,7 @@
 #include "host/station/station_status.h"
 #include "host/words/arguments.h"
 #include "host/words/texts.h"
+#include "platform/service.h"
 
 namespace {
 [[noreturn]] void Refuse(const std::string& path, const StationMistakes& mistakes) {
@@ -48,6 +49,7 @@ ExitCode RunRecord(CHostApp& app, const Words& words) {
     const Arguments arguments(words, {"--trace", "--metrics"}, {"--hex"}, 1);
     const std::string path = arguments.At(0, "STATION"), trace = arguments.Get("--trace");
     if (arguments.Has("--hex") && trace.empty()) throw Failure{kWrongUse, Say(Text::OptionAlone, {"--hex", "--trace"})};
+    OrvikAllowManyFiles();
     StationRecorder::Result result;
     try {
         Station station = ReadStation(app, path);

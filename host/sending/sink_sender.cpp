@@ -214,6 +214,7 @@ bool SinkSender::Deliver() {
         m_next = (m_next + 1) % m_queues.size();
     }
     const bool sends = !batch.parts.empty();
+    if (sends) Count();  // a far end that hangs keeps this thread, and what waits is to be seen meanwhile
     if (sends && !Try([&] { m_sink->Deliver(batch); })) {
         m_tooMuch = m_room;
         m_room = std::max(m_room / 4, kLeastRoom);

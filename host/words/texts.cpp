@@ -64,6 +64,8 @@ std::string Reason(unsigned long error) {
         case ERROR_FILE_EXISTS:
         case ERROR_ALREADY_EXISTS:
             return Say(Text::ReasonExists);
+        case ERROR_TOO_MANY_OPEN_FILES:
+            return Say(Text::ReasonManyFiles);
         case ERROR_HANDLE_DISK_FULL:
         case ERROR_DISK_FULL:
             return Say(Text::ReasonDiskFull);

@@ -85,4 +85,5 @@ def main():
         sys.exit(f"status said {said.returncode}, record {code}")
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -351,6 +351,8 @@ TEST(SinkSender, AFarEndThatHangsIsLeftAndTheRestGoesTheNextTime) {
     {
         SinkSender sender(SenderPlan(folder, 1), std::make_unique<MemorySink>(end));
         sender.Tell(std::make_shared<const CSinkStatus>());
+        for (int i = 0; i < 1000 && sender.Report().behind == 0; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_GT(sender.Report().behind, 0u);
         EXPECT_FALSE(sender.Finish(100));
         EXPECT_EQ(sender.Report().why, "aborted");
     }

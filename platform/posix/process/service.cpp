@@ -1,13 +1,23 @@
 #include "platform/service.h"
 
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+
+void OrvikAllowManyFiles() {
+    constexpr rlim_t kEnough = 1 << 20;  // "without a limit" is refused where the system has one all the same
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= kEnough) return;
+    limit.rlim_cur = std::min(limit.rlim_max, kEnough);
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
 
 BOOL OrvikTellService(LPCSTR lines) {
     const char* const path = std::getenv("NOTIFY_SOCKET");
