@@ -11,7 +11,7 @@
 using namespace orvik::detail;
 
 namespace {
-constexpr size_t kReadAhead = 256 * 1024;
+constexpr size_t kReadAhead = 256 * 1024, kLeastAhead = 4096;
 
 // Whether a whole block stands here that was written for another place: bytes before it were lost, or came in. `budget`: how many
 // bytes of payload may still be looked at, so that bytes which claim much cost little.
@@ -76,8 +76,13 @@ bool CRecordingReader::Fetch(unsigned __int64 at, size_t size) {
     // Grown as far as bytes come: a length alone is no reason to believe in them.
     m_bufferAt = at;
     m_buffered = kept;
+    // No room for more than the file has: whoever follows a thousand of them at their ends would hold a quarter of a gigabyte.
+    unsigned __int64 whole = 0;
+    const bool told = m_file->Size(whole) == ERROR_SUCCESS;
+    const unsigned __int64 left = whole > at + kept ? whole - at - kept : 0;
+    const size_t ahead = told ? static_cast<size_t>(std::clamp<unsigned __int64>(left, kLeastAhead, kReadAhead)) : kReadAhead;
     while (m_buffered < size) {
-        const size_t wanted = std::max(kReadAhead, std::min(size - m_buffered, std::max(kReadAhead, m_buffered)));
+        const size_t wanted = std::max(ahead, std::min(size - m_buffered, std::max(ahead, m_buffered)));
         if (m_buffer.size() < m_buffered + wanted) m_buffer.resize(m_buffered + wanted);
         DWORD got = 0;
         m_error = m_file->Read(at + m_buffered, m_buffer.data() + m_buffered, static_cast<DWORD>(wanted), got);

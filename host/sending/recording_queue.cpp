@@ -13,7 +13,9 @@
 
 namespace {
 constexpr DWORD kOpenEvery = 500;     // ms between two looks for a file that is to be there
+constexpr DWORD kSeldomEvery = 5000;  // where others of a thousand loggers have begun one, and this one hardly has
 constexpr DWORD kLookEvery = 10'000;  // for one that nothing told of
+constexpr DWORD kCountEvery = 20'000;  // how much waits while nothing can be sent
 constexpr DWORD kExpectFor = 15'000;  // how long one is expected that has no reading yet
 constexpr size_t kNoteCosts = 8;      // a gap or an event counts as so many values
 constexpr DWORD kDamageNumbers = 0x80000000;
@@ -176,8 +178,9 @@ void RecordingQueue::FindResumePoint() {
 bool RecordingQueue::MoveOn() {
     if (m_plan.alone) return false;
     const DWORD now = GetTickCount();
-    const bool told = m_continued || m_laterBytes > 0 || now - m_expected < kExpectFor;
-    if (!m_lookSoon && now - m_looked < (told ? kOpenEvery : kLookEvery)) return false;
+    const bool expected = now - m_expected < kExpectFor, follows = m_continued || m_laterBytes > 0 || (expected && m_plan.rotates);
+    const bool told = follows || expected;
+    if (!m_lookSoon && now - m_looked < (follows ? kOpenEvery : told ? kSeldomEvery : kLookEvery)) return false;
     m_lookSoon = false;
     m_looked = now;
     if (!told && !m_plan.rotates && m_file->IsInPlace()) return false;
@@ -313,7 +316,7 @@ unsigned __int64 RecordingQueue::Behind() {
     unsigned __int64 size = 0;
     if (m_file == nullptr) {
         const DWORD now = GetTickCount();
-        if (!m_counted || now - *m_counted >= kLookEvery) {
+        if (!m_counted || now - *m_counted >= kCountEvery) {
             m_counted = now;
             m_waiting = BytesBehindPlace();
         }
@@ -325,10 +328,16 @@ unsigned __int64 RecordingQueue::Behind() {
     return (size > arrived ? size - arrived : 0) + m_laterBytes;
 }
 
+// A folder of a thousand loggers is not listed for each of them, if one file tells.
 unsigned __int64 RecordingQueue::BytesBehindPlace() const {
-    const std::vector<std::string> files = m_plan.alone ? std::vector<std::string>{m_plan.path} : RecordingsOf(m_plan.path);
-    const auto place = std::find_if(files.begin(), files.end(), [&](const std::string& file) { return FileName(file) == m_place.file; });
+    const std::string folder = m_plan.path.substr(0, m_plan.path.size() - FileName(m_plan.path).size());
+    if (!m_place.file.empty()) {
+        const unsigned __int64 size = SizeOf(folder + m_place.file);
+        if (size != 0) return size - std::min(size, m_place.offset) + m_laterBytes;
+    } else if (!m_plan.rotates) {
+        return SizeOf(m_plan.path);
+    }
     unsigned __int64 bytes = 0;
-    for (auto file = place != files.end() ? place : files.begin(); file != files.end(); ++file) bytes += SizeOf(*file);
-    return bytes - std::min(bytes, place != files.end() ? m_place.offset : 0);
+    for (const std::string& file : RecordingsOf(m_plan.path)) bytes += SizeOf(file);
+    return bytes;
 }

@@ -96,7 +96,7 @@ def main():
         ports = [farm.stdout.readline().strip() for _ in range(options.loggers)]
         postgres = Postgres(folder)
         ends.append(postgres.end)
-        broker = Broker(folder)
+        broker = Broker(folder, "max_inflight_messages 1000")
         ends.append(broker.kill)
         networks = [Proxy(postgres.port), Proxy(broker.port)]
         direct, slow = (postgres.port, broker.port), [network.port for network in networks]

@@ -210,14 +210,14 @@ class Postgres(Server):
 
 
 class Broker(Server):
-    def __init__(self, folder):
+    # What it has taken is on the disk each time: it is killed, too.
+    def __init__(self, folder, settings="autosave_on_changes true\nautosave_interval 1\nmax_inflight_messages 0"):
         port = free_port()
         (folder / "broker").mkdir()
         if os.geteuid() == 0:
             shutil.chown(folder / "broker", "mosquitto")
-        # What it has taken is on the disk: it is killed, too.
         (folder / "mosquitto.conf").write_text(f"listener {port} 127.0.0.1\nallow_anonymous true\npersistence true\npersistence_location {folder}/broker/\n"
-                                               "autosave_on_changes true\nautosave_interval 1\nmax_queued_messages 0\nmax_inflight_messages 0\n")
+                                               f"max_queued_messages 0\n{settings}\n")
         super().__init__(["mosquitto", "-c", str(folder / "mosquitto.conf")], port, folder / "mosquitto.log")
 
 
