@@ -16,6 +16,7 @@ LRESULT ChartWindow::OnKey(WPARAM wParam, LPARAM) {
     const bool shift = IsDown(VK_SHIFT), control = IsDown(VK_CONTROL);
     if (m_writing && OnWritingKey(key)) return 0;
     UpToDate();
+    if (!m_scene.HasData() && OnEmptyKey(key)) return 0;
     switch (m_scene.HasData() ? key : 0) {
         case VK_TAB:
             SetFocusMark(NextFocus(m_scene.Parts(), m_focus, shift));
@@ -72,6 +73,19 @@ LRESULT ChartWindow::OnKey(WPARAM wParam, LPARAM) {
     }
     m_owner.OnPaneKey(key);
     return 0;
+}
+
+// Where no session is open, keys lead through what can be done about that.
+bool ChartWindow::OnEmptyKey(WORD key) {
+    const UINT command = key == VK_RETURN ? m_empty.Focused() : 0;
+    if (command != 0) {
+        m_owner.OnPaneCommand(command);
+        return true;
+    }
+    if (key != VK_TAB && key != VK_ESCAPE) return false;
+    key == VK_TAB ? m_empty.Step(IsDown(VK_SHIFT)) : m_empty.Leave();
+    Redraw();
+    return true;
 }
 
 LRESULT ChartWindow::OnSystemKey(WPARAM wParam, LPARAM) {

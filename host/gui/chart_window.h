@@ -133,6 +133,7 @@ private:
     HCURSOR CursorAt(const Hit& hit) const;
     std::string HintAt(const Hit& hit) const;
     bool OnWritingKey(WORD key);
+    bool OnEmptyKey(WORD key);
     std::string Summary();
     std::string PointedValues() const;
 

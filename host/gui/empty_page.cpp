@@ -8,6 +8,11 @@
 #include "host/gui/menu_commands.h"
 #include "host/gui/pane_font.h"
 #include "host/words/texts.h"
+#include "platform/dpi.h"
+
+namespace {
+constexpr LONG kRing = 4;  // pixels at 96 dots an inch
+}  // namespace
 
 void EmptyPage::Draw(CDC& dc, const CRect& client, UINT dpi) {
     const ChartColours colours = ChartColours::OfWindow();
@@ -41,6 +46,16 @@ void EmptyPage::Draw(CDC& dc, const CRect& client, UINT dpi) {
         link.place = write(text + "  " + command.keyText, ::GetSysColor(COLOR_HOTLIGHT));
     }
     dc.SelectObject(before);
+    if (!m_focus) return;
+    CRect ring = m_links[*m_focus].place;
+    ring.InflateRect(OrvikScale(kRing, dpi), 0);
+    dc.DrawFocusRect(ring);
+}
+
+void EmptyPage::Step(bool back) {
+    const size_t count = m_links.size();
+    if (count == 0) return;
+    m_focus = !m_focus ? (back ? count - 1 : 0) : (*m_focus + (back ? count - 1 : 1)) % count;
 }
 
 UINT EmptyPage::CommandAt(POINT point) const {

@@ -9,7 +9,9 @@
 
 bool HasFileDialogs();
 // `kinds` as pairs of a name and a pattern: "Sessions|*.odb;*.xml|All files|*.*".
-std::optional<std::string> AskFileToOpen(HWND owner, const std::string& title, const std::string& kinds);
+// It begins in `folder`; in one of the system's choice where that is empty.
+std::optional<std::string> AskFileToOpen(HWND owner, const std::string& title, const std::string& kinds,
+                                         const std::string& folder = {});
 // `extension` without its dot is added to a name that has none; `kind` is the place of the pair that is chosen at first. The user
 // has agreed that a file of this name is replaced.
 std::optional<std::string> AskFileToSave(HWND owner, const std::string& title, const std::string& kinds,

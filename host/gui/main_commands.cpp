@@ -141,8 +141,9 @@ bool MainWindow::Command(UINT command) {
 void MainWindow::AskAndOpen() {
     const bool running = IsDownloading();
     if (!running && !MayLeave()) return;
-    const auto path =
-        Ask([&] { return AskFileToOpen(m_hWnd, Say(Text::AskOpen), KindsOf(Text::SessionFiles, "*.odb;*.xml;*.rec")); });
+    const auto path = Ask([&] {
+        return AskFileToOpen(m_hWnd, Say(Text::AskOpen), KindsOf(Text::SessionFiles, "*.odb;*.xml;*.rec"), FolderToAsk());
+    });
     if (path && (!running || (EndDownload() && MayLeave()))) Open(*path);
 }
 
@@ -171,13 +172,16 @@ std::string MainWindow::BareTitle() const {
 }
 
 // Where the session is, else where people keep their documents: the folder in which the program runs may be nobody's.
-std::string MainWindow::Beside(const std::string& name) const {
+std::string MainWindow::FolderToAsk() const {
     const std::string& now = m_document.Path();
     const size_t end = now.find_last_of("/\\");
-    const std::string folder = end != std::string::npos                         ? now.substr(0, end)
-                               : now.empty() && m_manner == Manner::Interactive ? DocumentsFolder()
-                                                                                : "";
-    return folder.empty() && end == std::string::npos ? name : folder + "/" + name;
+    if (end != std::string::npos) return now.substr(0, std::max<size_t>(end, 1));
+    return now.empty() && m_manner == Manner::Interactive ? DocumentsFolder() : std::string();
+}
+
+std::string MainWindow::Beside(const std::string& name) const {
+    const std::string folder = FolderToAsk();
+    return folder.empty() ? name : folder + (folder.back() == '/' ? "" : "/") + name;
 }
 
 bool MainWindow::AskAndSave() { return m_document.Path().empty() ? AskAndSaveAs() : SaveTo(m_document.Path()); }

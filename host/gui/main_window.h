@@ -168,6 +168,7 @@ private:
     void TellOfPrinting(DWORD error, Text withoutPrinter);
     void AskAndDownload();
     LastDownload KeptDownload() const;
+    std::string FolderToAsk() const;
     std::string Beside(const std::string& name) const;
     std::string BareTitle() const;  // without a file's extension
     void AskRange();

@@ -123,6 +123,17 @@ const std::string& ValueList::CellText(size_t channel, size_t column) const {
     return m_text;
 }
 
+bool ValueList::IsHidden(size_t channel) const {
+    const std::vector<std::string>& hidden = m_document.State().hidden;
+    return std::find(hidden.begin(), hidden.end(), m_document.GetSession()->Channels()[channel].key) != hidden.end();
+}
+
+const std::string& ValueList::ShownText(size_t channel, size_t column) const {
+    CellText(channel, column);
+    if (column == 0 && IsHidden(channel)) m_text = Say(Text::ListHidden, {m_text});
+    return m_text;
+}
+
 std::vector<std::string> ValueList::RowTexts(size_t channel) const {
     std::vector<std::string> texts;
     for (size_t column = 0; column < kColumns; ++column) texts.push_back(CellText(channel, column));
@@ -143,10 +154,9 @@ void ValueList::ShowValuesAt(std::optional<PointedTime> pointed) {
 COLORREF ValueList::ColourOf(size_t channel) const {
     const ChartColours paper = ChartColours::OfWindow();
     const ViewState& state = m_document.State();
-    const Session::Channel& shown = m_document.GetSession()->Channels()[channel];
     const Session& session = *m_document.GetSession();
     if (session.Count() > 0 && !m_pointed && !std::isfinite(session.LastValue(channel))) return paper.Name(kNoNumber);
-    if (std::find(state.hidden.begin(), state.hidden.end(), shown.key) != state.hidden.end()) return paper.Name(kHidden);
+    if (IsHidden(channel)) return paper.Name(kHidden);
     return paper.Name(channel < state.channels.size() ? state.channels[channel].colour : ChartModel::ColourOf(channel));
 }
 
@@ -158,9 +168,7 @@ LRESULT ValueList::OnDescribe(WPARAM wParam, LPARAM lParam) {
     for (OrvikAccessible& row : said.parts) {
         if (row.at < 0 || static_cast<size_t>(row.at) >= ChannelCount()) continue;
         const auto channel = static_cast<size_t>(row.at);
-        if (ColourOf(channel) == kHidden) row.description = Say(Text::ListSaidHidden);
-        if (CellText(channel, 1) != kNoValue) continue;
-        row.description += (row.description.empty() ? "" : ", ") + Say(Text::ListSaidNoValue);
+        if (CellText(channel, 1) == kNoValue) row.description = Say(Text::ListSaidNoValue);
     }
     return TRUE;
 }
@@ -192,7 +200,7 @@ void ValueList::Update() {
             RedrawItems(row, row);
         }
         for (size_t column = 0; column < kColumns; ++column) {
-            const std::string& text = CellText(channel, column);
+            const std::string& text = ShownText(channel, column);
             if (GetItemText(row, static_cast<int>(column)) != text.c_str())
                 SetItemText(row, static_cast<int>(column), text.c_str());
         }
@@ -326,7 +334,7 @@ void ValueList::ShowTip(LPARAM pointer) {
         cell.right = column.right;
         RECT client = {};
         ::GetClientRect(m_hWnd, &client);
-        const std::string& whole = CellText(static_cast<size_t>(row), static_cast<size_t>(info.iSubItem));
+        const std::string& whole = ShownText(static_cast<size_t>(row), static_cast<size_t>(info.iSubItem));
         const LONG width = WidthOf(whole);
         if (width + Scaled(kCellMargins) > column.right - column.left || (width > 0 && column.right > client.right)) text = whole;
     }

@@ -28,7 +28,7 @@ public:
     // The window has come to a screen of other dots an inch.
     void DpiChanged();
     bool IsDragging() const { return m_dragging; }
-    std::vector<std::string> RowTexts(size_t channel) const;  // as the row shows them
+    std::vector<std::string> RowTexts(size_t channel) const;  // without a word of what is hidden
     RECT ColumnRect(size_t column) const;                     // of the header, in the list's client area
     // The channel that keys are about; nothing without a session.
     std::optional<size_t> Channel() const;
@@ -69,7 +69,9 @@ private:
         ValueList& m_list;
     };
 
+    bool IsHidden(size_t channel) const;
     const std::string& CellText(size_t channel, size_t column) const;
+    const std::string& ShownText(size_t channel, size_t column) const;  // says of a hidden channel that it is
     double ValueOf(size_t channel) const;
     COLORREF ColourOf(size_t channel) const;
     size_t ChannelCount() const;

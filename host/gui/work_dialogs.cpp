@@ -8,6 +8,7 @@
 #include "host/gui/file_dialog.h"
 #include "host/gui/listed_ports.h"
 #include "host/gui/pane_font.h"
+#include "host/gui/user_folder.h"
 #include "host/logger/logger_file.h"
 #include "host/measurement/download.h"
 #include "host/measurement/missing_port.h"
@@ -189,7 +190,7 @@ void DownloadDialog::OnPortsDrop() { FillPorts(); }
 
 void DownloadDialog::OnBrowse() {
     const auto chosen = AskFileToOpen(m_hWnd, Say(Text::AskDescription),
-                                      Say(Text::DescriptionFiles) + "|*.xml;*.odb|" + Say(Text::AllFiles) + "|*.*");
+                                      Say(Text::DescriptionFiles) + "|*.xml;*.odb|" + Say(Text::AllFiles) + "|*.*", DocumentsFolder());
     if (chosen) GetDlgItem(IDC_HOST_DESCRIPTION)->SetWindowText(chosen->c_str());
 }
 
