@@ -441,6 +441,17 @@ TEST_F(Dialogs, ADownloadTellsWhatItsDescriptionLacksBeforeItBegins) {
     EXPECT_FALSE(hands.window->IsDownloading());
 }
 
+TEST_F(Dialogs, KeysReachWhatAnEmptyWindowOffers) {
+    Hands empty;
+    ::SetFocus(empty.window->Chart().m_hWnd);
+    empty.Key(VK_RETURN);  // nothing has been led to
+    const Answers answers(empty.window->m_hWnd, {[](HWND dialog) {
+                              EXPECT_NE(::GetDlgItem(dialog, IDC_HOST_PORT), nullptr);
+                              Press(dialog, IDCANCEL);
+                          }});
+    for (const UINT key : {VK_TAB, VK_ESCAPE, VK_TAB, VK_TAB, VK_RETURN}) empty.Key(key);
+}
+
 TEST_F(Dialogs, ADownloadBeginsWithTheFieldsOfTheLastOne) {
     DownloadPlan plan;
     plan.port = "COM251";
