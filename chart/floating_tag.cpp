@@ -80,12 +80,7 @@ CFloatingTag* CFloatingTagManager::CreateTag(const RECT& plot, const RECT& tag) 
 }
 
 void CFloatingTagManager::RemoveTag(CFloatingTag* tag) {
-    for (INT_PTR i = 0; i < m_tags.GetSize(); ++i) {
-        if (m_tags[i] != tag) continue;
-        m_tags.RemoveAt(i);
-        delete tag;
-        return;
-    }
+    if (m_tags.Remove(tag)) delete tag;
 }
 
 void CFloatingTagManager::RemoveAllTags() {

@@ -3,8 +3,8 @@
 // top. User-interface thread. Rectangles and points are pixels of the window that shows the chart.
 #pragma once
 
-#include "afx/array.h"
 #include "afx/string.h"
+#include "chart/ordered_pointers.h"
 
 class CDC;
 class CFloatingTagManager;
@@ -78,5 +78,5 @@ public:
     void OnDBGet_Orvik5(IPropertyDB* db, LPCSTR context);
 
 private:
-    CPtrArray m_tags;
+    orvik::detail::OrderedPointers m_tags;
 };

@@ -5,67 +5,62 @@ CVXTSheduler& CVXTSheduler::Process() {
     return *s_sheduler;
 }
 
-INT_PTR CVXTSheduler::Find(const CVXTTask* task) const {
-    for (INT_PTR i = 0; i < m_tasks.GetSize(); ++i)
-        if (m_tasks[i].pTask == task) return i;
-    return kNone;
-}
-
 BOOL CVXTSheduler::Register(CVXTTask* task) {
-    if (IsRegistered(task)) return FALSE;
-    m_tasks.Add({task, FALSE});
+    const auto [place, fresh] = m_entries.try_emplace(task, m_tasks.end());
+    if (!fresh) return FALSE;
+    place->second = m_tasks.insert(m_tasks.end(), {task, FALSE});
+    if (m_position == m_tasks.end()) m_position = place->second;
     return TRUE;
 }
 
 void CVXTSheduler::Withdraw(const CVXTTask* task) {
-    const INT_PTR index = Find(task);
-    if (index != kNone) m_tasks[index].pTask = nullptr;
+    const auto place = m_entries.find(task);
+    if (place == m_entries.end()) return;
+    place->second->pTask = nullptr;
+    m_entries.erase(place);
 }
 
-// The index of the entry to run, or kNone. Every entry is looked at once at most: looking either removes it or moves on.
-INT_PTR CVXTSheduler::Choose(const CVXTTime& now, INT_PTR& idle) {
-    for (INT_PTR left = m_tasks.GetSize(); left > 0 && !m_tasks.IsEmpty(); --left) {
-        if (m_position >= m_tasks.GetSize()) m_position = 0;
-        const TASKDESC& entry = m_tasks[m_position];
-        if (entry.pTask == nullptr) {
-            if (m_running == 0)
-                m_tasks.RemoveAt(m_position);
-            else
-                ++m_position;
+// The entry to run, or the end. Every entry is looked at once at most: looking either removes it or moves on.
+CVXTSheduler::Entry CVXTSheduler::Choose(const CVXTTime& now, size_t& idle) {
+    for (size_t left = m_tasks.size(); left > 0 && !m_tasks.empty(); --left) {
+        if (m_position == m_tasks.end()) m_position = m_tasks.begin();
+        const TASKDESC& entry = *m_position;
+        if (entry.pTask == nullptr && m_running == 0) {
+            m_position = m_tasks.erase(m_position);
             continue;
         }
-        if (!entry.bRunning) {
+        if (entry.pTask != nullptr && !entry.bRunning) {
             if (entry.pTask->IsDue(now)) return m_position;
             ++idle;
         }
         ++m_position;
     }
-    return kNone;
+    return m_tasks.end();
 }
 
-void CVXTSheduler::Run(INT_PTR index) {
+void CVXTSheduler::Run(Entry entry) {
     struct InProgress {
         int& count;
         explicit InProgress(int& running) : count(running) { ++count; }
         ~InProgress() { --count; }
     };
-    CVXTTask* const task = m_tasks[index].pTask;
+    CVXTTask* const task = entry->pTask;
     task->m_bShedule = FALSE;
-    m_tasks[index].bRunning = TRUE;
+    entry->bRunning = TRUE;
     const InProgress inProgress(m_running);
     // The list may grow, and the task may be gone, when this returns.
     if (task->OnShedule()) {
-        m_tasks[index].bRunning = FALSE;
-        m_position = index + 1;
+        entry->bRunning = FALSE;
+        m_position = std::next(entry);
     } else {
-        m_tasks[index].pTask = nullptr;
-        m_position = index;
+        if (entry->pTask != nullptr) Withdraw(entry->pTask);
+        m_position = entry;
     }
 }
 
 BOOL CVXTSheduler::Pass(const CVXTTime& now) {
-    INT_PTR idle = 0;
-    const INT_PTR due = Choose(now, idle);
-    if (due != kNone) Run(due);
-    return idle < m_tasks.GetSize();
+    size_t idle = 0;
+    const Entry due = Choose(now, idle);
+    if (due != m_tasks.end()) Run(due);
+    return idle < m_tasks.size();
 }

@@ -1,7 +1,9 @@
 // Which task runs next: the scheduler without its clock and timer, which OrvikShedule adds. One thread.
 #pragma once
 
-#include "afx/array.h"
+#include <list>
+#include <unordered_map>
+
 #include "comm/task.h"
 
 class CVXTSheduler {
@@ -17,22 +19,22 @@ public:
 
     BOOL Register(CVXTTask* task);  // FALSE if it is registered
     void Withdraw(const CVXTTask* task);
-    bool IsRegistered(const CVXTTask* task) const { return Find(task) != kNone; }
-    bool IsEmpty() const { return m_tasks.IsEmpty() != 0; }
-    INT_PTR GetSize() const { return m_tasks.GetSize(); }  // entries, withdrawn ones included
+    bool IsRegistered(const CVXTTask* task) const { return m_entries.contains(task); }
+    bool IsEmpty() const { return m_tasks.empty(); }
+    INT_PTR GetSize() const { return static_cast<INT_PTR>(m_tasks.size()); }  // entries, withdrawn ones included
 
     // Runs the first task that is due at `now`, looking from the position where the last pass ended. TRUE when not every entry
     // was found idle. A task that throws stays marked as running.
     BOOL Pass(const CVXTTime& now);
 
 private:
-    static constexpr INT_PTR kNone = -1;
+    using Entry = std::list<TASKDESC>::iterator;
 
-    INT_PTR Find(const CVXTTask* task) const;
-    INT_PTR Choose(const CVXTTime& now, INT_PTR& idle);
-    void Run(INT_PTR index);
+    Entry Choose(const CVXTTime& now, size_t& idle);
+    void Run(Entry entry);
 
-    CArray<TASKDESC> m_tasks;  // in the order of registration
-    INT_PTR m_position = 0;    // where the next pass looks first
-    int m_running = 0;         // calls of OnShedule in progress; entries keep their index while there are any
+    std::list<TASKDESC> m_tasks;  // in the order of registration; nothing of it costs more with more tasks
+    std::unordered_map<const CVXTTask*, Entry> m_entries;  // of those that are not withdrawn
+    Entry m_position = m_tasks.end();                      // where the next pass looks first; at the end, what comes next
+    int m_running = 0;                                     // calls of OnShedule in progress; no entry goes while there are any
 };

@@ -117,7 +117,7 @@ BOOL CBCGPProp::AddSubItem(CBCGPProp* pProp) {
     pProp->m_pParent = this;
     pProp->SetList(m_pList);
     m_subItems.emplace_back(pProp);
-    Changed(true);
+    if (m_pList != nullptr) m_pList->OnAdded(pProp);
     return TRUE;
 }
 

@@ -86,7 +86,7 @@ int CBCGPPropList::AddProperty(CBCGPProp* pProp) {
     if (pProp == nullptr || pProp->m_pParent != nullptr || pProp->m_pList != nullptr) return -1;
     pProp->SetList(this);
     m_props.emplace_back(pProp);
-    OnStructureChanged();
+    OnAdded(pProp);
     return GetPropertyCount() - 1;
 }
 
@@ -158,12 +158,32 @@ int CBCGPPropList::GetTopRow() const {
     return m_nTop;
 }
 
+// Rows that are counted stay so where the property is behind all of them: whoever asks for rows as they fill a grid would else have
+// all of them counted each time.
+void CBCGPPropList::OnAdded(CBCGPProp* pProp) {
+    int depth = 0;
+    bool counted = m_bRowsValid;
+    const CBCGPProp* last = pProp;
+    for (const CBCGPProp* above = last->m_pParent; above != nullptr; last = above, above = above->m_pParent, ++depth)
+        counted = counted && above->m_bExpanded && above->m_subItems.back().get() == last;
+    counted = counted && m_props.back().get() == last;
+    OnStructureChanged();
+    if (counted) AppendRows({{pProp, depth}});
+    m_bRowsValid = counted;
+}
+
 const std::vector<CBCGPPropList::Row>& CBCGPPropList::Rows() const {
     if (m_bRowsValid) return m_rows;
     for (const Row& row : m_rows) row.prop->m_nRow = -1;
     m_rows.clear();
     std::vector<Row> waiting;
     for (auto prop = m_props.rbegin(); prop != m_props.rend(); ++prop) waiting.push_back({prop->get(), 0});
+    AppendRows(std::move(waiting));
+    m_bRowsValid = true;
+    return m_rows;
+}
+
+void CBCGPPropList::AppendRows(std::vector<Row> waiting) const {
     while (!waiting.empty()) {
         const Row next = waiting.back();
         waiting.pop_back();
@@ -173,8 +193,6 @@ const std::vector<CBCGPPropList::Row>& CBCGPPropList::Rows() const {
         auto& below = next.prop->m_subItems;
         for (auto prop = below.rbegin(); prop != below.rend(); ++prop) waiting.push_back({prop->get(), next.depth + 1});
     }
-    m_bRowsValid = true;
-    return m_rows;
 }
 
 CBCGPPropList::Places CBCGPPropList::Layout() const {

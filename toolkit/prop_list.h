@@ -120,8 +120,10 @@ private:
     struct Places;
 
     void OnStructureChanged();
+    void OnAdded(CBCGPProp* pProp);
     void RedrawProperty(const CBCGPProp* pProp);
     const std::vector<Row>& Rows() const;
+    void AppendRows(std::vector<Row> waiting) const;  // of these and what is below them, the last of `waiting` first
     Places Layout() const;
     int NameWidth() const;
     int VisibleRows() const;

@@ -7,6 +7,7 @@
 #include <limits>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "afx/geometry.h"
 #include "platform/house_text_internal.h"
@@ -64,6 +65,25 @@ TEST(FloatingTag, TheTopmostTagIsHit) {
     manager.RemoveTag(nullptr), manager.RemoveTag(above);
     EXPECT_EQ(manager.GetTagCount(), 1);
     EXPECT_EQ(manager.HitTestTags(kPlot, CPoint(230, 160)), below);
+}
+
+// Beside a plain list; grown and shrunk past the points at which gaps are closed.
+TEST(FloatingTag, TagsKeepTheirPlacesWhateverIsTakenOut) {
+    CFloatingTagManager manager;
+    std::vector<CFloatingTag*> tags;
+    unsigned random = 1;
+    const auto below = [&](size_t n) { return (random = random * 1664525u + 1013904223u) / 65536u % n; };
+    for (const size_t goal : {70u, 3u, 200u, 0u, 5u}) {
+        while (tags.size() != goal) {
+            if (tags.size() < goal) tags.push_back(manager.CreateTag(kPlot, kTag));
+            if (tags.empty() || (tags.size() <= goal && below(3) > 0)) continue;
+            const auto one = tags.begin() + static_cast<std::ptrdiff_t>(below(tags.size()));
+            manager.RemoveTag(*one);
+            tags.erase(one);
+            ASSERT_EQ(manager.GetTagCount(), static_cast<INT_PTR>(tags.size()));
+            for (size_t i = 0; i < tags.size(); ++i) ASSERT_EQ(manager.GetTag(static_cast<INT_PTR>(i)), tags[i]);
+        }
+    }
 }
 
 TEST(FloatingTag, TagsComeBackInTheirOrder) {

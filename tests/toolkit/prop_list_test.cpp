@@ -141,6 +141,22 @@ TEST_F(PropList, PropertiesKnowTheirPlaceAndTheirValues) {
     EXPECT_EQ(grid.HitTest(MiddleOf(second)), name);
     EXPECT_EQ(grid.HitTest(CPoint(10, 2)), nullptr) << "the header";
     EXPECT_EQ(grid.HitTest(CPoint(10, 290)), nullptr) << "the description";
+    // Rows that are asked for while the grid is filled: behind all others, among them, and where they are not shown.
+    const auto add = [&](CBCGPProp* group) {
+        auto* const fresh = new CBCGPProp("fresh");
+        group == nullptr ? void(grid.AddProperty(fresh)) : void(group->AddSubItem(fresh));
+        return fresh;
+    };
+    const auto row = [&](CBCGPProp* prop) { return (grid.GetPropertyRect(prop).top - first.top) / grid.GetRowHeight(); };
+    CBCGPProp* const last = add(nullptr);
+    EXPECT_TRUE(grid.GetRowCount() == 7 && row(last) == 6);
+    CBCGPProp* const under = add(last);
+    EXPECT_TRUE(grid.GetRowCount() == 8 && row(under) == 7);
+    EXPECT_TRUE(row(add(channel)) == 5 && row(under) == 8);
+    EXPECT_TRUE(row(add(under)) == 9 && grid.GetRowCount() == 10);
+    last->Expand(FALSE);
+    EXPECT_EQ(grid.GetRowCount(), 8);
+    EXPECT_TRUE(grid.GetPropertyRect(add(last)).IsRectEmpty() && grid.GetRowCount() == 8);
     grid.RemoveAll();
     EXPECT_EQ(grid.GetRowCount(), 0);
     EXPECT_EQ(grid.GetCurSel(), nullptr);
