@@ -139,6 +139,9 @@ function(orvik_floor name)
   target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR})
   target_compile_definitions(${target} PRIVATE ORVIK_BUILD)
   target_link_libraries(${target} PRIVATE orvik_warnings orvik_system)
+  if(NOT WIN32)
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition)  # what a DLL does: see OrvikShared's link options
+  endif()
   if(EXISTS ${extra})
     include(${extra})
   endif()
@@ -165,7 +168,8 @@ function(orvik_shared_library)
   else()
     set_target_properties(OrvikShared PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
                                                  LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/exports.map)
-    target_link_options(OrvikShared PRIVATE -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map)
+    # The library's calls of its own functions go to these, as in a DLL, without a look at what a program may have put in their place.
+    target_link_options(OrvikShared PRIVATE -Wl,-Bsymbolic-functions -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map)
   endif()
 endfunction()
 
