@@ -1,6 +1,5 @@
 #include "time/date_picture_internal.h"
 
-#include <charconv>
 #include <optional>
 
 #include "platform/house_text_internal.h"
@@ -63,38 +62,51 @@ void AppendField(CString& text, const Element& field, const CalendarDate& date) 
     }
 }
 
+char* PutTwo(char* at, int value) {
+    *at++ = static_cast<char>('0' + value / 10);
+    *at++ = static_cast<char>('0' + value % 10);
+    return at;
+}
+
+// Null for what is no figure, or not one of so many digits.
+char* PutFigure(char* at, char letter, size_t run, const CalendarDate& date) {
+    if (letter == 'y') {
+        if (date.year < 1000 || date.year > 9999 || (run != 2 && run != 4)) return nullptr;
+        if (run == 4) at = PutTwo(at, date.year / 100);
+        return PutTwo(at, date.year % 100);
+    }
+    const int value = letter == 'M' ? date.month : date.day;
+    if (value < 0 || value > 99 || run > 2) return nullptr;
+    if (run == 2 || value > 9) return PutTwo(at, value);
+    *at++ = static_cast<char>('0' + value);
+    return at;
+}
+
 // The beginning of a date in figures, which most dates are all of: one piece for the text to take, instead of one an element.
-class Figures {
-public:
-    // Takes elements off the picture until one is no figure and no text, or there is no more room. Gives their characters.
-    std::string_view Take(std::string_view& picture, const CalendarDate& date) {
-        for (std::string_view rest = picture; Put(rest, date);) picture = rest;
-        return {m_bytes, m_count};
-    }
-
-private:
-    bool Put(std::string_view& rest, const CalendarDate& date) {
-        Element element;
-        if (!TakeElement(rest, element)) return false;
-        if (!element.letter) {
-            if (element.text.size() > sizeof m_bytes - m_count) return false;
-            for (const char c : element.text) m_bytes[m_count++] = c;
-            return true;
+// Takes elements off the picture until one is no figure and no plain text of ASCII, or there is no more room.
+void AppendFigures(CString& text, std::string_view& picture, const CalendarDate& date) {
+    constexpr int kRoom = 24;
+    const int length = text.GetLength();
+    char* const room = text.GetBuffer(length + kRoom);
+    char* end = room + length;
+    size_t taken = 0;
+    while (taken < picture.size() && end + 4 <= room + length + kRoom) {
+        const char letter = picture[taken];
+        size_t run = 1;
+        if (letter == 'M' || letter == 'd' || letter == 'y') {
+            while (taken + run < picture.size() && picture[taken + run] == letter) ++run;
+            char* const behind = PutFigure(end, letter, run, date);
+            if (!behind) break;
+            end = behind;
+        } else {
+            if (letter == '\'' || static_cast<unsigned char>(letter) >= 0x80) break;
+            *end++ = letter;
         }
-        const bool year = element.letter == 'y';
-        const int value = !year ? element.letter == 'M' ? date.month : date.day : element.run == 2 ? date.year % 100 : date.year;
-        if (element.run > (year ? 4u : 2u) || (year && element.run % 2 != 0) || value < 0 || value > 9999) return false;
-        char digits[4];
-        const auto length = static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits);
-        if (sizeof m_bytes - m_count < sizeof digits) return false;
-        if (element.run == 2 && length == 1) m_bytes[m_count++] = '0';
-        for (size_t i = 0; i < length; ++i) m_bytes[m_count++] = digits[i];
-        return true;
+        taken += run;
     }
-
-    char m_bytes[48];
-    size_t m_count = 0;
-};
+    picture.remove_prefix(taken);
+    text.ReleaseBuffer(static_cast<int>(end - room));
+}
 
 // Of this house's text, not of the process locale: "S\xF6ndag" is one word. Beyond Latin-1 whatever is no mark, symbol or digit
 // is one, the vowel signs of names in Hindi, too.
@@ -150,7 +162,7 @@ bool ReadField(const char*& cursor, const Element& field, std::optional<int>& va
 }  // namespace
 
 void AppendDatePicture(CString& text, std::string_view picture, const CalendarDate& date) {
-    if (!g_hasOwnDigits) text += Figures().Take(picture, date);
+    if (!g_hasOwnDigits) AppendFigures(text, picture, date);
     for (Element element; TakeElement(picture, element);) {
         if (!element.letter) {
             text += element.text;

@@ -51,51 +51,49 @@ struct Zone {
         return *current;
     }
 };
-Zone& TheZone() {
-    static Zone zone;
-    return zone;
-}
+constinit Zone g_zone;
 
 }  // namespace
 
 tm LocalFields(__int64 seconds) {
-    const ZoneRule& rule = TheZone().Rules().At(seconds);
+    const ZoneRule& rule = g_zone.Rules().At(seconds);
 
-    const __int64 local = seconds + rule.offset;
-    __int64 days = local / kDay, rest = local % kDay;
-    if (rest < 0) --days, rest += kDay;
-    const auto shifted = static_cast<unsigned>(days + kDaysTo1970), second = static_cast<unsigned>(rest);
-    const unsigned era = shifted / 146'097, ofEra = shifted % 146'097;
-    const unsigned yearOfEra = (ofEra - ofEra / 1'460 + ofEra / 36'524 - ofEra / 146'096) / 365;
-    const unsigned ofMarchYear = ofEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const unsigned marchMonth = (5 * ofMarchYear + 2) / 153;
-    const bool early = marchMonth >= 10;  // January or February
-    const unsigned year = yearOfEra + era * 400 + early;
+    // Days from 1 March of the year 0, then the calendar after Neri and Schneider, "Euclidean affine functions and their
+    // application to calendar algorithms" (2022): each year, month and day is a multiplication and what it leaves.
+    const auto shifted = static_cast<uint64_t>(seconds + rule.offset + kDaysTo1970 * kDay);
+    const auto days = static_cast<uint32_t>(shifted / kDay), second = static_cast<uint32_t>(shifted % kDay);
+    const uint32_t ofCenturies = 4 * days + 3, century = ofCenturies / 146'097;
+    const uint64_t ofYears = 2'939'745ULL * (ofCenturies % 146'097 | 3);
+    const uint32_t yearOfCentury = static_cast<uint32_t>(ofYears >> 32);
+    const uint32_t ofMarchYear = static_cast<uint32_t>(ofYears) / 2'939'745 / 4;
+    const uint32_t ofMonths = 2'141 * ofMarchYear + 197'913;
+    const bool early = ofMarchYear >= 306;  // January or February
+    const uint32_t year = 100 * century + yearOfCentury + early;
     const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 
     tm fields{};
     fields.tm_sec = static_cast<int>(second % 60);
     fields.tm_min = static_cast<int>(second / 60 % 60);
     fields.tm_hour = static_cast<int>(second / 3'600);
-    fields.tm_mday = static_cast<int>(ofMarchYear - (153 * marchMonth + 2) / 5 + 1);
-    fields.tm_mon = static_cast<int>(early ? marchMonth - 10 : marchMonth + 2);
+    fields.tm_mday = static_cast<int>((ofMonths & 0xFFFF) / 2'141 + 1);
+    fields.tm_mon = static_cast<int>(ofMonths >> 16) - (early ? 13 : 1);
     fields.tm_year = static_cast<int>(year) - 1900;
-    fields.tm_wday = static_cast<int>((shifted + 3) % 7);  // 1 March of the year 0 was a Wednesday
+    fields.tm_wday = static_cast<int>((days + 3) % 7);  // 1 March of the year 0 was a Wednesday
     fields.tm_yday = static_cast<int>(early ? ofMarchYear - 306 : ofMarchYear + 59 + leap);
     fields.tm_isdst = rule.daylight;
     return fields;
 }
 
-int LocalOffset(__int64 seconds) { return TheZone().Rules().At(seconds).offset; }
+int LocalOffset(__int64 seconds) { return g_zone.Rules().At(seconds).offset; }
 
 __int64 LocalSeconds(const tm& fields, int offset) {
-    const __int64 seconds = TheZone().Rules().FromLocal(LocalSecondsOf(fields), std::clamp(fields.tm_isdst, -1, 1), offset);
+    const __int64 seconds = g_zone.Rules().FromLocal(LocalSecondsOf(fields), std::clamp(fields.tm_isdst, -1, 1), offset);
     if (seconds >= First() && seconds <= Last()) return seconds;
     tm copy = fields;  // of a time that the table knows nothing of
     return _mktime64(&copy);
 }
 
-void RefreshLocalZone() { TheZone().Publish(); }
+void RefreshLocalZone() { g_zone.Publish(); }
 
 __int64 LocalNewYear(int year, __time64_t (*makeTime)(tm*)) {
     tm fields{};

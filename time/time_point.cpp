@@ -22,14 +22,16 @@ constexpr __int64 kMillisecond = 1'000, kSecond = 1'000'000, kMinute = 60 * kSec
 constexpr int kSunday = 0, kMonday = 1;
 
 struct TimeRange {
-    __int64 minimum = LocalNewYear(1972) * kSecond;
-    __int64 maximum = LocalNewYear(2034) * kSecond;
+    __int64 minimum = 0, maximum = 0;
 };
-const TimeRange& Range() {
-    static const TimeRange range;
-    return range;
+constinit TimeRange g_range;
+
+const TimeRange& ComputeRange() {
+    return g_range = {LocalNewYear(1972) * kSecond, LocalNewYear(2034) * kSecond};
 }
-// The range is computed when the module starts, so that a zone without these dates fails the start and not a later read.
+inline const TimeRange& Range() { return g_range.maximum != 0 ? g_range : ComputeRange(); }
+// The range is computed when the module starts, so that a zone without these dates fails the start and not a later read. Objects
+// of other files that are made before find it by asking.
 [[maybe_unused]] const TimeRange& g_rangeAtStart = Range();
 
 // Years and months as the C library counts them; numbers at the end of their range wrap and are then refused by it.
@@ -229,13 +231,13 @@ int CVXTTime::SetTime(int hour, int minute, int second, int millisecond) {
 }
 
 void CVXTTime::GetSystemTime(SYSTEMTIME* time) const {
-    tm fields;
-    GetLocalTime(&fields);
-    const auto word = [](int value) { return static_cast<WORD>(value); };
+    const __int64 count = Clamped(), seconds = count / kSecond;
+    const tm fields = LocalFields(seconds);
+    const auto word = [](__int64 value) { return static_cast<WORD>(value); };
     *time = {word(fields.tm_year + 1900), word(fields.tm_mon + 1),
              word(fields.tm_wday),        word(fields.tm_mday),
              word(fields.tm_hour),        word(fields.tm_min),
-             word(fields.tm_sec),         static_cast<WORD>(Clamped() % kSecond / kMillisecond)};
+             word(fields.tm_sec),         word((count - seconds * kSecond) / kMillisecond)};
 }
 
 int CVXTTime::SetSystemTime(const SYSTEMTIME* time) {
@@ -355,14 +357,14 @@ void CVXTTime::SeekNext(CVXTTimeType type) {
 CString CVXTTime::Format() const {
     SYSTEMTIME local;
     GetSystemTime(&local);
-    char time[255] = "";
-    if (::GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &local, nullptr, time, sizeof time) == 0) *time = 0;
+    char time[1 + 255];
+    *time = ' ';
+    const int size = ::GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &local, nullptr, time + 1, sizeof time - 1);
     CString text;
     text.Preallocate(31);
     AppendDatePicture(text, TheLocaleCache().shortDate.GetView(), {local.wYear, local.wMonth, local.wDay, local.wDayOfWeek});
-    text += ' ';
     const int clock = text.GetLength();
-    text += time;
+    text += std::string_view(time, static_cast<size_t>(std::max(size, 1)));
     SpellDigits(text, clock);
     return text;
 }

@@ -1,5 +1,6 @@
 #include "platform/posix/regional/nls.h"
 
+#include <atomic>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
@@ -9,6 +10,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/house_text_internal.h"
 #include "platform/posix/kernel/errors.h"
@@ -32,6 +35,8 @@ struct UserSettings {
     const LocaleData* money;
     const LocaleData* order;
     std::map<LCTYPE, std::string> changed;
+
+    bool operator==(const UserSettings&) const = default;
 };
 
 const LocaleData& FromEnvironment(const char* category) {
@@ -45,12 +50,31 @@ UserSettings ReadEnvironment() {
             &FromEnvironment("LC_MONETARY"), &FromEnvironment("LC_COLLATE"), {}};
 }
 
-// Settings are never changed once they are shared, only replaced: who holds them needs no lock and no copy.
 using SharedSettings = std::shared_ptr<const UserSettings>;
 
-struct User {
-    std::mutex lock;
-    SharedSettings settings = std::make_shared<UserSettings>(ReadEnvironment());
+// Settings are never changed once they are shared, only replaced, and all that were in force are kept, each once: whoever holds
+// them needs no lock, no count and no copy.
+class User {
+public:
+    const UserSettings& Settings() const { return *m_settings.load(std::memory_order_acquire); }
+    void Replace(UserSettings fresh) {
+        for (const auto& earlier : m_kept)
+            if (*earlier == fresh) return m_settings.store(earlier.get(), std::memory_order_release);
+        m_kept.push_back(std::make_unique<const UserSettings>(std::move(fresh)));
+        m_settings.store(m_kept.back().get(), std::memory_order_release);
+    }
+
+    std::mutex lock;  // of those who replace them
+
+private:
+    std::vector<std::unique_ptr<const UserSettings>> m_kept = FromEnvironmentAlone();
+    std::atomic<const UserSettings*> m_settings = m_kept.back().get();
+
+    static std::vector<std::unique_ptr<const UserSettings>> FromEnvironmentAlone() {
+        std::vector<std::unique_ptr<const UserSettings>> first;
+        first.push_back(std::make_unique<const UserSettings>(ReadEnvironment()));
+        return first;
+    }
 };
 User& TheUser() {
     static User user;
@@ -64,16 +88,15 @@ SharedSettings Fixed(const LocaleData& locale) {
 // The settings that an id names, with (the user's) or without changes; null for an id without a locale.
 SharedSettings SettingsOf(LCID locale, LCTYPE item) {
     const LCID plain = LANGIDFROMLCID(locale);
-    User& user = TheUser();
-    const std::lock_guard guard(user.lock);
+    const UserSettings& settings = TheUser().Settings();
     const bool mine =
-        plain == 0 || plain == LOCALE_USER_DEFAULT || plain == LOCALE_SYSTEM_DEFAULT || plain == user.settings->names->lcid;
+        plain == 0 || plain == LOCALE_USER_DEFAULT || plain == LOCALE_SYSTEM_DEFAULT || plain == settings.names->lcid;
     if (!mine) {
         const LocaleData* data = LocaleById(plain);
         return data ? Fixed(*data) : nullptr;
     }
-    if (!(item & LOCALE_NOUSEROVERRIDE)) return user.settings;
-    const auto unchanged = std::make_shared<UserSettings>(*user.settings);
+    if (!(item & LOCALE_NOUSEROVERRIDE)) return {SharedSettings(), &settings};
+    const auto unchanged = std::make_shared<UserSettings>(settings);
     unchanged->changed.clear();
     return unchanged;
 }
@@ -248,10 +271,50 @@ int Deliver(const std::string& text, LPSTR out, int size) {
     return needed;
 }
 
-void AppendPadded(std::string& out, unsigned value, size_t run) {
-    if (run >= 2 && value < 10) out += '0';
-    char digits[12];
-    out.append(digits, static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
+// Takes a text into a given room, and counts it all.
+class Sink {
+public:
+    Sink(char* room, size_t size) : m_room(room), m_size(size) {}
+    void Put(char c) {
+        if (m_count < m_size) m_room[m_count] = c;
+        ++m_count;
+    }
+    void Put(std::string_view text) {
+        for (const char c : text) Put(c);
+    }
+    void PutPadded(unsigned value, size_t run) {
+        if (value < 100) {  // what fields are, years aside
+            const size_t length = value > 9 || run >= 2 ? 2 : 1;
+            if (m_count + length <= m_size) {
+                char* at = m_room + m_count;
+                if (length == 2) *at++ = static_cast<char>('0' + value / 10);
+                *at = static_cast<char>('0' + value % 10);
+            }
+            m_count += length;
+            return;
+        }
+        char digits[12];
+        Put({digits, static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits)});
+    }
+    size_t Count() const { return m_count; }
+    void CutTo(size_t count) { m_count = count; }
+
+private:
+    char* m_room;
+    size_t m_size, m_count = 0;
+};
+
+// As Deliver for what `write` puts into a sink; but where it does not fit, the room is left with an empty text.
+template <class Write>
+int DeliverWritten(const Write& write, LPSTR out, int size) {
+    if (size < 0 || (size > 0 && !out)) return Fail(ERROR_INVALID_PARAMETER);
+    Sink sink(out, size > 0 ? static_cast<size_t>(size) : 0);
+    write(sink);
+    const int needed = static_cast<int>(sink.Count()) + 1;
+    if (size == 0) return needed;
+    const bool fits = needed <= size;
+    out[fits ? sink.Count() : 0] = 0;
+    return fits ? needed : Fail(ERROR_INSUFFICIENT_BUFFER);
 }
 
 // The changed value of an item, else the given one.
@@ -260,9 +323,12 @@ const std::string& Changed(const UserSettings& s, LCTYPE item, const std::string
     return changed != s.changed.end() ? changed->second : standing;
 }
 
-// Walks a picture: letters of `letters` come in runs, quoted text and everything else go to `literal`.
-template <class Run, class Literal>
-void WalkPicture(const std::string& picture, const char* letters, Run run, Literal literal) {
+constexpr auto kIsClockField = [](char c) { return c == 'h' || c == 'H' || c == 'm' || c == 's' || c == 't'; };
+constexpr auto kIsDateField = [](char c) { return c == 'd' || c == 'M' || c == 'y' || c == 'g'; };
+
+// Walks a picture: fields come in runs of their letter, quoted text and everything else go to `literal`.
+template <class IsField, class Run, class Literal>
+void WalkPicture(std::string_view picture, const IsField& isField, const Run& run, const Literal& literal) {
     for (size_t i = 0; i < picture.size();) {
         if (picture[i] == '\'') {
             for (++i; i < picture.size(); ++i) {
@@ -272,7 +338,7 @@ void WalkPicture(const std::string& picture, const char* letters, Run run, Liter
                 }
                 literal(picture[i]);
             }
-        } else if (std::strchr(letters, picture[i])) {
+        } else if (isField(picture[i])) {
             size_t end = i;
             while (end < picture.size() && picture[end] == picture[i]) ++end;
             run(picture[i], end - i);
@@ -284,74 +350,56 @@ void WalkPicture(const std::string& picture, const char* letters, Run run, Liter
 }
 
 // A field that a flag leaves out takes the literal text before it with it, so that "h:mm:ss tt" shortens to "h:mm tt".
-std::string WriteTime(const SYSTEMTIME& t, const std::string& picture, DWORD flags, const UserSettings& s) {
-    std::string out, literal;
+void WriteTime(Sink& out, const SYSTEMTIME& t, std::string_view picture, DWORD flags, const UserSettings& s) {
+    size_t written = 0;  // without the literal text since the last field
     const auto leftOut = [flags](char letter) {
         if (letter == 't') return (flags & TIME_NOTIMEMARKER) != 0;
         if (letter == 's') return (flags & (TIME_NOSECONDS | TIME_NOMINUTESORSECONDS)) != 0;
         return letter == 'm' && (flags & TIME_NOMINUTESORSECONDS) != 0;
     };
     WalkPicture(
-        picture, "hHmst",
+        picture, kIsClockField,
         [&](char letter, size_t run) {
-            if (leftOut(letter)) {
-                literal.clear();
-                return;
-            }
-            out += literal;
-            literal.clear();
+            if (leftOut(letter)) return out.CutTo(written);
             unsigned hour = t.wHour;
             if (letter == 'h' && !(flags & TIME_FORCE24HOURFORMAT)) hour = (hour + 11) % 12 + 1;
-            if (letter == 'h' || letter == 'H') AppendPadded(out, hour, run);
-            if (letter == 'm') AppendPadded(out, t.wMinute, run);
-            if (letter == 's') AppendPadded(out, t.wSecond, run);
+            if (letter == 'h' || letter == 'H') out.PutPadded(hour, run);
+            if (letter == 'm') out.PutPadded(t.wMinute, run);
+            if (letter == 's') out.PutPadded(t.wSecond, run);
             if (letter == 't') {
                 const std::string& mark =
                     t.wHour < 12 ? Changed(s, LOCALE_S1159, s.clock->morning) : Changed(s, LOCALE_S2359, s.clock->afternoon);
-                out.append(mark, 0, run == 1 ? FirstLetterSize(mark) : std::string::npos);
+                out.Put(std::string_view(mark).substr(0, run == 1 ? FirstLetterSize(mark) : std::string_view::npos));
             }
+            written = out.Count();
         },
-        [&](char c) { literal += c; });
-    return out + literal;
+        [&](char c) { out.Put(c); });
 }
 
-std::string WriteDate(const SYSTEMTIME& d, const std::string& picture, const UserSettings& s) {
+void WriteDate(Sink& out, const SYSTEMTIME& d, std::string_view picture, const UserSettings& s) {
     bool namesDay = false;
     WalkPicture(
-        picture, "dMyg", [&](char letter, size_t run) { namesDay |= letter == 'd' && run <= 2; }, [](char) {});
-    std::string out;
+        picture, kIsDateField, [&](char letter, size_t run) { namesDay |= letter == 'd' && run <= 2; }, [](char) {});
     const unsigned weekday = (d.wDayOfWeek + 6u) % 7;  // from Monday
     WalkPicture(
-        picture, "dMyg",
+        picture, kIsDateField,
         [&](char letter, size_t run) {
             const unsigned month = d.wMonth - 1u;
             switch (letter) {
                 case 'd':
-                    if (run <= 2)
-                        AppendPadded(out, d.wDay, run);
-                    else
-                        out += run == 3 ? s.clock->shortDays[weekday] : s.clock->days[weekday];
-                    break;
+                    if (run <= 2) return out.PutPadded(d.wDay, run);
+                    return out.Put(run == 3 ? s.clock->shortDays[weekday] : s.clock->days[weekday]);
                 case 'M':
-                    if (run <= 2)
-                        AppendPadded(out, d.wMonth, run);
-                    else if (run == 3)
-                        out += s.clock->shortMonths[month];
-                    else
-                        out += namesDay ? s.clock->monthsInDates[month] : s.clock->months[month];
-                    break;
+                    if (run <= 2) return out.PutPadded(d.wMonth, run);
+                    if (run == 3) return out.Put(s.clock->shortMonths[month]);
+                    return out.Put(namesDay ? s.clock->monthsInDates[month] : s.clock->months[month]);
                 case 'y':
-                    if (run <= 2)
-                        AppendPadded(out, d.wYear % 100u, run);
-                    else
-                        AppendPadded(out, d.wYear, 1);
-                    break;
+                    return run <= 2 ? out.PutPadded(d.wYear % 100u, run) : out.PutPadded(d.wYear, 1);
                 default:
-                    out += s.clock->eras[1];
+                    return out.Put(s.clock->eras[1]);
             }
         },
-        [&](char c) { out += c; });
-    return out;
+        [&](char c) { out.Put(c); });
 }
 
 }  // namespace
@@ -359,9 +407,8 @@ std::string WriteDate(const SYSTEMTIME& d, const std::string& picture, const Use
 namespace orvik::detail {
 void ReloadRegionalSettings() {
     User& user = TheUser();
-    auto fresh = std::make_shared<UserSettings>(ReadEnvironment());
     const std::lock_guard guard(user.lock);
-    user.settings = std::move(fresh);
+    user.Replace(ReadEnvironment());
 }
 
 std::string OrderingLocale(LCID locale) {
@@ -370,11 +417,7 @@ std::string OrderingLocale(LCID locale) {
 }
 }  // namespace orvik::detail
 
-LCID GetUserDefaultLCID() {
-    User& user = TheUser();
-    const std::lock_guard guard(user.lock);
-    return user.settings->names->lcid;
-}
+LCID GetUserDefaultLCID() { return TheUser().Settings().names->lcid; }
 UINT GetACP() { return 1252; }
 
 int GetLocaleInfoA(LCID locale, LCTYPE item, LPSTR out, int size) {
@@ -401,8 +444,7 @@ BOOL SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text) {
     if (CountLetters(text) >= longest) return Fail(ERROR_INVALID_PARAMETER);
     User& user = TheUser();
     const std::lock_guard guard(user.lock);
-    const auto fresh = std::make_shared<UserSettings>(*user.settings);
-    UserSettings& s = *fresh;
+    UserSettings s = user.Settings();
     if (plain != 0 && plain != LOCALE_USER_DEFAULT && plain != LOCALE_SYSTEM_DEFAULT && plain != s.names->lcid)
         return Fail(ERROR_INVALID_PARAMETER);
     switch (item) {
@@ -425,7 +467,7 @@ BOOL SetLocaleInfoA(LCID locale, LCTYPE item, LPCSTR text) {
         default:
             s.changed[item] = text;
     }
-    user.settings = fresh;
+    user.Replace(std::move(s));
     return TRUE;
 }
 
@@ -438,10 +480,9 @@ int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR pict
     if (!time) GetLocalTime(&now), time = &now;
     if (time->wHour > 23 || time->wMinute > 59 || time->wSecond > 59 || time->wMilliseconds > 999)
         return Fail(ERROR_INVALID_PARAMETER);
-    const std::string text =
-        picture ? WriteTime(*time, picture, flags, *settings)
-                : WriteTime(*time, Changed(*settings, LOCALE_STIMEFORMAT, settings->clock->timePicture), flags, *settings);
-    return Deliver(text, out, size);
+    const std::string_view standing = Changed(*settings, LOCALE_STIMEFORMAT, settings->clock->timePicture);
+    const std::string_view asked = picture ? std::string_view(picture) : standing;
+    return DeliverWritten([&](Sink& sink) { WriteTime(sink, *time, asked, flags, *settings); }, out, size);
 }
 
 int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR picture, LPSTR out, int size) {
@@ -458,5 +499,6 @@ int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR pict
     FILETIME ft;
     if (!SystemTimeToFileTime(&given, &ft) || !FileTimeToSystemTime(&ft, &given)) return Fail(ERROR_INVALID_PARAMETER);
     const LCTYPE standing = flags & DATE_LONGDATE ? LOCALE_SLONGDATE : LOCALE_SSHORTDATE;
-    return Deliver(WriteDate(given, picture ? std::string(picture) : *Value(*settings, standing), *settings), out, size);
+    const std::string asked = picture ? picture : *Value(*settings, standing);
+    return DeliverWritten([&](Sink& sink) { WriteDate(sink, given, asked, *settings); }, out, size);
 }
