@@ -48,30 +48,36 @@ public:
         division.last = size.Times(division.lastNumber);
         division.firstAt = mapping.ToFarCoordinate(division.first);
         division.lastAt = mapping.ToFarCoordinate(division.last);
-        m_count = std::fabs(division.lastNumber - division.firstNumber);
+        const double count = std::fabs(division.lastNumber - division.firstNumber);
         const double label = std::max<LONG>(m_request.labelSize, 1);
         // A range of a few units in the last place may round to a single tick: no division.
-        return m_count >= 1 && m_count <= kMostAxisDivisions &&
-               label * m_count * 3 <= 2 * std::fabs(static_cast<double>(division.lastAt - division.firstAt));
+        return count >= 1 && count <= kMostAxisDivisions &&
+               label * count * 3 <= 2 * std::fabs(static_cast<double>(division.lastAt - division.firstAt));
     }
 
     // First down the family while labels fit, then up until they do.
     bool Run() {
         const AxisStep smallest = SmallestAxisStep(m_request);
         AxisStep size(DecadeOf(std::fabs(m_request.mapping.extent - m_request.mapping.origin)));
+        if (const AxisStep roomy = RoomyStep(); roomy <= size) size = roomy;
         if (size <= smallest) size = smallest;
-        bool fits = Fits(size);
-        while (fits && !(size <= smallest)) {
-            size.Shrink();
-            fits = Fits(size);
+        constexpr int kMostExponent = DBL_MAX_10_EXP - 1;  // of labels that do not outgrow the numbers themselves
+        if (Fits(size)) {
+            AxisDivision fitting;
+            do {
+                fitting = m_division;
+                if (size <= smallest) break;
+                size.Shrink();
+            } while (Fits(size));
+            m_division = fitting;
+        } else {
+            do size.Grow();
+            while (size.Exponent() <= kMostExponent && !Fits(size));
         }
-        while (!fits) {
-            size.Grow();
-            if (size.Exponent() > DBL_MAX_10_EXP - 1) return false;  // labels that outgrow the numbers themselves
-            fits = Fits(size);
-        }
-        m_division.count = static_cast<LONG>(m_count);
-        m_division.step = m_division.last < m_division.first ? -size.Value() : size.Value();
+        AxisDivision& division = m_division;
+        if (std::max(size.Exponent(), division.size.Exponent()) > kMostExponent) return false;
+        division.count = static_cast<LONG>(std::fabs(division.lastNumber - division.firstNumber));
+        division.step = division.last < division.first ? -division.size.Value() : division.size.Value();
         return true;
     }
 
@@ -101,13 +107,27 @@ public:
     AxisDivision m_division;
 
 private:
+    // A step at which labels fit for certain, and all larger ones up to the range as well: the outermost ticks lie less than two
+    // pixels nearer than by the mapping without its truncations. Where values are too close together for that to hold, and for
+    // axes that would have too many ticks, the largest of all steps.
+    AxisStep RoomyStep() const {
+        const AxisMapping& mapping = m_request.mapping;
+        const double span = std::fabs(mapping.extent - mapping.origin), pixels = static_cast<double>(mapping.end) - mapping.start;
+        const double magnitude = std::max(std::fabs(mapping.origin), std::fabs(mapping.extent));
+        AxisStep step(DBL_MAX_10_EXP);
+        if (magnitude > span * 0x1p20 || pixels > kMostAxisDivisions) return step;
+        const double enough = (3.0 * std::max<LONG>(m_request.labelSize, 1) + 5) / 2 * span / pixels;
+        if (!(enough > DBL_MIN && enough < span)) return step;
+        step = AxisStep(DecadeOf(enough));
+        while (step.Value() < enough) step.Grow();
+        return step;
+    }
     static LONG Alignment(__int64 pixels) {
         return static_cast<LONG>(std::clamp<__int64>(pixels, -AxisMapping::kFarthest, AxisMapping::kFarthest));
     }
 
     const AxisDivisionRequest& m_request;
     const bool m_rising;
-    double m_count = 0;
 };
 
 }  // namespace

@@ -33,7 +33,12 @@ double PowerOfTen(int exponent) {
 }
 
 int DecadeOf(double value) {
-    const int decade = static_cast<int>(std::floor(std::log10(value)));
+    // By the power of two at first, 315653 / 2^20 being a little below log10(2): the decade, or the one below.
+    int decade = std::ilogb(value) * 315'653 >> 20;
+    if (value >= PowerOfTen(decade + 1)) ++decade;
+    // The logarithm can tell no more than a hair below the next one.
+    if (value < PowerOfTen(decade + 1) * (1 - 0x1p-40)) return decade;
+    decade = static_cast<int>(std::floor(std::log10(value)));
     return value >= PowerOfTen(decade + 1) ? decade + 1 : decade;
 }
 
