@@ -165,13 +165,13 @@ BOOL OrvikSmoothPolyline(HDC dc, const ORVIK_CURVE_POINT* points, int count, COL
     if (count < 0 || (points == nullptr && count > 0) || !(width >= kThinnest && width <= kWidest))
         return Done(ERROR_INVALID_PARAMETER);
     return Done(Guarded([&]() -> DWORD {
-        const auto pieces = SmoothPieces(points, count);
-        if (!pieces.empty() && KeepSmoothLine(dc, pieces, colour, width)) return ERROR_SUCCESS;
+        const SmoothPath path = SmoothPathOf(points, count);
+        if (!path.empty() && KeepSmoothLine(dc, path, colour, width)) return ERROR_SUCCESS;
         RECT clip{};
         constexpr int kRefused = 0;  // what GetClipBox calls ERROR
         if (GetClipBox(dc, &clip) == kRefused) return ERROR_INVALID_HANDLE;
-        if (pieces.empty()) return ERROR_SUCCESS;
-        const RECT bounds = SmoothBounds(pieces, width);
+        if (path.empty()) return ERROR_SUCCESS;
+        const RECT bounds = SmoothBounds(path, width);
         const int left = std::max(bounds.left, clip.left), right = std::min(bounds.right, clip.right);
         const int bottom = std::min(bounds.bottom, clip.bottom);
         if (left >= right) return ERROR_SUCCESS;
@@ -182,7 +182,7 @@ BOOL OrvikSmoothPolyline(HDC dc, const ORVIK_CURVE_POINT* points, int count, COL
         coverage.left = left, coverage.width = right - left;
         for (int top = std::max(bounds.top, clip.top); top < bottom; top += rows) {
             coverage.top = top, coverage.height = std::min(rows, bottom - top);
-            if (!CoverSmoothLine(pieces, width, coverage)) continue;
+            if (!CoverSmoothLine(path, width, coverage)) continue;
             if (const DWORD error = BlendCoverage(dc, coverage, colour)) return error;
         }
         return ERROR_SUCCESS;

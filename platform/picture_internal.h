@@ -28,8 +28,8 @@ std::unique_ptr<PictureTarget> MakePageTarget(PictureKind kind, int width, int h
 struct PdfSheet;
 std::unique_ptr<PictureTarget> MakeSheetTarget(int width, int height, const PdfSheet& sheet);
 
-// On a page (a DC without pixels) the pieces are kept as they are: TRUE. FALSE for every other DC.
-BOOL KeepSmoothLine(HDC dc, const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, COLORREF colour, float width);
+// On a page (a DC without pixels) the path is kept as it is: TRUE. FALSE for every other DC.
+BOOL KeepSmoothLine(HDC dc, const SmoothPath& path, COLORREF colour, float width);
 // Lays the colour over a part of the DC, in logical units, as much as each pixel is covered. A Win32 code.
 DWORD BlendCoverage(HDC dc, const Coverage& coverage, COLORREF colour);
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace orvik::detail {
 namespace {
@@ -21,8 +22,8 @@ struct Width {
 class Segment {
 public:
     Segment(const ORVIK_CURVE_POINT& a, const ORVIK_CURVE_POINT& b, const Width& width)
-        : m_a(a), m_b(b), m_width(width), m_length(std::hypot(b.x - a.x, b.y - a.y)) {
-        if (m_length > 0) m_alongX = (b.x - a.x) / m_length, m_alongY = (b.y - a.y) / m_length;
+        : m_a(a), m_b(b), m_width(width), m_length(Length(b.x - a.x, b.y - a.y)) {
+        if (m_length > 0) m_alongX = (b.x - a.x) / m_length, m_alongY = (b.y - a.y) / m_length;  // a dot lies any way
     }
 
     bool Cover(Coverage& coverage) const {
@@ -38,7 +39,11 @@ public:
     }
 
 private:
-    // A call of the library for each row would take longer than the row.
+    // Far points are near enough for a square; and calls of the library would take longer than a row does.
+    static float Length(float x, float y) {
+        const double wideX = static_cast<double>(x), wideY = static_cast<double>(y);
+        return static_cast<float>(std::sqrt(wideX * wideX + wideY * wideY));
+    }
     static int Floor(float value) {
         const int whole = static_cast<int>(value);
         return whole - (static_cast<float>(whole) > value ? 1 : 0);
@@ -93,63 +98,54 @@ private:
     void CoverRow(Coverage& coverage, int y, int left, int right) const {
         uint8_t* pixel = PixelAt(coverage, left, y);
         const float dy = static_cast<float>(y) - m_a.y;
-        const auto along = [&](int x) { return (static_cast<float>(x) - m_a.x) * m_alongX + dy * m_alongY; };
-        const auto aside = [&](int x) { return std::abs((static_cast<float>(x) - m_a.x) * m_alongY - dy * m_alongX); };
-        const float begin = along(left), end = along(right);
-        if (m_length > 0 && std::min(begin, end) >= 0 && std::max(begin, end) <= m_length) {
-            for (int x = left; x <= right; ++x, ++pixel) *pixel = std::max(*pixel, m_width.At(aside(x)));
-            return;
-        }
         for (int x = left; x <= right; ++x, ++pixel) {
-            const float at = along(x), beside = aside(x), beyond = at < 0 ? -at : at - m_length;
-            const float distance = m_length == 0 ? std::hypot(static_cast<float>(x) - m_a.x, dy)
-                                   : beyond <= 0 ? beside
-                                                 : std::sqrt(beside * beside + beyond * beyond);
-            *pixel = std::max(*pixel, m_width.At(distance));
+            const float dx = static_cast<float>(x) - m_a.x;
+            const float along = dx * m_alongX + dy * m_alongY, aside = dx * m_alongY - dy * m_alongX;
+            const float beyond = std::max(std::max(-along, along - m_length), 0.0f);
+            *pixel = std::max(*pixel, m_width.At(std::sqrt(aside * aside + beyond * beyond)));
         }
     }
 
     ORVIK_CURVE_POINT m_a, m_b;
     Width m_width;
-    float m_length, m_alongX = 0, m_alongY = 0;
+    float m_length, m_alongX = 1, m_alongY = 0;
 };
 }  // namespace
 
-std::vector<std::vector<ORVIK_CURVE_POINT>> SmoothPieces(const ORVIK_CURVE_POINT* points, int count) {
-    std::vector<std::vector<ORVIK_CURVE_POINT>> pieces;
-    bool open = false;
-    for (int i = 0; i < count; ++i) {
-        const ORVIK_CURVE_POINT& point = points[i];
+SmoothPath SmoothPathOf(const ORVIK_CURVE_POINT* points, int count) {
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    SmoothPath path;
+    path.reserve(static_cast<size_t>(count));
+    bool open = true;
+    for (const ORVIK_CURVE_POINT& point : std::span(points, static_cast<size_t>(count))) {
         if (std::isnan(point.x) || std::isnan(point.y)) {
             open = false;
             continue;
         }
-        if (!open) pieces.emplace_back();
+        if (!open && !path.empty()) path.push_back({kNan, kNan});
         open = true;
-        pieces.back().push_back({std::clamp(point.x, -kFar, kFar), std::clamp(point.y, -kFar, kFar)});
+        path.push_back({std::clamp(point.x, -kFar, kFar), std::clamp(point.y, -kFar, kFar)});
     }
-    return pieces;
+    return path;
 }
 
-RECT SmoothBounds(const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, float width) {
-    if (pieces.empty()) return {};
+RECT SmoothBounds(const SmoothPath& path, float width) {
+    if (path.empty()) return {};
     float left = kFar, top = kFar, right = -kFar, bottom = -kFar;
-    for (const auto& piece : pieces) {
-        for (const ORVIK_CURVE_POINT& point : piece) {
-            left = std::min(left, point.x), right = std::max(right, point.x);
-            top = std::min(top, point.y), bottom = std::max(bottom, point.y);
-        }
+    for (const ORVIK_CURVE_POINT& point : path) {  // NaN is neither less nor more
+        left = std::min(left, point.x), right = std::max(right, point.x);
+        top = std::min(top, point.y), bottom = std::max(bottom, point.y);
     }
     const float reach = Width(width).reach;
     return {static_cast<LONG>(std::floor(left - reach)), static_cast<LONG>(std::floor(top - reach)),
             static_cast<LONG>(std::ceil(right + reach)) + 1, static_cast<LONG>(std::ceil(bottom + reach)) + 1};
 }
 
-bool CoverSmoothLine(const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, float width, Coverage& coverage) {
+bool CoverSmoothLine(const SmoothPath& path, float width, Coverage& coverage) {
     coverage.pixels.assign(static_cast<size_t>(coverage.width) * static_cast<size_t>(coverage.height), 0);
     const Width edges(width);
     bool touched = false;
-    for (const auto& piece : pieces) {
+    EachPiece(path, [&](std::span<const ORVIK_CURVE_POINT> piece) {
         if (piece.size() == 1) touched |= Segment(piece[0], piece[0], edges).Cover(coverage);
         for (size_t i = 1; i < piece.size(); ++i) {
             ORVIK_CURVE_POINT a = piece[i - 1], b = piece[i];
@@ -161,7 +157,7 @@ bool CoverSmoothLine(const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, 
             }
             touched |= Segment(a, b, edges).Cover(coverage);
         }
-    }
+    });
     return touched;
 }
 }  // namespace orvik::detail

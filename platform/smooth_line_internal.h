@@ -1,7 +1,9 @@
 // How much of each pixel a smooth line covers. Internal; any thread; arithmetic only, so that both homes draw the same pixels.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "platform/picture.h"
@@ -14,13 +16,24 @@ struct Coverage {
     std::vector<uint8_t> pixels;
 };
 
-// The line's pieces: points with NaN apart, far points brought near, a single point as a line to itself.
-std::vector<std::vector<ORVIK_CURVE_POINT>> SmoothPieces(const ORVIK_CURVE_POINT* points, int count);
+// The pieces of a line, one after the other, a point with NaN between two of them; far points brought near. A piece of a single
+// point is a dot. In one vector, as a dashed line has thousands of pieces.
+using SmoothPath = std::vector<ORVIK_CURVE_POINT>;
+SmoothPath SmoothPathOf(const ORVIK_CURVE_POINT* points, int count);
 
-// The rectangle of pixels that the pieces may touch; empty without any.
-RECT SmoothBounds(const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, float width);
+// Gives each piece to `take`, as a span.
+template <class Take>
+void EachPiece(const SmoothPath& path, Take take) {
+    for (size_t from = 0, to; from < path.size(); from = to + 1) {
+        for (to = from; to < path.size() && !std::isnan(path[to].x);) ++to;
+        take(std::span(path).subspan(from, to - from));
+    }
+}
+
+// The rectangle of pixels that the path may touch; empty without a point.
+RECT SmoothBounds(const SmoothPath& path, float width);
 
 // Fills in `coverage.pixels` for its part of the plane. False if no pixel is touched.
-bool CoverSmoothLine(const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, float width, Coverage& coverage);
+bool CoverSmoothLine(const SmoothPath& path, float width, Coverage& coverage);
 
 }  // namespace orvik::detail

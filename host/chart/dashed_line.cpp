@@ -8,6 +8,8 @@ namespace {
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr double kDash = 6, kGap = 3.5;  // widths of the line; its round ends take one off a gap
 
+double Length(double x, double y) { return std::sqrt(x * x + y * y); }  // of pixels, far from any limit
+
 // Lengths that are drawn and left out by turns; 0 is a dot.
 std::vector<double> LengthsOf(size_t pattern, double width) {
     std::vector<double> lengths;
@@ -34,7 +36,7 @@ public:
     }
     void To(ORVIK_CURVE_POINT point) {
         const double dx = static_cast<double>(point.x) - m_from.x, dy = static_cast<double>(point.y) - m_from.y;
-        const double length = std::hypot(dx, dy);
+        const double length = Length(dx, dy);
         double first = 0, last = 1;  // the part of the segment that is in view
         Cut(m_from.x, dx, m_clip.left, m_clip.right, first, last);
         Cut(m_from.y, dy, m_clip.top, m_clip.bottom, first, last);
@@ -140,7 +142,7 @@ double CrowdingOf(const std::vector<ORVIK_CURVE_POINT>& line, const RECT& clip) 
     for (size_t i = 1; i < line.size(); ++i) {
         if (std::isnan(line[i - 1].x) || std::isnan(line[i].x)) continue;
         const ORVIK_CURVE_POINT a = within(line[i - 1]), b = within(line[i]);
-        length += std::hypot(static_cast<double>(b.x) - a.x, static_cast<double>(b.y) - a.y);
+        length += Length(static_cast<double>(b.x) - a.x, static_cast<double>(b.y) - a.y);
     }
     return length / (kWidths * std::max<LONG>(clip.right - clip.left, 1));
 }

@@ -43,21 +43,15 @@ std::unique_ptr<PictureTarget> MakePageTarget(PictureKind kind, int width, int h
 
 void SettlePixels() { GdiFlush(); }
 
-BOOL KeepSmoothLine(HDC dc, const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, COLORREF colour, float width) {
+BOOL KeepSmoothLine(HDC dc, const SmoothPath& path, COLORREF colour, float width) {
     if (GetObjectType(dc) != OBJ_ENHMETADC) return FALSE;
-    std::vector<ORVIK_CURVE_POINT> points;
-    constexpr float kGap = std::numeric_limits<float>::quiet_NaN();
-    for (const auto& piece : pieces) {
-        if (!points.empty()) points.push_back({kGap, kGap});
-        points.insert(points.end(), piece.begin(), piece.end());
-    }
     SmoothLineComment head{};
     std::memcpy(head.name, kSmoothLineName, sizeof head.name);
-    head.colour = colour, head.width = width, head.count = static_cast<DWORD>(points.size());
-    const size_t size = points.size() * sizeof points[0];
+    head.colour = colour, head.width = width, head.count = static_cast<DWORD>(path.size());
+    const size_t size = path.size() * sizeof path[0];
     std::vector<BYTE> comment(sizeof head + size);
     std::memcpy(comment.data(), &head, sizeof head);
-    std::memcpy(comment.data() + sizeof head, points.data(), size);
+    std::memcpy(comment.data() + sizeof head, path.data(), size);
     return GdiComment(dc, static_cast<UINT>(comment.size()), comment.data());
 }
 

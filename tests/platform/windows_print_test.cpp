@@ -34,8 +34,7 @@ TEST(WindowsPrint, APageIsDrawnInThePrintersOwnDots) {
     FillRect(page, &box, red);
     DeleteObject(red);
     const ORVIK_CURVE_POINT rise[] = {{10, 30.25f}, {20, 30.25f}};
-    const std::vector<std::vector<ORVIK_CURVE_POINT>> pieces{{rise[0], rise[1]}};
-    EXPECT_TRUE(KeepSmoothLine(page, pieces, RGB(0, 0, 255), 1.5f));
+    EXPECT_TRUE(KeepSmoothLine(page, SmoothPathOf(rise, 2), RGB(0, 0, 255), 1.5f));
     SaveDC(page);
     IntersectClipRect(page, 30, 0, 35, 50);
     MoveToEx(page, 25, 10, nullptr);

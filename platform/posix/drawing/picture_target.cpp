@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <span>
 
 #include "platform/house_text_internal.h"
 #include "platform/picture_internal.h"
@@ -174,26 +175,50 @@ std::unique_ptr<PictureTarget> MakeSheetTarget(int width, int height, const PdfS
 
 void SettlePixels() {}  // drawing reaches the pixels at once
 
-BOOL KeepSmoothLine(HDC dc, const std::vector<std::vector<ORVIK_CURVE_POINT>>& pieces, COLORREF colour, float width) {
+BOOL KeepSmoothLine(HDC dc, const SmoothPath& path, COLORREF colour, float width) {
     const auto target = TargetOf(dc);
     auto* page = target ? dynamic_cast<PageCanvas*>(target->canvas.get()) : nullptr;
     if (page == nullptr) return FALSE;
-    for (const auto& piece : pieces) {
+    EachPiece(path, [&](std::span<const ORVIK_CURVE_POINT> piece) {
         std::vector<CanvasPoint> points;
         for (const ORVIK_CURVE_POINT& point : piece)
             points.push_back(
                 {static_cast<double>(point.x) + target->offset.x + 0.5, static_cast<double>(point.y) + target->offset.y + 0.5});
         page->SmoothLine(points, static_cast<double>(width), colour, target->clip);
-    }
+    });
     return TRUE;
 }
+
+// A colour for so many pixels at once: their bytes are all alike and mixed without a branch, side by side.
+constexpr int kBlock = 8;
+class Ink {
+public:
+    explicit Ink(uint32_t pixel) {
+        for (size_t i = 0; i < sizeof m_bytes; ++i) m_bytes[i] = static_cast<uint8_t>(pixel >> i % 4 * 8);
+    }
+    // Each pixel as much as its weight says, 0..255.
+    void Mix(uint32_t* pixels, const uint8_t* weights) const {
+        uint8_t share[sizeof m_bytes], under[sizeof m_bytes];
+        std::memcpy(under, pixels, sizeof under);
+        for (size_t i = 0; i < sizeof share; ++i) share[i] = weights[i / 4];
+        for (size_t i = 0; i < sizeof under; ++i) {
+            // By 255, rounded to the nearest: v / 255 is (v + 1 + v / 256) / 256 for all v that fit 16 bits.
+            const auto sum = static_cast<uint16_t>(m_bytes[i] * share[i] + under[i] * (255 - share[i]) + 127);
+            under[i] = static_cast<uint8_t>(static_cast<uint16_t>(sum + 1 + (sum >> 8)) >> 8);
+        }
+        std::memcpy(pixels, under, sizeof under);
+    }
+
+private:
+    uint8_t m_bytes[kBlock * 4];
+};
 
 DWORD BlendCoverage(HDC dc, const Coverage& coverage, COLORREF colour) {
     const auto target = TargetOf(dc);
     if (!target) return ERROR_INVALID_HANDLE;
     const PixelView pixels = target->canvas->Pixels();
     if (pixels.bits == nullptr) return ERROR_SUCCESS;  // the screen: nothing to see
-    const uint32_t source = PixelOf(colour);
+    const Ink ink(PixelOf(colour));
     const int left = coverage.left + target->offset.x, top = coverage.top + target->offset.y;
     for (const RECT& part : target->clip.Rects()) {
         const int fromX = std::max(left, part.left), toX = std::min(left + coverage.width, part.right);
@@ -201,23 +226,19 @@ DWORD BlendCoverage(HDC dc, const Coverage& coverage, COLORREF colour) {
         for (int y = std::max(top, part.top); y < toY; ++y) {
             const uint8_t* alpha = coverage.pixels.data() + static_cast<ptrdiff_t>(y - top) * coverage.width - left;
             uint32_t* row = pixels.Row(y);
-            for (int x = fromX; x < toX; ++x) {
-                // Most of the part is empty.
-                uint64_t some = 1;
-                while (x + static_cast<int>(sizeof some) <= toX && (std::memcpy(&some, alpha + x, sizeof some), some == 0))
-                    x += static_cast<int>(sizeof some);
-                if (x == toX) break;
-                if (alpha[x] == 0) continue;
-                uint32_t mixed = source;
-                if (alpha[x] != 255) {
-                    mixed = 0;
-                    for (int shift = 0; shift < 24; shift += 8) {
-                        const uint32_t over = source >> shift & 0xFF, under = row[x] >> shift & 0xFF;
-                        mixed |= (over * alpha[x] + under * (255u - alpha[x]) + 127) / 255 << shift;
-                    }
-                }
-                row[x] = mixed;
+            int x = fromX;
+            for (; x + kBlock <= toX; x += kBlock) {
+                uint64_t some;
+                std::memcpy(&some, alpha + x, sizeof some);
+                if (some != 0) ink.Mix(row + x, alpha + x);  // most of the part is empty
             }
+            if (x == toX) continue;
+            uint32_t last[kBlock] = {};
+            uint8_t weights[kBlock] = {};
+            std::copy(row + x, row + toX, last);
+            std::copy(alpha + x, alpha + toX, weights);
+            ink.Mix(last, weights);
+            std::copy(last, last + (toX - x), row + x);
         }
     }
     return ERROR_SUCCESS;

@@ -182,7 +182,7 @@ DWORD TakeNext(Search& search, WIN32_FIND_DATAA* data) {
 }  // namespace
 
 DWORD GetFileAttributesA(LPCSTR name) {
-    WIN32_FILE_ATTRIBUTE_DATA data;
+    WIN32_FILE_ATTRIBUTE_DATA data{};
     return GetFileAttributesExA(name, GetFileExInfoStandard, &data) ? data.dwFileAttributes : INVALID_FILE_ATTRIBUTES;
 }
 
