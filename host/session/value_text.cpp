@@ -161,18 +161,20 @@ std::string TimeTextOf(__int64 time) {
     constexpr __int64 kHalf = 500;  // us, of the last digit that is written: rounded, as all other forms of a reading's time are
     CVXTTime point;
     point.SetBinaryTime(time > std::numeric_limits<__int64>::max() - kHalf ? time : time + kHalf);
-    CString date, clock, milliseconds;
+    CString date, clock;
     _NlsSetShortDate(date, point);
     _NlsSetTime(clock, point, 0);
     // In tables the numbers beside have these digits.
     NlsToAsciiDigits(date);
     NlsToAsciiDigits(clock);
-    milliseconds.Format("%s%03d", NlsGetDecimalSep() ? CString(NlsGetDecimalSep()).GetString() : ".", point.Get(TT_MILLISECOND));
     // A designator stays at the end, where people expect it and where it is read.
-    int end = clock.GetLength();
-    while (end > 0 && (clock.GetAt(end - 1) < '0' || clock.GetAt(end - 1) > '9')) --end;
-    clock.Insert(end, milliseconds);
-    return ToUtf8((date + " " + clock).GetString());
+    const std::string_view shown = clock.GetView();
+    const size_t end = shown.find_last_of("0123456789") + 1;  // 0 without any
+    const int milliseconds = point.Get(TT_MILLISECOND);
+    std::string text(date.GetView());
+    text.append(1, ' ').append(shown.substr(0, end)).append(1, NlsGetDecimalSep() != 0 ? NlsGetDecimalSep() : '.');
+    for (const int weight : {100, 10, 1}) text += static_cast<char>('0' + milliseconds / weight % 10);
+    return ToUtf8(text.append(shown.substr(end)));
 }
 
 std::optional<double> RealInUsersFormat(const std::string& text) {

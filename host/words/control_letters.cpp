@@ -36,3 +36,7 @@ std::vector<ControlLetter> FindControls(std::string_view text) {
     std::sort(found.begin(), found.end(), [](const ControlLetter& a, const ControlLetter& b) { return a.at < b.at; });
     return found;
 }
+
+bool IsPlain(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7F; });
+}

@@ -18,6 +18,7 @@ std::string WithoutControls(const std::string& text) {
 }
 
 std::string Isolated(std::string text) {
+    if (IsPlain(text)) return text;
     text = WithoutControls(text);
     if (!OrvikHasRightToLeft(text)) return text;
     // The last mark keeps what follows from the left where a terminal drops the first one, which has no column before it to sit
