@@ -1,15 +1,19 @@
-// One axis without drawing: the division search, and the choice and writing of its labels, beside the least that a hand-written
-// search for a 1-2-5 step needs.
+// One axis without drawing: the division search with all of its ticks, and the choice and writing of its labels; beside a chart
+// toolkit's ticker and the least that a hand-written search for a 1-2-5 step needs.
 #include <array>
 #include <cmath>
 #include <string>
 #include <vector>
 
 #include "bench/bench_support.h"
+#include "chart/axis_division.h"
 #include "chart/axis_layout.h"
 #include "chart/unit_axis.h"
 #include "time/locale_cache.h"
 #include "time/number_text.h"
+#ifdef ORVIK_BENCH_QCUSTOMPLOT
+#include <qcustomplot.h>
+#endif
 
 using namespace orvik;
 
@@ -48,15 +52,6 @@ struct Axes {
     std::vector<AxisDivisionRequest> requests;
 };
 
-void Divide(benchmark::State& state) {
-    const Axes axes;
-    for (const AxisDivisionRequest& request : axes.requests) BENCH_REQUIRE(DivideAxis(request).count >= 1);
-    for (auto _ : state)
-        for (const AxisDivisionRequest& request : axes.requests) benchmark::DoNotOptimize(DivideAxis(request));
-    bench::PerItem(state, kRanges.size());
-}
-BENCHMARK(Divide)->Name("axis/divide");
-
 void DivideAndLayOut(benchmark::State& state) {
     const Axes axes;
     AxisLayout layout;
@@ -81,37 +76,84 @@ void DivideAndLayOut(benchmark::State& state) {
     bench::PerItem(state, kRanges.size());
     state.counters["labels"] = static_cast<double>(labels) / static_cast<double>(kRanges.size());
 }
-BENCHMARK(DivideAndLayOut)->Name("axis/divide_and_lay_out");
+BENCHMARK(DivideAndLayOut)->Name("axis/divide_and_lay_out/ours");
 
-// The smallest 1-2-5 step with at most so many intervals, and its large and small ticks. No labels, no snapping, no limits.
-struct HandWritten {
+// ---- the division and the values of its ticks, for at most so many large ones; five small divisions in a large one
+
+struct Ticks {
     std::vector<double> large, small;
+    void Clear() { large.clear(), small.clear(); }
+};
+
+struct Ours {
+    Ticks ticks;
+    double Divide(const Range& range, int most) {
+        // A large division is at least one and a half labels long; decimals enough for each step.
+        const AxisDivision division =
+            DivideAxis({{range.low, range.high, 0, kPixels}, 2 * kPixels / (3 * most) + 1, "#.############", '.'});
+        const auto within = [&](double value) { return value >= range.low && value <= range.high; };
+        ticks.Clear();
+        for (LONG i = 0; i <= division.count; ++i) {  // the outermost may lie outside
+            const double value = division.FromFirst(i);
+            if (within(value)) ticks.large.push_back(value);
+            for (int part = 1; part < 5 && i < division.count; ++part) {
+                const double between = value + division.step * part / 5;
+                if (within(between)) ticks.small.push_back(between);
+            }
+        }
+        return division.step;
+    }
+};
+
+// The smallest 1-2-5 step with at most so many intervals. No labels, no snapping, no limits.
+struct HandWritten {
+    Ticks ticks;
     double Divide(const Range& range, int most) {
         const double raw = (range.high - range.low) / most, decade = std::pow(10.0, std::floor(std::log10(raw) - 1e-12));
         const double mantissa = raw / decade;
         const double step = decade * (mantissa <= 1.0000001 ? 1 : mantissa <= 2.0000001 ? 2 : mantissa <= 5.0000001 ? 5 : 10);
         const double first = std::ceil(range.low / step - 1e-9), last = std::floor(range.high / step + 1e-9);
-        large.clear();
-        small.clear();
+        ticks.Clear();
         for (double i = first - 1; i <= last; ++i) {
-            if (i >= first) large.push_back(i == 0 ? 0.0 : i * step);
+            if (i >= first) ticks.large.push_back(i == 0 ? 0.0 : i * step);
             for (int part = 1; part < 5; ++part) {
                 const double value = (i + part / 5.0) * step;
-                if (value >= range.low && value <= range.high) small.push_back(value);
+                if (value >= range.low && value <= range.high) ticks.small.push_back(value);
             }
         }
         return step;
     }
 };
 
-void DivideByHand(benchmark::State& state) {
-    HandWritten divider;
-    for (const Range& range : kRanges) BENCH_REQUIRE(divider.Divide(range, 8) > 0 && divider.large.size() >= 2);
+#ifdef ORVIK_BENCH_QCUSTOMPLOT
+// It takes a wished number of ticks, which it exceeds by up to a half.
+struct QCustomPlotTicker {
+    struct Both {
+        QVector<double> large, small;
+    } ticks;
+    QCPAxisTicker ticker;
+    double Divide(const Range& range, int most) {
+        ticker.setTickCount(most * 2 / 3);
+        ticker.generate(QCPRange(range.low, range.high), QLocale::c(), 'g', 6, ticks.large, &ticks.small, nullptr);
+        return ticks.large.size() > 1 ? ticks.large[1] - ticks.large[0] : 0;
+    }
+};
+#endif
+
+template <class Divider>
+void Divide(benchmark::State& state) {
+    const int most = static_cast<int>(state.range(0));
+    Divider divider;
+    for (const Range& range : kRanges) BENCH_REQUIRE(divider.Divide(range, most) > 0 && divider.ticks.large.size() >= 2);
     for (auto _ : state)
-        for (const Range& range : kRanges) benchmark::DoNotOptimize(divider.Divide(range, 8));
+        for (const Range& range : kRanges) benchmark::DoNotOptimize(divider.Divide(range, most));
     bench::PerItem(state, kRanges.size());
 }
-BENCHMARK(DivideByHand)->Name("axis/divide/hand_written");
+BENCHMARK(Divide<Ours>)->Name("axis/divide/ours")->Arg(8)->Arg(40);
+BENCHMARK(Divide<HandWritten>)->Name("axis/divide/by_hand")->Arg(8)->Arg(40);
+#ifdef ORVIK_BENCH_QCUSTOMPLOT
+BENCHMARK(Divide<QCustomPlotTicker>)->Name("axis/divide/qcustomplot")->Arg(8)->Arg(40);
+#endif
 
 }  // namespace
 

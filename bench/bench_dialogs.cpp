@@ -72,8 +72,8 @@ void ScrollARow(benchmark::State& state) {
     BENCH_REQUIRE(middle > 0 && shown.Top() - middle == (down ? 0 : 1));
     bench::PerItem(state, 1);
 }
-BENCHMARK(ScrollARow<Grid>)->Name("ScrollARow/grid")->Arg(50)->Arg(5'000)->Arg(500'000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(ScrollARow<List>)->Name("ScrollARow/list")->Arg(50)->Arg(5'000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ScrollARow<Grid>)->Name("dialogs/scroll_a_row/ours")->Arg(50)->Arg(5'000)->Arg(500'000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ScrollARow<List>)->Name("dialogs/scroll_a_row/report_list")->Arg(50)->Arg(5'000)->Unit(benchmark::kMicrosecond);
 
 template <class Control>
 void Fill(benchmark::State& state) {
@@ -90,8 +90,8 @@ void Fill(benchmark::State& state) {
     }
     bench::PerItem(state, rows);
 }
-BENCHMARK(Fill<Grid>)->Name("Fill/grid")->Arg(5'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(Fill<List>)->Name("Fill/list")->Arg(5'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Fill<Grid>)->Name("dialogs/fill/ours")->Arg(5'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Fill<List>)->Name("dialogs/fill/report_list")->Arg(5'000)->Unit(benchmark::kMillisecond);
 
 void ProgressStep(benchmark::State& state) {
     Screen screen;
@@ -104,7 +104,7 @@ void ProgressStep(benchmark::State& state) {
     BENCH_REQUIRE(dialog.GetPos() == at);
     bench::PerItem(state, 1);
 }
-BENCHMARK(ProgressStep);
+BENCHMARK(ProgressStep)->Name("dialogs/progress_step/ours");
 
 }  // namespace
 

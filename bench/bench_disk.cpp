@@ -57,8 +57,8 @@ void ListStandard(benchmark::State& state) {
     bench::PerItem(state, kFiles);
 }
 
-BENCHMARK(ListOurs)->Unit(benchmark::kMillisecond);
-BENCHMARK(ListStandard)->Unit(benchmark::kMillisecond);
+BENCHMARK(ListOurs)->Name("disk/list/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(ListStandard)->Name("disk/list/std_filesystem")->Unit(benchmark::kMillisecond);
 }  // namespace
 
 BENCHMARK_MAIN();

@@ -211,14 +211,14 @@ void SortedNames(benchmark::State& state) {
 }
 
 // The argument is the number of keys: 10,000 with 100 children a node, or 20,000 in one node.
-BENCHMARK(Get<Ours>)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(Get<ByHand>)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(Overwrite<Ours>)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(Overwrite<ByHand>)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(SetNew<Ours>)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(SetNew<ByHand>)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(SortedNames<Ours>)->Unit(benchmark::kMillisecond);
-BENCHMARK(SortedNames<ByHand>)->Unit(benchmark::kMillisecond);
+BENCHMARK(Get<Ours>)->Name("keys/get/ours")->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Get<ByHand>)->Name("keys/get/by_hand")->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Overwrite<Ours>)->Name("keys/overwrite/ours")->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Overwrite<ByHand>)->Name("keys/overwrite/by_hand")->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
+BENCHMARK(SetNew<Ours>)->Name("keys/set_new/ours")->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
+BENCHMARK(SetNew<ByHand>)->Name("keys/set_new/by_hand")->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
+BENCHMARK(SortedNames<Ours>)->Name("keys/sorted_names/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(SortedNames<ByHand>)->Name("keys/sorted_names/by_hand")->Unit(benchmark::kMillisecond);
 }  // namespace
 
 BENCHMARK_MAIN();

@@ -2,6 +2,8 @@
 // Numbers: 5 significant digits of 1e-4 to 1e5 ("digits5"), or 2 grouped decimals up to ten million ("decimals2"); the peers
 // write and read the same texts, except that the C library and std::to_chars give small and large numbers an exponent by their
 // own rule.
+#include <fmt/chrono.h>
+#include <fmt/format.h>
 #include <unicode/numberformatter.h>
 #include <unicode/numfmt.h>
 
@@ -10,6 +12,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -91,6 +94,15 @@ struct CharConv {
         double value = 0;
         std::from_chars(bare, FromSwedish(text, bare), value);
         return value;
+    }
+};
+
+struct Fmt : CharConv {
+    using CharConv::CharConv;
+    void Write(double value, Style style, Text& out) {
+        char bare[64], text[80];
+        const char* const end = style == kDigits5 ? fmt::format_to(bare, "{:.5g}", value) : fmt::format_to(bare, "{:.2f}", value);
+        out.assign(text, ToSwedish(bare, end, style == kDecimals2, text));
     }
 };
 
@@ -211,6 +223,28 @@ void LibraryClock(const CVXTTime& time, char (&text)[64]) {
     std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &fields);
 }
 
+// Two texts, as ours are.
+void FmtClock(const CVXTTime& time, std::string& date, std::string& clock) {
+    const time_t seconds = static_cast<time_t>(time.GetAnsiTime());
+    tm fields{};
+    localtime_r(&seconds, &fields);
+    date.clear(), clock.clear();
+    fmt::format_to(std::back_inserter(date), "{:%Y-%m-%d}", fields);
+    fmt::format_to(std::back_inserter(clock), "{:%H:%M:%S}", fields);
+}
+
+void WriteDateAndTimeFmt(benchmark::State& state) {
+    const auto times = Times();
+    std::string date, clock;
+    for (auto _ : state)
+        for (const CVXTTime& time : times) {
+            FmtClock(time, date, clock);
+            benchmark::DoNotOptimize(date);
+            benchmark::DoNotOptimize(clock);
+        }
+    bench::PerItem(state, static_cast<double>(times.size()));
+}
+
 void WriteDateAndTime(benchmark::State& state) {
     UseSwedishSettings();
     const auto times = Times();
@@ -244,6 +278,7 @@ void WriteDateAndTimeLibrary(benchmark::State& state) {
 }
 
 BENCHMARK(WriteDateAndTime)->Name("dates/write/ours");
+BENCHMARK(WriteDateAndTimeFmt)->Name("dates/write/fmt");
 BENCHMARK(WriteDateAndTimeLibrary)->Name("dates/write/strftime");
 
 }  // namespace
@@ -251,6 +286,7 @@ BENCHMARK(WriteDateAndTimeLibrary)->Name("dates/write/strftime");
 int main(int argc, char** argv) {
     Register<Ours>("ours");
     Register<CharConv>("charconv");
+    Register<Fmt>("fmt");
     Register<Library>("snprintf_strtod");
     Register<Icu>("icu");
     benchmark::Initialize(&argc, argv);

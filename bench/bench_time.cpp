@@ -1,5 +1,7 @@
-// Local calendar fields of times, and times of local fields: ours beside the C library's.
+// Local calendar fields of times, and times of local fields: ours beside Abseil's and the C library's.
 // Workload: a million stamps, one a minute from 2015 with jitter ("increasing"), or anywhere from 1972 to 2034 ("random").
+#include <absl/time/time.h>
+
 #include <cstring>
 #include <ctime>
 #include <vector>
@@ -66,6 +68,17 @@ void ToLocalLibrary(benchmark::State& state, bool random) {
     bench::PerItem(state, static_cast<double>(stamps.size()));
 }
 
+void ToLocalAbseil(benchmark::State& state, bool random) {
+    const auto& stamps = Stamps(random);
+    const absl::TimeZone zone = absl::LocalTimeZone();
+    for (auto _ : state)
+        for (const CVXTTime& stamp : stamps) {
+            auto fields = zone.At(absl::FromUnixMicros(stamp.GetBinaryTime()));
+            benchmark::DoNotOptimize(fields);
+        }
+    bench::PerItem(state, static_cast<double>(stamps.size()));
+}
+
 const std::vector<tm>& LocalStamps(bool random) {
     static const auto make = [](bool anywhere) {
         std::vector<tm> fields;
@@ -99,6 +112,14 @@ void FromLocalLibrary(benchmark::State& state, bool random) {
     FromLocal(state, random, [](tm& fields) { return mktime(&fields); });
 }
 
+void FromLocalAbseil(benchmark::State& state, bool random) {
+    const absl::TimeZone zone = absl::LocalTimeZone();
+    FromLocal(state, random, [&](const tm& f) {
+        const absl::CivilSecond civil(f.tm_year + 1900, f.tm_mon + 1, f.tm_mday, f.tm_hour, f.tm_min, f.tm_sec);
+        return absl::ToUnixSeconds(zone.At(civil).pre);
+    });
+}
+
 void Sum(benchmark::State& state) {
     const auto& stamps = Stamps(false);
     const CVXTTimeSpan step(90, TST_SECONDS);
@@ -114,10 +135,14 @@ BENCHMARK_CAPTURE(ToLocal, increasing, false)->Name("time/to_local/ours/increasi
 BENCHMARK_CAPTURE(ToLocalLibrary, increasing, false)->Name("time/to_local/localtime_r/increasing")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ToLocal, random, true)->Name("time/to_local/ours/random")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ToLocalLibrary, random, true)->Name("time/to_local/localtime_r/random")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ToLocalAbseil, increasing, false)->Name("time/to_local/abseil/increasing")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ToLocalAbseil, random, true)->Name("time/to_local/abseil/random")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FromLocalOurs, increasing, false)->Name("time/from_local/ours/increasing")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FromLocalLibrary, increasing, false)->Name("time/from_local/mktime/increasing")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FromLocalOurs, random, true)->Name("time/from_local/ours/random")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FromLocalLibrary, random, true)->Name("time/from_local/mktime/random")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FromLocalAbseil, increasing, false)->Name("time/from_local/abseil/increasing")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FromLocalAbseil, random, true)->Name("time/from_local/abseil/random")->Unit(benchmark::kMillisecond);
 BENCHMARK(Sum)->Name("time/add_span/ours")->Unit(benchmark::kMillisecond);
 
 }  // namespace
