@@ -25,22 +25,28 @@ unsigned NumberOf(std::string_view folder) {
     return stop == end && error == std::errc() ? number : kNoNumber;
 }
 
+struct Folder {
+    CString name;
+    unsigned number;
+};
+
 // The child folders of the current folder. They come by their bytes, "Comment #10" before "Comment #2"; the drawing order is that
 // of the numbers.
-std::vector<CString> Folders(const IPropertyDB& db) {
+std::vector<Folder> Folders(const IPropertyDB& db) {
     CStringArray names;
     db.Enum("", names, 0, 0);
-    std::vector<CString> folders(names.GetData(), names.GetData() + names.GetSize());
-    std::stable_sort(folders.begin(), folders.end(),
-                     [](const CString& a, const CString& b) { return NumberOf(a.GetView()) < NumberOf(b.GetView()); });
+    std::vector<Folder> folders;
+    folders.reserve(static_cast<size_t>(names.GetSize()));
+    for (INT_PTR i = 0; i < names.GetSize(); ++i) folders.push_back({names.GetAt(i), NumberOf(names.GetAt(i).GetView())});
+    std::stable_sort(folders.begin(), folders.end(), [](const Folder& a, const Folder& b) { return a.number < b.number; });
     return folders;
 }
 
 }  // namespace
 
 void CFloatingTagManager::OnDBSet(IPropertyDB* db) const {
-    for (const CString& folder : Folders(*db))
-        if (NumberOf(folder.GetView()) != kNoNumber) db->Remove(folder);
+    for (const Folder& folder : Folders(*db))
+        if (folder.number != kNoNumber) db->Remove(folder.name);
     for (INT_PTR i = 0; i < m_tags.GetSize(); ++i) {
         db->BeginUsingFmt("Comment #%i", static_cast<int>(i));
         GetTag(i)->OnDBSet(db);
@@ -50,9 +56,9 @@ void CFloatingTagManager::OnDBSet(IPropertyDB* db) const {
 
 void CFloatingTagManager::OnDBGet(IPropertyDB* db) {
     RemoveAllTags();
-    for (const CString& folder : Folders(*db)) {
+    for (const Folder& folder : Folders(*db)) {
         auto tag = std::make_unique<CFloatingTag>(this);
-        db->BeginUsing(folder);
+        db->BeginUsing(folder.name);
         tag->OnDBGet(db);
         db->EndUsing();
         m_tags.Add(tag.get());
@@ -64,8 +70,8 @@ void CFloatingTagManager::OnDBGet_Orvik5(IPropertyDB* db, LPCSTR context) {
     RemoveAllTags();
     const CWnd* const mainWindow = AfxGetMainWnd();
     const orvik::RichTextReader reader(mainWindow != nullptr ? mainWindow->GetSafeHwnd() : nullptr);
-    for (const CString& folder : Folders(*db)) {
-        db->BeginUsing(folder);
+    for (const Folder& folder : Folders(*db)) {
+        db->BeginUsing(folder.name);
         CString itsContext;
         db->GetValue("sContext", itsContext);
         if (itsContext == "*" || itsContext == context) {

@@ -69,8 +69,8 @@ public:
         return found == m_entries.end() ? nullptr : &found->second;
     }
     bool HasType(WORD type) const {
-        return std::any_of(m_entries.begin(), m_entries.end(),
-                           [type](const auto& entry) { return std::get<0>(entry.first) == type; });
+        const auto first = m_entries.lower_bound({type, 0, 0});
+        return first != m_entries.end() && std::get<0>(first->first) == type;
     }
     const std::string* Text(UINT id, LANGID language) const {
         const auto found = m_texts.find({id, language});
