@@ -7,6 +7,7 @@
 #include <string>
 
 #include "bench/loopback.h"
+#include "bench/one_processor.h"
 #include "plugins/modbus/modbus_logger.h"
 #include "plugins/modbus/modbus_mbap.h"
 
@@ -72,6 +73,7 @@ private:
 
 // The ways take turns, and a ratio is the median of those of the turns: how long a wake-up takes depends on what else goes on.
 void ReadRegisters(benchmark::State& state) {
+    const bench::OneProcessor together;
     const auto registers = static_cast<WORD>(state.range(0));
     const Bytes request = RequestFor(registers);
     bench::LoopbackServer servers[] = {

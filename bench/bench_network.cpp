@@ -5,6 +5,7 @@
 #include <string>
 
 #include "bench/loopback.h"
+#include "bench/one_processor.h"
 #include "comm/line_connection.h"
 #include "comm/serial_orvik.h"
 #include "comm/transport.h"
@@ -41,6 +42,7 @@ private:
 
 // The ways take turns, and a ratio is the median of those of the turns: how long a wake-up takes depends on what else goes on.
 void NetworkRoundTrips(benchmark::State& state) {
+    const bench::OneProcessor together;
     const auto same = [](const bench::Octets& request) -> const bench::Octets& { return request; };
     bench::LoopbackServer echoes[] = {{kFrame, same}, {kFrame, same}};
     bench::BareTrip raw(echoes[0], bench::Octets(kFrame), kFrame);

@@ -9,7 +9,6 @@
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <sched.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -23,6 +22,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/one_processor.h"
 #include "comm/serial_wnd.h"
 
 namespace {
@@ -180,28 +180,12 @@ double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-// While it lives, this thread and those that it makes share one processor.
-class OneProcessor {
-public:
-    OneProcessor() {
-        sched_getaffinity(0, sizeof(m_before), &m_before);
-        cpu_set_t one;
-        CPU_ZERO(&one);
-        CPU_SET(sched_getcpu(), &one);
-        sched_setaffinity(0, sizeof(one), &one);
-    }
-    ~OneProcessor() { sched_setaffinity(0, sizeof(m_before), &m_before); }
-
-private:
-    cpu_set_t m_before;
-};
-
 // How long a wake-up takes depends on what the machine does besides, by a factor of three and more. So the ways take turns, a
 // few trips each, and a ratio is the median of the ratios within one turn. On one processor it is their work that is compared;
 // on several, where the scheduler put the threads counts most.
 void RoundTrips(benchmark::State& state) {
     constexpr int trips = 25;
-    std::optional<OneProcessor> together;
+    std::optional<bench::OneProcessor> together;
     if (state.range(0)) together.emplace();
     Line lines[] = {Line(Line::Far::Echoes), Line(Line::Far::Echoes), Line(Line::Far::Echoes), Line(Line::Far::Echoes)};
     RawTrip raw(lines[0]);

@@ -402,6 +402,18 @@ TEST_F(PropertyDb, EnumListsOneNode) {
     EXPECT_EQ(AllKeys(db), (Keys{"Units.V", "Units.a.v", "Units.b.v", "top"}));
 }
 
+TEST_F(PropertyDb, NamesComeInTheOrderOfTheirBytes) {
+    // Alike for eight bytes and more, one the beginning of another, letters above the ASCII ones.
+    const Keys inOrder = {"k",           "k 10",          "k 2",           "kabcdefgh",     "kabcdefgh1",
+                          "kabcdefgh10", "kabcdefgh2",    "kabcdefgh\xC3", "kabcdefgi",     "k\xC3\xA5",
+                          "k\xC3\xA5r",  "k\xC3\xA5rabcdefg", "k\xE2"};
+    for (size_t i = 0; i < inOrder.size(); ++i) {
+        const std::string& name = inOrder[(i * 5 + 3) % inOrder.size()];
+        ASSERT_TRUE(db.SetValue(("node." + name).c_str(), 1));
+    }
+    EXPECT_EQ(Enum("node", 0, 1), inOrder);
+}
+
 TEST_F(PropertyDb, EnumFindWantsAPart) {
     for (const char* key : {"n.abc", "n.bcd", "n.xyz", "n.ABC"}) db.SetValue(key, 1);
     CStringArray out;
