@@ -1,6 +1,10 @@
 #include "host/gui/view_history.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <memory>
+#include <vector>
 
 namespace {
 // One thing of the state, from one value to another.
@@ -26,6 +30,40 @@ private:
     Part m_before, m_after;
 };
 
+// Of a list only the stretch that differs: a session may have 100,000 comments, and a step moves one of them.
+template <class Element>
+class StretchChange : public CDoCommand {
+public:
+    using List = std::vector<Element>;
+    using Find = List& (*)(ViewState&, size_t);
+    StretchChange(ViewState& state, Find find, const List& before, const List& after) : m_state(state), m_find(find) {
+        const auto [from, to] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+        auto beforeEnd = before.end();
+        auto afterEnd = after.end();
+        for (; beforeEnd != from && afterEnd != to && beforeEnd[-1] == afterEnd[-1]; --beforeEnd) --afterEnd;
+        m_at = from - before.begin();
+        m_before.assign(from, beforeEnd);
+        m_after.assign(to, afterEnd);
+    }
+
+    int OnUndo() override { return Replace(m_after, m_before); }
+    int OnRedo() override { return Replace(m_before, m_after); }
+
+private:
+    int Replace(const List& old, const List& fresh) {
+        List& list = m_find(m_state, 0);
+        const auto kept = static_cast<std::ptrdiff_t>(std::min(old.size(), fresh.size()));
+        const auto at = std::copy_n(fresh.begin(), kept, list.begin() + m_at);
+        list.insert(list.erase(at, at + (std::ssize(old) - kept)), fresh.begin() + kept, fresh.end());
+        return 1;
+    }
+
+    ViewState& m_state;
+    Find m_find;
+    std::ptrdiff_t m_at = 0;
+    List m_before, m_after;
+};
+
 class Changes {
 public:
     Changes(ViewState& state, const ViewState& next) : m_state(state), m_next(next) {}
@@ -34,6 +72,12 @@ public:
     void Compare(Part& (*find)(ViewState&, size_t), size_t index = 0) {
         const Part &before = find(m_state, index), &after = find(m_next, index);
         if (!(before == after)) list.emplace_back(std::make_unique<PartChange<Part>>(m_state, find, index, before, after));
+    }
+
+    template <class Element>
+    void CompareList(std::vector<Element>& (*find)(ViewState&, size_t)) {
+        const std::vector<Element>&before = find(m_state, 0), &after = find(m_next, 0);
+        if (before != after) list.emplace_back(std::make_unique<StretchChange<Element>>(m_state, find, before, after));
     }
 
     std::vector<std::unique_ptr<CDoCommand>> list;
@@ -65,10 +109,10 @@ std::vector<std::unique_ptr<CDoCommand>> ChangesOf(ViewState& state, const ViewS
         changes.Compare<std::vector<State::Axis>>([](State & s, size_t) -> auto& { return s.axes; });
     }
     changes.Compare<std::optional<ViewRange>>([](State & s, size_t) -> auto& { return s.time; });
-    changes.Compare<std::vector<State::Channel>>([](State & s, size_t) -> auto& { return s.channels; });
-    changes.Compare<std::vector<State::Tag>>([](State & s, size_t) -> auto& { return s.tags; });
+    changes.CompareList<State::Channel>([](State & s, size_t) -> auto& { return s.channels; });
+    changes.CompareList<State::Tag>([](State & s, size_t) -> auto& { return s.tags; });
     changes.Compare<std::optional<State::Selection>>([](State & s, size_t) -> auto& { return s.selection; });
-    changes.Compare<std::vector<std::string>>([](State & s, size_t) -> auto& { return s.hidden; });
+    changes.CompareList<std::string>([](State & s, size_t) -> auto& { return s.hidden; });
     changes.Compare<LONG>([](State & s, size_t) -> auto& { return s.pane; });
     changes.Compare<std::vector<LONG>>([](State & s, size_t) -> auto& { return s.columns; });
     return std::move(changes.list);

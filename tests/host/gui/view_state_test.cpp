@@ -136,4 +136,29 @@ TEST(ViewHistoryTest, LeadsBackToTheBeginningHoweverLongItWas) {
     EXPECT_EQ(history.State(), next);
 }
 
+// A step keeps the stretch of a list that it changes, wherever that lies and however long it was before.
+TEST(ViewHistoryTest, ListsComeBackElementForElement) {
+    using Names = std::vector<std::string>;
+    const Names lists[] = {{"b"},           {"a", "b"}, {"a", "b", "b"},      {"a", "c", "b", "b"}, {"b", "b"},     {},
+                           {"x", "y", "z"}, {"z", "y"}, {"z", "q", "q", "y"}, {"z", "q", "y"},      {"q", "z", "y"}};
+    ViewHistory history(Bare());
+    std::vector<ViewState> states = {Bare()};
+    for (const Names& names : lists) {
+        ViewState next = states.back();
+        next.hidden = names;
+        next.tags.resize(names.size());
+        for (size_t i = 0; i < names.size(); ++i) next.tags[i].text = names[i];
+        ASSERT_TRUE(history.Do(Text::StepZoom, next));
+        states.push_back(next);
+    }
+    for (size_t i = states.size() - 1; i-- > 0;) {
+        ASSERT_TRUE(history.Undo());
+        EXPECT_EQ(history.State(), states[i]) << i;
+    }
+    for (size_t i = 1; i < states.size(); ++i) {
+        ASSERT_TRUE(history.Redo());
+        EXPECT_EQ(history.State(), states[i]) << i;
+    }
+}
+
 }  // namespace
