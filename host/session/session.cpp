@@ -22,6 +22,13 @@ std::string ReadText(IPropertyDB& db, const std::string& key) {
     return static_cast<const char*>(text);
 }
 
+// Of another kind, or none: it stays empty.
+template <class Array>
+void ShareValue(const IPropertyDB& db, const std::string& key, ReadingArray<Array>& array) {
+    const CObject* const value = db.GetValueObject(key.c_str(), TRUE);
+    if (value != nullptr && value->IsKindOf(RUNTIME_CLASS(Array))) array.Share(*static_cast<const Array*>(value));
+}
+
 // Units that look the same are one unit, with one axis: written as the first channel has it.
 class UnitSpellings {
 public:
@@ -35,11 +42,6 @@ private:
 Session::Channel::Channel(std::string channelKey, std::string channelName, std::string channelUnit)
     : key(std::move(channelKey)), name(std::move(channelName)), unit(std::move(channelUnit)) {}
 
-Session::Channel::Channel(Channel&& other) noexcept
-    : key(std::move(other.key)), name(std::move(other.name)), unit(std::move(other.unit)) {
-    values.Copy(other.values);
-}
-
 Session::Session(IPropertyDB& description, const std::string& port)
     : m_family(ReadText(description, "sFamily")), m_logger(ReadText(description, "sName")), m_port(port) {
     UnitSpellings units;
@@ -52,13 +54,13 @@ Session::Session(IPropertyDB& description, const std::string& port)
     }
 }
 
-Session::Session(IPropertyDB& stored, const std::string& path, int) {
+Session::Session(IPropertyDB& stored, const std::string& path, int) : m_keptIn(&stored) {
     const Failure none{kFileFailed, Say(Text::NoSession, {ToUtf8(path)})};
     if (!stored.Find("Session") || !stored.Find("Channels")) throw none;
     TakeNames(stored);
-    stored.GetValue("Session.tTimes", m_times);
+    ShareValue(stored, "Session.tTimes", m_times);
     for (Channel& channel : m_channels) {
-        stored.GetValue(("Channels." + channel.key + ".rValues").c_str(), channel.values);
+        ShareValue(stored, "Channels." + channel.key + ".rValues", channel.values);
         if (channel.values.GetSize() != m_times.GetSize()) throw none;
     }
     FindNotDue(stored);
@@ -109,7 +111,7 @@ bool Session::Range(size_t channel, double& low, double& high) const {
 
 double Session::LastValue(size_t channel) const {
     if (m_recorded != nullptr) return m_recorded->LastValue(channel);
-    const CDoubleArray& values = m_channels[channel].values;
+    const CDoubleArray& values = m_channels[channel].values.Whole();
     for (INT_PTR at = values.GetSize(); at-- > 0;) {
         if (!IsNotDue(values.GetAt(at))) return values.GetAt(at);
     }
@@ -118,7 +120,7 @@ double Session::LastValue(size_t channel) const {
 
 void Session::Add(CVXTTime time, const CDoubleArray& values) {
     __int64 at = time.GetBinaryTime();
-    if (m_times.GetSize() > 0) at = std::max(at, m_times.GetAt(m_times.GetUpperBound()) + 1);
+    if (m_times.GetSize() > 0) at = std::max(at, m_times.GetAt(m_times.GetSize() - 1) + 1);
     m_times.Add(at);
     for (size_t i = 0; i < m_channels.size(); ++i) m_channels[i].values.Add(values.GetAt(static_cast<INT_PTR>(i)));
 }
@@ -126,12 +128,19 @@ void Session::Add(CVXTTime time, const CDoubleArray& values) {
 void Session::Store(IPropertyDB& db) const {
     CInt64Array times;
     std::vector<CDoubleArray> values;
+    const auto set = [&](const char* key, const auto& array) {
+        if (!array.IsShared() || &db != m_keptIn) db.SetValue(key, array.Whole());  // else it stands there
+    };
     if (m_recorded != nullptr) m_recorded->ReadAll(times, values);
     db.BeginUsing("Session");
     db.SetValue("sFamily", m_family.c_str());
     db.SetValue("sLogger", m_logger.c_str());
     db.SetValue("sPort", m_port.c_str());
-    db.SetValue("tTimes", m_recorded != nullptr ? times : m_times);
+    if (m_recorded != nullptr) {
+        db.SetValue("tTimes", times);
+    } else {
+        set("tTimes", m_times);
+    }
     db.EndUsing();
     db.SetPath("Channels");
     for (size_t i = 0; i < m_channels.size(); ++i) {
@@ -139,9 +148,13 @@ void Session::Store(IPropertyDB& db) const {
         db.BeginUsing(("Channels." + channel.key).c_str());
         db.SetValue("sName", channel.name.c_str());
         db.SetValue("sUnit", channel.unit.c_str());
-        db.SetValue("rValues", m_recorded != nullptr ? values[i] : channel.values);
+        if (m_recorded != nullptr) {
+            db.SetValue("rValues", values[i]);
+            values[i].RemoveAll();
+        } else {
+            set("rValues", channel.values);
+        }
         db.EndUsing();
-        if (m_recorded != nullptr) values[i].RemoveAll();
     }
     if (m_recorded != nullptr) m_recorded->Notes().Store(db, ChannelKeys(db));
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/numeric_arrays.h"
+#include "host/session/reading_array.h"
 #include "host/session/recorded_series.h"
 #include "propdb/property_db.h"
 #include "time/time_point.h"
@@ -16,15 +16,14 @@ class Session {
 public:
     struct Channel {
         std::string key, name, unit;
-        CDoubleArray values;
-        Channel() = default;
+        ReadingArray<CDoubleArray> values;
         Channel(std::string key, std::string name, std::string unit);
-        Channel(Channel&& other) noexcept;
     };
 
     // A new session with the channels of a logger description.
     Session(IPropertyDB& description, const std::string& port);
-    // A stored one. A Failure if the database holds none; `path` is named in it.
+    // A stored one. A Failure if the database holds none; `path` is named in it. Its readings stay where they are, so that the
+    // database must outlast the session and keep them.
     Session(IPropertyDB& stored, const std::string& path, int);
     // One whose readings stay in their recording; `facts` are the recording's.
     Session(IPropertyDB& facts, std::unique_ptr<RecordedSeries> readings);
@@ -36,7 +35,7 @@ public:
 
     size_t Count() const;
     // Of readings in memory; microseconds since 1970.
-    const CInt64Array& Times() const { return m_times; }
+    const CInt64Array& Times() const { return m_times.Whole(); }
     const std::vector<Channel>& Channels() const { return m_channels; }
     const std::string& Logger() const { return m_logger; }
     // Where the readings are that are not in memory; else null.
@@ -54,7 +53,8 @@ private:
     void FindNotDue(IPropertyDB& stored);
 
     std::string m_family, m_logger, m_port;
-    CInt64Array m_times;
+    ReadingArray<CInt64Array> m_times;
+    const IPropertyDB* m_keptIn = nullptr;  // that readings are shared with
     std::vector<Channel> m_channels;
     std::unique_ptr<RecordedSeries> m_recorded;
 };
