@@ -31,32 +31,28 @@ __int64 Last() { return CVXTTime::GetMaxTime() / 1'000'000; }
 
 // Tables are never changed once published, and all that were published are kept, since a reader may still hold one: one for each
 // zone that the program has been in.
-struct Zone {
-    std::atomic<const ZoneRules*> table = nullptr;
-    std::mutex lock;
-    std::vector<std::unique_ptr<const ZoneRules>> published;
+constinit std::atomic<const ZoneRules*> g_rules{nullptr};
 
-    const ZoneRules& Rules() {
-        const ZoneRules* current = table.load(std::memory_order_acquire);
-        return current ? *current : Publish();
-    }
-    const ZoneRules& Publish() {
-        auto fresh = std::make_unique<const ZoneRules>(First(), Last(), Probe);
-        const std::lock_guard guard(lock);
-        auto known =
-            std::find_if(published.begin(), published.end(), [&fresh](const auto& earlier) { return *earlier == *fresh; });
-        if (known == published.end()) known = published.insert(known, std::move(fresh));
-        const ZoneRules* current = known->get();
-        table.store(current, std::memory_order_release);
-        return *current;
-    }
-};
-constinit Zone g_zone;
+const ZoneRules& PublishRules() {
+    static std::mutex lock;
+    static auto& published = *new std::vector<std::unique_ptr<const ZoneRules>>;
+    auto fresh = std::make_unique<const ZoneRules>(First(), Last(), Probe);
+    const std::lock_guard guard(lock);
+    auto known = std::find_if(published.begin(), published.end(), [&fresh](const auto& earlier) { return *earlier == *fresh; });
+    if (known == published.end()) known = published.insert(known, std::move(fresh));
+    g_rules.store(known->get(), std::memory_order_release);
+    return **known;
+}
+
+const ZoneRules& Rules() {
+    const ZoneRules* const current = g_rules.load(std::memory_order_acquire);
+    return current ? *current : PublishRules();
+}
 
 }  // namespace
 
 tm LocalFields(__int64 seconds) {
-    const ZoneRule& rule = g_zone.Rules().At(seconds);
+    const ZoneRule& rule = Rules().At(seconds);
 
     // Days from 1 March of the year 0, then the calendar after Neri and Schneider, "Euclidean affine functions and their
     // application to calendar algorithms" (2022): each year, month and day is a multiplication and what it leaves.
@@ -84,16 +80,16 @@ tm LocalFields(__int64 seconds) {
     return fields;
 }
 
-int LocalOffset(__int64 seconds) { return g_zone.Rules().At(seconds).offset; }
+int LocalOffset(__int64 seconds) { return Rules().At(seconds).offset; }
 
 __int64 LocalSeconds(const tm& fields, int offset) {
-    const __int64 seconds = g_zone.Rules().FromLocal(LocalSecondsOf(fields), std::clamp(fields.tm_isdst, -1, 1), offset);
+    const __int64 seconds = Rules().FromLocal(LocalSecondsOf(fields), std::clamp(fields.tm_isdst, -1, 1), offset);
     if (seconds >= First() && seconds <= Last()) return seconds;
     tm copy = fields;  // of a time that the table knows nothing of
     return _mktime64(&copy);
 }
 
-void RefreshLocalZone() { g_zone.Publish(); }
+void RefreshLocalZone() { PublishRules(); }
 
 __int64 LocalNewYear(int year, __time64_t (*makeTime)(tm*)) {
     tm fields{};
