@@ -34,11 +34,12 @@ class DamagedLine : public ITransport {
 public:
     // What may befall an answer.
     struct Harm {
-        int flips = 3;         // bits at most that are turned
-        size_t flippable = 0;  // of its first bytes; 0: all
-        bool stray = true;     // bytes in front of it
-        bool twice = false;    // it comes twice
-        int latest = 255;      // tenths of a second
+        int flips = 3;              // bits at most that are turned
+        size_t firstFlippable = 0;  // in its bytes from this one on
+        size_t flippable = 0;       // so many of them; 0: all
+        bool stray = true;          // bytes in front of it
+        bool twice = false;         // it comes twice
+        int latest = 255;           // tenths of a second
     };
     DamagedLine(Input& input, const Harm& harm) : m_input(input), m_harm(harm) {}
 
@@ -87,9 +88,9 @@ private:
             case 1:
                 if (m_harm.flips == 0) break;
                 for (int flips = 1 + m_input.Next() % m_harm.flips; flips > 0; --flips) {
-                    const size_t bit =
-                        (m_input.Next() * 256u + m_input.Next()) % (8 * (m_harm.flippable ? m_harm.flippable : answer.size()));
-                    answer[bit / 8] ^= static_cast<BYTE>(1 << bit % 8);
+                    const size_t bytes = m_harm.flippable ? m_harm.flippable : answer.size() - m_harm.firstFlippable;
+                    const size_t bit = (m_input.Next() * 256u + m_input.Next()) % (8 * bytes);
+                    answer[m_harm.firstFlippable + bit / 8] ^= static_cast<BYTE>(1 << bit % 8);
                 }
                 break;
             case 2:
