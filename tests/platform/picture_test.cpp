@@ -243,7 +243,7 @@ TEST_F(Picture, PagesRefuseBitmapsInSvg) {
     EXPECT_EQ(Read("a.svg"), "previous");
 }
 
-// A level line of one pixel and its neighbours, an even slope and its mirror image, a clip, a moved origin, a dot.
+// A level line of one pixel and its neighbours, an even slope and its mirror image, a clip, one in parts, a moved origin, a dot.
 TEST_F(Picture, SmoothLinesCoverWhatTheyShould) {
     const PngImage image = ReadPng(Draw("smooth.png", 200, 120, [](HDC dc) {
         const auto line = [&](std::initializer_list<ORVIK_CURVE_POINT> points, float width) {
@@ -259,6 +259,10 @@ TEST_F(Picture, SmoothLinesCoverWhatTheyShould) {
         line({{0, 20}, {90, 20}}, 3);
         RestoreDC(dc, -1);
         line({}, 1);
+        SaveDC(dc);
+        ExcludeClipRect(dc, 60, 104, 140, 118);
+        line({{50, 114}, {150, 114}}, 1), line({{150, 107}, {170, 107}}, 1), line({{20, 110}, {40, 110}}, 1);
+        RestoreDC(dc, -1);
     }));
     EXPECT_EQ(image.At(20, 10), 0u);
     EXPECT_EQ(image.At(20, 9), 0xFFFFFFu);
@@ -281,6 +285,12 @@ TEST_F(Picture, SmoothLinesCoverWhatTheyShould) {
     EXPECT_NEAR(Grey(image.At(100, 100)), 127, 1) << "half a pixel wide, far points brought near";
     for (int x = 100; x < 200; ++x)
         EXPECT_EQ(image.At(x, 70), x >= 110 && x < 130 ? 0u : 0xFFFFFFu) << x;  // clipped, and moved by the origin
+    // A clip in parts: a line across the hole in it, and lines that lie beside one of its parts.
+    for (int x = 0; x < 200; ++x) {
+        EXPECT_EQ(image.At(x, 114), (x >= 50 && x < 60) || (x >= 140 && x <= 150) ? 0u : 0xFFFFFFu) << x;
+        EXPECT_EQ(image.At(x, 107), x >= 150 && x <= 170 ? 0u : 0xFFFFFFu) << x;
+        EXPECT_EQ(image.At(x, 110), x >= 20 && x <= 40 ? 0u : 0xFFFFFFu) << x;
+    }
 
     // Up and down over itself a line is what its parts are one by one.
     const ORVIK_CURVE_POINT up[] = {{20.3f, 90.2f}, {20.3f, 30}, {20.3f, 60}, {20.3f, 10.6f},

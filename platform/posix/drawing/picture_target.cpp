@@ -232,7 +232,7 @@ DWORD BlendCoverage(HDC dc, const Coverage& coverage, COLORREF colour) {
                 std::memcpy(&some, alpha + x, sizeof some);
                 if (some != 0) ink.Mix(row + x, alpha + x);  // most of the part is empty
             }
-            if (x == toX) continue;
+            if (x >= toX) continue;  // also of a part that lies beside the line
             uint32_t last[kBlock] = {};
             uint8_t weights[kBlock] = {};
             std::copy(row + x, row + toX, last);
