@@ -236,6 +236,12 @@ void FmtClock(const CVXTTime& time, std::string& date, std::string& clock) {
 void WriteDateAndTimeFmt(benchmark::State& state) {
     const auto times = Times();
     std::string date, clock;
+    for (const CVXTTime& time : times) {
+        char expected[64];
+        LibraryClock(time, expected);
+        FmtClock(time, date, clock);
+        BENCH_REQUIRE(date + " " + clock == expected);
+    }
     for (auto _ : state)
         for (const CVXTTime& time : times) {
             FmtClock(time, date, clock);

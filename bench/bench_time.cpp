@@ -71,6 +71,12 @@ void ToLocalLibrary(benchmark::State& state, bool random) {
 void ToLocalAbseil(benchmark::State& state, bool random) {
     const auto& stamps = Stamps(random);
     const absl::TimeZone zone = absl::LocalTimeZone();
+    for (size_t i = 0; i < stamps.size(); i += 16) {
+        const absl::CivilSecond civil = zone.At(absl::FromUnixMicros(stamps[i].GetBinaryTime())).cs;
+        const SYSTEMTIME library = FromLibrary(stamps[i]);
+        BENCH_REQUIRE(civil == absl::CivilSecond(library.wYear, library.wMonth, library.wDay, library.wHour, library.wMinute,
+                                                 library.wSecond));
+    }
     for (auto _ : state)
         for (const CVXTTime& stamp : stamps) {
             auto fields = zone.At(absl::FromUnixMicros(stamp.GetBinaryTime()));
@@ -96,6 +102,12 @@ const std::vector<tm>& LocalStamps(bool random) {
 template <class Convert>
 void FromLocal(benchmark::State& state, bool random, Convert convert) {
     const auto& stamps = LocalStamps(random);
+    for (size_t i = 0; i < stamps.size(); i += 16) {  // an hour that comes twice may be either
+        constexpr __int64 kHour = 3600;
+        tm fields = stamps[i];
+        const auto apart = static_cast<__int64>(convert(fields)) - Stamps(random)[i].GetAnsiTime();
+        BENCH_REQUIRE(apart == 0 || apart == kHour || apart == -kHour);
+    }
     for (auto _ : state)
         for (tm fields : stamps) {
             auto seconds = convert(fields);
