@@ -8,6 +8,7 @@
 
 #include "chart/floating_tag.h"
 #include "chart/unit_axis.h"
+#include "host/session/gap_list.h"
 #include "host/session/value_text.h"
 #include "host/words/console.h"
 #include "host/words/same_text.h"
@@ -91,6 +92,8 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
         m_from = std::max(m_from, -kFarthest) - kHalfSecond, m_to = std::min(m_to, kFarthest) + kHalfSecond;
         m_first = m_from, m_last = m_to;
     }
+    m_lastReading = m_last;
+    ReachToGaps();
 
     for (size_t i = 0; i < all.size(); ++i) {
         const Session::Channel& channel = all[i];
@@ -113,6 +116,18 @@ ChartModel::ChartModel(const Session& session, const std::vector<std::string>& c
     }
     ScaleUnits();
     ChoosePatterns();
+}
+
+void ChartModel::ReachToGaps() {
+    if (Count() == 0) return;
+    __int64 last = m_last;
+    for (const CRecordedGap& gap : Notes().Gaps()) {
+        if (gap.channels.empty() && HasMissing(gap)) last = std::max(last, gap.until);
+    }
+    if (last == m_last) return;
+    m_onlyTime.reset();
+    if (m_to == m_last) m_to = last;
+    m_last = last;
 }
 
 bool ChartModel::HasValues() const {
@@ -173,6 +188,10 @@ void ChartModel::ScaleUnits() {
 }
 
 void ChartModel::Load(IPropertyDB& db) {
+    if (m_session.Recorded() == nullptr) {
+        m_notes.Load(db, ChannelKeys(db));
+        ReachToGaps();
+    }
     db.BeginUsing(kFolder);
     CUnitContextList stored;
     stored.OnDBGet(&db);
@@ -203,8 +222,8 @@ std::optional<size_t> ChartModel::UnitOf(const std::string& channel) const {
 
 TagFrame ChartModel::FrameOf(const std::string& channel) const {
     const auto unit = UnitOf(channel);
-    if (!unit) return {m_first, m_last};
-    return {m_first, m_last, m_units[*unit].origin, m_units[*unit].extent};
+    if (!unit) return {m_first, m_lastReading};
+    return {m_first, m_lastReading, m_units[*unit].origin, m_units[*unit].extent};
 }
 
 // A tag whose channel is not told, or is gone, is the first channel's.

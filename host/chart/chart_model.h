@@ -42,12 +42,16 @@ public:
     // The lines of all series, wherever the readings are: a mapping for each, which differ in their values only.
     std::vector<ReducedSeries> Reduce(const std::vector<PlotMapping>& mappings) const;
 
-    // The times of the first and the last reading, and what is in view of them: all at first. 0 to 1 s without readings.
+    // Why readings are missing.
+    const RecordedNotes& Notes() const { return m_session.Recorded() != nullptr ? m_session.Recorded()->Notes() : m_notes; }
+
+    // The times of the first and the last reading, and what is in view of them: all at first. 0 to 1 s without readings. What is
+    // told to be missing behind the last reading counts: it may be what happens just now.
     __int64 First() const { return m_first; }
     __int64 Last() const { return m_last; }
     __int64 From() const { return m_from; }
     __int64 To() const { return m_to; }
-    // Of all readings, when there is but one.
+    // Of all readings, when there is but one and nothing is missing behind it.
     std::optional<__int64> OnlyTime() const { return m_onlyTime; }
     // Whether there is a finite value in any series.
     bool HasValues() const;
@@ -79,12 +83,14 @@ public:
     static COLORREF ColourIn(IPropertyDB& db, const std::string& key, size_t channel);
 
 private:
+    void ReachToGaps();
     void ScaleUnits();
     void ChoosePatterns();
     void LoadTags(IPropertyDB& db);
     void StoreTags(IPropertyDB& db) const;
 
     const Session& m_session;
+    RecordedNotes m_notes;  // of readings that are in memory
     std::vector<Series> m_series;
     std::vector<Unit> m_units;
     // Copies in the order of time, for a session that is not in it.
@@ -92,7 +98,7 @@ private:
     std::vector<std::vector<double>> m_sortedValues;
     std::vector<SeriesBlocks> m_blocks;  // of all channels, in the order of time; none of a recording
     const __int64* m_times = nullptr;
-    __int64 m_first = 0, m_last = 1'000'000, m_from = 0, m_to = 1'000'000;
+    __int64 m_first = 0, m_last = 1'000'000, m_lastReading = m_last, m_from = 0, m_to = 1'000'000;
     std::optional<__int64> m_onlyTime;
     std::vector<COLORREF> m_colours;  // of all channels
     std::vector<bool> m_hasValues;    // the same

@@ -10,6 +10,7 @@
 #include "host/chart/dashed_line.h"
 #include "host/chart/text_width.h"
 #include "host/chart/time_ticks.h"
+#include "host/session/gap_list.h"
 #include "host/words/texts.h"
 #include "platform/picture.h"
 
@@ -85,7 +86,10 @@ void ChartView::Draw(CDC& dc, const RECT& bounds, UINT dpi, const ChartColours& 
     dc.SelectObject(&ordinary);
     MeasureAndPlace(dc, bounds);
     DrawHeads(dc, ordinary, bold);
+    const std::vector<GapBand> gaps = m_axes.empty() ? std::vector<GapBand>() : GapBands(m_model.Notes(), PlotOf(0), Scaled(2));
+    FillGaps(dc, gaps);
     DrawAxes(dc);
+    NameGaps(dc, gaps);
     DrawTraces(dc);
     DrawTags(dc);
     dc.RestoreDC(saved);
@@ -219,6 +223,30 @@ PlotMapping ChartView::PlotOf(size_t unit) const {
             m_axes[unit]->GetExtent(),
             plot.bottom - 1,
             plot.top};
+}
+
+// Below everything else. A line that ends says nothing of how long, and a screen not whether it is being drawn at all.
+void ChartView::FillGaps(CDC& dc, const std::vector<GapBand>& gaps) const {
+    constexpr int kShade = 10;  // per cent
+    const RECT& plot = m_layout.plot;
+    for (const GapBand& gap : gaps) {
+        const RECT band = {gap.left, plot.top, gap.right, plot.bottom};
+        dc.FillSolidRect(&band, orvik::Mixed(m_colours.paper, m_colours.ink, kShade));
+    }
+}
+
+// Why, where there is room for it.
+void ChartView::NameGaps(CDC& dc, const std::vector<GapBand>& gaps) const {
+    dc.SetTextColor(m_colours.quiet);
+    const LONG margin = m_line / 4;
+    for (const GapBand& gap : gaps) {
+        const RECT place = {gap.left + margin, m_layout.plot.top + margin, gap.right - margin, m_layout.plot.top + margin + m_line};
+        const auto fits = [&](const std::string& text) { return WidthOfText(dc, text) <= place.right - place.left; };
+        std::string why = gap.only != nullptr ? CauseOf(*gap.only) : Say(Text::GapsInChart);
+        if (gap.only != nullptr && !fits(why)) why = CauseInWords(gap.only->cause);
+        if (place.bottom < m_layout.plot.bottom && fits(why)) Write(dc, why, place);
+    }
+    dc.SetTextColor(m_colours.ink);
 }
 
 void ChartView::DrawTraces(CDC& dc) {

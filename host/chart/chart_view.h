@@ -1,4 +1,4 @@
-// Draws a chart of a model: title, legend, one axis a unit, time axis, raster, traces, tags. The axes live as long as the view;
+// Draws a chart of a model: title, legend, one axis a unit, time axis, raster, bands where readings are missing, traces, tags. The axes live as long as the view;
 // their ranges are what is seen, so that whoever changes them changes the view. User-interface thread; the model is the caller's.
 //
 // The same chart looks alike wherever it is drawn: its font is "DejaVu Sans" where that is installed (the packages of this system
@@ -13,6 +13,7 @@
 #include "host/chart/chart_colours.h"
 #include "host/chart/chart_layout.h"
 #include "host/chart/chart_model.h"
+#include "host/chart/gap_bands.h"
 #include "host/chart/time_axis.h"
 #include "host/chart/value_axis.h"
 #include "platform/dpi.h"
@@ -50,6 +51,8 @@ private:
     void MeasureAndPlace(CDC& dc, const RECT& bounds);
     void DrawHeads(CDC& dc, CFont& ordinary, CFont& bold);
     void DrawAxes(CDC& dc);
+    void FillGaps(CDC& dc, const std::vector<GapBand>& gaps) const;
+    void NameGaps(CDC& dc, const std::vector<GapBand>& gaps) const;
     void DrawTraces(CDC& dc);
     void DrawTags(CDC& dc);
     void DrawWhatIsMissing(CDC& dc) const;

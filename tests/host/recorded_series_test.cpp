@@ -9,6 +9,7 @@
 #include <random>
 #include <thread>
 
+#include "comm/comm_exception.h"
 #include "host/chart/chart_file.h"
 #include "host/session/column_format.h"
 #include "host/session/database_file.h"
@@ -101,6 +102,10 @@ TEST_F(Recorded, ALineGoesOnOverReadingsThatWereNotDue) {
 TEST_F(Recorded, ThePictureIsTheSame) {
     Begin(3);
     Add(40'000);
+    CRecordedGap gap;  // behind the last reading
+    gap.number = 1, gap.missed = 60, gap.attempts = 3, gap.cause = CCommException::DeviceNotOpen;
+    gap.from = recorder.LastTime() + 1'000'000, gap.until = gap.from + 90'000'000'000, gap.text = "it was unplugged";
+    recorder.AddGap(gap);
     recorder.Close();
     SessionFile file = OpenSession(recording);
     ChartModel tagged(*file.session, {});
@@ -115,7 +120,9 @@ TEST_F(Recorded, ThePictureIsTheSame) {
         for (const char* kind : {"a.png", "a.svg"}) {
             ChartModel model(*one.session, {});
             model.Load(*one.db);
-            EXPECT_EQ(model.Tags().size(), 1u);
+            EXPECT_EQ(model.Tags(), tagged.Tags());
+            EXPECT_EQ(model.Last(), gap.until);
+            EXPECT_EQ(model.To(), gap.until);
             WriteChart(model, Path(kind), {900, 500});
             pictures.push_back(Read(kind));
         }
@@ -123,6 +130,7 @@ TEST_F(Recorded, ThePictureIsTheSame) {
     }
     EXPECT_EQ(pictures[0], pictures[2]);
     EXPECT_EQ(pictures[1], pictures[3]);
+    EXPECT_NE(pictures[1].find(gap.text), std::string::npos);
     EXPECT_THROW(SaveSession(recording, *OpenSession(session).session, *file.db), Failure);  // no archive in its place
     std::unique_ptr<IRecordingFile> held;
     ASSERT_EQ(CRecordingFile::OpenToWrite(recording, 2000, held), 0u);
