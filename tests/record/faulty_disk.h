@@ -29,6 +29,7 @@ struct Contents {
     std::function<void()> onCall;  // before every call; may throw, as a kill does
 
     void Write(unsigned __int64 at, const void* data, size_t size) {
+        if (size == 0) return;  // no bytes mean a cut
         const auto begin = static_cast<const unsigned char*>(data);
         if (bytes.size() < at + size) bytes.resize(at + size);
         std::copy(begin, begin + size, bytes.begin() + static_cast<std::ptrdiff_t>(at));
@@ -38,8 +39,15 @@ struct Contents {
         bytes.resize(size);
         changes.push_back({size, {}});
     }
+    // By its changes: the whole file each time is what most of a simulation's time would go into.
     void Force() {
-        forced = bytes;
+        for (const Change& change : changes) {
+            if (change.bytes.empty()) {
+                forced.resize(change.at);
+            } else {
+                Place(forced, change, change.bytes.size());
+            }
+        }
         changes.clear();
     }
 
@@ -55,12 +63,18 @@ struct Contents {
                 continue;
             }
             const size_t kept = fate == 1 ? random() % (change.bytes.size() + 1) : change.bytes.size();
-            if (bytes.size() < change.at + kept) bytes.resize(change.at + kept);
-            std::copy_n(change.bytes.begin(), kept, bytes.begin() + static_cast<std::ptrdiff_t>(change.at));
+            Place(bytes, change, kept);
         }
         // A length may be on the disk before what it counts.
         if (random() % 4 == 0 && bytes.size() < length) bytes.resize(length);
-        Force();
+        forced = bytes;
+        changes.clear();
+    }
+
+private:
+    static void Place(Bytes& all, const Change& change, size_t kept) {
+        if (all.size() < change.at + kept) all.resize(change.at + kept);
+        std::copy_n(change.bytes.begin(), kept, all.begin() + static_cast<std::ptrdiff_t>(change.at));
     }
 };
 
