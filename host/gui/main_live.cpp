@@ -118,7 +118,10 @@ void MainWindow::ShowNews(const LiveDownload::News& news, const DownloadPlan& pl
 
 void MainWindow::ShowFollowed() {
     const size_t count = m_document.GetSession()->Count();
-    ShowLive(Say(Text::LiveFollows, {std::to_string(count)}), count == 0 ? StatusLine::Mark::Waiting : StatusLine::Mark::Coming);
+    const bool lost = m_document.GetSession()->Recorded()->EndsInGap();
+    std::string live = Say(Text::LiveFollows, {std::to_string(count)});
+    if (lost) live += Say(Text::LiveSilent);
+    ShowLive(live, lost ? StatusLine::Mark::Lost : count == 0 ? StatusLine::Mark::Waiting : StatusLine::Mark::Coming);
 }
 
 void MainWindow::ShowLive(const std::string& house, StatusLine::Mark mark) {

@@ -7,6 +7,7 @@
 
 #include "host/session/channel_intervals.h"
 #include "host/session/damage_gaps.h"
+#include "host/session/gap_list.h"
 #include "host/words/console.h"
 #include "host/words/texts.h"
 
@@ -84,6 +85,14 @@ bool RecordedSeries::Update() {
     m_plan = {};
     ReadNotes();
     return true;
+}
+
+bool RecordedSeries::EndsInGap() const {
+    if (m_index.Spans().empty()) return false;
+    const __int64 last = m_index.Spans().back().lastTime;
+    return std::any_of(m_notes.Gaps().begin(), m_notes.Gaps().end(), [&](const CRecordedGap& gap) {
+        return gap.channels.empty() && HasMissing(gap) && gap.until >= last;
+    });
 }
 
 double RecordedSeries::CellOf(const CRecordingReader& reader, size_t channel) {

@@ -49,6 +49,8 @@ public:
     bool Update();
     // Somebody may still record into it: it does not say that it has ended.
     bool MayGrow() const { return !m_notes.Ended(); }
+    // Nothing has come since every channel began to miss readings.
+    bool EndsInGap() const;
 
     // The value of the last reading that asked for it; NaN without any.
     double LastValue(size_t channel);

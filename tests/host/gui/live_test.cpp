@@ -252,6 +252,17 @@ TEST_F(Live, ARecordingThatGrowsIsFollowed) {
     }
     EXPECT_FALSE(hands.window->Document().IsModified()) << "it is in the file";
     EXPECT_TRUE(hands.window->Document().Grows());
+    // While nothing comes, the chart goes on and the line says so.
+    const StatusLine& line = hands.window->Line();
+    CRecordedGap gap;
+    gap.number = gap.missed = gap.attempts = 1;
+    gap.from = recorder.LastTime() + kSecond, gap.until = gap.from + 20 * kSecond;
+    ASSERT_EQ(recorder.AddGap(gap), 0u);
+    Until([&] { return line.mark == StatusLine::Mark::Lost; });
+    EXPECT_EQ(line.live, Say(Text::LiveFollows, {std::to_string(Count())}) + Say(Text::LiveSilent));
+    EXPECT_EQ(End(), Last() + 21);
+    add(static_cast<int>(Count()) + 21, 1);
+    Until([&] { return line.mark == StatusLine::Mark::Coming; });
     ASSERT_EQ(recorder.AddEvent({kBegin, RE_ENDED, 0, {}}), 0u);
     Until([&] { return !hands.window->Document().Grows(); });
 }
