@@ -26,17 +26,27 @@ public:
         if (m_length > 0) m_alongX = (b.x - a.x) / m_length, m_alongY = (b.y - a.y) / m_length;  // a dot lies any way
     }
 
-    bool Cover(Coverage& coverage) const {
+    // All but the rows whose middles lie between `skipFrom` and `skipTo`.
+    bool Cover(Coverage& coverage, float skipFrom = kFar, float skipTo = -kFar) const {
         const float reach = m_width.reach;
         const int top = std::max(Floor(std::min(m_a.y, m_b.y) - reach), coverage.top);
         const int bottom = std::min(Ceil(std::max(m_a.y, m_b.y) + reach), coverage.top + coverage.height - 1);
         if (m_a.x == m_b.x && m_length > 0) {
             CoverUpright(coverage, top, bottom);
-        } else {
+        } else if (skipFrom > skipTo) {
             CoverRows(coverage, top, bottom);
+        } else {
+            CoverRows(coverage, top, std::min(bottom, Ceil(skipFrom) - 1));
+            CoverRows(coverage, std::max(top, Floor(skipTo) + 1), bottom);
         }
         return top <= bottom;
     }
+
+    static int Floor(float value) {
+        const int whole = static_cast<int>(value);
+        return whole - (static_cast<float>(whole) > value ? 1 : 0);
+    }
+    static int Ceil(float value) { return -Floor(-value); }
 
 private:
     // Far points are near enough for a square; and calls of the library would take longer than a row does.
@@ -44,12 +54,6 @@ private:
         const double wideX = static_cast<double>(x), wideY = static_cast<double>(y);
         return static_cast<float>(std::sqrt(wideX * wideX + wideY * wideY));
     }
-    static int Floor(float value) {
-        const int whole = static_cast<int>(value);
-        return whole - (static_cast<float>(whole) > value ? 1 : 0);
-    }
-    static int Ceil(float value) { return -Floor(-value); }
-
     static uint8_t* PixelAt(Coverage& coverage, int x, int y) {
         return coverage.pixels.data() + static_cast<size_t>(y - coverage.top) * static_cast<size_t>(coverage.width) +
                static_cast<size_t>(x - coverage.left);
@@ -110,6 +114,18 @@ private:
     Width m_width;
     float m_length, m_alongX = 1, m_alongY = 0;
 };
+
+// The points of a piece from `begin` to before `end` stand on one upright line, as those of a column of a long series do: up and
+// down on it is the line from the lowest to the highest.
+struct Upright {
+    Upright(std::span<const ORVIK_CURVE_POINT> piece, size_t begin)
+        : end(begin), x(piece[begin].x), low(piece[begin].y), high(low) {
+        for (; end < piece.size() && piece[end].x == x; ++end)
+            low = std::min(low, piece[end].y), high = std::max(high, piece[end].y);
+    }
+    size_t end;
+    float x, low, high;
+};
 }  // namespace
 
 SmoothPath SmoothPathOf(const ORVIK_CURVE_POINT* points, int count) {
@@ -146,16 +162,21 @@ bool CoverSmoothLine(const SmoothPath& path, float width, Coverage& coverage) {
     const Width edges(width);
     bool touched = false;
     EachPiece(path, [&](std::span<const ORVIK_CURVE_POINT> piece) {
-        if (piece.size() == 1) touched |= Segment(piece[0], piece[0], edges).Cover(coverage);
-        for (size_t i = 1; i < piece.size(); ++i) {
-            ORVIK_CURVE_POINT a = piece[i - 1], b = piece[i];
-            // Up and down on one upright line, as the columns of long series go, is the line from the lowest to the highest.
-            if (a.x == b.x) {
-                if (b.y < a.y) std::swap(a.y, b.y);
-                for (; i + 1 < piece.size() && piece[i + 1].x == a.x; ++i)
-                    a.y = std::min(a.y, piece[i + 1].y), b.y = std::max(b.y, piece[i + 1].y);
-            }
-            touched |= Segment(a, b, edges).Cover(coverage);
+        Upright from(piece, 0);
+        if (from.end == piece.size() && from.high == from.low) touched |= Segment(piece[0], piece[0], edges).Cover(coverage);
+        for (;;) {
+            if (from.high > from.low) touched |= Segment({from.x, from.low}, {from.x, from.high}, edges).Cover(coverage);
+            const size_t at = from.end;
+            if (at == piece.size()) break;
+            const Upright to(piece, at);
+            const Segment between(piece[at - 1], piece[at], edges);
+            // Where two uprights stand beside each other, no pixel's middle lies between them, and each is nearer to one of them
+            // than to what joins them: the rows that both have are covered.
+            const bool beside = std::abs(to.x - from.x) <= 1 &&
+                                Segment::Floor(std::min(from.x, to.x)) + 1 >= Segment::Ceil(std::max(from.x, to.x));
+            touched |= beside ? between.Cover(coverage, std::max(from.low, to.low), std::min(from.high, to.high))
+                              : between.Cover(coverage);
+            from = to;
         }
     });
     return touched;

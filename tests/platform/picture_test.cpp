@@ -292,9 +292,10 @@ TEST_F(Picture, SmoothLinesCoverWhatTheyShould) {
         EXPECT_EQ(image.At(x, 110), x >= 20 && x <= 40 ? 0u : 0xFFFFFFu) << x;
     }
 
-    // Up and down over itself a line is what its parts are one by one.
-    const ORVIK_CURVE_POINT up[] = {{20.3f, 90.2f}, {20.3f, 30}, {20.3f, 60}, {20.3f, 10.6f},
-                                    {20.3f, 40},    {31, 80},    {31, 20},    {31, 95}};
+    // Up and down over itself, and from column to column, a line is what its parts are one by one.
+    const ORVIK_CURVE_POINT up[] = {{20.3f, 90.2f}, {20.3f, 30}, {20.3f, 60}, {20.3f, 10.6f}, {20.3f, 40}, {31, 80},
+                                    {31, 20},       {31, 95},    {32, 50},    {32, 15},       {32, 70},    {33, 90},
+                                    {33, 98},       {33.6f, 40}, {33.6f, 20}, {34.4f, 5},     {34.4f, 50}};
     const auto draw = [&](const char* name, bool apart) {
         return ReadPng(Draw(name, 50, 100, [&](HDC dc) {
             std::vector<ORVIK_CURVE_POINT> line;

@@ -196,11 +196,15 @@ public:
     explicit Ink(uint32_t pixel) {
         for (size_t i = 0; i < sizeof m_bytes; ++i) m_bytes[i] = static_cast<uint8_t>(pixel >> i % 4 * 8);
     }
+    void Fill(uint32_t* pixels) const { std::memcpy(pixels, m_bytes, sizeof m_bytes); }
     // Each pixel as much as its weight says, 0..255.
     void Mix(uint32_t* pixels, const uint8_t* weights) const {
         uint8_t share[sizeof m_bytes], under[sizeof m_bytes];
         std::memcpy(under, pixels, sizeof under);
-        for (size_t i = 0; i < sizeof share; ++i) share[i] = weights[i / 4];
+        for (size_t i = 0; i < kBlock; ++i) {
+            const uint32_t each = weights[i] * 0x01010101u;  // for all four bytes of its pixel
+            std::memcpy(share + i * sizeof each, &each, sizeof each);
+        }
         for (size_t i = 0; i < sizeof under; ++i) {
             // By 255, rounded to the nearest: v / 255 is (v + 1 + v / 256) / 256 for all v that fit 16 bits.
             const auto sum = static_cast<uint16_t>(m_bytes[i] * share[i] + under[i] * (255 - share[i]) + 127);
@@ -230,7 +234,12 @@ DWORD BlendCoverage(HDC dc, const Coverage& coverage, COLORREF colour) {
             for (; x + kBlock <= toX; x += kBlock) {
                 uint64_t some;
                 std::memcpy(&some, alpha + x, sizeof some);
-                if (some != 0) ink.Mix(row + x, alpha + x);  // most of the part is empty
+                if (some == 0) continue;  // as most of the part is
+                if (some == ~uint64_t{0}) {
+                    ink.Fill(row + x);
+                } else {
+                    ink.Mix(row + x, alpha + x);
+                }
             }
             if (x >= toX) continue;  // also of a part that lies beside the line
             uint32_t last[kBlock] = {};
