@@ -1,15 +1,12 @@
 """The loggers of a station side by side: record, status and reload as a user calls them, on either home."""
 import json
-import os
-import re
-import resource
 import signal
 import socket
 import subprocess
 import time
 
-import test_host
-from test_host import HostTest, native
+import host_calls
+from host_calls import HostTest, native
 
 METER = """<PROPERTYDB>
  <PROPERTY name="sFamily">Modbus</PROPERTY><PROPERTY name="sName">Meter</PROPERTY><PROPERTY name="nSlave">17</PROPERTY>
@@ -131,7 +128,7 @@ class Stations(HostTest):
         self.assertIn("goes on as it was", self.refused(1, "reload", "st.xml"))
         self.until(lambda l: l["stays"]["made"] > before["stays"]["made"] + 5)
         self.assertIsNone(recorder.poll())
-        if not test_host.options.wine:
+        if not host_calls.options.wine:
             recorder.send_signal(signal.SIGTERM)
             self.assertEqual(recorder.wait(timeout=30), 2)
         else:
@@ -201,4 +198,4 @@ class Stations(HostTest):
 
 
 if __name__ == "__main__":
-    test_host.main()
+    host_calls.main()
